@@ -1,0 +1,9 @@
+# One program for each source file; ./bench runs them.
+file(GLOB benchmark_sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/*_bench.cpp)
+foreach(source IN LISTS benchmark_sources)
+  get_filename_component(name ${source} NAME_WE)
+  add_executable(${name} ${source})
+  target_link_libraries(${name} PRIVATE product warnings test_support simcore coredll_calls commctrl
+    commdlg product ${SIM_HOST_LIBRARIES})
+  target_link_options(${name} PRIVATE -static)
+endforeach()

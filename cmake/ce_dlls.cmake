@@ -1,0 +1,119 @@
+# The DLL lists of platform/*.def and what is made from them:
+#   ce_read_list(VAR FILE)                 the names of one list
+#   ce_import_library(NAME DLL CALLS LIST... [PLAIN LIST...])  an import library; symbols ce_NAME, or plain NAME
+#   ce_simulator_exports(TARGET DLL FORWARDS LISTS...)  module-definition file and loud stubs, see there
+#   ce_names_header(FILE LISTS...)         the renaming that platform/include/windows.h includes
+function(ce_read_list var file)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${file})
+  file(STRINGS ${file} lines REGEX "^[A-Za-z_][A-Za-z0-9_]*$")
+  list(REMOVE_ITEM lines EXPORTS)
+  set(${var} ${lines} PARENT_SCOPE)
+endfunction()
+
+function(ce_import_library name dll)
+  cmake_parse_arguments(PARSE_ARGV 2 arg "" "" "CALLS;PLAIN")
+  set(def "LIBRARY ${dll}\nEXPORTS\n")
+  foreach(list IN LISTS arg_CALLS)
+    ce_read_list(names ${list})
+    foreach(n IN LISTS names)
+      string(APPEND def "ce_${n} == ${n}\n")
+    endforeach()
+  endforeach()
+  foreach(list IN LISTS arg_PLAIN)
+    ce_read_list(names ${list})
+    foreach(n IN LISTS names)
+      string(APPEND def "${n}\n")
+    endforeach()
+  endforeach()
+  set(def_file ${CMAKE_CURRENT_BINARY_DIR}/${name}.def)
+  file(CONFIGURE OUTPUT ${def_file} CONTENT "${def}")
+  set(lib ${CMAKE_CURRENT_BINARY_DIR}/lib${name}.a)
+  add_custom_command(OUTPUT ${lib} DEPENDS ${def_file} VERBATIM
+    COMMAND ${CMAKE_DLLTOOL} --input-def ${def_file} --output-lib ${lib})
+  add_custom_target(${name}_file DEPENDS ${lib})
+  add_library(${name} STATIC IMPORTED GLOBAL)
+  set_target_properties(${name} PROPERTIES IMPORTED_LOCATION ${lib})
+  add_dependencies(${name} ${name}_file)
+endfunction()
+
+function(ce_names_header file)
+  set(calls "")
+  set(definitions "")
+  foreach(list IN LISTS ARGN)
+    ce_read_list(names ${list})
+    foreach(n IN LISTS names)
+      string(APPEND calls "#pragma redefine_extname ${n} ce_${n}\n")
+      string(APPEND definitions "#pragma redefine_extname ${n} _ce_${n}\n")
+    endforeach()
+  endforeach()
+  file(CONFIGURE OUTPUT ${file} CONTENT "// Made from platform/*.def. GCC writes __imp__ + name for an import, the bare name for a definition.
+#ifdef CE_DEFINES_EXPORTS\n${definitions}#else\n${calls}#endif\n")
+endfunction()
+
+# Each listed name is, in this order: defined in one of the target's exports_*.cpp sources; forwarded to
+# a DLL of the host, as a row "NAME DLL" of the forwards file says; or a stub that ends the process with
+# a message, so that nothing unfinished passes silently.
+function(ce_simulator_exports target dll forwards)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${forwards})
+  file(STRINGS ${forwards} rows REGEX "^[A-Za-z_][A-Za-z0-9_]* [a-z0-9]+$")
+  foreach(row IN LISTS rows)
+    string(REPLACE " " ";" row "${row}")
+    list(GET row 0 n)
+    list(GET row 1 to_${n})
+  endforeach()
+  get_target_property(sources ${target} SOURCES)
+  foreach(source IN LISTS sources)
+    if(source MATCHES "\\.cpp$")
+      set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${source})
+      file(STRINGS ${source} lines REGEX "(WINAPI|WINAPIV|CE_CALL) [A-Za-z_][A-Za-z0-9_]*\\(")
+      foreach(line IN LISTS lines)
+        string(REGEX REPLACE "^.*(WINAPI|WINAPIV|CE_CALL) ([A-Za-z_][A-Za-z0-9_]*)\\(.*$" "\\2" n "${line}")
+        set(defined_${n} ON)
+      endforeach()
+    endif()
+  endforeach()
+  set(def "LIBRARY ${dll}\nEXPORTS\n")
+  set(stubs "")
+  foreach(list IN LISTS ARGN)
+    ce_read_list(names ${list})
+    foreach(n IN LISTS names)
+      if(defined_${n})
+        string(APPEND def "${n} = ce_${n}\n")
+      elseif(DEFINED to_${n})
+        string(APPEND def "${n} = ${to_${n}}.${n}\n")
+      else()
+        string(APPEND def "${n} = ce_${n}\n")
+        string(APPEND stubs "    .globl _ce_${n}\n_ce_${n}: push $1f\n    call _ce_not_there_yet\n1:  .asciz \"${n}\"\n")
+      endif()
+    endforeach()
+  endforeach()
+  file(CONFIGURE OUTPUT ${CMAKE_CURRENT_BINARY_DIR}/${target}_exports.def CONTENT "${def}")
+  file(CONFIGURE OUTPUT ${CMAKE_CURRENT_BINARY_DIR}/${target}_stubs.S CONTENT "    .text\n${stubs}" @ONLY)
+  target_sources(${target} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${target}_exports.def
+                                   ${CMAKE_CURRENT_BINARY_DIR}/${target}_stubs.S)
+  get_filename_component(stem ${dll} NAME_WE)
+  set_target_properties(${target} PROPERTIES PREFIX "" OUTPUT_NAME ${stem} SUFFIX .dll)
+endfunction()
+
+# ce_call_ids(FILE LISTS...): the names of all calls as an enumeration, in the order of the lists.
+function(ce_call_ids file)
+  set(rows "")
+  set(names "")
+  foreach(list IN LISTS ARGN)
+    ce_read_list(names_of_list ${list})
+    foreach(n IN LISTS names_of_list)
+      string(APPEND rows "    ${n},\n")
+      string(APPEND names "    \"${n}\",\n")
+    endforeach()
+  endforeach()
+  file(CONFIGURE OUTPUT ${file} CONTENT "// Made from platform/*.def.
+#pragma once
+namespace sim {
+enum class Call : unsigned short {
+${rows}    kCount
+};
+inline constexpr const char* kCallNames[] = {
+${names}};
+}  // namespace sim
+")
+endfunction()

@@ -1,0 +1,17 @@
+// The simulator's own exports, for tests and tools that run inside one process with the program's code,
+// and what a call ends in that the simulator does not have.
+#include "simulator/store/device.h"
+
+#include <windows.h>
+
+#include <cstdio>
+
+// Makes coredll.dll of this process run on the device in `folder` (a host path; empty for none).
+extern "C" void WINAPI SimAttachDevice(const wchar_t* folder) __asm__("_ce_SimAttachDevice");
+void WINAPI SimAttachDevice(const wchar_t* folder) { sim::Device::Attach(folder); }
+
+extern "C" void __cdecl ce_not_there_yet(const char* name) {
+    std::fprintf(stderr, "coredll: %s is not in the simulator\n", name);
+    std::fflush(stderr);
+    sim::EndThisProcess(0xCE);
+}

@@ -1,0 +1,81 @@
+// Every call that the program makes passes here on its way into the simulator: it is counted, traced,
+// delayed, made to fail, or is where the process dies, as the device's fault rules say. Included by
+// sources of either side, so it names no platform type.
+#pragma once
+
+#include "call_ids.h"
+
+#include <cstdint>
+#include <string>
+
+namespace sim {
+
+// The text of one argument or result in a trace.
+std::string Describe(const wchar_t* text);
+std::string Describe(const void* pointer);
+std::string DescribeNumber(long long number);
+template <typename T>
+std::string Describe(const T& value) {
+    return DescribeNumber(static_cast<long long>(value));
+}
+template <typename T>
+std::string Describe(T* pointer) {
+    return Describe(static_cast<const void*>(pointer));
+}
+inline std::string Describe(wchar_t* text) { return Describe(static_cast<const wchar_t*>(text)); }
+
+// One call on its way through. Costs a few instructions while nothing watches it.
+class GateEntry {
+public:
+    explicit GateEntry(Call call);
+    // True when arguments must be told: a trace is on, or a rule of this call matches by argument.
+    bool wants_arguments() const { return wants_arguments_; }
+    void AddArgument(const std::string& text);
+    // After the arguments: waits, dies, or answers the error that this call must fail with (0: none).
+    std::uint32_t Decide();
+    bool traces() const { return traces_; }
+    // Keeps the thread's last error as it is.
+    void Finish(const std::string& result);
+
+private:
+    Call call_;
+    bool watched_ = false;
+    bool wants_arguments_ = false;
+    bool traces_ = false;
+    std::string arguments_;
+};
+
+void SetHostError(std::uint32_t error);
+
+// Runs `body` as the platform call `call`. A failing rule sets the last error and gives `failure`.
+template <typename Result, typename Body, typename... Arguments>
+Result Gated(Call call, Result failure, Body&& body, const Arguments&... arguments) {
+    GateEntry entry(call);
+    if (entry.wants_arguments()) { (entry.AddArgument(Describe(arguments)), ...); }
+    if (const std::uint32_t error = entry.Decide()) {
+        SetHostError(error);
+        return failure;
+    }
+    Result result = body();
+    if (entry.traces()) { entry.Finish(Describe(result)); }
+    return result;
+}
+
+// The same for calls that answer an error code, as the registry's do.
+template <typename Body, typename... Arguments>
+long GatedStatus(Call call, Body&& body, const Arguments&... arguments) {
+    GateEntry entry(call);
+    if (entry.wants_arguments()) { (entry.AddArgument(Describe(arguments)), ...); }
+    if (const std::uint32_t error = entry.Decide()) { return static_cast<long>(error); }
+    const long result = body();
+    if (entry.traces()) { entry.Finish(Describe(result)); }
+    return result;
+}
+
+// The same for calls without a result; a failing rule makes them do nothing.
+template <typename Body, typename... Arguments>
+void GatedVoid(Call call, Body&& body, const Arguments&... arguments) {
+    Gated(call, 0, [&] { body(); return 1; }, arguments...);
+}
+
+}  // namespace sim

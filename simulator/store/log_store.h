@@ -1,0 +1,70 @@
+// A device's state as one append-only log with a published length. Each process keeps an ordinary map
+// in memory and reads what was appended since; a writer holds a lock, appends, then publishes the new
+// length with one store, so that what is not published does not exist and nothing is torn by a kill.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace sim {
+
+class LogStore {
+public:
+    using Map = std::map<std::u16string, std::string>;
+
+    // Opens or makes `state.log` and `state.head` in `folder` (a host folder that exists). Throws
+    // std::runtime_error when that is not possible.
+    explicit LogStore(const std::wstring& folder);
+    ~LogStore();
+    LogStore(const LogStore&) = delete;
+    LogStore& operator=(const LogStore&) = delete;
+
+    // Whoever reads or changes the state holds a View or a Change for that long. Both may be nested in
+    // one thread. A View sees everything published before it was made.
+    class View {
+    public:
+        explicit View(LogStore& store);
+        const std::string* Find(const std::u16string& key) const;
+        const Map& map() const;
+
+    protected:
+        LogStore& store_;
+        std::unique_lock<std::recursive_mutex> guard_;
+    };
+
+    // Several changes that are published together or, when the process dies before the end, not at
+    // all. The map shows them at once to this process. The outermost Change publishes.
+    class Change : public View {
+    public:
+        explicit Change(LogStore& store);
+        ~Change();
+        void Set(const std::u16string& key, std::string value);
+        void Erase(const std::u16string& key);
+    };
+
+    // Writes the present state as a new, shorter log. Only while no other process has the store open.
+    void Compact();
+
+    const std::wstring& folder() const { return folder_; }
+
+private:
+    struct Files;
+    void CatchUp();
+    void Apply(const char* bytes, std::size_t size);
+    void Publish();
+
+    std::wstring folder_;
+    std::unique_ptr<Files> files_;
+    std::recursive_mutex mutex_;
+    Map map_;
+    std::uint32_t read_ = 0;
+    int change_depth_ = 0;
+    std::string pending_;
+};
+
+}  // namespace sim

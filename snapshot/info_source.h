@@ -1,0 +1,22 @@
+// Where the matching and pruning code gets an object's description from. Platform-free.
+#pragma once
+
+#include "storage/info_block.h"
+
+#include <cstdint>
+
+namespace tolvenar {
+
+class InfoSource {
+public:
+    // Describes the live object: a registry object by `TolvOID` from the registry-object table, any
+    // other by `dwOID`; both 0 is the state being written. False when it cannot be described.
+    virtual bool GetOIDInfo(std::uint32_t TolvOID, std::uint32_t dwOID, InfoBlock& block) = 0;
+    // Reads the block at `offset` of the open storage file. False when it cannot be read.
+    virtual bool GetInfoFromStorage(std::uint32_t offset, InfoBlock& block) = 0;
+
+protected:
+    ~InfoSource() = default;
+};
+
+}  // namespace tolvenar

@@ -1,0 +1,64 @@
+// The registry-object table of one operation: what a registry scan met, found by generated identifier,
+// and the making of those identifiers. Platform-free.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace tolvenar {
+
+constexpr char16_t kNameSeparator = 0x00FF;  // between key path and value name
+
+// Identifier of a registry object: checksum of the full name with its terminator in bits 0-15, low
+// byte of the data's checksum in bits 16-23, collision counter in bits 24-31.
+std::uint32_t MakeTolvOID(const char16_t* path, const void* data, std::size_t data_bytes,
+                          std::uint16_t counter);
+
+// Only these bits are compared between scans: the collision counter depends on the order of a scan.
+constexpr std::uint32_t kTolvOidMask = 0x00FFFFFF;
+
+struct RegistryObject {
+    std::uint32_t TolvOID;
+    std::uint32_t hive;       // root key handle value
+    bool is_key;
+    std::uint32_t value_type; // 0 for a key
+    std::uint32_t data_bytes;
+    char16_t* key_path;       // owned by the table
+    char16_t* value_name;     // owned; null for a key
+    RegistryObject* next;     // newest first
+    RegistryObject* bucket_next;
+};
+
+class RegistryObjects {
+public:
+    RegistryObjects() = default;
+    ~RegistryObjects() { RegObjectClear(); }
+    RegistryObjects(const RegistryObjects&) = delete;
+    RegistryObjects& operator=(const RegistryObjects&) = delete;
+
+    // Enters an object with copies of the texts. 0 when the key path is absent or memory is short;
+    // nothing is entered then.
+    int RegObjectAdd(std::uint32_t TolvOID, bool is_key, std::uint32_t hive, std::uint32_t value_type,
+                     std::uint32_t data_bytes, const char16_t* key_path, const char16_t* value_name);
+    // The newest entry with this identifier, or null.
+    const RegistryObject* RegObjectFind(std::uint32_t TolvOID) const;
+    void RegObjectClear();
+
+    // Takes the first identifier that is free, logging each collision, and enters the object. 0 when
+    // 256 tries found none (the counter has 8 bits) or memory is short; else the identifier is in
+    // `TolvOID_out`.
+    int Generate(const char16_t* full_name, const void* data, std::size_t data_length, bool is_key,
+                 std::uint32_t hive, std::uint32_t value_type, std::uint32_t data_bytes,
+                 const char16_t* key_path, const char16_t* value_name,
+                 std::uint32_t& TolvOID_out);
+
+private:
+    bool Grow();
+
+    RegistryObject* first_ = nullptr;
+    RegistryObject** buckets_ = nullptr;
+    std::size_t bucket_count_ = 0;
+    std::size_t count_ = 0;
+};
+
+}  // namespace tolvenar

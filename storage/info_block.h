@@ -1,0 +1,67 @@
+// The description of one object: the head of its data block in the storage file, and the same in
+// memory. docs/formats/storage-file.md. Platform-free.
+#pragma once
+
+#include "snapshot/object_record.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+namespace tolvenar {
+
+// Little-endian. The name stands at offset 26, zero-terminated, so the first unit of it is the last
+// field here and a block with a name of n bytes has 28 + n bytes.
+struct InfoBlockHead {
+    std::uint32_t word0;  // root key, attributes, database type, number of properties
+    std::uint32_t word4;  // value type, number of sort orders
+    std::uint32_t time_low;   // FILETIME
+    std::uint32_t time_high;
+    std::uint32_t data_bytes;
+    std::uint16_t type;        // ObjectType
+    std::uint16_t name_bytes;  // without terminator
+    std::uint16_t zero;
+    char16_t first_name_unit;
+};
+static_assert(sizeof(InfoBlockHead) == 28 && offsetof(InfoBlockHead, type) == 20 &&
+              offsetof(InfoBlockHead, first_name_unit) == 26);
+
+constexpr std::size_t kInfoHeadBytes = 28;
+constexpr std::size_t kInfoNameOffset = 26;
+constexpr std::size_t kInfoBlockBytes = 548;  // the longest block that is kept or read
+// 260 units with the terminator.
+constexpr std::size_t kMaxNameBytes = kInfoBlockBytes - kInfoHeadBytes;
+
+// A buffer for one block, head and name. The name may be changed in place but never made longer.
+class InfoBlock {
+public:
+    InfoBlock() { Clear(); }
+    void Clear() { std::memset(bytes_, 0, sizeof bytes_); }
+
+    InfoBlockHead& head() { return *reinterpret_cast<InfoBlockHead*>(bytes_); }
+    const InfoBlockHead& head() const { return *reinterpret_cast<const InfoBlockHead*>(bytes_); }
+    char16_t* name() { return reinterpret_cast<char16_t*>(bytes_ + kInfoNameOffset); }
+    const char16_t* name() const {
+        return reinterpret_cast<const char16_t*>(bytes_ + kInfoNameOffset);
+    }
+    ObjectType type() const { return static_cast<ObjectType>(head().type); }
+
+    std::uint8_t* bytes() { return bytes_; }
+    const std::uint8_t* bytes() const { return bytes_; }
+    // Bytes of the block as it is stored and checksummed.
+    std::size_t size() const { return kInfoHeadBytes + head().name_bytes; }
+
+    // Sets the name from `units` UTF-16 units; false, and an empty name, when it is too long.
+    bool SetName(const char16_t* text, std::size_t units);
+    // Adds to the name; false, and the name as it was, when the whole is too long.
+    bool AppendName(const char16_t* text, std::size_t units);
+
+private:
+    alignas(4) std::uint8_t bytes_[kInfoBlockBytes + 4];
+};
+
+// Parses a stored block out of `available` bytes (unaligned) into `block`. False when the bytes end
+// inside it, or its name is of odd length or does not fit.
+bool ParseInfoBlock(const void* bytes, std::size_t available, InfoBlock& block);
+
+}  // namespace tolvenar

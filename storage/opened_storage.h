@@ -1,0 +1,27 @@
+// The open storage: its names, header, journal and the lists of the operation that runs. The
+// application owns one and hands it on by reference.
+#pragma once
+
+#include "snapshot/object_list.h"
+#include "snapshot/registry_objects.h"
+#include "storage/storage_header.h"
+#include "storage/storage_names.h"
+
+#include <memory>
+
+namespace tolvenar {
+
+struct OpenedStorage {
+    StorageNames names;
+    std::unique_ptr<StorageHeader> header;   // null while no storage is open
+    std::unique_ptr<ObjectList> journal;     // every record of every state; null when not loaded
+    std::unique_ptr<ObjectList> list1;       // the older state
+    std::unique_ptr<ObjectList> list2;       // the newer state or the device
+    std::unique_ptr<ObjectList> difference;  // what differs, for writer, restore and tree
+    RegistryObjects registry_objects;        // what the last registry scan met
+};
+
+// Frees the working lists without saving, the difference list too when `all` is set.
+void FreeWorkingLists(OpenedStorage& storage, bool all);
+
+}  // namespace tolvenar

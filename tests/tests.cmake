@@ -1,0 +1,37 @@
+# One GoogleTest program for each folder of tests/; its suites become CTest entries.
+add_test(NAME imports COMMAND ${CMAKE_COMMAND} -DOBJDUMP=${CMAKE_OBJDUMP}
+  -DPROGRAMS=$<TARGET_FILE:Tolvenar> -P ${CMAKE_SOURCE_DIR}/cmake/check_imports.cmake)
+
+# What tests share: a fresh device for each case, host-side helpers.
+file(GLOB support_sources CONFIGURE_DEPENDS tests/support/*.cpp)
+if(support_sources)
+  add_library(test_support STATIC ${support_sources})
+  target_link_libraries(test_support PUBLIC ce_headers warnings simcore GTest::gtest)
+endif()
+
+file(GLOB test_folders CONFIGURE_DEPENDS LIST_DIRECTORIES true RELATIVE ${CMAKE_SOURCE_DIR}/tests
+  tests/*)
+foreach(folder IN LISTS test_folders)
+  file(GLOB sources CONFIGURE_DEPENDS tests/${folder}/*.cpp)
+  if(NOT sources OR folder STREQUAL "support")
+    continue()
+  endif()
+  set(name ${folder}_test)
+  add_executable(${name} ${sources})
+  target_link_libraries(${name} PRIVATE product warnings simcore GTest::gtest_main
+    coredll_calls commctrl commdlg)
+  if(TARGET test_support)
+    target_link_libraries(${name} PRIVATE test_support product)
+  endif()
+  target_link_libraries(${name} PRIVATE ${SIM_HOST_LIBRARIES})
+  target_link_options(${name} PRIVATE -static)
+  target_compile_definitions(${name} PRIVATE
+    TOLVENAR_SOURCE_DIR="${CMAKE_SOURCE_DIR}" TOLVENAR_BIN_DIR="${CMAKE_BINARY_DIR}/bin")
+  add_dependencies(${name} sim_coredll sim_commctrl sim_commdlg Tolvenar)
+  # A folder whose tests need the keyboard focus, or the whole machine, says so in a file.
+  set(properties TIMEOUT 300)
+  if(EXISTS ${CMAKE_SOURCE_DIR}/tests/${folder}/run_serial)
+    list(APPEND properties RUN_SERIAL ON)
+  endif()
+  add_suites(${name} SOURCES ${sources} PROPERTIES ${properties})
+endforeach()
