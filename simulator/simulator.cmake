@@ -4,10 +4,15 @@ set(SIM ${CMAKE_CURRENT_LIST_DIR})
 ce_call_ids(${GENERATED}/call_ids.h ${P}/coredll.def ${P}/commctrl.def ${P}/commdlg.def)
 set(SIM_HOST_LIBRARIES comctl32 comdlg32 gdi32 user32 advapi32 kernel32)
 
+# Header-only, so the machine's own copy serves; its folder alone, or the machine's C headers come along.
+file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/host_include)
+file(CREATE_LINK /usr/include/nlohmann ${CMAKE_BINARY_DIR}/host_include/nlohmann SYMBOLIC)
+
 file(GLOB sim_sources CONFIGURE_DEPENDS ${SIM}/*/*.cpp)
 list(FILTER sim_sources EXCLUDE REGEX "/simulator/(exports|cedev)/")
 add_library(simcore STATIC ${sim_sources})
 target_include_directories(simcore PUBLIC ${CMAKE_SOURCE_DIR} ${GENERATED})
+target_include_directories(simcore SYSTEM PUBLIC ${CMAKE_BINARY_DIR}/host_include)
 target_compile_definitions(simcore PRIVATE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN
   _WIN32_WINNT=0x0601)
 target_link_libraries(simcore PRIVATE warnings)
