@@ -1,6 +1,10 @@
 # Sources that include no platform header and so build natively too, and the tests that run there.
 set(PLATFORM_FREE_SOURCES
   snapshot/checksum.cpp
+  snapshot/object_list.cpp
+  snapshot/registry_objects.cpp
+  snapshot/text_buffer.cpp
+  storage/info_block.cpp
 )
 set(PLATFORM_FREE_TESTS
 )

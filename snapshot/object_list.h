@@ -20,6 +20,8 @@ public:
         Node* previous;
         Node* next;
         Node* bucket_next;
+        // Insertions into this list before this one: the walk meets greater serials first.
+        std::uint32_t serial;
     };
     // A place in a walk from the front; null at the end.
     using Cursor = Node*;
@@ -59,12 +61,14 @@ public:
 private:
     ObjectList() = default;
     bool Grow();
-    std::size_t BucketOf(const ObjectKey& key) const;
+    Node*& BucketOf(const ObjectKey& key) const;
+    Node* NewNode(const ObjectKey& key, ObjectRecord* record);
 
     Node* first_ = nullptr;
     Node** buckets_ = nullptr;
     std::size_t bucket_count_ = 0;
     std::size_t count_ = 0;
+    std::uint32_t next_serial_ = 0;
 };
 
 // A zero-filled copy on the private heap, to be given to InsertByKey or freed with `delete`. Null when
