@@ -1,0 +1,98 @@
+// Every call on the platform's object-store databases, and the handles that a restore keeps open.
+#pragma once
+
+#include "platform/win32.h"
+
+#include <cstddef>
+
+#include "platform/heap.h"
+
+namespace tolvenar {
+
+// The buffer that ReadRecordProps fills. The platform allocates it from the private heap and may
+// move it with every read, also with one that fails. Freed at the end.
+class RecordBuffer {
+public:
+    RecordBuffer() = default;
+    ~RecordBuffer() { HeapRelease(bytes_); }
+    RecordBuffer(const RecordBuffer&) = delete;
+    RecordBuffer& operator=(const RecordBuffer&) = delete;
+
+    BYTE* bytes() const { return bytes_; }
+    DWORD size() const { return size_; }   // bytes of the record that was read last
+    WORD count() const { return count_; }  // its properties
+
+private:
+    friend class DatabaseLayer;
+    BYTE* bytes_ = nullptr;
+    DWORD size_ = 0;
+    WORD count_ = 0;
+};
+
+// The wrappers give the platform's results unchanged: 0 or FALSE is a failure with a last error, a
+// handle that could not be had is INVALID_HANDLE_VALUE. Used by one thread at a time.
+class DatabaseLayer {
+public:
+    DatabaseLayer();
+    ~DatabaseLayer() { CloseDatabaseCache(); }
+    DatabaseLayer(const DatabaseLayer&) = delete;
+    DatabaseLayer& operator=(const DatabaseLayer&) = delete;
+
+    // Sets the volume that all calls work on back to the object store.
+    void ResetVolume();
+
+    // The id of the new database. An absent name, a type of 0 and no sort orders are left out. Of
+    // four sort orders or more the first three are taken.
+    CEOID CreateDatabase(const char16_t* name, DWORD type, WORD sort_count,
+                         const SORTORDERSPEC* sort_specs);
+    BOOL DeleteDatabase(CEOID oid);
+    // Walks the databases of `type`, of all types with 0. Closed with CloseHandle.
+    HANDLE FindFirstDatabase(DWORD type);
+    CEOID FindNextDatabase(HANDLE find);
+    BOOL GetObjectInfo(CEOID oid, CEOIDINFO& info);
+    // Opens by `oid`, or by `name` when `oid` is 0; gives the id back in `oid`.
+    HANDLE OpenDatabase(CEOID& oid, const char16_t* name, CEPROPID sort_property, DWORD flags,
+                        HWND notify_window);
+    // Reads all properties of the record that the handle stands on; its id.
+    CEOID ReadRecordProps(HANDLE database, RecordBuffer& buffer);
+    // Moves to a record, one seek value; its id, 0 when there is none. `index` may be null.
+    CEOID SeekRecord(HANDLE database, DWORD seek_type, DWORD value, DWORD* index = nullptr);
+    BOOL SetDatabaseInfo(CEOID oid, CEDBASEINFO& info);
+
+    // As OpenDatabase, but a database that is open already gives its handle again. Looked for by
+    // name (case matters) when `oid` is 0, else by `oid`; sort order and flags are those of the
+    // first opening. Given back with CloseDatabaseCached, never closed directly.
+    HANDLE OpenDatabaseCached(CEOID& oid, const char16_t* name, CEPROPID sort_property, DWORD flags,
+                              HWND notify_window);
+    // Keeps a cached handle open, with one user less; closes any other.
+    void CloseDatabaseCached(HANDLE database);
+    // Closes the database's cached handle before it is deleted or changed; false when there is
+    // none.
+    bool DropCachedDatabase(const char16_t* name);
+    // Begins with an empty cache; nothing is closed.
+    void ResetDatabaseCache();
+    void CloseDatabaseCache();
+    // Users of a cached database; 0 when it is not in the cache.
+    DWORD CachedUseCount(const char16_t* name) const;
+
+private:
+    static constexpr std::size_t kCacheEntries = 50;
+    static constexpr std::size_t kCachedNameUnits = 34;  // with terminator
+
+    struct CacheEntry {
+        char16_t name[kCachedNameUnits];
+        CEOID oid;
+        HANDLE handle;  // INVALID_HANDLE_VALUE: none
+        DWORD use_count;
+    };
+    using SeekDatabaseEx = CEOID(WINAPI*)(HANDLE, DWORD, DWORD, WORD, LPDWORD);
+
+    static void Clear(CacheEntry& entry);
+    CacheEntry* FindCached(CEOID oid, const char16_t* name);
+
+    CEGUID volume_;
+    SeekDatabaseEx seek_database_ex_;  // null on devices that have CeSeekDatabase only
+    CacheEntry cache_[kCacheEntries];
+};
+
+}  // namespace tolvenar
