@@ -2,6 +2,7 @@
 // areas (files, registry, databases, notifications, ...) keep their state in the store under keys that
 // begin with a letter of their own:
 //   f files and folders   r registry   d databases   n notifications   s settings   i next object id
+//   p processes
 #pragma once
 
 #include "simulator/store/log_store.h"

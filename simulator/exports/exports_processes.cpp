@@ -1,0 +1,110 @@
+// Windows CE's view of processes: programs are named by device paths, their command line leaves the
+// program's name out, and most of what the desktop's CreateProcess takes is not supported.
+#include <windows.h>
+
+#include "simulator/gate/gate.h"
+#include "simulator/processes/process_handles.h"
+#include "simulator/processes/processes.h"
+
+namespace {
+
+using sim::Call;
+using sim::Gated;
+
+constexpr DWORD kSupportedFlags = CREATE_SUSPENDED | CREATE_NEW_CONSOLE;
+
+BOOL FailWith(DWORD error) {
+    sim::SetHostError(error);
+    return FALSE;
+}
+
+BOOL StartProgram(LPCWSTR name, LPCWSTR arguments, DWORD flags, LPPROCESS_INFORMATION info) {
+    const sim::processes::Started started =
+        sim::processes::Start(sim::Device::Current(), name, arguments != nullptr ? arguments : L"",
+                              (flags & CREATE_SUSPENDED) != 0);
+    if (started.error != 0) {
+        return FailWith(started.error);
+    }
+    if (info == nullptr) {
+        sim::processes::CloseStarted(started);
+        return TRUE;
+    }
+    info->hProcess = started.process;
+    info->hThread = started.thread;
+    info->dwProcessId = started.pid;
+    info->dwThreadId = started.thread_id;
+    return TRUE;
+}
+
+}  // namespace
+
+BOOL WINAPI CreateProcessW(LPCWSTR name, LPWSTR arguments, LPSECURITY_ATTRIBUTES process_security,
+                           LPSECURITY_ATTRIBUTES thread_security, BOOL inherit, DWORD flags,
+                           LPVOID environment, LPCWSTR folder, LPSTARTUPINFOW startup,
+                           LPPROCESS_INFORMATION info) {
+    return Gated(
+        Call::CreateProcessW, FALSE,
+        [&] {
+            if (name == nullptr || process_security != nullptr || thread_security != nullptr ||
+                inherit || environment != nullptr || folder != nullptr || startup != nullptr ||
+                (flags & ~kSupportedFlags) != 0) {
+                return FailWith(ERROR_INVALID_PARAMETER);
+            }
+            return StartProgram(name, arguments, flags, info);
+        },
+        name, arguments);
+}
+
+BOOL WINAPI TerminateProcess(HANDLE process, UINT exit_code) {
+    return Gated(
+        Call::TerminateProcess, FALSE,
+        [&]() -> BOOL {
+            if (process == GetCurrentProcess()) {
+                sim::EndThisProcess(exit_code);
+            }
+            return sim::processes::Terminate(process, exit_code);
+        },
+        exit_code);
+}
+
+BOOL WINAPI GetExitCodeProcess(HANDLE process, LPDWORD exit_code) {
+    return Gated(Call::GetExitCodeProcess, FALSE, [&]() -> BOOL {
+        if (process == GetCurrentProcess()) {
+            *exit_code = STILL_ACTIVE;
+            return TRUE;
+        }
+        return sim::processes::ExitCode(process, exit_code);
+    });
+}
+
+LPWSTR WINAPI GetCommandLineW() {
+    return Gated(Call::GetCommandLineW, static_cast<LPWSTR>(nullptr),
+                 [] { return const_cast<LPWSTR>(sim::processes::CommandLine()); });
+}
+
+HANDLE WINAPI CreateMutexW(LPSECURITY_ATTRIBUTES security, BOOL owned, LPCWSTR name) {
+    return Gated(
+        Call::CreateMutexW, HANDLE{},
+        [&]() -> HANDLE {
+            if (security != nullptr) {
+                FailWith(ERROR_INVALID_PARAMETER);
+                return nullptr;
+            }
+            return sim::processes::CreateNamedMutex(owned != 0, name);
+        },
+        name);
+}
+
+HANDLE WINAPI CreateEventW(LPSECURITY_ATTRIBUTES security, BOOL manual, BOOL signalled,
+                           LPCWSTR name) {
+    return Gated(
+        Call::CreateEventW, HANDLE{},
+        [&]() -> HANDLE {
+            if (security != nullptr) {
+                FailWith(ERROR_INVALID_PARAMETER);
+                return nullptr;
+            }
+            return sim::processes::CreateNamedEvent(manual != 0, signalled != 0, name);
+        },
+        name);
+}
