@@ -5,6 +5,8 @@ set(PLATFORM_FREE_SOURCES
   snapshot/registry_objects.cpp
   snapshot/text_buffer.cpp
   storage/info_block.cpp
+  storage/storage_header.cpp
+  storage/storage_names.cpp
 )
 set(PLATFORM_FREE_TESTS
 )

@@ -2,12 +2,12 @@
 // application owns one and hands it on by reference.
 #pragma once
 
+#include <memory>
+
 #include "snapshot/object_list.h"
 #include "snapshot/registry_objects.h"
 #include "storage/storage_header.h"
 #include "storage/storage_names.h"
-
-#include <memory>
 
 namespace tolvenar {
 
@@ -23,5 +23,7 @@ struct OpenedStorage {
 
 // Frees the working lists without saving, the difference list too when `all` is set.
 void FreeWorkingLists(OpenedStorage& storage, bool all);
+// Frees every list without saving, and the header: no storage is open afterwards. The names stay.
+void CloseStorage(OpenedStorage& storage);
 
 }  // namespace tolvenar

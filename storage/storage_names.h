@@ -1,19 +1,36 @@
-// Names of the storage's files, made from the settings.
+// Names of the storage's files, made from the storage path. Platform-free.
 #pragma once
 
 #include <cstddef>
 
 namespace tolvenar {
 
-// A folder of 259 units at most and the stem behind it, with extension and terminator.
+// A folder of 259 units at most and the stem behind it, with the terminator.
 constexpr std::size_t kStoragePathUnits = 260;
 constexpr std::size_t kStorageNameUnits = kStoragePathUnits + 8;
 
 struct StorageNames {
-    char16_t path[kStoragePathUnits];       // full storage path: folder and stem, no extension
-    char16_t sav[kStorageNameUnits];        // cut at the first dot of the whole path + ".sav"
-    char16_t journal[kStorageNameUnits];    // path + ".jrn"
+    char16_t path[kStoragePathUnits];     // full storage path: folder and stem, no extension
+    char16_t sav[kStorageNameUnits];      // cut at the first dot of the whole path + ".sav"
+    char16_t journal[kStorageNameUnits];  // path + ".jrn"
     char16_t journal_temporary[kStorageNameUnits];  // path + ".jrn_1"
 };
+
+// Makes all names from the full storage path. False, and all names empty, when it is empty or
+// longer than 259 units.
+bool MakeStorageNames(const char16_t* full_path, StorageNames& names);
+// The ".sav" name of `path`: cut at its first dot, a folder's too, on purpose.
+bool MakeSavName(const char16_t* path, char16_t (&sav)[kStorageNameUnits]);
+
+// The part of a path behind its last backslash.
+const char16_t* NameWithoutFolder(const char16_t* path);
+
+// What a chosen file's path means as settings.
+struct StorageLocation {
+    char16_t folder[kStoragePathUnits];  // without its last backslash
+    char16_t stem[kStoragePathUnits];    // the name cut at its first dot
+};
+// False, and both empty, when the path is longer than 259 units.
+bool SplitStoragePath(const char16_t* chosen_path, StorageLocation& location);
 
 }  // namespace tolvenar

@@ -1,0 +1,52 @@
+#include "app/storage_files.h"
+
+#include "app/settings.h"
+#include "platform/text.h"
+#include "storage/journal.h"
+
+namespace tolvenar {
+
+static_assert(kSettingPathUnits == kStoragePathUnits);
+
+bool DeriveNames(StorageNames& names) {
+    char16_t path[kStoragePathUnits];
+    names = {};
+    return ReadStoragePath(path) && MakeStorageNames(path, names);
+}
+
+bool CreateStoragePair(const StorageNames& names, DescriptionPrompt* prompt) {
+    if (!CreateStorage(names.sav, prompt)) {
+        return false;
+    }
+    if (EmptyJournal(names)) {
+        return true;
+    }
+    ::DeleteFileW(Wide(names.sav));
+    return false;
+}
+
+bool CreateNewStorage() {
+    StorageNames names;
+    return DeriveNames(names) && CreateStoragePair(names, nullptr);
+}
+
+bool DeleteOldStorage() {
+    StorageNames names;
+    if (!DeriveNames(names)) {
+        return false;
+    }
+    const bool journal_deleted = ::DeleteFileW(Wide(names.journal)) != FALSE;
+    const bool storage_deleted = ::DeleteFileW(Wide(names.sav)) != FALSE;
+    return journal_deleted && storage_deleted;
+}
+
+void SaveLocation(const char16_t* chosen_path) {
+    StorageLocation location;
+    if (!SplitStoragePath(chosen_path, location)) {
+        return;
+    }
+    WriteStorageFileName(location.stem);
+    WriteStorageFolder(location.folder);
+}
+
+}  // namespace tolvenar

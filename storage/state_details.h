@@ -1,0 +1,23 @@
+// What the user is told about a state: when it was made, and its description.
+#pragma once
+
+#include <cstddef>
+
+#include "snapshot/object_record.h"
+#include "storage/date_text.h"
+#include "storage/storage_names.h"
+
+namespace tolvenar {
+
+constexpr std::size_t kStateDescriptionUnits = 200;  // with the terminator
+
+struct StateDetails {
+    char16_t time[kDateTimeTextUnits];             // local time, short date
+    char16_t description[kStateDescriptionUnits];  // cut when a damaged block claims more
+};
+
+// Reads the block of a state's record. False, and both texts empty, when the storage file or the
+// block cannot be read; a description that cannot be read is empty.
+bool ReadStateDetails(const StorageNames& names, const ObjectRecord& record, StateDetails& details);
+
+}  // namespace tolvenar
