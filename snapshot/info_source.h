@@ -1,9 +1,10 @@
 // Where the matching and pruning code gets an object's description from. Platform-free.
 #pragma once
 
-#include "storage/info_block.h"
-
 #include <cstdint>
+
+#include "snapshot/registry_objects.h"
+#include "storage/info_block.h"
 
 namespace tolvenar {
 
@@ -14,6 +15,9 @@ public:
     virtual bool GetOIDInfo(std::uint32_t TolvOID, std::uint32_t dwOID, InfoBlock& block) = 0;
     // Reads the block at `offset` of the open storage file. False when it cannot be read.
     virtual bool GetInfoFromStorage(std::uint32_t offset, InfoBlock& block) = 0;
+    // The entry of the registry-object table, in which key path and value name stand apart. Null
+    // when there is none.
+    virtual const RegistryObject* FindRegistryObject(std::uint32_t) { return nullptr; }
 
 protected:
     ~InfoSource() = default;
