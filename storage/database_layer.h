@@ -6,6 +6,7 @@
 #include <cstddef>
 
 #include "platform/heap.h"
+#include "platform/unique_resource.h"
 
 namespace tolvenar {
 
@@ -72,8 +73,6 @@ public:
     // Begins with an empty cache; nothing is closed.
     void ResetDatabaseCache();
     void CloseDatabaseCache();
-    // Users of a cached database; 0 when it is not in the cache.
-    DWORD CachedUseCount(const char16_t* name) const;
 
 private:
     static constexpr std::size_t kCacheEntries = 50;

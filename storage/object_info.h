@@ -38,8 +38,8 @@ private:
     bool DescribeRegistryObject(std::uint32_t TolvOID, InfoBlock& block) const;
     bool DescribeState(InfoBlock& block) const;
     bool DescribeStoreObject(CEOID oid, InfoBlock& block);
-    bool DescribeRecord(CEOID oid, const CEOIDINFO& info, InfoBlock& block);
-    void CountProperties(const char16_t* database, CEOID oid, InfoBlock& block);
+    bool DescribeRecord(CEOID oid, CEOID database_oid, InfoBlock& block);
+    void CountProperties(const char16_t* database_name, CEOID oid, InfoBlock& block);
     bool GetObjectInfoPatiently(CEOID oid, CEOIDINFO& info);
 
     const RegistryObjects& registry_objects_;

@@ -1,0 +1,16 @@
+// A whole file as a read-only mapping.
+#pragma once
+
+#include "platform/unique_resource.h"
+
+namespace tolvenar {
+
+// The unit that the offsets of views must be a multiple of.
+DWORD AllocationGranularity();
+
+// A read-only mapping of the existing file `path`; `share` as for opening a file, `flags` its
+// attribute and FILE_FLAG bits. Empty, with the last error, when it cannot be opened or mapped; a
+// file without bytes cannot.
+UniqueHandle MapFileForReading(const wchar_t* path, DWORD share, DWORD flags);
+
+}  // namespace tolvenar

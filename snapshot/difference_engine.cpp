@@ -1,0 +1,146 @@
+#include "snapshot/difference_engine.h"
+
+#include <string_view>
+
+#include "platform/text.h"
+#include "platform/unique_resource.h"
+#include "snapshot/database_scanner.h"
+#include "snapshot/difference.h"
+#include "snapshot/file_scanner.h"
+#include "snapshot/prune.h"
+#include "snapshot/registry_scanner.h"
+#include "storage/log.h"
+
+namespace tolvenar {
+namespace {
+
+// Steps of the item bar for a comparison with the device and of two states.
+constexpr std::size_t kDeviceSteps = 8;
+constexpr std::size_t kStateSteps = 4;
+
+// Spelled so; the log's readers know it.
+constexpr char16_t kNoList[] = u"Could't create journal";
+
+struct Hive {
+    std::uint32_t root;
+    const char16_t* progress_text;
+};
+
+constexpr Hive kHives[] = {
+    {kHiveClassesRoot, u"Scanning HKCR registry entry..."},
+    {kHiveCurrentUser, u"Scanning HKCU registry entry..."},
+    {kHiveLocalMachine, u"Scanning HKLM registry entry..."},
+    {kHiveUsers, u"Scanning HKU registry entry..."},
+};
+
+UniqueHandle OpenStorageFile(const StorageNames& names) {
+    return UniqueHandle(::CreateFileW(Wide(names.sav), GENERIC_READ | GENERIC_WRITE,
+                                      FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+                                      FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
+const char16_t* WithoutFolder(const char16_t* path) {
+    const std::size_t backslash = std::u16string_view(path).rfind(u'\\');
+    return backslash == std::u16string_view::npos ? path : path + backslash + 1;
+}
+
+void ScanObjectStoreFiles(Engine& engine) {
+    const StorageNames& names = engine.storage.names;
+    const StorageFileNames storage_files{{WithoutFolder(names.sav), WithoutFolder(names.journal),
+                                          WithoutFolder(names.journal_temporary)}};
+    FileScan scan{*engine.storage.list2, engine.info, storage_files};
+    ScanFiles(scan, u"", MakeFileObject);
+}
+
+void ScanHives(Engine& engine) {
+    RegistryScan scan{*engine.storage.list2, engine.info, engine.storage.registry_objects};
+    for (const Hive& hive : kHives) {
+        engine.progress.ProgressStep(hive.progress_text);
+        ScanRegistry(scan, hive.root, u"", MakeRegistryObject);
+    }
+}
+
+// Scans the device into list2.
+void ScanDevice(Engine& engine) {
+    engine.progress.ProgressStep(u"Scanning files...");
+    ScanObjectStoreFiles(engine);
+    engine.storage.registry_objects.RegObjectClear();
+    ScanHives(engine);
+    engine.progress.ProgressStep(u"Scanning databases...");
+    DatabaseScan scan{*engine.storage.list2, engine.info, engine.databases};
+    ScanDatabases(scan, MakeDatabaseObject);
+}
+
+// Compares list1 with list2 into the difference list, which is empty.
+bool CompareLists(Engine& engine) {
+    OpenedStorage& storage = engine.storage;
+    engine.progress.ProgressStep(u"Finding differences...");
+    if (!CmpLists(storage.list1.get(), storage.list2.get(), *storage.difference, engine.info)) {
+        return false;
+    }
+    PruneDifferences(*storage.difference, kBackupPruning, engine.info);
+    return true;
+}
+
+// Makes `list` the object list of a stored state; number 0 is an empty one.
+bool PrepareStateList(Engine& engine, std::unique_ptr<ObjectList>& list, std::uint32_t state) {
+    if (!ResetList(list)) {
+        return false;
+    }
+    return state == 0 || BuildStateList(*list, *engine.storage.journal, state, engine.info);
+}
+
+}  // namespace
+
+int FindDifference(Engine& engine, std::uint32_t state) {
+    OpenedStorage& storage = engine.storage;
+    UniqueHandle sav_file = OpenStorageFile(storage.names);
+    if (!sav_file || storage.journal == nullptr) {
+        return 0;
+    }
+    const StorageFileLoan loan(engine.info, sav_file.get());
+    engine.progress.ProgressBegin(kDeviceSteps);
+    engine.progress.ProgressStep(u"Preparing object list...");
+    if (!PrepareStateList(engine, storage.list1, state)) {
+        return 0;
+    }
+    if (!ResetList(storage.list2)) {
+        sav_file.Reset();
+        LogMessage(kNoList, u"FindDifference", kLogError);
+        return 0;
+    }
+    ScanDevice(engine);
+    if (!ResetList(storage.difference)) {
+        sav_file.Reset();
+        ::MessageBoxW(nullptr, Wide(kNoList), L"FindDifference", MB_SETFOREGROUND);
+        return 0;
+    }
+    return CompareLists(engine) ? 1 : 0;
+}
+
+int FindDifferenceEx(Engine& engine, std::uint32_t state_a, std::uint32_t state_b) {
+    OpenedStorage& storage = engine.storage;
+    engine.progress.ProgressBegin(kStateSteps);
+    engine.progress.ProgressStep(u"Preparing object list...");
+    UniqueHandle sav_file = OpenStorageFile(storage.names);
+    if (!sav_file || storage.journal == nullptr) {
+        return 0;
+    }
+    const StorageFileLoan loan(engine.info, sav_file.get());
+    engine.progress.ProgressStep(u"Preparing list 1...");
+    if (!PrepareStateList(engine, storage.list1, state_a)) {
+        return 0;
+    }
+    engine.progress.ProgressStep(u"Preparing list 2...");
+    if (!PrepareStateList(engine, storage.list2, state_b)) {
+        return 0;
+    }
+    if (!ResetList(storage.difference)) {
+        sav_file.Reset();
+        LogMessage(u"Can't create journal", u"FindDifferenceEx", kLogError);
+        return 0;
+    }
+    return CompareLists(engine) ? 1 : 0;
+}
+
+}  // namespace tolvenar
