@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstring>
 
+#include "platform/text.h"
 #include "storage/info_block.h"
 
 namespace tolvenar {
@@ -18,6 +19,11 @@ bool Seek(HANDLE file, std::uint32_t distance, DWORD origin, std::uint32_t& posi
 }
 
 }  // namespace
+
+UniqueHandle OpenFile(const char16_t* path, DWORD access, DWORD sharing, DWORD disposition) {
+    return UniqueHandle(::CreateFileW(Wide(path), access, sharing, nullptr, disposition,
+                                      FILE_ATTRIBUTE_NORMAL, nullptr));
+}
 
 int WriteBlock(HANDLE file, const void* buffer, std::uint32_t length, std::uint32_t& offset_out,
                bool with_name) {

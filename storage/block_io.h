@@ -5,7 +5,12 @@
 
 #include <cstdint>
 
+#include "platform/unique_resource.h"
+
 namespace tolvenar {
+
+// A file of normal attributes; empty when it cannot be opened, with the last error telling why.
+UniqueHandle OpenFile(const char16_t* path, DWORD access, DWORD sharing, DWORD disposition);
 
 // Puts the position of `file` into `offset_out`, then writes `length` bytes of `buffer`, and as
 // many more as the name length at its bytes 22 and 23 says when `with_name` is set, in one call.

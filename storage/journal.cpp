@@ -10,11 +10,6 @@ namespace {
 
 constexpr std::uint32_t kRecordBytes = sizeof(ObjectRecord);
 
-UniqueHandle OpenFile(const char16_t* path, DWORD access, DWORD sharing, DWORD disposition) {
-    return UniqueHandle(::CreateFileW(Wide(path), access, sharing, nullptr, disposition,
-                                      FILE_ATTRIBUTE_NORMAL, nullptr));
-}
-
 UniqueHandle OpenJournalFile(const StorageNames& names) {
     return OpenFile(names.journal, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, OPEN_ALWAYS);
 }

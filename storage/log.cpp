@@ -6,7 +6,6 @@
 #include "platform/text.h"
 #include "platform/unique_resource.h"
 #include "snapshot/text_buffer.h"
-#include "storage/block_io.h"
 #include "storage/date_text.h"
 
 namespace tolvenar {
@@ -56,10 +55,11 @@ int LogMessage(const char16_t* message, const char16_t* module, std::uint32_t fl
     if (!file) {
         return 1;
     }
-    MoveToEnd(file.get());
+    ::SetFilePointer(file.get(), 0, nullptr, FILE_END);
     char16_t line[kLineUnits];
     const std::size_t length = FormatLine(line, message, module, flags);
-    WriteAll(file.get(), line, static_cast<std::uint32_t>(length * sizeof(char16_t)));
+    DWORD written = 0;
+    ::WriteFile(file.get(), line, static_cast<DWORD>(length * sizeof(char16_t)), &written, nullptr);
     return 1;
 }
 

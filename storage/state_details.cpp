@@ -36,9 +36,8 @@ void ReadDescription(HANDLE file, const ObjectRecord& record, std::uint32_t data
 bool ReadStateDetails(const StorageNames& names, const ObjectRecord& record,
                       StateDetails& details) {
     details = {};
-    const UniqueHandle file(::CreateFileW(Wide(names.sav), GENERIC_READ | GENERIC_WRITE,
-                                          FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                          FILE_ATTRIBUTE_NORMAL, nullptr));
+    const UniqueHandle file =
+        OpenFile(names.sav, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, OPEN_EXISTING);
     InfoBlockHead head{};
     if (!file || !MoveTo(file.get(), record.propOffset) ||
         !ReadAll(file.get(), &head, sizeof head)) {

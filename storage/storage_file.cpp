@@ -14,11 +14,6 @@ namespace {
 
 constexpr std::size_t kDeviceNameUnits = sizeof(StorageHeader::deviceName) / sizeof(char16_t);
 
-UniqueHandle OpenFile(const char16_t* path, DWORD access, DWORD sharing, DWORD disposition) {
-    return UniqueHandle(::CreateFileW(Wide(path), access, sharing, nullptr, disposition,
-                                      FILE_ATTRIBUTE_NORMAL, nullptr));
-}
-
 // Head and description are two writes; whether they succeed shows at the next open.
 void WriteWithDescription(HANDLE file, StorageHeader& header, const char16_t* text,
                           std::size_t units) {
