@@ -15,4 +15,6 @@ set(PLATFORM_FREE_SOURCES
   storage/storage_names.cpp
 )
 set(PLATFORM_FREE_TESTS
+  tests/storage/storage_header_test.cpp
+  tests/storage/storage_names_test.cpp
 )
