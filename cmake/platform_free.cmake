@@ -6,6 +6,7 @@ set(PLATFORM_FREE_SOURCES
   snapshot/list_matching.cpp
   snapshot/object_list.cpp
   snapshot/prune.cpp
+  snapshot/property_encoding.cpp
   snapshot/record_info.cpp
   snapshot/registry_objects.cpp
   snapshot/state_replay.cpp
@@ -13,6 +14,7 @@ set(PLATFORM_FREE_SOURCES
   storage/info_block.cpp
   storage/storage_header.cpp
   storage/storage_names.cpp
+  storage/written_records.cpp
 )
 set(PLATFORM_FREE_TESTS
   tests/storage/storage_header_test.cpp

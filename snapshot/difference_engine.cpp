@@ -1,7 +1,5 @@
 #include "snapshot/difference_engine.h"
 
-#include <string_view>
-
 #include "platform/text.h"
 #include "platform/unique_resource.h"
 #include "snapshot/database_scanner.h"
@@ -10,6 +8,7 @@
 #include "snapshot/prune.h"
 #include "snapshot/registry_scanner.h"
 #include "storage/log.h"
+#include "storage/storage_names.h"
 
 namespace tolvenar {
 namespace {
@@ -39,15 +38,11 @@ UniqueHandle OpenStorageFile(const StorageNames& names) {
                                       FILE_ATTRIBUTE_NORMAL, nullptr));
 }
 
-const char16_t* WithoutFolder(const char16_t* path) {
-    const std::size_t backslash = std::u16string_view(path).rfind(u'\\');
-    return backslash == std::u16string_view::npos ? path : path + backslash + 1;
-}
-
 void ScanObjectStoreFiles(Engine& engine) {
     const StorageNames& names = engine.storage.names;
-    const StorageFileNames storage_files{{WithoutFolder(names.sav), WithoutFolder(names.journal),
-                                          WithoutFolder(names.journal_temporary)}};
+    const StorageFileNames storage_files{{NameWithoutFolder(names.sav),
+                                          NameWithoutFolder(names.journal),
+                                          NameWithoutFolder(names.journal_temporary)}};
     FileScan scan{*engine.storage.list2, engine.info, storage_files};
     ScanFiles(scan, u"", MakeFileObject);
 }

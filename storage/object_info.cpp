@@ -4,6 +4,7 @@
 
 #include "platform/text.h"
 #include "platform/unique_resource.h"
+#include "storage/block_io.h"
 
 namespace tolvenar {
 namespace {
@@ -156,11 +157,7 @@ bool ObjectInfo::GetObjectInfoPatiently(CEOID oid, CEOIDINFO& info) {
 }
 
 bool ReadBlockFromStorage(std::uint32_t offset, InfoBlock& block, HANDLE sav_file) {
-    // With the high half given the low one counts as unsigned.
-    LONG high = 0;
-    ::SetLastError(ERROR_SUCCESS);
-    const DWORD position = ::SetFilePointer(sav_file, static_cast<LONG>(offset), &high, FILE_BEGIN);
-    if (position == INVALID_SET_FILE_POINTER && ::GetLastError() != ERROR_SUCCESS) {
+    if (!MoveTo(sav_file, offset)) {
         return false;
     }
     std::uint8_t bytes[kInfoBlockBytes];
