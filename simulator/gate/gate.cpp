@@ -1,17 +1,205 @@
 #include "simulator/gate/gate.h"
 
+#include <atomic>
+#include <cstring>
+#include <memory>
+#include <mutex>
 #include <windows.h>
 
+#include "simulator/gate/effects.h"
+#include "simulator/gate/rules.h"
+#include "simulator/gate/trace.h"
+#include "simulator/store/device.h"
+
 namespace sim {
+namespace {
 
-std::string Describe(const wchar_t*) { return {}; }
-std::string Describe(const void*) { return {}; }
-std::string DescribeNumber(long long number) { return std::to_string(number); }
+constexpr unsigned kCrashExitCode = 0xCD;
 
-GateEntry::GateEntry(Call call) : call_(call) {}
-void GateEntry::AddArgument(const std::string& text) { arguments_ += text; }
-std::uint32_t GateEntry::Decide() { return 0; }
-void GateEntry::Finish(const std::string&) {}
+// This process's part in the gate of its device.
+struct Attachment {
+    explicit Attachment(const std::wstring& device_folder)
+        : folder(device_folder), gate(device_folder) {
+        const long number = ::InterlockedIncrement(&gate->processes_started) - 1;
+        process = &gate->processes[static_cast<std::size_t>(number) % kProcessCount];
+        TakeOver();
+    }
+
+    void TakeOver() {
+        for (std::size_t i = 0; i < kCallCount; ++i) {
+            const long calls = ::InterlockedExchange(&process->calls[i], 0);
+            if (calls != 0) {
+                ::InterlockedExchangeAdd(&gate->earlier_calls[i], calls);
+            }
+        }
+        for (volatile long& gauge : process->gauges) {
+            gauge = 0;
+        }
+        process->gauges[static_cast<std::size_t>(Gauge::kThreads)] = 1;
+        process->id = static_cast<long>(::GetCurrentProcessId());
+        wchar_t name[MAX_PATH] = L"";
+        if (::GetEnvironmentVariableW(L"CEPROGRAM", name, MAX_PATH) == 0) {
+            ::GetModuleFileNameW(nullptr, name, MAX_PATH - 1);
+        }
+        std::memset(process->name, 0, sizeof process->name);
+        std::memcpy(process->name, name, sizeof process->name - sizeof(char16_t));
+    }
+
+    std::wstring folder;
+    MappedGate gate;
+    GateProcess* process;
+};
+
+std::mutex attach_lock;
+std::unique_ptr<Attachment> attachment;
+std::atomic<Attachment*> attached{nullptr};
+thread_local bool half_write = false;
+
+Attachment* Attach() {
+    const DWORD error = ::GetLastError();
+    {
+        const std::lock_guard guard(attach_lock);
+        if (attachment == nullptr && Device::HasCurrent()) {
+            attachment = std::make_unique<Attachment>(Device::Current().folder());
+            attached = attachment.get();
+        }
+    }
+    ::SetLastError(error);
+    return attached;
+}
+
+Attachment* Attached() {
+    Attachment* here = attached.load(std::memory_order_acquire);
+    return here != nullptr ? here : Attach();
+}
+
+char LowerLetter(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+
+bool Contains(const std::string& text, const char* part) {
+    const std::size_t length = std::strlen(part);
+    for (std::size_t at = 0; at + length <= text.size(); ++at) {
+        std::size_t same = 0;
+        while (same < length && LowerLetter(text[at + same]) == LowerLetter(part[same])) {
+            ++same;
+        }
+        if (same == length) {
+            return true;
+        }
+    }
+    return length == 0;
+}
+
+// Whether `rule` meets this call; counts it.
+bool Meets(GateRule& rule, Call call, bool can_fail, const std::string& arguments) {
+    if (rule.state != kRuleLive) {
+        return false;
+    }
+    if (rule.call == kAnyCall ? !can_fail : rule.call != static_cast<long>(call)) {
+        return false;
+    }
+    if (!can_fail && rule.kind == static_cast<long>(RuleKind::kFault)) {
+        return false;
+    }
+    if (!Contains(arguments, rule.match)) {
+        return false;
+    }
+    const long number = ::InterlockedIncrement(&rule.seen);
+    if (number < rule.first || number - rule.first >= rule.count) {
+        return false;
+    }
+    ::InterlockedIncrement(&rule.fired);
+    return true;
+}
+
+long long HostMicroseconds() {
+    FILETIME now;
+    ::GetSystemTimeAsFileTime(&now);
+    return ((static_cast<long long>(now.dwHighDateTime) << 32) | now.dwLowDateTime) / 10;
+}
+
+}  // namespace
+
+GateEntry::GateEntry(Call call, bool can_fail) : call_(call), can_fail_(can_fail) {
+    Attachment* here = Attached();
+    if (here == nullptr) {
+        return;
+    }
+    const auto index = static_cast<std::size_t>(call);
+    ::InterlockedIncrement(&here->process->calls[index]);
+    watched_ = (here->gate->watch_all | here->gate->watch[index]) != 0;
+    traces_ = here->gate->trace != 0;
+}
+
+void GateEntry::AddArgument(const std::string& text) {
+    if (!arguments_.empty()) {
+        arguments_ += ", ";
+    }
+    arguments_ += text;
+}
+
+std::uint32_t GateEntry::DecideByRules() {
+    Attachment* here = attached;
+    std::uint32_t error = 0;
+    for (GateRule& rule : here->gate->rules) {
+        if (!Meets(rule, call_, can_fail_, arguments_)) {
+            continue;
+        }
+        switch (static_cast<RuleKind>(rule.kind)) {
+            case RuleKind::kFault: error = static_cast<std::uint32_t>(rule.value); break;
+            case RuleKind::kDelay: ::Sleep(static_cast<DWORD>(rule.value)); break;
+            case RuleKind::kCrash: WriteTrace("crash"); EndThisProcess(kCrashExitCode);
+            case RuleKind::kCrashHalf: half_write = true; break;
+        }
+    }
+    if (error != 0 && traces_) {
+        ::SetLastError(error);
+        WriteTrace("fault");
+    }
+    return error;
+}
+
+void GateEntry::Finish(const std::string& result) { WriteTrace(result); }
+
+void GateEntry::WriteTrace(const std::string& result) {
+    const DWORD error = ::GetLastError();
+    if (traces_) {
+        AppendTrace(*attached.load()->gate, attached.load()->folder,
+                    "{\"time\":" + std::to_string(HostMicroseconds()) +
+                        ",\"process\":" + std::to_string(::GetCurrentProcessId()) +
+                        ",\"thread\":" + std::to_string(::GetCurrentThreadId()) +
+                        ",\"function\":\"" + kCallNames[static_cast<std::size_t>(call_)] +
+                        "\",\"arguments\":" + JsonText(arguments_) + ",\"result\":" +
+                        JsonText(result) + ",\"error\":" + std::to_string(error) + "}");
+    }
+    ::SetLastError(error);
+}
+
+void GateEntry::Note(bool succeeded) {
+    const Effect effect = kEffects[static_cast<std::size_t>(call_)];
+    if (succeeded && effect.change != 0) {
+        AddToGauge(effect.gauge, effect.change);
+    }
+}
+
+void AddToGauge(Gauge gauge, long count) {
+    Attachment* here = Attached();
+    if (here == nullptr) {
+        return;
+    }
+    ::InterlockedExchangeAdd(&here->process->gauges[static_cast<std::size_t>(gauge)], count);
+}
+
+bool TakeHalfWrite() {
+    const bool taken = half_write;
+    half_write = false;
+    return taken;
+}
+
+void DetachGate() {
+    const std::lock_guard guard(attach_lock);
+    attached = nullptr;
+    attachment.reset();
+}
 
 void SetHostError(std::uint32_t error) { ::SetLastError(error); }
 

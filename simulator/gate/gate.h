@@ -1,16 +1,16 @@
-// Every call that the program makes passes here on its way into the simulator: it is counted, traced,
-// delayed, made to fail, or is where the process dies, as the device's fault rules say. Included by
-// sources of either side, so it names no platform type.
+// Every call that the program makes passes here on its way into the simulator: it is counted,
+// traced, delayed, made to fail, or is where the process dies, as the device's rules (rules.h) say.
+// Included by sources of either side, so it names no platform type.
 #pragma once
-
-#include "call_ids.h"
 
 #include <cstdint>
 #include <string>
 
+#include "simulator/gate/gate_file.h"
+
 namespace sim {
 
-// The text of one argument or result in a trace.
+// The text of one argument or result in a trace. Safe for any pointer, also one to nothing.
 std::string Describe(const wchar_t* text);
 std::string Describe(const void* pointer);
 std::string DescribeNumber(long long number);
@@ -27,23 +27,40 @@ inline std::string Describe(wchar_t* text) { return Describe(static_cast<const w
 // One call on its way through. Costs a few instructions while nothing watches it.
 class GateEntry {
 public:
-    explicit GateEntry(Call call);
+    // A call that cannot fail meets delays and crashes, but no faults.
+    explicit GateEntry(Call call, bool can_fail = true);
     // True when arguments must be told: a trace is on, or a rule of this call matches by argument.
-    bool wants_arguments() const { return wants_arguments_; }
+    bool wants_arguments() const { return watched_; }
     void AddArgument(const std::string& text);
-    // After the arguments: waits, dies, or answers the error that this call must fail with (0: none).
-    std::uint32_t Decide();
+    // After the arguments: waits, dies, or answers the error that this call must fail with (0:
+    // none).
+    std::uint32_t Decide() { return watched_ ? DecideByRules() : 0; }
     bool traces() const { return traces_; }
     // Keeps the thread's last error as it is.
     void Finish(const std::string& result);
+    // Counts what the call has made or ended.
+    void Note(bool succeeded);
 
 private:
+    std::uint32_t DecideByRules();
+    void WriteTrace(const std::string& result);
+
     Call call_;
+    bool can_fail_;
     bool watched_ = false;
-    bool wants_arguments_ = false;
     bool traces_ = false;
     std::string arguments_;
 };
+
+// Adds to a gauge of this process, for what the calls themselves do not tell.
+void AddToGauge(Gauge gauge, long count);
+
+// True once in the call that a "crash-half" rule chose: whoever writes then writes half of it and
+// ends the process.
+bool TakeHalfWrite();
+
+// Forgets the device of this process; the next call asks for it again.
+void DetachGate();
 
 void SetHostError(std::uint32_t error);
 
@@ -51,13 +68,18 @@ void SetHostError(std::uint32_t error);
 template <typename Result, typename Body, typename... Arguments>
 Result Gated(Call call, Result failure, Body&& body, const Arguments&... arguments) {
     GateEntry entry(call);
-    if (entry.wants_arguments()) { (entry.AddArgument(Describe(arguments)), ...); }
+    if (entry.wants_arguments()) {
+        (entry.AddArgument(Describe(arguments)), ...);
+    }
     if (const std::uint32_t error = entry.Decide()) {
         SetHostError(error);
         return failure;
     }
     Result result = body();
-    if (entry.traces()) { entry.Finish(Describe(result)); }
+    entry.Note(result != failure);
+    if (entry.traces()) {
+        entry.Finish(Describe(result));
+    }
     return result;
 }
 
@@ -65,17 +87,30 @@ Result Gated(Call call, Result failure, Body&& body, const Arguments&... argumen
 template <typename Body, typename... Arguments>
 long GatedStatus(Call call, Body&& body, const Arguments&... arguments) {
     GateEntry entry(call);
-    if (entry.wants_arguments()) { (entry.AddArgument(Describe(arguments)), ...); }
-    if (const std::uint32_t error = entry.Decide()) { return static_cast<long>(error); }
+    if (entry.wants_arguments()) {
+        (entry.AddArgument(Describe(arguments)), ...);
+    }
+    if (const std::uint32_t error = entry.Decide()) {
+        return static_cast<long>(error);
+    }
     const long result = body();
-    if (entry.traces()) { entry.Finish(Describe(result)); }
+    entry.Note(result == 0);
+    if (entry.traces()) {
+        entry.Finish(Describe(result));
+    }
     return result;
 }
 
 // The same for calls without a result; a failing rule makes them do nothing.
 template <typename Body, typename... Arguments>
 void GatedVoid(Call call, Body&& body, const Arguments&... arguments) {
-    Gated(call, 0, [&] { body(); return 1; }, arguments...);
+    Gated(
+        call, 0,
+        [&] {
+            body();
+            return 1;
+        },
+        arguments...);
 }
 
 }  // namespace sim

@@ -1,5 +1,7 @@
 #include "simulator/store/device.h"
 
+#include "simulator/gate/gate.h"
+
 #include <windows.h>
 
 #include <cstdio>
@@ -56,6 +58,7 @@ bool Device::HasCurrent() {
 }
 
 void Device::Attach(const std::wstring& folder) {
+    DetachGate();
     ::SetEnvironmentVariableW(L"CEDEVICE", folder.c_str());
     current = folder.empty() ? nullptr : std::make_unique<Device>(folder);
 }

@@ -1,0 +1,29 @@
+// set and show: the device's settings.
+#include "simulator/command/command_row.h"
+#include "simulator/system/settings.h"
+
+namespace sim {
+namespace {
+
+Json RunSet(Device& device, const Words& words) {
+    ApplySetting(device, words[0], words[1]);
+    return Done();
+}
+
+Json RunShow(Device& device, const Words&) {
+    Json json = AllSettings(device);
+    json["clock"] = IsoTime(device.NowUtc());
+    return json;
+}
+
+}  // namespace
+
+const CommandRows& SettingCommands() {
+    static const CommandRows rows = {
+        {"set", 2, 2, RunSet, "NAME VALUE"},
+        {"show", 0, 0, RunShow, ""},
+    };
+    return rows;
+}
+
+}  // namespace sim

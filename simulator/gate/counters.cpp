@@ -1,0 +1,60 @@
+#include "simulator/gate/counters.h"
+
+#include <windows.h>
+
+namespace sim {
+namespace {
+
+void AddCalls(const volatile long (&calls)[kCallCount], std::map<std::string, long>& sums) {
+    for (std::size_t i = 0; i < kCallCount; ++i) {
+        if (calls[i] != 0) {
+            sums[kCallNames[i]] += calls[i];
+        }
+    }
+}
+
+ProcessCounters Told(const GateProcess& process) {
+    ProcessCounters told;
+    told.id = static_cast<std::uint32_t>(process.id);
+    told.name = process.name;
+    AddCalls(process.calls, told.calls);
+    for (std::size_t i = 0; i < kGaugeCount; ++i) {
+        told.gauges[i] = process.gauges[i];
+    }
+    return told;
+}
+
+}  // namespace
+
+std::vector<ProcessCounters> CountersByProcess(Device& device) {
+    const MappedGate gate(device.folder());
+    std::vector<ProcessCounters> all;
+    const auto started = static_cast<std::size_t>(gate->processes_started);
+    const std::size_t oldest = started > kProcessCount ? started - kProcessCount : 0;
+    for (std::size_t i = oldest; i < started; ++i) {
+        all.push_back(Told(gate->processes[i % kProcessCount]));
+    }
+    return all;
+}
+
+std::map<std::string, long> TotalCalls(Device& device) {
+    const MappedGate gate(device.folder());
+    std::map<std::string, long> sums;
+    AddCalls(gate->earlier_calls, sums);
+    for (const GateProcess& process : gate->processes) {
+        AddCalls(process.calls, sums);
+    }
+    return sums;
+}
+
+void ClearCounters(Device& device) {
+    const MappedGate gate(device.folder());
+    for (std::size_t i = 0; i < kCallCount; ++i) {
+        ::InterlockedExchange(&gate->earlier_calls[i], 0);
+        for (GateProcess& process : gate->processes) {
+            ::InterlockedExchange(&process.calls[i], 0);
+        }
+    }
+}
+
+}  // namespace sim

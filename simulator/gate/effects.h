@@ -1,0 +1,61 @@
+// Which calls make or end something that a gauge counts.
+#pragma once
+
+#include <array>
+
+#include "simulator/gate/gate_file.h"
+
+namespace sim {
+
+struct Effect {
+    Gauge gauge = Gauge::kNone;
+    signed char change = 0;
+};
+
+struct EffectRow {
+    Call call;
+    Gauge gauge;
+    signed char change;
+};
+
+// Heap blocks and threads are counted by their own exports, which know what the result alone hides.
+constexpr EffectRow kEffectRows[] = {
+    {Call::CreateFileW, Gauge::kHandles, 1},
+    {Call::CreateFileForMappingW, Gauge::kHandles, 1},
+    {Call::CreateEventW, Gauge::kHandles, 1},
+    {Call::CreateMutexW, Gauge::kHandles, 1},
+    {Call::CreateThread, Gauge::kHandles, 1},
+    {Call::CeOpenDatabaseEx, Gauge::kHandles, 1},
+    {Call::CeFindFirstDatabaseEx, Gauge::kHandles, 1},
+    {Call::FindFirstFileW, Gauge::kHandles, 1},
+    {Call::RegOpenKeyExW, Gauge::kHandles, 1},
+    {Call::RegCreateKeyExW, Gauge::kHandles, 1},
+    {Call::CloseHandle, Gauge::kHandles, -1},
+    {Call::FindClose, Gauge::kHandles, -1},
+    {Call::RegCloseKey, Gauge::kHandles, -1},
+    {Call::CreateWindowExW, Gauge::kWindows, 1},
+    {Call::CreateDialogIndirectParamW, Gauge::kWindows, 1},
+    {Call::DestroyWindow, Gauge::kWindows, -1},
+    {Call::CreateCompatibleBitmap, Gauge::kGdiObjects, 1},
+    {Call::CreateCompatibleDC, Gauge::kGdiObjects, 1},
+    {Call::CreateFontIndirectW, Gauge::kGdiObjects, 1},
+    {Call::CreatePen, Gauge::kGdiObjects, 1},
+    {Call::CreateSolidBrush, Gauge::kGdiObjects, 1},
+    {Call::GetDC, Gauge::kGdiObjects, 1},
+    {Call::LoadBitmapW, Gauge::kGdiObjects, 1},
+    {Call::DeleteDC, Gauge::kGdiObjects, -1},
+    {Call::DeleteObject, Gauge::kGdiObjects, -1},
+    {Call::ReleaseDC, Gauge::kGdiObjects, -1},
+    {Call::keybd_event, Gauge::kKeyPresses, 1},
+};
+
+constexpr std::array<Effect, kCallCount> MakeEffects() {
+    std::array<Effect, kCallCount> effects{};
+    for (const EffectRow& row : kEffectRows) {
+        effects[static_cast<std::size_t>(row.call)] = {row.gauge, row.change};
+    }
+    return effects;
+}
+inline constexpr std::array<Effect, kCallCount> kEffects = MakeEffects();
+
+}  // namespace sim

@@ -1,0 +1,93 @@
+#include "simulator/gate/trace.h"
+
+#include <cstdio>
+#include <windows.h>
+
+namespace sim {
+namespace {
+
+HANDLE OpenTrace(const std::wstring& folder, DWORD disposition) {
+    return ::CreateFileW((folder + L"\\trace.jsonl").c_str(), GENERIC_READ | GENERIC_WRITE,
+                         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                         disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
+}
+
+// A process that dies between taking its place and writing leaves zeros there.
+std::vector<std::string> Lines(const std::string& bytes) {
+    std::vector<std::string> lines;
+    std::string line;
+    for (const char c : bytes) {
+        if (c == '\n') {
+            lines.push_back(std::move(line));
+            line.clear();
+        } else if (c != '\0') {
+            line += c;
+        }
+    }
+    return lines;
+}
+
+}  // namespace
+
+void StartTrace(Device& device) {
+    StopTrace(device);
+    ::CloseHandle(OpenTrace(device.folder(), CREATE_ALWAYS));
+    const MappedGate gate(device.folder());
+    ::InterlockedExchange(&gate->trace_bytes, 0);
+    if (::InterlockedExchange(&gate->trace, 1) == 0) {
+        ::InterlockedIncrement(&gate->watch_all);
+    }
+}
+
+void StopTrace(Device& device) {
+    const MappedGate gate(device.folder());
+    if (::InterlockedExchange(&gate->trace, 0) == 1) {
+        ::InterlockedDecrement(&gate->watch_all);
+    }
+}
+
+std::vector<std::string> TraceLines(Device& device) {
+    const HANDLE file = OpenTrace(device.folder(), OPEN_ALWAYS);
+    if (file == INVALID_HANDLE_VALUE) {
+        return {};
+    }
+    std::string bytes(::GetFileSize(file, nullptr), '\0');
+    DWORD count = 0;
+    ::ReadFile(file, &bytes[0], static_cast<DWORD>(bytes.size()), &count, nullptr);
+    ::CloseHandle(file);
+    bytes.resize(count);
+    return Lines(bytes);
+}
+
+void AppendTrace(GateFile& gate, const std::wstring& folder, const std::string& line) {
+    const std::string whole = line + "\n";
+    const auto size = static_cast<LONG>(whole.size());
+    OVERLAPPED place{};
+    place.Offset = static_cast<DWORD>(::InterlockedExchangeAdd(&gate.trace_bytes, size));
+    const HANDLE file = OpenTrace(folder, OPEN_ALWAYS);
+    if (file == INVALID_HANDLE_VALUE) {
+        return;
+    }
+    DWORD count = 0;
+    ::WriteFile(file, whole.data(), static_cast<DWORD>(size), &count, &place);
+    ::CloseHandle(file);
+}
+
+std::string JsonText(const std::string& text) {
+    std::string quoted = "\"";
+    for (const char c : text) {
+        if (c == '"' || c == '\\') {
+            quoted += '\\';
+            quoted += c;
+        } else if (static_cast<unsigned char>(c) < 0x20) {
+            char escape[8];
+            std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(c));
+            quoted += escape;
+        } else {
+            quoted += c;
+        }
+    }
+    return quoted + "\"";
+}
+
+}  // namespace sim
