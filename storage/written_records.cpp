@@ -35,11 +35,13 @@ bool WrittenRecords::Grow() {
     return true;
 }
 
+bool WrittenRecords::Reserve() { return used_ + 1 <= slot_count_ / 2 || Grow(); }
+
 bool WrittenRecords::Add(std::uint32_t oid) {
     if (Contains(oid)) {
         return true;
     }
-    if (used_ + 1 > slot_count_ / 2 && !Grow()) {
+    if (!Reserve()) {
         return false;
     }
     SlotOf(slots_.get(), slot_count_, oid) = oid;

@@ -9,6 +9,8 @@ namespace tolvenar {
 
 class WrittenRecords {
 public:
+    // Makes sure that the next Add succeeds; false when there is no memory.
+    bool Reserve();
     // Enters an id, which is not 0; false when there is no memory.
     bool Add(std::uint32_t oid);
     bool Contains(std::uint32_t oid) const;

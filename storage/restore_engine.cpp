@@ -1,0 +1,128 @@
+#include "storage/restore_engine.h"
+
+#include "platform/win32.h"
+
+#include <string_view>
+
+#include "app/settings.h"
+#include "platform/text.h"
+#include "platform/unique_resource.h"
+#include "snapshot/difference_engine.h"
+#include "snapshot/prune.h"
+#include "storage/journal.h"
+#include "storage/journal_update.h"
+#include "storage/restore_list.h"
+
+namespace tolvenar {
+namespace {
+
+// The registry-object table is of use until the last registry object has been handled.
+class RegistryObjectsScope {
+public:
+    explicit RegistryObjectsScope(RegistryObjects& objects) : objects_(objects) {}
+    ~RegistryObjectsScope() { objects_.RegObjectClear(); }
+    RegistryObjectsScope(const RegistryObjectsScope&) = delete;
+    RegistryObjectsScope& operator=(const RegistryObjectsScope&) = delete;
+
+private:
+    RegistryObjects& objects_;
+};
+
+// Takes out of the difference list what is never restored. False when the storage file, which
+// describes the objects, cannot be opened.
+bool PruneForRestore(Engine& engine) {
+    const UniqueHandle sav_file(
+        ::CreateFileW(Wide(engine.storage.names.sav), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ,
+                      nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!sav_file) {
+        return false;
+    }
+    const StorageFileLoan loan(engine.info, sav_file.get());
+    PruneDifferences(*engine.storage.difference, kRestorePruning, engine.info);
+    return true;
+}
+
+// Whether the journal fits on the card once more. A list that is saved in part replaces the whole
+// one, and a restore from it would delete what it lacks.
+bool HasRoomForJournal(const OpenedStorage& storage) {
+    char16_t folder[kStoragePathUnits];
+    const std::u16string_view path(storage.names.path);
+    const std::size_t backslash = path.rfind(u'\\');
+    const std::size_t units = backslash == std::u16string_view::npos ? 0 : backslash;
+    path.copy(folder, units);
+    folder[units] = 0;
+    ULARGE_INTEGER available{};
+    const wchar_t* card = units == 0 ? L"\\" : Wide(folder);
+    return storage.journal != nullptr &&
+           ::GetDiskFreeSpaceExW(card, &available, nullptr, nullptr) &&
+           available.QuadPart / sizeof(ObjectRecord) >= storage.journal->CountRecords();
+}
+
+// Restores the difference list, then loads the journal again, saved before with `keep_ids`.
+bool RestoreDifferences(Engine& engine, bool skip_databases, bool keep_ids,
+                        ResultCode& result_code) {
+    OpenedStorage& storage = engine.storage;
+    if (!RestoreList(engine, *storage.difference, skip_databases, result_code)) {
+        FreeWorkingLists(storage, false);
+    }
+    CloseJournal(storage.names, storage.journal, keep_ids && HasRoomForJournal(storage),
+                 &engine.progress);
+    if (OpenJournal(storage, &engine.progress)) {
+        FreeWorkingLists(storage, result_code != ResultCode::kFailed);
+        return true;
+    }
+    if (result_code != ResultCode::kFailed) {
+        result_code = ResultCode::kJournalUnreadable;
+    }
+    FreeWorkingLists(storage, false);
+    return false;
+}
+
+bool FailEarly(OpenedStorage& storage, ResultCode reason, ResultCode& result_code) {
+    FreeWorkingLists(storage, false);
+    result_code = reason;
+    return false;
+}
+
+}  // namespace
+
+bool DoRestore(Engine& engine, std::uint32_t state_number, ResultCode& result_code) {
+    OpenedStorage& storage = engine.storage;
+    const RegistryObjectsScope registry_objects(storage.registry_objects);
+    result_code = ResultCode::kSuccess;
+    if (!FindDifference(engine, state_number)) {
+        return FailEarly(storage, ResultCode::kNoDifferenceList, result_code);
+    }
+    if (!PruneForRestore(engine)) {
+        return FailEarly(storage, ResultCode::kFailed, result_code);
+    }
+    if (storage.difference->CountRecords() == 0) {
+        for (int phase = 0; phase < 3; ++phase) {
+            engine.progress.ProgressStep(u"Complete.");
+        }
+        FreeWorkingLists(storage, true);
+        result_code = ResultCode::kNoDifference;
+        return true;
+    }
+    return RestoreDifferences(engine, false, true, result_code);
+}
+
+bool DoAdvancedRestore(Engine& engine, bool invert_first, ResultCode& result_code) {
+    OpenedStorage& storage = engine.storage;
+    const RegistryObjectsScope registry_objects(storage.registry_objects);
+    result_code = ResultCode::kSuccess;
+    if (storage.difference == nullptr) {
+        return false;
+    }
+    if (invert_first) {
+        InvertPendingFlags(*storage.difference);
+    }
+    if (!PruneForRestore(engine)) {
+        return FailEarly(storage, ResultCode::kFailed, result_code);
+    }
+    const bool restores_databases =
+        (ReadSetting(setting::kAdvancedDBRestoring) & kSettingMask) != 0;
+    return RestoreDifferences(engine, !restores_databases, false, result_code);
+}
+
+}  // namespace tolvenar

@@ -1,0 +1,120 @@
+#include "storage/restore_list.h"
+
+#include "platform/win32.h"
+
+#include "storage/journal_update.h"
+#include "storage/restore_record.h"
+
+namespace tolvenar {
+namespace {
+
+// Between the files and everything else, for the object store to settle.
+constexpr DWORD kSettleMs = 100;
+
+bool IsDeletion(const ObjectRecord& record) { return (record.flags & JF_ADD) != 0; }
+bool IsFileToWrite(const ObjectRecord& record) {
+    return (record.flags & JF_DELETE) != 0 && record.type == ObjectType::kFile;
+}
+bool IsOtherToWrite(const ObjectRecord& record) {
+    return (record.flags & JF_DELETE) != 0 && record.type != ObjectType::kFile;
+}
+
+// The passes over one list. Repeating them settles the order of objects that depend on one another
+// without sorting: a folder comes before its files after a pass in which they failed.
+class Passes {
+public:
+    Passes(RestoreRun& run, ObjectList& list)
+        : run_(run), list_(list), journal_(run.engine.storage.journal.get()) {}
+
+    // Repeats passes over the chosen records until one has no failures, or as many as the one
+    // before it. The count of the pass before goes from one phase into the next, on purpose: a
+    // phase whose first pass fails as often as the last pass of the phase before it ends at once.
+    void RunPhase(bool (*chosen)(const ObjectRecord&)) {
+        for (;;) {
+            const std::size_t failures = RunPass(chosen);
+            const bool stuck = failures != 0 && failures == failures_before_;
+            failures_before_ = failures;
+            if (stuck) {
+                failed_ = true;
+            }
+            if (stuck || failures == 0) {
+                return;
+            }
+        }
+    }
+    bool failed() const { return failed_; }
+
+private:
+    std::size_t RunPass(bool (*chosen)(const ObjectRecord&)) {
+        std::size_t failures = 0;
+        ObjectList::Cursor cursor = list_.First();
+        ObjectRecord* record = nullptr;
+        while (ObjectList::Next(cursor, nullptr, &record)) {
+            if (!chosen(*record)) {
+                continue;
+            }
+            if (!Restore(*record)) {
+                ++failures;
+            }
+            run_.engine.progress.ProgressStep();
+        }
+        return failures;
+    }
+
+    bool Restore(ObjectRecord& record) {
+        CEOID newOid = 0;
+        if (DoRestoreRecord(run_, record, newOid) == RestoreOutcome::kFailed) {
+            return false;
+        }
+        record.flags = 0;
+        journal_.UpdateJournalOid(record, newOid);
+        return true;
+    }
+
+    RestoreRun& run_;
+    ObjectList& list_;
+    JournalUpdater journal_;
+    std::size_t failures_before_ = 0;
+    bool failed_ = false;
+};
+
+// The handles of the databases that a restore uses, closed at its end.
+class DatabaseCacheScope {
+public:
+    explicit DatabaseCacheScope(DatabaseLayer& databases) : databases_(databases) {
+        databases_.ResetDatabaseCache();
+    }
+    ~DatabaseCacheScope() { databases_.CloseDatabaseCache(); }
+    DatabaseCacheScope(const DatabaseCacheScope&) = delete;
+    DatabaseCacheScope& operator=(const DatabaseCacheScope&) = delete;
+
+private:
+    DatabaseLayer& databases_;
+};
+
+}  // namespace
+
+bool RestoreList(Engine& engine, ObjectList& list, bool skip_databases, ResultCode& result_code) {
+    StorageMapping storage;
+    if (!storage.Open(engine.storage.names.sav)) {
+        result_code = ResultCode::kDriver;
+        return false;
+    }
+    engine.progress.ProgressBegin(2 * list.CountRecords());
+    engine.progress.ProgressStep(u"Restoring...");
+    const DatabaseCacheScope cache(engine.databases);
+    RestoreRun run{engine, storage, skip_databases, {}};
+    Passes passes(run, list);
+    passes.RunPhase(IsDeletion);
+    passes.RunPhase(IsFileToWrite);
+    ::Sleep(kSettleMs);
+    passes.RunPhase(IsOtherToWrite);
+    if (!passes.failed()) {
+        return true;
+    }
+    InvertPendingFlags(list);
+    result_code = ResultCode::kFailed;
+    return false;
+}
+
+}  // namespace tolvenar
