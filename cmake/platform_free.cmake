@@ -12,11 +12,13 @@ set(PLATFORM_FREE_SOURCES
   snapshot/state_replay.cpp
   snapshot/text_buffer.cpp
   storage/info_block.cpp
+  storage/journal_update.cpp
   storage/storage_header.cpp
   storage/storage_names.cpp
   storage/written_records.cpp
 )
 set(PLATFORM_FREE_TESTS
+  tests/storage/journal_update_test.cpp
   tests/storage/storage_header_test.cpp
   tests/storage/storage_names_test.cpp
 )
