@@ -1,0 +1,229 @@
+#include "simulator/windows/control.h"
+
+#include <algorithm>
+#include <functional>
+#include <mutex>
+#include <set>
+#include <thread>
+
+#include "simulator/windows/control_json.h"
+#include "simulator/windows/control_pipe.h"
+#include "simulator/windows/desktop.h"
+#include "simulator/windows/host_windows.h"
+#include "simulator/windows/inspect.h"
+#include "simulator/windows/inspect_tree.h"
+#include "simulator/windows/keys.h"
+
+namespace sim::windows {
+namespace {
+
+using nlohmann::json;
+
+HWND ToWindow(std::uint32_t handle) { return static_cast<HWND>(ULongToHandle(handle)); }
+
+std::wstring PipeName(const std::wstring& desktop, std::uint32_t pid) {
+    return L"\\\\.\\pipe\\" + desktop + L"-" + std::to_wstring(pid);
+}
+
+// The answering side: what a request asks of this process's windows.
+json Answer(const json& request) {
+    const std::string verb = request.value("verb", "");
+    HWND window = ToWindow(request.value("window", 0u));
+    const std::string text = request.value("text", "");
+    if (verb == "describe") {
+        return Describe(window);
+    }
+    if (verb == "text") {
+        return SetControlText(window, text);
+    }
+    if (verb == "select") {
+        return SelectItem(window, text);
+    }
+    if (verb == "tree") {
+        return TreeItems(window);
+    }
+    return nullptr;
+}
+
+// The asking side. The window's own process answers; one that does not (a program of the host's) is
+// asked from here as far as that goes.
+json AskOwner(const std::wstring& desktop, HWND window, const char* verb, const std::string& text) {
+    const json request = {{"verb", verb}, {"window", HandleToULong(window)}, {"text", text}};
+    DWORD pid = 0;
+    ::GetWindowThreadProcessId(window, &pid);
+    if (pid != ::GetCurrentProcessId()) {
+        if (auto answer = AskPipe(PipeName(desktop, pid), request)) {
+            return *answer;
+        }
+    }
+    return Answer(request);
+}
+
+// Runs `body` on a thread that is on the device's desktop: this one when it can be.
+void OnDesktop(const Device& device, const std::function<void()>& body) {
+    if (EnterDesktop(device)) {
+        body();
+        return;
+    }
+    std::thread([&] {
+        EnterDesktop(device);
+        body();
+    }).join();
+}
+
+BOOL CALLBACK CollectTop(HWND window, LPARAM param) {
+    if (!IsHostsOwn(window)) {
+        reinterpret_cast<std::vector<HWND>*>(param)->push_back(window);
+    }
+    return TRUE;
+}
+
+std::vector<Window> ListHere(const std::wstring& desktop) {
+    std::vector<HWND> tops;
+    ::EnumWindows(CollectTop, reinterpret_cast<LPARAM>(&tops));
+    std::vector<Window> list;
+    for (HWND top : tops) {
+        const json answer = AskOwner(desktop, top, "describe", "");
+        if (!answer.is_array()) {
+            continue;
+        }
+        for (const json& window : answer) {
+            list.push_back(window.get<Window>());
+        }
+    }
+    return list;
+}
+
+bool IsBelow(const std::vector<Window>& list, const Window& window, std::uint32_t ancestor) {
+    std::uint32_t at = window.handle;
+    while (at != 0 && at != ancestor) {
+        const auto found = std::find_if(list.begin(), list.end(),
+                                        [at](const Window& other) { return other.handle == at; });
+        at = found != list.end() ? found->parent : 0;
+    }
+    return at == ancestor;
+}
+
+// Pages of a dialog use an id more than once: what the user sees comes first, and the active window
+// before the others.
+std::optional<Window> FindIn(const std::vector<Window>& list, int id) {
+    std::uint32_t active = 0;
+    for (const Window& window : list) {
+        if (window.active) {
+            active = window.handle;
+        }
+    }
+    std::optional<Window> best;
+    int best_rank = 0;
+    for (const Window& window : list) {
+        if (window.id != id || window.parent == 0) {
+            continue;
+        }
+        const bool in_active = active != 0 && IsBelow(list, window, active);
+        const int rank = 1 + (window.visible ? 2 : 0) + (in_active ? 1 : 0);
+        if (rank > best_rank) {
+            best = window;
+            best_rank = rank;
+        }
+    }
+    return best;
+}
+
+std::optional<Window> FindHere(const Device& device, int id) {
+    return FindIn(ListHere(DesktopName(device)), id);
+}
+
+bool AskControl(const Device& device, int id, const char* verb, const std::string& text) {
+    bool done = false;
+    OnDesktop(device, [&] {
+        const auto control = FindHere(device, id);
+        if (!control) {
+            return;
+        }
+        const json answer = AskOwner(DesktopName(device), ToWindow(control->handle), verb, text);
+        done = answer.is_boolean() && answer.get<bool>();
+    });
+    return done;
+}
+
+}  // namespace
+
+void AnswerOutside(const Device& device) {
+    static std::mutex mutex;
+    static std::set<std::wstring> served;
+    const std::wstring name = PipeName(DesktopName(device), ::GetCurrentProcessId());
+    std::lock_guard guard(mutex);
+    if (served.insert(name).second) {
+        ServePipe(name, Answer);
+    }
+}
+
+std::vector<Window> List(const Device& device) {
+    std::vector<Window> list;
+    OnDesktop(device, [&] { list = ListHere(DesktopName(device)); });
+    return list;
+}
+
+std::optional<Window> Find(const Device& device, int id) {
+    std::optional<Window> found;
+    OnDesktop(device, [&] { found = FindHere(device, id); });
+    return found;
+}
+
+std::optional<std::string> Text(const Device& device, int id) {
+    const auto control = Find(device, id);
+    return control ? std::optional<std::string>(control->text) : std::nullopt;
+}
+
+bool SetText(const Device& device, int id, const std::string& text) {
+    return AskControl(device, id, "text", text);
+}
+
+bool Press(const Device& device, int id) {
+    bool pressed = false;
+    OnDesktop(device, [&] {
+        const auto button = FindHere(device, id);
+        pressed =
+            button && button->enabled && ::PostMessageW(ToWindow(button->handle), BM_CLICK, 0, 0);
+    });
+    return pressed;
+}
+
+bool Select(const Device& device, int id, const std::string& item) {
+    return AskControl(device, id, "select", item);
+}
+
+std::vector<TreeItem> Tree(const Device& device) {
+    std::vector<TreeItem> items;
+    OnDesktop(device, [&] {
+        for (const Window& window : ListHere(DesktopName(device))) {
+            if (window.class_name != "SysTreeView32" || !window.visible) {
+                continue;
+            }
+            const json answer = AskOwner(DesktopName(device), ToWindow(window.handle), "tree", "");
+            items = answer.get<std::vector<TreeItem>>();
+            return;
+        }
+    });
+    return items;
+}
+
+bool PressKeys(const Device& device, const std::string& keys) {
+    const auto presses = ParseKeys(keys);
+    if (!presses) {
+        return false;
+    }
+    OnDesktop(device, [&] { TypeKeys(*presses); });
+    return true;
+}
+
+bool Close(const Device& device) {
+    bool closed = false;
+    OnDesktop(device, [&] {
+        HWND active = ::GetForegroundWindow();
+        closed = active != nullptr && ::PostMessageW(active, WM_SYSCOMMAND, SC_CLOSE, 0);
+    });
+    return closed;
+}
+
+}  // namespace sim::windows

@@ -1,0 +1,12 @@
+// A process's own tree views; the part of inspect.h that knows them.
+#pragma once
+
+#include "simulator/windows/inspect.h"
+
+namespace sim::windows {
+
+std::vector<TreeItem> TreeItems(HWND tree);
+// `path`: the texts from the root, joined by '|'.
+bool SelectTreeItem(HWND tree, const std::string& path);
+
+}  // namespace sim::windows

@@ -1,0 +1,123 @@
+#include "simulator/windows/window_calls.h"
+
+#include <cwchar>
+#include <windows.h>
+
+#include "simulator/windows/control.h"
+#include "simulator/windows/desktop.h"
+#include "simulator/windows/dialog_template.h"
+#include "simulator/windows/host_windows.h"
+
+namespace sim::windows {
+namespace {
+
+constexpr wchar_t kShellDesktopClass[] = L"DesktopExplorerWindow";
+
+// The host's dialog class under Windows CE's name.
+void RegisterDialogClass() {
+    static const ATOM registered = [] {
+        WNDCLASSW dialog{};
+        ::GetClassInfoW(nullptr, L"#32770", &dialog);
+        dialog.lpszClassName = kDialogClass;
+        dialog.hInstance = ::GetModuleHandleW(nullptr);
+        dialog.style |= CS_GLOBALCLASS;
+        return ::RegisterClassW(&dialog);
+    }();
+    static_cast<void>(registered);
+}
+
+DLGPROC DialogProcedure(const void* procedure) {
+    return reinterpret_cast<DLGPROC>(const_cast<void*>(procedure));
+}
+
+struct Enumeration {
+    WNDENUMPROC callback;
+    LPARAM param;
+};
+
+BOOL CALLBACK PassOn(HWND window, LPARAM param) {
+    const auto& enumeration = *reinterpret_cast<const Enumeration*>(param);
+    return IsHostsOwn(window) || enumeration.callback(window, enumeration.param);
+}
+
+}  // namespace
+
+void EnterDeviceDesktop() {
+    if (!Device::HasCurrent()) {
+        return;
+    }
+    EnterDesktop(Device::Current());
+    AnswerOutside(Device::Current());
+}
+
+void* CreateWindowOnDevice(const NewWindow& window) {
+    EnterDeviceDesktop();
+    return ::CreateWindowExW(window.ex_style, window.class_name, window.title, window.style,
+                             window.x, window.y, window.width, window.height,
+                             static_cast<HWND>(window.parent), static_cast<HMENU>(window.menu),
+                             static_cast<HINSTANCE>(window.instance), window.param);
+}
+
+void* CreateDialogOnDevice(void* instance, const void* dialog_template, void* owner,
+                           const void* procedure, long param) {
+    EnterDeviceDesktop();
+    RegisterDialogClass();
+    const auto bytes = WithDialogClass(dialog_template);
+    return ::CreateDialogIndirectParamW(
+        static_cast<HINSTANCE>(instance), reinterpret_cast<LPCDLGTEMPLATEW>(bytes.data()),
+        static_cast<HWND>(owner), DialogProcedure(procedure), param);
+}
+
+int RunDialogOnDevice(void* instance, const void* dialog_template, void* owner,
+                      const void* procedure, long param) {
+    EnterDeviceDesktop();
+    RegisterDialogClass();
+    const auto bytes = WithDialogClass(dialog_template);
+    return ::DialogBoxIndirectParamW(static_cast<HINSTANCE>(instance),
+                                     reinterpret_cast<LPCDLGTEMPLATEW>(bytes.data()),
+                                     static_cast<HWND>(owner), DialogProcedure(procedure), param);
+}
+
+int ShowMessageBox(void* owner, const wchar_t* text, const wchar_t* caption, unsigned type) {
+    EnterDeviceDesktop();
+    return ::MessageBoxW(static_cast<HWND>(owner), text, caption, type);
+}
+
+void* FindWindowOnDevice(const wchar_t* class_name, const wchar_t* title) {
+    EnterDeviceDesktop();
+    const bool by_name = class_name != nullptr && !IS_INTRESOURCE(class_name);
+    if (by_name && std::wcscmp(class_name, kShellDesktopClass) == 0) {
+        return ::GetDesktopWindow();
+    }
+    return ::FindWindowW(class_name, title);
+}
+
+void* ForegroundWindow() {
+    EnterDeviceDesktop();
+    return ::GetForegroundWindow();
+}
+
+bool BringToForeground(void* window) {
+    EnterDeviceDesktop();
+    return ::SetForegroundWindow(static_cast<HWND>(window)) != 0;
+}
+
+bool EnumerateWindows(const void* callback, long param) {
+    EnterDeviceDesktop();
+    Enumeration enumeration{reinterpret_cast<WNDENUMPROC>(const_cast<void*>(callback)), param};
+    return ::EnumWindows(PassOn, reinterpret_cast<LPARAM>(&enumeration)) != 0;
+}
+
+int SystemMetric(int index) {
+    if (Device::HasCurrent()) {
+        if (index == SM_CXSCREEN) {
+            return ScreenSizeOf(Device::Current()).width;
+        }
+        if (index == SM_CYSCREEN) {
+            return ScreenSizeOf(Device::Current()).height;
+        }
+    }
+    return ::GetSystemMetrics(index);
+}
+
+}  // namespace sim::windows
