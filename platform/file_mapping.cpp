@@ -13,11 +13,17 @@ DWORD AllocationGranularity() {
     return info.dwAllocationGranularity == 0 ? kUsualGranularity : info.dwAllocationGranularity;
 }
 
-UniqueHandle MapFileForReading(const wchar_t* path, DWORD share, DWORD flags) {
+UniqueHandle MapFileForReading(const wchar_t* path, DWORD share, DWORD flags, DWORD* size) {
     UniqueHandle file(
         ::CreateFileForMappingW(path, GENERIC_READ, share, nullptr, OPEN_EXISTING, flags, nullptr));
     if (!file) {
         return {};
+    }
+    if (size != nullptr) {
+        *size = ::GetFileSize(file.get(), nullptr);
+        if (*size == INVALID_FILE_SIZE) {
+            return {};
+        }
     }
     UniqueHandle mapping(::CreateFileMappingW(file.get(), nullptr, PAGE_READONLY, 0, 0, nullptr));
     if (mapping) {

@@ -9,8 +9,9 @@ namespace tolvenar {
 DWORD AllocationGranularity();
 
 // A read-only mapping of the existing file `path`; `share` as for opening a file, `flags` its
-// attribute and FILE_FLAG bits. Empty, with the last error, when it cannot be opened or mapped; a
-// file without bytes cannot.
-UniqueHandle MapFileForReading(const wchar_t* path, DWORD share, DWORD flags);
+// attribute and FILE_FLAG bits; `size`, when given, receives its bytes. Empty, with the last error,
+// when it cannot be opened or mapped; a file without bytes cannot.
+UniqueHandle MapFileForReading(const wchar_t* path, DWORD share, DWORD flags,
+                               DWORD* size = nullptr);
 
 }  // namespace tolvenar

@@ -1,7 +1,6 @@
 #include "storage/backup_writer.h"
 
 #include <algorithm>
-#include <string_view>
 
 #include "platform/text.h"
 #include "platform/unique_resource.h"
@@ -9,6 +8,7 @@
 #include "snapshot/difference_engine.h"
 #include "snapshot/text_buffer.h"
 #include "storage/block_io.h"
+#include "storage/card_space.h"
 #include "storage/journal.h"
 #include "storage/log.h"
 #include "storage/object_data_writers.h"
@@ -60,33 +60,15 @@ std::uint64_t NumberAndEstimate(Engine& engine, std::uint32_t state_number) {
     return total;
 }
 
-// Free bytes of the folder that the storage lies in. Only the low half is looked at, on purpose:
-// offsets in a storage file have 32 bits.
-bool FreeBytesOfCard(const StorageNames& names, std::uint32_t& free_bytes) {
-    const std::size_t backslash = std::u16string_view(names.path).rfind(u'\\');
-    TextBuffer<kStoragePathUnits> folder;
-    if (backslash == 0 || backslash == std::u16string_view::npos) {
-        folder.AppendUnit(u'\\');
-    } else {
-        folder.Append(names.path, backslash);
-    }
-    ULARGE_INTEGER available{};
-    ULARGE_INTEGER total{};
-    ULARGE_INTEGER free_total{};
-    if (!::GetDiskFreeSpaceExW(Wide(folder.text()), &available, &total, &free_total)) {
-        return false;
-    }
-    free_bytes = available.LowPart;
-    return true;
-}
-
 bool CheckRoom(Engine& engine, std::uint64_t estimate, ResultCode& result_code,
                std::uint32_t& bytes_needed) {
     const StorageNames& names = engine.storage.names;
-    std::uint32_t free_bytes = 0;
-    if (!FreeBytesOfCard(names, free_bytes)) {
+    std::uint64_t free_on_card = 0;
+    if (!FreeBytesOfCard(names, free_on_card)) {
         return Fail(ResultCode::kFailed, result_code);
     }
+    // Only the low half is looked at, on purpose: offsets in a storage file have 32 bits.
+    const auto free_bytes = static_cast<std::uint32_t>(free_on_card);
     const std::uint32_t journal_bytes = JournalFileSize(names);
     if (journal_bytes == kNoFileSize) {
         return Fail(ResultCode::kFailed, result_code);

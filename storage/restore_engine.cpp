@@ -2,13 +2,11 @@
 
 #include "platform/win32.h"
 
-#include <string_view>
-
 #include "app/settings.h"
-#include "platform/text.h"
-#include "platform/unique_resource.h"
 #include "snapshot/difference_engine.h"
 #include "snapshot/prune.h"
+#include "storage/block_io.h"
+#include "storage/card_space.h"
 #include "storage/journal.h"
 #include "storage/journal_update.h"
 #include "storage/restore_list.h"
@@ -31,9 +29,8 @@ private:
 // Takes out of the difference list what is never restored. False when the storage file, which
 // describes the objects, cannot be opened.
 bool PruneForRestore(Engine& engine) {
-    const UniqueHandle sav_file(
-        ::CreateFileW(Wide(engine.storage.names.sav), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ,
-                      nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    const UniqueHandle sav_file = OpenFile(engine.storage.names.sav, GENERIC_READ | GENERIC_WRITE,
+                                           FILE_SHARE_READ, OPEN_EXISTING);
     if (!sav_file) {
         return false;
     }
@@ -45,17 +42,9 @@ bool PruneForRestore(Engine& engine) {
 // Whether the journal fits on the card once more. A list that is saved in part replaces the whole
 // one, and a restore from it would delete what it lacks.
 bool HasRoomForJournal(const OpenedStorage& storage) {
-    char16_t folder[kStoragePathUnits];
-    const std::u16string_view path(storage.names.path);
-    const std::size_t backslash = path.rfind(u'\\');
-    const std::size_t units = backslash == std::u16string_view::npos ? 0 : backslash;
-    path.copy(folder, units);
-    folder[units] = 0;
-    ULARGE_INTEGER available{};
-    const wchar_t* card = units == 0 ? L"\\" : Wide(folder);
-    return storage.journal != nullptr &&
-           ::GetDiskFreeSpaceExW(card, &available, nullptr, nullptr) &&
-           available.QuadPart / sizeof(ObjectRecord) >= storage.journal->CountRecords();
+    std::uint64_t free_bytes = 0;
+    return storage.journal != nullptr && FreeBytesOfCard(storage.names, free_bytes) &&
+           free_bytes / sizeof(ObjectRecord) >= storage.journal->CountRecords();
 }
 
 // Restores the difference list, then loads the journal again, saved before with `keep_ids`.

@@ -2,20 +2,14 @@
 
 #include <algorithm>
 
+#include "platform/file_mapping.h"
 #include "platform/text.h"
 
 namespace tolvenar {
 namespace {
 
-constexpr DWORD kUsualGranularity = 0x10000;
 constexpr DWORD kRestPerMebibyteMs = 500;
 constexpr DWORD kRandomAccess = FILE_ATTRIBUTE_NORMAL | FILE_FLAG_RANDOM_ACCESS;
-
-DWORD AllocationGranularity() {
-    SYSTEM_INFO system{};
-    ::GetSystemInfo(&system);
-    return system.dwAllocationGranularity != 0 ? system.dwAllocationGranularity : kUsualGranularity;
-}
 
 // The part of the remaining bytes that is copied next; 0, with the last error as it was, when what
 // is free would not take them all.
@@ -52,21 +46,10 @@ bool WriteChunk(HANDLE file, const StorageMapping& storage, std::uint32_t offset
 }  // namespace
 
 bool StorageMapping::Open(const char16_t* sav_path) {
-    mapping_.Reset();
-    // From CreateFileMappingW on the file belongs to the mapping, and closing it is refused. It is
-    // closed here all the same, for the platforms where it stays the caller's; never later, when
-    // the mapping is gone and the handle may be another's.
-    const UniqueHandle file(::CreateFileForMappingW(Wide(sav_path), GENERIC_READ,
-                                                    FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                                    OPEN_EXISTING, kRandomAccess, nullptr));
-    if (!file) {
-        return false;
-    }
-    size_ = ::GetFileSize(file.get(), nullptr);
-    if (size_ == INVALID_FILE_SIZE) {
-        return false;
-    }
-    mapping_.Reset(::CreateFileMappingW(file.get(), nullptr, PAGE_READONLY, 0, 0, nullptr));
+    DWORD size = 0;
+    mapping_ =
+        MapFileForReading(Wide(sav_path), FILE_SHARE_READ | FILE_SHARE_WRITE, kRandomAccess, &size);
+    size_ = size;
     return static_cast<bool>(mapping_);
 }
 
