@@ -18,7 +18,9 @@ set(PLATFORM_FREE_SOURCES
   storage/written_records.cpp
 )
 set(PLATFORM_FREE_TESTS
+  tests/snapshot/property_encoding_test.cpp
   tests/storage/journal_update_test.cpp
   tests/storage/storage_header_test.cpp
   tests/storage/storage_names_test.cpp
+  tests/storage/written_records_test.cpp
 )

@@ -7,6 +7,7 @@
 #include "snapshot/file_scanner.h"
 #include "snapshot/prune.h"
 #include "snapshot/registry_scanner.h"
+#include "storage/block_io.h"
 #include "storage/log.h"
 #include "storage/storage_names.h"
 
@@ -33,9 +34,7 @@ constexpr Hive kHives[] = {
 };
 
 UniqueHandle OpenStorageFile(const StorageNames& names) {
-    return UniqueHandle(::CreateFileW(Wide(names.sav), GENERIC_READ | GENERIC_WRITE,
-                                      FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                      FILE_ATTRIBUTE_NORMAL, nullptr));
+    return OpenFile(names.sav, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, OPEN_EXISTING);
 }
 
 void ScanObjectStoreFiles(Engine& engine) {

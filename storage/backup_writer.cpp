@@ -28,9 +28,8 @@ bool Fail(ResultCode code, ResultCode& result_code) {
 }
 
 UniqueHandle OpenForAppending(const StorageNames& names) {
-    UniqueHandle sav_file(::CreateFileW(Wide(names.sav), GENERIC_READ | GENERIC_WRITE,
-                                        FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                        FILE_ATTRIBUTE_NORMAL, nullptr));
+    UniqueHandle sav_file =
+        OpenFile(names.sav, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, OPEN_EXISTING);
     if (sav_file && !MoveToEnd(sav_file.get())) {
         sav_file.Reset();
     }
