@@ -1,0 +1,103 @@
+#include "app/progress_popup.h"
+
+#include "res/resource.h"
+#include "snapshot/window_progress.h"
+
+namespace tolvenar {
+namespace {
+
+constexpr int kPolls = 100;
+constexpr DWORD kPollMs = 50;
+
+// The popup's thread sends messages to its owner's thread while it opens and closes, so whoever waits
+// for it must let sent messages through.
+void ServeSentMessages() {
+    MSG message;
+    ::PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
+}
+
+}  // namespace
+
+void ProgressPopup::Show(HWND owner, const wchar_t* title, int total_steps) {
+    if (is_closing_) { WaitForClosing(); }
+    if (!thread_) {
+        owner_ = owner;
+        ::wcsncpy(title_, title, kTitleUnits - 1);
+        thread_.Reset(::CreateThread(nullptr, 0, Run, this, 0, nullptr));
+        if (!thread_) { return; }
+        WaitForWindow();
+    }
+    Publish(total_steps);
+}
+
+void ProgressPopup::Close() {
+    controls_ = {};
+    if (!thread_) { return; }
+    is_closing_ = true;
+    if (const HWND window = window_) { ::PostMessageW(window, WM_CLOSE, 0, 0); }
+}
+
+void ProgressPopup::CloseAndWait() {
+    Close();
+    WaitForClosing();
+}
+
+void ProgressPopup::WaitForClosing() {
+    for (int i = 0; thread_ && i < kPolls; ++i) {
+        ServeSentMessages();
+        if (::WaitForSingleObject(thread_.get(), kPollMs) == WAIT_OBJECT_0) { break; }
+    }
+    thread_.Reset();
+    is_closing_ = false;
+}
+
+void ProgressPopup::WaitForWindow() {
+    for (int i = 0; window_ == nullptr && i < kPolls; ++i) {
+        ServeSentMessages();
+        ::Sleep(kPollMs);
+    }
+}
+
+void ProgressPopup::Publish(int total_steps) {
+    const HWND window = window_;
+    if (window == nullptr) { return; }
+    controls_.step_text = ::GetDlgItem(window, IDC_STEP_TEXT);
+    controls_.step_bar = ::GetDlgItem(window, IDC_STEP_BAR);
+    controls_.total_bar = ::GetDlgItem(window, IDC_TOTAL_BAR);
+    const int show = total_steps == 0 ? SW_HIDE : SW_SHOW;
+    ::ShowWindow(controls_.total_bar, show);
+    ::ShowWindow(::GetDlgItem(window, IDC_TOTAL_LABEL), show);
+    if (total_steps == 0) { return; }
+    ::SendMessageW(controls_.total_bar, PBM_SETRANGE, 0, MAKELPARAM(0, total_steps + 1));
+    ::SendMessageW(controls_.total_bar, PBM_SETPOS, 0, 0);
+    ::SendMessageW(controls_.total_bar, PBM_SETSTEP, 1, 0);
+}
+
+DWORD WINAPI ProgressPopup::Run(void* parameter) {
+    auto* popup = static_cast<ProgressPopup*>(parameter);
+    ::DialogBoxParamW(popup->instance_, MAKEINTRESOURCEW(IDD_PROGRESS), popup->owner_,
+                      DialogProcedure, reinterpret_cast<LPARAM>(popup));
+    popup->window_ = nullptr;
+    return 0;
+}
+
+INT_PTR ProgressPopup::OnInit(HWND window) {
+    window_ = window;
+    ::SetWindowTextW(window, title_);
+    ::ShowWindow(window, SW_SHOW);
+    ::UpdateWindow(window);
+    // Whoever opened it has given up waiting and closed it meanwhile.
+    if (is_closing_) { ::EndDialog(window, 1); }
+    return TRUE;
+}
+
+INT_PTR CALLBACK ProgressPopup::DialogProcedure(HWND window, UINT message, WPARAM, LPARAM lparam) {
+    if (message == WM_INITDIALOG) {
+        return reinterpret_cast<ProgressPopup*>(lparam)->OnInit(window);
+    }
+    if (message != WM_CLOSE) { return FALSE; }
+    ::EndDialog(window, 1);
+    return TRUE;
+}
+
+}  // namespace tolvenar

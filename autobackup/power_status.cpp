@@ -1,0 +1,69 @@
+#include "autobackup/power_status.h"
+
+namespace tolvenar {
+namespace {
+
+constexpr BYTE kOnMains = 1;
+constexpr BYTE kUnknownBattery = 255;
+constexpr BYTE kBatteryHigh = 0x01;
+constexpr BYTE kLowBelowPercent = 30;
+constexpr BYTE kTooWeakPercent = 5;  // a backup might not be finished
+constexpr int kRereads = 5;
+constexpr DWORD kRereadDelayMs = 3000;
+
+constexpr wchar_t kLibrary[] = L"coredll.dll";
+constexpr wchar_t kFunction[] = L"GetSystemPowerStatusEx";
+
+bool IsLowEnough(const SYSTEM_POWER_STATUS_EX& status) {
+    // 255, unknown, has the high bit set too and so counts as high.
+    return (status.BatteryFlag & kBatteryHigh) == 0 &&
+           status.BatteryLifePercent < kLowBelowPercent &&
+           status.BatteryLifePercent > kTooWeakPercent;
+}
+
+}  // namespace
+
+void PowerStatus::Load() {
+    if (library_ == nullptr) { library_ = ::LoadLibraryW(kLibrary); }
+    if (library_ == nullptr || function_ != nullptr) { return; }
+    function_ = reinterpret_cast<Function>(
+        reinterpret_cast<void*>(::GetProcAddressW(library_, kFunction)));
+}
+
+bool PowerStatus::Read(SYSTEM_POWER_STATUS_EX& status) {
+    Load();
+    if (function_ == nullptr) { return false; }
+    status = {};
+    return function_(&status, TRUE) != FALSE;
+}
+
+void PowerStatus::Unload() {
+    if (library_ != nullptr) { ::FreeLibrary(library_); }
+    library_ = nullptr;
+    function_ = nullptr;
+}
+
+bool PowerStatus::IsAvailable() {
+    if (library_ == nullptr) { library_ = ::LoadLibraryW(kLibrary); }
+    if (library_ == nullptr) { return false; }
+    const bool found = ::GetProcAddressW(library_, kFunction) != nullptr;
+    ::FreeLibrary(library_);
+    return found;
+}
+
+BatteryCheckResult CheckBatteryForBackup(PowerStatus& power) {
+    SYSTEM_POWER_STATUS_EX status;
+    // Nothing is unloaded here: a first read that fails leaves the library as it is.
+    if (!power.Read(status)) { return BatteryCheckResult::kUnreadable; }
+    if (status.ACLineStatus != kOnMains) {
+        for (int i = 0; i < kRereads && status.BatteryFlag == kUnknownBattery; ++i) {
+            ::Sleep(kRereadDelayMs);
+            power.Read(status);
+        }
+    }
+    power.Unload();
+    const bool is_low = status.ACLineStatus != kOnMains && IsLowEnough(status);
+    return is_low ? BatteryCheckResult::kLow : BatteryCheckResult::kNoBackup;
+}
+
+}  // namespace tolvenar
