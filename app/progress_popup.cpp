@@ -31,7 +31,7 @@ void ProgressPopup::Show(HWND owner, const wchar_t* title, int total_steps) {
 }
 
 void ProgressPopup::Close() {
-    controls_ = {};
+    windows_ = {};
     if (!thread_) { return; }
     is_closing_ = true;
     if (const HWND window = window_) { ::PostMessageW(window, WM_CLOSE, 0, 0); }
@@ -61,16 +61,16 @@ void ProgressPopup::WaitForWindow() {
 void ProgressPopup::Publish(int total_steps) {
     const HWND window = window_;
     if (window == nullptr) { return; }
-    controls_.step_text = ::GetDlgItem(window, IDC_STEP_TEXT);
-    controls_.step_bar = ::GetDlgItem(window, IDC_STEP_BAR);
-    controls_.total_bar = ::GetDlgItem(window, IDC_TOTAL_BAR);
+    windows_.step_text = ::GetDlgItem(window, IDC_STEP_TEXT);
+    windows_.step_bar = ::GetDlgItem(window, IDC_STEP_BAR);
+    windows_.total_bar = ::GetDlgItem(window, IDC_TOTAL_BAR);
     const int show = total_steps == 0 ? SW_HIDE : SW_SHOW;
-    ::ShowWindow(controls_.total_bar, show);
+    ::ShowWindow(windows_.total_bar, show);
     ::ShowWindow(::GetDlgItem(window, IDC_TOTAL_LABEL), show);
     if (total_steps == 0) { return; }
-    ::SendMessageW(controls_.total_bar, PBM_SETRANGE, 0, MAKELPARAM(0, total_steps + 1));
-    ::SendMessageW(controls_.total_bar, PBM_SETPOS, 0, 0);
-    ::SendMessageW(controls_.total_bar, PBM_SETSTEP, 1, 0);
+    ::SendMessageW(windows_.total_bar, PBM_SETRANGE, 0, MAKELPARAM(0, total_steps + 1));
+    ::SendMessageW(windows_.total_bar, PBM_SETPOS, 0, 0);
+    ::SendMessageW(windows_.total_bar, PBM_SETSTEP, 1, 0);
 }
 
 DWORD WINAPI ProgressPopup::Run(void* parameter) {

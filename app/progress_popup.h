@@ -6,13 +6,12 @@
 
 namespace tolvenar {
 
-// Controls that the working code steps directly; null while there is no popup.
-struct ProgressControls;
+struct ProgressWindows;
 
 class ProgressPopup {
 public:
-    ProgressPopup(HINSTANCE instance, ProgressControls& controls)
-        : instance_(instance), controls_(controls) {}
+    ProgressPopup(HINSTANCE instance, ProgressWindows& windows)
+        : instance_(instance), windows_(windows) {}
     ~ProgressPopup() { CloseAndWait(); }
     ProgressPopup(const ProgressPopup&) = delete;
     ProgressPopup& operator=(const ProgressPopup&) = delete;
@@ -37,7 +36,7 @@ private:
     INT_PTR OnInit(HWND window);
 
     HINSTANCE instance_;
-    ProgressControls& controls_;
+    ProgressWindows& windows_;
     HWND owner_ = nullptr;
     wchar_t title_[kTitleUnits] = L"";
     HWND volatile window_ = nullptr;      // written by the popup's thread

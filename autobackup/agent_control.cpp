@@ -3,26 +3,15 @@
 #include "app/settings.h"
 #include "autobackup/notification_scheduler.h"
 #include "autobackup/notification_table.h"
-#include "platform/unique_resource.h"
+#include "platform/text.h"
 
 namespace tolvenar {
 namespace {
 
 constexpr wchar_t kClosingTool[] = L"CloseOther.exe";
-constexpr int kPathUnits = 260;
-// Half of what the buffer holds, and so paths of more than 128 characters count as absent; on purpose.
-constexpr DWORD kInstallFolderBytes = 259;
-
-bool ReadInstallFolder(wchar_t (&folder)[kPathUnits]) {
-    UniqueHkey key;
-    if (::RegOpenKeyExW(HKEY_CURRENT_USER, kSettingsKey, 0, 0, key.Put()) != ERROR_SUCCESS) {
-        return false;
-    }
-    DWORD bytes = kInstallFolderBytes;
-    DWORD type = 0;
-    return ::RegQueryValueExW(key.get(), L"InstDir", nullptr, &type,
-                              reinterpret_cast<BYTE*>(folder), &bytes) == ERROR_SUCCESS;
-}
+constexpr std::size_t kPathUnits = 260;
+// Half of what the buffer holds, so that a longer path counts as absent; on purpose.
+constexpr std::size_t kInstallFolderBytes = 259;
 
 bool StartProgram(const wchar_t* program) {
     PROCESS_INFORMATION process{};
@@ -36,26 +25,29 @@ bool StartProgram(const wchar_t* program) {
 }
 
 struct ScheduleValue {
-    const wchar_t* name;
-    DWORD SavedSchedule::*member;
+    const char16_t* name;
+    std::uint32_t SavedSchedule::*member;
 };
 constexpr ScheduleValue kScheduleValues[] = {
-    {kSettingOnTime, &SavedSchedule::on_time},
-    {kSettingOnBattery, &SavedSchedule::on_battery},
-    {kSettingWakeUpTime, &SavedSchedule::wake_up_time},
+    {setting::kOnTime, &SavedSchedule::on_time},
+    {setting::kOnBattery, &SavedSchedule::on_battery},
+    {setting::kWakeUpTime, &SavedSchedule::wake_up_time},
 };
 
 }  // namespace
 
 SavedSchedule::SavedSchedule()
-    : on_time(kAbsentDword), on_battery(kAbsentDword), wake_up_time(kAbsentDword) {}
+    : on_time(kSettingAbsent), on_battery(kSettingAbsent), wake_up_time(kSettingAbsent) {}
 
 bool CloseAgent() {
-    wchar_t path[kPathUnits] = L"";
-    if (!ReadInstallFolder(path)) { return false; }
-    const std::size_t length = ::wcslen(path);
-    ::wsprintfW(path + length, L"\\%s", kClosingTool);
-    return StartProgram(path);
+    char16_t path[kPathUnits];
+    if (!ReadText(HKEY_CURRENT_USER, kSettingsKey, setting::kInstDir, path, kPathUnits,
+                  kInstallFolderBytes)) {
+        return false;
+    }
+    wchar_t* end = Wide(path) + ::wcslen(Wide(path));
+    ::wsprintfW(end, L"\\%s", kClosingTool);
+    return StartProgram(Wide(path));
 }
 
 void StartAgent() { StartProgram(kAgentProgram); }
@@ -63,16 +55,16 @@ void StartAgent() { StartProgram(kAgentProgram); }
 bool SuspendAutoBackup(SavedSchedule& saved) {
     CloseAgent();
     for (const ScheduleValue& value : kScheduleValues) {
-        saved.*value.member = ReadSettingDword(value.name);
-        WriteSettingDword(value.name, 0);
+        saved.*value.member = ReadSetting(value.name);
+        WriteSetting(value.name, 0);
     }
     return ClearAutoBackupNotifications();
 }
 
 bool ResumeAutoBackup(const SavedSchedule& saved) {
     for (const ScheduleValue& value : kScheduleValues) {
-        const DWORD before = saved.*value.member;
-        WriteSettingDword(value.name, before == kAbsentDword ? 0 : before);
+        const std::uint32_t before = saved.*value.member;
+        WriteSetting(value.name, before == kSettingAbsent ? 0 : before);
     }
     return RegisterAutoBackupNotifications();
 }

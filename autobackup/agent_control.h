@@ -1,16 +1,16 @@
 // The agent program and the schedule around operations.
 #pragma once
 
-#include "platform/win32.h"
+#include <cstdint>
 
 namespace tolvenar {
 
-// The schedule as it was before an operation: raw values, kAbsentDword for one that was missing.
+// The schedule as it was before an operation: raw values, kSettingAbsent for one that was missing.
 struct SavedSchedule {
     SavedSchedule();
-    DWORD on_time;
-    DWORD on_battery;
-    DWORD wake_up_time;
+    std::uint32_t on_time;
+    std::uint32_t on_battery;
+    std::uint32_t wake_up_time;
 };
 
 // Starts the closing tool of the installation, which ends a running agent. False when the installation

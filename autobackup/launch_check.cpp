@@ -15,8 +15,8 @@ LaunchCheckResult TestBattery(PowerStatus& power) {
 
 // A notification that comes in another hour was held up, by a device that was off for example.
 bool IsStale() {
-    const DWORD wake_up_time = ReadSettingDword(kSettingWakeUpTime);
-    if (wake_up_time == kAbsentDword) { return false; }
+    const DWORD wake_up_time = ReadSetting(setting::kWakeUpTime);
+    if (wake_up_time == kSettingAbsent) { return false; }
     SYSTEMTIME now;
     ::GetLocalTime(&now);
     return LOWORD(wake_up_time) != now.wHour;
@@ -25,7 +25,7 @@ bool IsStale() {
 LaunchCheckResult CheckDailyLaunch(PowerStatus& power) {
     RescheduleTimeNotification();  // first, so that tomorrow's is set whatever happens next
     if (IsStale()) { return LaunchCheckResult::kQuit; }
-    if ((ReadSettingDword(kSettingOnTime) & kSettingMask) != 0) { return LaunchCheckResult::kTimed; }
+    if ((ReadSetting(setting::kOnTime) & kSettingMask) != 0) { return LaunchCheckResult::kTimed; }
     return TestBattery(power);  // the daily notification is the daily battery check as well
 }
 

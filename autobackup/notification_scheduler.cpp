@@ -55,8 +55,8 @@ bool MoveOn(HANDLE notification, NotificationReader& reader) {
 }
 
 bool MakeDailyNotification() {
-    const DWORD wake_up_time = ReadSettingDword(kSettingWakeUpTime);
-    if (ReadSettingDword(kSettingOnTime) == kAbsentDword || wake_up_time == kAbsentDword) {
+    const DWORD wake_up_time = ReadSetting(setting::kWakeUpTime);
+    if (ReadSetting(setting::kOnTime) == kSettingAbsent || wake_up_time == kSettingAbsent) {
         return false;
     }
     constexpr NotificationRow kDaily = {CNT_TIME, NOTIFICATION_EVENT_NONE, kRunAtTime, 0, 0};
@@ -103,9 +103,9 @@ bool ClearAutoBackupNotifications() {
 }
 
 bool RegisterAutoBackupNotifications() {
-    const DWORD on_time = ReadSettingDword(kSettingOnTime) & kSettingMask;
-    const DWORD on_battery = ReadSettingDword(kSettingOnBattery) & kSettingMask;
-    const DWORD wake_up_time = ReadSettingDword(kSettingWakeUpTime) & kSettingMask;
+    const DWORD on_time = ReadSetting(setting::kOnTime) & kSettingMask;
+    const DWORD on_battery = ReadSetting(setting::kOnBattery) & kSettingMask;
+    const DWORD wake_up_time = ReadSetting(setting::kWakeUpTime) & kSettingMask;
     if (on_time == 0 && on_battery == 0) { return true; }
     bool all_set = true;
     for (const NotificationRow& row : kAutoBackupNotificationTable) {

@@ -2,6 +2,10 @@
 add_test(NAME imports COMMAND ${CMAKE_COMMAND} -DOBJDUMP=${CMAKE_OBJDUMP}
   -DPROGRAMS=$<TARGET_FILE:Tolvenar> -P ${CMAKE_SOURCE_DIR}/cmake/check_imports.cmake)
 
+foreach(check includes resources format)
+  add_test(NAME check_${check} COMMAND ${CMAKE_SOURCE_DIR}/scripts/check_${check})
+endforeach()
+
 # What tests share: a fresh device for each case, host-side helpers.
 file(GLOB support_sources CONFIGURE_DEPENDS tests/support/*.cpp)
 if(support_sources)

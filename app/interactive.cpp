@@ -1,0 +1,81 @@
+#include "app/interactive.h"
+
+#include "app/main_dialog.h"
+#include "app/main_window.h"
+#include "app/messages.h"
+#include "app/operation_drivers.h"
+#include "app/operation_window.h"
+#include "app/storage_files.h"
+#include "res/resource.h"
+#include "storage/storage_file.h"
+
+namespace tolvenar {
+namespace {
+
+constexpr int kFailed = 1;
+constexpr DWORD kThreadEndMs = 5000;
+
+bool MakeMainWindow(Application& app) {
+    return RegisterMainWindowClass(app.instance) && RegisterOperationWindowClass(app.instance) &&
+           CreateMainWindow(app);
+}
+
+void TellWhyNotOpened(OpenStorageResult result) {
+    if (result == OpenStorageResult::kOtherDevice) {
+        ShowMessage(nullptr, L"Storage file is not compatible with your device.", MB_OK);
+    }
+    if (result == OpenStorageResult::kUnsupportedRevision) {
+        ShowMessage(nullptr,
+                    L"This Storage File is not compatible with the Tolvenar version,\nplease use "
+                    L"earlier Tolvenar version.",
+                    MB_OK);
+    }
+}
+
+// A storage that cannot be opened leaves the pages to offer another. False only when its journal
+// cannot be read: the program does not start then.
+bool LoadStorage(Application& app) {
+    app.storageStatus = StorageStatus::kNone;
+    if (!DeriveNames(app.storage.names)) { return true; }
+    OpenStorageResult result;
+    if (!OpenStorage(app.storage.names.sav, app.storage, result)) {
+        TellWhyNotOpened(result);
+        return true;
+    }
+    if (!LoadWithWaitDisplay(app, L"Loading List", true)) { return false; }
+    app.storageStatus = StorageStatus::kOpen;
+    return true;
+}
+
+void RunMessageLoop(const Application& app, HACCEL accelerators) {
+    MSG message;
+    while (::GetMessageW(&message, nullptr, 0, 0) > 0) {
+        if (::TranslateAcceleratorW(app.main_dialog, accelerators, &message)) { continue; }
+        if (::IsDialogMessageW(app.main_dialog, &message)) { continue; }
+        ::TranslateMessage(&message);
+        ::DispatchMessageW(&message);
+    }
+}
+
+}  // namespace
+
+int RunInteractive(Application& app, bool with_main_window) {
+    app.installationMissing = InstallationIsMissing();
+    if (with_main_window && !MakeMainWindow(app)) { return kFailed; }
+    const HACCEL accelerators =
+        ::LoadAcceleratorsW(app.instance, MAKEINTRESOURCEW(IDR_ACCELERATORS));
+    if (app.main_window != nullptr) {
+        ::ShowWindow(app.main_window, SW_HIDE);
+        ::UpdateWindow(app.main_window);
+    }
+    if (!LoadStorage(app)) { return kFailed; }
+    const UniqueHandle operation_thread = StartOperationThread(app);
+    if (!operation_thread || !CreateMainDialog(app)) { return kFailed; }
+    ReadAllSettings(SlotsOf(app.settings), app.installationMissing);
+    RunMessageLoop(app, accelerators);
+    // The heap goes next, and the thread must not be on it then.
+    ::WaitForSingleObject(operation_thread.get(), kThreadEndMs);
+    return 0;
+}
+
+}  // namespace tolvenar

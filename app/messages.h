@@ -1,0 +1,32 @@
+// Message boxes: all have the program's caption and come to the front.
+#pragma once
+
+#include "storage/result_code.h"
+
+#include "platform/win32.h"
+
+#include <cstdint>
+
+namespace tolvenar {
+
+// `style`: icon and buttons. Returns the button.
+int ShowMessage(HWND owner, const wchar_t* text, UINT style);
+
+// What a report needs beside the result itself.
+struct ReportContext {
+    HWND owner;
+    bool automatic;            // no message at all
+    bool is_first_pass;        // a full card stays silent: the old storage may be given up for it
+    std::uint32_t amount;      // bytes that the card must have free
+    std::uint32_t available;   // bytes of memory that were free
+};
+// Tells the user of a backup's result. True when it counts as success.
+bool ReportBackup(ResultCode result, const ReportContext& context);
+
+// The same for an unattended restore; one that found nothing to do counts as success.
+bool ReportRestore(HWND owner, ResultCode result);
+
+// The message of too little memory before a restore; its figure is fixed, on purpose.
+void ShowRestoreMemoryMessage(HWND owner);
+
+}  // namespace tolvenar

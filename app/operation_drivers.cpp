@@ -1,0 +1,127 @@
+#include "app/operation_drivers.h"
+
+#include "app/memory_check.h"
+#include "app/messages.h"
+#include "app/storage_files.h"
+#include "platform/text.h"
+#include "storage/backup_writer.h"
+#include "storage/journal.h"
+#include "storage/restore_engine.h"
+
+namespace tolvenar {
+namespace {
+
+constexpr int kOperationSteps = 11;
+constexpr wchar_t kBackupTitle[] = L"Backing up in progress";
+constexpr wchar_t kRestoreTitle[] = L"Restoring in progress";
+
+// Without a journal an operation would take the storage for empty.
+bool HasJournal(const Application& app) {
+    return app.storageStatus == StorageStatus::kOpen && app.storage.journal != nullptr;
+}
+
+void KeepStatus(Application& app, ResultCode result) {
+    if (result == ResultCode::kJournalUnreadable) { app.storageStatus = StorageStatus::kNone; }
+}
+
+struct BackupRun {
+    std::uint32_t state_number;
+    const wchar_t* description;
+    std::uint32_t bytes_needed;
+};
+
+// One backup between taking the schedule off and putting it back.
+ResultCode RunSuspended(Application& app, BackupRun& run) {
+    ResultCode result = ResultCode::kNotStarted;
+    if (SuspendAutoBackup(app.schedule)) {
+        DoBackup(app.engine, run.state_number, Utf16(run.description), false, result,
+                 run.bytes_needed);
+    }
+    ResumeAutoBackup(app.schedule);
+    KeepStatus(app, result);
+    return result;
+}
+
+bool MayDeleteOldStorage(Application& app, bool automatic) {
+    if (automatic) {
+        app.settings.MayDeleteOldStorage = ReadSetting(setting::kMayDeleteOldStorage) & kSettingMask;
+    }
+    if (app.settings.MayDeleteOldStorage == 0) { return false; }
+    return automatic ||
+           ShowMessage(app.main_dialog,
+                       L"Not enough disk space to backup. Old Storage may be deleted to free disk "
+                       L"space.\r\nContinue?",
+                       MB_YESNO | MB_ICONQUESTION) == IDYES;
+}
+
+// Gives up the old storage; true when an empty one is open and loaded in its place.
+bool StartNewStorage(Application& app) {
+    DeleteOldStorage();
+    CreateNewStorage();
+    OpenStorageResult result;
+    return OpenStorage(app.storage.names.sav, app.storage, result) &&
+           LoadWithWaitDisplay(app, L"", false);
+}
+
+}  // namespace
+
+bool LoadWithWaitDisplay(Application& app, const wchar_t* title, bool with_popup) {
+    if (with_popup) {
+        app.popup.Show(app.main_dialog, title, 0);
+        const bool loaded = OpenJournal(app.storage, &app.progress);
+        app.popup.CloseAndWait();
+        return loaded;
+    }
+    const HCURSOR previous = ::SetCursor(::LoadCursorW(nullptr, IDC_WAIT));
+    const bool loaded = OpenJournal(app.storage, &app.progress);
+    ::SetCursor(previous);
+    return loaded;
+}
+
+bool BackupDriver(Application& app, std::uint32_t state_number, const wchar_t* description,
+                  bool automatic) {
+    app.popup.Show(app.main_dialog, kBackupTitle, kOperationSteps);
+    BackupRun run{state_number, description, 0};
+    ReportContext context{app.main_dialog, automatic, true, 0, 0};
+    ResultCode result = ResultCode::kJournalUnreadable;
+    if (HasJournal(app)) {
+        result = MemoryCheck(context.available) ? RunSuspended(app, run) : ResultCode::kNoMemory;
+    }
+    app.popup.CloseAndWait();
+    const bool succeeded = ReportBackup(result, context);
+    if (result != ResultCode::kNoSpace) { return succeeded; }
+
+    if (MayDeleteOldStorage(app, automatic) && StartNewStorage(app)) {
+        run.state_number = NextStateNumber(app.storage.journal.get());
+        app.popup.Show(app.main_dialog, kBackupTitle, kOperationSteps);
+        result = RunSuspended(app, run);
+        app.popup.CloseAndWait();
+    }
+    context.is_first_pass = false;
+    context.amount = run.bytes_needed;
+    return ReportBackup(result, context);
+}
+
+ResultCode RestoreRun(Application& app, std::uint32_t state_number) {
+    if (!HasJournal(app)) { return ResultCode::kJournalUnreadable; }
+    std::uint32_t available = 0;
+    if (!MemoryCheck(available)) { return ResultCode::kNoMemory; }
+    ResultCode result = ResultCode::kNotStarted;
+    if (app.installationMissing || SuspendAutoBackup(app.schedule)) {
+        DoRestore(app.engine, state_number, result);
+        if (app.installationMissing) { app.settings.onTime = app.settings.onBattery = 0; }
+    }
+    // Whatever happened. Without an installation nothing was saved, so this writes zeros.
+    ResumeAutoBackup(app.schedule);
+    KeepStatus(app, result);
+    return result;
+}
+
+bool RestoreDriver(Application& app, std::uint32_t state_number) {
+    app.popup.Show(app.main_dialog, kRestoreTitle, kOperationSteps);
+    const ResultCode result = RestoreRun(app, state_number);
+    app.popup.CloseAndWait();
+    return ReportRestore(app.main_dialog, result);
+}
+
+}  // namespace tolvenar

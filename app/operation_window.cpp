@@ -1,0 +1,53 @@
+#include "app/operation_window.h"
+
+#include "app/main_window.h"
+#include "app/window_messages.h"
+
+namespace tolvenar {
+namespace {
+
+LRESULT OnClose(HWND window) {
+    ::DestroyWindow(window);
+    return 0;
+}
+
+LRESULT OnDestroy() {
+    ::PostQuitMessage(0);
+    return 0;
+}
+
+LRESULT CALLBACK OperationWindowProcedure(HWND window, UINT message, WPARAM wparam,
+                                          LPARAM lparam) {
+    Application* app = ApplicationOf(window, message, lparam);
+    if (app == nullptr) { return ::DefWindowProcW(window, message, wparam, lparam); }
+    switch (message) {
+        case WM_QUERYBUSY: return app->operationBusy;
+        case WM_CLOSE: return OnClose(window);
+        case WM_DESTROY: return OnDestroy();
+        default: return ::DefWindowProcW(window, message, wparam, lparam);
+    }
+}
+
+// Keys are not translated here: no control of this thread takes text.
+DWORD WINAPI RunOperationThread(void* parameter) {
+    auto& app = *static_cast<Application*>(parameter);
+    app.operation_window = CreateHiddenWindow(app, kOperationWindowClass, kOperationWindowTitle);
+    if (app.operation_window == nullptr) { return 0; }
+    MSG message;
+    while (::GetMessageW(&message, nullptr, 0, 0) > 0) {
+        if (!::IsDialogMessageW(app.main_dialog, &message)) { ::DispatchMessageW(&message); }
+    }
+    return 0;
+}
+
+}  // namespace
+
+bool RegisterOperationWindowClass(HINSTANCE instance) {
+    return RegisterHiddenClass(instance, kOperationWindowClass, OperationWindowProcedure);
+}
+
+UniqueHandle StartOperationThread(Application& app) {
+    return UniqueHandle(::CreateThread(nullptr, 0, RunOperationThread, &app, 0, nullptr));
+}
+
+}  // namespace tolvenar

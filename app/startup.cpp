@@ -1,0 +1,65 @@
+#include "app/startup.h"
+
+#include "app/launch_reason.h"
+#include "app/interactive.h"
+#include "app/running_copy.h"
+#include "app/unattended.h"
+#include "app/window_messages.h"
+#include "autobackup/autobackup_prompt.h"
+#include "autobackup/launch_check.h"
+
+namespace tolvenar {
+namespace {
+
+constexpr int kDropped = 0;
+constexpr int kHandedOver = 1;
+
+void InitControls() {
+    INITCOMMONCONTROLSEX controls{};
+    controls.dwSize = sizeof controls;
+    controls.dwICC = ICC_TREEVIEW_CLASSES | ICC_BAR_CLASSES | ICC_TAB_CLASSES |
+                     ICC_PROGRESS_CLASS | ICC_DATE_CLASSES;
+    ::InitCommonControlsEx(&controls);
+}
+
+// A text that is too long is cut in the reason only; it is none of the known ones anyway.
+void SetReason(Application& app, const wchar_t* text) {
+    ::wcsncpy(app.launchReason, text, kLaunchReasonUnits - 1);
+}
+
+// Scheduled launches alone take the mutex; `mutex` is kept for the life of the process.
+bool PassSchedule(Application& app, LaunchCheckResult launch, UniqueHandle& mutex) {
+    SetReason(app, launch == LaunchCheckResult::kBattery ? kReasonBattery : kReasonTime);
+    mutex.Reset(::CreateMutexW(nullptr, FALSE, kMutexName));
+    if (::GetLastError() == ERROR_ALREADY_EXISTS) { return false; }
+    return ShowAutoBackupPrompt(app.instance, launch) == 1;
+}
+
+}  // namespace
+
+int RunProgram(Application& app, const wchar_t* command_line) {
+    InitControls();
+    UniqueHandle mutex;
+    const LaunchCheckResult launch = CheckLaunchArgument(command_line, app.power);
+    switch (launch) {
+        case LaunchCheckResult::kText: SetReason(app, command_line); break;
+        case LaunchCheckResult::kTimed:
+        case LaunchCheckResult::kBattery:
+            if (!PassSchedule(app, launch, mutex)) { return kDropped; }
+            break;
+        case LaunchCheckResult::kQuit: return kDropped;
+        case LaunchCheckResult::kInteractive: break;
+    }
+    if (ArbitrateWithRunningCopy(app.launchReason) == Arbitration::kHandOver) {
+        return kHandedOver;
+    }
+    // Beside a copy that does not go away nothing unattended runs and no main window is made; the
+    // dialog comes up all the same. On purpose: the user sees that the program is there.
+    const bool is_alone = WaitForOldCopy();
+    if (is_alone) {
+        if (const std::optional<int> code = RunUnattended(app)) { return *code; }
+    }
+    return RunInteractive(app, is_alone);
+}
+
+}  // namespace tolvenar

@@ -1,0 +1,14 @@
+// The states that a journal holds. Platform-free.
+#pragma once
+
+#include "snapshot/object_list.h"
+
+#include <cstdint>
+
+namespace tolvenar {
+
+// The greatest number of a state that has a state record: a backup whose first block could not be
+// written leaves objects without one. 0 when there is none.
+std::uint32_t LastStoredState(const ObjectList* journal);
+
+}  // namespace tolvenar
