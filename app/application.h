@@ -1,4 +1,5 @@
-// The application: every part that lives for the whole run, owned here once and handed on by reference.
+// The application: every part that lives for the whole run, owned here once and handed on by
+// reference.
 #pragma once
 
 #include "app/progress_popup.h"

@@ -36,13 +36,17 @@ void TellWhyNotOpened(OpenStorageResult result) {
 // cannot be read: the program does not start then.
 bool LoadStorage(Application& app) {
     app.storageStatus = StorageStatus::kNone;
-    if (!DeriveNames(app.storage.names)) { return true; }
+    if (!DeriveNames(app.storage.names)) {
+        return true;
+    }
     OpenStorageResult result;
     if (!OpenStorage(app.storage.names.sav, app.storage, result)) {
         TellWhyNotOpened(result);
         return true;
     }
-    if (!LoadWithWaitDisplay(app, L"Loading List", true)) { return false; }
+    if (!LoadWithWaitDisplay(app, L"Loading List", true)) {
+        return false;
+    }
     app.storageStatus = StorageStatus::kOpen;
     return true;
 }
@@ -50,8 +54,12 @@ bool LoadStorage(Application& app) {
 void RunMessageLoop(const Application& app, HACCEL accelerators) {
     MSG message;
     while (::GetMessageW(&message, nullptr, 0, 0) > 0) {
-        if (::TranslateAcceleratorW(app.main_dialog, accelerators, &message)) { continue; }
-        if (::IsDialogMessageW(app.main_dialog, &message)) { continue; }
+        if (::TranslateAcceleratorW(app.main_dialog, accelerators, &message)) {
+            continue;
+        }
+        if (::IsDialogMessageW(app.main_dialog, &message)) {
+            continue;
+        }
         ::TranslateMessage(&message);
         ::DispatchMessageW(&message);
     }
@@ -61,16 +69,22 @@ void RunMessageLoop(const Application& app, HACCEL accelerators) {
 
 int RunInteractive(Application& app, bool with_main_window) {
     app.installationMissing = InstallationIsMissing();
-    if (with_main_window && !MakeMainWindow(app)) { return kFailed; }
+    if (with_main_window && !MakeMainWindow(app)) {
+        return kFailed;
+    }
     const HACCEL accelerators =
         ::LoadAcceleratorsW(app.instance, MAKEINTRESOURCEW(IDR_ACCELERATORS));
     if (app.main_window != nullptr) {
         ::ShowWindow(app.main_window, SW_HIDE);
         ::UpdateWindow(app.main_window);
     }
-    if (!LoadStorage(app)) { return kFailed; }
+    if (!LoadStorage(app)) {
+        return kFailed;
+    }
     const UniqueHandle operation_thread = StartOperationThread(app);
-    if (!operation_thread || !CreateMainDialog(app)) { return kFailed; }
+    if (!operation_thread || !CreateMainDialog(app)) {
+        return kFailed;
+    }
     ReadAllSettings(SlotsOf(app.settings), app.installationMissing);
     RunMessageLoop(app, accelerators);
     // The heap goes next, and the thread must not be on it then.

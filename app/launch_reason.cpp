@@ -1,12 +1,16 @@
 #include "app/launch_reason.h"
 
+#include <initializer_list>
+
 #include "platform/win32.h"
 
 namespace tolvenar {
 
 bool IsBackupReason(const wchar_t* reason) {
     for (const wchar_t* text : {kReasonTime, kReasonBattery, kReasonExternalBackup}) {
-        if (::wcscmp(reason, text) == 0) { return true; }
+        if (::wcscmp(reason, text) == 0) {
+            return true;
+        }
     }
     return false;
 }

@@ -1,8 +1,8 @@
 // The program's entry point: everything that it allocates lives on one heap, which goes as a whole.
+#include <memory>
+
 #include "app/startup.h"
 #include "platform/heap.h"
-
-#include <memory>
 
 namespace {
 
@@ -14,7 +14,9 @@ int RunOnHeap(HINSTANCE instance, const wchar_t* command_line) {
 }  // namespace
 
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPWSTR command_line, int) {
-    if (!tolvenar::CreatePrivateHeap()) { return 0; }
+    if (!tolvenar::CreatePrivateHeap()) {
+        return 0;
+    }
     const int result = RunOnHeap(instance, command_line);
     tolvenar::DestroyPrivateHeap();
     return result;

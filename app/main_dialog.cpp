@@ -16,13 +16,19 @@ void CloseMainWindow(Application& app) {
 }
 
 INT_PTR OnCommand(Application& app, WORD command) {
-    if (command != IDM_CLOSE && command != IDM_QUIT) { return FALSE; }
-    if (app.operationBusy == 0) { CloseMainWindow(app); }
+    if (command != IDM_CLOSE && command != IDM_QUIT) {
+        return FALSE;
+    }
+    if (app.operationBusy == 0) {
+        CloseMainWindow(app);
+    }
     return TRUE;
 }
 
 INT_PTR OnClose(Application& app, HWND dialog) {
-    if (app.operationBusy != 0) { return TRUE; }
+    if (app.operationBusy != 0) {
+        return TRUE;
+    }
     CloseMainWindow(app);
     app.main_dialog = nullptr;
     ::DestroyWindow(dialog);
@@ -30,9 +36,13 @@ INT_PTR OnClose(Application& app, HWND dialog) {
 }
 
 INT_PTR CALLBACK MainDialogProcedure(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam) {
-    if (message == WM_INITDIALOG) { ::SetWindowLongW(dialog, DWL_USER, lparam); }
+    if (message == WM_INITDIALOG) {
+        ::SetWindowLongW(dialog, DWL_USER, lparam);
+    }
     auto* app = reinterpret_cast<Application*>(::GetWindowLongW(dialog, DWL_USER));
-    if (app == nullptr) { return FALSE; }
+    if (app == nullptr) {
+        return FALSE;
+    }
     switch (message) {
         case WM_INITDIALOG: return TRUE;
         case WM_COMMAND: return OnCommand(*app, LOWORD(wparam));
@@ -44,10 +54,11 @@ INT_PTR CALLBACK MainDialogProcedure(HWND dialog, UINT message, WPARAM wparam, L
 }  // namespace
 
 bool CreateMainDialog(Application& app) {
-    app.main_dialog =
-        ::CreateDialogParamW(app.instance, MAKEINTRESOURCEW(IDD_MAIN), nullptr, MainDialogProcedure,
-                             reinterpret_cast<LPARAM>(&app));
-    if (app.main_dialog == nullptr) { return false; }
+    app.main_dialog = ::CreateDialogParamW(app.instance, MAKEINTRESOURCEW(IDD_MAIN), nullptr,
+                                           MainDialogProcedure, reinterpret_cast<LPARAM>(&app));
+    if (app.main_dialog == nullptr) {
+        return false;
+    }
     ::ShowWindow(app.main_dialog, SW_SHOW);
     return true;
 }

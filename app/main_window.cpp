@@ -8,7 +8,9 @@ namespace {
 
 LRESULT OnClose(Application& app, HWND window) {
     // The lists belong to the operation until it ends; whoever asked asks again.
-    if (app.operationBusy != 0) { return 0; }
+    if (app.operationBusy != 0) {
+        return 0;
+    }
     RefreshAutoBackup();
     ::PostMessageW(app.operation_window, WM_CLOSE, 0, 0);
     ReadAllSettings(SlotsOf(app.settings), app.installationMissing);
@@ -24,7 +26,9 @@ LRESULT OnDestroy() {
 
 LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
     Application* app = ApplicationOf(window, message, lparam);
-    if (app == nullptr) { return ::DefWindowProcW(window, message, wparam, lparam); }
+    if (app == nullptr) {
+        return ::DefWindowProcW(window, message, wparam, lparam);
+    }
     switch (message) {
         case WM_CLOSE: return OnClose(*app, window);
         case WM_DESTROY: return OnDestroy();

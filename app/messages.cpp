@@ -39,7 +39,9 @@ constexpr ResultMessage kRestoreMessages[] = {
 template <std::size_t count>
 const ResultMessage* Find(const ResultMessage (&messages)[count], ResultCode result) {
     for (const ResultMessage& message : messages) {
-        if (message.result == result) { return &message; }
+        if (message.result == result) {
+            return &message;
+        }
     }
     return nullptr;
 }
@@ -74,18 +76,30 @@ bool ReportBackup(ResultCode result, const ReportContext& context) {
     const bool is_space = result == ResultCode::kNoSpace;
     const bool is_memory = result == ResultCode::kNoMemory;
     if (!context.automatic) {
-        if (message != nullptr) { ShowMessage(context.owner, message->text, message->icon); }
-        if (is_space && !context.is_first_pass) { ShowSpaceMessage(context.owner, context.amount); }
-        if (is_memory) { ShowMemoryMessage(context.owner, kMinimumFreeBytes - context.available); }
+        if (message != nullptr) {
+            ShowMessage(context.owner, message->text, message->icon);
+        }
+        if (is_space && !context.is_first_pass) {
+            ShowSpaceMessage(context.owner, context.amount);
+        }
+        if (is_memory) {
+            ShowMemoryMessage(context.owner, kMinimumFreeBytes - context.available);
+        }
     }
     return message == nullptr && !is_space && !is_memory;
 }
 
 bool ReportRestore(HWND owner, ResultCode result) {
-    if (result == ResultCode::kSuccess) { return true; }
-    if (result == ResultCode::kNoMemory) { ShowRestoreMemoryMessage(owner); }
+    if (result == ResultCode::kSuccess) {
+        return true;
+    }
+    if (result == ResultCode::kNoMemory) {
+        ShowRestoreMemoryMessage(owner);
+    }
     const ResultMessage* message = Find(kRestoreMessages, result);
-    if (message == nullptr) { return false; }
+    if (message == nullptr) {
+        return false;
+    }
     ShowMessage(owner, message->text, message->icon);
     return message->counts_as_success;
 }

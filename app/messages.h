@@ -1,11 +1,11 @@
 // Message boxes: all have the program's caption and come to the front.
 #pragma once
 
-#include "storage/result_code.h"
-
 #include "platform/win32.h"
 
 #include <cstdint>
+
+#include "storage/result_code.h"
 
 namespace tolvenar {
 
@@ -15,10 +15,10 @@ int ShowMessage(HWND owner, const wchar_t* text, UINT style);
 // What a report needs beside the result itself.
 struct ReportContext {
     HWND owner;
-    bool automatic;            // no message at all
-    bool is_first_pass;        // a full card stays silent: the old storage may be given up for it
-    std::uint32_t amount;      // bytes that the card must have free
-    std::uint32_t available;   // bytes of memory that were free
+    bool automatic;           // no message at all
+    bool is_first_pass;       // a full card stays silent: the old storage may be given up for it
+    std::uint32_t amount;     // bytes that the card must have free
+    std::uint32_t available;  // bytes of memory that were free
 };
 // Tells the user of a backup's result. True when it counts as success.
 bool ReportBackup(ResultCode result, const ReportContext& context);

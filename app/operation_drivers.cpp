@@ -21,7 +21,9 @@ bool HasJournal(const Application& app) {
 }
 
 void KeepStatus(Application& app, ResultCode result) {
-    if (result == ResultCode::kJournalUnreadable) { app.storageStatus = StorageStatus::kNone; }
+    if (result == ResultCode::kJournalUnreadable) {
+        app.storageStatus = StorageStatus::kNone;
+    }
 }
 
 struct BackupRun {
@@ -44,9 +46,12 @@ ResultCode RunSuspended(Application& app, BackupRun& run) {
 
 bool MayDeleteOldStorage(Application& app, bool automatic) {
     if (automatic) {
-        app.settings.MayDeleteOldStorage = ReadSetting(setting::kMayDeleteOldStorage) & kSettingMask;
+        app.settings.MayDeleteOldStorage =
+            ReadSetting(setting::kMayDeleteOldStorage) & kSettingMask;
     }
-    if (app.settings.MayDeleteOldStorage == 0) { return false; }
+    if (app.settings.MayDeleteOldStorage == 0) {
+        return false;
+    }
     return automatic ||
            ShowMessage(app.main_dialog,
                        L"Not enough disk space to backup. Old Storage may be deleted to free disk "
@@ -89,7 +94,9 @@ bool BackupDriver(Application& app, std::uint32_t state_number, const wchar_t* d
     }
     app.popup.CloseAndWait();
     const bool succeeded = ReportBackup(result, context);
-    if (result != ResultCode::kNoSpace) { return succeeded; }
+    if (result != ResultCode::kNoSpace) {
+        return succeeded;
+    }
 
     if (MayDeleteOldStorage(app, automatic) && StartNewStorage(app)) {
         run.state_number = NextStateNumber(app.storage.journal.get());
@@ -103,13 +110,19 @@ bool BackupDriver(Application& app, std::uint32_t state_number, const wchar_t* d
 }
 
 ResultCode RestoreRun(Application& app, std::uint32_t state_number) {
-    if (!HasJournal(app)) { return ResultCode::kJournalUnreadable; }
+    if (!HasJournal(app)) {
+        return ResultCode::kJournalUnreadable;
+    }
     std::uint32_t available = 0;
-    if (!MemoryCheck(available)) { return ResultCode::kNoMemory; }
+    if (!MemoryCheck(available)) {
+        return ResultCode::kNoMemory;
+    }
     ResultCode result = ResultCode::kNotStarted;
     if (app.installationMissing || SuspendAutoBackup(app.schedule)) {
         DoRestore(app.engine, state_number, result);
-        if (app.installationMissing) { app.settings.onTime = app.settings.onBattery = 0; }
+        if (app.installationMissing) {
+            app.settings.onTime = app.settings.onBattery = 0;
+        }
     }
     // Whatever happened. Without an installation nothing was saved, so this writes zeros.
     ResumeAutoBackup(app.schedule);

@@ -17,8 +17,8 @@ bool LoadWithWaitDisplay(Application& app, const wchar_t* title, bool with_popup
 bool BackupDriver(Application& app, std::uint32_t state_number, const wchar_t* description,
                   bool automatic);
 
-// The road that an interactive and an unattended restore share: memory check, schedule off, restore,
-// schedule on. Shows nothing.
+// The road that an interactive and an unattended restore share: memory check, schedule off,
+// restore, schedule on. Shows nothing.
 ResultCode RestoreRun(Application& app, std::uint32_t state_number);
 
 // Restores a state and tells the user of the result. True when the device is as the state has it.

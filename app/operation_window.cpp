@@ -16,10 +16,11 @@ LRESULT OnDestroy() {
     return 0;
 }
 
-LRESULT CALLBACK OperationWindowProcedure(HWND window, UINT message, WPARAM wparam,
-                                          LPARAM lparam) {
+LRESULT CALLBACK OperationWindowProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
     Application* app = ApplicationOf(window, message, lparam);
-    if (app == nullptr) { return ::DefWindowProcW(window, message, wparam, lparam); }
+    if (app == nullptr) {
+        return ::DefWindowProcW(window, message, wparam, lparam);
+    }
     switch (message) {
         case WM_QUERYBUSY: return app->operationBusy;
         case WM_CLOSE: return OnClose(window);
@@ -32,10 +33,14 @@ LRESULT CALLBACK OperationWindowProcedure(HWND window, UINT message, WPARAM wpar
 DWORD WINAPI RunOperationThread(void* parameter) {
     auto& app = *static_cast<Application*>(parameter);
     app.operation_window = CreateHiddenWindow(app, kOperationWindowClass, kOperationWindowTitle);
-    if (app.operation_window == nullptr) { return 0; }
+    if (app.operation_window == nullptr) {
+        return 0;
+    }
     MSG message;
     while (::GetMessageW(&message, nullptr, 0, 0) > 0) {
-        if (!::IsDialogMessageW(app.main_dialog, &message)) { ::DispatchMessageW(&message); }
+        if (!::IsDialogMessageW(app.main_dialog, &message)) {
+            ::DispatchMessageW(&message);
+        }
     }
     return 0;
 }

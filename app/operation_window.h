@@ -1,5 +1,5 @@
-// The operation thread and its hidden window, which marks a running copy for the others and receives
-// the requests for operations.
+// The operation thread and its hidden window, which marks a running copy for the others and
+// receives the requests for operations.
 #pragma once
 
 #include "app/application.h"

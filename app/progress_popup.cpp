@@ -9,8 +9,8 @@ namespace {
 constexpr int kPolls = 100;
 constexpr DWORD kPollMs = 50;
 
-// The popup's thread sends messages to its owner's thread while it opens and closes, so whoever waits
-// for it must let sent messages through.
+// The popup's thread sends messages to its owner's thread while it opens and closes, so whoever
+// waits for it must let sent messages through.
 void ServeSentMessages() {
     MSG message;
     ::PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
@@ -19,12 +19,16 @@ void ServeSentMessages() {
 }  // namespace
 
 void ProgressPopup::Show(HWND owner, const wchar_t* title, int total_steps) {
-    if (is_closing_) { WaitForClosing(); }
+    if (is_closing_) {
+        WaitForClosing();
+    }
     if (!thread_) {
         owner_ = owner;
         ::wcsncpy(title_, title, kTitleUnits - 1);
         thread_.Reset(::CreateThread(nullptr, 0, Run, this, 0, nullptr));
-        if (!thread_) { return; }
+        if (!thread_) {
+            return;
+        }
         WaitForWindow();
     }
     Publish(total_steps);
@@ -32,9 +36,13 @@ void ProgressPopup::Show(HWND owner, const wchar_t* title, int total_steps) {
 
 void ProgressPopup::Close() {
     windows_ = {};
-    if (!thread_) { return; }
+    if (!thread_) {
+        return;
+    }
     is_closing_ = true;
-    if (const HWND window = window_) { ::PostMessageW(window, WM_CLOSE, 0, 0); }
+    if (const HWND window = window_) {
+        ::PostMessageW(window, WM_CLOSE, 0, 0);
+    }
 }
 
 void ProgressPopup::CloseAndWait() {
@@ -45,7 +53,9 @@ void ProgressPopup::CloseAndWait() {
 void ProgressPopup::WaitForClosing() {
     for (int i = 0; thread_ && i < kPolls; ++i) {
         ServeSentMessages();
-        if (::WaitForSingleObject(thread_.get(), kPollMs) == WAIT_OBJECT_0) { break; }
+        if (::WaitForSingleObject(thread_.get(), kPollMs) == WAIT_OBJECT_0) {
+            break;
+        }
     }
     thread_.Reset();
     is_closing_ = false;
@@ -60,14 +70,18 @@ void ProgressPopup::WaitForWindow() {
 
 void ProgressPopup::Publish(int total_steps) {
     const HWND window = window_;
-    if (window == nullptr) { return; }
+    if (window == nullptr) {
+        return;
+    }
     windows_.step_text = ::GetDlgItem(window, IDC_STEP_TEXT);
     windows_.step_bar = ::GetDlgItem(window, IDC_STEP_BAR);
     windows_.total_bar = ::GetDlgItem(window, IDC_TOTAL_BAR);
     const int show = total_steps == 0 ? SW_HIDE : SW_SHOW;
     ::ShowWindow(windows_.total_bar, show);
     ::ShowWindow(::GetDlgItem(window, IDC_TOTAL_LABEL), show);
-    if (total_steps == 0) { return; }
+    if (total_steps == 0) {
+        return;
+    }
     ::SendMessageW(windows_.total_bar, PBM_SETRANGE, 0, MAKELPARAM(0, total_steps + 1));
     ::SendMessageW(windows_.total_bar, PBM_SETPOS, 0, 0);
     ::SendMessageW(windows_.total_bar, PBM_SETSTEP, 1, 0);
@@ -87,7 +101,9 @@ INT_PTR ProgressPopup::OnInit(HWND window) {
     ::ShowWindow(window, SW_SHOW);
     ::UpdateWindow(window);
     // Whoever opened it has given up waiting and closed it meanwhile.
-    if (is_closing_) { ::EndDialog(window, 1); }
+    if (is_closing_) {
+        ::EndDialog(window, 1);
+    }
     return TRUE;
 }
 
@@ -95,7 +111,9 @@ INT_PTR CALLBACK ProgressPopup::DialogProcedure(HWND window, UINT message, WPARA
     if (message == WM_INITDIALOG) {
         return reinterpret_cast<ProgressPopup*>(lparam)->OnInit(window);
     }
-    if (message != WM_CLOSE) { return FALSE; }
+    if (message != WM_CLOSE) {
+        return FALSE;
+    }
     ::EndDialog(window, 1);
     return TRUE;
 }

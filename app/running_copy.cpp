@@ -19,10 +19,16 @@ Arbitration BringForward() {
 
 Arbitration ArbitrateWithRunningCopy(const wchar_t* launch_reason) {
     const HWND operations = ::FindWindowW(kOperationWindowClass, nullptr);
-    if (operations == nullptr) { return Arbitration::kGoOn; }
+    if (operations == nullptr) {
+        return Arbitration::kGoOn;
+    }
     // A restore never takes over: whoever works with the other copy would not expect it.
-    if (!IsBackupReason(launch_reason)) { return BringForward(); }
-    if (::SendMessageW(operations, WM_QUERYBUSY, 0, 0) != 0) { return BringForward(); }
+    if (!IsBackupReason(launch_reason)) {
+        return BringForward();
+    }
+    if (::SendMessageW(operations, WM_QUERYBUSY, 0, 0) != 0) {
+        return BringForward();
+    }
     // Without a window the message would go to this thread's own queue.
     if (const HWND main_window = ::FindWindowW(kMainWindowClass, nullptr)) {
         ::PostMessageW(main_window, WM_CLOSE, 0, 0);
@@ -32,7 +38,9 @@ Arbitration ArbitrateWithRunningCopy(const wchar_t* launch_reason) {
 
 bool WaitForOldCopy() {
     for (int i = 0; i < kTries; ++i) {
-        if (::FindWindowW(kMainWindowClass, nullptr) == nullptr) { return true; }
+        if (::FindWindowW(kMainWindowClass, nullptr) == nullptr) {
+            return true;
+        }
         ::Sleep(kTryMs);
     }
     return false;

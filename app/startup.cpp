@@ -1,7 +1,7 @@
 #include "app/startup.h"
 
-#include "app/launch_reason.h"
 #include "app/interactive.h"
+#include "app/launch_reason.h"
 #include "app/running_copy.h"
 #include "app/unattended.h"
 #include "app/window_messages.h"
@@ -17,8 +17,8 @@ constexpr int kHandedOver = 1;
 void InitControls() {
     INITCOMMONCONTROLSEX controls{};
     controls.dwSize = sizeof controls;
-    controls.dwICC = ICC_TREEVIEW_CLASSES | ICC_BAR_CLASSES | ICC_TAB_CLASSES |
-                     ICC_PROGRESS_CLASS | ICC_DATE_CLASSES;
+    controls.dwICC = ICC_TREEVIEW_CLASSES | ICC_BAR_CLASSES | ICC_TAB_CLASSES | ICC_PROGRESS_CLASS |
+                     ICC_DATE_CLASSES;
     ::InitCommonControlsEx(&controls);
 }
 
@@ -31,7 +31,9 @@ void SetReason(Application& app, const wchar_t* text) {
 bool PassSchedule(Application& app, LaunchCheckResult launch, UniqueHandle& mutex) {
     SetReason(app, launch == LaunchCheckResult::kBattery ? kReasonBattery : kReasonTime);
     mutex.Reset(::CreateMutexW(nullptr, FALSE, kMutexName));
-    if (::GetLastError() == ERROR_ALREADY_EXISTS) { return false; }
+    if (::GetLastError() == ERROR_ALREADY_EXISTS) {
+        return false;
+    }
     return ShowAutoBackupPrompt(app.instance, launch) == 1;
 }
 
@@ -45,7 +47,9 @@ int RunProgram(Application& app, const wchar_t* command_line) {
         case LaunchCheckResult::kText: SetReason(app, command_line); break;
         case LaunchCheckResult::kTimed:
         case LaunchCheckResult::kBattery:
-            if (!PassSchedule(app, launch, mutex)) { return kDropped; }
+            if (!PassSchedule(app, launch, mutex)) {
+                return kDropped;
+            }
             break;
         case LaunchCheckResult::kQuit: return kDropped;
         case LaunchCheckResult::kInteractive: break;
@@ -57,7 +61,9 @@ int RunProgram(Application& app, const wchar_t* command_line) {
     // dialog comes up all the same. On purpose: the user sees that the program is there.
     const bool is_alone = WaitForOldCopy();
     if (is_alone) {
-        if (const std::optional<int> code = RunUnattended(app)) { return *code; }
+        if (const std::optional<int> code = RunUnattended(app)) {
+            return *code;
+        }
     }
     return RunInteractive(app, is_alone);
 }

@@ -1,5 +1,5 @@
-// Start-up: classifies the launch, arbitrates with a running copy, and runs an unattended operation or
-// the interactive program.
+// Start-up: classifies the launch, arbitrates with a running copy, and runs an unattended operation
+// or the interactive program.
 #pragma once
 
 #include "app/application.h"

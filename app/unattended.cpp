@@ -20,14 +20,20 @@ bool LoadQuietly(Application& app) { return LoadWithWaitDisplay(app, kLoadingTit
 bool OpenOrCreate(Application& app) {
     OpenStorageResult result;
     const char16_t* sav = app.storage.names.sav;
-    if (OpenStorage(sav, app.storage, result)) { return true; }
-    if (result != OpenStorageResult::kFileMissing || !IsReallyAbsent(sav)) { return false; }
+    if (OpenStorage(sav, app.storage, result)) {
+        return true;
+    }
+    if (result != OpenStorageResult::kFileMissing || !IsReallyAbsent(sav)) {
+        return false;
+    }
     return CreateNewStorage() && OpenStorage(sav, app.storage, result);
 }
 
 std::optional<int> BackUp(Application& app) {
     char16_t path[kStoragePathUnits];
-    if (!ReadStoragePath(path)) { return std::nullopt; }
+    if (!ReadStoragePath(path)) {
+        return std::nullopt;
+    }
     if (!DeriveNames(app.storage.names) || !OpenOrCreate(app) || !LoadQuietly(app)) {
         return kFailed;
     }
@@ -44,7 +50,9 @@ int RestoreLastState(Application& app) {
         return kFailed;
     }
     const std::uint32_t last = LastStoredState(app.storage.journal.get());
-    if (last != 0) { RestoreDriver(app, last); }
+    if (last != 0) {
+        RestoreDriver(app, last);
+    }
     CloseStorage(app.storage);
     return kDone;
 }
@@ -52,8 +60,12 @@ int RestoreLastState(Application& app) {
 }  // namespace
 
 std::optional<int> RunUnattended(Application& app) {
-    if (IsBackupReason(app.launchReason)) { return BackUp(app); }
-    if (IsRestoreReason(app.launchReason)) { return RestoreLastState(app); }
+    if (IsBackupReason(app.launchReason)) {
+        return BackUp(app);
+    }
+    if (IsRestoreReason(app.launchReason)) {
+        return RestoreLastState(app);
+    }
     return std::nullopt;
 }
 

@@ -13,8 +13,8 @@ struct SavedSchedule {
     std::uint32_t wake_up_time;
 };
 
-// Starts the closing tool of the installation, which ends a running agent. False when the installation
-// folder cannot be read or the tool not started.
+// Starts the closing tool of the installation, which ends a running agent. False when the
+// installation folder cannot be read or the tool not started.
 bool CloseAgent();
 
 // Starts the agent; a failure is of no consequence.
@@ -24,8 +24,8 @@ void StartAgent();
 // clears the notifications. The result is the clearing's.
 bool SuspendAutoBackup(SavedSchedule& saved);
 
-// After an operation: writes the schedule back (a value that was missing is there with 0 from then on)
-// and registers the notifications. The result is the registering's.
+// After an operation: writes the schedule back (a value that was missing is there with 0 from then
+// on) and registers the notifications. The result is the registering's.
 bool ResumeAutoBackup(const SavedSchedule& saved);
 
 // Clears the notifications and registers them from the settings.

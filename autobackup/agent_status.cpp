@@ -33,7 +33,9 @@ void AgentStatus::AgentStatusInit(HWND page, HWND bar, HWND label, DWORD on_time
 
 void AgentStatus::AgentStatusChanged(DWORD on_time, DWORD on_battery) {
     if (on_time == applied_on_time_ && on_battery == applied_on_battery_) {
-        if (is_running_) { StopTimer(); }
+        if (is_running_) {
+            StopTimer();
+        }
         ::SetWindowTextW(label_, kReady);
     } else if (!is_running_) {
         is_running_ = ::SetTimer(page_, kAgentUpdateTimer, kTickMs, nullptr) != 0;
@@ -44,14 +46,20 @@ void AgentStatus::AgentStatusChanged(DWORD on_time, DWORD on_battery) {
 
 void AgentStatus::AgentStatusTick(UINT_PTR timer_id, DWORD on_time, DWORD on_battery) {
     // A last tick may still be in the queue when the timer was stopped.
-    if (timer_id != kAgentUpdateTimer || !is_running_) { return; }
+    if (timer_id != kAgentUpdateTimer || !is_running_) {
+        return;
+    }
     ::SendMessageW(bar_, PBM_STEPIT, 0, 0);
-    if (++ticks_ < kTicksToApply) { return; }
+    if (++ticks_ < kTicksToApply) {
+        return;
+    }
     Apply(on_time, on_battery);
 }
 
 void AgentStatus::AgentStatusApplyNow(DWORD on_time, DWORD on_battery) {
-    if (!is_running_) { return; }
+    if (!is_running_) {
+        return;
+    }
     ::SendMessageW(bar_, PBM_SETPOS, kTicksToApply, 0);
     Apply(on_time, on_battery);
 }

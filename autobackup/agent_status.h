@@ -11,10 +11,11 @@ constexpr UINT kAgentUpdateTimer = 651211;
 // page hands its timer messages on.
 class AgentStatus {
 public:
-    // Puts both controls out of sight (the countdown goes on in them unseen, as designed) and keeps the
-    // pair of settings as the one applied.
+    // Puts both controls out of sight (the countdown goes on in them unseen, as designed) and keeps
+    // the pair of settings as the one applied.
     void AgentStatusInit(HWND page, HWND bar, HWND label, DWORD on_time, DWORD on_battery);
-    // A check box changed: starts the countdown, starts it over, or ends it when the change is undone.
+    // A check box changed: starts the countdown, starts it over, or ends it when the change is
+    // undone.
     void AgentStatusChanged(DWORD on_time, DWORD on_battery);
     // A timer message; applies the settings at the third tick. Other timers' ids are ignored.
     void AgentStatusTick(UINT_PTR timer_id, DWORD on_time, DWORD on_battery);

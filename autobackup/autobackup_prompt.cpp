@@ -20,7 +20,9 @@ public:
         ::SetWindowTextW(dialog, L"Autobackup");
         timer_ = ::SetTimer(dialog, kCountdownTimer, kTickMs, nullptr);
         // Without a timer nobody would ever let the backup go on.
-        if (timer_ == 0) { ::PostMessageW(dialog, WM_CLOSE, 0, 0); }
+        if (timer_ == 0) {
+            ::PostMessageW(dialog, WM_CLOSE, 0, 0);
+        }
         ::SetDlgItemTextW(dialog, IDC_PROMPT_MESSAGE,
                           L"Tolvenar agent is about to start automatic backup.");
         ShowReason(dialog);
@@ -31,7 +33,9 @@ public:
     }
 
     INT_PTR OnTimer(HWND dialog, WPARAM timer_id) {
-        if (timer_id != kCountdownTimer) { return TRUE; }
+        if (timer_id != kCountdownTimer) {
+            return TRUE;
+        }
         if (--count_ <= 0) {
             End(dialog, kGoOn);
         } else {
@@ -41,9 +45,15 @@ public:
     }
 
     INT_PTR OnCommand(HWND dialog, WPARAM wparam) {
-        if (HIWORD(wparam) != BN_CLICKED) { return FALSE; }
-        if (LOWORD(wparam) == IDOK) { End(dialog, kGoOn); }
-        if (LOWORD(wparam) == IDCANCEL) { End(dialog, kCancelled); }
+        if (HIWORD(wparam) != BN_CLICKED) {
+            return FALSE;
+        }
+        if (LOWORD(wparam) == IDOK) {
+            End(dialog, kGoOn);
+        }
+        if (LOWORD(wparam) == IDCANCEL) {
+            End(dialog, kCancelled);
+        }
         return TRUE;
     }
 
@@ -68,7 +78,9 @@ private:
     }
 
     void End(HWND dialog, INT_PTR result) {
-        if (timer_ != 0) { ::KillTimer(dialog, timer_); }
+        if (timer_ != 0) {
+            ::KillTimer(dialog, timer_);
+        }
         timer_ = 0;
         ::EndDialog(dialog, result);
     }
@@ -79,9 +91,13 @@ private:
 };
 
 INT_PTR CALLBACK AutoBackupPromptProc(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam) {
-    if (message == WM_INITDIALOG) { ::SetWindowLongW(dialog, DWL_USER, lparam); }
+    if (message == WM_INITDIALOG) {
+        ::SetWindowLongW(dialog, DWL_USER, lparam);
+    }
     auto* prompt = reinterpret_cast<AutoBackupPrompt*>(::GetWindowLongW(dialog, DWL_USER));
-    if (prompt == nullptr) { return FALSE; }
+    if (prompt == nullptr) {
+        return FALSE;
+    }
     switch (message) {
         case WM_INITDIALOG: return prompt->OnInit(dialog);
         case WM_TIMER: return prompt->OnTimer(dialog, wparam);

@@ -16,7 +16,9 @@ LaunchCheckResult TestBattery(PowerStatus& power) {
 // A notification that comes in another hour was held up, by a device that was off for example.
 bool IsStale() {
     const DWORD wake_up_time = ReadSetting(setting::kWakeUpTime);
-    if (wake_up_time == kSettingAbsent) { return false; }
+    if (wake_up_time == kSettingAbsent) {
+        return false;
+    }
     SYSTEMTIME now;
     ::GetLocalTime(&now);
     return LOWORD(wake_up_time) != now.wHour;
@@ -24,15 +26,21 @@ bool IsStale() {
 
 LaunchCheckResult CheckDailyLaunch(PowerStatus& power) {
     RescheduleTimeNotification();  // first, so that tomorrow's is set whatever happens next
-    if (IsStale()) { return LaunchCheckResult::kQuit; }
-    if ((ReadSetting(setting::kOnTime) & kSettingMask) != 0) { return LaunchCheckResult::kTimed; }
+    if (IsStale()) {
+        return LaunchCheckResult::kQuit;
+    }
+    if ((ReadSetting(setting::kOnTime) & kSettingMask) != 0) {
+        return LaunchCheckResult::kTimed;
+    }
     return TestBattery(power);  // the daily notification is the daily battery check as well
 }
 
 }  // namespace
 
 LaunchCheckResult CheckLaunchArgument(const wchar_t* command_line, PowerStatus& power) {
-    if (command_line == nullptr || command_line[0] == 0) { return LaunchCheckResult::kInteractive; }
+    if (command_line == nullptr || command_line[0] == 0) {
+        return LaunchCheckResult::kInteractive;
+    }
     const auto is = [command_line](const wchar_t* argument) {
         return ::wcscmp(command_line, argument) == 0;
     };
@@ -40,8 +48,12 @@ LaunchCheckResult CheckLaunchArgument(const wchar_t* command_line, PowerStatus& 
         RescheduleTimeNotification();
         return LaunchCheckResult::kQuit;
     }
-    if (is(kRunAtTime)) { return CheckDailyLaunch(power); }
-    if (is(kRunAtAcPowerOff) || is(kRunAfterWakeup)) { return TestBattery(power); }
+    if (is(kRunAtTime)) {
+        return CheckDailyLaunch(power);
+    }
+    if (is(kRunAtAcPowerOff) || is(kRunAfterWakeup)) {
+        return TestBattery(power);
+    }
     return LaunchCheckResult::kText;
 }
 

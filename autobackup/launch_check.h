@@ -13,8 +13,8 @@ enum class LaunchCheckResult {
     kInteractive = 4,  // no argument
 };
 
-// Classifies the command line, compared whole and with case. The arguments of the time move the daily
-// notification on first; whether that succeeds makes no difference.
+// Classifies the command line, compared whole and with case. The arguments of the time move the
+// daily notification on first; whether that succeeds makes no difference.
 LaunchCheckResult CheckLaunchArgument(const wchar_t* command_line, PowerStatus& power);
 
 }  // namespace tolvenar

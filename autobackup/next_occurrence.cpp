@@ -12,7 +12,9 @@ constexpr LONG kSecondsPerDay = 86400;
 bool AddOneDay(SYSTEMTIME& time) {
     FILETIME today;
     FILETIME tomorrow;
-    if (!::SystemTimeToFileTime(&time, &today)) { return false; }
+    if (!::SystemTimeToFileTime(&time, &today)) {
+        return false;
+    }
     AddSecondsToFileTime(today, tomorrow, kSecondsPerDay);
     return ::FileTimeToSystemTime(&tomorrow, &time) != FALSE;
 }
@@ -30,12 +32,15 @@ bool NextOccurrence(WORD hour, WORD minute, SYSTEMTIME* start) {
     SYSTEMTIME time;
     ::GetLocalTime(&time);
     time.wSecond = 0;  // the milliseconds stay when it is today
-    const bool is_ahead =
-        time.wHour < hour || (time.wHour == hour && time.wMinute < minute);
-    if (!is_ahead && !AddOneDay(time)) { return false; }
+    const bool is_ahead = time.wHour < hour || (time.wHour == hour && time.wMinute < minute);
+    if (!is_ahead && !AddOneDay(time)) {
+        return false;
+    }
     time.wHour = hour;
     time.wMinute = minute;
-    if (start != nullptr) { *start = time; }
+    if (start != nullptr) {
+        *start = time;
+    }
     return true;
 }
 

@@ -48,9 +48,13 @@ bool IsAsked(const NotificationRow& row, DWORD on_time, DWORD on_battery) {
 // The stored notification's own time of day is kept, not the setting's.
 bool MoveOn(HANDLE notification, NotificationReader& reader) {
     CE_NOTIFICATION_INFO_HEADER* record = reader.Read(notification);
-    if (record == nullptr) { return false; }
+    if (record == nullptr) {
+        return false;
+    }
     SYSTEMTIME& start = record->pcent->stStartTime;
-    if (!NextOccurrence(start.wHour, start.wMinute, &start)) { return false; }
+    if (!NextOccurrence(start.wHour, start.wMinute, &start)) {
+        return false;
+    }
     return ::CeSetUserNotificationEx(notification, record->pcent, record->pceun) != nullptr;
 }
 
@@ -61,7 +65,9 @@ bool MakeDailyNotification() {
     }
     constexpr NotificationRow kDaily = {CNT_TIME, NOTIFICATION_EVENT_NONE, kRunAtTime, 0, 0};
     CE_NOTIFICATION_TRIGGER trigger = MakeTrigger(kDaily);
-    if (!SetStart(trigger, wake_up_time & kSettingMask)) { return false; }
+    if (!SetStart(trigger, wake_up_time & kSettingMask)) {
+        return false;
+    }
     return ::CeSetUserNotificationEx(nullptr, &trigger, nullptr) != nullptr;
 }
 
@@ -72,13 +78,19 @@ HANDLE FindNotification(const CE_NOTIFICATION_TRIGGER& trigger) {
     DWORD largest = 0;
     for (DWORD i = 0; i < handles.count(); ++i) {
         const DWORD size = NotificationReader::SizeOf(handles[i]);
-        if (size > largest) { largest = size; }
+        if (size > largest) {
+            largest = size;
+        }
     }
     NotificationReader reader;
-    if (largest == 0 || !reader.Reserve(largest)) { return nullptr; }
+    if (largest == 0 || !reader.Reserve(largest)) {
+        return nullptr;
+    }
     for (DWORD i = 0; i < handles.count(); ++i) {
         const CE_NOTIFICATION_INFO_HEADER* record = reader.Read(handles[i]);
-        if (record == nullptr) { continue; }
+        if (record == nullptr) {
+            continue;
+        }
         const CE_NOTIFICATION_TRIGGER& found = *record->pcent;
         if (found.dwType == trigger.dwType && found.dwEvent == trigger.dwEvent &&
             SameText(found.lpszApplication, trigger.lpszApplication) &&
@@ -95,8 +107,12 @@ bool ClearAutoBackupNotifications() {
     bool all_removed = true;
     for (DWORD i = 0; i < handles.count(); ++i) {
         const CE_NOTIFICATION_INFO_HEADER* record = reader.Read(handles[i]);
-        if (record == nullptr && reader.out_of_memory()) { return false; }
-        if (record == nullptr || !IsOurs(*record->pcent)) { continue; }
+        if (record == nullptr && reader.out_of_memory()) {
+            return false;
+        }
+        if (record == nullptr || !IsOurs(*record->pcent)) {
+            continue;
+        }
         all_removed = ::CeClearUserNotification(handles[i]) && all_removed;
     }
     return all_removed;
@@ -106,13 +122,19 @@ bool RegisterAutoBackupNotifications() {
     const DWORD on_time = ReadSetting(setting::kOnTime) & kSettingMask;
     const DWORD on_battery = ReadSetting(setting::kOnBattery) & kSettingMask;
     const DWORD wake_up_time = ReadSetting(setting::kWakeUpTime) & kSettingMask;
-    if (on_time == 0 && on_battery == 0) { return true; }
+    if (on_time == 0 && on_battery == 0) {
+        return true;
+    }
     bool all_set = true;
     for (const NotificationRow& row : kAutoBackupNotificationTable) {
         // Only bit 0 counts here: a setting of 2 is on and registers nothing.
-        if (!IsAsked(row, on_time, on_battery)) { continue; }
+        if (!IsAsked(row, on_time, on_battery)) {
+            continue;
+        }
         CE_NOTIFICATION_TRIGGER trigger = MakeTrigger(row);
-        if (row.trigger_type == CNT_TIME && !SetStart(trigger, wake_up_time)) { continue; }
+        if (row.trigger_type == CNT_TIME && !SetStart(trigger, wake_up_time)) {
+            continue;
+        }
         const HANDLE present = FindNotification(trigger);
         all_set = ::CeSetUserNotificationEx(present, &trigger, nullptr) != nullptr && all_set;
     }
@@ -122,11 +144,15 @@ bool RegisterAutoBackupNotifications() {
 bool RescheduleTimeNotification() {
     const NotificationHandles handles;
     // A device without any notification gets none here, unlike one that holds others; on purpose.
-    if (handles.count() == 0) { return false; }
+    if (handles.count() == 0) {
+        return false;
+    }
     NotificationReader reader;
     for (DWORD i = 0; i < handles.count(); ++i) {
         const CE_NOTIFICATION_INFO_HEADER* record = reader.Read(handles[i]);
-        if (record == nullptr && reader.out_of_memory()) { return false; }
+        if (record == nullptr && reader.out_of_memory()) {
+            return false;
+        }
         if (record != nullptr && IsDailyNotification(*record->pcent)) {
             return MoveOn(handles[i], reader);
         }

@@ -1,13 +1,13 @@
-// Keeps the platform's notifications in step with the automatic-backup settings. Holds no state: the
-// notifications live in the platform's store and outlast the program and a reboot.
+// Keeps the platform's notifications in step with the automatic-backup settings. Holds no state:
+// the notifications live in the platform's store and outlast the program and a reboot.
 #pragma once
 
 #include "platform/win32.h"
 
 namespace tolvenar {
 
-// The notification with the same type, event, application and arguments (case-sensitive), the first in
-// handle order; null when there is none.
+// The notification with the same type, event, application and arguments (case-sensitive), the first
+// in handle order; null when there is none.
 HANDLE FindNotification(const CE_NOTIFICATION_TRIGGER& trigger);
 
 // Removes every notification whose type and arguments are those of a row of the table, whatever its
@@ -15,12 +15,12 @@ HANDLE FindNotification(const CE_NOTIFICATION_TRIGGER& trigger);
 // record could not be read for want of memory.
 bool ClearAutoBackupNotifications();
 
-// Registers the rows that the settings ask for; one that is there already is replaced in place. Leaves
-// other notifications alone: callers clear first. True when every registration succeeded.
+// Registers the rows that the settings ask for; one that is there already is replaced in place.
+// Leaves other notifications alone: callers clear first. True when every registration succeeded.
 bool RegisterAutoBackupNotifications();
 
-// Moves the daily notification on to its next occurrence at the time that it carries itself, or makes
-// it from the settings. False when there is nothing to move or make, or the platform refuses.
+// Moves the daily notification on to its next occurrence at the time that it carries itself, or
+// makes it from the settings. False when there is nothing to move or make, or the platform refuses.
 bool RescheduleTimeNotification();
 
 }  // namespace tolvenar

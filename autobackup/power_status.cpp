@@ -24,28 +24,40 @@ bool IsLowEnough(const SYSTEM_POWER_STATUS_EX& status) {
 }  // namespace
 
 void PowerStatus::Load() {
-    if (library_ == nullptr) { library_ = ::LoadLibraryW(kLibrary); }
-    if (library_ == nullptr || function_ != nullptr) { return; }
-    function_ = reinterpret_cast<Function>(
-        reinterpret_cast<void*>(::GetProcAddressW(library_, kFunction)));
+    if (library_ == nullptr) {
+        library_ = ::LoadLibraryW(kLibrary);
+    }
+    if (library_ == nullptr || function_ != nullptr) {
+        return;
+    }
+    function_ =
+        reinterpret_cast<Function>(reinterpret_cast<void*>(::GetProcAddressW(library_, kFunction)));
 }
 
 bool PowerStatus::Read(SYSTEM_POWER_STATUS_EX& status) {
     Load();
-    if (function_ == nullptr) { return false; }
+    if (function_ == nullptr) {
+        return false;
+    }
     status = {};
     return function_(&status, TRUE) != FALSE;
 }
 
 void PowerStatus::Unload() {
-    if (library_ != nullptr) { ::FreeLibrary(library_); }
+    if (library_ != nullptr) {
+        ::FreeLibrary(library_);
+    }
     library_ = nullptr;
     function_ = nullptr;
 }
 
 bool PowerStatus::IsAvailable() {
-    if (library_ == nullptr) { library_ = ::LoadLibraryW(kLibrary); }
-    if (library_ == nullptr) { return false; }
+    if (library_ == nullptr) {
+        library_ = ::LoadLibraryW(kLibrary);
+    }
+    if (library_ == nullptr) {
+        return false;
+    }
     const bool found = ::GetProcAddressW(library_, kFunction) != nullptr;
     ::FreeLibrary(library_);
     return found;
@@ -54,7 +66,9 @@ bool PowerStatus::IsAvailable() {
 BatteryCheckResult CheckBatteryForBackup(PowerStatus& power) {
     SYSTEM_POWER_STATUS_EX status;
     // Nothing is unloaded here: a first read that fails leaves the library as it is.
-    if (!power.Read(status)) { return BatteryCheckResult::kUnreadable; }
+    if (!power.Read(status)) {
+        return BatteryCheckResult::kUnreadable;
+    }
     if (status.ACLineStatus != kOnMains) {
         for (int i = 0; i < kRereads && status.BatteryFlag == kUnknownBattery; ++i) {
             ::Sleep(kRereadDelayMs);

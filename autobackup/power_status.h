@@ -17,8 +17,8 @@ public:
     // Reads the status afresh from the battery driver. False when the device cannot tell.
     bool Read(SYSTEM_POWER_STATUS_EX& status);
     void Unload();
-    // Whether the device has the function at all. Gives its library back, yet leaves the kept handle
-    // as it is, on purpose: the next test looks its function up through it.
+    // Whether the device has the function at all. Gives its library back, yet leaves the kept
+    // handle as it is, on purpose: the next test looks its function up through it.
     bool IsAvailable();
 
 private:
@@ -29,8 +29,8 @@ private:
     Function function_ = nullptr;
 };
 
-// Tests the battery. A backup is worth it at 6 to 29 per cent and not on mains; an unknown status is
-// read again up to five times, three seconds apart.
+// Tests the battery. A backup is worth it at 6 to 29 per cent and not on mains; an unknown status
+// is read again up to five times, three seconds apart.
 BatteryCheckResult CheckBatteryForBackup(PowerStatus& power);
 
 }  // namespace tolvenar

@@ -11,24 +11,32 @@ HANDLE private_heap;
 }  // namespace
 
 bool CreatePrivateHeap() {
-    if (private_heap == nullptr) { private_heap = ::HeapCreate(0, kInitialHeapBytes, 0); }
+    if (private_heap == nullptr) {
+        private_heap = ::HeapCreate(0, kInitialHeapBytes, 0);
+    }
     return private_heap != nullptr;
 }
 
 void DestroyPrivateHeap() {
-    if (private_heap == nullptr) { return; }
+    if (private_heap == nullptr) {
+        return;
+    }
     ::HeapDestroy(private_heap);
     private_heap = nullptr;
 }
 
 void* HeapAllocate(unsigned flags, std::size_t size) {
     // A C++ run time, where there is one, allocates before the program's entry point.
-    if (!CreatePrivateHeap()) { return nullptr; }
+    if (!CreatePrivateHeap()) {
+        return nullptr;
+    }
     return ::HeapAlloc(private_heap, (flags & kHeapZeroFill) ? HEAP_ZERO_MEMORY : 0, size);
 }
 
 void HeapRelease(void* block) {
-    if (block != nullptr) { ::HeapFree(private_heap, 0, block); }
+    if (block != nullptr) {
+        ::HeapFree(private_heap, 0, block);
+    }
 }
 
 void* PrivateHeapHandle() { return CreatePrivateHeap() ? private_heap : nullptr; }

@@ -1,5 +1,6 @@
-// The program's one private heap. operator new and delete of the whole program go to it: zero-filled,
-// and null when it is full (the program is built with -fcheck-new, so a null is seen by the caller).
+// The program's one private heap. operator new and delete of the whole program go to it:
+// zero-filled, and null when it is full (the program is built with -fcheck-new, so a null is seen
+// by the caller).
 #pragma once
 
 #include <cstddef>
@@ -12,7 +13,8 @@ constexpr unsigned kHeapZeroFill = 0x40;
 bool CreatePrivateHeap();
 // Gives all of it back at once; no block of it may be used afterwards.
 void DestroyPrivateHeap();
-// A block of `size` bytes, zero-filled when `flags` has kHeapZeroFill; null when there is no memory.
+// A block of `size` bytes, zero-filled when `flags` has kHeapZeroFill; null when there is no
+// memory.
 void* HeapAllocate(unsigned flags, std::size_t size);
 // Frees a block; null is allowed and a failure is ignored.
 void HeapRelease(void* block);

@@ -15,7 +15,9 @@ public:
     explicit UniqueResource(T handle) noexcept : handle_(handle) {}
     UniqueResource(UniqueResource&& other) noexcept : handle_(other.Release()) {}
     UniqueResource& operator=(UniqueResource&& other) noexcept {
-        if (this != &other) { Reset(other.Release()); }
+        if (this != &other) {
+            Reset(other.Release());
+        }
         return *this;
     }
     ~UniqueResource() { Reset(); }
@@ -30,7 +32,9 @@ public:
     }
     void Reset(T handle = T{}) noexcept {
         const DWORD error = ::GetLastError();  // closing must not hide the caller's failure
-        if (*this) { close(handle_); }
+        if (*this) {
+            close(handle_);
+        }
         ::SetLastError(error);
         handle_ = handle;
     }
@@ -40,7 +44,8 @@ private:
     T handle_{};
 };
 
-using UniqueHandle = UniqueResource<HANDLE, ::CloseHandle>;  // file, mapping, database, thread, mutex
+using UniqueHandle =
+    UniqueResource<HANDLE, ::CloseHandle>;  // file, mapping, database, thread, mutex
 using UniqueFind = UniqueResource<HANDLE, ::FindClose>;
 using UniqueHkey = UniqueResource<HKEY, ::RegCloseKey>;
 using UniqueModule = UniqueResource<HMODULE, ::FreeLibrary>;

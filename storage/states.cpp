@@ -3,7 +3,9 @@
 namespace tolvenar {
 
 std::uint32_t LastStoredState(const ObjectList* journal) {
-    if (journal == nullptr) { return 0; }
+    if (journal == nullptr) {
+        return 0;
+    }
     std::uint32_t last = 0;
     ObjectRecord* record = nullptr;
     for (auto cursor = journal->First(); ObjectList::Next(cursor, nullptr, &record);) {

@@ -1,9 +1,9 @@
 // The states that a journal holds. Platform-free.
 #pragma once
 
-#include "snapshot/object_list.h"
-
 #include <cstdint>
+
+#include "snapshot/object_list.h"
 
 namespace tolvenar {
 

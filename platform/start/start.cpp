@@ -24,24 +24,33 @@ int exit_function_count;
 
 void RunConstructors() {
     int count = 0;
-    while (__CTOR_LIST__[count + 1] != nullptr) { ++count; }
-    for (int i = count; i > 0; --i) { __CTOR_LIST__[i](); }
+    while (__CTOR_LIST__[count + 1] != nullptr) {
+        ++count;
+    }
+    for (int i = count; i > 0; --i) {
+        __CTOR_LIST__[i]();
+    }
 }
 
 void RunExitFunctions() {
-    while (exit_function_count > 0) { exit_functions[--exit_function_count](); }
+    while (exit_function_count > 0) {
+        exit_functions[--exit_function_count]();
+    }
 }
 }  // namespace
 
 int atexit(Function function) {
-    if (exit_function_count == kMaxExitFunctions) { return 1; }
+    if (exit_function_count == kMaxExitFunctions) {
+        return 1;
+    }
     exit_functions[exit_function_count++] = function;
     return 0;
 }
 
 void abort() {
     ::TerminateProcess(::GetCurrentProcess(), 3);
-    for (;;) {}
+    for (;;) {
+    }
 }
 
 void __cxa_pure_virtual() { abort(); }
@@ -49,13 +58,17 @@ void __cxa_pure_virtual() { abort(); }
 // std::wstring_view calls these; coredll.dll has none of them.
 int wmemcmp(const wchar_t* a, const wchar_t* b, std::size_t n) {
     for (; n != 0; --n, ++a, ++b) {
-        if (*a != *b) { return *a < *b ? -1 : 1; }
+        if (*a != *b) {
+            return *a < *b ? -1 : 1;
+        }
     }
     return 0;
 }
 wchar_t* wmemchr(const wchar_t* s, wchar_t c, std::size_t n) {
     for (; n != 0; --n, ++s) {
-        if (*s == c) { return const_cast<wchar_t*>(s); }
+        if (*s == c) {
+            return const_cast<wchar_t*>(s);
+        }
     }
     return nullptr;
 }
@@ -79,5 +92,6 @@ __attribute__((force_align_arg_pointer)) void WinMainCRTStartup() {
         ::WinMain(::GetModuleHandleW(nullptr), nullptr, ::GetCommandLineW(), SW_SHOW);
     RunExitFunctions();
     ::TerminateProcess(::GetCurrentProcess(), static_cast<UINT>(result));
-    for (;;) {}
+    for (;;) {
+    }
 }
