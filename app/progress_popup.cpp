@@ -10,10 +10,14 @@ constexpr int kPolls = 100;
 constexpr DWORD kPollMs = 50;
 
 // The popup's thread sends messages to its owner's thread while it opens and closes, so whoever
-// waits for it must let sent messages through.
-void ServeSentMessages() {
+// waits for it must let sent messages through. True when `handle`, which may be null, was
+// signalled.
+bool WaitServingSentMessages(HANDLE handle) {
+    const DWORD count = handle != nullptr ? 1 : 0;
+    const DWORD woken = ::MsgWaitForMultipleObjectsEx(count, &handle, kPollMs, QS_SENDMESSAGE, 0);
     MSG message;
     ::PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
+    return count == 1 && woken == WAIT_OBJECT_0;
 }
 
 }  // namespace
@@ -63,8 +67,7 @@ void ProgressPopup::WaitForClosing() {
 
 void ProgressPopup::WaitForWindow() {
     for (int i = 0; window_ == nullptr && i < kPolls; ++i) {
-        ServeSentMessages();
-        ::Sleep(kPollMs);
+        WaitServingSentMessages(nullptr);
     }
 }
 
@@ -107,15 +110,27 @@ INT_PTR ProgressPopup::OnInit(HWND window) {
     return TRUE;
 }
 
+// Only Close ends it: the user's ways of closing a window do nothing while the operation runs.
+INT_PTR ProgressPopup::OnClose(HWND window) {
+    if (is_closing_) {
+        ::EndDialog(window, 1);
+    }
+    return TRUE;
+}
+
 INT_PTR CALLBACK ProgressPopup::DialogProcedure(HWND window, UINT message, WPARAM, LPARAM lparam) {
     if (message == WM_INITDIALOG) {
-        return reinterpret_cast<ProgressPopup*>(lparam)->OnInit(window);
+        ::SetWindowLongW(window, DWL_USER, lparam);
     }
-    if (message != WM_CLOSE) {
+    auto* popup = reinterpret_cast<ProgressPopup*>(::GetWindowLongW(window, DWL_USER));
+    if (popup == nullptr) {
         return FALSE;
     }
-    ::EndDialog(window, 1);
-    return TRUE;
+    switch (message) {
+        case WM_INITDIALOG: return popup->OnInit(window);
+        case WM_CLOSE: return popup->OnClose(window);
+        default: return FALSE;
+    }
 }
 
 }  // namespace tolvenar

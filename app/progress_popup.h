@@ -35,6 +35,7 @@ private:
     void WaitForWindow();
     void Publish(int total_steps);
     INT_PTR OnInit(HWND window);
+    INT_PTR OnClose(HWND window);
 
     HINSTANCE instance_;
     ProgressWindows& windows_;
