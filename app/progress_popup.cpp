@@ -56,8 +56,7 @@ void ProgressPopup::CloseAndWait() {
 
 void ProgressPopup::WaitForClosing() {
     for (int i = 0; thread_ && i < kPolls; ++i) {
-        ServeSentMessages();
-        if (::WaitForSingleObject(thread_.get(), kPollMs) == WAIT_OBJECT_0) {
+        if (WaitServingSentMessages(thread_.get())) {
             break;
         }
     }
