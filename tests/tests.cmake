@@ -13,11 +13,21 @@ if(support_sources)
   target_link_libraries(test_support PUBLIC ce_headers warnings simcore GTest::gtest)
 endif()
 
+# Programs that tests start on a device: one source file each, no part of the product.
+file(GLOB probe_sources CONFIGURE_DEPENDS tests/programs/*.cpp)
+set(probes "")
+foreach(source IN LISTS probe_sources)
+  get_filename_component(name ${source} NAME_WE)
+  add_device_program(${name} ${source})
+  list(APPEND probes ${name})
+endforeach()
+get_property(companions GLOBAL PROPERTY companion_programs)
+
 file(GLOB test_folders CONFIGURE_DEPENDS LIST_DIRECTORIES true RELATIVE ${CMAKE_SOURCE_DIR}/tests
   tests/*)
 foreach(folder IN LISTS test_folders)
   file(GLOB sources CONFIGURE_DEPENDS tests/${folder}/*.cpp)
-  if(NOT sources OR folder STREQUAL "support")
+  if(NOT sources OR folder MATCHES "^(support|programs)$")
     continue()
   endif()
   set(name ${folder}_test)
@@ -31,7 +41,8 @@ foreach(folder IN LISTS test_folders)
   target_link_options(${name} PRIVATE -static)
   target_compile_definitions(${name} PRIVATE
     TOLVENAR_SOURCE_DIR="${CMAKE_SOURCE_DIR}" TOLVENAR_BIN_DIR="${CMAKE_BINARY_DIR}/bin")
-  add_dependencies(${name} sim_coredll sim_commctrl sim_commdlg Tolvenar)
+  add_dependencies(${name} sim_coredll sim_commctrl sim_commdlg Tolvenar ${probes}
+    ${companions})
   # A folder whose tests need the keyboard focus, or the whole machine, says so in a file.
   set(properties TIMEOUT 300)
   if(EXISTS ${CMAKE_SOURCE_DIR}/tests/${folder}/run_serial)

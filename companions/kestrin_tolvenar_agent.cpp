@@ -1,0 +1,79 @@
+// The agent: what the platform's notifications start. It hands its argument to Tolvenar unchanged
+// and stays resident; an agent that is started beside a resident one only hands its argument on.
+#include "platform/win32.h"
+
+#include "companions/agent.h"
+
+namespace {
+
+constexpr wchar_t kSettingsKey[] = L"Software\\Kestrin2\\Tolvenar";
+constexpr wchar_t kProgram[] = L"\\Tolvenar.exe";
+
+// Fills `path` with InstDir's text; false when the installation left none or it does not fit.
+bool ReadInstallFolder(wchar_t (&path)[MAX_PATH]) {
+    HKEY key = nullptr;
+    if (::RegOpenKeyExW(HKEY_CURRENT_USER, kSettingsKey, 0, 0, &key) != ERROR_SUCCESS) {
+        return false;
+    }
+    DWORD type = 0;
+    DWORD size_bytes = sizeof path - sizeof kProgram;
+    const LONG result = ::RegQueryValueExW(key, L"InstDir", nullptr, &type,
+                                           reinterpret_cast<BYTE*>(path), &size_bytes);
+    ::RegCloseKey(key);
+    path[size_bytes / sizeof path[0]] = L'\0';
+    return result == ERROR_SUCCESS && type == REG_SZ;
+}
+
+void HandOn(wchar_t* argument) {
+    wchar_t program[MAX_PATH] = L"";
+    if (!ReadInstallFolder(program)) {
+        return;
+    }
+    ::wcscat(program, kProgram);
+    PROCESS_INFORMATION started{};
+    if (!::CreateProcessW(program, argument, nullptr, nullptr, FALSE, 0, nullptr, nullptr, nullptr,
+                          &started)) {
+        return;
+    }
+    ::CloseHandle(started.hThread);
+    ::CloseHandle(started.hProcess);
+}
+
+LRESULT CALLBACK AgentProc(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message == WM_DESTROY) {
+        ::PostQuitMessage(0);
+        return 0;
+    }
+    return ::DefWindowProcW(hwnd, message, wparam, lparam);
+}
+
+int StayResident(HINSTANCE instance) {
+    WNDCLASSW window_class{};
+    window_class.lpfnWndProc = AgentProc;
+    window_class.hInstance = instance;
+    window_class.lpszClassName = kAgentClass;
+    if (::RegisterClassW(&window_class) == 0 ||
+        ::CreateWindowExW(0, kAgentClass, kAgentClass, 0, 0, 0, 0, 0, nullptr, nullptr, instance,
+                          nullptr) == nullptr) {
+        return 1;
+    }
+    MSG message;
+    while (::GetMessageW(&message, nullptr, 0, 0)) {
+        ::DispatchMessageW(&message);
+    }
+    return 0;
+}
+
+}  // namespace
+
+int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPWSTR argument, int) {
+    if (argument != nullptr && argument[0] != L'\0') {
+        HandOn(argument);
+    }
+    // Never released: it becomes free when this process is gone, and CloseOther.exe waits for that.
+    HANDLE mutex = ::CreateMutexW(nullptr, FALSE, kAgentMutex);
+    if (mutex == nullptr || ::WaitForSingleObject(mutex, 0) == WAIT_TIMEOUT) {
+        return 0;
+    }
+    return StayResident(instance);
+}
