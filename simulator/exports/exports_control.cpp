@@ -1,6 +1,7 @@
 // The simulator's own exports, for tests and tools that run inside one process with the program's code,
 // and what a call ends in that the simulator does not have.
 #include "simulator/store/device.h"
+#include "simulator/system/handles.h"
 
 #include <windows.h>
 
@@ -8,7 +9,14 @@
 
 // Makes coredll.dll of this process run on the device in `folder` (a host path; empty for none).
 extern "C" void WINAPI SimAttachDevice(const wchar_t* folder) __asm__("_ce_SimAttachDevice");
-void WINAPI SimAttachDevice(const wchar_t* folder) { sim::Device::Attach(folder); }
+void WINAPI SimAttachDevice(const wchar_t* folder) {
+    sim::handles::CloseAll();
+    sim::Device::Attach(folder);
+}
+
+// How many handles of the simulator's own are open in this process.
+extern "C" int WINAPI SimOpenHandles() __asm__("_ce_SimOpenHandles");
+int WINAPI SimOpenHandles() { return sim::handles::OpenCount(); }
 
 extern "C" void __cdecl ce_not_there_yet(const char* name) {
     std::fprintf(stderr, "coredll: %s is not in the simulator\n", name);

@@ -8,6 +8,9 @@
 #include "simulator/store/log_store.h"
 
 #include <cstdint>
+#include <map>
+#include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 
@@ -39,6 +42,7 @@ public:
     // The next object-store id: unique in the device and never used again. Inside a Change the new
     // counter is published with it.
     std::uint32_t TakeObjectId();
+    void SetNextObjectId(std::uint32_t id);
 
     // UTC now on the device, as a FILETIME count: the host's clock moved by the device's offset, or
     // standing still, or stepping at every write, as the settings say.
@@ -46,7 +50,22 @@ public:
     // The same for a moment at which something is written; the clock's step is taken after it.
     std::uint64_t WriteTimeUtc();
 
+    // What an area keeps in memory about this device in this process; made at the first use as
+    // `T(device)`.
+    template <typename T>
+    T& Part() {
+        std::lock_guard guard(parts_mutex_);
+        std::shared_ptr<void>& part = parts_[&PartKey<T>];
+        if (!part) { part = std::make_shared<T>(*this); }
+        return *static_cast<T*>(part.get());
+    }
+
 private:
+    template <typename T>
+    static void PartKey() {}
+
+    std::recursive_mutex parts_mutex_;
+    std::map<void (*)(), std::shared_ptr<void>> parts_;
     mutable LogStore store_;
 };
 

@@ -1,0 +1,53 @@
+#include "simulator/files/search.h"
+
+#include <windows.h>
+
+namespace sim::files {
+
+std::shared_ptr<Search> Search::Begin(Device& device, const wchar_t* pattern, FindEntry& first,
+                                      std::uint32_t& error) {
+    FileTable& table = FileTable::Of(device);
+    LogStore::View view(table.store());
+    const auto nothing =
+        static_cast<std::uint32_t>(device.NumberSetting("find.nothing", ERROR_NO_MORE_FILES));
+    Path path = ParsePath(pattern, true);
+    error = path.error;
+    if (error != 0) {
+        return nullptr;
+    }
+    if (path.names.empty() || path.ends_with_separator) {
+        error = nothing;
+        return nullptr;
+    }
+    const std::wstring last = path.names.back();
+    path.names.pop_back();
+    const Found folder = table.Find(path);
+    if (folder.error != 0 || !folder.node.is_folder()) {
+        error = ERROR_PATH_NOT_FOUND;
+        return nullptr;
+    }
+    auto search = std::make_shared<Search>(table, table.Children(folder.node.number), last);
+    if (!search->Next(first)) {
+        error = nothing;
+        return nullptr;
+    }
+    return search;
+}
+
+bool Search::Next(FindEntry& entry) {
+    LogStore::View view(table_.store());
+    while (at_ < numbers_.size()) {
+        const std::optional<Node> node = table_.Get(numbers_[at_++]);
+        if (!node || !Matches(pattern_, node->name)) {
+            continue;
+        }
+        entry.info = {table_.TimesOf(*node), table_.AttributesOf(*node),
+                      table_.SizeOf(*node),  node->oid,
+                      node->number,          node->on_card};
+        entry.name = node->name;
+        return true;
+    }
+    return false;
+}
+
+}  // namespace sim::files

@@ -1,0 +1,74 @@
+#include "simulator/files/space.h"
+
+#include <algorithm>
+#include <windows.h>
+
+namespace sim::files {
+namespace {
+
+constexpr std::int64_t kStoreBytes = 64 << 20;
+constexpr std::int64_t kCardBytes = 512 << 20;
+
+std::int64_t SizeSetting(Device& device, bool card) {
+    return card ? device.NumberSetting("card.size", kCardBytes)
+                : device.NumberSetting("store.size", kStoreBytes);
+}
+
+const char* TakenSetting(bool card) { return card ? "card.taken" : "store.taken"; }
+
+// What files may take together.
+std::int64_t Limit(Device& device, bool card) {
+    return SizeSetting(device, card) - device.NumberSetting(TakenSetting(card), 0);
+}
+
+std::int64_t UsedByFiles(FileTable& table, bool card) {
+    LogStore::View view(table.store());
+    std::int64_t used = 0;
+    for (const std::uint32_t number : table.All()) {
+        const std::optional<Node> node = table.Get(number);
+        if (node && node->on_card == card && !node->is_rom()) {
+            used += table.SizeOf(*node);
+        }
+    }
+    return used;
+}
+
+volatile long& Counter(FileTable& table, bool card) { return table.slot(card ? 1 : 0).used; }
+
+}  // namespace
+
+Space SpaceOf(Device& device, bool card) {
+    FileTable& table = FileTable::Of(device);
+    const std::int64_t free = Limit(device, card) - UsedByFiles(table, card);
+    return {static_cast<std::uint32_t>(SizeSetting(device, card)),
+            static_cast<std::uint32_t>(std::max<std::int64_t>(free, 0))};
+}
+
+void SetFree(Device& device, bool card, std::uint32_t bytes) {
+    const std::int64_t used = UsedByFiles(FileTable::Of(device), card);
+    device.SetSetting(TakenSetting(card), std::to_string(SizeSetting(device, card) - used - bytes));
+}
+
+// The counter is raised before anything is written and lowered afterwards, so that it may say too
+// much after a kill and never too little. Only when it says that nothing more fits the files are
+// counted.
+bool TakeSpace(FileTable& table, bool card, std::uint32_t bytes) {
+    volatile long& counter = Counter(table, card);
+    const auto before =
+        static_cast<std::uint32_t>(::InterlockedExchangeAdd(&counter, static_cast<long>(bytes)));
+    const std::int64_t limit = Limit(table.device(), card);
+    if (static_cast<std::int64_t>(before) + bytes <= limit) {
+        return true;
+    }
+    if (UsedByFiles(table, card) + bytes <= limit) {
+        return true;
+    }
+    GiveSpaceBack(table, card, bytes);
+    return false;
+}
+
+void GiveSpaceBack(FileTable& table, bool card, std::uint32_t bytes) {
+    ::InterlockedExchangeAdd(&Counter(table, card), -static_cast<long>(bytes));
+}
+
+}  // namespace sim::files

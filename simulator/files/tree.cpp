@@ -1,0 +1,208 @@
+#include "simulator/files/tree.h"
+
+#include <windows.h>
+
+#include "simulator/files/open_file.h"
+#include "simulator/files/sharing.h"
+#include "simulator/files/space.h"
+
+namespace sim::files {
+namespace {
+
+bool IsInside(FileTable& table, Node node, std::uint32_t folder) {
+    while (node.number != folder && node.number != kRoot) {
+        const std::optional<Node> up = table.Get(node.parent);
+        if (!up) {
+            return false;
+        }
+        node = *up;
+    }
+    return node.number == folder;
+}
+
+std::uint32_t CheckMove(FileTable& table, const Found& from, const Found& to) {
+    if (from.error != 0) {
+        return from.error;
+    }
+    if (to.error == 0 && to.node.number != from.node.number) {
+        return ERROR_ALREADY_EXISTS;
+    }
+    if (to.error != 0 && to.error != ERROR_FILE_NOT_FOUND) {
+        return to.error;
+    }
+    if (from.node.number == kRoot || from.node.is_card || from.node.is_rom()) {
+        return ERROR_ACCESS_DENIED;
+    }
+    if (!from.node.is_folder()) {
+        return CheckUnused(table, from.node);
+    }
+    if (to.parent.on_card != from.node.on_card) {
+        return ERROR_NOT_SAME_DEVICE;
+    }
+    return IsInside(table, to.parent, from.node.number) ? ERROR_SHARING_VIOLATION : 0;
+}
+
+std::uint32_t CopyContent(OpenFile& source, OpenFile& target) {
+    char buffer[65536];
+    for (;;) {
+        std::uint32_t got = 0;
+        std::uint32_t put = 0;
+        if (const std::uint32_t error = source.Read(buffer, sizeof buffer, got)) {
+            return error;
+        }
+        if (got == 0) {
+            return 0;
+        }
+        if (const std::uint32_t error = target.Write(buffer, got, put)) {
+            return error;
+        }
+    }
+}
+
+}  // namespace
+
+std::uint32_t DeleteOne(Device& device, const wchar_t* path) {
+    FileTable& table = FileTable::Of(device);
+    LogStore::Change change(table.store());
+    const Found found = table.Find(path);
+    if (found.error != 0) {
+        return found.error;
+    }
+    const Node& node = found.node;
+    if (node.is_folder() || node.is_rom() || (node.stored_attributes & kReadOnly) != 0) {
+        return ERROR_ACCESS_DENIED;
+    }
+    if (const std::uint32_t error = CheckUnused(table, node)) {
+        return error;
+    }
+    const std::uint32_t size = table.SizeOf(node);
+    table.Remove(node);
+    GiveSpaceBack(table, node.on_card, size);
+    return 0;
+}
+
+std::uint32_t MoveOne(Device& device, const wchar_t* from_path, const wchar_t* to_path) {
+    FileTable& table = FileTable::Of(device);
+    {
+        LogStore::Change change(table.store());
+        Found from = table.Find(from_path);
+        const Found to = table.Find(to_path);
+        if (const std::uint32_t error = CheckMove(table, from, to)) {
+            return error;
+        }
+        if (to.parent.on_card == from.node.on_card) {
+            table.Move(from.node, to.parent, to.name);
+            return 0;
+        }
+    }
+    if (const std::uint32_t error = CopyOne(device, from_path, to_path, true)) {
+        return error;
+    }
+    return DeleteOne(device, from_path);
+}
+
+std::uint32_t CopyOne(Device& device, const wchar_t* from, const wchar_t* to, bool fail_if_exists) {
+    std::uint32_t error = 0;
+    bool existed = false;
+    OpenRequest read{from, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING, 0, false};
+    const auto source = OpenFile::Open(device, read, error, existed);
+    if (source == nullptr) {
+        return error;
+    }
+    FileInfo info;
+    error = source->Info(info);
+    if (error != 0) {
+        return error;
+    }
+    const DWORD disposition = fail_if_exists ? CREATE_NEW : CREATE_ALWAYS;
+    OpenRequest write{to, GENERIC_WRITE, 0, disposition, info.attributes, false};
+    auto target = OpenFile::Open(device, write, error, existed);
+    if (target == nullptr) {
+        return error;
+    }
+    error = CopyContent(*source, *target);
+    if (error == 0) {
+        target->SetTimes(info.times);
+    }
+    target.reset();
+    if (error != 0) {
+        DeleteOne(device, to);
+        return error;
+    }
+    return SetAttributes(device, to, info.attributes);
+}
+
+std::uint32_t CreateFolder(Device& device, const wchar_t* path) {
+    FileTable& table = FileTable::Of(device);
+    LogStore::Change change(table.store());
+    const Found found = table.Find(path);
+    if (found.error == 0) {
+        return ERROR_ALREADY_EXISTS;
+    }
+    if (found.error != ERROR_FILE_NOT_FOUND) {
+        return found.error;
+    }
+    table.Add(found.parent, found.name, kFolder);
+    return 0;
+}
+
+std::uint32_t RemoveFolder(Device& device, const wchar_t* path) {
+    FileTable& table = FileTable::Of(device);
+    LogStore::Change change(table.store());
+    const Found found = table.Find(path);
+    if (found.error != 0) {
+        return found.error;
+    }
+    const Node& node = found.node;
+    if (!node.is_folder()) {
+        return ERROR_DIRECTORY;
+    }
+    if (node.number == kRoot || node.is_card || node.is_rom() ||
+        (node.stored_attributes & kReadOnly) != 0) {
+        return ERROR_ACCESS_DENIED;
+    }
+    if (table.HasChildren(node.number)) {
+        return ERROR_DIR_NOT_EMPTY;
+    }
+    table.Remove(node);
+    return 0;
+}
+
+std::uint32_t GetAttributes(Device& device, const wchar_t* path, std::uint32_t& attributes) {
+    FileTable& table = FileTable::Of(device);
+    const Found found = table.Find(path);
+    if (found.error == 0) {
+        attributes = table.AttributesOf(found.node);
+    }
+    return found.error;
+}
+
+std::uint32_t SetAttributes(Device& device, const wchar_t* path, std::uint32_t attributes) {
+    FileTable& table = FileTable::Of(device);
+    LogStore::Change change(table.store());
+    Found found = table.Find(path);
+    if (found.error != 0) {
+        return found.error;
+    }
+    if (found.node.number == kRoot || found.node.is_rom()) {
+        return ERROR_ACCESS_DENIED;
+    }
+    table.SetStoredAttributes(
+        found.node, (found.node.stored_attributes & ~kSettable) | (attributes & kSettable));
+    return 0;
+}
+
+std::uint32_t VolumeOf(Device& device, const wchar_t* path, bool& card) {
+    if (path == nullptr) {
+        card = false;
+        return 0;
+    }
+    const Found found = FileTable::Of(device).Find(path);
+    if (found.error != 0) {
+        return ERROR_PATH_NOT_FOUND;
+    }
+    card = found.node.on_card;
+    return 0;
+}
+
+}  // namespace sim::files

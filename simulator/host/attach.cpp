@@ -1,0 +1,36 @@
+#include "simulator/host/attach.h"
+
+#include <stdexcept>
+#include <windows.h>
+
+#include "simulator/store/device.h"
+
+namespace sim::host {
+namespace {
+
+template <typename Function>
+Function Control(const char* name) {
+    const HMODULE coredll = ::LoadLibraryW(L"coredll.dll");
+    const FARPROC found = coredll != nullptr ? ::GetProcAddress(coredll, name) : nullptr;
+    if (found == nullptr) {
+        throw std::runtime_error(std::string("coredll.dll has no ") + name);
+    }
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(found));
+}
+
+}  // namespace
+
+void AttachProcess(const std::wstring& folder) {
+    Control<void(WINAPI*)(const wchar_t*)>("SimAttachDevice")(folder.c_str());
+    Device::Attach(folder);
+}
+
+int OpenHandlesOfCoredll() { return Control<int(WINAPI*)()>("SimOpenHandles")(); }
+
+std::wstring UniqueName() {
+    static volatile LONG count = 0;
+    return std::to_wstring(::GetCurrentProcessId()) + L"-" +
+           std::to_wstring(::InterlockedIncrement(&count));
+}
+
+}  // namespace sim::host

@@ -1,0 +1,75 @@
+// A fresh simulated device for each case. The program's code under test and this process's
+// coredll.dll run on it; the test fills and inspects it through `device()`, past attributes, locks
+// and sharing.
+#pragma once
+
+#include <cstdint>
+#include <gtest/gtest.h>
+#include <string>
+
+#include "simulator/files/files.h"
+#include "simulator/store/device.h"
+
+namespace tests {
+
+// A file held open from outside as long as this lives.
+class FileLock {
+public:
+    FileLock(sim::Device& device, std::wstring path, const std::string& mode);
+    ~FileLock();
+    FileLock(FileLock&& other) noexcept;
+    FileLock& operator=(FileLock&&) = delete;
+
+private:
+    sim::Device& device_;
+    std::wstring path_;  // empty: moved away
+};
+
+class TestDevice {
+public:
+    explicit TestDevice(sim::Device& device) : device_(device) {}
+    sim::Device& sim() { return device_; }
+
+    // Folders above are made as needed. All of these throw when they cannot do it.
+    void PutFile(const std::wstring& path, const std::string& bytes);
+    std::string FileBytes(const std::wstring& path);
+    bool Exists(const std::wstring& path);
+    void MakeFolder(const std::wstring& path);
+    // A folder goes with all that is in it.
+    void Remove(const std::wstring& path);
+    void SetAttributes(const std::wstring& path, std::uint32_t attributes);
+    void Touch(const std::wstring& path, std::uint64_t filetime);
+    sim::files::Entry Info(const std::wstring& path);
+    // "none", "read" or "write": what the holder shares.
+    [[nodiscard]] FileLock Lock(const std::wstring& path, const std::string& mode = "none");
+
+    void Set(const std::string& setting, const std::string& value);
+    // The calls of `function` from the `n`th on, `count` of them, fail with `error`; only those are
+    // counted whose arguments hold `match`.
+    void Fault(const std::string& function, int n, int count, std::uint32_t error,
+               const std::string& match = "");
+    // The rules that never fired, as JSON: "[]" when there is none.
+    std::string Faults();
+    // One command as `cedev` takes it; its JSON. Throws when it fails.
+    std::string Command(const std::string& line);
+
+private:
+    sim::Device& device_;
+};
+
+class DeviceTest : public ::testing::Test {
+protected:
+    DeviceTest();
+    ~DeviceTest() override;
+    // Fails when a handle of the device was left open.
+    void TearDown() override;
+
+    TestDevice& device() { return device_; }
+    const std::wstring& folder() const { return folder_; }
+
+private:
+    std::wstring folder_;
+    TestDevice device_;
+};
+
+}  // namespace tests
