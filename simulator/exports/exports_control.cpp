@@ -1,5 +1,6 @@
 // The simulator's own exports, for tests and tools that run inside one process with the program's code,
 // and what a call ends in that the simulator does not have.
+#include "simulator/files/mapping.h"
 #include "simulator/store/device.h"
 #include "simulator/system/handles.h"
 
@@ -10,13 +11,14 @@
 // Makes coredll.dll of this process run on the device in `folder` (a host path; empty for none).
 extern "C" void WINAPI SimAttachDevice(const wchar_t* folder) __asm__("_ce_SimAttachDevice");
 void WINAPI SimAttachDevice(const wchar_t* folder) {
+    sim::files::Mapping::UnmapAll();
     sim::handles::CloseAll();
     sim::Device::Attach(folder);
 }
 
-// How many handles of the simulator's own are open in this process.
+// How many handles of the simulator's own, views included, are open in this process.
 extern "C" int WINAPI SimOpenHandles() __asm__("_ce_SimOpenHandles");
-int WINAPI SimOpenHandles() { return sim::handles::OpenCount(); }
+int WINAPI SimOpenHandles() { return sim::handles::OpenCount() + sim::files::Mapping::ViewCount(); }
 
 extern "C" void __cdecl ce_not_there_yet(const char* name) {
     std::fprintf(stderr, "coredll: %s is not in the simulator\n", name);

@@ -1,0 +1,393 @@
+// Windows CE's view of files, folders and searches. Thin: rules and state are in simulator/files.
+#include <windows.h>
+
+#include "simulator/files/files.h"
+#include "simulator/files/open_file.h"
+#include "simulator/files/search.h"
+#include "simulator/files/space.h"
+#include "simulator/files/tree.h"
+#include "simulator/gate/gate.h"
+#include "simulator/system/handles.h"
+#include "simulator/system/last_error.h"
+
+namespace {
+
+using sim::Call;
+using sim::Device;
+using sim::Gated;
+using sim::LastError;
+using File = sim::files::OpenFile;
+using sim::files::Search;
+using sim::handles::Kind;
+
+FILETIME FileTimeOf(std::uint64_t count) {
+    return {static_cast<DWORD>(count), static_cast<DWORD>(count >> 32)};
+}
+
+std::uint64_t CountOf(const FILETIME* time) {
+    if (time == nullptr) {
+        return 0;
+    }
+    return (static_cast<std::uint64_t>(time->dwHighDateTime) << 32) | time->dwLowDateTime;
+}
+
+std::shared_ptr<File> FileOf(HANDLE handle) {
+    return sim::handles::Lookup<File>(Kind::kFile, handle);
+}
+
+// Calls `body` with the open file; the body answers a platform error code.
+template <typename Body>
+BOOL WithFile(HANDLE handle, Body&& body) {
+    LastError last_error;
+    const std::shared_ptr<File> file = FileOf(handle);
+    return last_error.Answer(file ? body(*file) : ERROR_INVALID_HANDLE);
+}
+
+// Runs a change of the tree that answers a platform error code.
+template <typename Body>
+BOOL Answered(Body&& body) {
+    LastError last_error;
+    return last_error.Answer(body());
+}
+
+HANDLE OpenHandle(const sim::files::OpenRequest& request) {
+    LastError last_error;
+    std::uint32_t error = 0;
+    bool existed = false;
+    std::shared_ptr<File> file = File::Open(Device::Current(), request, error, existed);
+    if (!last_error.Answer(error)) {
+        return INVALID_HANDLE_VALUE;
+    }
+    if (request.disposition == CREATE_ALWAYS || request.disposition == OPEN_ALWAYS) {
+        last_error.Set(existed ? ERROR_ALREADY_EXISTS : NO_ERROR);
+    }
+    return sim::handles::Register(Kind::kFile, std::move(file));
+}
+
+void Fill(WIN32_FIND_DATAW& data, const sim::files::FindEntry& entry) {
+    data = {};
+    data.dwFileAttributes = entry.info.attributes;
+    data.ftCreationTime = FileTimeOf(entry.info.times.created);
+    data.ftLastAccessTime = FileTimeOf(entry.info.times.accessed);
+    data.ftLastWriteTime = FileTimeOf(entry.info.times.modified);
+    data.nFileSizeLow = entry.info.size;
+    data.dwOID = entry.info.oid;
+    entry.name.copy(data.cFileName, MAX_PATH - 1);
+}
+
+void Fill(BY_HANDLE_FILE_INFORMATION& data, const sim::files::FileInfo& info) {
+    data = {};
+    data.dwFileAttributes = info.attributes;
+    data.ftCreationTime = FileTimeOf(info.times.created);
+    data.ftLastAccessTime = FileTimeOf(info.times.accessed);
+    data.ftLastWriteTime = FileTimeOf(info.times.modified);
+    data.dwVolumeSerialNumber = info.on_card ? 1 : 0;
+    data.nFileSizeLow = info.size;
+    data.nNumberOfLinks = 1;
+    data.nFileIndexLow = info.number;
+    data.dwOID = info.oid;
+}
+
+}  // namespace
+
+HANDLE WINAPI CreateFileW(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES,
+                          DWORD disposition, DWORD attributes, HANDLE) {
+    return Gated(
+        Call::CreateFileW, INVALID_HANDLE_VALUE,
+        [&] {
+            return OpenHandle({path, access, share, disposition, attributes, false});
+        },
+        path, access, share, disposition, attributes);
+}
+
+HANDLE WINAPI CreateFileForMappingW(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES,
+                                    DWORD disposition, DWORD attributes, HANDLE) {
+    return Gated(
+        Call::CreateFileForMappingW, INVALID_HANDLE_VALUE,
+        [&] {
+            return OpenHandle({path, access, share, disposition, attributes, true});
+        },
+        path, access, share, disposition, attributes);
+}
+
+BOOL WINAPI ReadFile(HANDLE handle, LPVOID buffer, DWORD bytes, LPDWORD got, LPOVERLAPPED) {
+    return Gated(
+        Call::ReadFile, FALSE,
+        [&] {
+            return WithFile(handle, [&](File& file) -> std::uint32_t {
+                std::uint32_t count = 0;
+                const std::uint32_t error = file.Read(buffer, bytes, count);
+                if (got != nullptr) {
+                    *got = count;
+                }
+                return error;
+            });
+        },
+        handle, bytes);
+}
+
+BOOL WINAPI WriteFile(HANDLE handle, LPCVOID buffer, DWORD bytes, LPDWORD put, LPOVERLAPPED) {
+    return Gated(
+        Call::WriteFile, FALSE,
+        [&] {
+            return WithFile(handle, [&](File& file) -> std::uint32_t {
+                std::uint32_t count = 0;
+                const std::uint32_t error = file.Write(buffer, bytes, count);
+                if (put != nullptr) {
+                    *put = count;
+                }
+                return error;
+            });
+        },
+        handle, bytes);
+}
+
+DWORD WINAPI SetFilePointer(HANDLE handle, LONG distance, PLONG distance_high, DWORD method) {
+    return Gated(
+        Call::SetFilePointer, INVALID_SET_FILE_POINTER,
+        [&] {
+            std::uint32_t position = INVALID_SET_FILE_POINTER;
+            WithFile(handle, [&](File& file) {
+                return file.Seek(distance, distance_high, method, position);
+            });
+            return static_cast<DWORD>(position);
+        },
+        handle, distance, method);
+}
+
+BOOL WINAPI SetEndOfFile(HANDLE handle) {
+    return Gated(
+        Call::SetEndOfFile, FALSE,
+        [&] { return WithFile(handle, [](File& file) { return file.SetEnd(); }); }, handle);
+}
+
+// Every write is on the device's medium at once; there is nothing left to flush.
+BOOL WINAPI FlushFileBuffers(HANDLE handle) {
+    return Gated(
+        Call::FlushFileBuffers, FALSE,
+        [&] {
+            return WithFile(handle, [](File& file) -> std::uint32_t {
+                return file.writes() ? NO_ERROR : ERROR_ACCESS_DENIED;
+            });
+        },
+        handle);
+}
+
+DWORD WINAPI GetFileSize(HANDLE handle, LPDWORD size_high) {
+    return Gated(
+        Call::GetFileSize, INVALID_FILE_SIZE,
+        [&] {
+            std::uint32_t size = INVALID_FILE_SIZE;
+            const BOOL known = WithFile(handle, [&](File& file) { return file.Size(size); });
+            if (known && size_high != nullptr) {
+                *size_high = 0;
+            }
+            return static_cast<DWORD>(size);
+        },
+        handle);
+}
+
+BOOL WINAPI GetFileTime(HANDLE handle, LPFILETIME created, LPFILETIME accessed,
+                        LPFILETIME modified) {
+    return Gated(
+        Call::GetFileTime, FALSE,
+        [&] {
+            return WithFile(handle, [&](File& file) -> std::uint32_t {
+                const sim::files::Times times = file.GetTimes();
+                if (created != nullptr) {
+                    *created = FileTimeOf(times.created);
+                }
+                if (accessed != nullptr) {
+                    *accessed = FileTimeOf(times.accessed);
+                }
+                if (modified != nullptr) {
+                    *modified = FileTimeOf(times.modified);
+                }
+                return NO_ERROR;
+            });
+        },
+        handle);
+}
+
+BOOL WINAPI SetFileTime(HANDLE handle, const FILETIME* created, const FILETIME* accessed,
+                        const FILETIME* modified) {
+    return Gated(
+        Call::SetFileTime, FALSE,
+        [&] {
+            return WithFile(handle, [&](File& file) {
+                return file.SetTimes({CountOf(created), CountOf(accessed), CountOf(modified)});
+            });
+        },
+        handle);
+}
+
+BOOL WINAPI GetFileInformationByHandle(HANDLE handle, LPBY_HANDLE_FILE_INFORMATION data) {
+    return Gated(
+        Call::GetFileInformationByHandle, FALSE,
+        [&] {
+            return WithFile(handle, [&](File& file) {
+                sim::files::FileInfo info;
+                const std::uint32_t error = file.Info(info);
+                if (error == 0) {
+                    Fill(*data, info);
+                }
+                return error;
+            });
+        },
+        handle);
+}
+
+BOOL WINAPI CloseHandle(HANDLE handle) {
+    return Gated(
+        Call::CloseHandle, FALSE,
+        [&]() -> BOOL { return sim::handles::CloseAnyKind(handle) ? TRUE : FALSE; }, handle);
+}
+
+HANDLE WINAPI FindFirstFileW(LPCWSTR pattern, LPWIN32_FIND_DATAW data) {
+    return Gated(
+        Call::FindFirstFileW, INVALID_HANDLE_VALUE,
+        [&]() -> HANDLE {
+            LastError last_error;
+            std::uint32_t error = 0;
+            sim::files::FindEntry entry;
+            auto search = Search::Begin(Device::Current(), pattern, entry, error);
+            if (!last_error.Answer(error)) {
+                return INVALID_HANDLE_VALUE;
+            }
+            Fill(*data, entry);
+            return sim::handles::Register(Kind::kFind, std::move(search));
+        },
+        pattern);
+}
+
+BOOL WINAPI FindNextFileW(HANDLE handle, LPWIN32_FIND_DATAW data) {
+    return Gated(
+        Call::FindNextFileW, FALSE,
+        [&]() -> BOOL {
+            LastError last_error;
+            const auto search = sim::handles::Lookup<Search>(Kind::kFind, handle);
+            if (!search) {
+                return last_error.Answer(ERROR_INVALID_HANDLE);
+            }
+            sim::files::FindEntry entry;
+            if (!search->Next(entry)) {
+                return last_error.Answer(ERROR_NO_MORE_FILES);
+            }
+            Fill(*data, entry);
+            return TRUE;
+        },
+        handle);
+}
+
+BOOL WINAPI FindClose(HANDLE handle) {
+    return Gated(
+        Call::FindClose, FALSE,
+        [&]() -> BOOL {
+            LastError last_error;
+            const bool closed = sim::handles::Close(Kind::kFind, handle);
+            return last_error.Answer(closed ? NO_ERROR : ERROR_INVALID_HANDLE);
+        },
+        handle);
+}
+
+DWORD WINAPI GetFileAttributesW(LPCWSTR path) {
+    return Gated(
+        Call::GetFileAttributesW, INVALID_FILE_ATTRIBUTES,
+        [&] {
+            std::uint32_t attributes = INVALID_FILE_ATTRIBUTES;
+            Answered(
+                [&] { return sim::files::GetAttributes(Device::Current(), path, attributes); });
+            return static_cast<DWORD>(attributes);
+        },
+        path);
+}
+
+BOOL WINAPI SetFileAttributesW(LPCWSTR path, DWORD attributes) {
+    return Gated(
+        Call::SetFileAttributesW, FALSE,
+        [&] {
+            return Answered(
+                [&] { return sim::files::SetAttributes(Device::Current(), path, attributes); });
+        },
+        path, attributes);
+}
+
+BOOL WINAPI DeleteFileW(LPCWSTR path) {
+    return Gated(
+        Call::DeleteFileW, FALSE,
+        [&] { return Answered([&] { return sim::files::DeleteOne(Device::Current(), path); }); },
+        path);
+}
+
+BOOL WINAPI MoveFileW(LPCWSTR from, LPCWSTR to) {
+    return Gated(
+        Call::MoveFileW, FALSE,
+        [&] { return Answered([&] { return sim::files::MoveOne(Device::Current(), from, to); }); },
+        from, to);
+}
+
+BOOL WINAPI CopyFileW(LPCWSTR from, LPCWSTR to, BOOL fail_if_exists) {
+    return Gated(
+        Call::CopyFileW, FALSE,
+        [&] {
+            return Answered([&] {
+                return sim::files::CopyOne(Device::Current(), from, to, fail_if_exists != FALSE);
+            });
+        },
+        from, to, fail_if_exists);
+}
+
+BOOL WINAPI CreateDirectoryW(LPCWSTR path, LPSECURITY_ATTRIBUTES) {
+    return Gated(
+        Call::CreateDirectoryW, FALSE,
+        [&] { return Answered([&] { return sim::files::CreateFolder(Device::Current(), path); }); },
+        path);
+}
+
+BOOL WINAPI RemoveDirectoryW(LPCWSTR path) {
+    return Gated(
+        Call::RemoveDirectoryW, FALSE,
+        [&] { return Answered([&] { return sim::files::RemoveFolder(Device::Current(), path); }); },
+        path);
+}
+
+BOOL WINAPI GetDiskFreeSpaceExW(LPCWSTR path, PULARGE_INTEGER free_to_caller, PULARGE_INTEGER total,
+                                PULARGE_INTEGER free) {
+    return Gated(
+        Call::GetDiskFreeSpaceExW, FALSE,
+        [&] {
+            return Answered([&] {
+                bool card = false;
+                const std::uint32_t error = sim::files::VolumeOf(Device::Current(), path, card);
+                if (error != 0) {
+                    return error;
+                }
+                const sim::files::Space space = sim::files::SpaceOf(Device::Current(), card);
+                if (free_to_caller != nullptr) {
+                    free_to_caller->QuadPart = space.free;
+                }
+                if (total != nullptr) {
+                    total->QuadPart = space.size;
+                }
+                if (free != nullptr) {
+                    free->QuadPart = space.free;
+                }
+                return error;
+            });
+        },
+        path);
+}
+
+BOOL WINAPI GetStoreInformation(LPSTORE_INFORMATION information) {
+    return Gated(Call::GetStoreInformation, FALSE, [&] {
+        return Answered([&]() -> std::uint32_t {
+            if (information == nullptr) {
+                return ERROR_INVALID_PARAMETER;
+            }
+            const sim::files::Space space = sim::files::SpaceOf(Device::Current(), false);
+            information->dwStoreSize = space.size;
+            information->dwFreeSize = space.free;
+            return NO_ERROR;
+        });
+    });
+}
