@@ -127,10 +127,6 @@ std::shared_ptr<OpenFile> OpenExisting(FileTable& table, Node node, const OpenRe
 
 std::shared_ptr<OpenFile> OpenNew(FileTable& table, const Found& found, const OpenRequest& request,
                                   std::uint32_t& error) {
-    if (!Creates(request)) {
-        error = ERROR_FILE_NOT_FOUND;
-        return nullptr;
-    }
     const Node node = table.Add(found.parent, found.name, NewAttributes(request));
     HANDLE host = OpenHost(table, node, request);
     if (host == INVALID_HANDLE_VALUE) {
@@ -167,6 +163,7 @@ std::shared_ptr<OpenFile> OpenFile::Open(Device& device, const OpenRequest& requ
     }
     LogStore::Change change(table.store());
     found = table.Find(path);  // once more, now that nobody else can create it
+    error = 0;
     existed = found.error == 0;
     return existed ? OpenExisting(table, found.node, request, error)
                    : OpenNew(table, found, request, error);

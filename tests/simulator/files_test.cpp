@@ -11,7 +11,7 @@ class FilesTest : public tests::DeviceTest {};
 
 TEST_F(FilesTest, AWrittenFileReadsBack) {
     HANDLE file = ::CreateFileW(L"\\a.txt", GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr);
-    ASSERT_NE(INVALID_HANDLE_VALUE, file);
+    ASSERT_NE(INVALID_HANDLE_VALUE, file) << ::GetLastError();
     DWORD count = 0;
     EXPECT_TRUE(::WriteFile(file, "hello", 5, &count, nullptr));
     EXPECT_EQ(5u, count);
