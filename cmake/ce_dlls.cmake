@@ -50,16 +50,23 @@ function(ce_names_header file)
 #ifdef CE_DEFINES_EXPORTS\n${definitions}#else\n${calls}#endif\n")
 endfunction()
 
-# Each listed name is, in this order: defined in one of the target's exports_*.cpp sources; forwarded to
-# a DLL of the host, as a row "NAME DLL" of the forwards file says; or a stub that ends the process with
-# a message, so that nothing unfinished passes silently.
+# Each listed name is, in this order: defined in one of the target's exports_*.cpp sources; the function
+# of a DLL of the host, as a row of the forwards file says: behind the gate (NAME DLL FAILURE, where - is
+# a call that cannot fail) or as a plain forwarder (NAME DLL); or a stub that ends the process with a
+# message, so that nothing unfinished passes silently. Gated ones are templates over the host function's
+# own type (simulator/gate/forward.h), made in the file TARGET_gated.cpp; a one-instruction stub of the
+# export's name jumps there.
 function(ce_simulator_exports target dll forwards)
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${forwards})
-  file(STRINGS ${forwards} rows REGEX "^[A-Za-z_][A-Za-z0-9_]* [a-z0-9]+$")
+  file(STRINGS ${forwards} rows REGEX "^[A-Za-z_][A-Za-z0-9_]* [a-z0-9]+( [-0-9]+)?$")
   foreach(row IN LISTS rows)
     string(REPLACE " " ";" row "${row}")
     list(GET row 0 n)
     list(GET row 1 to_${n})
+    list(LENGTH row columns)
+    if(columns EQUAL 3)
+      list(GET row 2 failure_${n})
+    endif()
   endforeach()
   get_target_property(sources ${target} SOURCES)
   foreach(source IN LISTS sources)
@@ -74,11 +81,20 @@ function(ce_simulator_exports target dll forwards)
   endforeach()
   set(def "LIBRARY ${dll}\nEXPORTS\n")
   set(stubs "")
+  set(gated "")
   foreach(list IN LISTS ARGN)
     ce_read_list(names ${list})
     foreach(n IN LISTS names)
       if(defined_${n})
         string(APPEND def "${n} = ce_${n}\n")
+      elseif(DEFINED failure_${n})
+        string(APPEND def "${n} = ce_${n}\n")
+        string(APPEND stubs "    .globl _ce_${n}\n_ce_${n}: jmp *_ce_forward_${n}\n")
+        if(failure_${n} STREQUAL "-")
+          string(APPEND gated "CE_FORWARD(${n}, 0, false)\n")
+        else()
+          string(APPEND gated "CE_FORWARD(${n}, ${failure_${n}}, true)\n")
+        endif()
       elseif(DEFINED to_${n})
         string(APPEND def "${n} = ${to_${n}}.${n}\n")
       else()
@@ -91,6 +107,17 @@ function(ce_simulator_exports target dll forwards)
   file(CONFIGURE OUTPUT ${CMAKE_CURRENT_BINARY_DIR}/${target}_stubs.S CONTENT "    .text\n${stubs}" @ONLY)
   target_sources(${target} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${target}_exports.def
                                    ${CMAKE_CURRENT_BINARY_DIR}/${target}_stubs.S)
+  if(gated)
+    set(gated_file ${CMAKE_CURRENT_BINARY_DIR}/${target}_gated.cpp)
+    file(CONFIGURE OUTPUT ${gated_file} CONTENT "// Made from ${forwards}.
+#include \"simulator/gate/forward.h\"
+#include <commctrl.h>
+${gated}")
+    # The desktop's view; without its dllimport marks a function's address is a constant.
+    set_source_files_properties(${gated_file} PROPERTIES COMPILE_DEFINITIONS
+      "UNICODE;_UNICODE;NOMINMAX;_WIN32_WINNT=0x0601;_KERNEL32_;_USER32_;_GDI32_;_ADVAPI32_;_COMCTL32_;WINBASEAPI=")
+    target_sources(${target} PRIVATE ${gated_file})
+  endif()
   get_filename_component(stem ${dll} NAME_WE)
   set_target_properties(${target} PROPERTIES PREFIX "" OUTPUT_NAME ${stem} SUFFIX .dll)
 endfunction()
