@@ -20,7 +20,7 @@ std::string Describe(const T& value) {
 }
 template <typename T>
 std::string Describe(T* pointer) {
-    return Describe(static_cast<const void*>(pointer));
+    return Describe(reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(pointer)));
 }
 inline std::string Describe(wchar_t* text) { return Describe(static_cast<const wchar_t*>(text)); }
 
