@@ -1,0 +1,81 @@
+#include "simulator/store/names.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace sim {
+namespace {
+
+bool IsAscii(std::u16string_view name) {
+    return std::all_of(name.begin(), name.end(), [](char16_t unit) { return unit < 0x80; });
+}
+
+std::uint64_t Mix(std::uint64_t seed, std::u16string_view key) {
+    std::uint64_t hash = 0xCBF29CE484222325u ^ (seed * 0x9E3779B97F4A7C15u);
+    for (const char16_t unit : key) {
+        hash = (hash ^ unit) * 0x100000001B3u;
+        hash ^= hash >> 29;
+    }
+    return hash;
+}
+
+std::string Multibyte(std::wstring_view text) {
+    const int units = static_cast<int>(text.size());
+    const int size =
+        ::WideCharToMultiByte(CP_UTF8, 0, text.data(), units, nullptr, 0, nullptr, nullptr);
+    std::string bytes(static_cast<std::size_t>(size), '\0');
+    ::WideCharToMultiByte(CP_UTF8, 0, text.data(), units, &bytes[0], size, nullptr, nullptr);
+    return bytes;
+}
+
+}  // namespace
+
+std::u16string FoldName(std::u16string_view name) {
+    std::u16string folded(name);
+    if (IsAscii(name)) {
+        for (char16_t& unit : folded) {
+            if (unit >= u'a' && unit <= u'z') { unit = static_cast<char16_t>(unit - 0x20); }
+        }
+        return folded;
+    }
+    const std::wstring wide(name.begin(), name.end());
+    std::wstring upper(wide);
+    const int units = static_cast<int>(wide.size());
+    ::LCMapStringW(LOCALE_INVARIANT, LCMAP_UPPERCASE, wide.data(), units, &upper[0], units);
+    return std::u16string(upper.begin(), upper.end());
+}
+
+std::u16string StoredText(const wchar_t* text) {
+    if (text == nullptr) { return {}; }
+    const std::wstring_view view(text);
+    return std::u16string(view.begin(), view.end());
+}
+
+std::u16string FromUtf8(std::string_view text) {
+    const int bytes = static_cast<int>(text.size());
+    const int size = ::MultiByteToWideChar(CP_UTF8, 0, text.data(), bytes, nullptr, 0);
+    std::wstring wide(static_cast<std::size_t>(size), L'\0');
+    ::MultiByteToWideChar(CP_UTF8, 0, text.data(), bytes, &wide[0], size);
+    return std::u16string(wide.begin(), wide.end());
+}
+
+std::string ToUtf8(std::u16string_view text) {
+    return Multibyte(std::wstring(text.begin(), text.end()));
+}
+
+void Arrange(std::vector<Enumerated>& items, const std::string& order) {
+    const auto by_sequence = [](const Enumerated& a, const Enumerated& b) {
+        return a.sequence < b.sequence;
+    };
+    std::sort(items.begin(), items.end(), by_sequence);
+    if (order == "reversed") { std::reverse(items.begin(), items.end()); }
+    if (order.rfind("shuffled:", 0) != 0) { return; }
+    const std::uint64_t seed = std::strtoull(order.c_str() + 9, nullptr, 10);
+    std::stable_sort(items.begin(), items.end(), [seed](const Enumerated& a, const Enumerated& b) {
+        return Mix(seed, a.key) < Mix(seed, b.key);
+    });
+}
+
+}  // namespace sim

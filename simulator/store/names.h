@@ -1,0 +1,31 @@
+// What the areas with named things share: how names are compared, and in which order things are
+// enumerated.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace sim {
+
+// The form under which a name is compared; one unit for one unit.
+std::u16string FoldName(std::u16string_view name);
+
+// Platform text and stored text hold the same 16-bit units. A null pointer is the empty text.
+std::u16string StoredText(const wchar_t* text);
+
+std::u16string FromUtf8(std::string_view text);
+std::string ToUtf8(std::u16string_view text);
+
+// Something to be enumerated: `sequence` tells when it came, `key` stays the same while it lives.
+struct Enumerated {
+    std::uint32_t sequence = 0;
+    std::u16string key;
+};
+
+// Puts the items into the order of the device setting "order": "stored" as they came, "reversed", or
+// "shuffled:<seed>". What is left after an item is gone keeps its order.
+void Arrange(std::vector<Enumerated>& items, const std::string& order);
+
+}  // namespace sim
