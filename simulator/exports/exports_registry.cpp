@@ -1,13 +1,12 @@
-// Windows CE's view of the registry: handles, buffers and sizes over `sim::registry`. Sizes of names are
-// in characters, without the terminator where they come out; access rights do not exist.
+// Windows CE's view of the registry: handles, buffers and sizes over `sim::registry`. Sizes of
+// names are in characters, without the terminator where they come out; access rights do not exist.
+#include <algorithm>
+#include <cstring>
 #include <windows.h>
 
 #include "simulator/gate/gate.h"
 #include "simulator/registry/open_keys.h"
 #include "simulator/system/last_error.h"
-
-#include <algorithm>
-#include <cstring>
 
 namespace {
 
@@ -28,21 +27,29 @@ LONG OnKey(Call call, HKEY hkey, Body&& body, const Arguments&... arguments) {
         [&]() -> long {
             sim::LastError keep;
             const KeyHandle key = sim::registry::KeyOfHandle(hkey);
-            if (!key) { return ERROR_INVALID_HANDLE; }
+            if (!key) {
+                return ERROR_INVALID_HANDLE;
+            }
             Registry registry = CurrentRegistry();
-            if (!registry.Exists(key->id())) { return ERROR_KEY_DELETED; }
+            if (!registry.Exists(key->id())) {
+                return ERROR_KEY_DELETED;
+            }
             return body(registry, *key);
         },
         hkey, arguments...);
 }
 
 void PutNumber(LPDWORD out, std::size_t number) {
-    if (out != nullptr) { *out = static_cast<DWORD>(number); }
+    if (out != nullptr) {
+        *out = static_cast<DWORD>(number);
+    }
 }
 
 // Whether `text` and its terminator fit; then it is written and its length told.
 bool PutText(const std::u16string& text, LPWSTR buffer, LPDWORD units) {
-    if (text.size() >= *units) { return false; }
+    if (text.size() >= *units) {
+        return false;
+    }
     std::copy(text.begin(), text.end(), buffer);
     buffer[text.size()] = L'\0';
     *units = static_cast<DWORD>(text.size());
@@ -53,18 +60,26 @@ bool PutText(const std::u16string& text, LPWSTR buffer, LPDWORD units) {
 LONG PutData(const std::string& data, LPBYTE buffer, LPDWORD size) {
     const bool fits = size == nullptr || buffer == nullptr || data.size() <= *size;
     PutNumber(size, data.size());
-    if (!fits) { return ERROR_MORE_DATA; }
-    if (buffer != nullptr) { std::memcpy(buffer, data.data(), data.size()); }
+    if (!fits) {
+        return ERROR_MORE_DATA;
+    }
+    if (buffer != nullptr) {
+        std::memcpy(buffer, data.data(), data.size());
+    }
     return ERROR_SUCCESS;
 }
 
 LONG OpenKeyBelow(Registry& registry, const OpenKey& key, LPCWSTR subkey, PHKEY result) {
     KeyId place;
-    if (result == nullptr) { return ERROR_INVALID_PARAMETER; }
+    if (result == nullptr) {
+        return ERROR_INVALID_PARAMETER;
+    }
     if (const long error = registry.Place(key.id(), sim::StoredText(subkey), place)) {
         return error;
     }
-    if (!registry.Exists(place)) { return ERROR_FILE_NOT_FOUND; }
+    if (!registry.Exists(place)) {
+        return ERROR_FILE_NOT_FOUND;
+    }
     *result = static_cast<HKEY>(sim::registry::OpenHandle(place));
     return ERROR_SUCCESS;
 }
@@ -74,9 +89,15 @@ LONG DeleteKeyBelow(Registry& registry, const OpenKey& key, LPCWSTR subkey) {
     if (const long error = registry.Place(key.id(), sim::StoredText(subkey), place)) {
         return error;
     }
-    if (place == key.id()) { return ERROR_INVALID_PARAMETER; }
-    if (!registry.Exists(place)) { return ERROR_FILE_NOT_FOUND; }
-    if (sim::registry::IsOpen(place)) { return ERROR_ACCESS_DENIED; }
+    if (place == key.id()) {
+        return ERROR_INVALID_PARAMETER;
+    }
+    if (!registry.Exists(place)) {
+        return ERROR_FILE_NOT_FOUND;
+    }
+    if (sim::registry::IsOpen(place)) {
+        return ERROR_ACCESS_DENIED;
+    }
     registry.Delete(place);
     return ERROR_SUCCESS;
 }
@@ -88,9 +109,13 @@ LONG EnumKey(const Registry& registry, OpenKey& key, DWORD index, LPWSTR name, L
         return ERROR_INVALID_PARAMETER;
     }
     const std::vector<KeyId>& subkeys = key.Subkeys(registry);
-    if (index >= subkeys.size()) { return ERROR_NO_MORE_ITEMS; }
+    if (index >= subkeys.size()) {
+        return ERROR_NO_MORE_ITEMS;
+    }
     const sim::registry::KeyNames names = registry.NamesOf(subkeys[index]);
-    if (!PutText(names.name, name, name_units)) { return ERROR_MORE_DATA; }
+    if (!PutText(names.name, name, name_units)) {
+        return ERROR_MORE_DATA;
+    }
     if (class_name != nullptr && !PutText(names.class_name, class_name, class_units)) {
         return ERROR_MORE_DATA;
     }
@@ -103,10 +128,16 @@ LONG EnumValue(const Registry& registry, OpenKey& key, DWORD index, LPWSTR name,
         return ERROR_INVALID_PARAMETER;
     }
     const std::vector<std::u16string>& values = key.Values(registry);
-    if (index >= values.size()) { return ERROR_NO_MORE_ITEMS; }
+    if (index >= values.size()) {
+        return ERROR_NO_MORE_ITEMS;
+    }
     const std::optional<Value> value = registry.Find(key.id(), values[index]);
-    if (!value) { return ERROR_NO_MORE_ITEMS; }
-    if (!PutText(value->name, name, name_units)) { return ERROR_MORE_DATA; }
+    if (!value) {
+        return ERROR_NO_MORE_ITEMS;
+    }
+    if (!PutText(value->name, name, name_units)) {
+        return ERROR_MORE_DATA;
+    }
     PutNumber(type, value->type);
     return PutData(value->data, data, size);
 }
@@ -130,7 +161,9 @@ KeyFigures FiguresOf(const Registry& registry, OpenKey& key) {
     }
     for (const std::u16string& name : key.Values(registry)) {
         const std::optional<Value> value = registry.Find(key.id(), name);
-        if (!value) { continue; }
+        if (!value) {
+            continue;
+        }
         ++figures.values;
         figures.longest_value_name = std::max(figures.longest_value_name, value->name.size());
         figures.longest_data = std::max(figures.longest_data, value->data.size());
@@ -167,8 +200,8 @@ LONG WINAPI RegCreateKeyExW(HKEY hkey, LPCWSTR subkey, DWORD, LPWSTR class_name,
             }
             KeyId place;
             bool created = false;
-            if (const long error = registry.Create(key.id(), sim::StoredText(subkey),
-                                                   name_of_class, place, created)) {
+            if (const long error = registry.Create(key.id(), sim::StoredText(subkey), name_of_class,
+                                                   place, created)) {
                 return error;
             }
             *result = static_cast<HKEY>(sim::registry::OpenHandle(place));
@@ -192,9 +225,13 @@ LONG WINAPI RegQueryValueExW(HKEY hkey, LPCWSTR name, LPDWORD, LPDWORD type, LPB
     return OnKey(
         Call::RegQueryValueExW, hkey,
         [&](Registry& registry, OpenKey& key) -> long {
-            if (data != nullptr && size == nullptr) { return ERROR_INVALID_PARAMETER; }
+            if (data != nullptr && size == nullptr) {
+                return ERROR_INVALID_PARAMETER;
+            }
             const std::optional<Value> value = registry.Find(key.id(), sim::StoredText(name));
-            if (!value) { return ERROR_FILE_NOT_FOUND; }
+            if (!value) {
+                return ERROR_FILE_NOT_FOUND;
+            }
             PutNumber(type, value->type);
             return PutData(value->data, data, size);
         },
@@ -211,7 +248,9 @@ LONG WINAPI RegSetValueExW(HKEY hkey, LPCWSTR name, DWORD, DWORD type, const BYT
                 (data == nullptr && size != 0)) {
                 return ERROR_INVALID_PARAMETER;
             }
-            if (size != 0) { value.data.assign(reinterpret_cast<const char*>(data), size); }
+            if (size != 0) {
+                value.data.assign(reinterpret_cast<const char*>(data), size);
+            }
             registry.Set(key.id(), value);
             return ERROR_SUCCESS;
         },
@@ -268,11 +307,16 @@ LONG WINAPI RegQueryInfoKeyW(HKEY hkey, LPWSTR class_name, LPDWORD class_units, 
         PutNumber(longest_value_name, figures.longest_value_name);
         PutNumber(longest_data, figures.longest_data);
         PutNumber(security_size, 0);
-        if (last_write != nullptr) { *last_write = FILETIME{}; }
-        if (class_name == nullptr) { return ERROR_SUCCESS; }
-        if (class_units == nullptr) { return ERROR_INVALID_PARAMETER; }
-        const bool fits =
-            PutText(registry.NamesOf(key.id()).class_name, class_name, class_units);
+        if (last_write != nullptr) {
+            *last_write = FILETIME{};
+        }
+        if (class_name == nullptr) {
+            return ERROR_SUCCESS;
+        }
+        if (class_units == nullptr) {
+            return ERROR_INVALID_PARAMETER;
+        }
+        const bool fits = PutText(registry.NamesOf(key.id()).class_name, class_name, class_units);
         return fits ? ERROR_SUCCESS : ERROR_MORE_DATA;
     });
 }

@@ -1,9 +1,9 @@
 #include "simulator/registry/open_keys.h"
 
-#include "simulator/system/handles.h"
-
 #include <map>
 #include <mutex>
+
+#include "simulator/system/handles.h"
 
 namespace sim::registry {
 namespace {
@@ -28,7 +28,9 @@ OpenKey::OpenKey(KeyId id) : id_(std::move(id)) {
 OpenKey::~OpenKey() {
     std::lock_guard guard(mutex);
     const auto count = open_counts.find(id_);
-    if (--count->second == 0) { open_counts.erase(count); }
+    if (--count->second == 0) {
+        open_counts.erase(count);
+    }
 }
 
 // Whether the listing still holds; when it does not, it is marked as about to be made.
@@ -46,13 +48,17 @@ bool OpenKey::Fits(Listing& listing, const Registry& registry) {
 
 const std::vector<KeyId>& OpenKey::Subkeys(const Registry& registry) {
     LogStore::View view(registry.device().store());
-    if (!Fits(subkeys_, registry)) { subkeys_.items = registry.Subkeys(id_); }
+    if (!Fits(subkeys_, registry)) {
+        subkeys_.items = registry.Subkeys(id_);
+    }
     return subkeys_.items;
 }
 
 const std::vector<std::u16string>& OpenKey::Values(const Registry& registry) {
     LogStore::View view(registry.device().store());
-    if (!Fits(values_, registry)) { values_.items = registry.Values(id_); }
+    if (!Fits(values_, registry)) {
+        values_.items = registry.Values(id_);
+    }
     return values_.items;
 }
 
@@ -75,11 +81,17 @@ bool CloseKeyHandle(const void* handle) {
 bool IsOpen(const KeyId& key) {
     std::lock_guard guard(mutex);
     const auto at = open_counts.lower_bound(key);
-    if (at == open_counts.end()) { return false; }
-    if (at->first == key) { return true; }
-    for (auto below = at; below != open_counts.end() && below->first.compare(0, key.size(), key) == 0;
-         ++below) {
-        if (IsAtOrBelow(below->first, key)) { return true; }
+    if (at == open_counts.end()) {
+        return false;
+    }
+    if (at->first == key) {
+        return true;
+    }
+    for (auto below = at;
+         below != open_counts.end() && below->first.compare(0, key.size(), key) == 0; ++below) {
+        if (IsAtOrBelow(below->first, key)) {
+            return true;
+        }
     }
     return false;
 }

@@ -1,10 +1,10 @@
-// Open registry keys of this process: what a key's handle stands for, and which keys may not be deleted
-// because they are open.
+// Open registry keys of this process: what a key's handle stands for, and which keys may not be
+// deleted because they are open.
 #pragma once
 
-#include "simulator/registry/registry.h"
-
 #include <memory>
+
+#include "simulator/registry/registry.h"
 
 namespace sim::registry {
 

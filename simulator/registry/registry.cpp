@@ -77,12 +77,18 @@ bool IsKeyName(std::u16string_view name) {
 // The names of a key path; one trailing backslash is taken as none. Empty path: no names.
 std::vector<std::u16string_view> Split(std::u16string_view path) {
     std::vector<std::u16string_view> names;
-    if (!path.empty() && path.back() == u'\\') { path.remove_suffix(1); }
-    if (path.empty()) { return names; }
+    if (!path.empty() && path.back() == u'\\') {
+        path.remove_suffix(1);
+    }
+    if (path.empty()) {
+        return names;
+    }
     for (;;) {
         const std::size_t end = path.find(u'\\');
         names.push_back(path.substr(0, end));
-        if (end == std::u16string_view::npos) { return names; }
+        if (end == std::u16string_view::npos) {
+            return names;
+        }
         path.remove_prefix(end + 1);
     }
 }
@@ -103,14 +109,18 @@ void EraseRange(LogStore::Change& change, const std::u16string& prefix) {
          at != change.map().end() && StartsWith(at->first, prefix); ++at) {
         gone.push_back(at->first);
     }
-    for (const std::u16string& key : gone) { change.Erase(key); }
+    for (const std::u16string& key : gone) {
+        change.Erase(key);
+    }
 }
 
 std::vector<std::u16string> Arranged(const Device& device, std::vector<Enumerated>& items) {
     Arrange(items, device.Setting("order", "stored"));
     std::vector<std::u16string> keys;
     keys.reserve(items.size());
-    for (Enumerated& item : items) { keys.push_back(std::move(item.key)); }
+    for (Enumerated& item : items) {
+        keys.push_back(std::move(item.key));
+    }
     return keys;
 }
 
@@ -143,28 +153,38 @@ bool IsAtOrBelow(const KeyId& key, const KeyId& ancestor) {
 Error Registry::Place(const KeyId& key, std::u16string_view subkey, KeyId& place) const {
     const std::vector<std::u16string_view> names = Split(subkey);
     place = key;
-    for (const std::u16string_view name : names) { place += kLevel + FoldName(name); }
+    for (const std::u16string_view name : names) {
+        place += kLevel + FoldName(name);
+    }
     return Check(key, names);
 }
 
 bool Registry::Exists(const KeyId& key) const {
-    if (LevelsOf(key) == 0) { return true; }
+    if (LevelsOf(key) == 0) {
+        return true;
+    }
     LogStore::View view(device_.store());
     return view.Find(KeyEntry(key)) != nullptr;
 }
 
-Error Registry::Create(const KeyId& key, std::u16string_view subkey,
-                       std::u16string_view class_name, KeyId& place, bool& created) {
+Error Registry::Create(const KeyId& key, std::u16string_view subkey, std::u16string_view class_name,
+                       KeyId& place, bool& created) {
     const std::vector<std::u16string_view> names = Split(subkey);
     created = false;
-    if (const Error error = Check(key, names)) { return error; }
+    if (const Error error = Check(key, names)) {
+        return error;
+    }
     LogStore::Change change(device_.store());
-    if (!Exists(key)) { return kNotFound; }
+    if (!Exists(key)) {
+        return kNotFound;
+    }
     place = key;
     for (const std::u16string_view name : names) {
         place += kLevel + FoldName(name);
         created = change.Find(KeyEntry(place)) == nullptr;
-        if (!created) { continue; }
+        if (!created) {
+            continue;
+        }
         std::string entry;
         PutNumber(entry, NextSequence());
         PutText(entry, name);
@@ -176,7 +196,9 @@ Error Registry::Create(const KeyId& key, std::u16string_view subkey,
 
 bool Registry::Delete(const KeyId& key) {
     LogStore::Change change(device_.store());
-    if (change.Find(KeyEntry(key)) == nullptr) { return false; }
+    if (change.Find(KeyEntry(key)) == nullptr) {
+        return false;
+    }
     change.Erase(KeyEntry(key));
     EraseRange(change, KeyEntry(key) + kLevel);
     EraseRange(change, ValuesOf(key));
@@ -189,7 +211,9 @@ KeyNames Registry::NamesOf(const KeyId& key) const {
     LogStore::View view(device_.store());
     const std::string* entry = view.Find(KeyEntry(key));
     KeyNames names;
-    if (entry == nullptr) { return names; }
+    if (entry == nullptr) {
+        return names;
+    }
     Reader reader(*entry);
     reader.Number();
     names.name = reader.Text();
@@ -211,7 +235,9 @@ std::u16string Registry::PathOf(const KeyId& key, bool short_root) const {
 std::optional<Value> Registry::Find(const KeyId& key, std::u16string_view name) const {
     LogStore::View view(device_.store());
     const std::string* entry = view.Find(ValueEntry(key, name));
-    if (entry == nullptr) { return std::nullopt; }
+    if (entry == nullptr) {
+        return std::nullopt;
+    }
     Reader reader(*entry);
     reader.Number();
     Value value;
@@ -237,7 +263,9 @@ void Registry::Set(const KeyId& key, const Value& value) {
 bool Registry::DeleteValue(const KeyId& key, std::u16string_view name) {
     LogStore::Change change(device_.store());
     const std::u16string place = ValueEntry(key, name);
-    if (change.Find(place) == nullptr) { return false; }
+    if (change.Find(place) == nullptr) {
+        return false;
+    }
     change.Erase(place);
     NextSequence();
     return true;

@@ -1,19 +1,19 @@
-// The device's registry: four roots with keys and values, case-insensitive and case-preserving. Kept in
-// the device's log, never in the host's registry:
+// The device's registry: four roots with keys and values, case-insensitive and case-preserving.
+// Kept in the device's log, never in the host's registry:
 //   r/k/<key>                     a key: sequence, name, class
 //   r/v/<key> U+0002 <name>       a value: sequence, type, name, data
 //   r/gen                         counts every key and value that came or went
 // where <key> is the root's digit, then U+0001 and the folded name for each level.
 #pragma once
 
-#include "simulator/store/device.h"
-#include "simulator/store/names.h"
-
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "simulator/store/device.h"
+#include "simulator/store/names.h"
 
 namespace sim::registry {
 
@@ -42,7 +42,8 @@ constexpr std::size_t kMaxNameUnits = 255;
 constexpr std::size_t kMaxLevels = 16;
 constexpr std::uint32_t kRootCount = 4;
 
-// A key's place in the log, the same for every spelling of its name. The root's digit alone is a root.
+// A key's place in the log, the same for every spelling of its name. The root's digit alone is a
+// root.
 using KeyId = std::u16string;
 
 KeyId RootId(std::uint32_t root);
@@ -84,8 +85,8 @@ public:
     void Set(const KeyId& key, const Value& value);
     bool DeleteValue(const KeyId& key, std::u16string_view name);
 
-    // What a key holds, in the order that the device's setting "order" tells. The keys of `Values` are
-    // the folded names. Whoever keeps the result compares `Generation` before using it again.
+    // What a key holds, in the order that the device's setting "order" tells. The keys of `Values`
+    // are the folded names. Whoever keeps the result compares `Generation` before using it again.
     std::vector<KeyId> Subkeys(const KeyId& key) const;
     std::vector<std::u16string> Values(const KeyId& key) const;
     std::uint32_t Generation() const;

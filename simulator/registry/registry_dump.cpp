@@ -1,11 +1,10 @@
 #include "simulator/registry/registry_dump.h"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "simulator/registry/registry.h"
 #include "simulator/store/hex.h"
-
-#include <algorithm>
 
 namespace sim::registry {
 namespace {

@@ -1,8 +1,8 @@
-#include "simulator/registry/registry_text.h"
-
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+
+#include "simulator/registry/registry_text.h"
 
 namespace sim::registry {
 namespace {
@@ -12,7 +12,9 @@ constexpr std::size_t kLineWidth = 77;  // a byte, a comma and a backslash still
 std::string Escaped(std::u16string_view text) {
     std::u16string escaped;
     for (const char16_t unit : text) {
-        if (unit == u'\\' || unit == u'"') { escaped += u'\\'; }
+        if (unit == u'\\' || unit == u'"') {
+            escaped += u'\\';
+        }
         escaped += unit;
     }
     return ToUtf8(escaped);
@@ -33,10 +35,14 @@ std::optional<std::u16string> PlainText(const std::string& data) {
     }
     std::u16string text(data.size() / sizeof(char16_t), u'\0');
     std::memcpy(&text[0], data.data(), data.size());
-    if (text.back() != u'\0') { return std::nullopt; }
+    if (text.back() != u'\0') {
+        return std::nullopt;
+    }
     text.pop_back();
     for (std::size_t at = 0; at < text.size(); ++at) {
-        if (text[at] < u' ' || IsUnpairedSurrogate(text, at)) { return std::nullopt; }
+        if (text[at] < u' ' || IsUnpairedSurrogate(text, at)) {
+            return std::nullopt;
+        }
     }
     return text;
 }
@@ -47,7 +53,9 @@ std::string HexLines(std::string line, const std::string& data) {
         char byte[4];
         std::snprintf(byte, sizeof byte, "%02x", static_cast<unsigned>(data[i]) & 0xFF);
         line += byte;
-        if (i + 1 == data.size()) { break; }
+        if (i + 1 == data.size()) {
+            break;
+        }
         line += ',';
         if (line.size() >= kLineWidth) {
             out += line + "\\\r\n";
@@ -61,7 +69,9 @@ std::string ValueLine(const Value& value) {
     const std::string name = value.name.empty() ? "@" : "\"" + Escaped(value.name) + "\"";
     const std::optional<std::u16string> text =
         value.type == kSz ? PlainText(value.data) : std::nullopt;
-    if (text) { return name + "=\"" + Escaped(*text) + "\"\r\n"; }
+    if (text) {
+        return name + "=\"" + Escaped(*text) + "\"\r\n";
+    }
     char mark[24] = "hex:";
     std::uint32_t number = 0;
     if (value.type == kDword && value.data.size() == sizeof number) {
@@ -80,7 +90,9 @@ void ExportKey(const Registry& registry, const KeyId& key, const std::u16string&
     out += "\r\n[" + ToUtf8(path) + "]\r\n";
     std::vector<std::u16string> names = registry.Values(key);
     std::sort(names.begin(), names.end());
-    for (const std::u16string& name : names) { out += ValueLine(*registry.Find(key, name)); }
+    for (const std::u16string& name : names) {
+        out += ValueLine(*registry.Find(key, name));
+    }
     std::vector<KeyId> subkeys = registry.Subkeys(key);
     std::sort(subkeys.begin(), subkeys.end());
     for (const KeyId& subkey : subkeys) {

@@ -1,10 +1,9 @@
 #include "simulator/registry/registry_text.h"
 
-#include <windows.h>
-
 #include <algorithm>
 #include <cstring>
 #include <stdexcept>
+#include <windows.h>
 
 namespace sim::registry {
 namespace {
@@ -39,10 +38,18 @@ std::u16string FromCodePage(std::string_view bytes, UINT page, DWORD flags) {
 std::u16string Decode(std::string_view bytes) {
     constexpr std::string_view kUtf16Mark("\xFF\xFE", 2);
     constexpr std::string_view kUtf8Mark("\xEF\xBB\xBF", 3);
-    if (bytes.substr(0, 2) == kUtf16Mark) { return FromUtf16(bytes.substr(2)); }
-    if (bytes.size() >= 2 && bytes[1] == '\0') { return FromUtf16(bytes); }
-    if (bytes.substr(0, 3) == kUtf8Mark) { bytes.remove_prefix(3); }
-    if (bytes.empty()) { return {}; }
+    if (bytes.substr(0, 2) == kUtf16Mark) {
+        return FromUtf16(bytes.substr(2));
+    }
+    if (bytes.size() >= 2 && bytes[1] == '\0') {
+        return FromUtf16(bytes);
+    }
+    if (bytes.substr(0, 3) == kUtf8Mark) {
+        bytes.remove_prefix(3);
+    }
+    if (bytes.empty()) {
+        return {};
+    }
     std::u16string text = FromCodePage(bytes, CP_UTF8, MB_ERR_INVALID_CHARS);
     return text.empty() ? FromCodePage(bytes, 1252, 0) : text;
 }
@@ -50,19 +57,29 @@ std::u16string Decode(std::string_view bytes) {
 std::u16string_view Trim(std::u16string_view text) {
     constexpr std::u16string_view kBlanks = u" \t\r";
     const std::size_t first = text.find_first_not_of(kBlanks);
-    if (first == std::u16string_view::npos) { return {}; }
+    if (first == std::u16string_view::npos) {
+        return {};
+    }
     return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
 std::optional<std::uint32_t> HexNumber(std::u16string_view digits) {
-    if (digits.empty() || digits.size() > 8) { return std::nullopt; }
+    if (digits.empty() || digits.size() > 8) {
+        return std::nullopt;
+    }
     std::uint32_t number = 0;
     for (const char16_t unit : digits) {
         const char16_t lower = static_cast<char16_t>(unit | 0x20);
         std::uint32_t digit = 16;
-        if (unit >= u'0' && unit <= u'9') { digit = static_cast<std::uint32_t>(unit - u'0'); }
-        if (lower >= u'a' && lower <= u'f') { digit = static_cast<std::uint32_t>(lower - u'a' + 10); }
-        if (digit == 16) { return std::nullopt; }
+        if (unit >= u'0' && unit <= u'9') {
+            digit = static_cast<std::uint32_t>(unit - u'0');
+        }
+        if (lower >= u'a' && lower <= u'f') {
+            digit = static_cast<std::uint32_t>(lower - u'a' + 10);
+        }
+        if (digit == 16) {
+            return std::nullopt;
+        }
         number = number * 16 + digit;
     }
     return number;
@@ -78,7 +95,9 @@ public:
 
     std::vector<Step> Run() {
         SkipHeader();
-        while (!rest_.empty()) { ParseLine(Trim(NextLine())); }
+        while (!rest_.empty()) {
+            ParseLine(Trim(NextLine()));
+        }
         return std::move(steps_);
     }
 
@@ -99,9 +118,15 @@ private:
     }
 
     void ParseLine(std::u16string_view line) {
-        if (line.empty() || line[0] == u';') { return; }
-        if (line[0] == u'[') { return ParseSection(line); }
-        if (root_.empty()) { Fail(line_, "a value stands before the first key"); }
+        if (line.empty() || line[0] == u';') {
+            return;
+        }
+        if (line[0] == u'[') {
+            return ParseSection(line);
+        }
+        if (root_.empty()) {
+            Fail(line_, "a value stands before the first key");
+        }
         Step step{root_, subkey_, true, false, {}};
         if (line[0] == u'@') {
             line.remove_prefix(1);
@@ -109,37 +134,51 @@ private:
             step.value.name = TakeQuoted(line);
         }
         line = Trim(line);
-        if (line.empty() || line[0] != u'=') { Fail(line_, "a value has no data"); }
+        if (line.empty() || line[0] != u'=') {
+            Fail(line_, "a value has no data");
+        }
         ParseData(Trim(line.substr(1)), step);
         steps_.push_back(std::move(step));
     }
 
     void ParseSection(std::u16string_view line) {
-        if (line.back() != u']') { Fail(line_, "a key's bracket is left open"); }
+        if (line.back() != u']') {
+            Fail(line_, "a key's bracket is left open");
+        }
         line = line.substr(1, line.size() - 2);
         const bool deletes = !line.empty() && line[0] == u'-';
-        if (deletes) { line.remove_prefix(1); }
+        if (deletes) {
+            line.remove_prefix(1);
+        }
         const std::optional<KeyId> root = RootOfPath(line, subkey_);
-        if (!root) { Fail(line_, "no such root"); }
+        if (!root) {
+            Fail(line_, "no such root");
+        }
         root_ = *root;
         steps_.push_back({root_, subkey_, false, deletes, {}});
     }
 
     // Takes a quoted text from the front of `line`, which may go on over line ends.
     std::u16string TakeQuoted(std::u16string_view& line) {
-        if (line.empty() || line[0] != u'"') { Fail(line_, "a quote is missing"); }
+        if (line.empty() || line[0] != u'"') {
+            Fail(line_, "a quote is missing");
+        }
         line.remove_prefix(1);
         std::u16string text;
         for (;;) {
             if (line.empty()) {
-                if (rest_.empty()) { Fail(line_, "a quote is left open"); }
+                if (rest_.empty()) {
+                    Fail(line_, "a quote is left open");
+                }
                 line = NextLine();
                 text += u'\n';
                 continue;
             }
             char16_t unit = line[0];
             line.remove_prefix(1);
-            if (unit == u'"') { return text; }
+            if (unit == u'"') {
+                return text;
+            }
             if (unit == u'\\' && !line.empty()) {
                 unit = line[0];
                 line.remove_prefix(1);
@@ -158,7 +197,9 @@ private:
             step.value.data = BytesOf(text.c_str(), (text.size() + 1) * sizeof(char16_t));
         } else if (data.substr(0, kDwordMark.size()) == kDwordMark) {
             const auto number = HexNumber(data.substr(kDwordMark.size()));
-            if (!number) { Fail(line_, "not a dword"); }
+            if (!number) {
+                Fail(line_, "not a dword");
+            }
             step.value.type = kDword;
             step.value.data = BytesOf(&*number, sizeof *number);
         } else {
@@ -175,21 +216,31 @@ private:
         data.remove_prefix(colon + 1);
         for (;;) {
             const bool goes_on = !data.empty() && data.back() == u'\\';
-            if (goes_on) { data.remove_suffix(1); }
+            if (goes_on) {
+                data.remove_suffix(1);
+            }
             AddBytes(data, value.data);
-            if (!goes_on) { return; }
-            if (rest_.empty()) { Fail(line_, "the last line goes on"); }
+            if (!goes_on) {
+                return;
+            }
+            if (rest_.empty()) {
+                Fail(line_, "the last line goes on");
+            }
             data = Trim(NextLine());
         }
     }
 
     std::uint32_t TypeOf(std::u16string_view mark) {
-        if (mark.empty()) { return kBinary; }
+        if (mark.empty()) {
+            return kBinary;
+        }
         if (mark.size() < 3 || mark.front() != u'(' || mark.back() != u')') {
             Fail(line_, "not a value type");
         }
         const auto type = HexNumber(mark.substr(1, mark.size() - 2));
-        if (!type) { Fail(line_, "not a value type"); }
+        if (!type) {
+            Fail(line_, "not a value type");
+        }
         return *type;
     }
 
@@ -199,9 +250,13 @@ private:
             const std::u16string_view digits = Trim(list.substr(0, end));
             const bool last = end == list.size();
             list.remove_prefix(last ? end : end + 1);
-            if (last && digits.empty()) { return; }  // a comma ended the line
+            if (last && digits.empty()) {
+                return;
+            }  // a comma ended the line
             const auto byte = HexNumber(digits);
-            if (!byte || *byte > 0xFF) { Fail(line_, "not a byte"); }
+            if (!byte || *byte > 0xFF) {
+                Fail(line_, "not a byte");
+            }
             out += static_cast<char>(*byte);
         }
     }
@@ -246,7 +301,9 @@ void ImportText(Device& device, std::string_view bytes) {
     Registry registry(device);
     CheckPlaces(registry, steps);
     LogStore::Change change(device.store());
-    for (const Step& step : steps) { Apply(registry, step); }
+    for (const Step& step : steps) {
+        Apply(registry, step);
+    }
 }
 
 }  // namespace sim::registry

@@ -1,4 +1,5 @@
-// The registry as REGEDIT4 text: what `registry.reg` of a profile, `reg-import` and `reg-export` hold.
+// The registry as REGEDIT4 text: what `registry.reg` of a profile, `reg-import` and `reg-export`
+// hold.
 //   REGEDIT4                       the first line; version 5.00's is taken too
 //   [HKEY_…\key]  [-HKEY_…\key]    a key is made; is deleted with everything below it
 //   "name"="text"  @="text"        REG_SZ, \\ and \" escaped; @ is the value without a name
@@ -9,15 +10,16 @@
 //   ; …                            a comment
 #pragma once
 
-#include "simulator/registry/registry.h"
-
 #include <string>
 #include <string_view>
 
+#include "simulator/registry/registry.h"
+
 namespace sim::registry {
 
-// Takes the text over as one change. UTF-16 with or without a byte order mark, UTF-8, or code page 1252.
-// Throws std::runtime_error with the line's number when the text is damaged; then nothing was changed.
+// Takes the text over as one change. UTF-16 with or without a byte order mark, UTF-8, or code page
+// 1252. Throws std::runtime_error with the line's number when the text is damaged; then nothing was
+// changed.
 void ImportText(Device& device, std::string_view bytes);
 
 // Every key with its values, in the order of their names: REGEDIT4 in UTF-8, lines ended by CR LF.

@@ -1,9 +1,8 @@
 #include "simulator/store/names.h"
 
-#include <windows.h>
-
 #include <algorithm>
 #include <cstdlib>
+#include <windows.h>
 
 namespace sim {
 namespace {
@@ -36,7 +35,9 @@ std::u16string FoldName(std::u16string_view name) {
     std::u16string folded(name);
     if (IsAscii(name)) {
         for (char16_t& unit : folded) {
-            if (unit >= u'a' && unit <= u'z') { unit = static_cast<char16_t>(unit - 0x20); }
+            if (unit >= u'a' && unit <= u'z') {
+                unit = static_cast<char16_t>(unit - 0x20);
+            }
         }
         return folded;
     }
@@ -48,7 +49,9 @@ std::u16string FoldName(std::u16string_view name) {
 }
 
 std::u16string StoredText(const wchar_t* text) {
-    if (text == nullptr) { return {}; }
+    if (text == nullptr) {
+        return {};
+    }
     const std::wstring_view view(text);
     return std::u16string(view.begin(), view.end());
 }
@@ -70,8 +73,12 @@ void Arrange(std::vector<Enumerated>& items, const std::string& order) {
         return a.sequence < b.sequence;
     };
     std::sort(items.begin(), items.end(), by_sequence);
-    if (order == "reversed") { std::reverse(items.begin(), items.end()); }
-    if (order.rfind("shuffled:", 0) != 0) { return; }
+    if (order == "reversed") {
+        std::reverse(items.begin(), items.end());
+    }
+    if (order.rfind("shuffled:", 0) != 0) {
+        return;
+    }
     const std::uint64_t seed = std::strtoull(order.c_str() + 9, nullptr, 10);
     std::stable_sort(items.begin(), items.end(), [seed](const Enumerated& a, const Enumerated& b) {
         return Mix(seed, a.key) < Mix(seed, b.key);

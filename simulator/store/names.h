@@ -24,8 +24,8 @@ struct Enumerated {
     std::u16string key;
 };
 
-// Puts the items into the order of the device setting "order": "stored" as they came, "reversed", or
-// "shuffled:<seed>". What is left after an item is gone keeps its order.
+// Puts the items into the order of the device setting "order": "stored" as they came, "reversed",
+// or "shuffled:<seed>". What is left after an item is gone keeps its order.
 void Arrange(std::vector<Enumerated>& items, const std::string& order);
 
 }  // namespace sim
