@@ -108,8 +108,7 @@ void Put(Device& device, const std::wstring& path, const std::string& bytes) {
     }
     if (!node.is_rom()) {
         GiveSpaceBack(table, node.on_card, old_size);
-        ::InterlockedExchangeAdd(&table.slot(node.on_card ? 1 : 0).used,
-                                 static_cast<long>(bytes.size()));
+        AddToUsed(table, node.on_card, static_cast<std::uint32_t>(bytes.size()));
     }
     ::InterlockedExchange(&table.slot(node.number).size, static_cast<long>(bytes.size()));
     if (old) {
@@ -185,8 +184,19 @@ void ReplaceAttributes(Device& device, const std::wstring& path, std::uint32_t a
     LogStore::Change change(table.store());
     Node node = Existing(table, path);
     const std::uint32_t shown_only = kFolder | kNormal | kTemporary;
+    const bool was_rom = node.is_rom();
     table.SetStoredAttributes(node,
                               (attributes & ~shown_only) | (node.stored_attributes & kFolder));
+    if (node.is_rom() == was_rom) {
+        return;
+    }
+    // What is in ROM takes no space of the store.
+    const std::uint32_t size = table.SizeOf(node);
+    if (was_rom) {
+        AddToUsed(table, node.on_card, size);
+    } else {
+        GiveSpaceBack(table, node.on_card, size);
+    }
 }
 
 void Touch(Device& device, const std::wstring& path, std::uint64_t filetime) {
@@ -260,8 +270,6 @@ bool ApplyFileSetting(Device& device, const std::string& name, const std::string
     const auto number = static_cast<std::uint32_t>(std::strtoul(value.c_str(), nullptr, 0));
     if (name == "store.free" || name == "card.free") {
         SetFree(device, name == "card.free", number);
-    } else if (name == "oid.next") {
-        device.SetNextObjectId(number);
     } else if (name == "card.name") {
         FileTable& table = FileTable::Of(device);
         LogStore::Change change(table.store());

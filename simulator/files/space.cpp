@@ -67,6 +67,10 @@ bool TakeSpace(FileTable& table, bool card, std::uint32_t bytes) {
     return false;
 }
 
+void AddToUsed(FileTable& table, bool card, std::uint32_t bytes) {
+    ::InterlockedExchangeAdd(&Counter(table, card), static_cast<long>(bytes));
+}
+
 void GiveSpaceBack(FileTable& table, bool card, std::uint32_t bytes) {
     ::InterlockedExchangeAdd(&Counter(table, card), -static_cast<long>(bytes));
 }

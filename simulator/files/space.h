@@ -21,6 +21,8 @@ void SetFree(Device& device, bool card, std::uint32_t bytes);
 
 // Takes `bytes` when they are free; false when they are not, and nothing is taken.
 bool TakeSpace(FileTable& table, bool card, std::uint32_t bytes);
+// Takes it whether it is free or not, as a tester does.
+void AddToUsed(FileTable& table, bool card, std::uint32_t bytes);
 void GiveSpaceBack(FileTable& table, bool card, std::uint32_t bytes);
 
 }  // namespace sim::files

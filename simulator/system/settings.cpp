@@ -3,6 +3,8 @@
 #include <cstdlib>
 #include <stdexcept>
 
+#include "simulator/files/files.h"
+
 namespace sim {
 namespace {
 
@@ -120,6 +122,9 @@ std::map<std::string, std::string> AllSettings(Device& device) {
 void ApplySetting(Device& device, const std::string& name, const std::string& value) {
     CheckName(name);
     LogStore::Change change(device.store());
+    if (files::ApplyFileSetting(device, name, value)) {
+        return;
+    }
     if (name == "clock") {
         SetClock(device, change, value);
     } else if (name == "oid.next") {

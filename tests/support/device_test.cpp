@@ -6,6 +6,7 @@
 #include "simulator/command/command.h"
 #include "simulator/host/attach.h"
 #include "simulator/host/host_files.h"
+#include "simulator/system/settings.h"
 
 namespace tests {
 namespace {
@@ -72,9 +73,7 @@ FileLock TestDevice::Lock(const std::wstring& path, const std::string& mode) {
 }
 
 void TestDevice::Set(const std::string& setting, const std::string& value) {
-    if (!sim::files::ApplyFileSetting(device_, setting, value)) {
-        device_.SetSetting(setting, value);
-    }
+    sim::ApplySetting(device_, setting, value);
 }
 
 void TestDevice::Fault(const std::string& function, int n, int count, std::uint32_t error,

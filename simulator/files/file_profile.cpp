@@ -1,0 +1,107 @@
+#include "simulator/files/file_profile.h"
+
+#include "simulator/files/file_table.h"
+#include "simulator/files/files.h"
+#include "simulator/files/sha256.h"
+#include "simulator/host/host_files.h"
+
+namespace sim::files {
+namespace {
+
+using nlohmann::json;
+
+std::wstring CardPath(Device& device) {
+    return L"\\" + host::Wide(device.Setting("card.name", "Storage Card"));
+}
+
+void ImportTree(Device& device, const std::wstring& host_folder, const std::wstring& path) {
+    const host::Listing listing = host::List(host_folder);
+    for (const std::wstring& name : listing.folders) {
+        MakeFolder(device, path + L"\\" + name);
+        ImportTree(device, host_folder + L"\\" + name, path + L"\\" + name);
+    }
+    for (const std::wstring& name : listing.files) {
+        PutHostFile(device, host_folder + L"\\" + name, path + L"\\" + name);
+    }
+}
+
+void ApplyRow(Device& device, const std::wstring& path, const json& row) {
+    if (row.contains("attributes")) {
+        ReplaceAttributes(device, path, row["attributes"].get<std::uint32_t>());
+    }
+    if (row.contains("modified")) {
+        Touch(device, path, row["modified"].get<std::uint64_t>());
+    }
+}
+
+json RowOf(const Entry& entry) {
+    json row = json::object();
+    const std::uint32_t usual = entry.is_folder ? kFolder : kArchive;
+    if ((entry.attributes & ~kTemporary) != usual) {
+        row["attributes"] = entry.attributes;
+    }
+    if (!entry.is_folder) {
+        row["modified"] = entry.modified;
+    }
+    return row;
+}
+
+}  // namespace
+
+void ImportFiles(Device& device, const std::wstring& profile) {
+    LogStore::Change change(device.store());
+    MountCard(device);
+    ImportTree(device, profile + L"\\files", L"");
+    ImportTree(device, profile + L"\\card", CardPath(device));
+    const std::optional<std::string> text = host::ReadWhole(profile + L"\\files.json");
+    if (!text) {
+        return;
+    }
+    for (const auto& [path, row] : json::parse(*text).items()) {
+        ApplyRow(device, host::Wide(path), row);
+    }
+}
+
+void ExportFiles(Device& device, const std::wstring& profile) {
+    LogStore::View view(device.store());
+    const std::wstring card = CardPath(device);
+    for (const wchar_t* part : {L"\\files", L"\\card"}) {
+        host::RemoveTree(profile + part);
+        host::MakeFolder(profile + part);
+    }
+    json rows = json::object();
+    for (const Entry& entry : ListAll(device)) {
+        const std::wstring host_path = entry.on_card
+                                           ? profile + L"\\card" + entry.path.substr(card.size())
+                                           : profile + L"\\files" + entry.path;
+        if (entry.is_folder) {
+            host::MakeFolder(host_path);
+        } else {
+            host::MakeFolder(host_path.substr(0, host_path.rfind(L'\\')));
+            GetToHostFile(device, entry.path, host_path);
+        }
+        json row = RowOf(entry);
+        if (!row.empty()) {
+            rows[host::Utf8(entry.path)] = std::move(row);
+        }
+    }
+    host::WriteWhole(profile + L"\\files.json", rows.dump(1) + "\n");
+}
+
+json DumpFiles(Device& device) {
+    LogStore::View view(device.store());
+    json files = json::array();
+    for (const Entry& entry : ListAll(device)) {
+        json file = {
+            {"path", host::Utf8(entry.path)}, {"oid", entry.oid}, {"attributes", entry.attributes}};
+        if (!entry.is_folder) {
+            file["size"] = entry.size;
+            file["modified"] = entry.modified;
+            file["sha256"] = Sha256(Get(device, entry.path));
+        }
+        files.push_back(std::move(file));
+    }
+    return files;
+}
+
+}  // namespace sim::files
