@@ -9,8 +9,8 @@ namespace {
 
 std::string Text(const SYSTEMTIME& t) {
     char text[64];
-    std::snprintf(text, sizeof text, "%04u-%02u-%02u %02u:%02u:%02u.%03u", t.wYear, t.wMonth, t.wDay,
-                  t.wHour, t.wMinute, t.wSecond, t.wMilliseconds);
+    std::snprintf(text, sizeof text, "%04u-%02u-%02u %02u:%02u:%02u.%03u", t.wYear, t.wMonth,
+                  t.wDay, t.wHour, t.wMinute, t.wSecond, t.wMilliseconds);
     return text;
 }
 
@@ -101,8 +101,7 @@ TEST_F(NextOccurrenceTest, AddingSecondsCarriesIntoTheHighWord) {
     const FILETIME in = {0xFFFFFFFF, 1};  // 858.9934591 s behind the carry: 858 whole seconds
     FILETIME out;
     AddSecondsToFileTime(in, out, 86400);
-    const unsigned long long ticks =
-        (0x1FFFFFFFFull / 10000000 + 86400) * 10000000;
+    const unsigned long long ticks = (0x1FFFFFFFFull / 10000000 + 86400) * 10000000;
     EXPECT_EQ(static_cast<DWORD>(ticks), out.dwLowDateTime);
     EXPECT_EQ(static_cast<DWORD>(ticks >> 32), out.dwHighDateTime);
 }

@@ -30,7 +30,9 @@ protected:
         trigger.dwEvent = event;
         trigger.lpszApplication = const_cast<wchar_t*>(application);
         trigger.lpszArguments = const_cast<wchar_t*>(arguments);
-        if (type == CNT_TIME) { trigger.stStartTime = {2027, 1, 0, 1, hour, 15, 0, 0}; }
+        if (type == CNT_TIME) {
+            trigger.stStartTime = {2027, 1, 0, 1, hour, 15, 0, 0};
+        }
         const HANDLE handle = ::CeSetUserNotificationEx(nullptr, &trigger, user);
         EXPECT_NE(nullptr, handle);
         return handle;
@@ -67,8 +69,12 @@ TEST_F(NotificationSchedulerTest, EveryCombinationOfTheTwoSettingsRegistersItsRo
             ASSERT_TRUE(ClearAutoBackupNotifications());
             ::RegDeleteKeyW(HKEY_CURRENT_USER, L"Software\\Kestrin2");
             WriteSetting(setting::kWakeUpTime, 30u << 16 | 21);
-            if (on_time != kAbsent) { WriteSetting(setting::kOnTime, on_time); }
-            if (on_battery != kAbsent) { WriteSetting(setting::kOnBattery, on_battery); }
+            if (on_time != kAbsent) {
+                WriteSetting(setting::kOnTime, on_time);
+            }
+            if (on_battery != kAbsent) {
+                WriteSetting(setting::kOnBattery, on_battery);
+            }
             EXPECT_TRUE(RegisterAutoBackupNotifications());
             // A setting of 2 is on and registers nothing: only bit 0 chooses rows.
             const Texts expected = on_battery == 1 ? kWithBattery

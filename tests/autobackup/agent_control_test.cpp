@@ -1,0 +1,120 @@
+#include "autobackup/agent_control.h"
+
+#include "app/settings.h"
+#include "autobackup/notification_reader.h"
+#include "autobackup/notification_scheduler.h"
+#include "tests/support/device_test.h"
+
+namespace tolvenar {
+namespace {
+
+class AgentControlTest : public tests::DeviceTest {
+protected:
+    static void Write(std::uint32_t on_time, std::uint32_t on_battery, std::uint32_t time) {
+        WriteSetting(setting::kOnTime, on_time);
+        WriteSetting(setting::kOnBattery, on_battery);
+        WriteSetting(setting::kWakeUpTime, time);
+    }
+    static void WriteInstallFolder(const std::wstring& folder) {
+        HKEY key = nullptr;
+        ::RegCreateKeyExW(HKEY_CURRENT_USER, L"Software\\Kestrin2\\Tolvenar", 0, nullptr, 0,
+                          KEY_ALL_ACCESS, nullptr, &key, nullptr);
+        ::RegSetValueExW(key, L"InstDir", 0, REG_SZ, reinterpret_cast<const BYTE*>(folder.c_str()),
+                         static_cast<DWORD>((folder.size() + 1) * sizeof(wchar_t)));
+        ::RegCloseKey(key);
+    }
+    // What CloseAgent asked the platform to start.
+    std::string StartedPrograms() {
+        device().Command("trace on");
+        CloseAgent();
+        device().Command("trace off");
+        return device().Command("trace show");
+    }
+    static DWORD NotificationCount() { return NotificationHandles().count(); }
+};
+
+TEST_F(AgentControlTest, SuspendingTakesTheScheduleOffAndResumingPutsItBack) {
+    Write(1, 1, 30u << 16 | 21);
+    RegisterAutoBackupNotifications();
+    SavedSchedule saved;
+    EXPECT_TRUE(SuspendAutoBackup(saved));
+    EXPECT_EQ(0u, ReadSetting(setting::kOnTime));
+    EXPECT_EQ(0u, ReadSetting(setting::kOnBattery));
+    EXPECT_EQ(0u, ReadSetting(setting::kWakeUpTime));
+    EXPECT_EQ(0u, NotificationCount());
+
+    EXPECT_TRUE(ResumeAutoBackup(saved));
+    EXPECT_EQ(1u, ReadSetting(setting::kOnTime));
+    EXPECT_EQ(1u, ReadSetting(setting::kOnBattery));
+    EXPECT_EQ(30u << 16 | 21, ReadSetting(setting::kWakeUpTime));
+    EXPECT_EQ(4u, NotificationCount());
+}
+
+TEST_F(AgentControlTest, AMissingValueIsThereWithZeroAfterwards) {
+    WriteSetting(setting::kOnBattery, 1);
+    SavedSchedule saved;
+    SuspendAutoBackup(saved);
+    EXPECT_EQ(kSettingAbsent, saved.on_time);
+    ResumeAutoBackup(saved);
+    EXPECT_EQ(0u, ReadSetting(setting::kOnTime));
+    EXPECT_EQ(1u, ReadSetting(setting::kOnBattery));
+    EXPECT_EQ(0u, ReadSetting(setting::kWakeUpTime));
+}
+
+TEST_F(AgentControlTest, ResumingWithoutSuspendingWritesZeros) {
+    Write(1, 1, 21);
+    EXPECT_TRUE(ResumeAutoBackup(SavedSchedule()));
+    EXPECT_EQ(0u, ReadSetting(setting::kOnTime));
+    EXPECT_EQ(0u, ReadSetting(setting::kOnBattery));
+    EXPECT_EQ(0u, ReadSetting(setting::kWakeUpTime));
+}
+
+TEST_F(AgentControlTest, SuspendingTellsOfANotificationThatStays) {
+    Write(1, 0, 21);
+    RegisterAutoBackupNotifications();
+    SavedSchedule saved;
+    device().Fault("CeClearUserNotification", 1, 1, ERROR_INVALID_PARAMETER);
+    EXPECT_FALSE(SuspendAutoBackup(saved));
+    EXPECT_EQ(1u, saved.on_time);
+}
+
+TEST_F(AgentControlTest, RefreshingFollowsTheSettings) {
+    Write(1, 1, 21);
+    EXPECT_TRUE(RefreshAutoBackup());
+    EXPECT_EQ(4u, NotificationCount());
+    WriteSetting(setting::kOnBattery, 0);
+    EXPECT_TRUE(RefreshAutoBackup());
+    EXPECT_EQ(2u, NotificationCount());
+    WriteSetting(setting::kOnTime, 0);
+    EXPECT_TRUE(RefreshAutoBackup());
+    EXPECT_EQ(0u, NotificationCount());
+}
+
+TEST_F(AgentControlTest, TheClosingToolOfTheInstallationIsStarted) {
+    WriteInstallFolder(L"\\Program Files\\Tolvenar");
+    EXPECT_NE(std::string::npos,
+              StartedPrograms().find("\\\\Program Files\\\\Tolvenar\\\\CloseOther.exe"));
+}
+
+TEST_F(AgentControlTest, WithoutAnInstallationNothingIsStarted) {
+    EXPECT_FALSE(CloseAgent());
+    EXPECT_EQ(std::string::npos, StartedPrograms().find("CloseOther.exe"));
+}
+
+TEST_F(AgentControlTest, AMissingClosingToolIsToldAndHoldsNothingUp) {
+    WriteInstallFolder(L"\\Nowhere");
+    EXPECT_FALSE(CloseAgent());
+    Write(1, 0, 21);
+    SavedSchedule saved;
+    EXPECT_TRUE(SuspendAutoBackup(saved));
+}
+
+TEST_F(AgentControlTest, AFolderThatIsTooLongCountsAsAbsent) {
+    WriteInstallFolder(L"\\" + std::wstring(128, L'a'));  // 129 units and the terminator
+    EXPECT_EQ(std::string::npos, StartedPrograms().find("CloseOther.exe"));
+    WriteInstallFolder(L"\\" + std::wstring(127, L'a'));
+    EXPECT_NE(std::string::npos, StartedPrograms().find("CloseOther.exe"));
+}
+
+}  // namespace
+}  // namespace tolvenar
