@@ -18,7 +18,15 @@ set(PLATFORM_FREE_SOURCES
   storage/written_records.cpp
 )
 set(PLATFORM_FREE_TESTS
+  tests/snapshot/checksum_test.cpp
+  tests/snapshot/difference_test.cpp
+  tests/snapshot/exclusion_test.cpp
+  tests/snapshot/object_list_test.cpp
   tests/snapshot/property_encoding_test.cpp
+  tests/snapshot/prune_test.cpp
+  tests/snapshot/registry_objects_test.cpp
+  tests/snapshot/state_list_test.cpp
+  tests/snapshot/text_buffer_test.cpp
   tests/storage/journal_update_test.cpp
   tests/storage/storage_header_test.cpp
   tests/storage/storage_names_test.cpp

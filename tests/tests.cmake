@@ -27,7 +27,8 @@ file(GLOB test_folders CONFIGURE_DEPENDS LIST_DIRECTORIES true RELATIVE ${CMAKE_
   tests/*)
 foreach(folder IN LISTS test_folders)
   file(GLOB sources CONFIGURE_DEPENDS tests/${folder}/*.cpp)
-  if(NOT sources OR folder MATCHES "^(support|programs)$")
+  # The native build has fuzzers, and tests of its own.
+  if(NOT sources OR folder MATCHES "^(support|programs|native|fuzz)$")
     continue()
   endif()
   set(name ${folder}_test)

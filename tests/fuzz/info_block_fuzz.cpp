@@ -1,0 +1,29 @@
+// Stored blocks come from a card that anything may have damaged.
+#include <cstdlib>
+#include <string_view>
+
+#include "storage/info_block.h"
+
+using namespace tolvenar;
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    InfoBlock block;
+    if (!ParseInfoBlock(data, size, block)) {
+        if (block.head().name_bytes != 0) {
+            std::abort();
+        }
+        return 0;
+    }
+    const std::size_t units = block.head().name_bytes / sizeof(char16_t);
+    if (block.size() > size || block.size() > kInfoBlockBytes || block.name()[units] != 0 ||
+        std::u16string_view(block.name()).size() > units) {
+        std::abort();
+    }
+    // Whatever was read can be extended up to the buffer's end and not beyond.
+    while (block.AppendName(u"x", 1)) {
+    }
+    if (block.size() != kInfoBlockBytes) {
+        std::abort();
+    }
+    return 0;
+}

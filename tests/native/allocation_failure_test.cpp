@@ -1,0 +1,132 @@
+// Every operation with its nth allocation and all later ones failing, for every n.
+#include <gtest/gtest.h>
+
+#include "snapshot/difference.h"
+#include "snapshot/registry_objects.h"
+#include "tests/native/failing_new.h"
+#include "tests/support/fake_info_source.h"
+#include "tests/support/records.h"
+
+namespace tolvenar {
+namespace {
+
+class AllocationFailureTest : public testing::Test {
+protected:
+    ~AllocationFailureTest() override { FailAllocationsFrom(0); }
+
+    // Calls `operation` until it needs no failing allocation; it answers whether it succeeded.
+    // Returns the number of runs that failed.
+    template <typename Operation>
+    static std::size_t ForEachAllocation(Operation operation) {
+        for (std::size_t n = 1;; ++n) {
+            FailAllocationsFrom(n);
+            const bool succeeded = operation();
+            const bool failed = CountedAllocations() >= n;
+            FailAllocationsFrom(0);
+            EXPECT_EQ(!failed, succeeded) << n;
+            if (!failed) {
+                return n - 1;
+            }
+        }
+    }
+    static std::vector<ObjectRecord> Files(std::uint32_t count, std::uint16_t flags) {
+        std::vector<ObjectRecord> records;
+        for (std::uint32_t oid = 1; oid <= count; ++oid) {
+            records.push_back(JournalRecord(MakeRecord(ObjectType::kFile, oid, 0), 1, flags, 9));
+        }
+        return records;
+    }
+
+    FakeInfoSource info_;
+};
+
+TEST_F(AllocationFailureTest, AListCannotBeMade) {
+    EXPECT_EQ(1u, ForEachAllocation([] { return ObjectList::CreateList() != nullptr; }));
+    EXPECT_EQ(1u, ForEachAllocation([] {
+                  std::unique_ptr<ObjectList> cell;
+                  return ResetList(cell) && cell != nullptr;
+              }));
+}
+
+TEST_F(AllocationFailureTest, AnInsertionLeavesTheListAsItWas) {
+    const ObjectRecord record = MakeRecord(ObjectType::kFile, 100, 0);
+    // Record, node, and the index, which an empty list has none of yet.
+    const auto list = ObjectList::CreateList();
+    EXPECT_EQ(3u, ForEachAllocation([&] {
+                  EXPECT_EQ(0u, list->CountRecords());
+                  return list->AddObject(record);
+              }));
+    EXPECT_EQ(1u, list->CountRecords());
+}
+
+TEST_F(AllocationFailureTest, AReplacementLeavesTheOldRecord) {
+    const auto list = ListOf({MakeRecord(ObjectType::kFile, 1, 0, 0, 5)});
+    const ObjectRecord changed = MakeRecord(ObjectType::kFile, 1, 0, 0, 6);
+    EXPECT_EQ(1u, ForEachAllocation([&] {
+                  EXPECT_EQ(5, list->First()->record->content_fingerprint);
+                  return list->AddObject(changed);
+              }));
+}
+
+TEST_F(AllocationFailureTest, ARefusedRecordStaysTheCallers) {
+    const auto list = ObjectList::CreateList();
+    std::unique_ptr<ObjectRecord> record(NewObjectRecord(MakeRecord(ObjectType::kFile, 1, 0)));
+    FailAllocationsFrom(1);
+    EXPECT_EQ(nullptr, list->InsertByKey({1, 0, 0, 0}, record.get()));
+    FailAllocationsFrom(0);
+    EXPECT_EQ(1u, record->dwOID);
+    EXPECT_EQ(0u, list->CountRecords());
+}
+
+TEST_F(AllocationFailureTest, AFullIndexStillFindsEverything) {
+    // The list wants a larger index when it doubles; without memory for it the chains get longer.
+    const auto list = ListOf(Files(64, JF_ADD));
+    std::unique_ptr<ObjectRecord> record(NewObjectRecord(MakeRecord(ObjectType::kFile, 1000, 0)));
+    const ObjectKey key = KeyOf(*record);
+    FailAllocationsFrom(1);
+    EXPECT_EQ(nullptr, list->InsertByKey(key, record.get()));
+    FailAllocationsFrom(0);
+    EXPECT_EQ(64u, list->CountRecords());
+    for (const ObjectRecord& file : Files(64, JF_ADD)) {
+        EXPECT_NE(nullptr, list->FindByKey(KeyOf(file)));
+    }
+}
+
+TEST_F(AllocationFailureTest, BuildStateListFails) {
+    const auto all = ListOf(Files(5, JF_ADD));
+    EXPECT_LT(10u, ForEachAllocation([&] {
+                  auto out = ObjectList::CreateList();
+                  if (out == nullptr) {
+                      return false;
+                  }
+                  return BuildStateList(*out, *all, 1, info_);
+              }));
+}
+
+TEST_F(AllocationFailureTest, CmpListsFails) {
+    const auto older = ListOf(Files(3, JF_PRESENT));
+    const auto newer = ListOf({MakeRecord(ObjectType::kFile, 100, 0)});
+    EXPECT_LT(10u, ForEachAllocation([&] {
+                  auto diff = ObjectList::CreateList();
+                  if (diff == nullptr) {
+                      return false;
+                  }
+                  return CmpLists(older.get(), newer.get(), *diff, info_);
+              }));
+}
+
+TEST_F(AllocationFailureTest, ARegistryObjectIsNotEntered) {
+    // Index, entry, key path and value name.
+    EXPECT_EQ(4u, ForEachAllocation([] {
+                  RegistryObjects table;
+                  std::uint32_t id = 0;
+                  const bool entered =
+                      table.Generate(u"kv", "", 0, false, 1, 1, 0, u"k", u"v", id) != 0;
+                  const std::uint32_t first = MakeTolvOID(u"kv", "", 0, 0);
+                  EXPECT_EQ(entered, table.RegObjectFind(first) != nullptr);
+                  return entered;
+              }));
+}
+
+}  // namespace
+}  // namespace tolvenar

@@ -1,0 +1,27 @@
+#include "tests/native/recording_log.h"
+
+#include "storage/log.h"
+
+namespace tolvenar {
+namespace {
+std::vector<std::string> lines;
+
+std::string Ascii(const char16_t* text) {
+    std::string result;
+    for (; *text != 0; ++text) {
+        result += *text < 0x80 ? static_cast<char>(*text) : '?';
+    }
+    return result;
+}
+}  // namespace
+
+const std::vector<std::string>& LogLines() { return lines; }
+void ClearLog() { lines.clear(); }
+
+int LogMessage(const char16_t* message, const char16_t* module, std::uint32_t flags) {
+    lines.push_back(std::string(flags & 0x10 ? "E " : "I ") + Ascii(module) + ": " +
+                    Ascii(message));
+    return 1;
+}
+
+}  // namespace tolvenar

@@ -1,0 +1,62 @@
+// Short ways to write records and to look at lists in tests. Header only and platform-free.
+#pragma once
+
+#include <cstring>
+#include <memory>
+#include <vector>
+
+#include "snapshot/object_list.h"
+
+namespace tolvenar {
+
+inline ObjectRecord MakeRecord(ObjectType type, std::uint32_t dwOID, std::uint32_t TolvOID,
+                               std::uint16_t info_checksum = 0, std::uint16_t fingerprint = 0) {
+    ObjectRecord record{};
+    record.type = type;
+    record.dwOID = dwOID;
+    record.TolvOID = TolvOID;
+    record.info_checksum = info_checksum;
+    record.content_fingerprint = fingerprint;
+    record.flags = JF_PRESENT;
+    return record;
+}
+
+// The same as a record of the journal.
+inline ObjectRecord JournalRecord(ObjectRecord record, std::uint16_t state, std::uint16_t flags,
+                                  std::uint32_t propOffset) {
+    record.state_number = state;
+    record.flags = flags;
+    record.propOffset = propOffset;
+    return record;
+}
+
+struct KeyedRecord {
+    ObjectKey key;
+    ObjectRecord record;
+    bool operator==(const KeyedRecord& other) const {
+        return key == other.key && std::memcmp(&record, &other.record, sizeof record) == 0;
+    }
+};
+
+// What a walk from the front meets.
+inline std::vector<KeyedRecord> Walk(const ObjectList& list) {
+    std::vector<KeyedRecord> result;
+    ObjectList::Cursor cursor = list.First();
+    ObjectKey key;
+    ObjectRecord* record;
+    while (ObjectList::Next(cursor, &key, &record)) {
+        result.push_back({key, *record});
+    }
+    return result;
+}
+
+// A list whose walk meets the records in the order given, each under its own key.
+inline std::unique_ptr<ObjectList> ListOf(const std::vector<ObjectRecord>& records) {
+    auto list = ObjectList::CreateList();
+    for (auto record = records.rbegin(); record != records.rend(); ++record) {
+        list->AddObject(*record);
+    }
+    return list;
+}
+
+}  // namespace tolvenar
