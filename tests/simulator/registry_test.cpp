@@ -1,0 +1,446 @@
+// The registry as a program sees it.
+#include "simulator/registry/registry.h"
+
+#include <algorithm>
+#include <cstring>
+#include <vector>
+#include <windows.h>
+
+#include "tests/support/device_test.h"
+
+namespace {
+
+using tests::DeviceTest;
+
+constexpr DWORD kUntouched = 0xA5A5A5A5;
+
+class RegistryTest : public DeviceTest {
+protected:
+    HKEY Create(HKEY parent, const wchar_t* name) {
+        HKEY key = nullptr;
+        EXPECT_EQ(ERROR_SUCCESS, ::RegCreateKeyExW(parent, name, 0, nullptr, 0, KEY_ALL_ACCESS,
+                                                   nullptr, &key, nullptr));
+        return key;
+    }
+    void Make(HKEY parent, const wchar_t* name) { ::RegCloseKey(Create(parent, name)); }
+    LONG Open(HKEY parent, const wchar_t* name) {
+        HKEY key = nullptr;
+        const LONG status = ::RegOpenKeyExW(parent, name, 0, KEY_READ, &key);
+        if (status == ERROR_SUCCESS) {
+            ::RegCloseKey(key);
+        }
+        return status;
+    }
+    void SetText(HKEY key, const wchar_t* name, const std::wstring& text) {
+        EXPECT_EQ(
+            ERROR_SUCCESS,
+            ::RegSetValueExW(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
+                             static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))));
+    }
+    std::wstring SubkeyName(HKEY key, DWORD index) {
+        wchar_t name[256];
+        DWORD units = 256;
+        const LONG status =
+            ::RegEnumKeyExW(key, index, name, &units, nullptr, nullptr, nullptr, nullptr);
+        return status == ERROR_SUCCESS ? std::wstring(name, units) : L"?" + std::to_wstring(status);
+    }
+    std::wstring ValueName(HKEY key, DWORD index) {
+        wchar_t name[256];
+        DWORD units = 256;
+        const LONG status =
+            ::RegEnumValueW(key, index, name, &units, nullptr, nullptr, nullptr, nullptr);
+        return status == ERROR_SUCCESS ? std::wstring(name, units) : L"?" + std::to_wstring(status);
+    }
+    std::vector<std::wstring> SubkeyNames(HKEY key) {
+        std::vector<std::wstring> names;
+        for (DWORD i = 0; SubkeyName(key, i)[0] != L'?'; ++i) {
+            names.push_back(SubkeyName(key, i));
+        }
+        return names;
+    }
+};
+
+TEST_F(RegistryTest, RootsHaveThePlatformsHandleValues) {
+    HKEY key = nullptr;
+    for (std::uintptr_t value = 0x80000000; value <= 0x80000003; ++value) {
+        HKEY root = reinterpret_cast<HKEY>(value);
+        EXPECT_EQ(ERROR_SUCCESS, ::RegOpenKeyExW(root, nullptr, 0, 0, &key));
+        EXPECT_NE(root, key);
+        EXPECT_EQ(ERROR_SUCCESS, ::RegCloseKey(key));
+    }
+    for (std::uintptr_t value = 0x80000004; value <= 0x80000006; ++value) {
+        EXPECT_EQ(ERROR_INVALID_HANDLE,
+                  ::RegOpenKeyExW(reinterpret_cast<HKEY>(value), nullptr, 0, 0, &key));
+    }
+}
+
+TEST_F(RegistryTest, RootsAreSeparate) {
+    Make(HKEY_CURRENT_USER, L"Only\\Here");
+    EXPECT_EQ(ERROR_SUCCESS, Open(HKEY_CURRENT_USER, L"Only\\Here"));
+    for (HKEY root : {HKEY_CLASSES_ROOT, HKEY_LOCAL_MACHINE, HKEY_USERS}) {
+        EXPECT_EQ(ERROR_FILE_NOT_FOUND, Open(root, L"Only\\Here"));
+    }
+}
+
+TEST_F(RegistryTest, TheHostsRegistryIsNeverSeen) {
+    EXPECT_EQ(ERROR_FILE_NOT_FOUND, Open(HKEY_LOCAL_MACHINE, L"Software\\Microsoft\\Windows"));
+    EXPECT_EQ(L"?259", SubkeyName(HKEY_LOCAL_MACHINE, 0));
+    EXPECT_EQ(L"?259", SubkeyName(HKEY_CURRENT_USER, 0));
+}
+
+TEST_F(RegistryTest, NamesAreComparedWithoutCaseAndKeepTheirSpelling) {
+    HKEY key = Create(HKEY_LOCAL_MACHINE, L"Software\\MiXed \x00C4");
+    SetText(key, L"VaLue", L"1");
+    SetText(key, L"vALUE", L"22");
+    EXPECT_EQ(L"VaLue", ValueName(key, 0));
+    EXPECT_EQ(L"?259", ValueName(key, 1));
+    DWORD size = 0;
+    EXPECT_EQ(ERROR_SUCCESS, ::RegQueryValueExW(key, L"VALUE", nullptr, nullptr, nullptr, &size));
+    EXPECT_EQ(6u, size);
+    ::RegCloseKey(key);
+    EXPECT_EQ(ERROR_SUCCESS, Open(HKEY_LOCAL_MACHINE, L"SOFTWARE\\mIxED \x00E4"));
+    Make(HKEY_LOCAL_MACHINE, L"SOFTWARE\\MIXED \x00E4");
+    HKEY software = Create(HKEY_LOCAL_MACHINE, L"software");
+    EXPECT_EQ(std::vector<std::wstring>{L"MiXed \x00C4"}, SubkeyNames(software));
+    ::RegCloseKey(software);
+}
+
+TEST_F(RegistryTest, CreatingTellsWhetherTheKeyIsNew) {
+    HKEY key = nullptr;
+    DWORD disposition = 0;
+    ::RegCreateKeyExW(HKEY_USERS, L"a\\b", 0, nullptr, 0, 0, nullptr, &key, &disposition);
+    EXPECT_EQ(static_cast<DWORD>(REG_CREATED_NEW_KEY), disposition);
+    ::RegCloseKey(key);
+    ::RegCreateKeyExW(HKEY_USERS, L"a", 0, nullptr, 0, 0, nullptr, &key, &disposition);
+    EXPECT_EQ(static_cast<DWORD>(REG_OPENED_EXISTING_KEY), disposition);
+    ::RegCloseKey(key);
+}
+
+TEST_F(RegistryTest, AnEmptySubkeyOpensTheKeyOnceMore) {
+    HKEY key = Create(HKEY_USERS, L"a");
+    HKEY again = nullptr;
+    EXPECT_EQ(ERROR_SUCCESS, ::RegOpenKeyExW(key, L"", 0, 0, &again));
+    SetText(again, L"v", L"x");
+    EXPECT_EQ(L"v", ValueName(key, 0));
+    EXPECT_EQ(ERROR_SUCCESS, ::RegCloseKey(again));
+    EXPECT_EQ(ERROR_SUCCESS, ::RegCloseKey(key));
+}
+
+TEST_F(RegistryTest, AKeyClosesOnceAndItsHandleIsThenInvalid) {
+    HKEY key = Create(HKEY_USERS, L"a");
+    EXPECT_EQ(ERROR_SUCCESS, ::RegCloseKey(key));
+    EXPECT_EQ(ERROR_INVALID_HANDLE, ::RegCloseKey(key));
+    EXPECT_EQ(ERROR_INVALID_HANDLE, ::RegDeleteValueW(key, L"v"));
+    EXPECT_EQ(ERROR_INVALID_HANDLE, Open(nullptr, L"a"));
+    EXPECT_EQ(ERROR_SUCCESS, ::RegCloseKey(HKEY_USERS));
+    EXPECT_EQ(ERROR_SUCCESS, Open(HKEY_USERS, L"a"));
+}
+
+TEST_F(RegistryTest, AKeyNameHas255CharactersAtMost) {
+    Make(HKEY_USERS, std::wstring(255, L'k').c_str());
+    EXPECT_EQ(255u, SubkeyName(HKEY_USERS, 0).size());
+    HKEY key = nullptr;
+    EXPECT_EQ(ERROR_INVALID_PARAMETER,
+              ::RegCreateKeyExW(HKEY_USERS, std::wstring(256, L'k').c_str(), 0, nullptr, 0, 0,
+                                nullptr, &key, nullptr));
+    EXPECT_EQ(nullptr, key);
+}
+
+TEST_F(RegistryTest, AKeyPathHasNoEmptyName) {
+    EXPECT_EQ(ERROR_INVALID_PARAMETER, Open(HKEY_USERS, L"\\a"));
+    EXPECT_EQ(ERROR_INVALID_PARAMETER, Open(HKEY_USERS, L"a\\\\b"));
+}
+
+TEST_F(RegistryTest, KeysNestSixteenLevelsDeep) {
+    std::wstring path = L"k1";
+    for (int level = 2; level <= 16; ++level) {
+        path += L"\\k" + std::to_wstring(level);
+    }
+    Make(HKEY_USERS, path.c_str());
+    HKEY deepest = nullptr;
+    ASSERT_EQ(ERROR_SUCCESS, ::RegOpenKeyExW(HKEY_USERS, path.c_str(), 0, 0, &deepest));
+    HKEY key = nullptr;
+    EXPECT_EQ(ERROR_INVALID_PARAMETER,
+              ::RegCreateKeyExW(deepest, L"k17", 0, nullptr, 0, 0, nullptr, &key, nullptr));
+    ::RegCloseKey(deepest);
+}
+
+TEST_F(RegistryTest, AValueReadsBackWithTypeAndBytes) {
+    HKEY key = Create(HKEY_CURRENT_USER, L"v");
+    const BYTE bytes[] = {1, 0, 255};
+    for (DWORD type : {0ul, 1ul, 3ul, 7ul, 8ul, 0x12345678ul}) {
+        EXPECT_EQ(ERROR_SUCCESS, ::RegSetValueExW(key, L"x", 0, type, bytes, sizeof bytes));
+        BYTE read[4] = {9, 9, 9, 9};
+        DWORD read_type = kUntouched;
+        DWORD size = sizeof read;
+        EXPECT_EQ(ERROR_SUCCESS, ::RegQueryValueExW(key, L"x", nullptr, &read_type, read, &size));
+        EXPECT_EQ(type, read_type);
+        EXPECT_EQ(3u, size);
+        EXPECT_EQ(0, std::memcmp(bytes, read, 3));
+        EXPECT_EQ(9, read[3]);
+    }
+    ::RegCloseKey(key);
+}
+
+TEST_F(RegistryTest, ANullOrEmptyNameIsTheDefaultValue) {
+    HKEY key = Create(HKEY_CURRENT_USER, L"v");
+    DWORD size = 0;
+    EXPECT_EQ(ERROR_FILE_NOT_FOUND,
+              ::RegQueryValueExW(key, nullptr, nullptr, nullptr, nullptr, &size));
+    SetText(key, nullptr, L"abc");
+    EXPECT_EQ(ERROR_SUCCESS, ::RegQueryValueExW(key, L"", nullptr, nullptr, nullptr, &size));
+    EXPECT_EQ(8u, size);
+    EXPECT_EQ(L"", ValueName(key, 0));
+    EXPECT_EQ(ERROR_SUCCESS, ::RegDeleteValueW(key, nullptr));
+    EXPECT_EQ(L"?259", ValueName(key, 0));
+    ::RegCloseKey(key);
+}
+
+TEST_F(RegistryTest, AQueryWithoutABufferTellsTheSize) {
+    HKEY key = Create(HKEY_CURRENT_USER, L"v");
+    SetText(key, L"x", L"abc");
+    DWORD type = kUntouched;
+    DWORD size = 0;
+    EXPECT_EQ(ERROR_SUCCESS, ::RegQueryValueExW(key, L"x", nullptr, &type, nullptr, &size));
+    EXPECT_EQ(static_cast<DWORD>(REG_SZ), type);
+    EXPECT_EQ(8u, size);
+    EXPECT_EQ(ERROR_SUCCESS, ::RegQueryValueExW(key, L"x", nullptr, nullptr, nullptr, nullptr));
+    BYTE data[8];
+    EXPECT_EQ(ERROR_INVALID_PARAMETER,
+              ::RegQueryValueExW(key, L"x", nullptr, nullptr, data, nullptr));
+    ::RegCloseKey(key);
+}
+
+TEST_F(RegistryTest, ATooSmallBufferIsLeftAloneAndTheSizeTold) {
+    HKEY key = Create(HKEY_CURRENT_USER, L"v");
+    SetText(key, L"x", L"abc");
+    BYTE data[8] = {0x55, 0x55};
+    DWORD size = 7;
+    EXPECT_EQ(ERROR_MORE_DATA, ::RegQueryValueExW(key, L"x", nullptr, nullptr, data, &size));
+    EXPECT_EQ(8u, size);
+    EXPECT_EQ(0x55, data[0]);
+    wchar_t name[2];
+    DWORD units = 2;
+    size = 0;
+    EXPECT_EQ(ERROR_MORE_DATA,
+              ::RegEnumValueW(key, 0, name, &units, nullptr, nullptr, data, &size));
+    EXPECT_EQ(8u, size);
+    EXPECT_EQ(0x55, data[0]);
+    ::RegCloseKey(key);
+}
+
+TEST_F(RegistryTest, AnEmptyValueHasNoBytes) {
+    HKEY key = Create(HKEY_CURRENT_USER, L"v");
+    EXPECT_EQ(ERROR_SUCCESS, ::RegSetValueExW(key, L"x", 0, REG_BINARY, nullptr, 0));
+    BYTE data = 0x55;
+    DWORD size = 0;
+    EXPECT_EQ(ERROR_SUCCESS, ::RegQueryValueExW(key, L"x", nullptr, nullptr, &data, &size));
+    EXPECT_EQ(0u, size);
+    EXPECT_EQ(0x55, data);
+    EXPECT_EQ(ERROR_INVALID_PARAMETER, ::RegSetValueExW(key, L"x", 0, REG_BINARY, nullptr, 1));
+    ::RegCloseKey(key);
+}
+
+TEST_F(RegistryTest, AnAbsentValueOrKeyAnswersTwo) {
+    HKEY key = Create(HKEY_CURRENT_USER, L"v");
+    EXPECT_EQ(2, ::RegDeleteValueW(key, L"none"));
+    EXPECT_EQ(2, ::RegDeleteKeyW(key, L"none"));
+    EXPECT_EQ(2, Open(key, L"none"));
+    DWORD size = kUntouched;
+    EXPECT_EQ(2, ::RegQueryValueExW(key, L"none", nullptr, nullptr, nullptr, &size));
+    EXPECT_EQ(kUntouched, size);
+    ::RegCloseKey(key);
+}
+
+TEST_F(RegistryTest, AKeyIsDeletedWithEverythingBelowIt) {
+    HKEY key = Create(HKEY_CURRENT_USER, L"top\\middle\\bottom");
+    SetText(key, L"v", L"x");
+    ::RegCloseKey(key);
+    Make(HKEY_CURRENT_USER, L"top2\\middle");
+    EXPECT_EQ(ERROR_SUCCESS, ::RegDeleteKeyW(HKEY_CURRENT_USER, L"top"));
+    EXPECT_EQ(ERROR_FILE_NOT_FOUND, Open(HKEY_CURRENT_USER, L"top"));
+    EXPECT_EQ(ERROR_SUCCESS, Open(HKEY_CURRENT_USER, L"top2\\middle"));
+    key = Create(HKEY_CURRENT_USER, L"top\\middle\\bottom");
+    EXPECT_EQ(L"?259", ValueName(key, 0));
+    ::RegCloseKey(key);
+}
+
+TEST_F(RegistryTest, AnEmptyNameIsNotDeleted) {
+    HKEY key = Create(HKEY_CURRENT_USER, L"a");
+    EXPECT_EQ(ERROR_INVALID_PARAMETER, ::RegDeleteKeyW(key, L""));
+    EXPECT_EQ(ERROR_INVALID_PARAMETER, ::RegDeleteKeyW(key, nullptr));
+    EXPECT_EQ(ERROR_INVALID_PARAMETER, ::RegDeleteKeyW(HKEY_CURRENT_USER, L""));
+    ::RegCloseKey(key);
+    EXPECT_EQ(ERROR_SUCCESS, Open(HKEY_CURRENT_USER, L"a"));
+}
+
+TEST_F(RegistryTest, AnOpenKeyRefusesItsDeletion) {
+    HKEY key = Create(HKEY_CURRENT_USER, L"a\\b");
+    Make(HKEY_CURRENT_USER, L"a\\bc");
+    EXPECT_EQ(ERROR_ACCESS_DENIED, ::RegDeleteKeyW(HKEY_CURRENT_USER, L"a\\b"));
+    EXPECT_EQ(ERROR_ACCESS_DENIED, ::RegDeleteKeyW(HKEY_CURRENT_USER, L"A"));
+    EXPECT_EQ(ERROR_SUCCESS, ::RegDeleteKeyW(HKEY_CURRENT_USER, L"a\\bc"));
+    ::RegCloseKey(key);
+    EXPECT_EQ(ERROR_SUCCESS, ::RegDeleteKeyW(HKEY_CURRENT_USER, L"a\\b"));
+    EXPECT_EQ(ERROR_SUCCESS, ::RegDeleteKeyW(HKEY_CURRENT_USER, L"a"));
+}
+
+TEST_F(RegistryTest, AHandleWhoseKeyAnotherDeletedAnswersKeyDeleted) {
+    HKEY key = Create(HKEY_CURRENT_USER, L"a");
+    sim::registry::Registry registry(device().sim());
+    sim::registry::KeyId place;
+    registry.Place(sim::registry::RootId(1), u"a", place);
+    ASSERT_TRUE(registry.Delete(place));
+    const BYTE byte = 0;
+    EXPECT_EQ(ERROR_KEY_DELETED, ::RegSetValueExW(key, L"x", 0, REG_BINARY, &byte, 1));
+    EXPECT_EQ(ERROR_SUCCESS, ::RegCloseKey(key));
+}
+
+TEST_F(RegistryTest, KeyEnumerationCountsCharactersWithTheTerminatorInAndWithoutOut) {
+    Make(HKEY_USERS, L"abc");
+    wchar_t name[4] = L"zz";
+    DWORD units = 3;
+    EXPECT_EQ(ERROR_MORE_DATA,
+              ::RegEnumKeyExW(HKEY_USERS, 0, name, &units, nullptr, nullptr, nullptr, nullptr));
+    EXPECT_EQ(L'z', name[0]);
+    units = 4;
+    EXPECT_EQ(ERROR_SUCCESS,
+              ::RegEnumKeyExW(HKEY_USERS, 0, name, &units, nullptr, nullptr, nullptr, nullptr));
+    EXPECT_EQ(3u, units);
+    EXPECT_STREQ(L"abc", name);
+    EXPECT_EQ(ERROR_NO_MORE_ITEMS,
+              ::RegEnumKeyExW(HKEY_USERS, 1, name, &units, nullptr, nullptr, nullptr, nullptr));
+}
+
+TEST_F(RegistryTest, ValueEnumerationTellsNameTypeAndData) {
+    HKEY key = Create(HKEY_USERS, L"k");
+    SetText(key, L"first", L"ab");
+    const DWORD number = 0x01020304;
+    ::RegSetValueExW(key, L"n", 0, REG_DWORD, reinterpret_cast<const BYTE*>(&number), 4);
+    wchar_t name[6] = L"zz";
+    DWORD units = 5;
+    DWORD type = kUntouched;
+    BYTE data[8];
+    DWORD size = sizeof data;
+    EXPECT_EQ(ERROR_MORE_DATA, ::RegEnumValueW(key, 0, name, &units, nullptr, &type, data, &size));
+    units = 6;
+    EXPECT_EQ(ERROR_SUCCESS, ::RegEnumValueW(key, 0, name, &units, nullptr, &type, data, &size));
+    EXPECT_STREQ(L"first", name);
+    EXPECT_EQ(5u, units);
+    EXPECT_EQ(static_cast<DWORD>(REG_SZ), type);
+    EXPECT_EQ(6u, size);
+    units = 6;
+    size = sizeof data;
+    EXPECT_EQ(ERROR_SUCCESS, ::RegEnumValueW(key, 1, name, &units, nullptr, &type, data, &size));
+    EXPECT_EQ(static_cast<DWORD>(REG_DWORD), type);
+    EXPECT_EQ(0, std::memcmp("\x04\x03\x02\x01", data, 4));
+    units = 6;
+    EXPECT_EQ(ERROR_NO_MORE_ITEMS,
+              ::RegEnumValueW(key, 2, name, &units, nullptr, nullptr, nullptr, nullptr));
+    ::RegCloseKey(key);
+}
+
+TEST_F(RegistryTest, DeletingWhileEnumeratingMovesTheRestUp) {
+    for (const wchar_t* name : {L"a", L"b", L"c"}) {
+        Make(HKEY_USERS, name);
+    }
+    EXPECT_EQ(L"a", SubkeyName(HKEY_USERS, 0));
+    ::RegDeleteKeyW(HKEY_USERS, L"a");
+    EXPECT_EQ(L"b", SubkeyName(HKEY_USERS, 0));
+    EXPECT_EQ(L"c", SubkeyName(HKEY_USERS, 1));
+    EXPECT_EQ(L"?259", SubkeyName(HKEY_USERS, 2));
+}
+
+TEST_F(RegistryTest, AListingFollowsWhatAnotherProcessDoes) {
+    HKEY key = Create(HKEY_USERS, L"k");
+    SetText(key, L"a", L"");
+    EXPECT_EQ(L"?259", ValueName(key, 1));
+    sim::registry::Registry registry(device().sim());
+    sim::registry::KeyId place;
+    registry.Place(sim::registry::RootId(3), u"k", place);
+    registry.Set(place, {u"b", sim::registry::kDword, std::string(4, '\0')});
+    EXPECT_EQ(L"b", ValueName(key, 1));
+    ::RegCloseKey(key);
+}
+
+TEST_F(RegistryTest, TheOrderOfEnumerationIsASetting) {
+    HKEY key = Create(HKEY_USERS, L"k");
+    for (const wchar_t* name : {L"b", L"c", L"a", L"e", L"d"}) {
+        Make(key, name);
+        SetText(key, name, L"");
+    }
+    const std::vector<std::wstring> stored = {L"b", L"c", L"a", L"e", L"d"};
+    EXPECT_EQ(stored, SubkeyNames(key));
+    device().Set("order", "reversed");
+    EXPECT_EQ((std::vector<std::wstring>{L"d", L"e", L"a", L"c", L"b"}), SubkeyNames(key));
+    EXPECT_EQ(L"d", ValueName(key, 0));
+    device().Set("order", "shuffled:1");
+    const std::vector<std::wstring> shuffled = SubkeyNames(key);
+    EXPECT_EQ(shuffled, SubkeyNames(key));
+    EXPECT_TRUE(std::is_permutation(stored.begin(), stored.end(), shuffled.begin()));
+    bool differs = false;
+    for (int seed = 2; seed < 10; ++seed) {
+        device().Set("order", "shuffled:" + std::to_string(seed));
+        differs = differs || SubkeyNames(key) != shuffled;
+    }
+    EXPECT_TRUE(differs);
+    ::RegCloseKey(key);
+}
+
+TEST_F(RegistryTest, InfoTellsCountsAndLengthsInCharacters) {
+    HKEY key = nullptr;
+    wchar_t class_of_key[] = L"cls";
+    ::RegCreateKeyExW(HKEY_USERS, L"k", 0, class_of_key, 0, 0, nullptr, &key, nullptr);
+    Make(key, L"ab");
+    Make(key, L"abcd");
+    SetText(key, L"four", L"abcdef");
+    SetText(key, L"x", L"");
+    wchar_t class_name[4];
+    DWORD class_units = 4;
+    DWORD subkeys, longest, longest_class, values, longest_name, longest_data;
+    DWORD security = kUntouched;
+    FILETIME time = {1, 1};
+    EXPECT_EQ(ERROR_SUCCESS, ::RegQueryInfoKeyW(key, class_name, &class_units, nullptr, &subkeys,
+                                                &longest, &longest_class, &values, &longest_name,
+                                                &longest_data, &security, &time));
+    EXPECT_STREQ(L"cls", class_name);
+    EXPECT_EQ(3u, class_units);
+    EXPECT_EQ(2u, subkeys);
+    EXPECT_EQ(4u, longest);
+    EXPECT_EQ(0u, longest_class);
+    EXPECT_EQ(2u, values);
+    EXPECT_EQ(4u, longest_name);
+    EXPECT_EQ(14u, longest_data);
+    EXPECT_EQ(0u, security);
+    EXPECT_EQ(0u, time.dwLowDateTime | time.dwHighDateTime);
+    device().Set("registry.lengths", "with-terminator");
+    ::RegQueryInfoKeyW(key, nullptr, nullptr, nullptr, nullptr, &longest, nullptr, nullptr,
+                       &longest_name, nullptr, nullptr, nullptr);
+    EXPECT_EQ(5u, longest);
+    EXPECT_EQ(5u, longest_name);
+    ::RegCloseKey(key);
+}
+
+TEST_F(RegistryTest, ClassesComeWithTheEnumeration) {
+    HKEY key = nullptr;
+    wchar_t class_of_key[] = L"cls";
+    ::RegCreateKeyExW(HKEY_USERS, L"k", 0, class_of_key, 0, 0, nullptr, &key, nullptr);
+    ::RegCloseKey(key);
+    wchar_t name[8];
+    wchar_t class_name[8];
+    DWORD units = 8;
+    DWORD class_units = 8;
+    EXPECT_EQ(ERROR_SUCCESS, ::RegEnumKeyExW(HKEY_USERS, 0, name, &units, nullptr, class_name,
+                                             &class_units, nullptr));
+    EXPECT_STREQ(L"cls", class_name);
+    EXPECT_EQ(3u, class_units);
+}
+
+TEST_F(RegistryTest, TheLastErrorStaysAsItWas) {
+    ::SetLastError(4711);
+    EXPECT_EQ(ERROR_FILE_NOT_FOUND, Open(HKEY_USERS, L"none"));
+    Make(HKEY_USERS, L"k");
+    EXPECT_EQ(4711u, ::GetLastError());
+}
+
+}  // namespace
