@@ -24,7 +24,7 @@ ce_simulator_exports(sim_coredll coredll.dll ${SIM}/exports/coredll.forwards ${P
 # Exports see Windows CE's headers, so the compiler checks each against the declaration that the
 # program uses; the desktop's dllimport marks are taken away from what is defined here.
 set_source_files_properties(${export_sources} PROPERTIES
-  COMPILE_DEFINITIONS "UNICODE;_UNICODE;CE_DEFINES_EXPORTS;_KERNEL32_;_USER32_;_GDI32_;_ADVAPI32_;WINBASEAPI="
+  COMPILE_DEFINITIONS "UNICODE;_UNICODE;CE_DEFINES_EXPORTS;_KERNEL32_;_USER32_;_GDI32_;_ADVAPI32_;_COMDLG32_;WINBASEAPI="
   INCLUDE_DIRECTORIES "${P}/include;${GENERATED};${CMAKE_SOURCE_DIR}")
 target_link_libraries(sim_coredll PRIVATE warnings simcore ${SIM_HOST_LIBRARIES})
 target_link_options(sim_coredll PRIVATE -static)
