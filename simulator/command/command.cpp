@@ -6,7 +6,8 @@ namespace sim {
 namespace {
 
 const CommandRow* FindCommand(const std::string& name) {
-    for (const CommandRows* family : {&GateCommands(), &ProfileCommands(), &SettingCommands()}) {
+    for (const CommandRows* family : {&GateCommands(), &ProcessCommands(), &ProfileCommands(),
+                                      &SettingCommands(), &WindowCommands()}) {
         for (const CommandRow& row : *family) {
             if (name == row.name) {
                 return &row;

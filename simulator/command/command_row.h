@@ -31,8 +31,10 @@ constexpr std::size_t kManyWords = 1000;
 
 // The families.
 const CommandRows& GateCommands();
+const CommandRows& ProcessCommands();
 const CommandRows& ProfileCommands();
 const CommandRows& SettingCommands();
+const CommandRows& WindowCommands();
 
 // Answer of a command that has nothing to tell.
 inline Json Done() { return Json::object({{"ok", true}}); }

@@ -1,12 +1,10 @@
 // The common dialogs. commdlg.dll forwards to these: one copy of the device's state in a process.
-#include "simulator/gate/gate.h"
-#include "simulator/windows/open_dialog.h"
-
-#include <windows.h>
-
-#include <commdlg.h>
+#include "platform/win32.h"
 
 #include <algorithm>
+
+#include "simulator/gate/gate.h"
+#include "simulator/windows/open_dialog.h"
 
 namespace {
 
@@ -14,7 +12,7 @@ using sim::Call;
 using sim::Gated;
 namespace host = sim::windows;
 
-constexpr DWORD kStructureSize = 0x0001;  // CDERR_STRUCTSIZE
+constexpr DWORD kStructureSize = 0x0001;   // CDERR_STRUCTSIZE
 constexpr DWORD kBufferTooSmall = 0x3003;  // FNERR_BUFFERTOOSMALL
 
 thread_local DWORD last_dialog_error = 0;
@@ -53,14 +51,18 @@ void Answer(OPENFILENAMEW& out, const host::OpenAnswer& answer) {
 
 BOOL Show(LPOPENFILENAMEW data, const wchar_t* default_title, bool saves) {
     last_dialog_error = data->lStructSize < OPENFILENAME_SIZE_VERSION_400W ? kStructureSize : 0;
-    if (last_dialog_error != 0) { return FALSE; }
+    if (last_dialog_error != 0) {
+        return FALSE;
+    }
     host::OpenRequest request = RequestFrom(*data, default_title);
     if (saves) {
         request.shows_read_only = false;
         request.rules.create_prompt = false;
     }
     const auto answer = host::AskForFile(sim::Device::Current(), request);
-    if (!answer) { return FALSE; }
+    if (!answer) {
+        return FALSE;
+    }
     if (data->lpstrFile == nullptr || answer->path.size() >= data->nMaxFile) {
         last_dialog_error = kBufferTooSmall;
         return FALSE;

@@ -1,7 +1,6 @@
 // The way from a program's device path to the bytes that the host can start.
-#include "simulator/processes/process_start.h"
-
 #include "simulator/files/files.h"
+#include "simulator/processes/process_start.h"
 
 namespace sim::processes {
 

@@ -1,10 +1,8 @@
 #include "simulator/windows/control.h"
 
 #include <algorithm>
-#include <functional>
 #include <mutex>
 #include <set>
-#include <thread>
 
 #include "simulator/windows/control_json.h"
 #include "simulator/windows/control_pipe.h"
@@ -13,6 +11,7 @@
 #include "simulator/windows/inspect.h"
 #include "simulator/windows/inspect_tree.h"
 #include "simulator/windows/keys.h"
+#include "simulator/windows/on_desktop.h"
 
 namespace sim::windows {
 namespace {
@@ -57,18 +56,6 @@ json AskOwner(const std::wstring& desktop, HWND window, const char* verb, const 
         }
     }
     return Answer(request);
-}
-
-// Runs `body` on a thread that is on the device's desktop: this one when it can be.
-void OnDesktop(const Device& device, const std::function<void()>& body) {
-    if (EnterDesktop(device)) {
-        body();
-        return;
-    }
-    std::thread([&] {
-        EnterDesktop(device);
-        body();
-    }).join();
 }
 
 BOOL CALLBACK CollectTop(HWND window, LPARAM param) {

@@ -1,10 +1,10 @@
 #include "simulator/windows/open_choice.h"
 
-#include "simulator/files/files.h"
-#include "simulator/files/path.h"
-
 #include <algorithm>
 #include <cwchar>
+
+#include "simulator/files/files.h"
+#include "simulator/files/path.h"
 
 namespace sim::windows {
 namespace {
@@ -25,7 +25,9 @@ std::wstring NameOf(const std::wstring& path) { return path.substr(path.find_las
 
 std::wstring Trimmed(const std::wstring& text) {
     const std::size_t begin = text.find_first_not_of(L' ');
-    if (begin == std::wstring::npos) { return {}; }
+    if (begin == std::wstring::npos) {
+        return {};
+    }
     return text.substr(begin, text.find_last_not_of(L' ') - begin + 1);
 }
 
@@ -42,7 +44,9 @@ Choice DecideFile(Device& device, const std::wstring& path, const ChoiceRules& r
     if (wants_folder && !IsFolder(device, FolderAbove(path))) {
         return {ChoiceKind::kNoSuchFolder, path};
     }
-    if (rules.create_prompt) { return {ChoiceKind::kAskCreate, path}; }
+    if (rules.create_prompt) {
+        return {ChoiceKind::kAskCreate, path};
+    }
     return {rules.file_must_exist ? ChoiceKind::kNoSuchFile : ChoiceKind::kFile, path};
 }
 
@@ -64,11 +68,19 @@ std::vector<FileFilter> ParseFilters(const wchar_t* pairs) {
 Choice Decide(Device& device, const std::wstring& folder, const std::wstring& typed,
               const ChoiceRules& rules) {
     const std::wstring name = Trimmed(typed);
-    if (name.empty()) { return {}; }
-    if (name.find_first_of(L"*?") != std::wstring::npos) { return {ChoiceKind::kPattern, name}; }
+    if (name.empty()) {
+        return {};
+    }
+    if (name.find_first_of(L"*?") != std::wstring::npos) {
+        return {ChoiceKind::kPattern, name};
+    }
     std::wstring path = name.front() == L'\\' ? name : Joined(folder, name);
-    while (path.size() > 1 && path.back() == L'\\') { path.pop_back(); }
-    if (IsFolder(device, path)) { return {ChoiceKind::kFolder, path}; }
+    while (path.size() > 1 && path.back() == L'\\') {
+        path.pop_back();
+    }
+    if (IsFolder(device, path)) {
+        return {ChoiceKind::kFolder, path};
+    }
     if (!rules.default_extension.empty() && NameOf(path).find(L'.') == std::wstring::npos) {
         path += L"." + rules.default_extension;
     }
@@ -81,11 +93,12 @@ std::vector<std::wstring> Listing(Device& device, const std::wstring& folder,
     std::vector<std::wstring> names;
     for (const files::Entry& entry : files::List(device, folder)) {
         const std::wstring name = NameOf(entry.path);
-        const bool matches =
-            std::any_of(patterns.begin(), patterns.end(), [&name](const std::wstring& pattern) {
-                return files::Matches(pattern, name);
-            });
-        if ((entry.attributes & kHidden) != 0) { continue; }
+        const bool matches = std::any_of(
+            patterns.begin(), patterns.end(),
+            [&name](const std::wstring& pattern) { return files::Matches(pattern, name); });
+        if ((entry.attributes & kHidden) != 0) {
+            continue;
+        }
         if (entry.is_folder) {
             folders.push_back(name + L"\\");
         } else if (matches) {

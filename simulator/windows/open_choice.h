@@ -1,10 +1,11 @@
-// What a name typed into the open dialog means, decided on the simulated file system. No windows here.
+// What a name typed into the open dialog means, decided on the simulated file system. No windows
+// here.
 #pragma once
-
-#include "simulator/store/device.h"
 
 #include <string>
 #include <vector>
+
+#include "simulator/store/device.h"
 
 namespace sim::windows {
 
@@ -25,13 +26,13 @@ struct ChoiceRules {
 };
 
 enum class ChoiceKind {
-    kNothing,        // nothing typed
-    kFolder,         // go into `path`
-    kPattern,        // list only what matches `path`
-    kFile,           // the answer
-    kAskCreate,      // the answer if the user agrees
-    kAskOverwrite,   // the answer if the user agrees
-    kNoSuchFolder,   // told to the user, the dialog stays
+    kNothing,       // nothing typed
+    kFolder,        // go into `path`
+    kPattern,       // list only what matches `path`
+    kFile,          // the answer
+    kAskCreate,     // the answer if the user agrees
+    kAskOverwrite,  // the answer if the user agrees
+    kNoSuchFolder,  // told to the user, the dialog stays
     kNoSuchFile,
 };
 
@@ -43,8 +44,8 @@ struct Choice {
 Choice Decide(Device& device, const std::wstring& folder, const std::wstring& typed,
               const ChoiceRules& rules);
 
-// What the dialog lists for `folder`: folders with a trailing backslash, then the files that match one
-// of the patterns; hidden ones are left out.
+// What the dialog lists for `folder`: folders with a trailing backslash, then the files that match
+// one of the patterns; hidden ones are left out.
 std::vector<std::wstring> Listing(Device& device, const std::wstring& folder,
                                   const std::vector<std::wstring>& patterns);
 

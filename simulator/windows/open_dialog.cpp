@@ -1,10 +1,10 @@
 #include "simulator/windows/open_dialog.h"
 
+#include <windows.h>
+
 #include "simulator/files/files.h"
 #include "simulator/windows/template_builder.h"
 #include "simulator/windows/window_calls.h"
-
-#include <windows.h>
 
 namespace sim::windows {
 namespace {
@@ -74,7 +74,9 @@ INT_PTR CALLBACK OpenDialog::Procedure(HWND dialog, UINT message, WPARAM wparam,
         return TRUE;
     }
     auto* self = reinterpret_cast<OpenDialog*>(::GetWindowLongPtrW(dialog, DWLP_USER));
-    if (self == nullptr || message != WM_COMMAND) { return FALSE; }
+    if (self == nullptr || message != WM_COMMAND) {
+        return FALSE;
+    }
     self->OnCommand(LOWORD(wparam), HIWORD(wparam));
     return TRUE;
 }
@@ -87,18 +89,31 @@ void OpenDialog::OnInit(HWND dialog) {
     }
     ::SendDlgItemMessageW(dialog, kOpenFilterBox, CB_SETCURSEL, answer_.filter_index - 1, 0);
     ::SetDlgItemTextW(dialog, kOpenNameEdit, request_.file.c_str());
-    const bool there = !request_.initial_folder.empty() &&
-                       Decide(device_, L"\\", request_.initial_folder, {}).kind == ChoiceKind::kFolder;
+    const bool there =
+        !request_.initial_folder.empty() &&
+        Decide(device_, L"\\", request_.initial_folder, {}).kind == ChoiceKind::kFolder;
     Show(there ? request_.initial_folder : L"\\");
 }
 
 void OpenDialog::OnCommand(WORD id, WORD notification) {
-    if (id == kOpenFilterBox && notification == CBN_SELCHANGE) { OnFilterChosen(); }
-    if (id == kOpenFileList && notification == LBN_SELCHANGE) { OnFileChosen(); }
-    if (id == kOpenFileList && notification == LBN_DBLCLK) { OnOk(); }
-    if (id == kOpenUpButton && notification == BN_CLICKED) { GoTo(FolderAbove(folder_)); }
-    if (id == IDOK) { OnOk(); }
-    if (id == IDCANCEL) { ::EndDialog(dialog_, IDCANCEL); }
+    if (id == kOpenFilterBox && notification == CBN_SELCHANGE) {
+        OnFilterChosen();
+    }
+    if (id == kOpenFileList && notification == LBN_SELCHANGE) {
+        OnFileChosen();
+    }
+    if (id == kOpenFileList && notification == LBN_DBLCLK) {
+        OnOk();
+    }
+    if (id == kOpenUpButton && notification == BN_CLICKED) {
+        GoTo(FolderAbove(folder_));
+    }
+    if (id == IDOK) {
+        OnOk();
+    }
+    if (id == IDCANCEL) {
+        ::EndDialog(dialog_, IDCANCEL);
+    }
 }
 
 void OpenDialog::OnFilterChosen() {
@@ -158,7 +173,9 @@ void OpenDialog::GoTo(const std::wstring& folder) {
 }
 
 std::vector<std::wstring> OpenDialog::Patterns() const {
-    if (!typed_pattern_.empty()) { return {typed_pattern_}; }
+    if (!typed_pattern_.empty()) {
+        return {typed_pattern_};
+    }
     const std::size_t index = answer_.filter_index - 1;
     return index < request_.filters.size() ? request_.filters[index].patterns
                                            : std::vector<std::wstring>{kEveryFile};

@@ -1,13 +1,13 @@
-// The platform's open and save dialogs: a small dialog over the simulated file system that shows and
-// answers device paths.
+// The platform's open and save dialogs: a small dialog over the simulated file system that shows
+// and answers device paths.
 #pragma once
-
-#include "simulator/windows/open_choice.h"
 
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
+
+#include "simulator/windows/open_choice.h"
 
 namespace sim::windows {
 

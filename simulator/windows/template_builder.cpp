@@ -27,7 +27,9 @@ TemplateBuilder::TemplateBuilder(const std::wstring& title, std::int16_t width,
 
 void TemplateBuilder::Add(ClassAtom window_class, const std::wstring& text, std::uint32_t style,
                           Place place, int id) {
-    if (words_.size() % 2 != 0) { words_.push_back(0); }
+    if (words_.size() % 2 != 0) {
+        words_.push_back(0);
+    }
     ++words_[kItemCountWord];
     Double(style | WS_CHILD | WS_VISIBLE);
     Double(0);
