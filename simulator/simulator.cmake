@@ -15,7 +15,7 @@ target_include_directories(simcore PUBLIC ${CMAKE_SOURCE_DIR} ${GENERATED})
 target_include_directories(simcore SYSTEM PUBLIC ${CMAKE_BINARY_DIR}/host_include)
 target_compile_definitions(simcore PRIVATE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN
   _WIN32_WINNT=0x0601)
-target_link_libraries(simcore PRIVATE warnings)
+target_link_libraries(simcore PRIVATE warnings INTERFACE ${SIM_HOST_LIBRARIES})
 
 file(GLOB export_sources CONFIGURE_DEPENDS ${SIM}/exports/*.cpp)
 add_library(sim_coredll SHARED ${export_sources})
