@@ -6,4 +6,5 @@ foreach(source IN LISTS benchmark_sources)
   target_link_libraries(${name} PRIVATE product warnings test_support simcore coredll_calls commctrl
     commdlg product ${SIM_HOST_LIBRARIES})
   target_link_options(${name} PRIVATE -static)
+  add_dependencies(${name} sim_coredll sim_commctrl sim_commdlg)
 endforeach()
