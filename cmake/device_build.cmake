@@ -35,6 +35,8 @@ file(GLOB product_sources CONFIGURE_DEPENDS platform/*.cpp app/*.cpp snapshot/*.
   autobackup/*.cpp difftree/*.cpp)
 list(REMOVE_ITEM product_sources ${CMAKE_SOURCE_DIR}/app/main.cpp)
 add_library(product STATIC ${product_sources})
+# Every stored byte goes through it; the smallest code is half as fast.
+set_source_files_properties(snapshot/checksum.cpp PROPERTIES COMPILE_OPTIONS -O2)
 target_link_libraries(product PRIVATE program_options PUBLIC ce_headers)
 
 add_library(start OBJECT platform/start/start.cpp)

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstring>
+#include <utility>
 
 namespace tolvenar {
 namespace {
@@ -36,20 +37,60 @@ inline unsigned Look(std::uint32_t word, std::size_t after) {
            kTables[after + 1][word >> 16 & 0xFF] ^ kTables[after][word >> 24];
 }
 
+// Long buffers need no table. The polynomial's 32nd power is y^16 + y^12 + y^5 + 1 with y = x^32,
+// and what is congruent modulo a power is so modulo the polynomial: a word of the buffer may be
+// moved 4, 11 and 16 words towards the end. Folding stops at the last 16 words, whose checksum is
+// the buffer's.
+constexpr std::size_t kFoldWords = 16;
+constexpr std::size_t kFoldBytes = 4 * kFoldWords;
+using Folded = std::array<std::uint32_t, kFoldWords>;
+
+inline std::uint32_t WordAt(const std::uint8_t* bytes, std::size_t i) {
+    std::uint32_t word;
+    std::memcpy(&word, bytes + 4 * i, 4);  // the bytes may stand anywhere
+    return word;
+}
+
+template <std::size_t... kIndex>
+inline void Fold(Folded& folded, const std::uint8_t* bytes, std::index_sequence<kIndex...>) {
+    ((folded[kIndex] ^= WordAt(bytes, kIndex) ^ folded[(kIndex + 12) % kFoldWords] ^
+                        folded[(kIndex + 5) % kFoldWords]),
+     ...);
+}
+
+// The last words have been moved into one another too, though they stay where they are.
+inline void Unfold(Folded& folded) {
+    for (std::size_t i = kFoldWords; i-- > 4;) {
+        folded[i] ^= folded[i - 4] ^ (i >= 11 ? folded[i - 11] : 0u);
+    }
+}
+
+inline unsigned Sliced(const std::uint8_t* byte, std::size_t size, unsigned crc) {
+    for (; size >= kSlice; size -= kSlice, byte += kSlice) {
+        crc = Look(WordAt(byte, 3), 0) ^ Look(WordAt(byte, 2), 4) ^ Look(WordAt(byte, 1), 8) ^
+              Look(WordAt(byte, 0) ^ crc, 12);
+    }
+    for (; size != 0; --size) {
+        crc = kTables[0][(crc ^ *byte++) & 0xFF] ^ (crc >> 8);
+    }
+    return crc;
+}
+
 }  // namespace
 
 std::uint16_t Checksum16(const void* bytes, std::size_t size, std::uint16_t seed) {
     const auto* byte = static_cast<const std::uint8_t*>(bytes);
     unsigned crc = seed;
-    for (; size >= kSlice; size -= kSlice, byte += kSlice) {
-        std::uint32_t words[kSlice / 4];
-        std::memcpy(words, byte, kSlice);  // the bytes may stand anywhere
-        crc = Look(words[3], 0) ^ Look(words[2], 4) ^ Look(words[1], 8) ^ Look(words[0] ^ crc, 12);
+    if (size >= 4 * kFoldBytes) {
+        Folded folded{};
+        folded[0] = crc;
+        for (; size >= kFoldBytes; size -= kFoldBytes, byte += kFoldBytes) {
+            Fold(folded, byte, std::make_index_sequence<kFoldWords>{});
+        }
+        Unfold(folded);
+        crc = Sliced(reinterpret_cast<const std::uint8_t*>(folded.data()), kFoldBytes, 0);
     }
-    for (; size != 0; --size) {
-        crc = kTables[0][(crc ^ *byte++) & 0xFF] ^ (crc >> 8);
-    }
-    return static_cast<std::uint16_t>(crc);
+    return static_cast<std::uint16_t>(Sliced(byte, size, crc));
 }
 
 }  // namespace tolvenar

@@ -49,6 +49,15 @@ TEST(ChecksumTest, EveryLengthAndAlignmentEqualsTheBitwiseResult) {
     }
 }
 
+TEST(ChecksumTest, LongBuffersEqualTheBitwiseResult) {
+    const auto bytes = RandomBytes(1200, 4);
+    for (std::size_t size = 0; size < 1190; ++size) {
+        const auto seed = static_cast<std::uint16_t>(size * 40503);
+        ASSERT_EQ(BitByBit(&bytes[size % 7], size, seed), Checksum16(&bytes[size % 7], size, seed))
+            << size;
+    }
+}
+
 TEST(ChecksumTest, EverySeedEqualsTheBitwiseResult) {
     const auto bytes = RandomBytes(37, 2);
     for (unsigned seed = 0; seed <= 0xFFFF; ++seed) {
