@@ -1,0 +1,153 @@
+#include "autobackup/agent_status.h"
+
+#include <nlohmann/json.hpp>
+
+#include "app/settings.h"
+#include "autobackup/notification_reader.h"
+#include "tests/support/device_test.h"
+
+namespace tolvenar {
+namespace {
+
+// A plain window with a bar and a label in the place of the options page.
+class AgentStatusTest : public tests::DeviceTest {
+protected:
+    void SetUp() override {
+        DeviceTest::SetUp();
+        INITCOMMONCONTROLSEX controls{sizeof controls, ICC_PROGRESS_CLASS};
+        ::InitCommonControlsEx(&controls);
+        page_ = Make(L"STATIC", nullptr, WS_POPUP);
+        bar_ = Make(PROGRESS_CLASSW, page_, WS_CHILD | WS_VISIBLE);
+        label_ = Make(L"STATIC", page_, WS_CHILD | WS_VISIBLE);
+        ::SetWindowTextW(label_, L"update:");
+        WriteSetting(setting::kOnTime, 1);
+        WriteSetting(setting::kWakeUpTime, 21);
+        status_.AgentStatusInit(page_, bar_, label_, 0, 0);
+        device().Command("trace on");
+    }
+    void TearDown() override {
+        ::DestroyWindow(page_);
+        device().Command("trace off");
+        DeviceTest::TearDown();
+    }
+    static HWND Make(const wchar_t* name, HWND parent, DWORD style) {
+        return ::CreateWindowExW(0, name, L"", style, 0, 0, 50, 20, parent, nullptr, nullptr,
+                                 nullptr);
+    }
+    std::wstring Label() const {
+        wchar_t text[32] = L"";
+        ::GetWindowTextW(label_, text, 32);
+        return text;
+    }
+    int Position() const { return static_cast<int>(::SendMessageW(bar_, PBM_GETPOS, 0, 0)); }
+    void Tick(DWORD on_time, DWORD on_battery) {
+        status_.AgentStatusTick(kAgentUpdateTimer, on_time, on_battery);
+    }
+    std::size_t Calls(const std::string& function) {
+        return nlohmann::json::parse(device().Command("trace show " + function)).size();
+    }
+    // How often the settings were applied: the agent was started so often.
+    std::size_t Applied() { return Calls("CreateProcessW"); }
+    static DWORD NotificationCount() { return NotificationHandles().count(); }
+
+    HWND page_ = nullptr;
+    HWND bar_ = nullptr;
+    HWND label_ = nullptr;
+    AgentStatus status_;
+};
+
+TEST_F(AgentStatusTest, TheControlsAreHiddenAndReady) {
+    EXPECT_FALSE(::GetWindowLongW(bar_, GWL_STYLE) & WS_VISIBLE);
+    EXPECT_FALSE(::GetWindowLongW(label_, GWL_STYLE) & WS_VISIBLE);
+    EXPECT_EQ(L"ready:", Label());
+    EXPECT_EQ(0, Position());
+}
+
+TEST_F(AgentStatusTest, AChangeIsAppliedAtTheThirdTick) {
+    status_.AgentStatusChanged(1, 0);
+    EXPECT_EQ(L"update:", Label());
+    Tick(1, 0);
+    EXPECT_EQ(1, Position());
+    Tick(1, 0);
+    EXPECT_EQ(2, Position());
+    EXPECT_EQ(0u, Applied());
+    Tick(1, 0);
+    EXPECT_EQ(1u, Applied());
+    EXPECT_EQ(2u, NotificationCount());
+    EXPECT_EQ(L"ready:", Label());
+    EXPECT_EQ(0, Position());
+    Tick(1, 0);  // one that was still in the queue
+    EXPECT_EQ(1u, Applied());
+}
+
+TEST_F(AgentStatusTest, AnotherChangeStartsTheCountdownOver) {
+    status_.AgentStatusChanged(1, 0);
+    Tick(1, 0);
+    Tick(1, 0);
+    status_.AgentStatusChanged(1, 1);
+    EXPECT_EQ(0, Position());
+    EXPECT_EQ(1u, Calls("SetTimer"));
+    Tick(1, 1);
+    Tick(1, 1);
+    EXPECT_EQ(0u, Applied());
+    Tick(1, 1);
+    EXPECT_EQ(1u, Applied());
+}
+
+TEST_F(AgentStatusTest, AChangeThatIsUndoneAppliesNothing) {
+    status_.AgentStatusChanged(1, 0);
+    Tick(1, 0);
+    status_.AgentStatusChanged(0, 0);
+    EXPECT_EQ(L"ready:", Label());
+    EXPECT_EQ(0, Position());
+    EXPECT_EQ(1u, Calls("KillTimer"));
+    for (int i = 0; i < 4; ++i) {
+        Tick(0, 0);
+    }
+    EXPECT_EQ(0u, Applied());
+}
+
+TEST_F(AgentStatusTest, TheAppliedPairIsRememberedAfterARefresh) {
+    status_.AgentStatusChanged(1, 0);
+    for (int i = 0; i < 3; ++i) {
+        Tick(1, 0);
+    }
+    status_.AgentStatusChanged(1, 0);
+    EXPECT_EQ(1u, Calls("SetTimer"));
+}
+
+TEST_F(AgentStatusTest, OtherTimersAreIgnored) {
+    status_.AgentStatusChanged(1, 0);
+    for (int i = 0; i < 5; ++i) {
+        status_.AgentStatusTick(7, 1, 0);
+    }
+    EXPECT_EQ(0, Position());
+    EXPECT_EQ(0u, Applied());
+}
+
+TEST_F(AgentStatusTest, ApplyNowAppliesOnlyWhatIsPending) {
+    status_.AgentStatusApplyNow(1, 0);
+    EXPECT_EQ(0u, Applied());
+    status_.AgentStatusChanged(1, 0);
+    status_.AgentStatusApplyNow(1, 0);
+    EXPECT_EQ(1u, Applied());
+    EXPECT_EQ(2u, NotificationCount());
+    EXPECT_EQ(L"ready:", Label());
+    EXPECT_EQ(0, Position());
+    status_.AgentStatusApplyNow(1, 0);
+    EXPECT_EQ(1u, Applied());
+}
+
+TEST_F(AgentStatusTest, TheTimerRunsOnThePage) {
+    device().Command("set sleep.scale 20");
+    status_.AgentStatusChanged(1, 0);
+    MSG message;
+    for (int i = 0; i < 3; ++i) {
+        ASSERT_GT(::GetMessageW(&message, page_, WM_TIMER, WM_TIMER), 0);
+        status_.AgentStatusTick(message.wParam, 1, 0);
+    }
+    EXPECT_EQ(1u, Applied());
+}
+
+}  // namespace
+}  // namespace tolvenar
