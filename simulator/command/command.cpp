@@ -6,8 +6,10 @@ namespace sim {
 namespace {
 
 const CommandRow* FindCommand(const std::string& name) {
-    for (const CommandRows* family : {&GateCommands(), &ProcessCommands(), &ProfileCommands(),
-                                      &SettingCommands(), &WindowCommands()}) {
+    const CommandRows* const families[] = {
+        &FileCommands(),     &GateCommands(),    &ProcessCommands(), &ProfileCommands(),
+        &RegistryCommands(), &SettingCommands(), &WindowCommands()};
+    for (const CommandRows* family : families) {
         for (const CommandRow& row : *family) {
             if (name == row.name) {
                 return &row;

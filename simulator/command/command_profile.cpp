@@ -1,17 +1,63 @@
-// create, export, dump: a device as a whole.
+// create, export, dump, install: a device as a whole.
 #include "simulator/command/command_row.h"
+#include "simulator/command/dump_parts.h"
+#include "simulator/command/profile.h"
+#include "simulator/command/registry_edit.h"
+#include "simulator/files/files.h"
+#include "simulator/registry/registry_dump.h"
 #include "simulator/system/settings.h"
 
 namespace sim {
 namespace {
 
-Json RunDump(Device& device, const Words&) { return {{"settings", OwnSettings(device)}}; }
+constexpr wchar_t kFolder[] = L"\\Program Files\\Tolvenar";
+constexpr char kAgent[] = "kestrin_tolvenar_agent.exe";
+constexpr char kKey[] = "HKCU\\Software\\Kestrin2\\Tolvenar";
+
+Json RunCreate(Device& device, const Words& words) {
+    CreateFromProfile(device, words[0]);
+    return Done();
+}
+
+Json RunExport(Device& device, const Words& words) {
+    ExportProfile(device, words[0]);
+    return Done();
+}
+
+Json RunDump(Device& device, const Words&) {
+    return {{"files", DumpFiles(device)},
+            {"registry", registry::DumpJson(device)},
+            {"settings", OwnSettings(device)}};
+}
+
+// The agent also stands where a program is found by its bare name.
+Json RunInstall(Device& device, const Words& words) {
+    for (const char* name : {"Tolvenar.exe", kAgent, "CloseOther.exe"}) {
+        const std::string bytes = ReadHostFile(words[0] + "/" + name);
+        files::Put(device, std::wstring(kFolder) + L"\\" + Wide(name), bytes);
+        if (std::string(name) == kAgent) {
+            files::Put(device, L"\\Windows\\" + Wide(name), bytes);
+        }
+    }
+    const std::wstring card = Wide(device.Setting("card.name", "Storage Card"));
+    SetRegistryText(device, kKey, "InstDir", Utf8(std::wstring(kFolder)));
+    SetRegistryText(device, kKey, "StoragePath", Utf8(L"\\" + card + L"\\Tolvenar\\"));
+    SetRegistryText(device, kKey, "StorageFile", "Backup");
+    for (const char* name : {"onTime", "onBattery", "WakeUpTime"}) {
+        SetRegistryNumber(device, kKey, name, 0);
+    }
+    files::MakeFolder(device, L"\\" + card + L"\\Tolvenar");
+    return Done();
+}
 
 }  // namespace
 
 const CommandRows& ProfileCommands() {
     static const CommandRows rows = {
+        {"create", 1, 1, RunCreate, "PROFILE"},
+        {"export", 1, 1, RunExport, "PROFILE"},
         {"dump", 0, 0, RunDump, ""},
+        {"install", 1, 1, RunInstall, "FOLDER"},
     };
     return rows;
 }

@@ -30,9 +30,11 @@ using CommandRows = std::vector<CommandRow>;
 constexpr std::size_t kManyWords = 1000;
 
 // The families.
+const CommandRows& FileCommands();
 const CommandRows& GateCommands();
 const CommandRows& ProcessCommands();
 const CommandRows& ProfileCommands();
+const CommandRows& RegistryCommands();
 const CommandRows& SettingCommands();
 const CommandRows& WindowCommands();
 

@@ -29,6 +29,7 @@ BOOL StartProgram(LPCWSTR name, LPCWSTR arguments, DWORD flags, LPPROCESS_INFORM
         sim::processes::CloseStarted(started);
         return TRUE;
     }
+    sim::AddToGauge(sim::Gauge::kHandles, 2);
     info->hProcess = started.process;
     info->hThread = started.thread;
     info->dwProcessId = started.pid;

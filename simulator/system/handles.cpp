@@ -6,6 +6,8 @@
 #include <vector>
 #include <windows.h>
 
+#include "simulator/gate/gate.h"
+
 namespace sim::handles {
 namespace {
 
@@ -47,6 +49,7 @@ Entry* Open(const void* handle) {
 
 // Empties the place; the object is let go of by the caller, outside the mutex.
 std::shared_ptr<void> Empty(Entry& entry) {
+    AddToGauge(Gauge::kHandles, -1);
     entry.held = false;
     ++entry.round;
     free_places.push_back(static_cast<std::uint32_t>(&entry - entries.data()));
@@ -56,6 +59,7 @@ std::shared_ptr<void> Empty(Entry& entry) {
 }  // namespace
 
 void* Register(Kind kind, std::shared_ptr<void> object) {
+    AddToGauge(Gauge::kHandles, 1);
     std::lock_guard guard(mutex);
     if (free_places.empty()) {
         free_places.push_back(static_cast<std::uint32_t>(entries.size()));
@@ -95,7 +99,11 @@ bool Close(Kind kind, const void* handle) {
 
 bool CloseAnyKind(void* handle) {
     if (!IsOurs(handle)) {
-        return ::CloseHandle(handle) != FALSE;
+        if (!::CloseHandle(handle)) {
+            return false;
+        }
+        AddToGauge(Gauge::kHandles, -1);
+        return true;
     }
     std::shared_ptr<void> object;
     {

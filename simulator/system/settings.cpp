@@ -1,5 +1,7 @@
 #include "simulator/system/settings.h"
 
+#include "simulator/files/files.h"
+
 #include <cstdlib>
 #include <stdexcept>
 
@@ -127,8 +129,8 @@ void ApplySetting(Device& device, const std::string& name, const std::string& va
     }
     if (name == "clock") {
         SetClock(device, change, value);
-    } else if (name == "oid.next") {
-        change.Set(u"i/next", std::to_string(WholeNumber(value)));
+    } else if (!value.empty() && files::ApplyFileSetting(device, name, value)) {
+        return;
     } else if (value.empty()) {
         change.Erase(KeyOf(name));
     } else if (name == "clock.step") {

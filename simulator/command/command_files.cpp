@@ -1,0 +1,109 @@
+// put, get, mkdir, rm, mv, attr, touch, ls, lock, unlock: the device's files, past attributes and
+// sharing.
+#include <algorithm>
+
+#include "simulator/command/command_row.h"
+#include "simulator/command/dump_parts.h"
+#include "simulator/command/sha256.h"
+#include "simulator/files/files.h"
+
+namespace sim {
+namespace {
+
+Json RunPut(Device& device, const Words& words) {
+    files::Put(device, Wide(words[1]), ReadHostFile(words[0]));
+    return Done();
+}
+
+Json RunGet(Device& device, const Words& words) {
+    WriteHostFile(words[1], files::Get(device, Wide(words[0])));
+    return Done();
+}
+
+Json RunMkdir(Device& device, const Words& words) {
+    files::MakeFolder(device, Wide(words[0]));
+    return Done();
+}
+
+Json RunRm(Device& device, const Words& words) {
+    files::Erase(device, Wide(words[0]));
+    return Done();
+}
+
+Json RunMv(Device& device, const Words& words) {
+    files::Rename(device, Wide(words[0]), Wide(words[1]));
+    return Done();
+}
+
+Json RunAttr(Device& device, const Words& words) {
+    files::ReplaceAttributes(device, Wide(words[0]), static_cast<std::uint32_t>(Number(words[1])));
+    return Done();
+}
+
+Json RunTouch(Device& device, const Words& words) {
+    files::Touch(device, Wide(words[0]), static_cast<std::uint64_t>(Number(words[1])));
+    return Done();
+}
+
+Json EntryAsJson(const files::Entry& entry) {
+    Json json = {{"path", Utf8(entry.path)}, {"oid", entry.oid}, {"attributes", entry.attributes}};
+    if (!entry.is_folder) {
+        json["size"] = entry.size;
+        json["modified"] = entry.modified;
+    }
+    return json;
+}
+
+Json RunLs(Device& device, const Words& words) {
+    Json list = Json::array();
+    for (const files::Entry& entry : files::List(device, Wide(words[0]))) {
+        list.push_back(EntryAsJson(entry));
+    }
+    return list;
+}
+
+Json RunLock(Device& device, const Words& words) {
+    const std::string mode = words.size() > 1 ? words[1] : "none";
+    if (mode != "none" && mode != "read" && mode != "write") {
+        throw CommandError("usage: lock PATH [none|read|write]");
+    }
+    files::Lock(device, Wide(words[0]), mode);
+    return Done();
+}
+
+Json RunUnlock(Device& device, const Words& words) {
+    files::Unlock(device, Wide(words[0]));
+    return Done();
+}
+
+}  // namespace
+
+Json DumpFiles(Device& device) {
+    Json list = Json::array();
+    for (const files::Entry& entry : files::ListAll(device)) {
+        Json json = EntryAsJson(entry);
+        if (!entry.is_folder) {
+            json["sha256"] = Sha256(files::Get(device, entry.path));
+        }
+        list.push_back(std::move(json));
+    }
+    return list;
+}
+
+const CommandRows& FileCommands() {
+    static const CommandRows rows = {
+        {"put", 2, 2, RunPut, "HOST PATH"},
+        {"get", 2, 2, RunGet, "PATH HOST"},
+        {"mkdir", 1, 1, RunMkdir, "PATH"},
+        {"rm", 1, 1, RunRm, "PATH"},
+        {"mv", 2, 2, RunMv, "PATH PATH"},
+        {"attr", 2, 2, RunAttr, "PATH N"},
+        {"touch", 2, 2, RunTouch, "PATH FILETIME"},
+        {"ls", 1, 1, RunLs, "PATH"},
+        {"lock", 1, 2, RunLock, "PATH [none|read|write]"},
+        {"unlock", 1, 1, RunUnlock, "PATH"},
+    };
+    return rows;
+}
+
+}  // namespace sim
