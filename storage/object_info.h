@@ -26,6 +26,9 @@ public:
     bool GetOIDInfo(std::uint32_t TolvOID, std::uint32_t dwOID, InfoBlock& block) override;
     // From the file of UseStorageFile; false without one.
     bool GetInfoFromStorage(std::uint32_t offset, InfoBlock& block) override;
+    const RegistryObject* FindRegistryObject(std::uint32_t TolvOID) override {
+        return registry_objects_.RegObjectFind(TolvOID);
+    }
 
     // Borrows the open storage file for GetInfoFromStorage, null when it is closed.
     void UseStorageFile(HANDLE sav_file) { sav_file_ = sav_file; }
