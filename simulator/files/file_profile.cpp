@@ -57,7 +57,8 @@ void ImportFiles(Device& device, const std::wstring& profile) {
     if (!text) {
         return;
     }
-    for (const auto& [path, row] : json::parse(*text).items()) {
+    const json rows = json::parse(*text);
+    for (const auto& [path, row] : rows.items()) {
         ApplyRow(device, host::Wide(path), row);
     }
 }

@@ -173,7 +173,7 @@ void Rename(Device& device, const std::wstring& from, const std::wstring& to) {
     if (!is_free) {
         throw FileError(to, target.error != 0 ? target.error : ERROR_ALREADY_EXISTS);
     }
-    if (target.parent.on_card != node.on_card) {
+    if (!node.is_card && target.parent.on_card != node.on_card) {
         throw FileError(to, ERROR_NOT_SAME_DEVICE);
     }
     table.Move(node, target.parent, target.name);
