@@ -1,0 +1,519 @@
+#include "storage/restore_engine.h"
+
+#include "snapshot/difference_engine.h"
+#include "storage/backup_writer.h"
+#include "storage/journal.h"
+#include "storage/storage_file.h"
+#include "tests/storage/restore_fixture.h"
+
+namespace tolvenar {
+namespace {
+
+constexpr wchar_t kSettings[] = L"Software\\Kestrin2\\Tolvenar";
+
+class RestoreEngineTest : public RestoreFixture {
+protected:
+    void SetUp() override {
+        ASSERT_NE(nullptr, CreateStorage(storage_.names.path, nullptr));
+        ASSERT_TRUE(OpenJournal(storage_, nullptr));
+    }
+    ResultCode Backup(std::uint32_t state) {
+        ResultCode code{};
+        std::uint32_t needed = 0;
+        const bool ok = DoBackup(engine_, state, u"", false, code, needed);
+        EXPECT_TRUE(ok || code != ResultCode::kSuccess);
+        return code;
+    }
+    bool RestoreState(std::uint32_t state) { return DoRestore(engine_, state, code_); }
+    bool RestoreAdvanced(bool invert) { return DoAdvancedRestore(engine_, invert, code_); }
+    // The device's content without what a restore may change: ids and its own log.
+    std::string Content() {
+        std::string content;
+        for (const auto& entry : sim::files::ListAll(device().sim())) {
+            if (entry.on_card) {
+                continue;
+            }
+            content += std::string(entry.path.begin(), entry.path.end()) + " " +
+                       std::to_string(entry.attributes) + " " +
+                       (entry.is_folder ? ""
+                                        : std::to_string(entry.modified) + " " +
+                                              device().FileBytes(entry.path)) +
+                       "\n";
+        }
+        return content;
+    }
+    void ExpectNoLists() {
+        EXPECT_EQ(nullptr, storage_.list1);
+        EXPECT_EQ(nullptr, storage_.list2);
+        EXPECT_EQ(nullptr, storage_.difference);
+    }
+    void ExpectOnlyTheDifferenceList() {
+        EXPECT_EQ(nullptr, storage_.list1);
+        EXPECT_EQ(nullptr, storage_.list2);
+        EXPECT_NE(nullptr, storage_.difference);
+    }
+    ResultCode code_{};
+};
+
+TEST_F(RestoreEngineTest, AStateComesBackASecondRestoreAndABackupFindNothing) {
+    device().PutFile(L"\\My Documents\\a.txt", "first");
+    device().PutFile(L"\\My Documents\\b.txt", "second");
+    device().MakeFolder(L"\\Empty");
+    SetValue(HKEY_CURRENT_USER, L"Key\\Below", L"v", REG_DWORD, Dword(1));
+    MakeDatabase(u"People");
+    AddRecord(u"People", L"Ann", 1);
+    AddRecord(u"People", L"Bob", 2);
+    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    const std::string before = Content();
+
+    device().Remove(L"\\My Documents");
+    device().Remove(L"\\Empty");
+    device().PutFile(L"\\New\\c.txt", "new");
+    ::RegDeleteKeyW(HKEY_CURRENT_USER, L"Key");
+    SetValue(HKEY_CURRENT_USER, L"Other", L"v", REG_DWORD, Dword(2));
+    CEOID oid = 0;
+    UniqueHandle(databases_.OpenDatabase(oid, u"People", 0, 0, nullptr));
+    ASSERT_TRUE(databases_.DeleteDatabase(oid));
+    MakeDatabase(u"Others");
+    AddRecord(u"Others", L"Cid", 3);
+
+    EXPECT_TRUE(RestoreState(1));
+    EXPECT_EQ(ResultCode::kSuccess, code_);
+    EXPECT_EQ(before, Content());
+    EXPECT_EQ("4:" + Dword(1), Value(HKEY_CURRENT_USER, L"Key\\Below", L"v"));
+    EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, L"Other"));
+    EXPECT_EQ((std::vector<std::string>{"Ann=1", "Bob=2"}), Records(u"People"));
+    EXPECT_FALSE(DatabaseExists(u"Others"));
+    ExpectNoLists();
+    EXPECT_NE(nullptr, storage_.journal);
+
+    EXPECT_TRUE(RestoreState(1));
+    EXPECT_EQ(ResultCode::kNoDifference, code_);
+    EXPECT_EQ(ResultCode::kNoDifference, Backup(2));
+}
+
+TEST_F(RestoreEngineTest, AnOlderStateComesBackAndTheLastOneAfterIt) {
+    device().PutFile(L"\\a.txt", "one");
+    device().PutFile(L"\\gone.txt", "in one only");
+    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    const std::string one = Content();
+    device().PutFile(L"\\a.txt", "two, longer");
+    device().Remove(L"\\gone.txt");
+    device().PutFile(L"\\b.txt", "in two only");
+    ASSERT_EQ(ResultCode::kSuccess, Backup(2));
+    const std::string two = Content();
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_TRUE(RestoreState(1));
+        EXPECT_EQ(ResultCode::kSuccess, code_);
+        EXPECT_EQ(one, Content());
+        EXPECT_TRUE(RestoreState(2));
+        EXPECT_EQ(ResultCode::kSuccess, code_);
+        EXPECT_EQ(two, Content());
+    }
+    EXPECT_EQ(ResultCode::kNoDifference, Backup(3));
+}
+
+TEST_F(RestoreEngineTest, WithNothingToDoCompleteIsPostedThreeTimes) {
+    device().PutFile(L"\\a.txt", "one");
+    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    progress_.texts.clear();
+    EXPECT_TRUE(RestoreState(1));
+    EXPECT_EQ(ResultCode::kNoDifference, code_);
+    EXPECT_EQ(3, std::count(progress_.texts.begin(), progress_.texts.end(), u"Complete."));
+    ExpectNoLists();
+}
+
+TEST_F(RestoreEngineTest, WithoutItsStorageFileTheDifferencesCannotBeFound) {
+    device().Remove(L"\\Storage Card\\t.sav");
+    EXPECT_FALSE(RestoreState(1));
+    EXPECT_EQ(ResultCode::kNoDifferenceList, code_);
+}
+
+TEST_F(RestoreEngineTest, WithoutAJournalTheDifferencesCannotBeFoundAndTheDeviceStays) {
+    device().PutFile(L"\\a.txt", "one");
+    storage_.journal.reset();
+    EXPECT_FALSE(RestoreState(1));
+    EXPECT_EQ(ResultCode::kNoDifferenceList, code_);
+    EXPECT_TRUE(device().Exists(L"\\a.txt"));
+}
+
+TEST_F(RestoreEngineTest, AStorageFileThatCannotBeOpenedForPruningFailsTheRestore) {
+    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    device().PutFile(L"\\a.txt", "new");
+    device().Fault("CreateFileW", 2, 1, ERROR_SHARING_VIOLATION, "t.sav");
+    EXPECT_FALSE(RestoreState(1));
+    EXPECT_EQ(ResultCode::kFailed, code_);
+    ExpectOnlyTheDifferenceList();
+    EXPECT_TRUE(device().Exists(L"\\a.txt"));
+    EXPECT_EQ("[]", device().Faults());
+}
+
+TEST_F(RestoreEngineTest,
+       AStorageFileThatCannotBeMappedIsADriversFailureAndTheJournalIsLoadedAgain) {
+    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    device().PutFile(L"\\a.txt", "new");
+    device().Fault("CreateFileForMappingW", 1, 1, ERROR_INVALID_FUNCTION, "t.sav");
+    EXPECT_TRUE(RestoreState(1));
+    EXPECT_EQ(ResultCode::kDriver, code_);
+    ExpectNoLists();
+    ASSERT_NE(nullptr, storage_.journal);
+    EXPECT_NE(0u, storage_.journal->CountRecords());
+    EXPECT_TRUE(device().Exists(L"\\a.txt"));
+    EXPECT_EQ("[]", device().Faults());
+}
+
+TEST_F(RestoreEngineTest, AJournalThatCannotBeLoadedAgainIsReportedAndThereIsNone) {
+    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    device().PutFile(L"\\a.txt", "new");
+    device().Fault("CreateFileW", 2, 1, ERROR_SHARING_VIOLATION, "t.jrn");  // after ".jrn_1"
+    EXPECT_FALSE(RestoreState(1));
+    EXPECT_EQ(ResultCode::kJournalUnreadable, code_);
+    EXPECT_EQ(nullptr, storage_.journal);
+    EXPECT_FALSE(device().Exists(L"\\a.txt"));
+    EXPECT_EQ("[]", device().Faults());
+}
+
+TEST_F(RestoreEngineTest, FailedObjectsAreReportedRatherThanAnUnreadableJournal) {
+    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    device().PutFile(L"\\a.txt", "new");
+    const auto lock = device().Lock(L"\\a.txt", "read");
+    device().Fault("CreateFileW", 2, 1, ERROR_SHARING_VIOLATION, "t.jrn");
+    EXPECT_FALSE(RestoreState(1));
+    EXPECT_EQ(ResultCode::kFailed, code_);
+    EXPECT_EQ(nullptr, storage_.journal);
+    EXPECT_EQ("[]", device().Faults());
+}
+
+TEST_F(RestoreEngineTest, FailedObjectsLeaveTheDifferenceListWithExactlyThem) {
+    device().PutFile(L"\\a.txt", "stored");
+    device().PutFile(L"\\b.txt", "stored");
+    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    device().PutFile(L"\\a.txt", "changed since");
+    device().Remove(L"\\b.txt");
+    const auto lock = device().Lock(L"\\a.txt", "read");
+    EXPECT_TRUE(RestoreState(1));
+    EXPECT_EQ(ResultCode::kFailed, code_);
+    ExpectOnlyTheDifferenceList();
+    // Neither could the new version be deleted nor the old one written.
+    std::vector<std::uint16_t> flags = DifferenceFlags();
+    std::sort(flags.begin(), flags.end());
+    EXPECT_EQ((std::vector<std::uint16_t>{JF_ADD, JF_DELETE}), flags);
+    EXPECT_EQ("changed since", device().FileBytes(L"\\a.txt"));
+    EXPECT_EQ("stored", device().FileBytes(L"\\b.txt"));
+}
+
+TEST_F(RestoreEngineTest, NewIdsOfWhatSucceededAreSavedThoughOthersFailed) {
+    device().PutFile(L"\\a.txt", "stored");
+    device().PutFile(L"\\b.txt", "stored");
+    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    device().PutFile(L"\\a.txt", "changed since");
+    device().Remove(L"\\b.txt");
+    const auto lock = device().Lock(L"\\a.txt", "read");
+    EXPECT_TRUE(RestoreState(1));
+    EXPECT_EQ(ResultCode::kFailed, code_);
+    const std::uint32_t oid = device().Info(L"\\b.txt").oid;
+    const auto journal = JournalOnCard();
+    EXPECT_EQ(1, std::count_if(journal.begin(), journal.end(),
+                               [&](const ObjectRecord& record) { return record.dwOID == oid; }));
+}
+
+TEST_F(RestoreEngineTest, OnACardWithoutRoomForAnotherJournalTheOldOneStaysAsItIs) {
+    device().PutFile(L"\\a.txt", "stored");
+    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    device().Remove(L"\\a.txt");
+    const std::string journal = device().FileBytes(L"\\Storage Card\\t.jrn");
+    device().Set("card.free", std::to_string(journal.size() - 1));
+    EXPECT_TRUE(RestoreState(1));
+    EXPECT_EQ(ResultCode::kSuccess, code_);
+    EXPECT_EQ("stored", device().FileBytes(L"\\a.txt"));
+    EXPECT_EQ(journal, device().FileBytes(L"\\Storage Card\\t.jrn"));
+    EXPECT_FALSE(device().Exists(L"\\Storage Card\\t.jrn_1"));
+    ASSERT_NE(nullptr, storage_.journal);
+    EXPECT_EQ(journal.size() / 32, storage_.journal->CountRecords());
+    // The ids in it are those from before: the next backup stores the file once more.
+    device().Set("card.free", "10000000");
+    EXPECT_EQ(ResultCode::kSuccess, Backup(2));
+}
+
+TEST_F(RestoreEngineTest, OnACardWithJustEnoughRoomTheJournalIsSaved) {
+    device().PutFile(L"\\a.txt", "stored");
+    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    device().Remove(L"\\a.txt");
+    const std::string journal = device().FileBytes(L"\\Storage Card\\t.jrn");
+    device().Set("card.free", std::to_string(journal.size()));
+    EXPECT_TRUE(RestoreState(1));
+    EXPECT_EQ(ResultCode::kSuccess, code_);
+    EXPECT_EQ(journal.size(), device().FileBytes(L"\\Storage Card\\t.jrn").size());
+    EXPECT_EQ(ResultCode::kNoDifference, Backup(2));
+}
+
+TEST_F(RestoreEngineTest, WhenTheRoomOnTheCardCannotBeToldTheJournalStaysAsItIs) {
+    device().PutFile(L"\\a.txt", "stored");
+    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    device().Remove(L"\\a.txt");
+    const std::string journal = device().FileBytes(L"\\Storage Card\\t.jrn");
+    device().Fault("GetDiskFreeSpaceExW", 1, 1, ERROR_NOT_READY);
+    EXPECT_TRUE(RestoreState(1));
+    EXPECT_EQ(journal, device().FileBytes(L"\\Storage Card\\t.jrn"));
+    EXPECT_EQ("[]", device().Faults());
+}
+
+TEST_F(RestoreEngineTest, TheRegistryObjectsAreForgottenAtTheEnd) {
+    SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Dword(1));
+    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Dword(2));
+    ASSERT_EQ(1, FindDifference(engine_, 1));
+    std::uint32_t TolvOID = 0;
+    ObjectList::Cursor cursor = storage_.list2->First();
+    ObjectRecord* record = nullptr;
+    while (ObjectList::Next(cursor, nullptr, &record) && TolvOID == 0) {
+        TolvOID = record->TolvOID;
+    }
+    ASSERT_NE(nullptr, storage_.registry_objects.RegObjectFind(TolvOID));
+    EXPECT_TRUE(RestoreState(1));
+    EXPECT_EQ(nullptr, storage_.registry_objects.RegObjectFind(TolvOID));
+    // On a way out that fails early too.
+    device().Fault("CreateFileW", 2, 1, ERROR_SHARING_VIOLATION, "t.sav");
+    SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Dword(3));
+    EXPECT_FALSE(RestoreState(1));
+    EXPECT_EQ(nullptr, storage_.registry_objects.RegObjectFind(TolvOID));
+}
+
+TEST_F(RestoreEngineTest, ANewUrlCacheDatabaseIsLeftOnTheDevice) {
+    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    MakeDatabase(u"\\URL Cache");
+    MakeDatabase(u"\\Other");
+    EXPECT_TRUE(RestoreState(1));
+    EXPECT_EQ(ResultCode::kSuccess, code_);
+    EXPECT_TRUE(DatabaseExists(u"\\URL Cache"));
+    EXPECT_FALSE(DatabaseExists(u"\\Other"));
+}
+
+TEST_F(RestoreEngineTest, AnUrlCacheDatabaseThatIsGoneComesBack) {
+    const CEOID oid = MakeDatabase(u"\\URL Cache");
+    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    ASSERT_TRUE(databases_.DeleteDatabase(oid));
+    EXPECT_TRUE(RestoreState(1));
+    EXPECT_TRUE(DatabaseExists(u"\\URL Cache"));
+}
+
+// Kept so: reported, with the contents and everything else restored.
+TEST_F(RestoreEngineTest, AFolderWithContentsWhoseAttributesChangedIsReported) {
+    device().PutFile(L"\\Sub\\a.txt", "stored");
+    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    device().SetAttributes(L"\\Sub", FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_HIDDEN);
+    EXPECT_TRUE(RestoreState(1));
+    EXPECT_EQ(ResultCode::kFailed, code_);
+    EXPECT_EQ("stored", device().FileBytes(L"\\Sub\\a.txt"));
+}
+
+TEST_F(RestoreEngineTest, AnEmptyFolderWhoseAttributesChangedComesBack) {
+    device().MakeFolder(L"\\Sub");
+    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    device().SetAttributes(L"\\Sub", FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_HIDDEN);
+    EXPECT_TRUE(RestoreState(1));
+    EXPECT_EQ(ResultCode::kSuccess, code_);
+    EXPECT_EQ(DWORD{FILE_ATTRIBUTE_DIRECTORY}, device().Info(L"\\Sub").attributes);
+}
+
+TEST_F(RestoreEngineTest, AChangedReadOnlyFileIsReported) {
+    device().PutFile(L"\\a.txt", "stored");
+    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    device().PutFile(L"\\a.txt", "changed since");
+    device().SetAttributes(L"\\a.txt", FILE_ATTRIBUTE_READONLY);
+    EXPECT_TRUE(RestoreState(1));
+    EXPECT_EQ(ResultCode::kFailed, code_);
+    EXPECT_EQ("changed since", device().FileBytes(L"\\a.txt"));
+}
+
+TEST_F(RestoreEngineTest, ADatabaseWithRecordsWhoseSortOrdersChangedIsReportedAndKeepsItsRecords) {
+    const CEOID oid = MakeDatabase(u"People");
+    AddRecord(u"People", L"Ann", 1);
+    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    CEDBASEINFO info{};
+    info.dwFlags = CEDB_VALIDSORTSPEC;
+    info.wNumSortOrder = 1;
+    info.rgSortSpecs[0].propid = kName;
+    ASSERT_TRUE(databases_.SetDatabaseInfo(oid, info));
+    EXPECT_TRUE(RestoreState(1));
+    EXPECT_EQ(ResultCode::kFailed, code_);
+    EXPECT_EQ((std::vector<std::string>{"Ann=1"}), Records(u"People"));
+}
+
+TEST_F(RestoreEngineTest, ATreeUnderAFolderNamedRecycledIsReported) {
+    device().MakeFolder(L"\\Sub");
+    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    // Not seen by the scan, so it keeps the new folder above it.
+    device().PutFile(L"\\New\\Recycled\\a.txt", "x");
+    EXPECT_TRUE(RestoreState(1));
+    EXPECT_EQ(ResultCode::kFailed, code_);
+    EXPECT_TRUE(device().Exists(L"\\New\\Recycled\\a.txt"));
+}
+
+TEST_F(RestoreEngineTest, AFolderThatRomFilesKeepIsReported) {
+    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    device().PutFile(L"\\New\\rom.dll", "x");
+    device().SetAttributes(L"\\New\\rom.dll", FILE_ATTRIBUTE_INROM);
+    EXPECT_TRUE(RestoreState(1));
+    EXPECT_EQ(ResultCode::kFailed, code_);
+    EXPECT_TRUE(device().Exists(L"\\New\\rom.dll"));
+}
+
+// Kept so: a file that the scan could not open is in no state.
+TEST_F(RestoreEngineTest, AFileThatWasLockedAtTheBackupIsDeletedByARestoreOfThatState) {
+    device().PutFile(L"\\a.txt", "x");
+    {
+        const auto lock = device().Lock(L"\\a.txt");
+        device().PutFile(L"\\b.txt", "y");
+        ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    }
+    EXPECT_TRUE(RestoreState(1));
+    EXPECT_FALSE(device().Exists(L"\\a.txt"));
+}
+
+// The ids that are given out again on a reset device meet those that were stored.
+class ResetDeviceTest : public RestoreEngineTest, public ::testing::WithParamInterface<int> {};
+
+TEST_P(ResetDeviceTest, EveryRecordComesBack) {
+    MakeDatabase(u"People");
+    std::vector<std::string> people;
+    CEOID first = 0;
+    for (int i = 10; i < 40; ++i) {
+        const std::wstring name = L"Person " + std::to_wstring(i);
+        const CEOID oid = AddRecord(u"People", name, i);
+        first = first == 0 ? oid : first;
+        people.push_back("Person " + std::to_string(i) + "=" + std::to_string(i));
+    }
+    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    CEOID oid = 0;
+    UniqueHandle(databases_.OpenDatabase(oid, u"People", 0, 0, nullptr));
+    ASSERT_TRUE(databases_.DeleteDatabase(oid));
+    const int next = GetParam() > 0 ? GetParam() : static_cast<int>(first) + GetParam();
+    device().Set("oid.next", std::to_string(next));
+    EXPECT_TRUE(RestoreState(1));
+    EXPECT_EQ(ResultCode::kSuccess, code_);
+    EXPECT_EQ(people, Records(u"People"));
+    EXPECT_EQ(ResultCode::kNoDifference, Backup(2));
+}
+
+INSTANTIATE_TEST_SUITE_P(NextIds, ResetDeviceTest, ::testing::Values(100, -8, -2, -1));
+
+class AdvancedRestoreTest : public RestoreEngineTest {
+protected:
+    // State 1 with one of everything, state 2 with it changed; the list of differences between.
+    void MakeTwoStates() {
+        device().PutFile(L"\\a.txt", "one");
+        SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Dword(1));
+        MakeDatabase(u"People");
+        AddRecord(u"People", L"Ann", 1);
+        ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+        device().PutFile(L"\\a.txt", "two, longer");
+        SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Dword(2));
+        AddRecord(u"People", L"Bob", 2);
+        ASSERT_EQ(ResultCode::kSuccess, Backup(2));
+        ASSERT_EQ(1, FindDifferenceEx(engine_, 1, 2));
+    }
+};
+
+TEST_F(AdvancedRestoreTest, TheChangesOfAStateAreTakenBack) {
+    MakeTwoStates();
+    EXPECT_TRUE(RestoreAdvanced(false));
+    EXPECT_EQ(ResultCode::kSuccess, code_);
+    EXPECT_EQ("one", device().FileBytes(L"\\a.txt"));
+    EXPECT_EQ("4:" + Dword(1), Value(HKEY_CURRENT_USER, L"Key", L"v"));
+    ExpectNoLists();
+}
+
+TEST_F(AdvancedRestoreTest, InvertedTheyAreAppliedAgain) {
+    MakeTwoStates();
+    ASSERT_TRUE(RestoreAdvanced(false));
+    ASSERT_EQ(1, FindDifferenceEx(engine_, 1, 2));
+    EXPECT_TRUE(RestoreAdvanced(true));
+    EXPECT_EQ("two, longer", device().FileBytes(L"\\a.txt"));
+    EXPECT_EQ("4:" + Dword(2), Value(HKEY_CURRENT_USER, L"Key", L"v"));
+}
+
+TEST_F(AdvancedRestoreTest, DatabasesAreLeftAloneWithoutTheSetting) {
+    MakeTwoStates();
+    EXPECT_TRUE(RestoreAdvanced(false));
+    EXPECT_EQ(ResultCode::kSuccess, code_);
+    EXPECT_EQ((std::vector<std::string>{"Ann=1", "Bob=2"}), Records(u"People"));
+}
+
+TEST_F(AdvancedRestoreTest, DatabasesAreRestoredWithTheSetting) {
+    MakeTwoStates();
+    SetValue(HKEY_CURRENT_USER, kSettings, L"AdvancedDBRestoring", REG_DWORD, Dword(1));
+    EXPECT_TRUE(RestoreAdvanced(false));
+    EXPECT_EQ((std::vector<std::string>{"Ann=1"}), Records(u"People"));
+}
+
+TEST_F(AdvancedRestoreTest, AFullRestoreTakesDatabasesWhateverTheSettingSays) {
+    MakeTwoStates();
+    SetValue(HKEY_CURRENT_USER, kSettings, L"AdvancedDBRestoring", REG_DWORD, Dword(0));
+    EXPECT_TRUE(RestoreState(1));
+    EXPECT_EQ((std::vector<std::string>{"Ann=1"}), Records(u"People"));
+}
+
+// Kept so: ids of objects that an advanced restore made anew are not in the journal.
+TEST_F(AdvancedRestoreTest, TheJournalIsFreedWithoutSavingAndLoadedAgain) {
+    MakeTwoStates();
+    const std::string journal = device().FileBytes(L"\\Storage Card\\t.jrn");
+    EXPECT_TRUE(RestoreAdvanced(false));
+    EXPECT_EQ(journal, device().FileBytes(L"\\Storage Card\\t.jrn"));
+    ASSERT_NE(nullptr, storage_.journal);
+    EXPECT_EQ(journal.size() / 32, storage_.journal->CountRecords());
+    ObjectList::Cursor cursor = storage_.journal->First();
+    ObjectRecord* record = nullptr;
+    while (ObjectList::Next(cursor, nullptr, &record)) {
+        EXPECT_NE(device().Info(L"\\a.txt").oid, record->dwOID);
+    }
+}
+
+TEST_F(AdvancedRestoreTest, AnEmptyListIsARestoreOfNothing) {
+    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    MakeDifference({});
+    EXPECT_TRUE(RestoreAdvanced(false));
+    EXPECT_EQ(ResultCode::kSuccess, code_);
+}
+
+TEST_F(AdvancedRestoreTest, WithoutAListNothingIsDone) {
+    EXPECT_FALSE(RestoreAdvanced(false));
+    EXPECT_EQ(ResultCode::kSuccess, code_);  // the number of an early failure too
+}
+
+TEST_F(AdvancedRestoreTest, AStorageFileThatCannotBeOpenedKeepsTheList) {
+    MakeTwoStates();
+    device().Fault("CreateFileW", 1, 1, ERROR_SHARING_VIOLATION, "t.sav");
+    EXPECT_FALSE(RestoreAdvanced(false));
+    EXPECT_EQ(ResultCode::kFailed, code_);
+    ExpectOnlyTheDifferenceList();
+    EXPECT_EQ("two, longer", device().FileBytes(L"\\a.txt"));
+    EXPECT_EQ("[]", device().Faults());
+}
+
+TEST_F(AdvancedRestoreTest, AnUrlCacheThatTheInvertedListDeletesIsLeftOnTheDevice) {
+    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    MakeDatabase(u"\\URL Cache");
+    ASSERT_EQ(ResultCode::kSuccess, Backup(2));
+    SetValue(HKEY_CURRENT_USER, kSettings, L"AdvancedDBRestoring", REG_DWORD, Dword(1));
+    ASSERT_EQ(1, FindDifferenceEx(engine_, 2, 1));
+    EXPECT_TRUE(RestoreAdvanced(true));
+    EXPECT_TRUE(DatabaseExists(u"\\URL Cache"));
+}
+
+TEST_F(AdvancedRestoreTest, WhatFailedCanBeRetriedInverted) {
+    MakeTwoStates();
+    {
+        const auto lock = device().Lock(L"\\a.txt", "read");
+        EXPECT_TRUE(RestoreAdvanced(false));
+        EXPECT_EQ(ResultCode::kFailed, code_);
+        EXPECT_EQ("two, longer", device().FileBytes(L"\\a.txt"));
+    }
+    ExpectOnlyTheDifferenceList();
+    EXPECT_TRUE(RestoreAdvanced(true));
+    EXPECT_EQ(ResultCode::kSuccess, code_);
+    EXPECT_EQ("one", device().FileBytes(L"\\a.txt"));
+}
+
+}  // namespace
+}  // namespace tolvenar
