@@ -37,6 +37,9 @@ bool DeleteOldStorage() {
     }
     const bool journal_deleted = ::DeleteFileW(Wide(names.journal)) != FALSE;
     const bool storage_deleted = ::DeleteFileW(Wide(names.sav)) != FALSE;
+    // A save that was stopped left it; beside a storage file that stays it would pass for the
+    // journal.
+    ::DeleteFileW(Wide(names.journal_temporary));
     return journal_deleted && storage_deleted;
 }
 

@@ -129,6 +129,15 @@ TEST_F(StorageFilesTest, DeletingAHeldStorageFileIsFalse) {
     EXPECT_FALSE(device().Exists(kJournal));
 }
 
+// Else the next load would take what an interrupted save left for the journal.
+TEST_F(StorageFilesTest, DeletingLeavesNoTemporaryJournal) {
+    ASSERT_TRUE(CreateNewStorage());
+    device().PutFile(kTemporary, "t");
+    const tests::FileLock lock = device().Lock(kSav);
+    EXPECT_FALSE(DeleteOldStorage());
+    EXPECT_FALSE(device().Exists(kTemporary));
+}
+
 TEST_F(StorageFilesTest, AChosenJournalBecomesFolderAndStem) {
     SaveLocation(u"\\Storage Card\\Backups\\Home2.jrn");
     EXPECT_EQ(Text(u"\\Storage Card\\Backups\\Home2"), Path());
