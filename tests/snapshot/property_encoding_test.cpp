@@ -80,7 +80,7 @@ TEST(PropertyEncodingTest, ABlobCountsWithAsManyBytesAsItsLengthSays) {
 
 // Kept so: a change of such a value alone is not seen.
 TEST(PropertyEncodingTest, BooleansDoublesAndUnknownTypesCountByTheirPresenceOnly) {
-    for (const std::uint8_t type : {11, 5, 99}) {
+    for (const std::uint8_t type : Bytes{11, 5, 99}) {
         const Bytes canonical = {type, 0, 1, 0, 0, 0};
         EXPECT_EQ(SumOf(canonical), ChecksumOf(Property(1, type, 0, 0), 1));
         EXPECT_EQ(SumOf(canonical), ChecksumOf(Property(1, type, 0, 1, 0x3FF00000), 1));
