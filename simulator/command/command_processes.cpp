@@ -29,19 +29,19 @@ Json RunRun(Device& device, const Words& words) {
     const processes::Started started = StartOrThrow(device, words);
     const auto code = processes::Wait(started.process, kNoLimitMs);
     processes::CloseStarted(started);
-    return {{"exit", code.value_or(0)}, {"pid", started.pid}};
+    return {{"exit", code.value_or(0)}, {"id", started.pid}};
 }
 
 Json RunStart(Device& device, const Words& words) {
     const processes::Started started = StartOrThrow(device, words);
     processes::CloseStarted(started);
-    return {{"pid", started.pid}};
+    return {{"id", started.pid}};
 }
 
 Json RunPs(Device& device, const Words&) {
     Json rows = Json::array();
     for (const processes::Running& program : processes::List(device)) {
-        rows.push_back({{"pid", program.pid},
+        rows.push_back({{"id", program.pid},
                         {"path", Utf8(program.path)},
                         {"arguments", Utf8(program.arguments)}});
     }

@@ -55,7 +55,7 @@ Json WindowStub(Device& device, const Words& words) {
     if (pid == 0) {
         throw CommandError("the window did not come up");
     }
-    return {{"pid", pid}};
+    return {{"id", pid}};
 }
 
 const CommandRows& WindowVerbs() {

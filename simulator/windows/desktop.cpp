@@ -102,16 +102,9 @@ std::wstring PrepareDesktop(const Device& device) {
 }
 
 bool EnterDesktop(const Device& device) {
-    thread_local std::wstring folder_entered;
-    if (folder_entered == device.folder()) {
-        return true;
-    }
     const DWORD error = ::GetLastError();
     const std::wstring name = DesktopName(device);
     const bool on_it = IsOn(name) || ::SetThreadDesktop(OpenKept(device, name)) != 0;
-    if (on_it) {
-        folder_entered = device.folder();
-    }
     ::SetLastError(error);
     return on_it;
 }

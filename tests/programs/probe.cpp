@@ -4,6 +4,10 @@
 //   start PATH        starts another program without arguments; ends with 0, or with the error
 //   box               shows a message box; ends with its answer
 //   dialog            shows a dialog with controls of each kind; ends with the button's id
+//   open              asks for a file as the program does; writes the answer to \\chosen.txt
+//   find CLASS        ends with 1 when a window of that class is there, else 0
+//   mutex NAME        creates it; ends with the last error
+//   screen            ends with width * 1000 + height of the screen
 //   echo              ends with 0 when the argument came as it was given: "echo  "two blanks" end"
 #include "platform/win32.h"
 
@@ -125,6 +129,39 @@ int ShowDialog(HINSTANCE instance) {
         ::DialogBoxIndirectParamW(instance, &dialog.head, nullptr, ProbeProc, 0));
 }
 
+int AskForFile() {
+    wchar_t file[MAX_PATH] = L"Home";
+    OPENFILENAMEW data{};
+    data.lStructSize = sizeof data;
+    data.lpstrFilter = L"Backup Files (*.jrn)\0*.jrn\0All files (*.*)\0*.*\0";
+    data.nFilterIndex = 1;
+    data.lpstrFile = file;
+    data.nMaxFile = 256;
+    data.lpstrInitialDir = L"\\Storage Card\\Backups";
+    data.lpstrTitle = L"Choose backup file";
+    data.Flags = OFN_HIDEREADONLY | OFN_NOCHANGEDIR | OFN_CREATEPROMPT;
+    data.lpstrDefExt = L"jrn";
+    if (!::GetOpenFileNameW(&data)) {
+        return static_cast<int>(::CommDlgExtendedError());
+    }
+    HANDLE out = ::CreateFileW(L"\\chosen.txt", GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                               FILE_ATTRIBUTE_NORMAL, nullptr);
+    DWORD written = 0;
+    ::WriteFile(out, file, static_cast<DWORD>(::wcslen(file) * sizeof file[0]), &written, nullptr);
+    ::CloseHandle(out);
+    return 1000 + data.nFileOffset;
+}
+
+int MakeMutex(const wchar_t* name) {
+    ::SetLastError(0);
+    ::CreateMutexW(nullptr, FALSE, name);
+    return static_cast<int>(::GetLastError());
+}
+
+int ScreenSize() {
+    return ::GetSystemMetrics(SM_CXSCREEN) * 1000 + ::GetSystemMetrics(SM_CYSCREEN);
+}
+
 }  // namespace
 
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPWSTR arguments, int) {
@@ -139,6 +176,18 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPWSTR arguments, int) {
     }
     if (::wcscmp(arguments, L"box") == 0) {
         return ::MessageBoxW(nullptr, L"Shall it?", L"Probe box", MB_YESNO | MB_SETFOREGROUND);
+    }
+    if (::wcscmp(arguments, L"open") == 0) {
+        return AskForFile();
+    }
+    if (StartsWith(arguments, L"find ")) {
+        return ::FindWindowW(arguments + 5, nullptr) != nullptr ? 1 : 0;
+    }
+    if (StartsWith(arguments, L"mutex ")) {
+        return MakeMutex(arguments + 6);
+    }
+    if (::wcscmp(arguments, L"screen") == 0) {
+        return ScreenSize();
     }
     if (StartsWith(arguments, L"echo")) {
         return ::wcscmp(arguments, kEchoed) == 0 ? 0 : 1;

@@ -6,6 +6,7 @@
 #include "simulator/command/command.h"
 #include "simulator/host/attach.h"
 #include "simulator/host/host_files.h"
+#include "simulator/processes/processes.h"
 #include "simulator/system/settings.h"
 
 namespace tests {
@@ -99,6 +100,7 @@ std::string TestDevice::Command(const std::string& line) {
 DeviceTest::DeviceTest() : folder_(NewDeviceFolder()), device_(AttachTo(folder_)) {}
 
 DeviceTest::~DeviceTest() {
+    sim::processes::KillAll(device_.sim());
     sim::host::AttachProcess(L"");
     sim::host::RemoveTree(folder_);
 }
