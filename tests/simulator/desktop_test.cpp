@@ -1,0 +1,79 @@
+#include "simulator/windows/desktop.h"
+
+#include "platform/win32.h"
+
+#include "tests/support/programs.h"
+
+namespace tests {
+namespace {
+
+namespace processes = sim::processes;
+
+constexpr std::uint32_t kTimeoutMs = 20000;
+constexpr wchar_t kProbe[] = L"\\Windows\\probe.exe";
+
+class DesktopTest : public DeviceTest {
+protected:
+    DesktopTest() { InstallProgram(sim(), "probe.exe", kProbe); }
+    sim::Device& sim() { return device().sim(); }
+    static std::uint32_t RunProbe(sim::Device& on, const std::wstring& arguments) {
+        return processes::Run(on, kProbe, arguments, kTimeoutMs).value_or(0xFFFF);
+    }
+};
+
+TEST_F(DesktopTest, TheScreenIs640By480UnlessTheDeviceSaysOtherwise) {
+    EXPECT_EQ(640480u, RunProbe(sim(), L"screen"));
+    sim().SetSetting("screen.size", "640x240");
+    EXPECT_EQ(640240u, RunProbe(sim(), L"screen"));
+    sim().SetSetting("screen.size", "big");
+    EXPECT_EQ(640480u, RunProbe(sim(), L"screen"));
+}
+
+TEST_F(DesktopTest, AWindowIsFoundOnItsOwnDeviceOnly) {
+    SecondDevice second;
+    InstallProgram(second.sim(), "probe.exe", kProbe);
+    Program shown(sim(), kProbe, L"dialog");
+    EXPECT_TRUE(Eventually([&] { return RunProbe(sim(), L"find Dialog") == 1; }));
+    EXPECT_EQ(0u, RunProbe(second.sim(), L"find Dialog"));
+}
+
+TEST_F(DesktopTest, DevicesHaveNamesOfTheirOwn) {
+    SecondDevice second;
+    EXPECT_NE(sim::windows::DesktopName(sim()), sim::windows::DesktopName(second.sim()));
+    EXPECT_EQ(sim::windows::DesktopName(sim()) + L"-TolvenarMutexObject",
+              sim::windows::ObjectName(sim(), L"TolvenarMutexObject"));
+}
+
+TEST_F(DesktopTest, OneFolderIsOneDeviceHoweverItIsWritten) {
+    std::wstring shouting = folder() + L"\\";
+    for (wchar_t& unit : shouting) {
+        unit = unit == L'd' ? L'D' : unit;
+    }
+    sim::Device same(shouting);
+    EXPECT_EQ(sim::windows::DesktopName(sim()), sim::windows::DesktopName(same));
+}
+
+// Without a virtual desktop each of them waits two seconds for a window manager that is not there.
+TEST_F(DesktopTest, HiddenWindowsDoNotWait) {
+    const DWORD start = ::GetTickCount();
+    for (int i = 0; i < 20; ++i) {
+        HWND window = ::CreateWindowExW(0, L"STATIC", L"", WS_BORDER, 0, 0, 50, 50, nullptr,
+                                        nullptr, nullptr, nullptr);
+        ASSERT_NE(nullptr, window);
+        ::ShowWindow(window, SW_HIDE);
+        ::UpdateWindow(window);
+        ::DestroyWindow(window);
+    }
+    EXPECT_LT(::GetTickCount() - start, 20000u);
+}
+
+TEST_F(DesktopTest, TheShellsDesktopWindowIsTheScreen) {
+    HWND desktop = ::FindWindowW(L"DesktopExplorerWindow", nullptr);
+    RECT client{};
+    ASSERT_TRUE(::GetClientRect(desktop, &client));
+    EXPECT_GE(client.right, 640);
+    EXPECT_GE(client.bottom, 480);
+}
+
+}  // namespace
+}  // namespace tests
