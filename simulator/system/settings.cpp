@@ -1,7 +1,5 @@
 #include "simulator/system/settings.h"
 
-#include "simulator/files/files.h"
-
 #include <cstdlib>
 #include <stdexcept>
 
@@ -101,6 +99,7 @@ std::int64_t SettingNumber(const Device& device, const std::string& name) {
     return std::strtoll(SettingText(device, name).c_str(), nullptr, 0);
 }
 
+// As they are set: the step of the clock is kept in 100 ns units and told in milliseconds.
 std::map<std::string, std::string> OwnSettings(Device& device) {
     std::map<std::string, std::string> settings;
     const LogStore::View view(device.store());
@@ -109,6 +108,10 @@ std::map<std::string, std::string> OwnSettings(Device& device) {
             break;
         }
         settings[std::string(it->first.begin() + 2, it->first.end())] = it->second;
+    }
+    const auto step = settings.find("clock.step");
+    if (step != settings.end()) {
+        step->second = std::to_string(WholeNumber(step->second) / (kTicksPerSecond / 1000));
     }
     return settings;
 }

@@ -1,0 +1,136 @@
+// How often which call was made, and what a process holds.
+#include "simulator/gate/counters.h"
+
+#include "platform/win32.h"
+
+#include "tests/support/device_test.h"
+
+namespace {
+
+using sim::Gauge;
+
+class CountersTest : public tests::DeviceTest {
+protected:
+    long Calls(const std::string& function) {
+        const auto calls = sim::TotalCalls(device().sim());
+        const auto found = calls.find(function);
+        return found == calls.end() ? 0 : found->second;
+    }
+    // Read without an allocation of this process's, which would be counted itself.
+    long Held(Gauge gauge) const {
+        const long last = gate_->processes_started - 1;
+        return last < 0 ? 0 : gate_->processes[last].gauges[static_cast<std::size_t>(gauge)];
+    }
+
+    sim::MappedGate gate_{folder()};
+};
+
+TEST_F(CountersTest, EveryCallIsCounted) {
+    const long before = Calls("DeleteFileW");
+    for (int i = 0; i < 5; ++i) {
+        ::DeleteFileW(L"\\no.txt");
+    }
+    EXPECT_EQ(before + 5, Calls("DeleteFileW"));
+}
+
+TEST_F(CountersTest, ClearedCountersBeginAtNothing) {
+    ::DeleteFileW(L"\\no.txt");
+    device().Command("counters clear");
+    EXPECT_EQ(0, Calls("DeleteFileW"));
+    ::DeleteFileW(L"\\no.txt");
+    EXPECT_EQ(1, Calls("DeleteFileW"));
+}
+
+TEST_F(CountersTest, OpenHandlesAreHeldUntilClosed) {
+    const long before = Held(Gauge::kHandles);
+    HANDLE file = ::CreateFileW(L"\\a", GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr);
+    HANDLE event = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    EXPECT_EQ(before + 2, Held(Gauge::kHandles));
+    ::CloseHandle(file);
+    ::CloseHandle(event);
+    EXPECT_EQ(before, Held(Gauge::kHandles));
+}
+
+TEST_F(CountersTest, AFailedCallHoldsNothing) {
+    const long before = Held(Gauge::kHandles);
+    ::CreateFileW(L"\\no", GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    device().Command("fault CreateEventW 1 8");
+    EXPECT_EQ(nullptr, ::CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    EXPECT_EQ(before, Held(Gauge::kHandles));
+}
+
+TEST_F(CountersTest, HeapBlocksGoWithTheirHeap) {
+    HANDLE heap = ::HeapCreate(0, 0x1000, 0);
+    const long before = Held(Gauge::kHeapBlocks);
+    void* first = ::HeapAlloc(heap, 0, 10);
+    ::HeapAlloc(heap, 0, 10);
+    const long with_two = Held(Gauge::kHeapBlocks);
+    ::HeapFree(heap, 0, first);
+    const long with_one = Held(Gauge::kHeapBlocks);
+    ::HeapDestroy(heap);
+    const long after = Held(Gauge::kHeapBlocks);
+    EXPECT_EQ(before + 2, with_two);
+    EXPECT_EQ(before + 1, with_one);
+    EXPECT_EQ(before, after);
+}
+
+TEST_F(CountersTest, LocalBlocksAreHeapBlocks) {
+    const long before = Held(Gauge::kHeapBlocks);
+    HLOCAL block = ::LocalAlloc(LMEM_FIXED, 16);
+    const long with_one = Held(Gauge::kHeapBlocks);
+    const HLOCAL left = ::LocalFree(block);
+    const long after = Held(Gauge::kHeapBlocks);
+    EXPECT_EQ(nullptr, left);
+    EXPECT_EQ(before + 1, with_one);
+    EXPECT_EQ(before, after);
+}
+
+TEST_F(CountersTest, GdiObjectsAreCounted) {
+    const long before = Held(Gauge::kGdiObjects);
+    HPEN pen = ::CreatePen(PS_SOLID, 1, 0);
+    EXPECT_EQ(before + 1, Held(Gauge::kGdiObjects));
+    ::DeleteObject(pen);
+    EXPECT_EQ(before, Held(Gauge::kGdiObjects));
+}
+
+DWORD WINAPI ReturnOnceFree(LPVOID mutex) {
+    ::WaitForSingleObject(mutex, 60000);
+    return 7;
+}
+DWORD WINAPI LeaveOnceFree(LPVOID mutex) {
+    ::WaitForSingleObject(mutex, 60000);
+    ::ExitThread(8);
+}
+
+TEST_F(CountersTest, AThreadCountsWhileItRuns) {
+    const long before = Held(Gauge::kThreads);
+    for (LPTHREAD_START_ROUTINE run : {ReturnOnceFree, LeaveOnceFree}) {
+        HANDLE mutex = ::CreateMutexW(nullptr, TRUE, nullptr);
+        HANDLE thread = ::CreateThread(nullptr, 0, run, mutex, 0, nullptr);
+        EXPECT_EQ(before + 1, Held(Gauge::kThreads));
+        ::ReleaseMutex(mutex);
+        ASSERT_EQ(WAIT_OBJECT_0, ::WaitForSingleObject(thread, 60000));
+        DWORD code = 0;
+        ::GetExitCodeThread(thread, &code);
+        EXPECT_EQ(run == ReturnOnceFree ? 7u : 8u, code);
+        EXPECT_EQ(before, Held(Gauge::kThreads));
+        ::CloseHandle(thread);
+        ::CloseHandle(mutex);
+    }
+}
+
+TEST_F(CountersTest, SilentKeyPressesAreCountedAndNotTyped) {
+    ::keybd_event(VK_SHIFT, 0, KEYEVENTF_SILENT, 0);
+    ::keybd_event(VK_SHIFT, 0, KEYEVENTF_SILENT | KEYEVENTF_KEYUP, 0);
+    EXPECT_EQ(2, Held(Gauge::kKeyPresses));
+    EXPECT_EQ(0, ::GetAsyncKeyState(VK_SHIFT));
+}
+
+TEST_F(CountersTest, TheCommandTellsProcessesByName) {
+    ::DeleteFileW(L"\\no.txt");
+    const std::string text = device().Command("counters");
+    EXPECT_NE(std::string::npos, text.find("simulator_test.exe"));
+    EXPECT_NE(std::string::npos, text.find("\"DeleteFileW\":1"));
+}
+
+}  // namespace
