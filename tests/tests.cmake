@@ -37,7 +37,7 @@ foreach(folder IN LISTS test_folders)
   target_link_libraries(${name} PRIVATE product warnings simcore GTest::gtest_main
     coredll_calls commctrl commdlg)
   if(TARGET test_support)
-    target_link_libraries(${name} PRIVATE test_support product)
+    target_link_libraries(${name} PRIVATE test_support product coredll_calls commctrl commdlg)
   endif()
   target_link_libraries(${name} PRIVATE ${SIM_HOST_LIBRARIES})
   target_link_options(${name} PRIVATE -static)
