@@ -6,6 +6,7 @@
 namespace tolvenar {
 namespace {
 
+constexpr CEPROPID kAnyProperty = 0x00010003;
 constexpr const wchar_t* kSettingsKey = L"Software\\Kestrin2\\Tolvenar";
 constexpr const wchar_t* kLogPath = L"\\Storage Card\\Backup\\tolvenar_log.txt";
 constexpr const wchar_t* kStorageFolder = L"\\Storage Card\\Backup";
@@ -110,6 +111,16 @@ CEOID WriteRecord(const wchar_t* database, CEOID record,
 
 CEOID AddRecord(const wchar_t* database, const std::vector<TestProperty>& properties) {
     return WriteRecord(database, 0, properties);
+}
+
+CEOID AddEmptyRecord(const wchar_t* database) {
+    const CEOID oid = AddRecord(database, {{kAnyProperty, 1}});
+    CEPROPVAL deletion{};
+    deletion.propid = kAnyProperty;
+    deletion.wFlags = CEDB_PROPDELETE;
+    const UniqueHandle handle = OpenDatabaseByName(database);
+    EXPECT_EQ(oid, ::CeWriteRecordProps(handle.get(), oid, 1, &deletion)) << ::GetLastError();
+    return oid;
 }
 
 std::vector<ObjectRecord> RecordsOf(const ObjectList& list) {

@@ -69,6 +69,9 @@ void SetValue(HKEY root, const wchar_t* key_path, const wchar_t* name, DWORD typ
 // Databases.
 CEOID MakeDatabase(const wchar_t* name, DWORD type = 1);
 CEOID AddRecord(const wchar_t* database, const std::vector<TestProperty>& properties);
+// A record whose last property was taken away.
+CEOID AddEmptyRecord(const wchar_t* database);
+// Merges the properties into a record that exists, or makes a new one with 0.
 CEOID WriteRecord(const wchar_t* database, CEOID record,
                   const std::vector<TestProperty>& properties);
 
