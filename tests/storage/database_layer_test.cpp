@@ -1,0 +1,184 @@
+#include "storage/database_layer.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/text.h"
+#include "platform/unique_resource.h"
+#include "tests/support/engine_test.h"
+
+namespace tolvenar {
+namespace {
+
+constexpr CEPROPID kNumber = 0x00010003;
+
+class DatabaseLayerTest : public EngineTest {
+protected:
+    HANDLE OpenCached(const char16_t* name) {
+        CEOID oid = 0;
+        return databases_.OpenDatabaseCached(oid, name, 0, 0, nullptr);
+    }
+
+    CEDBASEINFO InfoOf(CEOID oid) {
+        CEOIDINFO info;
+        EXPECT_TRUE(databases_.GetObjectInfo(oid, info));
+        return info.infDatabase;
+    }
+};
+
+TEST_F(DatabaseLayerTest, ANewDatabaseHasNameTypeAndSortOrders) {
+    const SORTORDERSPEC specs[] = {{0x00010003, 0}, {0x00020003, CEDB_SORT_DESCENDING}};
+    const CEOID oid = databases_.CreateDatabase(u"First", 77, 2, specs);
+    ASSERT_NE(0u, oid);
+    const CEDBASEINFO info = InfoOf(oid);
+    EXPECT_STREQ(L"First", info.szDbaseName);
+    EXPECT_EQ(77u, info.dwDbaseType);
+    EXPECT_EQ(0x00010003u, info.rgSortSpecs[0].propid);
+    EXPECT_EQ(0x00020003u, info.rgSortSpecs[1].propid);
+}
+
+TEST_F(DatabaseLayerTest, OfFourSortOrdersThreeAreCopiedAndTheirNumberStaysZero) {
+    const SORTORDERSPEC specs[] = {
+        {0x00010003, 0}, {0x00020003, 0}, {0x00030003, 0}, {0x00040003, 0}};
+    device().Command("trace on");
+    databases_.CreateDatabase(u"First", 1, 4, specs);
+    device().Command("trace off");
+    const CEOID oid = databases_.CreateDatabase(u"Second", 1, 4, specs);
+    ASSERT_NE(0u, oid);
+    EXPECT_NE(0x00040003u, InfoOf(oid).rgSortSpecs[3].propid);
+}
+
+TEST_F(DatabaseLayerTest, ANameThatIsTooLongIsRefusedAndNotCut) {
+    EXPECT_NE(0u, databases_.CreateDatabase(std::u16string(31, u'n').c_str(), 1, 0, nullptr));
+    EXPECT_EQ(0u, databases_.CreateDatabase(std::u16string(32, u'm').c_str(), 1, 0, nullptr));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_INVALID_PARAMETER), ::GetLastError());
+    EXPECT_EQ(INVALID_HANDLE_VALUE, OpenCached(std::u16string(31, u'm').c_str()));
+}
+
+TEST_F(DatabaseLayerTest, TheEnumerationGivesEveryDatabaseOfItsType) {
+    const CEOID first = databases_.CreateDatabase(u"First", 5, 0, nullptr);
+    const CEOID second = databases_.CreateDatabase(u"Second", 6, 0, nullptr);
+    const UniqueHandle all(databases_.FindFirstDatabase(0));
+    EXPECT_EQ(first, databases_.FindNextDatabase(all.get()));
+    EXPECT_EQ(second, databases_.FindNextDatabase(all.get()));
+    EXPECT_EQ(0u, databases_.FindNextDatabase(all.get()));
+    const UniqueHandle sixes(databases_.FindFirstDatabase(6));
+    EXPECT_EQ(second, databases_.FindNextDatabase(sixes.get()));
+}
+
+TEST_F(DatabaseLayerTest, ADatabaseOpensByNameOrByIdentifier) {
+    const CEOID oid = MakeDatabase(L"First");
+    CEOID found = 0;
+    const UniqueHandle by_name(databases_.OpenDatabase(found, u"First", 0, 0, nullptr));
+    EXPECT_TRUE(by_name);
+    EXPECT_EQ(oid, found);
+    const UniqueHandle by_oid(databases_.OpenDatabase(found, nullptr, 0, 0, nullptr));
+    EXPECT_TRUE(by_oid);
+    CEOID none = 0;
+    EXPECT_EQ(INVALID_HANDLE_VALUE, databases_.OpenDatabase(none, u"Other", 0, 0, nullptr));
+}
+
+TEST_F(DatabaseLayerTest, ARecordIsFoundByItsIdentifierAndReadFromThePrivateHeap) {
+    MakeDatabase(L"First");
+    AddRecord(L"First", {{kNumber, 1}});
+    const CEOID two = AddRecord(L"First", {{kNumber, 2}});
+    CEOID oid = 0;
+    const UniqueHandle database(databases_.OpenDatabase(oid, u"First", 0, 0, nullptr));
+    DWORD index = 99;
+    EXPECT_EQ(two, databases_.SeekRecord(database.get(), CEDB_SEEK_CEOID, two, &index));
+    EXPECT_EQ(1u, index);
+    RecordBuffer buffer;
+    EXPECT_EQ(two, databases_.ReadRecordProps(database.get(), buffer));
+    ASSERT_EQ(1, buffer.count());
+    ASSERT_LE(sizeof(CEPROPVAL), buffer.size());
+    EXPECT_EQ(2, reinterpret_cast<const CEPROPVAL*>(buffer.bytes())->val.lVal);
+    EXPECT_EQ(0u, databases_.SeekRecord(database.get(), CEDB_SEEK_CEOID, two + 100));
+}
+
+TEST_F(DatabaseLayerTest, ADeviceWithTheOlderSeekOnlyIsServedByIt) {
+    device().Set("absent", "CeSeekDatabaseEx");
+    MakeDatabase(L"First");
+    const CEOID record = AddRecord(L"First", {{kNumber, 1}});
+    DatabaseLayer older;
+    CEOID oid = 0;
+    const UniqueHandle database(older.OpenDatabase(oid, u"First", 0, 0, nullptr));
+    device().Fault("CeSeekDatabaseEx", 1, 1, ERROR_CALL_NOT_IMPLEMENTED);
+    EXPECT_EQ(record, older.SeekRecord(database.get(), CEDB_SEEK_CEOID, record));
+    EXPECT_NE("[]", device().Faults()) << "the newer seek was called";
+}
+
+TEST_F(DatabaseLayerTest, ADatabaseThatIsOpenInTheCacheGivesTheSameHandle) {
+    const CEOID oid = MakeDatabase(L"First");
+    const HANDLE first = OpenCached(u"First");
+    ASSERT_NE(INVALID_HANDLE_VALUE, first);
+    EXPECT_EQ(first, OpenCached(u"First"));
+    CEOID by_oid = oid;
+    EXPECT_EQ(first, databases_.OpenDatabaseCached(by_oid, nullptr, 0, 0, nullptr));
+    databases_.CloseDatabaseCache();
+}
+
+TEST_F(DatabaseLayerTest, AFoundEntryGivesItsIdentifier) {
+    const CEOID oid = MakeDatabase(L"First");
+    for (int i = 0; i < 2; ++i) {
+        CEOID found = 0;
+        databases_.OpenDatabaseCached(found, u"First", 0, 0, nullptr);
+        EXPECT_EQ(oid, found);
+    }
+    databases_.CloseDatabaseCache();
+}
+
+TEST_F(DatabaseLayerTest, CachedNamesAreComparedWithCase) {
+    MakeDatabase(L"First");
+    const HANDLE first = OpenCached(u"First");
+    const HANDLE other_case = OpenCached(u"FIRST");
+    EXPECT_NE(first, other_case);
+    databases_.CloseDatabaseCache();
+}
+
+TEST_F(DatabaseLayerTest, ACachedHandleStaysOpenWhenItIsGivenBack) {
+    const CEOID oid = MakeDatabase(L"First");
+    const HANDLE handle = OpenCached(u"First");
+    OpenCached(u"First");
+    for (int i = 0; i < 3; ++i) {
+        databases_.CloseDatabaseCached(handle);
+    }
+    EXPECT_FALSE(databases_.DeleteDatabase(oid));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_SHARING_VIOLATION), ::GetLastError());
+    databases_.CloseDatabaseCache();
+    EXPECT_TRUE(databases_.DeleteDatabase(oid));
+}
+
+TEST_F(DatabaseLayerTest, AHandleThatIsNotCachedIsClosedWhenItIsGivenBack) {
+    const CEOID oid = MakeDatabase(L"First");
+    CEOID found = 0;
+    databases_.CloseDatabaseCached(databases_.OpenDatabase(found, u"First", 0, 0, nullptr));
+    EXPECT_TRUE(databases_.DeleteDatabase(oid));
+}
+
+TEST_F(DatabaseLayerTest, ADroppedDatabaseIsClosedAndOpensAnew) {
+    const CEOID oid = MakeDatabase(L"First");
+    OpenCached(u"First");
+    EXPECT_TRUE(databases_.DropCachedDatabase(u"First"));
+    EXPECT_FALSE(databases_.DropCachedDatabase(u"First"));
+    EXPECT_TRUE(databases_.DeleteDatabase(oid));
+    EXPECT_EQ(INVALID_HANDLE_VALUE, OpenCached(u"First"));
+}
+
+TEST_F(DatabaseLayerTest, TheFiftyFirstDatabaseIsOpenedBesideTheCache) {
+    HANDLE last = INVALID_HANDLE_VALUE;
+    for (int i = 0; i < 51; ++i) {
+        const std::wstring name = L"db" + std::to_wstring(i);
+        MakeDatabase(name.c_str());
+        last = OpenCached(Utf16(name.c_str()));
+        ASSERT_NE(INVALID_HANDLE_VALUE, last) << i;
+    }
+    EXPECT_FALSE(databases_.DropCachedDatabase(u"db50"));
+    databases_.CloseDatabaseCached(last);
+    CEOID oid = 0;
+    databases_.CloseDatabaseCached(databases_.OpenDatabase(oid, u"db50", 0, 0, nullptr));
+    EXPECT_TRUE(databases_.DeleteDatabase(oid)) << "it stayed open";
+    EXPECT_TRUE(databases_.DropCachedDatabase(u"db49"));
+    databases_.CloseDatabaseCache();
+}
+
+}  // namespace
+}  // namespace tolvenar
