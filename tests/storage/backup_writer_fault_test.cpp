@@ -1,0 +1,178 @@
+// Backups whose platform calls fail: the result that is told, and what is left behind.
+#include <gtest/gtest.h>
+
+#include "platform/text.h"
+#include "platform/unique_resource.h"
+#include "storage/backup_writer.h"
+#include "tests/support/engine_test.h"
+
+namespace tolvenar {
+namespace {
+
+using Text = std::u16string;
+
+class BackupWriterFaultTest : public EngineTest {
+protected:
+    // Two states, the second of one changed file; a third file waits for state 3.
+    void SetUp() override {
+        EngineTest::SetUp();
+        device().PutFile(L"\\a.txt", "first");
+        ASSERT_TRUE(Backup(1));
+        device().PutFile(L"\\n.txt", "123456789");
+    }
+
+    bool Backup(std::uint32_t state) {
+        return DoBackup(engine_, state, u"", false, code_, bytes_needed_);
+    }
+
+    std::string Sav() { return device().FileBytes(kSavPath); }
+    std::string Journal() { return device().FileBytes(kJournalPath); }
+
+    void ExpectEverythingClosed() {
+        for (const wchar_t* path : {kSavPath, kJournalPath}) {
+            const UniqueHandle file(::CreateFileW(path, GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                                  OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+            EXPECT_TRUE(file) << "open";
+        }
+        EXPECT_EQ(nullptr, storage_.difference);
+        EXPECT_EQ(nullptr, storage_.list1);
+        EXPECT_EQ(nullptr, storage_.list2);
+    }
+
+    // A backup that fails before it writes: nothing on the card is touched.
+    void ExpectUntouched(ResultCode code) {
+        const std::string sav = Sav();
+        const std::string journal = Journal();
+        EXPECT_FALSE(Backup(2));
+        EXPECT_EQ(code, code_);
+        EXPECT_EQ("[]", device().Faults()) << "the fault never fired";
+        device().Command("faults clear");
+        EXPECT_EQ(sav, Sav());
+        EXPECT_EQ(journal, Journal());
+        ExpectEverythingClosed();
+        EXPECT_NE(nullptr, storage_.journal);
+    }
+
+    ResultCode code_ = ResultCode::kNotStarted;
+    std::uint32_t bytes_needed_ = 0;
+};
+
+TEST_F(BackupWriterFaultTest, WithoutADifferenceListTheCodeIs3) {
+    device().Fault("CreateFileW", 1, 1, ERROR_SHARING_VIOLATION, "Home.sav");
+    ExpectUntouched(ResultCode::kNoDifferenceList);
+}
+
+TEST_F(BackupWriterFaultTest, AStorageFileThatCannotBeOpenedForWritingGives4) {
+    device().Fault("CreateFileW", 2, 1, ERROR_SHARING_VIOLATION, "Home.sav");
+    ExpectUntouched(ResultCode::kFailed);
+}
+
+TEST_F(BackupWriterFaultTest, AFreeSpaceThatCannotBeAskedForGives4) {
+    device().Fault("GetDiskFreeSpaceExW", 1, 1, ERROR_NOT_READY);
+    ExpectUntouched(ResultCode::kFailed);
+}
+
+TEST_F(BackupWriterFaultTest, AJournalWhoseSizeIsNotToBeHadGives4) {
+    device().Fault("CreateFileW", 1, 1, ERROR_SHARING_VIOLATION, "Home.jrn");
+    ExpectUntouched(ResultCode::kFailed);
+}
+
+TEST_F(BackupWriterFaultTest, AStorageFileThatCannotBeFlushedGives4AndTheJournalStays) {
+    const std::string journal = Journal();
+    device().Fault("FlushFileBuffers", 1, 1, ERROR_WRITE_FAULT);
+    EXPECT_FALSE(Backup(2));
+    EXPECT_EQ(ResultCode::kFailed, code_);
+    EXPECT_EQ(journal, Journal());
+    ExpectEverythingClosed();
+}
+
+TEST_F(BackupWriterFaultTest, ATemporaryJournalThatCannotBeMadeGives4AndTheJournalIsLoadedAgain) {
+    const std::string journal = Journal();
+    device().Fault("CreateFileW", 1, 1, ERROR_ACCESS_DENIED, "Home.jrn_1");
+    EXPECT_FALSE(Backup(2));
+    EXPECT_EQ(ResultCode::kFailed, code_);
+    EXPECT_EQ(journal, Journal());
+    ASSERT_NE(nullptr, storage_.journal);
+    EXPECT_EQ(1, storage_.journal->MaxStateNumber());
+    ExpectEverythingClosed();
+    device().Command("faults clear");
+    EXPECT_TRUE(Backup(2)) << "the next backup stores what this one could not";
+}
+
+TEST_F(BackupWriterFaultTest, AJournalThatCannotBeLoadedAgainGives5AndNoJournal) {
+    // The one before the loading asks for the size, the second is the loading.
+    device().Fault("CreateFileW", 2, 1, ERROR_SHARING_VIOLATION, "Home.jrn\"");
+    EXPECT_FALSE(Backup(2));
+    EXPECT_EQ(ResultCode::kJournalUnreadable, code_);
+    EXPECT_EQ("[]", device().Faults());
+    device().Command("faults clear");
+    EXPECT_EQ(nullptr, storage_.journal);
+    ExpectEverythingClosed();
+}
+
+// A block that cannot be written is left out and its place taken; a restore of the state deletes
+// the object's older version, and the next backup heals it.
+TEST_F(BackupWriterFaultTest, AnObjectWhoseBlockCannotBeWrittenIsLeftOutOfTheJournal) {
+    const std::size_t before = Sav().size();
+    device().Fault("WriteFile", 2, 1, ERROR_WRITE_FAULT, "");
+    ASSERT_TRUE(Backup(2));
+    EXPECT_EQ(ResultCode::kSuccess, code_);
+    device().Command("faults clear");
+    EXPECT_NE(Text::npos, Log().find(u"backup item failed"));
+    const CEOID oid = OidOfPath(L"\\n.txt");
+    for (const ObjectRecord& record : RecordsOf(*storage_.journal)) {
+        EXPECT_NE(oid, record.dwOID);
+        EXPECT_EQ(0, record.flags & JF_FAILED);
+    }
+    ASSERT_TRUE(Backup(3));
+    EXPECT_NE(std::string::npos, Sav().find("123456789", before));
+}
+
+// The state has no record then; the next backup takes the number behind it.
+TEST_F(BackupWriterFaultTest, AStateWhoseOwnBlockCannotBeWrittenStillHoldsItsObjects) {
+    device().Fault("WriteFile", 1, 1, ERROR_WRITE_FAULT);
+    ASSERT_TRUE(Backup(2));
+    device().Command("faults clear");
+    bool has_state_record = false;
+    for (const ObjectRecord& record : RecordsOf(*storage_.journal)) {
+        has_state_record =
+            has_state_record || (record.state_number == 2 && record.type == ObjectType::kState);
+    }
+    EXPECT_FALSE(has_state_record);
+    EXPECT_EQ(3u, NextStateNumber(storage_.journal.get()));
+}
+
+TEST_F(BackupWriterFaultTest, AChunkThatCannotBeMappedFailsItsItem) {
+    // The scan maps the two files first.
+    device().Fault("MapViewOfFile", 3, 1, ERROR_NOT_ENOUGH_MEMORY);
+    ASSERT_TRUE(Backup(2));
+    EXPECT_EQ("[]", device().Faults());
+    EXPECT_NE(Text::npos, Log().find(u"Obj Name: \\n.txt"));
+}
+
+// Every call of a backup fails once, one after the other: no crash, nothing left open, and the
+// first state's blocks and records as they were.
+TEST_F(BackupWriterFaultTest, WhateverCallFailsTheStatesBeforeAreIntact) {
+    const std::string sav = Sav();
+    bool fired = true;
+    int n = 1;
+    for (; fired && n < 100000; n += n < 60 ? 1 : 37) {
+        device().Fault("*", n, 1, ERROR_GEN_FAILURE);
+        ResultCode code{};
+        std::uint32_t needed = 0;
+        const std::uint32_t next = NextStateNumber(storage_.journal.get());
+        DoBackup(engine_, next, u"", false, code, needed);
+        fired = device().Faults() == "[]";
+        device().Command("faults clear");
+        ASSERT_EQ(sav, Sav().substr(0, sav.size())) << "call " << n;
+        if (storage_.journal == nullptr) {
+            ASSERT_TRUE(OpenJournal(storage_, nullptr)) << "call " << n;
+        }
+        ExpectEverythingClosed();
+        device().PutFile(L"\\changes.txt", std::to_string(n));
+    }
+    EXPECT_FALSE(fired) << "the loop ended before the calls did";
+}
+
+}  // namespace
+}  // namespace tolvenar
