@@ -5,6 +5,7 @@
 #include <string>
 #include <windows.h>
 
+#include "simulator/databases/hidden_names.h"
 #include "simulator/gate/gate.h"
 #include "simulator/system/host_calls.h"
 #include "simulator/system/settings.h"
@@ -99,8 +100,10 @@ BOOL FillPower(SYSTEM_POWER_STATUS_EX* status) {
 }
 
 bool IsAbsent(LPCWSTR name) {
-    return std::wcscmp(name, L"GetSystemPowerStatusEx") == 0 &&
-           SettingNumber(Device::Current(), "power.present") == 0;
+    if (std::wcscmp(name, L"GetSystemPowerStatusEx") == 0) {
+        return SettingNumber(Device::Current(), "power.present") == 0;
+    }
+    return sim::databases::IsHidden(Device::Current(), name);
 }
 
 FARPROC FindProcedure(HMODULE module, LPCWSTR name) {

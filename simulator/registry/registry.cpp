@@ -1,7 +1,8 @@
 #include "simulator/registry/registry.h"
 
 #include <algorithm>
-#include <cstring>
+
+#include "simulator/store/byte_stream.h"
 
 namespace sim::registry {
 namespace {
@@ -26,38 +27,7 @@ constexpr RootRow kRoots[kRootCount] = {
     {u"HKEY_USERS", u"HKU"},
 };
 
-// Reads and writes the parts of a stored entry.
-void PutNumber(std::string& out, std::uint32_t number) {
-    out.append(reinterpret_cast<const char*>(&number), sizeof number);
-}
-void PutText(std::string& out, std::u16string_view text) {
-    PutNumber(out, static_cast<std::uint32_t>(text.size()));
-    out.append(reinterpret_cast<const char*>(text.data()), text.size() * sizeof(char16_t));
-}
-
-class Reader {
-public:
-    explicit Reader(const std::string& bytes) : bytes_(bytes) {}
-    std::uint32_t Number() {
-        std::uint32_t number = 0;
-        std::memcpy(&number, bytes_.data() + at_, sizeof number);
-        at_ += sizeof number;
-        return number;
-    }
-    std::u16string Text() {
-        std::u16string text(Number(), u'\0');
-        std::memcpy(&text[0], bytes_.data() + at_, text.size() * sizeof(char16_t));
-        at_ += text.size() * sizeof(char16_t);
-        return text;
-    }
-    std::string Rest() const { return bytes_.substr(at_); }
-
-private:
-    const std::string& bytes_;
-    std::size_t at_ = 0;
-};
-
-std::uint32_t SequenceOf(const std::string& entry) { return Reader(entry).Number(); }
+std::uint32_t SequenceOf(const std::string& entry) { return ByteReader(entry).Number(); }
 
 std::u16string KeyEntry(const KeyId& key) { return kKeys + key; }
 std::u16string ValuesOf(const KeyId& key) { return kValues + key + kValueMark; }
@@ -214,7 +184,7 @@ KeyNames Registry::NamesOf(const KeyId& key) const {
     if (entry == nullptr) {
         return names;
     }
-    Reader reader(*entry);
+    ByteReader reader(*entry);
     reader.Number();
     names.name = reader.Text();
     names.class_name = reader.Text();
@@ -238,7 +208,7 @@ std::optional<Value> Registry::Find(const KeyId& key, std::u16string_view name) 
     if (entry == nullptr) {
         return std::nullopt;
     }
-    Reader reader(*entry);
+    ByteReader reader(*entry);
     reader.Number();
     Value value;
     value.type = reader.Number();

@@ -1,0 +1,25 @@
+// Databases as JSON: `databases/*.json` of a profile, `db-import`, `db-export` and the dump.
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+
+#include "simulator/store/device.h"
+
+namespace sim::databases {
+
+// [{"name", "oid", "type", "flags", "sortOrders": [{"propid", "flags"}], "records": [{"oid",
+// "props":
+// [{"propid", "flags", "value"}]}]}], sorted by name, records by their properties. A value is the
+// lower-case hex of its little-endian bytes, a text's without terminator.
+nlohmann::json DumpJson(Device& device);
+
+// Takes one database or an array of them, as above; ids are ignored, absent parts are empty. A
+// database of the same name is replaced. Throws std::runtime_error when it is damaged; then nothing
+// was changed.
+void ImportJson(Device& device, const nlohmann::json& databases);
+
+// Whether there was one of that name; it goes even when it is open.
+bool DeleteByName(Device& device, const std::string& name);
+
+}  // namespace sim::databases
