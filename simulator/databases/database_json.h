@@ -15,8 +15,9 @@ namespace sim::databases {
 nlohmann::json DumpJson(Device& device);
 
 // Takes one database or an array of them, as above; ids are ignored, absent parts are empty. A
-// database of the same name is replaced. Throws std::runtime_error when it is damaged; then nothing
-// was changed.
+// database of the same name is replaced. Throws std::runtime_error when the text is damaged; then
+// nothing
+// was changed. A record that breaks its database's own rules ends the import where it stands.
 void ImportJson(Device& device, const nlohmann::json& databases);
 
 // Whether there was one of that name; it goes even when it is open.
