@@ -1,10 +1,6 @@
 // put, get, mkdir, rm, mv, attr, touch, ls, lock, unlock: the device's files, past attributes and
 // sharing.
-#include <algorithm>
-
 #include "simulator/command/command_row.h"
-#include "simulator/command/dump_parts.h"
-#include "simulator/command/sha256.h"
 #include "simulator/files/files.h"
 
 namespace sim {
@@ -77,18 +73,6 @@ Json RunUnlock(Device& device, const Words& words) {
 }
 
 }  // namespace
-
-Json DumpFiles(Device& device) {
-    Json list = Json::array();
-    for (const files::Entry& entry : files::ListAll(device)) {
-        Json json = EntryAsJson(entry);
-        if (!entry.is_folder) {
-            json["sha256"] = Sha256(files::Get(device, entry.path));
-        }
-        list.push_back(std::move(json));
-    }
-    return list;
-}
 
 const CommandRows& FileCommands() {
     static const CommandRows rows = {

@@ -1,8 +1,8 @@
 // create, export, dump, install: a device as a whole.
 #include "simulator/command/command_row.h"
-#include "simulator/command/dump_parts.h"
 #include "simulator/command/profile.h"
 #include "simulator/command/registry_edit.h"
+#include "simulator/files/file_profile.h"
 #include "simulator/files/files.h"
 #include "simulator/registry/registry_dump.h"
 #include "simulator/system/settings.h"
@@ -25,7 +25,7 @@ Json RunExport(Device& device, const Words& words) {
 }
 
 Json RunDump(Device& device, const Words&) {
-    return {{"files", DumpFiles(device)},
+    return {{"files", files::DumpFiles(device)},
             {"registry", registry::DumpJson(device)},
             {"settings", OwnSettings(device)}};
 }

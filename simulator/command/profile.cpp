@@ -3,6 +3,7 @@
 #include <sstream>
 
 #include "simulator/command/command_row.h"
+#include "simulator/files/file_profile.h"
 #include "simulator/files/files.h"
 #include "simulator/host/host_files.h"
 #include "simulator/registry/registry_text.h"
@@ -19,29 +20,6 @@ std::string Trimmed(const std::string& text) {
 
 std::wstring CardRoot(Device& device) {
     return L"\\" + Wide(device.Setting("card.name", "Storage Card"));
-}
-
-void PutTree(Device& device, const std::wstring& host_folder, const std::wstring& path) {
-    const host::Listing listing = host::List(host_folder);
-    for (const std::wstring& name : listing.folders) {
-        files::MakeFolder(device, path + L"\\" + name);
-        PutTree(device, host_folder + L"\\" + name, path + L"\\" + name);
-    }
-    for (const std::wstring& name : listing.files) {
-        files::PutHostFile(device, host_folder + L"\\" + name, path + L"\\" + name);
-    }
-}
-
-void ApplyFileFacts(Device& device, const std::string& text) {
-    for (const Json& row : Json::parse(text)) {
-        const std::wstring path = Wide(row.at("path"));
-        if (row.contains("modified")) {
-            files::Touch(device, path, row.at("modified"));
-        }
-        if (row.contains("attributes")) {
-            files::ReplaceAttributes(device, path, row.at("attributes"));
-        }
-    }
 }
 
 void EraseCard(Device& device) {
@@ -65,14 +43,6 @@ void EraseState(Device& device) {
     for (const std::u16string& key : keys) {
         change.Erase(key);
     }
-}
-
-std::wstring HostPathOf(const files::Entry& entry, const std::wstring& folder,
-                        const std::wstring& card) {
-    if (entry.on_card) {
-        return folder + L"\\card" + entry.path.substr(card.size());
-    }
-    return folder + L"\\files" + entry.path;
 }
 
 }  // namespace
@@ -102,17 +72,10 @@ void CreateFromProfile(Device& device, const std::string& folder) {
     if (const auto text = host::ReadWhole(host + L"\\device.ini")) {
         ApplySettingsText(device, *text);
     }
-    files::MountCard(device);
-    if (host::IsFolder(host + L"\\files")) {
-        PutTree(device, host + L"\\files", L"");
-    }
     if (host::IsFolder(host + L"\\card")) {
         EraseCard(device);
-        PutTree(device, host + L"\\card", CardRoot(device));
     }
-    if (const auto text = host::ReadWhole(host + L"\\files.json")) {
-        ApplyFileFacts(device, *text);
-    }
+    files::ImportFiles(device, host);
     if (const auto text = host::ReadWhole(host + L"\\registry.reg")) {
         registry::ImportText(device, *text);
     }
@@ -121,29 +84,12 @@ void CreateFromProfile(Device& device, const std::string& folder) {
 void ExportProfile(Device& device, const std::string& folder) {
     const std::wstring host = HostPath(folder);
     host::MakeFolder(host);
-    host::MakeFolder(host + L"\\files");
-    host::MakeFolder(host + L"\\card");
     std::string settings;
     for (const auto& [name, value] : OwnSettings(device)) {
         settings += name + " = " + value + "\n";
     }
     WriteHostFile(folder + "/device.ini", settings);
-    Json facts = Json::array();
-    const std::wstring card = CardRoot(device);
-    for (const files::Entry& entry : files::ListAll(device)) {
-        const std::wstring to = HostPathOf(entry, host, card);
-        if (entry.is_folder) {
-            host::MakeFolder(to);
-        } else {
-            files::GetToHostFile(device, entry.path, to);
-        }
-        Json row = {{"path", Utf8(entry.path)}, {"attributes", entry.attributes}};
-        if (!entry.is_folder) {
-            row["modified"] = entry.modified;
-        }
-        facts.push_back(std::move(row));
-    }
-    WriteHostFile(folder + "/files.json", facts.dump(1) + "\n");
+    files::ExportFiles(device, host);
     WriteHostFile(folder + "/registry.reg", registry::ExportText(device));
 }
 

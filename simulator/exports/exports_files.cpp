@@ -132,6 +132,10 @@ BOOL WINAPI WriteFile(HANDLE handle, LPCVOID buffer, DWORD bytes, LPDWORD put, L
         [&] {
             return WithFile(handle, [&](File& file) -> std::uint32_t {
                 std::uint32_t count = 0;
+                if (sim::TakeHalfWrite()) {
+                    file.Write(buffer, bytes / 2, count);
+                    sim::EndThisProcess(sim::kCrashExitCode);
+                }
                 const std::uint32_t error = file.Write(buffer, bytes, count);
                 if (put != nullptr) {
                     *put = count;

@@ -14,8 +14,6 @@
 namespace sim {
 namespace {
 
-constexpr unsigned kCrashExitCode = 0xCD;
-
 // This process's part in the gate of its device.
 struct Attachment {
     explicit Attachment(const std::wstring& device_folder)

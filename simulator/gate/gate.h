@@ -55,6 +55,9 @@ private:
 // Adds to a gauge of this process, for what the calls themselves do not tell.
 void AddToGauge(Gauge gauge, long count);
 
+// What a process ends with where a rule says that it dies.
+constexpr unsigned kCrashExitCode = 0xCD;
+
 // True once in the call that a "crash-half" rule chose: whoever writes then writes half of it and
 // ends the process.
 bool TakeHalfWrite();
