@@ -124,7 +124,8 @@ std::vector<int> ProgramTest::States() {
     constexpr std::size_t kRecordBytes = 32;
     constexpr unsigned char kStateType = 32;
     std::vector<int> states;
-    const std::string journal = device().FileBytes(kJournalFile);
+    const std::string journal =
+        device().Exists(kJournalFile) ? device().FileBytes(kJournalFile) : std::string();
     for (std::size_t at = 0; at + kRecordBytes <= journal.size(); at += kRecordBytes) {
         const auto byte = [&](std::size_t i) {
             return static_cast<unsigned char>(journal[at + i]);
