@@ -7,8 +7,9 @@ namespace {
 
 const CommandRow* FindCommand(const std::string& name) {
     const CommandRows* const families[] = {
-        &FileCommands(),     &GateCommands(),    &ProcessCommands(), &ProfileCommands(),
-        &RegistryCommands(), &SettingCommands(), &WindowCommands()};
+        &DatabaseCommands(), &NotificationCommands(), &FileCommands(),
+        &GateCommands(),     &ProcessCommands(),      &ProfileCommands(),
+        &RegistryCommands(), &SettingCommands(),      &WindowCommands()};
     for (const CommandRows* family : families) {
         for (const CommandRow& row : *family) {
             if (name == row.name) {

@@ -2,8 +2,10 @@
 #include "simulator/command/command_row.h"
 #include "simulator/command/profile.h"
 #include "simulator/command/registry_edit.h"
+#include "simulator/databases/database_json.h"
 #include "simulator/files/file_profile.h"
 #include "simulator/files/files.h"
+#include "simulator/notifications/notifications.h"
 #include "simulator/registry/registry_dump.h"
 #include "simulator/system/settings.h"
 
@@ -25,7 +27,9 @@ Json RunExport(Device& device, const Words& words) {
 }
 
 Json RunDump(Device& device, const Words&) {
-    return {{"files", files::DumpFiles(device)},
+    return {{"databases", databases::DumpJson(device)},
+            {"files", files::DumpFiles(device)},
+            {"notifications", notifications::DumpJson(device)},
             {"registry", registry::DumpJson(device)},
             {"settings", OwnSettings(device)}};
 }

@@ -30,8 +30,10 @@ using CommandRows = std::vector<CommandRow>;
 constexpr std::size_t kManyWords = 1000;
 
 // The families.
+const CommandRows& DatabaseCommands();
 const CommandRows& FileCommands();
 const CommandRows& GateCommands();
+const CommandRows& NotificationCommands();
 const CommandRows& ProcessCommands();
 const CommandRows& ProfileCommands();
 const CommandRows& RegistryCommands();

@@ -3,9 +3,11 @@
 #include <sstream>
 
 #include "simulator/command/command_row.h"
+#include "simulator/databases/database_json.h"
 #include "simulator/files/file_profile.h"
 #include "simulator/files/files.h"
 #include "simulator/host/host_files.h"
+#include "simulator/notifications/notifications.h"
 #include "simulator/registry/registry_text.h"
 #include "simulator/system/settings.h"
 
@@ -79,6 +81,13 @@ void CreateFromProfile(Device& device, const std::string& folder) {
     if (const auto text = host::ReadWhole(host + L"\\registry.reg")) {
         registry::ImportText(device, *text);
     }
+    for (const std::wstring& name : host::List(host + L"\\databases").files) {
+        databases::ImportJson(device,
+                              Json::parse(*host::ReadWhole(host + L"\\databases\\" + name)));
+    }
+    if (const auto text = host::ReadWhole(host + L"\\notifications.json")) {
+        notifications::ImportJson(device, Json::parse(*text));
+    }
 }
 
 void ExportProfile(Device& device, const std::string& folder) {
@@ -91,6 +100,9 @@ void ExportProfile(Device& device, const std::string& folder) {
     WriteHostFile(folder + "/device.ini", settings);
     files::ExportFiles(device, host);
     WriteHostFile(folder + "/registry.reg", registry::ExportText(device));
+    host::MakeFolder(host + L"\\databases");
+    WriteHostFile(folder + "/databases/all.json", databases::DumpJson(device).dump(1) + "\n");
+    WriteHostFile(folder + "/notifications.json", notifications::DumpJson(device).dump(1) + "\n");
 }
 
 }  // namespace sim

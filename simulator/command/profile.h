@@ -1,5 +1,6 @@
 // A device as a folder of the host: device.ini (NAME = VALUE settings), registry.reg, files/ and
-// card/ with files.json for what the host's files do not tell, databases/*.json. Any part may lack.
+// card/ with files.json for what the host's files do not tell, databases/*.json,
+// notifications.json. Any part may lack.
 #pragma once
 
 #include <string>

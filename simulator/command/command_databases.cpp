@@ -1,0 +1,36 @@
+// db-import, db-export, db-delete: the device's databases as JSON.
+#include "simulator/command/command_row.h"
+#include "simulator/databases/database_json.h"
+
+namespace sim {
+namespace {
+
+Json RunDbImport(Device& device, const Words& words) {
+    databases::ImportJson(device, Json::parse(ReadHostFile(words[0])));
+    return Done();
+}
+
+Json RunDbExport(Device& device, const Words& words) {
+    WriteHostFile(words[0], databases::DumpJson(device).dump(1) + "\n");
+    return Done();
+}
+
+Json RunDbDelete(Device& device, const Words& words) {
+    if (!databases::DeleteByName(device, words[0])) {
+        throw CommandError("no such database: " + words[0]);
+    }
+    return Done();
+}
+
+}  // namespace
+
+const CommandRows& DatabaseCommands() {
+    static const CommandRows rows = {
+        {"db-import", 1, 1, RunDbImport, "FILE"},
+        {"db-export", 1, 1, RunDbExport, "FILE"},
+        {"db-delete", 1, 1, RunDbDelete, "NAME"},
+    };
+    return rows;
+}
+
+}  // namespace sim
