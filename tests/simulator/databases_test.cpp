@@ -1,0 +1,255 @@
+// Databases as a program sees them: which there are, opening, describing and deleting them.
+#include <string>
+#include <vector>
+#include <windbase.h>
+#include <windows.h>
+
+#include "simulator/databases/database_store.h"
+#include "simulator/databases/hidden_names.h"
+#include "tests/support/device_test.h"
+
+namespace {
+
+using tests::DeviceTest;
+
+constexpr CEPROPID kName = (1u << 16) | CEVT_LPWSTR;
+constexpr CEPROPID kNumber = (2u << 16) | CEVT_I4;
+constexpr CEPROPID kBlobId = (3u << 16) | CEVT_BLOB;
+
+class DatabasesTest : public DeviceTest {
+protected:
+    DatabasesTest() {
+        CREATE_SYSTEMGUID(&store_);
+        CREATE_INVALIDGUID(&any_);
+    }
+
+    CEDBASEINFO Info(const wchar_t* name, DWORD type = 7) {
+        CEDBASEINFO info{};
+        info.dwFlags = CEDB_VALIDCREATE;
+        std::wcsncpy(info.szDbaseName, name, CEDB_MAXDBASENAMELEN - 1);
+        info.dwDbaseType = type;
+        return info;
+    }
+    CEOID Create(const wchar_t* name, DWORD type = 7) {
+        CEDBASEINFO info = Info(name, type);
+        return ::CeCreateDatabaseEx(&store_, &info);
+    }
+    HANDLE Open(CEOID oid) { return ::CeOpenDatabaseEx(&store_, &oid, nullptr, 0, 0, nullptr); }
+    CEDBASEINFO Described(CEOID oid) {
+        CEOIDINFO info{};
+        EXPECT_TRUE(::CeOidGetInfoEx(&store_, oid, &info));
+        EXPECT_EQ(OBJTYPE_DATABASE, info.wObjType);
+        return info.infDatabase;
+    }
+    std::vector<CEOID> Enumerate(DWORD type) {
+        std::vector<CEOID> oids;
+        HANDLE search = ::CeFindFirstDatabaseEx(&store_, type);
+        while (const CEOID oid = ::CeFindNextDatabaseEx(search, nullptr)) {
+            oids.push_back(oid);
+        }
+        EXPECT_EQ(static_cast<DWORD>(ERROR_NO_MORE_ITEMS), ::GetLastError());
+        EXPECT_TRUE(::CloseHandle(search));
+        return oids;
+    }
+    static DWORD LastError() { return ::GetLastError(); }
+
+    CEGUID store_;
+    CEGUID any_;
+};
+
+TEST_F(DatabasesTest, AnIdIsNeverGivenAgain) {
+    const CEOID first = Create(L"a");
+    EXPECT_NE(0u, first);
+    EXPECT_TRUE(::CeDeleteDatabaseEx(&store_, first));
+    EXPECT_LT(first, Create(L"a"));
+}
+
+TEST_F(DatabasesTest, WhatWasGivenIsDescribed) {
+    CEDBASEINFO info = Info(L"Contacts", 24);
+    info.dwFlags |= CEDB_NOCOMPRESS;
+    info.wNumSortOrder = 2;
+    info.rgSortSpecs[0] = {kName, CEDB_SORT_CASEINSENSITIVE};
+    info.rgSortSpecs[1] = {kNumber, CEDB_SORT_DESCENDING};
+    const CEDBASEINFO read = Described(::CeCreateDatabaseEx(&store_, &info));
+    EXPECT_STREQ(L"Contacts", read.szDbaseName);
+    EXPECT_EQ(24u, read.dwDbaseType);
+    EXPECT_EQ(0u, read.wNumRecords);
+    EXPECT_EQ(2u, read.wNumSortOrder);
+    EXPECT_EQ(kNumber, read.rgSortSpecs[1].propid);
+    EXPECT_EQ(static_cast<DWORD>(CEDB_SORT_DESCENDING), read.rgSortSpecs[1].dwFlags);
+    EXPECT_EQ(static_cast<DWORD>(CEDB_NOCOMPRESS), read.dwFlags & CEDB_NOCOMPRESS);
+    EXPECT_EQ(0u, read.dwFlags & CEDB_SYSTEMDB);
+}
+
+TEST_F(DatabasesTest, OnlyFieldsMarkedAsValidCount) {
+    CEDBASEINFO info = Info(L"a", 24);
+    info.dwFlags = CEDB_VALIDNAME;
+    info.wNumSortOrder = 5;
+    const CEDBASEINFO read = Described(::CeCreateDatabaseEx(&store_, &info));
+    EXPECT_EQ(0u, read.dwDbaseType);
+    EXPECT_EQ(0u, read.wNumSortOrder);
+}
+
+TEST_F(DatabasesTest, WhatCannotBeIsRefused) {
+    CEDBASEINFO info = Info(L"");
+    EXPECT_EQ(0u, ::CeCreateDatabaseEx(&store_, &info));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_INVALID_PARAMETER), LastError());
+    info = Info(L"a");
+    EXPECT_EQ(0u, ::CeCreateDatabaseEx(&any_, &info));
+    EXPECT_EQ(0u, ::CeCreateDatabaseEx(nullptr, &info));
+    EXPECT_EQ(0u, ::CeCreateDatabaseEx(&store_, nullptr));
+    info.wNumSortOrder = 5;
+    EXPECT_EQ(0u, ::CeCreateDatabaseEx(&store_, &info));
+    info.wNumSortOrder = 1;
+    info.rgSortSpecs[0] = {kBlobId, 0};
+    EXPECT_EQ(0u, ::CeCreateDatabaseEx(&store_, &info));
+    info = Info(L"a");
+    std::wmemset(info.szDbaseName, L'n', CEDB_MAXDBASENAMELEN);
+    EXPECT_EQ(0u, ::CeCreateDatabaseEx(&store_, &info));
+    EXPECT_TRUE(Enumerate(0).empty());
+}
+
+TEST_F(DatabasesTest, ANameIsTakenOnceWhateverItsCase) {
+    Create(L"Notes");
+    EXPECT_EQ(0u, Create(L"NOTES"));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_DUP_NAME), LastError());
+    device().Set("database.duplicate", "183");
+    EXPECT_EQ(0u, Create(L"Notes"));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_ALREADY_EXISTS), LastError());
+}
+
+TEST_F(DatabasesTest, OpeningByNameTellsTheId) {
+    const CEOID oid = Create(L"Notes");
+    wchar_t name[] = L"notes";
+    CEOID found = 0;
+    HANDLE database = ::CeOpenDatabaseEx(&store_, &found, name, 0, 0, nullptr);
+    EXPECT_EQ(oid, found);
+    EXPECT_TRUE(::CloseHandle(database));
+    EXPECT_FALSE(::CloseHandle(database));
+    database = ::CeOpenDatabaseEx(&any_, nullptr, name, 0, 0, nullptr);
+    EXPECT_TRUE(::CloseHandle(database));
+}
+
+TEST_F(DatabasesTest, OpeningWhatIsNotThereGivesTheInvalidHandle) {
+    wchar_t name[] = L"none";
+    CEOID oid = 0;
+    EXPECT_EQ(INVALID_HANDLE_VALUE, ::CeOpenDatabaseEx(&store_, &oid, name, 0, 0, nullptr));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_FILE_NOT_FOUND), LastError());
+    EXPECT_EQ(INVALID_HANDLE_VALUE, Open(4711));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_INVALID_PARAMETER), LastError());
+    oid = Create(L"a");
+    EXPECT_EQ(INVALID_HANDLE_VALUE, ::CeOpenDatabaseEx(&store_, &oid, nullptr, kName, 0, nullptr));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_INVALID_PARAMETER), LastError());
+    EXPECT_EQ(INVALID_HANDLE_VALUE, ::CeOpenDatabaseEx(nullptr, &oid, nullptr, 0, 0, nullptr));
+}
+
+TEST_F(DatabasesTest, AnIdIsOpenedWhateverTheNameSays) {
+    CEOID oid = Create(L"a");
+    Create(L"b");
+    wchar_t name[] = L"b";
+    HANDLE database = ::CeOpenDatabaseEx(&store_, &oid, name, 0, 0, nullptr);
+    EXPECT_STREQ(L"a", Described(oid).szDbaseName);
+    ::CloseHandle(database);
+}
+
+TEST_F(DatabasesTest, AnOpenDatabaseRefusesItsDeletion) {
+    const CEOID oid = Create(L"a");
+    HANDLE first = Open(oid);
+    HANDLE second = Open(oid);
+    EXPECT_FALSE(::CeDeleteDatabaseEx(&store_, oid));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_SHARING_VIOLATION), LastError());
+    ::CloseHandle(first);
+    EXPECT_FALSE(::CeDeleteDatabaseEx(&store_, oid));
+    ::CloseHandle(second);
+    EXPECT_TRUE(::CeDeleteDatabaseEx(&store_, oid));
+    EXPECT_FALSE(::CeDeleteDatabaseEx(&store_, oid));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_INVALID_PARAMETER), LastError());
+}
+
+TEST_F(DatabasesTest, EnumerationGoesByTypeAndEndsWithNoMoreItems) {
+    const CEOID a = Create(L"a", 1);
+    const CEOID b = Create(L"b", 2);
+    const CEOID c = Create(L"c", 0);
+    EXPECT_EQ((std::vector<CEOID>{a, b, c}), Enumerate(0));
+    EXPECT_EQ(std::vector<CEOID>{b}, Enumerate(2));
+    device().Set("order", "reversed");
+    EXPECT_EQ((std::vector<CEOID>{c, b, a}), Enumerate(0));
+}
+
+TEST_F(DatabasesTest, EnumerationTellsTheVolume) {
+    Create(L"a");
+    HANDLE search = ::CeFindFirstDatabaseEx(&any_, 0);
+    CEGUID volume = any_;
+    EXPECT_NE(0u, ::CeFindNextDatabaseEx(search, &volume));
+    EXPECT_EQ(0u, volume.Data1 | volume.Data2 | volume.Data3 | volume.Data4);
+    ::CloseHandle(search);
+    EXPECT_EQ(0u, ::CeFindNextDatabaseEx(search, &volume));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_INVALID_PARAMETER), LastError());
+    volume.Data1 = 1;
+    EXPECT_EQ(INVALID_HANDLE_VALUE, ::CeFindFirstDatabaseEx(&volume, 0));
+}
+
+TEST_F(DatabasesTest, ADeletionEndsEveryEnumeration) {
+    const CEOID a = Create(L"a");
+    Create(L"b");
+    HANDLE search = ::CeFindFirstDatabaseEx(&store_, 0);
+    EXPECT_EQ(a, ::CeFindNextDatabaseEx(search, nullptr));
+    EXPECT_TRUE(::CeDeleteDatabaseEx(&store_, a));
+    EXPECT_EQ(0u, ::CeFindNextDatabaseEx(search, nullptr));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_KEY_DELETED), LastError());
+    ::CloseHandle(search);
+    EXPECT_EQ(1u, Enumerate(0).size());
+}
+
+TEST_F(DatabasesTest, InfoIsSetFieldByField) {
+    const CEOID oid = Create(L"a", 3);
+    Create(L"taken");
+    CEDBASEINFO info = Info(L"b", 9);
+    info.dwFlags = CEDB_VALIDNAME | CEDB_VALIDMODTIME;
+    info.ftLastModified = {5, 6};
+    EXPECT_TRUE(::CeSetDatabaseInfoEx(&store_, oid, &info));
+    EXPECT_STREQ(L"b", Described(oid).szDbaseName);
+    EXPECT_EQ(3u, Described(oid).dwDbaseType);
+    EXPECT_EQ(6u, Described(oid).ftLastModified.dwHighDateTime);
+    info = Info(L"taken");
+    EXPECT_FALSE(::CeSetDatabaseInfoEx(&store_, oid, &info));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_DUP_NAME), LastError());
+    EXPECT_FALSE(::CeSetDatabaseInfoEx(&store_, 4711, &info));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_INVALID_PARAMETER), LastError());
+}
+
+TEST_F(DatabasesTest, AnIdLeadsToAFileOrAFolder) {
+    device().PutFile(L"\\Docs\\a.txt", "12345");
+    CEOIDINFO info{};
+    const CEOID file = device().Info(L"\\Docs\\a.txt").oid;
+    const CEOID folder = device().Info(L"\\Docs").oid;
+    ASSERT_TRUE(::CeOidGetInfoEx(&store_, file, &info));
+    EXPECT_EQ(OBJTYPE_FILE, info.wObjType);
+    EXPECT_STREQ(L"\\Docs\\a.txt", info.infFile.szFileName);
+    EXPECT_EQ(5u, info.infFile.dwLength);
+    EXPECT_EQ(folder, info.infFile.oidParent);
+    EXPECT_EQ(device().Info(L"\\Docs\\a.txt").attributes, info.infFile.dwAttributes);
+    ASSERT_TRUE(::CeOidGetInfoEx(&store_, folder, &info));
+    EXPECT_EQ(OBJTYPE_DIRECTORY, info.wObjType);
+    EXPECT_STREQ(L"\\Docs", info.infDirectory.szDirName);
+}
+
+TEST_F(DatabasesTest, AnUnknownIdIsAnInvalidHandle) {
+    CEOIDINFO info{};
+    for (const CEOID oid : {CEOID{0}, CEOID{4711}, CEOID{0xFFFFFFFF}}) {
+        EXPECT_FALSE(::CeOidGetInfoEx(&store_, oid, &info));
+        EXPECT_EQ(static_cast<DWORD>(ERROR_INVALID_HANDLE), LastError());
+    }
+    EXPECT_FALSE(::CeOidGetInfoEx(&store_, 1, nullptr));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_INVALID_PARAMETER), LastError());
+}
+
+TEST_F(DatabasesTest, AnOlderSystemLacksTheNewerSeek) {
+    device().Set("os.version", "3.0");
+    EXPECT_TRUE(sim::databases::IsHidden(device().sim(), L"CeSeekDatabaseEx"));
+    EXPECT_FALSE(sim::databases::IsHidden(device().sim(), L"CeSeekDatabase"));
+    device().Set("os.version", "4.20");
+    EXPECT_FALSE(sim::databases::IsHidden(device().sim(), L"CeSeekDatabaseEx"));
+}
+
+}  // namespace
