@@ -101,14 +101,20 @@ TEST_F(DatabaseScannerTest, ARecordWithoutPropertiesHasTheFingerprintZero) {
     EXPECT_EQ(0, RecordOf(oid)->content_fingerprint);
 }
 
+// Whether such a record reads as "no data", and whether that read moves on, is not told.
 TEST_F(DatabaseScannerTest, AnEmptyRecordDoesNotHideTheRecordsBehindIt) {
-    for (const char* reads_as : {"record", "nodata"}) {
-        device().Set("database.empty", reads_as);
+    const struct {
+        const char* empty_record;
+        const char* no_data;
+    } rows[] = {{"", "advances"}, {"no-data", "advances"}, {"no-data", "stays"}};
+    for (const auto& row : rows) {
+        device().Set("database.empty.record", row.empty_record);
+        device().Set("database.no.data", row.no_data);
         const CEOID database = MakeDatabase(L"First");
         const CEOID one = AddRecord(L"First", {{kNumber, 1}});
         const CEOID empty = AddEmptyRecord(L"First");
         const CEOID two = AddRecord(L"First", {{kNumber, 2}});
-        EXPECT_EQ((std::vector<CEOID>{database, one, empty, two}), Walk()) << reads_as;
+        EXPECT_EQ((std::vector<CEOID>{database, one, empty, two}), Walk()) << row.no_data;
         EXPECT_TRUE(databases_.DeleteDatabase(database));
     }
 }

@@ -95,7 +95,7 @@ protected:
 TEST_F(BackupWriterTest, TwoStatesStandInTheStorageFileByteForByte) {
     device().Command("set clock 2001-02-03T04:05:06");
     BackupFreshDevice();
-    const std::uint64_t now = 0x01C08D96B43E8500;  // 2001-02-03 04:05:06 as a FILETIME
+    const std::uint64_t now = 0x01C08D967DB50500;  // 2001-02-03 04:05:06 as a FILETIME
     const std::string first = Sav();
     EXPECT_EQ(Block(0, 0, now, 0, 32, "Title"), first.substr(kHead, 38));
 

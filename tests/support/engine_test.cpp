@@ -1,6 +1,8 @@
 #include "tests/support/engine_test.h"
 
+#include "platform/heap.h"
 #include "platform/text.h"
+#include "simulator/gate/rules.h"
 #include "storage/storage_file.h"
 
 namespace tolvenar {
@@ -56,6 +58,14 @@ void EngineTest::SetUp() {
 void EngineTest::TearDown() {
     CloseStorage(storage_);
     DeviceTest::TearDown();
+}
+
+void EngineTest::FailCall(const char* function, int n, std::uint32_t error) {
+    sim::Rule rule;
+    rule.function = function;
+    rule.first = n;
+    rule.value = static_cast<long>(error);
+    sim::AddRule(device().sim(), rule);
 }
 
 std::u16string EngineTest::Log() {
@@ -121,6 +131,17 @@ CEOID AddEmptyRecord(const wchar_t* database) {
     const UniqueHandle handle = OpenDatabaseByName(database);
     EXPECT_EQ(oid, ::CeWriteRecordProps(handle.get(), oid, 1, &deletion)) << ::GetLastError();
     return oid;
+}
+
+bool TakePendingFault(int n) {
+    for (int i = 0; i < n; ++i) {
+        void* block = HeapAllocate(0, 8);
+        if (block == nullptr) {
+            return true;
+        }
+        HeapRelease(block);
+    }
+    return false;
 }
 
 std::vector<ObjectRecord> RecordsOf(const ObjectList& list) {

@@ -17,17 +17,20 @@ namespace tolvenar {
 // Notes what would be shown.
 class RecordingProgress final : public Progress {
 public:
-    void ProgressBegin(std::size_t count) override { begins.push_back(count); }
+    void ProgressBegin(std::size_t count) override {
+        if (!quiet) {
+            begins.push_back(count);
+        }
+    }
     void ProgressStep(const char16_t* text) override {
-        ++steps;
-        if (text != nullptr) {
+        if (text != nullptr && !quiet) {
             texts.push_back(text);
         }
     }
 
     std::vector<std::size_t> begins;
     std::vector<std::u16string> texts;
-    std::size_t steps = 0;
+    bool quiet = false;  // while allocations fail
 };
 
 // One property of a database record, as it is written.
@@ -48,6 +51,9 @@ protected:
 
     void SetUp() override;
     void TearDown() override;
+
+    // As device().Fault, but nothing is allocated once the rule holds.
+    void FailCall(const char* function, int n, std::uint32_t error);
 
     // The log's text; the storage's folder is a setting of the device.
     std::u16string Log();
@@ -74,6 +80,10 @@ CEOID AddEmptyRecord(const wchar_t* database);
 // Merges the properties into a record that exists, or makes a new one with 0.
 CEOID WriteRecord(const wchar_t* database, CEOID record,
                   const std::vector<TestProperty>& properties);
+
+// Allocates until an allocation fails that a fault rule still waits for, `n` times at most. True
+// when one did: what ran since the rule was made has not met it. The test's own containers would.
+bool TakePendingFault(int n);
 
 // The records of a list, from its front.
 std::vector<ObjectRecord> RecordsOf(const ObjectList& list);
