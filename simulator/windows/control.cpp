@@ -91,6 +91,14 @@ bool IsBelow(const std::vector<Window>& list, const Window& window, std::uint32_
     return at == ancestor;
 }
 
+// Parts of a control, such as a time picker's arrows, have ids of the host's own choice.
+bool IsPartOfControl(const std::vector<Window>& list, const Window& window) {
+    return std::any_of(list.begin(), list.end(), [&window](const Window& other) {
+        return other.handle == window.parent &&
+               (other.class_name == "SysDateTimePick32" || other.class_name == "ComboBox");
+    });
+}
+
 // Pages of a dialog use an id more than once: what the user sees comes first, and the active window
 // before the others.
 std::optional<Window> FindIn(const std::vector<Window>& list, int id) {
@@ -103,7 +111,7 @@ std::optional<Window> FindIn(const std::vector<Window>& list, int id) {
     std::optional<Window> best;
     int best_rank = 0;
     for (const Window& window : list) {
-        if (window.id != id || window.parent == 0) {
+        if (window.id != id || window.parent == 0 || IsPartOfControl(list, window)) {
             continue;
         }
         const bool in_active = active != 0 && IsBelow(list, window, active);

@@ -72,6 +72,15 @@ TEST_F(WindowsTest, APressIsAClick) {
     EXPECT_EQ(IDOK, program.ExitCode());
 }
 
+// The time picker's arrows have the id of an OK button.
+TEST_F(WindowsTest, PartsOfAControlAreNotFoundByTheirIds) {
+    Program program(sim(), kProbe, L"dialog");
+    ASSERT_TRUE(DialogIsUp());
+    ::ShowWindow(::GetDlgItem(::FindWindowW(L"Dialog", L"Probe"), IDOK), SW_HIDE);
+    EXPECT_TRUE(Eventually([&] { return !Control(IDOK).visible; }));
+    EXPECT_EQ("Button", Control(IDOK).class_name);
+}
+
 TEST_F(WindowsTest, AListItemIsSelectedWithItsNotification) {
     Program program(sim(), kProbe, L"dialog");
     ASSERT_TRUE(DialogIsUp());
