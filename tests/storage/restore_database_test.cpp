@@ -201,9 +201,10 @@ TEST_F(RestoreDatabaseTest, ARecordIsDeleted) {
 
 TEST_F(RestoreDatabaseTest, ARecordThatIsGoneOrWhoseDatabaseIsCountsAsDeleted) {
     MakeDatabase(u"People");
-    EXPECT_EQ(RestoreOutcome::kDone,
-              Restore(ToDelete(StoredPerson(u"People", 0x7FFFFFF0, u"Ann", 1))));
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(ToDelete(StoredPerson(u"None", 5, u"Ann", 1))));
+    const ObjectRecord gone = StoredPerson(u"People", 0x7FFFFFF0, u"Ann", 1);
+    const ObjectRecord nowhere = StoredPerson(u"None", 5, u"Ann", 1);
+    EXPECT_EQ(RestoreOutcome::kDone, Restore(ToDelete(gone)));
+    EXPECT_EQ(RestoreOutcome::kDone, Restore(ToDelete(nowhere)));
 }
 
 TEST_F(RestoreDatabaseTest, ARecordThatCannotBeDeletedFails) {

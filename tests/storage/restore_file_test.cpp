@@ -125,8 +125,10 @@ TEST_F(RestoreFileTest, AFileIsDeleted) {
 }
 
 TEST_F(RestoreFileTest, AFileThatIsGoneIsDeleted) {
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(ToDelete(StoreFile(u"\\gone.txt", "x"))));
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(ToDelete(StoreFolder(u"\\Gone"))));
+    const ObjectRecord file = StoreFile(u"\\gone.txt", "x");
+    const ObjectRecord folder = StoreFolder(u"\\Gone");
+    EXPECT_EQ(RestoreOutcome::kDone, Restore(ToDelete(file)));
+    EXPECT_EQ(RestoreOutcome::kDone, Restore(ToDelete(folder)));
 }
 
 TEST_F(RestoreFileTest, ALockedFileIsNotDeleted) {

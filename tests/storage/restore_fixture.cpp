@@ -228,9 +228,12 @@ ObjectRecord RestoreFixture::LiveValue(HKEY root, const std::u16string& key_path
 }
 
 RestoreRun& RestoreFixture::Run() {
-    if (!run_) {
+    if (mapping_.size() != sav_.size()) {
+        mapping_ = StorageMapping();
         SaveStorage();
         EXPECT_TRUE(mapping_.Open(storage_.names.sav));
+    }
+    if (!run_) {
         run_.reset(new RestoreRun{engine_, mapping_, false, {}});
     }
     return *run_;

@@ -89,7 +89,7 @@ protected:
     ObjectRecord LiveValue(HKEY root, const std::u16string& key_path,
                            const std::u16string& value_name);
 
-    // The storage file mapped, as a restore has it.
+    // The storage file mapped, as a restore has it; again when it has become longer.
     RestoreRun& Run();
     // The next restore takes the storage file's bytes as they are then.
     void NewRun();
