@@ -10,7 +10,8 @@ endforeach()
 file(GLOB support_sources CONFIGURE_DEPENDS tests/support/*.cpp)
 if(support_sources)
   add_library(test_support STATIC ${support_sources})
-  target_link_libraries(test_support PUBLIC ce_headers warnings simcore GTest::gtest)
+  target_link_libraries(test_support PUBLIC ce_headers warnings product simcore GTest::gtest
+    coredll_calls)
   target_compile_definitions(test_support PRIVATE TOLVENAR_BIN_DIR="${CMAKE_BINARY_DIR}/bin")
 endif()
 

@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "storage/restore_record.h"
-#include "tests/storage/restore_fixture.h"
+#include "tests/support/restore_fixture.h"
 
 namespace tolvenar {
 namespace {

@@ -1,6 +1,6 @@
 #include "storage/restore_database.h"
 
-#include "tests/storage/restore_fixture.h"
+#include "tests/support/restore_fixture.h"
 
 namespace tolvenar {
 namespace {

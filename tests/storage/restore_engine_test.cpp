@@ -6,7 +6,7 @@
 #include "storage/backup_writer.h"
 #include "storage/journal.h"
 #include "storage/storage_file.h"
-#include "tests/storage/restore_fixture.h"
+#include "tests/support/restore_fixture.h"
 
 namespace tolvenar {
 namespace {
@@ -28,22 +28,6 @@ protected:
     }
     bool RestoreState(std::uint32_t state) { return DoRestore(engine_, state, code_); }
     bool RestoreAdvanced(bool invert) { return DoAdvancedRestore(engine_, invert, code_); }
-    // The device's content without what a restore may change: ids and its own log.
-    std::string Content() {
-        std::string content;
-        for (const auto& entry : sim::files::ListAll(device().sim())) {
-            if (entry.on_card) {
-                continue;
-            }
-            content += std::string(entry.path.begin(), entry.path.end()) + " " +
-                       std::to_string(entry.attributes) + " " +
-                       (entry.is_folder ? ""
-                                        : std::to_string(entry.modified) + " " +
-                                              device().FileBytes(entry.path)) +
-                       "\n";
-        }
-        return content;
-    }
     void ExpectNoLists() {
         EXPECT_EQ(nullptr, storage_.list1);
         EXPECT_EQ(nullptr, storage_.list2);
@@ -66,7 +50,7 @@ TEST_F(RestoreEngineTest, AStateComesBackASecondRestoreAndABackupFindNothing) {
     AddRecord(u"People", L"Ann", 1);
     AddRecord(u"People", L"Bob", 2);
     ASSERT_EQ(ResultCode::kSuccess, Backup(1));
-    const std::string before = Content();
+    const std::string before = StoreContent();
 
     device().Remove(L"\\My Documents");
     device().Remove(L"\\Empty");
@@ -81,7 +65,7 @@ TEST_F(RestoreEngineTest, AStateComesBackASecondRestoreAndABackupFindNothing) {
 
     EXPECT_TRUE(RestoreState(1));
     EXPECT_EQ(ResultCode::kSuccess, code_);
-    EXPECT_EQ(before, Content());
+    EXPECT_EQ(before, StoreContent());
     EXPECT_EQ("4:" + Dword(1), Value(HKEY_CURRENT_USER, L"Key\\Below", L"v"));
     EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, L"Other"));
     EXPECT_EQ((std::vector<std::string>{"Ann=1", "Bob=2"}), Records(u"People"));
@@ -98,19 +82,19 @@ TEST_F(RestoreEngineTest, AnOlderStateComesBackAndTheLastOneAfterIt) {
     device().PutFile(L"\\a.txt", "one");
     device().PutFile(L"\\gone.txt", "in one only");
     ASSERT_EQ(ResultCode::kSuccess, Backup(1));
-    const std::string one = Content();
+    const std::string one = StoreContent();
     device().PutFile(L"\\a.txt", "two, longer");
     device().Remove(L"\\gone.txt");
     device().PutFile(L"\\b.txt", "in two only");
     ASSERT_EQ(ResultCode::kSuccess, Backup(2));
-    const std::string two = Content();
+    const std::string two = StoreContent();
     for (int round = 0; round < 2; ++round) {
         EXPECT_TRUE(RestoreState(1));
         EXPECT_EQ(ResultCode::kSuccess, code_);
-        EXPECT_EQ(one, Content());
+        EXPECT_EQ(one, StoreContent());
         EXPECT_TRUE(RestoreState(2));
         EXPECT_EQ(ResultCode::kSuccess, code_);
-        EXPECT_EQ(two, Content());
+        EXPECT_EQ(two, StoreContent());
     }
     EXPECT_EQ(ResultCode::kNoDifference, Backup(3));
 }

@@ -1,7 +1,7 @@
 #include "storage/restore_list.h"
 
 #include "storage/journal.h"
-#include "tests/storage/restore_fixture.h"
+#include "tests/support/restore_fixture.h"
 
 namespace tolvenar {
 namespace {

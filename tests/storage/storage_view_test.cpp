@@ -1,6 +1,6 @@
 #include "storage/storage_view.h"
 
-#include "tests/storage/restore_fixture.h"
+#include "tests/support/restore_fixture.h"
 
 namespace tolvenar {
 namespace {

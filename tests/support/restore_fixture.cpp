@@ -1,4 +1,4 @@
-#include "tests/storage/restore_fixture.h"
+#include "tests/support/restore_fixture.h"
 
 #include <algorithm>
 #include <cstring>
@@ -326,6 +326,21 @@ std::vector<std::string> RestoreFixture::Records(const char16_t* database) {
     }
     std::sort(records.begin(), records.end());
     return records;
+}
+
+std::string RestoreFixture::StoreContent() {
+    std::string content;
+    for (const auto& entry : sim::files::ListAll(device().sim())) {
+        if (entry.on_card) {
+            continue;
+        }
+        content += Narrow(entry.path) + " " + std::to_string(entry.attributes);
+        if (!entry.is_folder) {
+            content += " " + std::to_string(entry.modified) + " " + device().FileBytes(entry.path);
+        }
+        content += "\n";
+    }
+    return content;
 }
 
 std::vector<std::string> RestoreFixture::LogLines() {

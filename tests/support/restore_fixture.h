@@ -108,6 +108,8 @@ protected:
     // "name=number" of each record, sorted.
     std::vector<std::string> Records(const char16_t* database);
 
+    // Files and folders of the object store with attributes, times and contents, but no ids.
+    std::string StoreContent();
     // Lines of the log without date and time: "E DoRestoreRecord: Fail GetOIDInfo".
     std::vector<std::string> LogLines();
     long Calls(const std::string& function);
