@@ -122,10 +122,10 @@ ObjectRecord RestoreFixture::StoreDatabase(const std::u16string& name, std::uint
 }
 
 ObjectRecord RestoreFixture::StoreRecord(const std::u16string& database, std::uint32_t dwOID,
-                                         const std::vector<TestProperty>& properties) {
+                                         const std::vector<PropertyToStore>& properties) {
     std::string data;
     std::string behind;
-    for (const TestProperty& property : properties) {
+    for (const PropertyToStore& property : properties) {
         StoredProperty stored{};
         stored.propid = property.propid;
         stored.value = property.number;

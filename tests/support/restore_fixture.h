@@ -16,7 +16,7 @@
 namespace tolvenar {
 
 // Keeps what a restore announces.
-class RecordingProgress final : public Progress {
+class RestoreProgress final : public Progress {
 public:
     void ProgressBegin(std::size_t count) override { begun.push_back(count); }
     void ProgressStep(const char16_t* text) override {
@@ -32,7 +32,7 @@ public:
 };
 
 // One property of a database record.
-struct TestProperty {
+struct PropertyToStore {
     CEPROPID propid;
     std::uint32_t number;   // integers and Booleans
     std::u16string string;  // CEVT_LPWSTR
@@ -67,7 +67,7 @@ protected:
                                const std::vector<SORTORDERSPEC>& sort_orders = {},
                                std::uint32_t dwOID = 902);
     ObjectRecord StoreRecord(const std::u16string& database, std::uint32_t dwOID,
-                             const std::vector<TestProperty>& properties);
+                             const std::vector<PropertyToStore>& properties);
     // Write the bytes as the storage file, records as the journal.
     void SaveStorage();
     void SaveJournal(const std::vector<ObjectRecord>& records);
@@ -117,7 +117,7 @@ protected:
     OpenedStorage storage_;
     DatabaseLayer databases_;
     ObjectInfo info_;
-    RecordingProgress progress_;
+    RestoreProgress progress_;
     Engine engine_;
     std::string sav_ = std::string(236, '\0');
     StorageMapping mapping_;
