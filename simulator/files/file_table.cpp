@@ -54,6 +54,12 @@ bool StartsWith(const std::u16string& key, const std::u16string& prefix) {
     return key.compare(0, prefix.size(), prefix) == 0;
 }
 
+// A name that is not there costs the host a walk over its folder: the folders are kept small.
+constexpr std::uint32_t kContentsInFolder = 64;
+std::wstring ContentFolder(const Device& device, std::uint32_t number) {
+    return device.folder() + L"\\content\\" + std::to_wstring(number / kContentsInFolder);
+}
+
 std::uint32_t Stored(const std::string& number) {
     return static_cast<std::uint32_t>(std::strtoul(number.c_str(), nullptr, 10));
 }
@@ -193,6 +199,9 @@ Node FileTable::Add(const Node& parent, const std::wstring& name, std::uint32_t 
     node.is_card = is_card;
     node.oid = node.on_card ? 0 : device_.TakeObjectId();
     node.name = name;
+    if (node.number == kFirstNumber || node.number % kContentsInFolder == 0) {
+        ::CreateDirectoryW(ContentFolder(device_, node.number).c_str(), nullptr);
+    }
     ::DeleteFileW(ContentFile(node.number).c_str());  // left by a process that was killed here
     Slot& place = slot(node.number);
     place.size = 0;
@@ -254,7 +263,7 @@ void FileTable::SetStoredAttributes(Node& node, std::uint32_t attributes) {
 }
 
 std::wstring FileTable::ContentFile(std::uint32_t number) const {
-    return device_.folder() + L"\\content\\" + std::to_wstring(number);
+    return ContentFolder(device_, number) + L"\\" + std::to_wstring(number);
 }
 
 std::string FileTable::LockOf(std::uint32_t number) {

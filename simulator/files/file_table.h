@@ -1,7 +1,7 @@
 // The table of a device's files and folders: names, attributes and object ids in the device's log,
-// sizes and times in the slot file, contents as host files `content\<number>`. A node's number is
-// the simulator's own; an object-store node has an object id beside it, a node on the card has
-// none.
+// sizes and times in the slot file, contents as host files `content\<number / 64>\<number>`. A
+// node's number is the simulator's own; an object-store node has an object id beside it, a node on
+// the card has none.
 //   f/n/<number>           parent, attributes, object id, name
 //   f/c/<parent>/<folded>  number of the child of that name
 //   f/o/<object id>        number

@@ -270,6 +270,8 @@ bool ApplyFileSetting(Device& device, const std::string& name, const std::string
     const auto number = static_cast<std::uint32_t>(std::strtoul(value.c_str(), nullptr, 0));
     if (name == "store.free" || name == "card.free") {
         SetFree(device, name == "card.free", number);
+    } else if (name == "oid.next") {
+        device.SetNextObjectId(number);
     } else if (name == "card.name") {
         FileTable& table = FileTable::Of(device);
         LogStore::Change change(table.store());

@@ -87,6 +87,11 @@ std::uint32_t Device::TakeObjectId() {
     return static_cast<std::uint32_t>(id);
 }
 
+void Device::SetNextObjectId(std::uint32_t id) {
+    LogStore::Change change(store_);
+    change.Set(kNextObjectId, std::to_string(id));
+}
+
 // "clock.frozen": a FILETIME count at which the clock stands; "clock.offset": 100 ns units added to the
 // host's clock; "clock.step": 100 ns units by which a frozen clock moves at every write.
 std::uint64_t Device::NowUtc() {

@@ -42,6 +42,7 @@ public:
     // The next object-store id: unique in the device and never used again. Inside a Change the new
     // counter is published with it.
     std::uint32_t TakeObjectId();
+    void SetNextObjectId(std::uint32_t id);
 
     // UTC now on the device, as a FILETIME count: the host's clock moved by the device's offset, or
     // standing still, or stepping at every write, as the settings say.

@@ -127,9 +127,6 @@ std::map<std::string, std::string> AllSettings(Device& device) {
 void ApplySetting(Device& device, const std::string& name, const std::string& value) {
     CheckName(name);
     LogStore::Change change(device.store());
-    if (files::ApplyFileSetting(device, name, value)) {
-        return;
-    }
     if (name == "clock") {
         SetClock(device, change, value);
     } else if (!value.empty() && files::ApplyFileSetting(device, name, value)) {
