@@ -74,6 +74,7 @@ void CreateFromProfile(Device& device, const std::string& folder) {
     if (const auto text = host::ReadWhole(host + L"\\device.ini")) {
         ApplySettingsText(device, *text);
     }
+    files::MountCard(device);
     if (host::IsFolder(host + L"\\card")) {
         EraseCard(device);
     }
