@@ -151,26 +151,34 @@ TEST_F(BackupWriterFaultTest, AChunkThatCannotBeMappedFailsItsItem) {
     EXPECT_NE(Text::npos, Log().find(u"Obj Name: \\n.txt"));
 }
 
-// Every call of a backup fails once, one after the other: no crash, nothing left open, and the
-// first state's blocks and records as they were.
+// Calls of a backup fail once, one after the other: no crash, nothing left open, and the first
+// state's blocks as they were. Closing calls are not among them: what cannot be closed stays open.
 TEST_F(BackupWriterFaultTest, WhateverCallFailsTheStatesBeforeAreIntact) {
     const std::string sav = Sav();
-    progress_.quiet = true;
-    bool all_met = false;
-    for (int n = 1; n < 100000 && !all_met; n += n < 60 ? 1 : 37) {
-        const std::uint32_t next = NextStateNumber(storage_.journal.get());
-        FailCall("*", n, ERROR_GEN_FAILURE);
-        Backup(next);
-        all_met = TakePendingFault(n);
-        device().Command("faults clear");
-        ASSERT_EQ(sav, Sav().substr(0, sav.size())) << "call " << n;
-        if (storage_.journal == nullptr) {
-            ASSERT_TRUE(OpenJournal(storage_, nullptr)) << "call " << n;
+    const char* functions[] = {
+        "CreateFileW",    "ReadFile",         "WriteFile",          "SetFilePointer",
+        "GetFileSize",    "FlushFileBuffers", "DeleteFileW",        "MoveFileW",
+        "FindFirstFileW", "FindNextFileW",    "CreateFileMappingW", "CreateFileForMappingW",
+        "MapViewOfFile",  "RegOpenKeyExW",    "RegQueryInfoKeyW",   "RegEnumKeyExW",
+        "RegEnumValueW",  "RegQueryValueExW", "CeOidGetInfoEx",     "GetDiskFreeSpaceExW"};
+    for (const char* function : functions) {
+        bool fired = true;
+        for (int n = 1; fired; n += n < 4 ? 1 : 9) {
+            const std::string change = function + std::to_string(n);
+            device().PutFile(L"\\changes.txt", change);
+            SetValue(HKEY_CURRENT_USER, L"T", L"changes", REG_BINARY, change);
+            FailCall(function, n, ERROR_GEN_FAILURE);
+            Backup(NextStateNumber(storage_.journal.get()));
+            fired = device().Faults() == "[]";
+            device().Command("faults clear");
+            ASSERT_EQ(sav, Sav().substr(0, sav.size())) << function << " " << n;
+            if (storage_.journal == nullptr) {
+                ASSERT_TRUE(OpenJournal(storage_, nullptr)) << function << " " << n;
+            }
+            ExpectEverythingClosed();
+            ASSERT_TRUE(fired || n > 1) << function << " is not called";
         }
-        ExpectEverythingClosed();
-        device().PutFile(L"\\changes.txt", std::to_string(n));
     }
-    EXPECT_TRUE(all_met) << "the loop ended before the calls did";
 }
 
 }  // namespace
