@@ -1,0 +1,306 @@
+#include "tests/model/change_generator.h"
+
+namespace tests {
+namespace {
+
+using sim::databases::Database;
+using sim::databases::Record;
+
+constexpr std::size_t kMostLevels = 5;
+
+const std::vector<std::wstring> kNames = {L"a.txt", L"b",          L"Folder", L"Other folder",
+                                          L"c.bin", L"no.dot.end", L"d"};
+const std::vector<std::u16string> kKeyPaths = {u"HKCU\\Test",        u"HKCU\\Test\\Deep\\Deeper",
+                                               u"HKCU\\Test\\Deep",  u"HKLM\\Test",
+                                               u"HKLM\\Test\\Below", u"HKCR\\.test",
+                                               u"HKU\\.Default\\One"};
+const std::vector<std::u16string> kValueNames = {u"", u"Number", u"Some text", u"\u00E4"};
+const std::vector<std::uint32_t> kAttributes = {0x20, 0x22, 0x26, 0x04};
+
+std::string Text(const std::u16string& text) {
+    return {reinterpret_cast<const char*>(text.c_str()), (text.size() + 1) * sizeof(char16_t)};
+}
+
+std::string Narrow(const std::wstring& text) { return {text.begin(), text.end()}; }
+std::string Narrow(const std::u16string& text) { return {text.begin(), text.end()}; }
+
+std::vector<Database> Shapes() {
+    std::vector<Database> shapes(3);
+    shapes[0].name = u"Contacts";
+    shapes[0].type = 24;
+    shapes[0].sort_orders = {{0x00010003, 0}, {0x0002001F, 2}};
+    shapes[1].name = u"\\Odd Name";
+    shapes[1].type = 7;
+    shapes[2].name = u"Notes";
+    shapes[2].type = 24;
+    shapes[2].sort_orders = {{0x00010003, 1}};
+    return shapes;
+}
+
+}  // namespace
+
+const std::array<ModelValue, kValueKinds>& ValuePalette() {
+    static const std::array<ModelValue, kValueKinds> palette = {{
+        {4, std::string("\x01\0\0\0", 4)},
+        {4, std::string("\x02\0\0\0", 4)},
+        {4, std::string("\xFF\xFF\xFF\x7F", 4)},
+        {1, Text(u"")},
+        {1, Text(u"text")},
+        {1, Text(u"a longer text")},
+        {3, std::string()},
+        {3, std::string("\0", 1)},
+        {3, std::string(300, 'x')},
+        {3, std::string(70000, 'y')},
+        {7, Text(u"one") + Text(u"two") + Text(u"")},
+        {0x1234, std::string("odd type")},
+    }};
+    return palette;
+}
+
+std::string ChangeGenerator::Change() {
+    using Step = std::string (ChangeGenerator::*)();
+    // Steps that add stand more often than those that take away.
+    static constexpr Step kSteps[] = {
+        &ChangeGenerator::WriteFile,      &ChangeGenerator::WriteFile,
+        &ChangeGenerator::WriteFile,      &ChangeGenerator::ChangeAttributes,
+        &ChangeGenerator::TouchFile,      &ChangeGenerator::MakeFolder,
+        &ChangeGenerator::MakeFolder,     &ChangeGenerator::RemoveFile,
+        &ChangeGenerator::RemoveFolder,   &ChangeGenerator::MoveFile,
+        &ChangeGenerator::MoveFolder,     &ChangeGenerator::CreateKey,
+        &ChangeGenerator::CreateKey,      &ChangeGenerator::SetValue,
+        &ChangeGenerator::SetValue,       &ChangeGenerator::SetValue,
+        &ChangeGenerator::DeleteValue,    &ChangeGenerator::DeleteKey,
+        &ChangeGenerator::CreateDatabase, &ChangeGenerator::CreateDatabase,
+        &ChangeGenerator::DeleteDatabase, &ChangeGenerator::AddRecord,
+        &ChangeGenerator::AddRecord,      &ChangeGenerator::AddRecord,
+        &ChangeGenerator::ChangeRecord,   &ChangeGenerator::ChangeRecord,
+        &ChangeGenerator::DeleteRecord,
+    };
+    for (;;) {
+        const std::string told = (this->*kSteps[Below(std::size(kSteps))])();
+        if (!told.empty()) {
+            return told;
+        }
+    }
+}
+
+std::wstring ChangeGenerator::AnyFolder() {
+    const std::uint32_t index = Below(model().folders.size() + 1);
+    return index == 0
+               ? std::wstring()
+               : std::next(model().folders.begin(), static_cast<std::ptrdiff_t>(index) - 1)->first;
+}
+
+std::wstring ChangeGenerator::FreePath() {
+    const std::wstring folder = AnyFolder();
+    const std::wstring path = folder + L"\\" + kNames[Below(kNames.size())];
+    std::size_t levels = 0;
+    for (const wchar_t unit : path) {
+        levels += unit == L'\\' ? 1 : 0;
+    }
+    const bool taken = model().files.count(path) != 0 || model().folders.count(path) != 0;
+    return taken || levels > kMostLevels ? std::wstring() : path;
+}
+
+std::string ChangeGenerator::AnyBytes() {
+    std::string bytes(Below(4) == 0 ? Below(3) * 40000 : Below(30), '\0');
+    for (char& byte : bytes) {
+        byte = static_cast<char>(random_());
+    }
+    return bytes;
+}
+
+std::string ChangeGenerator::WriteFile() {
+    std::wstring path = FreePath();
+    if (path.empty() && !model().files.empty()) {
+        path = AnyKeyOf(model().files);
+    }
+    if (path.empty()) {
+        return {};
+    }
+    device_.PutFile(path, AnyBytes());
+    return "write " + Narrow(path);
+}
+
+std::string ChangeGenerator::ChangeAttributes() {
+    if (model().files.empty()) {
+        return {};
+    }
+    const std::wstring path = AnyKeyOf(model().files);
+    device_.SetAttributes(path, kAttributes[Below(kAttributes.size())]);
+    return "attributes of " + Narrow(path);
+}
+
+std::string ChangeGenerator::TouchFile() {
+    if (model().files.empty()) {
+        return {};
+    }
+    const std::wstring path = AnyKeyOf(model().files);
+    device_.Touch(path, 0x01C0000000000000 + Below(1000000) * 10000000ull);
+    return "touch " + Narrow(path);
+}
+
+std::string ChangeGenerator::MakeFolder() {
+    const std::wstring path = FreePath();
+    if (path.empty()) {
+        return {};
+    }
+    device_.MakeFolder(path);
+    return "make folder " + Narrow(path);
+}
+
+std::string ChangeGenerator::RemoveFile() {
+    if (model().files.empty()) {
+        return {};
+    }
+    const std::wstring path = AnyKeyOf(model().files);
+    device_.Remove(path);
+    return "remove " + Narrow(path);
+}
+
+std::string ChangeGenerator::RemoveFolder() {
+    if (model().folders.empty()) {
+        return {};
+    }
+    const std::wstring path = AnyKeyOf(model().folders);
+    device_.Remove(path);
+    return "remove folder " + Narrow(path);
+}
+
+std::string ChangeGenerator::MoveFile() {
+    const std::wstring to = FreePath();
+    if (to.empty() || model().files.empty()) {
+        return {};
+    }
+    const std::wstring from = AnyKeyOf(model().files);
+    device_.Move(from, to);
+    return "move " + Narrow(from) + " to " + Narrow(to);
+}
+
+std::string ChangeGenerator::MoveFolder() {
+    const std::wstring to = FreePath();
+    if (to.empty() || model().folders.empty()) {
+        return {};
+    }
+    const std::wstring from = AnyKeyOf(model().folders);
+    if (to.compare(0, from.size() + 1, from + L"\\") == 0) {
+        return {};
+    }
+    device_.Move(from, to);
+    return "move folder " + Narrow(from) + " to " + Narrow(to);
+}
+
+std::string ChangeGenerator::CreateKey() {
+    const std::u16string path = kKeyPaths[Below(kKeyPaths.size())];
+    if (model().keys.count(path) != 0) {
+        return {};
+    }
+    device_.CreateKey(path);
+    return "create " + Narrow(path);
+}
+
+std::string ChangeGenerator::SetValue() {
+    if (model().keys.empty()) {
+        return {};
+    }
+    const std::u16string path = AnyKeyOf(model().keys);
+    device_.SetValue(path, kValueNames[Below(kValueNames.size())],
+                     ValuePalette()[Below(kValueKinds)]);
+    return "set a value of " + Narrow(path);
+}
+
+std::string ChangeGenerator::DeleteValue() {
+    if (model().keys.empty()) {
+        return {};
+    }
+    const std::u16string path = AnyKeyOf(model().keys);
+    const auto& values = model().keys[path];
+    if (values.empty()) {
+        return {};
+    }
+    device_.DeleteValue(path, AnyKeyOf(values));
+    return "delete a value of " + Narrow(path);
+}
+
+std::string ChangeGenerator::DeleteKey() {
+    const std::u16string path = kKeyPaths[Below(kKeyPaths.size())];
+    if (model().keys.count(path) == 0) {
+        return {};
+    }
+    device_.DeleteKey(path);
+    return "delete " + Narrow(path);
+}
+
+std::string ChangeGenerator::CreateDatabase() {
+    const std::vector<Database> shapes = Shapes();
+    const Database& shape = shapes[Below(shapes.size())];
+    if (model().databases.count(shape.name) != 0) {
+        return {};
+    }
+    device_.CreateDatabase(shape);
+    return "create database " + Narrow(shape.name);
+}
+
+std::string ChangeGenerator::DeleteDatabase() {
+    if (model().databases.empty() || Below(2) == 0) {
+        return {};
+    }
+    const std::u16string name = AnyKeyOf(model().databases);
+    device_.DeleteDatabase(name);
+    return "delete database " + Narrow(name);
+}
+
+Record ChangeGenerator::AnyRecord() {
+    Record record;
+    const auto number = Below(0x7FFFFFFF);
+    sim::databases::Put(record,
+                        {0x00010003, 0, std::string(reinterpret_cast<const char*>(&number), 4)});
+    sim::databases::Put(record, {0x00050005, 0, std::string("\0\0\0\0\0\0\x24\x40", 8)});
+    if (Below(2) == 0) {
+        sim::databases::Put(record, {0x0002001F, 0, Text(u"name").substr(0, 8)});
+    }
+    if (Below(3) == 0) {
+        sim::databases::Put(record, {0x00030041, 0, AnyBytes().substr(0, 5000)});
+    }
+    if (Below(3) == 0) {
+        sim::databases::Put(record, {0x00040040, 0, std::string(8, static_cast<char>(Below(100)))});
+    }
+    return record;
+}
+
+std::string ChangeGenerator::AddRecord() {
+    if (model().databases.empty()) {
+        return {};
+    }
+    const std::u16string name = AnyKeyOf(model().databases);
+    device_.AddRecord(name, AnyRecord());
+    return "add a record to " + Narrow(name);
+}
+
+std::u16string ChangeGenerator::DatabaseWithRecords() {
+    if (model().databases.empty()) {
+        return {};
+    }
+    const std::u16string name = AnyKeyOf(model().databases);
+    return model().databases[name].records.empty() ? std::u16string() : name;
+}
+
+std::string ChangeGenerator::ChangeRecord() {
+    const std::u16string name = DatabaseWithRecords();
+    if (name.empty()) {
+        return {};
+    }
+    device_.ChangeRecord(name, Below(model().databases[name].records.size()), AnyRecord());
+    return "change a record of " + Narrow(name);
+}
+
+std::string ChangeGenerator::DeleteRecord() {
+    const std::u16string name = DatabaseWithRecords();
+    if (name.empty()) {
+        return {};
+    }
+    device_.DeleteRecord(name, Below(model().databases[name].records.size()));
+    return "delete a record of " + Narrow(name);
+}
+
+}  // namespace tests
