@@ -27,6 +27,12 @@ struct Application {
     StorageStatus storageStatus = StorageStatus::kOpen;
     // Written by the operation thread, read by the main thread and told to other copies.
     volatile LONG operationBusy = 0;
+    // A request was posted to the operation thread, which has not taken it yet.
+    volatile LONG requestPending = 0;
+    // The operation thread works with the lists of the storage; no other may look at them.
+    volatile LONG lists_in_use = 0;
+    // The message loop is told to end: whatever a modal loop answers from now on is no answer.
+    volatile bool is_ending = false;
     // The program runs without its installation, from the card after a hard reset for example.
     bool installationMissing = false;
 

@@ -6,6 +6,7 @@
 #include "app/operation_drivers.h"
 #include "app/operation_window.h"
 #include "app/storage_files.h"
+#include "app/waiting.h"
 #include "res/resource.h"
 #include "storage/storage_file.h"
 
@@ -51,6 +52,14 @@ bool LoadStorage(Application& app) {
     return true;
 }
 
+// The heap goes next, and the thread must not be on it then.
+void EndOperationThread(const Application& app, HANDLE thread) {
+    if (app.operation_window != nullptr) {
+        ::PostMessageW(app.operation_window, WM_CLOSE, 0, 0);
+    }
+    WaitForThread(thread, kThreadEndMs);
+}
+
 void RunMessageLoop(const Application& app, HACCEL accelerators) {
     MSG message;
     while (::GetMessageW(&message, nullptr, 0, 0) > 0) {
@@ -82,14 +91,18 @@ int RunInteractive(Application& app, bool with_main_window) {
         return kFailed;
     }
     const UniqueHandle operation_thread = StartOperationThread(app);
-    if (!operation_thread || !CreateMainDialog(app)) {
+    if (!operation_thread) {
         return kFailed;
     }
-    ReadAllSettings(SlotsOf(app.settings), app.installationMissing);
-    RunMessageLoop(app, accelerators);
-    // The heap goes next, and the thread must not be on it then.
-    ::WaitForSingleObject(operation_thread.get(), kThreadEndMs);
-    return 0;
+    MainDialog dialog(app);
+    const bool created = dialog.Create();
+    if (created) {
+        ReadAllSettings(SlotsOf(app.settings), app.installationMissing);
+        RunMessageLoop(app, accelerators);
+    }
+    dialog.Destroy();
+    EndOperationThread(app, operation_thread.get());
+    return created ? 0 : kFailed;
 }
 
 }  // namespace tolvenar

@@ -1,5 +1,6 @@
 #include "app/main_window.h"
 
+#include "app/requests.h"
 #include "app/window_messages.h"
 #include "res/resource.h"
 
@@ -8,10 +9,11 @@ namespace {
 
 LRESULT OnClose(Application& app, HWND window) {
     // The lists belong to the operation until it ends; whoever asked asks again.
-    if (app.operationBusy != 0) {
+    if (IsOccupied(app)) {
         return 0;
     }
     RefreshAutoBackup();
+    ::SendMessageW(app.main_dialog, WM_APPLY_NOW, 0, 0);
     ::PostMessageW(app.operation_window, WM_CLOSE, 0, 0);
     ReadAllSettings(SlotsOf(app.settings), app.installationMissing);
     StartAgent();
@@ -19,7 +21,9 @@ LRESULT OnClose(Application& app, HWND window) {
     return ::DefWindowProcW(window, WM_CLOSE, 0, 0);
 }
 
-LRESULT OnDestroy() {
+LRESULT OnDestroy(Application& app) {
+    app.main_window = nullptr;
+    app.is_ending = true;
     ::PostQuitMessage(0);
     return 0;
 }
@@ -31,7 +35,7 @@ LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wparam, L
     }
     switch (message) {
         case WM_CLOSE: return OnClose(*app, window);
-        case WM_DESTROY: return OnDestroy();
+        case WM_DESTROY: return OnDestroy(*app);
         default: return ::DefWindowProcW(window, message, wparam, lparam);
     }
 }

@@ -8,6 +8,8 @@ namespace {
 
 constexpr std::size_t kTextUnits = 200;
 
+constexpr wchar_t kNotStartedText[] = L"Can't start action. Try again.";
+
 struct ResultMessage {
     ResultCode result;
     const wchar_t* text;
@@ -21,7 +23,7 @@ constexpr ResultMessage kBackupMessages[] = {
     {ResultCode::kNoDifferenceList, L"Create Differences Fail.", MB_ICONERROR, false},
     {ResultCode::kFailed, L"Backup Fail.", MB_ICONERROR, false},
     {ResultCode::kJournalUnreadable, L"Journal read Fail.", MB_ICONERROR, false},
-    {ResultCode::kNotStarted, L"Can't start action. Try again.", MB_ICONWARNING, false},
+    {ResultCode::kNotStarted, kNotStartedText, MB_ICONWARNING, false},
 };
 
 constexpr ResultMessage kRestoreMessages[] = {
@@ -33,7 +35,7 @@ constexpr ResultMessage kRestoreMessages[] = {
      true},
     {ResultCode::kDriver, L"Restore Fail. Probably your Storage Card Driver is obsolete.",
      MB_ICONWARNING, false},
-    {ResultCode::kNotStarted, L"Can't start action. Try again.", MB_ICONWARNING, false},
+    {ResultCode::kNotStarted, kNotStartedText, MB_ICONWARNING, false},
 };
 
 template <std::size_t count>
@@ -104,6 +106,21 @@ bool ReportRestore(HWND owner, ResultCode result) {
     return message->counts_as_success;
 }
 
+void ReportInteractiveRestore(HWND owner, ResultCode result) {
+    if (result != ResultCode::kFailed && result != ResultCode::kNotStarted) {
+        ReportRestore(owner, result);
+    }
+}
+
 void ShowRestoreMemoryMessage(HWND owner) { ShowMemoryMessage(owner, kMinimumFreeBytes); }
+
+void ShowInstallationMissing(HWND owner) {
+    ShowMessage(owner,
+                L"Tolvenar installation is not detected on the device, restore Tolvenar first "
+                L"please.",
+                MB_ICONWARNING);
+}
+
+void ShowNotStarted(HWND owner) { ShowMessage(owner, kNotStartedText, MB_ICONWARNING); }
 
 }  // namespace tolvenar

@@ -26,7 +26,17 @@ bool ReportBackup(ResultCode result, const ReportContext& context);
 // The same for an unattended restore; one that found nothing to do counts as success.
 bool ReportRestore(HWND owner, ResultCode result);
 
+// The same for one that was asked for in the dialog: items that could not be restored are shown in
+// the tree instead, and what could not be started or compared says nothing, on purpose.
+void ReportInteractiveRestore(HWND owner, ResultCode result);
+
 // The message of too little memory before a restore; its figure is fixed, on purpose.
 void ShowRestoreMemoryMessage(HWND owner);
+
+// Backup, differences and help need the installation.
+void ShowInstallationMissing(HWND owner);
+
+// The request found no operation thread.
+void ShowNotStarted(HWND owner);
 
 }  // namespace tolvenar

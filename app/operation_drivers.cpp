@@ -2,6 +2,7 @@
 
 #include "app/memory_check.h"
 #include "app/messages.h"
+#include "app/requests.h"
 #include "app/storage_files.h"
 #include "platform/text.h"
 #include "storage/backup_writer.h"
@@ -11,14 +12,7 @@
 namespace tolvenar {
 namespace {
 
-constexpr int kOperationSteps = 11;
 constexpr wchar_t kBackupTitle[] = L"Backing up in progress";
-constexpr wchar_t kRestoreTitle[] = L"Restoring in progress";
-
-// Without a journal an operation would take the storage for empty.
-bool HasJournal(const Application& app) {
-    return app.storageStatus == StorageStatus::kOpen && app.storage.journal != nullptr;
-}
 
 void KeepStatus(Application& app, ResultCode result) {
     if (result == ResultCode::kJournalUnreadable) {
@@ -89,7 +83,7 @@ bool BackupDriver(Application& app, std::uint32_t state_number, const wchar_t* d
     BackupRun run{state_number, description, 0};
     ReportContext context{app.main_dialog, automatic, true, 0, 0};
     ResultCode result = ResultCode::kJournalUnreadable;
-    if (HasJournal(app)) {
+    if (HasStorage(app)) {
         result = MemoryCheck(context.available) ? RunSuspended(app, run) : ResultCode::kNoMemory;
     }
     app.popup.CloseAndWait();
@@ -110,7 +104,8 @@ bool BackupDriver(Application& app, std::uint32_t state_number, const wchar_t* d
 }
 
 ResultCode RestoreRun(Application& app, std::uint32_t state_number) {
-    if (!HasJournal(app)) {
+    // Without a journal the storage would pass for empty, and everything for new.
+    if (!HasStorage(app)) {
         return ResultCode::kJournalUnreadable;
     }
     std::uint32_t available = 0;
@@ -126,6 +121,20 @@ ResultCode RestoreRun(Application& app, std::uint32_t state_number) {
     }
     // Whatever happened. Without an installation nothing was saved, so this writes zeros.
     ResumeAutoBackup(app.schedule);
+    KeepStatus(app, result);
+    return result;
+}
+
+ResultCode DifferencesRun(Application& app, bool invert_first) {
+    if (!HasStorage(app)) {
+        return ResultCode::kJournalUnreadable;
+    }
+    const ObjectList* difference = app.storage.difference.get();
+    if (difference == nullptr || difference->CountRecords() == 0) {
+        return ResultCode::kNoDifference;
+    }
+    ResultCode result = ResultCode::kNotStarted;
+    DoAdvancedRestore(app.engine, invert_first, result);
     KeepStatus(app, result);
     return result;
 }

@@ -1,10 +1,34 @@
 #include "app/operation_window.h"
 
+#include "app/interactive_operations.h"
 #include "app/main_window.h"
 #include "app/window_messages.h"
 
 namespace tolvenar {
 namespace {
+
+// The program ends after a restore, so that the user boots the device. Without an installation it
+// does so whatever the answer: the schedule that was restored is not this program's.
+LRESULT OnRestoredAnswer(const Application& app, WPARAM go_on) {
+    if (app.main_window != nullptr && (go_on != 0 || app.installationMissing)) {
+        ::PostMessageW(app.main_window, WM_CLOSE, 0, 0);
+    }
+    return 0;
+}
+
+LRESULT OnBackupAnswer(Application& app, WPARAM go_on) {
+    if (go_on != 0) {
+        RunInteractiveBackup(app);
+    }
+    return 0;
+}
+
+LRESULT OnRestoreAnswer(Application& app, WPARAM go_on, LPARAM button) {
+    if (go_on != 0) {
+        RunInteractiveRestore(app, static_cast<int>(button));
+    }
+    return 0;
+}
 
 LRESULT OnClose(HWND window) {
     ::DestroyWindow(window);
@@ -22,6 +46,9 @@ LRESULT CALLBACK OperationWindowProcedure(HWND window, UINT message, WPARAM wpar
         return ::DefWindowProcW(window, message, wparam, lparam);
     }
     switch (message) {
+        case WM_OPCONFIRMED_RESTORED: return OnRestoredAnswer(*app, wparam);
+        case WM_OPCONFIRMED_BACKUP: return OnBackupAnswer(*app, wparam);
+        case WM_OPCONFIRMED_RESTORE: return OnRestoreAnswer(*app, wparam, lparam);
         case WM_QUERYBUSY: return app->operationBusy;
         case WM_CLOSE: return OnClose(window);
         case WM_DESTROY: return OnDestroy();

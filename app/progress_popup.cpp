@@ -1,5 +1,6 @@
 #include "app/progress_popup.h"
 
+#include "app/waiting.h"
 #include "res/resource.h"
 #include "snapshot/window_progress.h"
 
@@ -8,17 +9,6 @@ namespace {
 
 constexpr int kPolls = 100;
 constexpr DWORD kPollMs = 50;
-
-// The popup's thread sends messages to its owner's thread while it opens and closes, so whoever
-// waits for it must let sent messages through. True when `handle`, which may be null, was
-// signalled.
-bool WaitServingSentMessages(HANDLE handle) {
-    const DWORD count = handle != nullptr ? 1 : 0;
-    const DWORD woken = ::MsgWaitForMultipleObjectsEx(count, &handle, kPollMs, QS_SENDMESSAGE, 0);
-    MSG message;
-    ::PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
-    return count == 1 && woken == WAIT_OBJECT_0;
-}
 
 }  // namespace
 
@@ -56,7 +46,7 @@ void ProgressPopup::CloseAndWait() {
 
 void ProgressPopup::WaitForClosing() {
     for (int i = 0; thread_ && i < kPolls; ++i) {
-        if (WaitServingSentMessages(thread_.get())) {
+        if (WaitServingSentMessages(thread_.get(), kPollMs)) {
             break;
         }
     }
@@ -66,7 +56,7 @@ void ProgressPopup::WaitForClosing() {
 
 void ProgressPopup::WaitForWindow() {
     for (int i = 0; window_ == nullptr && i < kPolls; ++i) {
-        WaitServingSentMessages(nullptr);
+        WaitServingSentMessages(nullptr, kPollMs);
     }
 }
 

@@ -26,6 +26,8 @@ struct InfoBlockHead {
 static_assert(sizeof(InfoBlockHead) == 28 && offsetof(InfoBlockHead, type) == 20 &&
               offsetof(InfoBlockHead, first_name_unit) == 26);
 
+constexpr std::size_t kStateDescriptionUnits = 200;  // the data of a state, with the terminator
+
 constexpr std::size_t kInfoHeadBytes = 28;
 constexpr std::size_t kInfoNameOffset = 26;
 constexpr std::size_t kInfoBlockBytes = 548;  // the longest block that is kept or read

@@ -10,10 +10,9 @@
 #include "snapshot/info_source.h"
 #include "snapshot/registry_objects.h"
 #include "storage/database_layer.h"
+#include "storage/info_block.h"
 
 namespace tolvenar {
-
-constexpr std::size_t kStateDescriptionUnits = 200;  // with terminator
 
 class ObjectInfo final : public InfoSource {
 public:

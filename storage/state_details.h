@@ -5,11 +5,10 @@
 
 #include "snapshot/object_record.h"
 #include "storage/date_text.h"
+#include "storage/info_block.h"
 #include "storage/storage_names.h"
 
 namespace tolvenar {
-
-constexpr std::size_t kStateDescriptionUnits = 200;  // with the terminator
 
 struct StateDetails {
     char16_t time[kDateTimeTextUnits];             // local time, short date

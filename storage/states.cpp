@@ -2,18 +2,24 @@
 
 namespace tolvenar {
 
-std::uint32_t LastStoredState(const ObjectList* journal) {
+const ObjectRecord* FindLastState(const ObjectList* journal) {
+    const ObjectRecord* last = nullptr;
     if (journal == nullptr) {
-        return 0;
+        return nullptr;
     }
-    std::uint32_t last = 0;
     ObjectRecord* record = nullptr;
     for (auto cursor = journal->First(); ObjectList::Next(cursor, nullptr, &record);) {
-        if (record->type == ObjectType::kState && record->state_number > last) {
-            last = record->state_number;
+        if (record->type == ObjectType::kState &&
+            (last == nullptr || record->state_number > last->state_number)) {
+            last = record;
         }
     }
     return last;
+}
+
+std::uint32_t LastStoredState(const ObjectList* journal) {
+    const ObjectRecord* last = FindLastState(journal);
+    return last != nullptr ? last->state_number : 0;
 }
 
 }  // namespace tolvenar
