@@ -9,6 +9,7 @@
 #include "storage/card_space.h"
 #include "storage/journal.h"
 #include "storage/journal_update.h"
+#include "storage/kept_keys.h"
 #include "storage/restore_list.h"
 
 namespace tolvenar {
@@ -36,6 +37,7 @@ bool PruneForRestore(Engine& engine) {
     }
     const StorageFileLoan loan(engine.info, sav_file.get());
     PruneDifferences(*engine.storage.difference, kRestorePruning, engine.info);
+    KeepStoredKeys(*engine.storage.difference, engine.info);
     return true;
 }
 

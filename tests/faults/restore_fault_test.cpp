@@ -141,13 +141,14 @@ TEST_P(RestoreFaultTest, NothingIsLostAndTheNextRestoreMakesItGood) {
 INSTANTIATE_TEST_SUITE_P(
     Calls, RestoreFaultTest,
     ::testing::Values("CreateFileW", "CreateFileForMappingW", "CreateFileMappingW", "GetFileSize",
-                      "MapViewOfFile", "WriteFile", "SetFileTime", "SetFileAttributesW",
-                      "FindFirstFileW", "DeleteFileW", "MoveFileW", "CreateDirectoryW",
-                      "RemoveDirectoryW", "GetDiskFreeSpaceExW", "GetStoreInformation",
-                      "RegOpenKeyExW", "RegQueryInfoKeyW", "RegEnumKeyExW", "RegEnumValueW",
-                      "RegCreateKeyExW", "RegSetValueExW", "RegDeleteKeyW", "CeFindFirstDatabaseEx",
-                      "CeOpenDatabaseEx", "CeOidGetInfoEx", "CeReadRecordPropsEx",
-                      "CeWriteRecordProps", "CeDeleteRecord", "CeDeleteDatabaseEx"),
+                      "MapViewOfFile", "ReadFile", "WriteFile", "SetFilePointer", "SetFileTime",
+                      "SetFileAttributesW", "FindFirstFileW", "DeleteFileW", "MoveFileW",
+                      "CreateDirectoryW", "RemoveDirectoryW", "GetDiskFreeSpaceExW",
+                      "GetStoreInformation", "RegOpenKeyExW", "RegQueryInfoKeyW", "RegEnumKeyExW",
+                      "RegEnumValueW", "RegCreateKeyExW", "RegSetValueExW", "RegDeleteKeyW",
+                      "CeFindFirstDatabaseEx", "CeOpenDatabaseEx", "CeOidGetInfoEx",
+                      "CeReadRecordPropsEx", "CeWriteRecordProps", "CeDeleteRecord",
+                      "CeDeleteDatabaseEx"),
     [](const auto& row) { return std::string(row.param); });
 
 }  // namespace
