@@ -13,6 +13,7 @@ set(PLATFORM_FREE_SOURCES
   snapshot/text_buffer.cpp
   storage/info_block.cpp
   storage/journal_update.cpp
+  storage/kept_objects.cpp
   storage/storage_header.cpp
   storage/storage_names.cpp
   storage/written_records.cpp
@@ -28,6 +29,7 @@ set(PLATFORM_FREE_TESTS
   tests/snapshot/state_list_test.cpp
   tests/snapshot/text_buffer_test.cpp
   tests/storage/journal_update_test.cpp
+  tests/storage/kept_objects_test.cpp
   tests/storage/storage_header_test.cpp
   tests/storage/storage_names_test.cpp
   tests/storage/written_records_test.cpp

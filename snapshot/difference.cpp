@@ -28,6 +28,16 @@ bool AddToDifference(ObjectRecord& a, std::uint16_t mark, ObjectList& diff) {
     return true;
 }
 
+// Takes an addition out again: only its second comparison could read both descriptions (the first
+// failed for a moment), and it is no difference. A restore would delete the object and have nothing
+// to write back.
+void Withdraw(const ObjectRecord& added, ObjectList& diff) {
+    ObjectList::Node* node = diff.FindByKey(StatelessKeyOf(added));
+    if (node != nullptr && (node->record->flags & JF_ADD)) {
+        diff.Remove(node);
+    }
+}
+
 // Marks the pairs that are in both lists and enters the other records of `from` under `mark`.
 bool Match(const ObjectList& from, const ObjectList& against, ObjectList& diff, std::uint16_t mark,
            InfoSource& info) {
@@ -43,6 +53,9 @@ bool Match(const ObjectList& from, const ObjectList& against, ObjectList& diff, 
         if (ObjectRecord* b = candidates.FirstMatch(a, info)) {
             a.flags |= JF_MATCHED;
             b->flags |= JF_MATCHED;
+            if (mark == JF_DELETE && IsRegistryObject(a) && IsRegistryObject(*b)) {
+                Withdraw(*b, diff);
+            }
         } else if (!AddToDifference(a, mark, diff)) {
             return false;
         }

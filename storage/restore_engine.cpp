@@ -9,7 +9,7 @@
 #include "storage/card_space.h"
 #include "storage/journal.h"
 #include "storage/journal_update.h"
-#include "storage/kept_keys.h"
+#include "storage/kept_objects.h"
 #include "storage/restore_list.h"
 
 namespace tolvenar {
@@ -37,7 +37,7 @@ bool PruneForRestore(Engine& engine) {
     }
     const StorageFileLoan loan(engine.info, sav_file.get());
     PruneDifferences(*engine.storage.difference, kRestorePruning, engine.info);
-    KeepStoredKeys(*engine.storage.difference, engine.info);
+    KeepStoredObjects(*engine.storage.difference, engine.info);
     return true;
 }
 

@@ -24,6 +24,7 @@ public:
     std::map<std::uint32_t, RegistryObject> registry;                // by TolvOID
     std::vector<std::string> asked;                                  // "storage 12", "live 5 0"
     bool keep_asked = true;
+    int failing_reads = 0;  // so many reads of the storage file fail first
 
     bool GetOIDInfo(std::uint32_t TolvOID, std::uint32_t dwOID, InfoBlock& block) override {
         Note("live " + std::to_string(TolvOID) + " " + std::to_string(dwOID));
@@ -32,6 +33,10 @@ public:
     }
     bool GetInfoFromStorage(std::uint32_t offset, InfoBlock& block) override {
         Note("storage " + std::to_string(offset));
+        if (failing_reads > 0) {
+            --failing_reads;
+            return false;
+        }
         const auto found = stored.find(offset);
         return found != stored.end() && Fill(found->second, block);
     }
