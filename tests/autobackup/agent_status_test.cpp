@@ -23,11 +23,10 @@ protected:
         WriteSetting(setting::kOnTime, 1);
         WriteSetting(setting::kWakeUpTime, 21);
         status_.AgentStatusInit(page_, bar_, label_, 0, 0);
-        device().Command("trace on");
+        device().Command("counters clear");
     }
     void TearDown() override {
         ::DestroyWindow(page_);
-        device().Command("trace off");
         DeviceTest::TearDown();
     }
     static HWND Make(const wchar_t* name, HWND parent, DWORD style) {
@@ -43,8 +42,10 @@ protected:
     void Tick(DWORD on_time, DWORD on_battery) {
         status_.AgentStatusTick(kAgentUpdateTimer, on_time, on_battery);
     }
+    // Platform calls of the function since the page was set up.
     std::size_t Calls(const std::string& function) {
-        return nlohmann::json::parse(device().Command("trace show " + function)).size();
+        const auto calls = nlohmann::json::parse(device().Command("counters"))["calls"];
+        return calls.value(function, std::size_t{0});
     }
     // How often the settings were applied: the agent was started so often.
     std::size_t Applied() { return Calls("CreateProcessW"); }
