@@ -1,0 +1,53 @@
+// The record behind each item of the difference tree. Platform-free.
+#pragma once
+
+#include <cstdint>
+
+namespace tolvenar {
+
+using TreeItem = void*;  // the tree view's handle of an item
+
+// Bits of NodeRecord::flags.
+constexpr std::uint32_t kNodeAdded = 1;
+constexpr std::uint32_t kNodeDeleted = 2;
+constexpr std::uint32_t kNodeBoth = kNodeAdded | kNodeDeleted;
+constexpr std::uint32_t kNodeStateMask = kNodeBoth;
+constexpr std::uint32_t kNodeObject = 4;
+constexpr std::uint32_t kNodeGroup = 8;         // category or group: counts are drawn after it
+constexpr std::uint32_t kNodeInformation = 16;  // not counted
+
+// Category codes; a node below a category carries the object type that it stands for.
+constexpr std::uint32_t kCategoryOther = 0;
+constexpr std::uint32_t kCategoryRegistry = 2;
+constexpr std::uint32_t kCategoryDatabases = 4;  // "Outlook Data" in the simple view
+constexpr std::uint32_t kCategoryFiles = 16;
+constexpr std::uint32_t kCategoryApplications = 64;
+constexpr std::uint32_t kCategoryDocuments = 128;
+// The root is in no category, and nothing looks for it by one.
+constexpr std::uint32_t kNoCategory = 0;
+
+struct NodeRecord {
+    TreeItem item;      // null until the item is there
+    char16_t* caption;  // owned; without marks
+    std::uint32_t group_mark;
+    std::uint32_t flags;
+    std::uint32_t category;
+    std::uint32_t depth;  // number of ancestors
+    std::uint32_t added;  // changed objects below the node
+    std::uint32_t deleted;
+    std::uint32_t both;
+
+    // Links of the model, of use during a build only: items are deleted in an order of their own.
+    bool has_button;
+    std::uint32_t hash;  // of the caption, case ignored
+    NodeRecord* parent;
+    NodeRecord* first_child;
+    NodeRecord* last_child;
+    NodeRecord* next_sibling;
+    NodeRecord* bucket_next;
+};
+
+// Frees the record and its caption; null is allowed.
+void FreeNodeRecord(NodeRecord* record);
+
+}  // namespace tolvenar
