@@ -85,6 +85,7 @@ bool MainDialog::Create() {
         return false;
     }
     ::ShowWindow(window_, SW_SHOW);
+    FocusPage();
     return true;
 }
 
@@ -114,7 +115,8 @@ INT_PTR MainDialog::OnInit() {
     const int first = app_.storageStatus == StorageStatus::kNone ? kStoragePage : kBackupPage;
     InsertTabs(first);
     ShowPage(first);
-    return TRUE;
+    // No focus yet: a window that is activated before it is seen keeps the look of an inactive one.
+    return FALSE;
 }
 
 void MainDialog::InsertTabs(int selected) {
@@ -169,9 +171,14 @@ void MainDialog::ShowPage(int index) {
     }
     page->Show(index, PagePlace());
     if (focus_in_page) {
-        const HWND first = ::GetNextDlgTabItem(page->window(), nullptr, FALSE);
-        ::SetFocus(first != nullptr ? first : tabs_);
+        FocusPage();
     }
+}
+
+void MainDialog::FocusPage() {
+    const HWND first =
+        shown_ != nullptr ? ::GetNextDlgTabItem(shown_->window(), nullptr, FALSE) : nullptr;
+    ::SetFocus(first != nullptr ? first : tabs_);
 }
 
 void MainDialog::StepPage(int direction) {

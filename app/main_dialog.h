@@ -38,6 +38,7 @@ private:
     void InsertTabs(int selected);
     Page* PageAt(int index);
     void ShowPage(int index);
+    void FocusPage();
     void StepPage(int direction);
     void PressEnter();
     void ApplyNow();

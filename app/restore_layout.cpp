@@ -18,7 +18,7 @@ constexpr Row kRows[] = {
     {IDC_STATES_LABEL, {6, 3, 60, 9}, {6, 3, 60, 9}, kHidden},
     {IDC_STATES, {6, 13, 88, 67}, {6, 13, 88, 36}, kHidden},
     {IDC_STATE_TIME_LABEL, {102, 3, 50, 9}, kHidden, kHidden},
-    {IDC_STATE_TIME, {154, 3, 140, 9}, {6, 51, 92, 9}, kHidden},
+    {IDC_STATE_TIME, {128, 3, 166, 9}, {6, 51, 92, 9}, kHidden},
     {IDC_STATE_DESCRIPTION_LABEL, {102, 14, 50, 9}, kHidden, kHidden},
     {IDC_STATE_DESCRIPTION, {102, 24, 191, 36}, {6, 61, 88, 19}, kHidden},
     {IDC_RESTORE, {226, 64, 67, 16}, kHidden, kHidden},
@@ -54,6 +54,8 @@ void LayOutRestorePage(HWND page, RestorePage::Form form) {
         ::SetWindowPos(control, nullptr, rect.left, rect.top, rect.right - rect.left,
                        rect.bottom - rect.top, SWP_NOZORDER | SWP_NOACTIVATE | SWP_SHOWWINDOW);
     }
+    // What a control leaves is painted over by the page, also where another came to stand.
+    ::RedrawWindow(page, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }
 
 }  // namespace tolvenar

@@ -72,6 +72,17 @@ bool IsOn(const std::wstring& name) {
     return name == current;
 }
 
+// A thread that ends takes the handle of its desktop with it, so each has one of its own.
+bool MoveThread(const Device& device, const std::wstring& name) {
+    OpenKept(device, name);
+    HDESK desktop = ::OpenDesktopW(name.c_str(), 0, FALSE, GENERIC_ALL);
+    if (::SetThreadDesktop(desktop)) {
+        return true;
+    }
+    ::CloseDesktop(desktop);
+    return false;
+}
+
 }  // namespace
 
 ScreenSize ScreenSizeOf(const Device& device) {
@@ -104,7 +115,7 @@ std::wstring PrepareDesktop(const Device& device) {
 bool EnterDesktop(const Device& device) {
     const DWORD error = ::GetLastError();
     const std::wstring name = DesktopName(device);
-    const bool on_it = IsOn(name) || ::SetThreadDesktop(OpenKept(device, name)) != 0;
+    const bool on_it = IsOn(name) || MoveThread(device, name);
     ::SetLastError(error);
     return on_it;
 }

@@ -2,6 +2,8 @@
 
 #include "platform/win32.h"
 
+#include <thread>
+
 #include "tests/support/programs.h"
 
 namespace tests {
@@ -51,6 +53,15 @@ TEST_F(DesktopTest, OneFolderIsOneDeviceHoweverItIsWritten) {
     }
     sim::Device same(shouting);
     EXPECT_EQ(sim::windows::DesktopName(sim()), sim::windows::DesktopName(same));
+}
+
+// The host closes a thread's desktop handle with the thread.
+TEST_F(DesktopTest, AThreadThatEndsLeavesTheDesktopToTheNext) {
+    for (int i = 0; i < 3; ++i) {
+        bool entered = false;
+        std::thread([&] { entered = sim::windows::EnterDesktop(sim()); }).join();
+        EXPECT_TRUE(entered);
+    }
 }
 
 // Without a virtual desktop each of them waits two seconds for a window manager that is not there.
