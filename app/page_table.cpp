@@ -1,7 +1,10 @@
 #include "app/page_table.h"
 
+#include "app/about_page.h"
 #include "app/backup_page.h"
+#include "app/options_page.h"
 #include "app/restore_page.h"
+#include "app/storage_page.h"
 
 namespace tolvenar {
 
@@ -9,6 +12,9 @@ std::unique_ptr<Page> MakePage(int index, Application& app, Frame& frame) {
     switch (index) {
         case kBackupPage: return std::unique_ptr<Page>(new BackupPage(app, frame));
         case kRestorePage: return std::unique_ptr<Page>(new RestorePage(app, frame));
+        case kStoragePage: return std::unique_ptr<Page>(new StoragePage(app, frame));
+        case kOptionsPage: return std::unique_ptr<Page>(new OptionsPage(app, frame));
+        case kAboutPage: return std::unique_ptr<Page>(new AboutPage(app, frame));
         default: return nullptr;
     }
 }

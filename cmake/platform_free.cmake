@@ -1,5 +1,7 @@
 # Sources that include no platform header and so build natively too, and the tests that run there.
 set(PLATFORM_FREE_SOURCES
+  app/about_picture.cpp
+  app/time_format.cpp
   snapshot/checksum.cpp
   snapshot/difference.cpp
   snapshot/exclusion.cpp
