@@ -1,0 +1,54 @@
+#include "tests/faults/device_image.h"
+
+#include <cstdio>
+#include <functional>
+#include <stdexcept>
+#include <vector>
+
+#include "simulator/host/host_files.h"
+
+namespace tests {
+namespace {
+
+// Counters and rules; they are the test's.
+bool IsGate(const std::wstring& name) { return name == L"\\gate"; }
+
+void ForEachFile(const std::wstring& folder, const std::wstring& inner,
+                 const std::function<void(const std::wstring&)>& visit) {
+    const sim::host::Listing listing = sim::host::List(folder + inner);
+    for (const std::wstring& name : listing.files) {
+        visit(inner + L"\\" + name);
+    }
+    for (const std::wstring& name : listing.folders) {
+        ForEachFile(folder, inner + L"\\" + name, visit);
+    }
+}
+
+}  // namespace
+
+DeviceImage::DeviceImage(const std::wstring& folder) {
+    ForEachFile(folder, L"", [&](const std::wstring& name) {
+        if (!IsGate(name)) {
+            files_[name] = sim::host::ReadWhole(folder + name).value();
+        }
+    });
+}
+
+void DeviceImage::PutBack(const std::wstring& folder) const {
+    std::vector<std::wstring> others;
+    ForEachFile(folder, L"", [&](const std::wstring& name) {
+        if (!IsGate(name) && files_.count(name) == 0) {
+            others.push_back(folder + name);
+        }
+    });
+    for (const std::wstring& other : others) {
+        ::_wremove(other.c_str());
+    }
+    for (const auto& [name, bytes] : files_) {
+        if (!sim::host::WriteWhole(folder + name, bytes)) {
+            throw std::runtime_error("a device's file cannot be put back");
+        }
+    }
+}
+
+}  // namespace tests

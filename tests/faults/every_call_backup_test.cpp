@@ -1,0 +1,57 @@
+// Backups with each of their platform calls failing in turn: the device and earlier states are as
+// they were, and the next backup stores what this one could not.
+#include "tests/faults/fault_fixture.h"
+
+namespace tolvenar {
+namespace {
+
+using tests::Contents;
+using tests::Differences;
+using Lines = std::vector<std::string>;
+
+class EveryCallBackupTest : public FaultTest {
+protected:
+    std::uint32_t BackUpAgain() {
+        EngineParts parts;
+        EXPECT_TRUE(parts.Open());
+        const ResultCode code = parts.Backup();
+        EXPECT_TRUE(code == ResultCode::kSuccess || code == ResultCode::kNoDifference);
+        return HighestStateNumber(parts.storage.journal.get());
+    }
+};
+
+ResultCode Backup(EngineParts& parts) { return parts.Backup(); }
+
+TEST_F(EveryCallBackupTest, AFirstBackupLeavesTheDeviceAndTheNextOneHeals) {
+    MakeDevice();
+    const Contents before = Now();
+    KeepDevice();
+    FailEachCall(Backup, [&](FaultRun&) {
+        EXPECT_EQ(Lines(), Differences(before, Now()));
+        const std::uint32_t state = BackUpAgain();
+        EXPECT_EQ(ResultCode::kNoDifference, Restore(state));
+        EXPECT_EQ(Lines(), Differences(before, Now()));
+    });
+}
+
+TEST_F(EveryCallBackupTest, ASecondBackupLeavesTheDeviceAndTheFirstState) {
+    MakeDevice();
+    const Contents first = BackUp();
+    ChangeDevice(1);
+    const Contents second = Now();
+    KeepDevice();
+    const std::string whole = JournalAfter(Backup);
+    FailEachCall(Backup, [&](FaultRun& run) {
+        EXPECT_EQ(Lines(), Differences(second, Now()));
+        if (IsCutJournal(run, whole)) {
+            return;
+        }
+        const std::uint32_t state = BackUpAgain();
+        EXPECT_EQ(ResultCode::kNoDifference, Restore(state));
+        EXPECT_EQ(ResultCode::kSuccess, Restore(1));
+        EXPECT_EQ(Lines(), Differences(first, Now()));
+    });
+}
+
+}  // namespace
+}  // namespace tolvenar

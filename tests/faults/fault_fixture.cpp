@@ -1,0 +1,276 @@
+#include "tests/faults/fault_fixture.h"
+
+#include "simulator/databases/database_store.h"
+#include "simulator/gate/counters.h"
+#include "simulator/gate/gate_file.h"
+#include "simulator/gate/rules.h"
+#include "simulator/host/attach.h"
+#include "simulator/host/host_files.h"
+#include "storage/storage_file.h"
+#include "tests/support/engine_test.h"
+
+namespace tolvenar {
+namespace {
+
+using sim::databases::DatabaseStore;
+
+constexpr char16_t kStoragePath[] = u"\\Storage Card\\Backup\\Home";
+constexpr wchar_t kSettingsKey[] = L"Software\\Kestrin2\\Tolvenar";
+constexpr long kNever = 1000000000;
+constexpr std::size_t kStandingRules = 1;  // that of Attach
+constexpr CEPROPID kNumber = 0x00010003;
+constexpr CEPROPID kName = 0x0002001F;
+constexpr CEPROPID kPicture = 0x00030041;
+
+std::string TextBytes(const wchar_t* text) {
+    return {reinterpret_cast<const char*>(text), (wcslen(text) + 1) * sizeof(wchar_t)};
+}
+
+sim::Rule RuleFor(const tests::FaultRow& row, long first) {
+    sim::Rule rule;
+    rule.function = row.function;
+    rule.first = first;
+    rule.value = static_cast<long>(row.error);
+    return rule;
+}
+
+// The calls of a function that are made to fail: all of few; of many the first ones, every
+// seventh behind them, and the last.
+std::vector<long> Chosen(long count) {
+    constexpr long kAllUpTo = 16;
+    constexpr long kStride = 7;
+    std::vector<long> chosen;
+    for (long n = 1; n <= count; n += n < kAllUpTo ? 1 : kStride) {
+        chosen.push_back(n);
+    }
+    if (count > 0 && chosen.back() != count) {
+        chosen.push_back(count);
+    }
+    return chosen;
+}
+
+// Of all attachments that this process has made; only the last one changes.
+long HeapBlocks(const sim::GateFile& gate) {
+    long blocks = 0;
+    for (const sim::GateProcess& process : gate.processes) {
+        blocks += process.gauges[static_cast<std::size_t>(sim::Gauge::kHeapBlocks)];
+    }
+    return blocks;
+}
+
+}  // namespace
+
+bool EngineParts::Open() {
+    OpenStorageResult result{};
+    return MakeStorageNames(kStoragePath, storage.names) &&
+           OpenStorage(storage.names.sav, storage, result) && OpenJournal(storage, nullptr);
+}
+
+ResultCode EngineParts::Backup() {
+    ResultCode code{};
+    std::uint32_t needed = 0;
+    DoBackup(engine_, NextStateNumber(storage.journal.get()), u"", false, code, needed);
+    return code;
+}
+
+ResultCode EngineParts::Restore(std::uint32_t state) {
+    ResultCode code{};
+    DoRestore(engine_, state, code);
+    return code;
+}
+
+FaultTest::FaultTest()
+    : folder_(sim::host::FolderFromEnvironmentOrTemp(L"TOLVENAR_TEST_DEVICES") + L"\\faults-" +
+              sim::host::UniqueName()) {
+    sim::host::RemoveTree(folder_);
+    sim::host::MakeFolder(folder_);
+}
+
+FaultTest::~FaultTest() {
+    Detach();
+    sim::host::RemoveTree(folder_);
+}
+
+void FaultTest::Attach() {
+    sim::host::AttachProcess(folder_);
+    device_ = std::make_unique<tests::TestDevice>(sim::Device::Current());
+    sim::ClearRules(device().sim());
+    // A restore need not wait for the store to settle.
+    sim::Rule rule;
+    rule.function = "Sleep";
+    rule.count = kNever;
+    rule.value = 1;
+    sim::AddRule(device().sim(), rule);
+}
+
+void FaultTest::Detach() {
+    device_.reset();
+    sim::host::AttachProcess(L"");
+}
+
+void FaultTest::MakeDevice() {
+    Attach();
+    sim::files::MountCard(device().sim());
+    device().Set("clock", "2002-05-06T07:08:09");
+    device().Set("clock.step", "2000");
+    device().MakeFolder(kFolder);
+    SetValue(HKEY_CURRENT_USER, kSettingsKey, L"StorageFile", REG_SZ, TextBytes(L"Home"));
+    SetValue(HKEY_CURRENT_USER, kSettingsKey, L"StoragePath", REG_SZ,
+             TextBytes(L"\\Storage Card\\Backup\\"));
+    device().PutFile(L"\\Docs\\a.txt", "first");
+    device().PutFile(L"\\Docs\\Deep\\b.txt", "second");
+    device().PutFile(L"\\kept.txt", "never changed");
+    device().PutFile(L"\\empty", "");
+    SetValue(HKEY_CURRENT_USER, L"Test", L"Kept", REG_DWORD, std::string(4, '\1'));
+    SetValue(HKEY_CURRENT_USER, L"Test\\Deep", L"Number", REG_DWORD, std::string(4, '\2'));
+    SetValue(HKEY_LOCAL_MACHINE, L"Test", L"", REG_SZ, TextBytes(L"text"));
+    MakeDatabase(L"Contacts");
+    AddRecord(L"Contacts", {{kNumber, 1}, {kName, 0, L"Ann"}, {kPicture, 0, {}, "abc"}});
+    AddRecord(L"Contacts", {{kNumber, 2}, {kName, 0, L"Bob"}});
+    MakeDatabase(L"Kept");
+    AddRecord(L"Kept", {{kNumber, 3}});
+    ASSERT_NE(nullptr, CreateStorage(kStoragePath, nullptr));
+    EngineParts parts;
+    ASSERT_TRUE(parts.Open());
+}
+
+void FaultTest::ChangeDevice(int round) {
+    const std::wstring name = L"\\New" + std::to_wstring(round);
+    device().PutFile(L"\\Docs\\a.txt", "changed " + std::to_string(round));
+    device().Remove(round % 2 == 1 ? L"\\Docs\\Deep" : L"\\New1");
+    device().PutFile(name + L"\\n.txt", "new");
+    const std::string number(4, static_cast<char>(0x10 + round));
+    SetValue(HKEY_CURRENT_USER, L"Test\\Deep", L"Number", REG_DWORD, number);
+    SetValue(HKEY_CURRENT_USER, L"Test", name.c_str() + 1, REG_BINARY, number);
+    SetValue(HKEY_CLASSES_ROOT, (L"." + name.substr(1)).c_str(), L"v", REG_BINARY, "xyz");
+    ::RegDeleteKeyW(HKEY_LOCAL_MACHINE, L"Test");
+
+    DatabaseStore store(device().sim());
+    const std::uint32_t contacts = store.ByName(u"Contacts")->oid;
+    const std::vector<std::uint32_t> records = store.Records(contacts);
+    WriteRecord(L"Contacts", records.at(0), {{kNumber, static_cast<std::uint32_t>(100 + round)}});
+    store.DeleteRecord(contacts, records.at(1));
+    AddRecord(L"Contacts", {{kNumber, static_cast<std::uint32_t>(200 + round)}});
+    MakeDatabase(name.c_str() + 1, 5);
+    AddRecord(name.c_str() + 1, {{kName, 0, L"in a new database"}});
+    if (const auto older = store.ByName(u"New1"); older && round > 1) {
+        store.Delete(older->oid);
+    }
+}
+
+tests::Contents FaultTest::BackUp() {
+    EngineParts parts;
+    EXPECT_TRUE(parts.Open());
+    EXPECT_EQ(ResultCode::kSuccess, parts.Backup());
+    return Now();
+}
+
+ResultCode FaultTest::Restore(std::uint32_t state) {
+    EngineParts parts;
+    EXPECT_TRUE(parts.Open());
+    return parts.Restore(state);
+}
+
+bool FaultTest::IsCutJournal(const FaultRun& run, const std::string& whole) {
+    const auto records = static_cast<long>(whole.size() / sizeof(ObjectRecord));
+    const long written = run.number - 1 - (run.count - records);
+    if (std::string("WriteFile") != run.row.function || written < 0) {
+        return false;
+    }
+    const std::size_t bytes = static_cast<std::size_t>(written) * sizeof(ObjectRecord);
+    EXPECT_TRUE(Bytes(kJournalPath) == whole.substr(0, bytes));
+    return true;
+}
+
+void FaultTest::KeepDevice() {
+    Detach();
+    image_ = tests::DeviceImage(folder_);
+}
+
+// From arming on nothing of the test may allocate, since its blocks come from the program's heap:
+// the rules are read and taken away in the mapped file itself.
+ResultCode FaultTest::RunOnce(const Operation& operation, bool opens_itself,
+                              const std::vector<sim::Rule>& rules) {
+    const sim::MappedGate gate(folder_);
+    met_.assign(sim::kRuleCount, {});
+    const long blocks_before = HeapBlocks(*gate);
+    ResultCode code{};
+    {
+        EngineParts parts;
+        EXPECT_TRUE(opens_itself || parts.Open());
+        for (const sim::Rule& rule : rules) {
+            sim::AddRule(device().sim(), rule);
+        }
+        for (sim::GateRule& rule : gate->rules) {
+            rule.seen = 0;
+        }
+        code = operation(parts);
+        for (std::size_t i = 0; i < sim::kRuleCount; ++i) {
+            met_[i] = {gate->rules[i].seen, gate->rules[i].fired};
+            gate->rules[i].state = sim::kRuleFree;
+        }
+        for (volatile long& watch : gate->watch) {
+            watch = 0;
+        }
+    }
+    left_something_ = HeapBlocks(*gate) != blocks_before || sim::host::OpenHandlesOfCoredll() != 0;
+    return code;
+}
+
+std::vector<long> FaultTest::CountCalls(const Operation& operation, bool opens_itself) {
+    image_.PutBack(folder_);
+    Attach();
+    std::vector<sim::Rule> rules;
+    for (const tests::FaultRow& row : tests::FaultRows()) {
+        rules.push_back(RuleFor(row, kNever));
+    }
+    sim::ClearCounters(device().sim());
+    RunOnce(operation, opens_itself, rules);
+    for (const auto& [function, calls] : sim::TotalCalls(device().sim())) {
+        bool known = tests::CannotFail(function.c_str());
+        for (const tests::FaultRow& row : tests::FaultRows()) {
+            known = known || function == row.function;
+        }
+        EXPECT_TRUE(known) << function << " is called and never made to fail";
+    }
+    Detach();
+    std::vector<long> counts;
+    for (std::size_t i = 0; i < rules.size(); ++i) {
+        counts.push_back(met_[i + kStandingRules].seen);
+    }
+    return counts;
+}
+
+std::string FaultTest::JournalAfter(const Operation& operation) {
+    image_.PutBack(folder_);
+    Attach();
+    RunOnce(operation, false, {});
+    const std::string journal = Bytes(kJournalPath);
+    Detach();
+    return journal;
+}
+
+void FaultTest::FailEachCall(const Operation& operation,
+                             const std::function<void(FaultRun&)>& check, bool opens_itself) {
+    const std::vector<long> counts = CountCalls(operation, opens_itself);
+    for (std::size_t i = 0; i < counts.size(); ++i) {
+        const tests::FaultRow& row = tests::FaultRows()[i];
+        for (const long number : Chosen(counts[i])) {
+            SCOPED_TRACE(std::string(row.function) + " " + std::to_string(number) + " of " +
+                         std::to_string(counts[i]));
+            image_.PutBack(folder_);
+            Attach();
+            FaultRun run{row, number, counts[i]};
+            run.code = RunOnce(operation, opens_itself, {RuleFor(row, number)});
+            EXPECT_EQ(1, met_[kStandingRules].fired) << "the call never failed";
+            EXPECT_TRUE(!left_something_ || row.kind == tests::FaultKind::kCloses)
+                << "handles or memory were left";
+            Detach();  // closes what a call that could not close left open
+            Attach();
+            check(run);
+            Detach();
+        }
+    }
+}
+
+}  // namespace tolvenar

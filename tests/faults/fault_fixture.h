@@ -1,0 +1,112 @@
+// Runs an operation of the engine again and again on the same small device, each time with another
+// call failing.
+#pragma once
+
+#include "platform/win32.h"
+
+#include <functional>
+#include <gtest/gtest.h>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "simulator/gate/rules.h"
+#include "storage/backup_writer.h"
+#include "storage/engine.h"
+#include "storage/journal.h"
+#include "storage/restore_engine.h"
+#include "tests/faults/device_image.h"
+#include "tests/faults/fault_rows.h"
+#include "tests/support/contents.h"
+#include "tests/support/device_test.h"
+
+namespace tolvenar {
+
+class SilentProgress final : public Progress {
+public:
+    void ProgressBegin(std::size_t) override {}
+    void ProgressStep(const char16_t*) override {}
+};
+
+// The parts that an operation works with, on the device that this process runs on.
+class EngineParts {
+public:
+    // Opens storage and journal as the program's start does; false when one of them fails.
+    bool Open();
+    ResultCode Backup();
+    ResultCode Restore(std::uint32_t state);
+
+    OpenedStorage storage{};
+
+private:
+    DatabaseLayer databases_;
+    ObjectInfo info_{storage.registry_objects, databases_};
+    SilentProgress progress_;
+    Engine engine_{storage, databases_, info_, progress_};
+};
+
+// One run with one call failing.
+struct FaultRun {
+    const tests::FaultRow& row;
+    long number;        // the call that failed, counted from 1
+    long count;         // of how many when none fails
+    ResultCode code{};  // what the operation told
+};
+
+class FaultTest : public ::testing::Test {
+protected:
+    static constexpr const wchar_t* kFolder = L"\\Storage Card\\Backup";
+    static constexpr const wchar_t* kSavPath = L"\\Storage Card\\Backup\\Home.sav";
+    static constexpr const wchar_t* kJournalPath = L"\\Storage Card\\Backup\\Home.jrn";
+
+    using Operation = std::function<ResultCode(EngineParts&)>;
+
+    FaultTest();
+    ~FaultTest() override;
+
+    // A fresh device with some of everything and an empty storage.
+    void MakeDevice();
+    // Changes of every kind; `round` makes them differ.
+    void ChangeDevice(int round);
+    // Backs up without faults; what the state then holds.
+    tests::Contents BackUp();
+    // Opens everything anew and restores a state without faults.
+    ResultCode Restore(std::uint32_t state);
+    // The device as it is now is what every run begins with.
+    void KeepDevice();
+
+    // The journal that `operation` leaves when nothing fails.
+    std::string JournalAfter(const Operation& operation);
+    // Runs `operation` with every chosen call failing and `check` after each; before both storage
+    // and journal are open, unless `opens_itself`. Checks itself that the call failed, that nothing
+    // was left open or allocated, and that no function is missing in the rows.
+    void FailEachCall(const Operation& operation, const std::function<void(FaultRun&)>& check,
+                      bool opens_itself = false);
+
+    // A write that fails while the journal is saved, behind all others, leaves the records before
+    // it, on purpose. True when that happened; `whole` is the journal of JournalAfter.
+    bool IsCutJournal(const FaultRun& run, const std::string& whole);
+
+    tests::TestDevice& device() { return *device_; }
+    tests::Contents Now() { return tests::ContentsOf(device().sim()); }
+    std::string Bytes(const wchar_t* path) { return device().FileBytes(path); }
+
+private:
+    void Attach();
+    void Detach();
+    ResultCode RunOnce(const Operation& operation, bool opens_itself,
+                       const std::vector<sim::Rule>& rules);
+    std::vector<long> CountCalls(const Operation& operation, bool opens_itself);
+
+    std::wstring folder_;
+    std::unique_ptr<tests::TestDevice> device_;
+    tests::DeviceImage image_;
+    struct Met {
+        long seen = 0;
+        long fired = 0;
+    };
+    std::vector<Met> met_;  // by rule, of the last run
+    bool left_something_ = false;
+};
+
+}  // namespace tolvenar
