@@ -1,5 +1,11 @@
 # Sources that include no platform header and so build natively too, and the tests that run there.
 set(PLATFORM_FREE_SOURCES
+  difftree/applications.cpp
+  difftree/caption_index.cpp
+  difftree/difference_tree.cpp
+  difftree/node_tree.cpp
+  difftree/object_classifier.cpp
+  difftree/property_text.cpp
   app/about_picture.cpp
   app/time_format.cpp
   snapshot/checksum.cpp

@@ -2,9 +2,8 @@
 #pragma once
 
 #include "difftree/difference_enumerator.h"
-#include "platform/unique_resource.h"
+#include "difftree/storage_window.h"
 #include "storage/engine.h"
-#include "storage/storage_view.h"
 
 namespace tolvenar {
 
@@ -13,28 +12,24 @@ namespace tolvenar {
 class ListEnumerator final : public DifferenceEnumerator {
 public:
     explicit ListEnumerator(Engine& engine);
-    ~ListEnumerator();
-    ListEnumerator(const ListEnumerator&) = delete;
-    ListEnumerator& operator=(const ListEnumerator&) = delete;
 
-    // An object that cannot be described is left out; aborts when a stored one is met and the
-    // storage file cannot be opened.
+    // An object that cannot be described is logged and left out. Aborts when a stored object is met
+    // and the storage file cannot be opened.
     int Next(EnumeratedObject& object) override;
     bool ReadTextProperty(std::uint32_t propid, TextBuilder& text) override;
     bool ReadValueText(TextBuilder& text) override;
 
 private:
-    bool ReadStoredProperty(std::uint32_t propid, TextBuilder& text);
+    bool Describe();
     bool ReadLiveProperty(std::uint32_t propid, TextBuilder& text);
-    bool ReadStoredValue(TextBuilder& text);
     bool ReadLiveValue(TextBuilder& text);
 
     Engine& engine_;
-    UniqueHandle sav_file_;
-    StorageMapping mapping_;
+    StorageWindow storage_;
+    bool has_storage_;
     ObjectList::Cursor cursor_ = nullptr;
     const ObjectRecord* record_ = nullptr;  // of the object that was given last
-    InfoBlock block_;
+    InfoBlock block_;                       // what describes it
 };
 
 }  // namespace tolvenar

@@ -26,9 +26,17 @@ constexpr std::uint32_t kCategoryDocuments = 128;
 // The root is in no category, and nothing looks for it by one.
 constexpr std::uint32_t kNoCategory = 0;
 
-struct NodeRecord {
-    TreeItem item;      // null until the item is there
-    char16_t* caption;  // owned; without marks
+// A caption that a CaptionIndex finds. Links of the model, of use during a build only: items are
+// deleted in an order of their own.
+struct IndexedCaption {
+    char16_t* caption;  // owned by what derives from this; without marks
+    const void* scope;  // among whose captions it is looked for
+    std::uint32_t hash;
+    IndexedCaption* bucket_next;
+};
+
+struct NodeRecord : IndexedCaption {
+    TreeItem item;  // null until the item is there
     std::uint32_t group_mark;
     std::uint32_t flags;
     std::uint32_t category;
@@ -37,14 +45,11 @@ struct NodeRecord {
     std::uint32_t deleted;
     std::uint32_t both;
 
-    // Links of the model, of use during a build only: items are deleted in an order of their own.
+    // Links of the model, as above.
     bool has_button;
-    std::uint32_t hash;  // of the caption, case ignored
-    NodeRecord* parent;
     NodeRecord* first_child;
     NodeRecord* last_child;
     NodeRecord* next_sibling;
-    NodeRecord* bucket_next;
 };
 
 // Frees the record and its caption; null is allowed.

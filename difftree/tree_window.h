@@ -6,7 +6,6 @@
 
 #include "difftree/difference_tree.h"
 #include "difftree/tree_painter.h"
-#include "platform/unique_resource.h"
 
 namespace tolvenar {
 
@@ -23,7 +22,7 @@ public:
     // Makes the child dialog, at `rectangle` of the parent's client area when one is given. Null
     // when it or its tree view cannot be made.
     HWND CreateTreeDialog(HWND parent, const RECT* rectangle);
-    // Destroys the dialog and the class, frees font and texts. Allowed at any time.
+    // Destroys the dialog and the class and deletes the font. Allowed at any time.
     void DestroyTreeWindowClass();
 
     // Fills the tree; 1, or 0 when there is no tree, the enumerator aborted or memory was short.
@@ -32,24 +31,25 @@ public:
     void Clear();
 
     HWND host() const { return host_; }  // null when there is none
-    HWND tree_view() const { return painter_.tree_view; }
+    HWND tree_view() const { return painter_.tree_view(); }
 
 private:
     static INT_PTR CALLBACK HostProcedure(HWND host, UINT message, WPARAM wparam, LPARAM lparam);
     static LRESULT CALLBACK ParentProcedure(HWND parent, UINT message, WPARAM wparam,
                                             LPARAM lparam);
-    INT_PTR OnHostMessage(HWND host, UINT message, LPARAM lparam);
+    INT_PTR OnHostMessage(UINT message, LPARAM lparam);
     LRESULT OnParentMessage(HWND parent, UINT message, WPARAM wparam, LPARAM lparam);
-    INT_PTR OnInit(HWND host);
-    void OnHostDestroyed();
+    INT_PTR OnInit();
+    INT_PTR OnHostDestroyed();
     bool CreateTreeView(HWND parent);
-    LRESULT OnNotify(HWND parent, NMHDR* header);
+    INT_PTR FocusTree();
+    LRESULT OnNotify(NMHDR* header);
     void LoadTexts();
 
     HINSTANCE instance_ = nullptr;
     bool is_registered_ = false;
     HWND host_ = nullptr;
-    TreePainter painter_{};
+    TreePainter painter_;
     TreeTexts texts_{};
 };
 

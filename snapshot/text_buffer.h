@@ -22,6 +22,8 @@ public:
     TextBuilder& AppendUnit(char16_t unit);
     // Decimal, as "%i" writes it.
     TextBuilder& AppendNumber(std::int32_t number);
+    // Decimal, as "%u" writes it.
+    TextBuilder& AppendUnsigned(std::uint32_t number) { return AppendDigits(number, 10, 1); }
     // Lower-case hexadecimal, filled with zeros to `digits` digits: "%x" with 1, "%08x" with 8.
     TextBuilder& AppendHex(std::uint32_t number, std::size_t digits = 1);
 
