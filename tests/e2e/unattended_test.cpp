@@ -18,7 +18,7 @@ TEST_F(UnattendedTest, TheFirstBackupCreatesTheStorage) {
     EXPECT_EQ(0, BackUp());
     EXPECT_EQ(States_{1}, States());
     EXPECT_TRUE(device().Exists(kStorageFile));
-    EXPECT_FALSE(device().Exists(L"\\Storage Card\\Tolvenar\\Home.jrn_1"));
+    EXPECT_FALSE(device().Exists(L"\\Storage Card\\Tolvenar\\Backup.jrn_1"));
 }
 
 TEST_F(UnattendedTest, ASecondBackupWithoutAChangeWritesNothing) {
@@ -99,7 +99,7 @@ TEST_F(UnattendedTest, ARestoreOfAnEmptyStorageDoesNothing) {
 
 TEST_F(UnattendedTest, AStorageOfAnotherDeviceIsNotTouched) {
     BackUp();
-    device().Set("processor", "2577");
+    device().Set("processor", "4000");
     const std::string before = device().FileBytes(kStorageFile);
     device().PutFile(L"\\My Documents\\a.txt", "hello");
     EXPECT_EQ(1, BackUp());

@@ -11,8 +11,8 @@
 namespace tests {
 
 // Storage file and journal that an installed program uses.
-inline const std::wstring kStorageFile = L"\\Storage Card\\Tolvenar\\Home.sav";
-inline const std::wstring kJournalFile = L"\\Storage Card\\Tolvenar\\Home.jrn";
+inline const std::wstring kStorageFile = L"\\Storage Card\\Tolvenar\\Backup.sav";
+inline const std::wstring kJournalFile = L"\\Storage Card\\Tolvenar\\Backup.jrn";
 inline const std::wstring kLogFile = L"\\Storage Card\\Tolvenar\\tolvenar_log.txt";
 inline const std::string kProgram = "\\Program Files\\Tolvenar\\Tolvenar.exe";
 
