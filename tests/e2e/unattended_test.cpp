@@ -119,9 +119,13 @@ TEST_F(UnattendedTest, AFullCardIsLeftAsItIs) {
 }
 
 TEST_F(UnattendedTest, AFullCardGivesUpTheOldStorageWhereTheUserAllowsIt) {
+    // The journal of so many files is what a new state has no room beside and a new storage has.
+    for (int i = 0; i < 200; ++i) {
+        device().PutFile(L"\\Many\\" + std::to_wstring(i), "x");
+    }
     BackUp();
     device().PutFile(L"\\My Documents\\a.txt", std::string(5000, 'a'));
-    device().Set("card.free", "12000");
+    device().Set("card.free", "18000");
     Ask("reg-set HKCU\\Software\\Kestrin2\\Tolvenar MayDeleteOldStorage REG_DWORD 1");
     EXPECT_EQ(0, BackUp());
     EXPECT_EQ(States_{1}, States());
