@@ -1,7 +1,20 @@
-# Programs that work beside Tolvenar on a device: one source file each.
+# Programs that work beside Tolvenar on a device: one source file each, with resources of its own where
+# it has them.
 file(GLOB companion_sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/*.cpp)
 foreach(source IN LISTS companion_sources)
   get_filename_component(name ${source} NAME_WE)
-  add_device_program(${name} ${source})
+  file(GLOB companion_resources CONFIGURE_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/${name}.rc)
+  add_device_program(${name} ${source} ${companion_resources})
   set_property(GLOBAL APPEND PROPERTY companion_programs ${name})
 endforeach()
+
+# The manual stands beside the programs, so that an installation finds it there.
+set(manual "")
+foreach(name tolvenar.htc tolvenar_all.htp)
+  set(copy ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${name})
+  add_custom_command(OUTPUT ${copy} DEPENDS ${CMAKE_SOURCE_DIR}/res/help/${name}
+    COMMAND ${CMAKE_COMMAND} -E copy ${CMAKE_SOURCE_DIR}/res/help/${name} ${copy})
+  list(APPEND manual ${copy})
+endforeach()
+add_custom_target(manual ALL DEPENDS ${manual})
+add_dependencies(peghelp manual)

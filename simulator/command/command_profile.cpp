@@ -34,14 +34,14 @@ Json RunDump(Device& device, const Words&) {
             {"settings", OwnSettings(device)}};
 }
 
-// The agent also stands where a program is found by its bare name.
+// The agent also stands where a program is found by its bare name; the help belongs there anyway.
 Json RunInstall(Device& device, const Words& words) {
     for (const char* name : {"Tolvenar.exe", kAgent, "CloseOther.exe"}) {
         const std::string bytes = ReadHostFile(words[0] + "/" + name);
         files::Put(device, std::wstring(kFolder) + L"\\" + Wide(name), bytes);
-        if (std::string(name) == kAgent) {
-            files::Put(device, L"\\Windows\\" + Wide(name), bytes);
-        }
+    }
+    for (const char* name : {kAgent, "peghelp.exe", "tolvenar.htc", "tolvenar_all.htp"}) {
+        files::Put(device, L"\\Windows\\" + Wide(name), ReadHostFile(words[0] + "/" + name));
     }
     const std::wstring card = Wide(device.Setting("card.name", "Storage Card"));
     SetRegistryText(device, kKey, "InstDir", Utf8(std::wstring(kFolder)));

@@ -163,7 +163,8 @@ TEST_F(CommandTest, SettingsAreShownWithTheirDefaults) {
 }
 
 TEST_F(CommandTest, AnInstallationPutsProgramsAndValues) {
-    for (const char* name : {"Tolvenar.exe", "kestrin_tolvenar_agent.exe", "CloseOther.exe"}) {
+    for (const char* name : {"Tolvenar.exe", "kestrin_tolvenar_agent.exe", "CloseOther.exe",
+                             "peghelp.exe", "tolvenar.htc", "tolvenar_all.htp"}) {
         HostFile(name, name);
     }
     Run("install \"" + host_ + "\"");
@@ -171,6 +172,9 @@ TEST_F(CommandTest, AnInstallationPutsProgramsAndValues) {
     EXPECT_EQ("CloseOther.exe", device().FileBytes(L"\\Program Files\\Tolvenar\\CloseOther.exe"));
     EXPECT_EQ("kestrin_tolvenar_agent.exe",
               device().FileBytes(L"\\Windows\\kestrin_tolvenar_agent.exe"));
+    EXPECT_EQ("peghelp.exe", device().FileBytes(L"\\Windows\\peghelp.exe"));
+    EXPECT_EQ("tolvenar.htc", device().FileBytes(L"\\Windows\\tolvenar.htc"));
+    EXPECT_EQ("tolvenar_all.htp", device().FileBytes(L"\\Windows\\tolvenar_all.htp"));
     std::vector<std::string> names;
     const Json dump = Run("dump");
     for (const Json& key : dump["registry"]) {

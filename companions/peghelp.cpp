@@ -1,0 +1,180 @@
+// Shows a section of the manual. The argument is a file of the manual in \Windows, with "#" and the
+// section's anchor behind it. All sections can be had from the list of topics.
+#include "platform/win32.h"
+
+#include <memory>
+
+#include "companions/help_topic.h"
+#include "platform/heap.h"
+#include "platform/text.h"
+#include "platform/unique_resource.h"
+#include "res/resource.h"
+
+namespace {
+
+constexpr wchar_t kDialogClass[] = L"Dialog";
+constexpr wchar_t kTitle[] = L"Tolvenar Help";
+constexpr wchar_t kContentsFile[] = L"tolvenar.htc";
+constexpr wchar_t kContents[] = L"Contents";
+constexpr std::size_t kPathUnits = 260;
+constexpr std::size_t kTopicUnits = 100;
+
+// A file of the manual in memory; its text is ASCII.
+class ManualFile {
+public:
+    // False when there is no such file in \Windows or no memory.
+    bool Read(help::Text name) {
+        wchar_t path[kPathUnits] = L"\\Windows\\";
+        const std::size_t folder = ::wcslen(path);
+        if (name.size() >= kPathUnits - folder) {
+            return false;
+        }
+        path[folder + name.copy(tolvenar::Utf16(path + folder), name.size())] = 0;
+        const tolvenar::UniqueHandle file(
+            ::CreateFileW(path, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+        return file && ReadFrom(file.get());
+    }
+    help::Text text() const { return {text_.get(), size_}; }
+
+private:
+    bool ReadFrom(HANDLE file) {
+        size_ = ::GetFileSize(file, nullptr);
+        text_.reset(new char16_t[size_ + 1]);
+        if (!text_) {
+            return false;
+        }
+        // The bytes fill the second half and are widened from the front.
+        auto* bytes = reinterpret_cast<unsigned char*>(text_.get()) + size_;
+        DWORD done = 0;
+        ::ReadFile(file, bytes, static_cast<DWORD>(size_), &done, nullptr);
+        size_ = done;
+        for (std::size_t i = 0; i < size_; ++i) {
+            text_[i] = bytes[i];
+        }
+        return true;
+    }
+
+    std::unique_ptr<char16_t[]> text_;
+    std::size_t size_ = 0;
+};
+
+class Viewer {
+public:
+    explicit Viewer(const wchar_t* argument) : argument_(tolvenar::Utf16(argument)) {}
+    void Run(HINSTANCE instance) {
+        ::DialogBoxParamW(instance, MAKEINTRESOURCEW(IDD_HELP_VIEWER), nullptr, Procedure,
+                          reinterpret_cast<LPARAM>(this));
+    }
+
+private:
+    static INT_PTR CALLBACK Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+        if (message == WM_INITDIALOG) {
+            ::SetWindowLongW(window, DWL_USER, lparam);
+            reinterpret_cast<Viewer*>(lparam)->OnInit(window);
+            return FALSE;
+        }
+        auto* viewer = reinterpret_cast<Viewer*>(::GetWindowLongW(window, DWL_USER));
+        if (viewer == nullptr || message != WM_COMMAND) {
+            return FALSE;
+        }
+        viewer->OnCommand(LOWORD(wparam), HIWORD(wparam));
+        return TRUE;
+    }
+
+    void OnInit(HWND window) {
+        window_ = window;
+        text_ = ::GetDlgItem(window, IDC_HELP_TEXT);
+        topics_ = ::GetDlgItem(window, IDC_HELP_TOPIC);
+        contents_.Read(tolvenar::Utf16(kContentsFile));
+        FillTopics();
+        Show(argument_);
+        ::SetFocus(text_);
+        ::SendMessageW(text_, EM_SETSEL, 0, 0);
+        ::ShowWindow(window, SW_SHOW);
+    }
+
+    // The contents come first; each other item stands for the contents' link of the same number.
+    void FillTopics() {
+        AddTopic(tolvenar::Utf16(kContents));
+        std::size_t at = 0;
+        for (help::Link link; help::NextLink(contents_.text(), at, link);) {
+            AddTopic(link.text);
+        }
+    }
+
+    void AddTopic(help::Text text) {
+        wchar_t item[kTopicUnits];
+        item[text.copy(tolvenar::Utf16(item), kTopicUnits - 1)] = 0;
+        ::SendMessageW(topics_, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(item));
+    }
+
+    // The item of the list that leads to `address`: 0 for the contents.
+    int TopicOf(help::Text address) const {
+        std::size_t at = 0;
+        int item = 0;
+        for (help::Link link; help::NextLink(contents_.text(), at, link);) {
+            ++item;
+            if (link.address == address) {
+                return item;
+            }
+        }
+        return 0;
+    }
+
+    help::Text AddressOf(int item) const {
+        std::size_t at = 0;
+        help::Link link{tolvenar::Utf16(kContentsFile), {}};
+        for (int i = 0; i < item && help::NextLink(contents_.text(), at, link); ++i) {
+        }
+        return link.address;
+    }
+
+    void Show(help::Text address) {
+        const int item = TopicOf(address);
+        ::SendMessageW(topics_, CB_SETCURSEL, static_cast<WPARAM>(item), 0);
+        const help::Address topic = help::ParseAddress(AddressOf(item));
+        ManualFile file;
+        if (!file.Read(topic.file)) {
+            ::SetWindowTextW(text_, L"This topic is not on the device.");
+            return;
+        }
+        const help::Text html = topic.anchor.empty() ? help::BodyOf(file.text())
+                                                     : help::FindTopic(file.text(), topic.anchor);
+        const std::size_t units = 2 * html.size() + 1;
+        const std::unique_ptr<char16_t[]> plain(new char16_t[units]);
+        if (plain) {
+            help::PlainText(plain.get(), units).Write(html);
+            ::SetWindowTextW(text_, tolvenar::Wide(plain.get()));
+        }
+    }
+
+    void OnCommand(int id, int notification) {
+        if (id == IDC_HELP_TOPIC && notification == CBN_SELCHANGE) {
+            Show(AddressOf(static_cast<int>(::SendMessageW(topics_, CB_GETCURSEL, 0, 0))));
+        }
+        if (id == IDCANCEL) {
+            ::EndDialog(window_, 0);
+        }
+    }
+
+    help::Text argument_;
+    ManualFile contents_;
+    HWND window_ = nullptr;
+    HWND topics_ = nullptr;
+    HWND text_ = nullptr;
+};
+
+}  // namespace
+
+// One viewer is enough: an earlier one makes room.
+int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPWSTR argument, int) {
+    if (const HWND earlier = ::FindWindowW(kDialogClass, kTitle)) {
+        ::PostMessageW(earlier, WM_CLOSE, 0, 0);
+    }
+    if (!tolvenar::CreatePrivateHeap()) {
+        return 1;
+    }
+    Viewer(argument != nullptr ? argument : L"").Run(instance);
+    tolvenar::DestroyPrivateHeap();
+    return 0;
+}
