@@ -1,9 +1,9 @@
 #include "simulator/store/log_store.h"
 
-#include <windows.h>
-
 #include <cstring>
+#include <exception>
 #include <stdexcept>
+#include <windows.h>
 
 namespace sim {
 namespace {
@@ -17,10 +17,24 @@ struct EntryHead {
 constexpr std::uint32_t kErased = 0xFFFFFFFF;
 constexpr DWORD kHeadFileBytes = 4096;
 
+// What the head file holds, read and written at once: which log counts, and how much of it.
+union Published {
+    struct {
+        std::uint32_t length;
+        std::uint32_t number;
+    } log;
+    LONGLONG whole;
+};
+static_assert(sizeof(Published) == 8);
+
 HANDLE OpenShared(const std::wstring& path) {
     return ::CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE,
                          FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                          OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+}
+
+std::wstring LogPath(const std::wstring& folder, std::uint32_t number) {
+    return folder + L"\\state." + (number != 0 ? std::to_wstring(number) + L"." : L"") + L"log";
 }
 
 void AppendEntry(std::string& out, const std::u16string& key, const std::string* value) {
@@ -32,20 +46,41 @@ void AppendEntry(std::string& out, const std::u16string& key, const std::string*
                                                   (value != nullptr ? value->size() : 0));
     out.append(reinterpret_cast<const char*>(&head), sizeof head);
     out.append(reinterpret_cast<const char*>(key.data()), key_bytes);
-    if (value != nullptr) { out += *value; }
+    if (value != nullptr) {
+        out += *value;
+    }
 }
 
 }  // namespace
 
 struct LogStore::Files {
+    std::wstring folder;
     HANDLE log = INVALID_HANDLE_VALUE;
+    std::uint32_t log_number = 0;
     HANDLE head = INVALID_HANDLE_VALUE;
-    volatile LONG* length = nullptr;
+    volatile LONGLONG* published = nullptr;
 
     ~Files() {
-        if (length != nullptr) { ::UnmapViewOfFile(const_cast<LONG*>(length)); }
+        if (published != nullptr) {
+            ::UnmapViewOfFile(const_cast<LONGLONG*>(published));
+        }
         ::CloseHandle(head);
         ::CloseHandle(log);
+    }
+    void OpenLog(std::uint32_t number) {
+        ::CloseHandle(log);
+        log = OpenShared(LogPath(folder, number));
+        log_number = number;
+    }
+    Published Read() const {
+        Published now;
+        now.whole = ::InterlockedCompareExchange64(published, 0, 0);
+        return now;
+    }
+    void Publish(std::uint32_t length) {
+        Published next{};
+        next.log = {length, log_number};
+        ::InterlockedExchange64(published, next.whole);
     }
     void Lock() {
         OVERLAPPED whole{};
@@ -63,40 +98,58 @@ struct LogStore::Files {
             throw std::runtime_error("the device's log cannot be written");
         }
     }
+    // The bytes between two places; fewer when the log has none there.
+    std::string ReadAt(std::uint32_t begin, std::uint32_t end) {
+        std::string bytes(end - begin, '\0');
+        DWORD count = 0;
+        ::SetFilePointer(log, static_cast<LONG>(begin), nullptr, FILE_BEGIN);
+        ::ReadFile(log, &bytes[0], end - begin, &count, nullptr);
+        bytes.resize(count);
+        return bytes;
+    }
 };
 
 LogStore::LogStore(const std::wstring& folder)
     : folder_(folder), files_(std::make_unique<Files>()) {
-    files_->log = OpenShared(folder + L"\\state.log");
+    files_->folder = folder;
     files_->head = OpenShared(folder + L"\\state.head");
     HANDLE mapping =
         ::CreateFileMappingW(files_->head, nullptr, PAGE_READWRITE, 0, kHeadFileBytes, nullptr);
     if (mapping != nullptr) {
-        files_->length =
-            static_cast<volatile LONG*>(::MapViewOfFile(mapping, FILE_MAP_ALL_ACCESS, 0, 0, 0));
+        files_->published =
+            static_cast<volatile LONGLONG*>(::MapViewOfFile(mapping, FILE_MAP_ALL_ACCESS, 0, 0, 0));
         ::CloseHandle(mapping);
     }
-    if (files_->length == nullptr) { throw std::runtime_error("no device in this folder"); }
+    if (files_->published == nullptr) {
+        throw std::runtime_error("no device in this folder");
+    }
+    files_->OpenLog(files_->Read().log.number);
     CatchUp();
 }
 
 LogStore::~LogStore() = default;
 
 void LogStore::CatchUp() {
-    const auto end = static_cast<std::uint32_t>(*files_->length);
-    if (end == read_) { return; }
-    if (end < read_) {  // compacted by another process
+    Published now = files_->Read();
+    while (now.log.number != files_->log_number) {  // compacted by another process
         map_.clear();
         read_ = 0;
+        files_->OpenLog(now.log.number);
+        now = files_->Read();
     }
-    std::string bytes(end - read_, '\0');
-    DWORD count = 0;
-    ::SetFilePointer(files_->log, static_cast<LONG>(read_), nullptr, FILE_BEGIN);
-    if (!::ReadFile(files_->log, &bytes[0], end - read_, &count, nullptr) || count != end - read_) {
+    if (now.log.length == read_) {
+        return;
+    }
+    const std::string bytes = files_->ReadAt(read_, now.log.length);
+    if (bytes.size() != now.log.length - read_) {
+        if (files_->Read().log.number != files_->log_number) {
+            CatchUp();  // the log was compacted and deleted before it was opened here
+            return;
+        }
         throw std::runtime_error("the device's log is shorter than its published length");
     }
     Apply(bytes.data(), bytes.size());
-    read_ = end;
+    read_ = now.log.length;
 }
 
 void LogStore::Apply(const char* bytes, std::size_t size) {
@@ -118,12 +171,22 @@ void LogStore::Apply(const char* bytes, std::size_t size) {
     }
 }
 
-void LogStore::Publish() {
-    if (pending_.empty()) { return; }
-    files_->WriteAt(read_, pending_);
-    read_ += static_cast<std::uint32_t>(pending_.size());
-    ::InterlockedExchange(files_->length, static_cast<LONG>(read_));
-    pending_.clear();
+void LogStore::Publish(const Change& change) {
+    std::string entries;
+    for (const auto& [key, old] : change.before_) {
+        const auto now = map_.find(key);
+        if (now != map_.end()) {
+            AppendEntry(entries, key, &now->second);
+        } else if (old) {
+            AppendEntry(entries, key, nullptr);
+        }
+    }
+    if (entries.empty()) {
+        return;
+    }
+    files_->WriteAt(read_, entries);
+    read_ += static_cast<std::uint32_t>(entries.size());
+    files_->Publish(read_);
 }
 
 void LogStore::Compact() {
@@ -131,18 +194,22 @@ void LogStore::Compact() {
     files_->Lock();
     CatchUp();
     std::string all;
-    for (const auto& [key, value] : map_) { AppendEntry(all, key, &value); }
-    ::InterlockedExchange(files_->length, 0);
+    for (const auto& [key, value] : map_) {
+        AppendEntry(all, key, &value);
+    }
+    const std::uint32_t old_number = files_->log_number;
+    files_->OpenLog(old_number + 1);
     files_->WriteAt(0, all);
     read_ = static_cast<std::uint32_t>(all.size());
-    ::SetFilePointer(files_->log, static_cast<LONG>(read_), nullptr, FILE_BEGIN);
-    ::SetEndOfFile(files_->log);
-    ::InterlockedExchange(files_->length, static_cast<LONG>(read_));
+    files_->Publish(read_);
     files_->Unlock();
+    ::DeleteFileW(LogPath(folder_, old_number).c_str());
 }
 
 LogStore::View::View(LogStore& store) : store_(store), guard_(store.mutex_) {
-    if (store_.change_depth_ == 0) { store_.CatchUp(); }
+    if (store_.innermost_ == nullptr) {
+        store_.CatchUp();
+    }
 }
 
 const std::string* LogStore::View::Find(const std::u16string& key) const {
@@ -152,26 +219,56 @@ const std::string* LogStore::View::Find(const std::u16string& key) const {
 
 const LogStore::Map& LogStore::View::map() const { return store_.map_; }
 
-LogStore::Change::Change(LogStore& store) : View(store) {
-    if (store_.change_depth_++ > 0) { return; }
-    store_.files_->Lock();
-    store_.CatchUp();
+LogStore::Change::Change(LogStore& store)
+    : View(store), outer_(store.innermost_), exceptions_(std::uncaught_exceptions()) {
+    if (outer_ == nullptr) {
+        store_.files_->Lock();
+        store_.CatchUp();
+    }
+    store_.innermost_ = this;
 }
 
 LogStore::Change::~Change() {
-    if (--store_.change_depth_ > 0) { return; }
-    store_.Publish();
+    if (std::uncaught_exceptions() > exceptions_) {
+        TakeBack();
+    }
+    store_.innermost_ = outer_;
+    if (outer_ != nullptr) {
+        outer_->before_.merge(before_);  // what the outer one knows is older and stays
+        return;
+    }
+    store_.Publish(*this);
     store_.files_->Unlock();
 }
 
+void LogStore::Change::TakeBack() {
+    for (auto& [key, old] : before_) {
+        if (old) {
+            store_.map_[key] = std::move(*old);
+        } else {
+            store_.map_.erase(key);
+        }
+    }
+    before_.clear();
+}
+
 void LogStore::Change::Set(const std::u16string& key, std::string value) {
-    AppendEntry(store_.pending_, key, &value);
-    store_.map_[key] = std::move(value);
+    auto [at, is_new] = store_.map_.try_emplace(key);
+    std::optional<std::string> old;
+    if (!is_new) {
+        old = std::move(at->second);
+    }
+    store_.innermost_->before_.try_emplace(key, std::move(old));
+    at->second = std::move(value);
 }
 
 void LogStore::Change::Erase(const std::u16string& key) {
-    if (store_.map_.erase(key) == 0) { return; }
-    AppendEntry(store_.pending_, key, nullptr);
+    const auto found = store_.map_.find(key);
+    if (found == store_.map_.end()) {
+        return;
+    }
+    store_.innermost_->before_.try_emplace(key, std::move(found->second));
+    store_.map_.erase(found);
 }
 
 }  // namespace sim

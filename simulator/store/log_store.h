@@ -1,6 +1,8 @@
-// A device's state as one append-only log with a published length. Each process keeps an ordinary map
-// in memory and reads what was appended since; a writer holds a lock, appends, then publishes the new
-// length with one store, so that what is not published does not exist and nothing is torn by a kill.
+// A device's state as one append-only log with a published length. Each process keeps an ordinary
+// map in memory and reads what was appended since; a writer holds a lock, appends, then publishes
+// the new length with one store, so that what is not published does not exist and nothing is torn
+// by a kill. Compacting writes a new log beside the old one and publishes its number together with
+// its length.
 #pragma once
 
 #include <cstdint>
@@ -17,15 +19,15 @@ class LogStore {
 public:
     using Map = std::map<std::u16string, std::string>;
 
-    // Opens or makes `state.log` and `state.head` in `folder` (a host folder that exists). Throws
+    // Opens or makes the log and `state.head` in `folder` (a host folder that exists). Throws
     // std::runtime_error when that is not possible.
     explicit LogStore(const std::wstring& folder);
     ~LogStore();
     LogStore(const LogStore&) = delete;
     LogStore& operator=(const LogStore&) = delete;
 
-    // Whoever reads or changes the state holds a View or a Change for that long. Both may be nested in
-    // one thread. A View sees everything published before it was made.
+    // Whoever reads or changes the state holds a View or a Change for that long. Both may be nested
+    // in one thread. A View sees everything published before it was made.
     class View {
     public:
         explicit View(LogStore& store);
@@ -38,16 +40,29 @@ public:
     };
 
     // Several changes that are published together or, when the process dies before the end, not at
-    // all. The map shows them at once to this process. The outermost Change publishes.
+    // all. The map shows them at once to this process. The outermost Change publishes. A Change
+    // that an exception ends takes back what was changed since it was made, and that alone.
     class Change : public View {
     public:
         explicit Change(LogStore& store);
         ~Change();
+        Change(const Change&) = delete;
+        Change& operator=(const Change&) = delete;
         void Set(const std::u16string& key, std::string value);
         void Erase(const std::u16string& key);
+
+    private:
+        friend class LogStore;
+        void TakeBack();
+
+        // What stood under each changed key before; nothing where the key is new.
+        std::map<std::u16string, std::optional<std::string>> before_;
+        Change* outer_;
+        int exceptions_;
     };
 
-    // Writes the present state as a new, shorter log. Only while no other process has the store open.
+    // Writes the present state as a new, shorter log. Other processes go on with it. Not within a
+    // View or a Change.
     void Compact();
 
     const std::wstring& folder() const { return folder_; }
@@ -56,15 +71,14 @@ private:
     struct Files;
     void CatchUp();
     void Apply(const char* bytes, std::size_t size);
-    void Publish();
+    void Publish(const Change& change);
 
     std::wstring folder_;
     std::unique_ptr<Files> files_;
     std::recursive_mutex mutex_;
     Map map_;
     std::uint32_t read_ = 0;
-    int change_depth_ = 0;
-    std::string pending_;
+    Change* innermost_ = nullptr;
 };
 
 }  // namespace sim
