@@ -89,6 +89,7 @@ void CreateFromProfile(Device& device, const std::string& folder) {
     if (const auto text = host::ReadWhole(host + L"\\notifications.json")) {
         notifications::ImportJson(device, Json::parse(*text));
     }
+    device.store().Compact();
 }
 
 void ExportProfile(Device& device, const std::string& folder) {
@@ -104,6 +105,7 @@ void ExportProfile(Device& device, const std::string& folder) {
     host::MakeFolder(host + L"\\databases");
     WriteHostFile(folder + "/databases/all.json", databases::DumpJson(device).dump(1) + "\n");
     WriteHostFile(folder + "/notifications.json", notifications::DumpJson(device).dump(1) + "\n");
+    device.store().Compact();
 }
 
 }  // namespace sim

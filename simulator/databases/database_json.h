@@ -8,16 +8,15 @@
 
 namespace sim::databases {
 
-// [{"name", "oid", "type", "flags", "sortOrders": [{"propid", "flags"}], "records": [{"oid",
-// "props":
-// [{"propid", "flags", "value"}]}]}], sorted by name, records by their properties. A value is the
-// lower-case hex of its little-endian bytes, a text's without terminator.
+// [{"name", "oid", "type", "flags", "sortOrders": [{"propid", "flags"}], "records":
+// [{"oid", "props": [{"propid", "flags", "value"}]}]}], sorted by name, records by their
+// properties. A value is the lower-case hex of its little-endian bytes, a text's without
+// terminator.
 nlohmann::json DumpJson(Device& device);
 
 // Takes one database or an array of them, as above; ids are ignored, absent parts are empty. A
-// database of the same name is replaced. Throws std::runtime_error when the text is damaged; then
-// nothing
-// was changed. A record that breaks its database's own rules ends the import where it stands.
+// database of the same name is replaced. Throws std::runtime_error when the text is damaged or a
+// record breaks its database's own rules; then nothing was changed.
 void ImportJson(Device& device, const nlohmann::json& databases);
 
 // Whether there was one of that name; it goes even when it is open.

@@ -17,7 +17,7 @@ namespace {
 // This process's part in the gate of its device.
 struct Attachment {
     explicit Attachment(const std::wstring& device_folder)
-        : folder(device_folder), gate(device_folder) {
+        : gate(device_folder), trace(device_folder) {
         const long number = ::InterlockedIncrement(&gate->processes_started) - 1;
         process = &gate->processes[static_cast<std::size_t>(number) % kProcessCount];
         TakeOver();
@@ -43,8 +43,8 @@ struct Attachment {
         std::memcpy(process->name, name, sizeof process->name - sizeof(char16_t));
     }
 
-    std::wstring folder;
     MappedGate gate;
+    TraceFile trace;
     GateProcess* process;
 };
 
@@ -161,13 +161,14 @@ void GateEntry::Finish(const std::string& result) { WriteTrace(result); }
 void GateEntry::WriteTrace(const std::string& result) {
     const DWORD error = ::GetLastError();
     if (traces_) {
-        AppendTrace(*attached.load()->gate, attached.load()->folder,
-                    "{\"time\":" + std::to_string(HostMicroseconds()) +
-                        ",\"process\":" + std::to_string(::GetCurrentProcessId()) +
-                        ",\"thread\":" + std::to_string(::GetCurrentThreadId()) +
-                        ",\"function\":\"" + kCallNames[static_cast<std::size_t>(call_)] +
-                        "\",\"arguments\":" + JsonText(arguments_) + ",\"result\":" +
-                        JsonText(result) + ",\"error\":" + std::to_string(error) + "}");
+        Attachment& here = *attached.load();
+        here.trace.Append(*here.gate,
+                          "{\"time\":" + std::to_string(HostMicroseconds()) +
+                              ",\"process\":" + std::to_string(::GetCurrentProcessId()) +
+                              ",\"thread\":" + std::to_string(::GetCurrentThreadId()) +
+                              ",\"function\":\"" + kCallNames[static_cast<std::size_t>(call_)] +
+                              "\",\"arguments\":" + JsonText(arguments_) + ",\"result\":" +
+                              JsonText(result) + ",\"error\":" + std::to_string(error) + "}");
     }
     ::SetLastError(error);
 }

@@ -59,18 +59,36 @@ std::vector<std::string> TraceLines(Device& device) {
     return Lines(bytes);
 }
 
-void AppendTrace(GateFile& gate, const std::wstring& folder, const std::string& line) {
+TraceFile::~TraceFile() {
+    if (file_ != nullptr) {
+        ::CloseHandle(file_);
+    }
+}
+
+void* TraceFile::Opened() {
+    if (file_ != nullptr) {
+        return file_;
+    }
+    const HANDLE opened = OpenTrace(folder_, OPEN_ALWAYS);
+    if (opened == INVALID_HANDLE_VALUE) {
+        return nullptr;
+    }
+    void* const earlier = ::InterlockedCompareExchangePointer(&file_, opened, nullptr);
+    if (earlier != nullptr) {  // another thread was first
+        ::CloseHandle(opened);
+    }
+    return file_;
+}
+
+void TraceFile::Append(GateFile& gate, const std::string& line) {
     const std::string whole = line + "\n";
     const auto size = static_cast<LONG>(whole.size());
     OVERLAPPED place{};
     place.Offset = static_cast<DWORD>(::InterlockedExchangeAdd(&gate.trace_bytes, size));
-    const HANDLE file = OpenTrace(folder, OPEN_ALWAYS);
-    if (file == INVALID_HANDLE_VALUE) {
-        return;
+    if (void* const file = Opened()) {
+        DWORD count = 0;
+        ::WriteFile(file, whole.data(), static_cast<DWORD>(size), &count, &place);
     }
-    DWORD count = 0;
-    ::WriteFile(file, whole.data(), static_cast<DWORD>(size), &count, &place);
-    ::CloseHandle(file);
 }
 
 std::string JsonText(const std::string& text) {

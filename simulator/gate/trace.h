@@ -16,8 +16,22 @@ void StopTrace(Device& device);
 // Its lines so far, oldest first.
 std::vector<std::string> TraceLines(Device& device);
 
-// Appends one line, whole even when several processes write at once.
-void AppendTrace(GateFile& file, const std::wstring& folder, const std::string& line);
+// What one process appends to the trace of the device in `folder`, opened at the first line.
+class TraceFile {
+public:
+    explicit TraceFile(std::wstring folder) : folder_(std::move(folder)) {}
+    ~TraceFile();
+    TraceFile(const TraceFile&) = delete;
+    TraceFile& operator=(const TraceFile&) = delete;
+    // Appends one line, whole even when several threads and processes write at once.
+    void Append(GateFile& gate, const std::string& line);
+
+private:
+    void* Opened();
+
+    std::wstring folder_;
+    void* volatile file_ = nullptr;
+};
 
 // `text` as a JSON string with its quotes; `text` is UTF-8.
 std::string JsonText(const std::string& text);

@@ -1,7 +1,5 @@
 #include "simulator/notifications/notifications.h"
 
-#include <algorithm>
-
 #include "simulator/store/byte_stream.h"
 
 namespace sim::notifications {
@@ -154,25 +152,24 @@ bool Clear(Device& device, std::uint32_t handle) {
     return was_there;
 }
 
-std::vector<Start> Due(Device& device, const Time& now) {
+std::optional<Due> TakeDue(Device& device, const Time& now) {
     LogStore::Change change(device.store());
-    std::vector<Notification> due;
+    std::optional<Notification> first;
     for (Notification& notification : All(device)) {
-        if (notification.kind != kEvent && !IsBefore(now, notification.start)) {
-            due.push_back(std::move(notification));
+        const bool is_due = notification.kind != kEvent && !IsBefore(now, notification.start);
+        if (is_due && (!first || IsBefore(notification.start, first->start))) {
+            first = std::move(notification);
         }
     }
-    std::stable_sort(due.begin(), due.end(), [](const Notification& a, const Notification& b) {
-        return IsBefore(a.start, b.start);
-    });
-    std::vector<Start> starts;
-    for (const Notification& notification : due) {
-        change.Erase(EntryKey(notification.handle));
-        if (notification.application) {
-            starts.push_back(StartOf(notification));
-        }
+    if (!first) {
+        return std::nullopt;
     }
-    return starts;
+    change.Erase(EntryKey(first->handle));
+    Due due{first->start, std::nullopt};
+    if (first->application) {
+        due.start = StartOf(*first);
+    }
+    return due;
 }
 
 std::vector<Start> Fire(Device& device, const std::u16string& arguments) {

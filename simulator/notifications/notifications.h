@@ -53,8 +53,13 @@ struct Start {
     std::u16string arguments;
 };
 
-// The notifications whose time has come by `now`, earliest first. They are gone from then on.
-std::vector<Start> Due(Device& device, const Time& now);
+// Takes away the earliest notification whose time has come by `now`: its time, and what it starts
+// when it names an application. Nothing when none is due.
+struct Due {
+    Time time{};
+    std::optional<Start> start;
+};
+std::optional<Due> TakeDue(Device& device, const Time& now);
 // The event notifications with these arguments; they stay.
 std::vector<Start> Fire(Device& device, const std::u16string& arguments);
 // The event notifications of one platform event, such as 4 for the end of AC power; they stay.
