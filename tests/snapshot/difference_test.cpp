@@ -222,21 +222,5 @@ TEST_F(CmpListsTest, AKeyAndAValueOfOneNameMatch) {
     ExpectMatch(Stored(kKey, 0x123456, 40, u"name"), Live(kValue, 0x123456, u"name"));
 }
 
-// Otherwise a restore would delete the object and have nothing to write back.
-TEST_F(CmpListsTest, APairThatCouldNotBeReadForAMomentIsNoDifference) {
-    const ObjectRecord older = Stored(kValue, 0x00120034, 500, u"Key");
-    const ObjectRecord newer = Live(kValue, 0x00120034, u"Key");
-    info_.failing_reads = 1;
-    ExpectMatch(older, newer);
-}
-
-TEST_F(CmpListsTest, APairThatCannotBeReadIsADeletionAndAnAddition) {
-    ObjectRecord older = Stored(kValue, 0x00120034, 500, u"Key");
-    older.info_checksum = 7;  // another key in the list of differences
-    const ObjectRecord newer = Live(kValue, 0x00120034, u"Key");
-    info_.failing_reads = 2;
-    ExpectDeleteAndAdd(older, newer);
-}
-
 }  // namespace
 }  // namespace tolvenar
