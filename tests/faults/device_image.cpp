@@ -1,8 +1,10 @@
 #include "tests/faults/device_image.h"
 
+#include <chrono>
 #include <cstdio>
 #include <functional>
 #include <stdexcept>
+#include <thread>
 #include <vector>
 
 #include "simulator/host/host_files.h"
@@ -22,6 +24,19 @@ void ForEachFile(const std::wstring& folder, const std::wstring& inner,
     for (const std::wstring& name : listing.folders) {
         ForEachFile(folder, inner + L"\\" + name, visit);
     }
+}
+
+// A process that was killed lets go of its files a moment later, and a program that has just ended
+// cannot be written yet; that one has not changed either.
+void Write(const std::wstring& file, const std::string& bytes) {
+    constexpr int kTries = 200;
+    for (int i = 0; i < kTries; ++i) {
+        if (sim::host::ReadWhole(file) == bytes || sim::host::WriteWhole(file, bytes)) {
+            return;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    throw std::runtime_error("a device's file cannot be put back");
 }
 
 }  // namespace
@@ -45,9 +60,7 @@ void DeviceImage::PutBack(const std::wstring& folder) const {
         ::_wremove(other.c_str());
     }
     for (const auto& [name, bytes] : files_) {
-        if (!sim::host::WriteWhole(folder + name, bytes)) {
-            throw std::runtime_error("a device's file cannot be put back");
-        }
+        Write(folder + name, bytes);
     }
 }
 

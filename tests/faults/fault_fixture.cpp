@@ -108,11 +108,12 @@ void FaultTest::Detach() {
     sim::host::AttachProcess(L"");
 }
 
-void FaultTest::MakeDevice() {
+void FaultTest::MakeDevice(const std::function<void()>& prepare) {
     Attach();
     sim::files::MountCard(device().sim());
     device().Set("clock", "2002-05-06T07:08:09");
     device().Set("clock.step", "2000");
+    prepare();
     device().MakeFolder(kFolder);
     SetValue(HKEY_CURRENT_USER, kSettingsKey, L"StorageFile", REG_SZ, TextBytes(L"Home"));
     SetValue(HKEY_CURRENT_USER, kSettingsKey, L"StoragePath", REG_SZ,
@@ -165,6 +166,14 @@ tests::Contents FaultTest::BackUp() {
     return Now();
 }
 
+std::uint32_t FaultTest::BackUpAgain() {
+    EngineParts parts;
+    EXPECT_TRUE(parts.Open());
+    const ResultCode code = parts.Backup();
+    EXPECT_TRUE(code == ResultCode::kSuccess || code == ResultCode::kNoDifference);
+    return HighestStateNumber(parts.storage.journal.get());
+}
+
 ResultCode FaultTest::Restore(std::uint32_t state) {
     EngineParts parts;
     EXPECT_TRUE(parts.Open());
@@ -185,6 +194,11 @@ bool FaultTest::IsCutJournal(const FaultRun& run, const std::string& whole) {
 void FaultTest::KeepDevice() {
     Detach();
     image_ = tests::DeviceImage(folder_);
+}
+
+void FaultTest::PutBack() {
+    image_.PutBack(folder_);
+    Attach();
 }
 
 // From arming on nothing of the test may allocate, since its blocks come from the program's heap:
@@ -218,8 +232,7 @@ ResultCode FaultTest::RunOnce(const Operation& operation, bool opens_itself,
 }
 
 std::vector<long> FaultTest::CountCalls(const Operation& operation, bool opens_itself) {
-    image_.PutBack(folder_);
-    Attach();
+    PutBack();
     std::vector<sim::Rule> rules;
     for (const tests::FaultRow& row : tests::FaultRows()) {
         rules.push_back(RuleFor(row, kNever));
@@ -242,8 +255,7 @@ std::vector<long> FaultTest::CountCalls(const Operation& operation, bool opens_i
 }
 
 std::string FaultTest::JournalAfter(const Operation& operation) {
-    image_.PutBack(folder_);
-    Attach();
+    PutBack();
     RunOnce(operation, false, {});
     const std::string journal = Bytes(kJournalPath);
     Detach();
@@ -258,8 +270,7 @@ void FaultTest::FailEachCall(const Operation& operation,
         for (const long number : Chosen(counts[i])) {
             SCOPED_TRACE(std::string(row.function) + " " + std::to_string(number) + " of " +
                          std::to_string(counts[i]));
-            image_.PutBack(folder_);
-            Attach();
+            PutBack();
             FaultRun run{row, number, counts[i]};
             run.code = RunOnce(operation, opens_itself, {RuleFor(row, number)});
             EXPECT_EQ(1, met_[kStandingRules].fired) << "the call never failed";

@@ -64,16 +64,21 @@ protected:
     FaultTest();
     ~FaultTest() override;
 
-    // A fresh device with some of everything and an empty storage.
-    void MakeDevice();
+    // A fresh device with some of everything and an empty storage; `prepare` runs on it first.
+    void MakeDevice(const std::function<void()>& prepare = [] {});
     // Changes of every kind; `round` makes them differ.
     void ChangeDevice(int round);
     // Backs up without faults; what the state then holds.
     tests::Contents BackUp();
     // Opens everything anew and restores a state without faults.
     ResultCode Restore(std::uint32_t state);
-    // The device as it is now is what every run begins with.
+    // The number of the last state after a backup that must succeed or find nothing to do.
+    std::uint32_t BackUpAgain();
+    // The device as it is now is what every run begins with; this process leaves it.
     void KeepDevice();
+    // Back on the device that was kept, as it was.
+    void PutBack();
+    void Detach();
 
     // The journal that `operation` leaves when nothing fails.
     std::string JournalAfter(const Operation& operation);
@@ -93,7 +98,6 @@ protected:
 
 private:
     void Attach();
-    void Detach();
     ResultCode RunOnce(const Operation& operation, bool opens_itself,
                        const std::vector<sim::Rule>& rules);
     std::vector<long> CountCalls(const Operation& operation, bool opens_itself);
