@@ -37,6 +37,12 @@ HWND WINAPI CreateDialogIndirectParamW(HINSTANCE instance, LPCDLGTEMPLATEW dialo
     });
 }
 
+BOOL WINAPI DestroyWindow(HWND window) {
+    return Gated(
+        Call::DestroyWindow, FALSE, [&]() -> BOOL { return host::DestroyWindowOnDevice(window); },
+        window);
+}
+
 INT_PTR WINAPI DialogBoxIndirectParamW(HINSTANCE instance, LPCDLGTEMPLATEW dialog_template,
                                        HWND owner, DLGPROC procedure, LPARAM param) {
     return Gated(Call::DialogBoxIndirectParamW, INT_PTR{-1}, [&]() -> INT_PTR {

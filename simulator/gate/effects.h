@@ -18,15 +18,12 @@ struct EffectRow {
     signed char change;
 };
 
-// Heap blocks, threads and the simulator's own handles are counted where they are kept, which know
-// what the result alone hides; here stand the handles that are the host's.
+// Heap blocks, threads, windows and the simulator's own handles are counted where they are kept,
+// which know what the result alone hides; here stand the handles that are the host's.
 constexpr EffectRow kEffectRows[] = {
     {Call::CreateEventW, Gauge::kHandles, 1},
     {Call::CreateMutexW, Gauge::kHandles, 1},
     {Call::CreateThread, Gauge::kHandles, 1},
-    {Call::CreateWindowExW, Gauge::kWindows, 1},
-    {Call::CreateDialogIndirectParamW, Gauge::kWindows, 1},
-    {Call::DestroyWindow, Gauge::kWindows, -1},
     {Call::CreateCompatibleBitmap, Gauge::kGdiObjects, 1},
     {Call::CreateCompatibleDC, Gauge::kGdiObjects, 1},
     {Call::CreateFontIndirectW, Gauge::kGdiObjects, 1},

@@ -7,6 +7,7 @@
 #include "simulator/windows/desktop.h"
 #include "simulator/windows/dialog_template.h"
 #include "simulator/windows/host_windows.h"
+#include "simulator/windows/window_count.h"
 
 namespace sim::windows {
 namespace {
@@ -52,10 +53,18 @@ void EnterDeviceDesktop() {
 
 void* CreateWindowOnDevice(const NewWindow& window) {
     EnterDeviceDesktop();
-    return ::CreateWindowExW(window.ex_style, window.class_name, window.title, window.style,
-                             window.x, window.y, window.width, window.height,
-                             static_cast<HWND>(window.parent), static_cast<HMENU>(window.menu),
-                             static_cast<HINSTANCE>(window.instance), window.param);
+    HWND made = ::CreateWindowExW(window.ex_style, window.class_name, window.title, window.style,
+                                  window.x, window.y, window.width, window.height,
+                                  static_cast<HWND>(window.parent), static_cast<HMENU>(window.menu),
+                                  static_cast<HINSTANCE>(window.instance), window.param);
+    CountWindow(made);
+    return made;
+}
+
+bool DestroyWindowOnDevice(void* window) {
+    const bool destroyed = ::DestroyWindow(static_cast<HWND>(window)) != 0;
+    RecountWindows();
+    return destroyed;
 }
 
 void* CreateDialogOnDevice(void* instance, const void* dialog_template, void* owner,
@@ -63,9 +72,11 @@ void* CreateDialogOnDevice(void* instance, const void* dialog_template, void* ow
     EnterDeviceDesktop();
     RegisterDialogClass();
     const auto bytes = WithDialogClass(dialog_template);
-    return ::CreateDialogIndirectParamW(
+    HWND made = ::CreateDialogIndirectParamW(
         static_cast<HINSTANCE>(instance), reinterpret_cast<LPCDLGTEMPLATEW>(bytes.data()),
         static_cast<HWND>(owner), DialogProcedure(procedure), param);
+    CountWindow(made);
+    return made;
 }
 
 int RunDialogOnDevice(void* instance, const void* dialog_template, void* owner,
@@ -73,9 +84,11 @@ int RunDialogOnDevice(void* instance, const void* dialog_template, void* owner,
     EnterDeviceDesktop();
     RegisterDialogClass();
     const auto bytes = WithDialogClass(dialog_template);
-    return ::DialogBoxIndirectParamW(static_cast<HINSTANCE>(instance),
-                                     reinterpret_cast<LPCDLGTEMPLATEW>(bytes.data()),
-                                     static_cast<HWND>(owner), DialogProcedure(procedure), param);
+    const INT_PTR answer = ::DialogBoxIndirectParamW(
+        static_cast<HINSTANCE>(instance), reinterpret_cast<LPCDLGTEMPLATEW>(bytes.data()),
+        static_cast<HWND>(owner), DialogProcedure(procedure), param);
+    RecountWindows();
+    return static_cast<int>(answer);
 }
 
 int ShowMessageBox(void* owner, const wchar_t* text, const wchar_t* caption, unsigned type) {

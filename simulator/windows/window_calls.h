@@ -22,6 +22,7 @@ struct NewWindow {
     void* param;
 };
 void* CreateWindowOnDevice(const NewWindow& window);
+bool DestroyWindowOnDevice(void* window);
 
 // `procedure` is a DLGPROC.
 void* CreateDialogOnDevice(void* instance, const void* dialog_template, void* owner,

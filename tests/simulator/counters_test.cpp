@@ -93,6 +93,25 @@ TEST_F(CountersTest, GdiObjectsAreCounted) {
     EXPECT_EQ(before, Held(Gauge::kGdiObjects));
 }
 
+TEST_F(CountersTest, ChildWindowsGoWithTheirParent) {
+    const long before = Held(Gauge::kWindows);
+    const auto make = [](HWND parent) {
+        return ::CreateWindowExW(0, L"STATIC", L"", parent != nullptr ? WS_CHILD : WS_POPUP, 0, 0,
+                                 10, 10, parent, nullptr, nullptr, nullptr);
+    };
+    HWND parent = make(nullptr);
+    ASSERT_NE(nullptr, parent);
+    make(make(parent));
+    HWND single = make(parent);
+    EXPECT_EQ(before + 4, Held(Gauge::kWindows));
+    EXPECT_TRUE(::DestroyWindow(single));
+    EXPECT_EQ(before + 3, Held(Gauge::kWindows));
+    EXPECT_FALSE(::DestroyWindow(single));
+    EXPECT_EQ(before + 3, Held(Gauge::kWindows));
+    EXPECT_TRUE(::DestroyWindow(parent));
+    EXPECT_EQ(before, Held(Gauge::kWindows));
+}
+
 DWORD WINAPI ReturnOnceFree(LPVOID mutex) {
     ::WaitForSingleObject(mutex, 60000);
     return 7;
