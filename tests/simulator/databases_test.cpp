@@ -6,6 +6,7 @@
 
 #include "simulator/databases/database_store.h"
 #include "simulator/databases/hidden_names.h"
+#include "tests/support/child_role.h"
 #include "tests/support/device_test.h"
 
 namespace {
@@ -15,6 +16,20 @@ using tests::DeviceTest;
 constexpr CEPROPID kName = (1u << 16) | CEVT_LPWSTR;
 constexpr CEPROPID kNumber = (2u << 16) | CEVT_I4;
 constexpr CEPROPID kBlobId = (3u << 16) | CEVT_BLOB;
+
+// Holds the database of that name open.
+const tests::ChildRole kDatabaseHolder(L"hold database", [](const wchar_t* name) {
+    CEGUID store;
+    CREATE_SYSTEMGUID(&store);
+    CEOID oid = 0;
+    HANDLE database = ::CeOpenDatabaseEx(&store, &oid, const_cast<wchar_t*>(name), 0, 0, nullptr);
+    if (database == INVALID_HANDLE_VALUE) {
+        return 1;
+    }
+    sim::host::TellReady();
+    sim::host::WaitForParent();
+    return ::CloseHandle(database) ? 0 : 2;
+});
 
 class DatabasesTest : public DeviceTest {
 protected:
@@ -164,6 +179,26 @@ TEST_F(DatabasesTest, AnOpenDatabaseRefusesItsDeletion) {
     EXPECT_TRUE(::CeDeleteDatabaseEx(&store_, oid));
     EXPECT_FALSE(::CeDeleteDatabaseEx(&store_, oid));
     EXPECT_EQ(static_cast<DWORD>(ERROR_INVALID_PARAMETER), LastError());
+}
+
+TEST_F(DatabasesTest, ADatabaseOpenInAnotherProcessRefusesItsDeletion) {
+    const CEOID oid = Create(L"Held");
+    {
+        sim::host::Child holder(L"hold database", L"Held");
+        ASSERT_TRUE(holder.WaitReady());
+        EXPECT_FALSE(::CeDeleteDatabaseEx(&store_, oid));
+        EXPECT_EQ(static_cast<DWORD>(ERROR_SHARING_VIOLATION), LastError());
+        EXPECT_EQ(0, holder.Finish());
+    }
+    EXPECT_TRUE(::CeDeleteDatabaseEx(&store_, oid));
+}
+
+TEST_F(DatabasesTest, AKilledProcessHoldsNoDatabase) {
+    const CEOID oid = Create(L"Held");
+    sim::host::Child holder(L"hold database", L"Held");
+    ASSERT_TRUE(holder.WaitReady());
+    holder.Kill();
+    EXPECT_TRUE(::CeDeleteDatabaseEx(&store_, oid));
 }
 
 TEST_F(DatabasesTest, EnumerationGoesByTypeAndEndsWithNoMoreItems) {
