@@ -83,6 +83,19 @@ HANDLE OpenHost(FileTable& table, const Node& node, const OpenRequest& request) 
                          FILE_ATTRIBUTE_NORMAL, nullptr);
 }
 
+// The host's loader holds a program's file for a moment after its start. The device's does not
+// stand in a reader's way, not even in that of one who shares nothing.
+HANDLE OpenContent(FileTable& table, const Node& node, const OpenRequest& request) {
+    HANDLE host = OpenHost(table, node, request);
+    if (host != INVALID_HANDLE_VALUE || ::GetLastError() != ERROR_SHARING_VIOLATION ||
+        Writes(request) || !processes::IsRunning(table.device(), table.PathOf(node))) {
+        return host;
+    }
+    OpenRequest beside_loader = request;
+    beside_loader.share |= FILE_SHARE_READ;
+    return OpenHost(table, node, beside_loader);
+}
+
 void AfterTruncation(FileTable& table, Node& node, const OpenRequest& request,
                      std::uint32_t old_size) {
     GiveSpaceBack(table, node.on_card, old_size);
@@ -103,7 +116,7 @@ std::shared_ptr<OpenFile> OpenExisting(FileTable& table, Node node, const OpenRe
         return nullptr;
     }
     const std::uint32_t old_size = Truncates(request) ? table.SizeOf(node) : 0;
-    HANDLE host = OpenHost(table, node, request);
+    HANDLE host = OpenContent(table, node, request);
     if (host == INVALID_HANDLE_VALUE) {
         error = ::GetLastError();
         return nullptr;
