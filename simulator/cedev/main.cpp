@@ -7,6 +7,7 @@
 
 #include "simulator/command/command.h"
 #include "simulator/command/command_row.h"
+#include "simulator/files/files.h"
 
 namespace {
 
@@ -43,6 +44,7 @@ int Run(const sim::Words& arguments) {
     ::CreateDirectoryW(folder.c_str(), nullptr);
     sim::Device::Attach(folder);
     sim::Device& device = sim::Device::Current();
+    sim::files::MountCard(device);  // a device that is new has one too
     if (arguments[1] == "-" && arguments.size() == 2) {
         return RunScript(device) ? 0 : 1;
     }
