@@ -36,6 +36,7 @@ set(PLATFORM_FREE_TESTS
   tests/snapshot/registry_objects_test.cpp
   tests/snapshot/state_list_test.cpp
   tests/snapshot/text_buffer_test.cpp
+  tests/storage/info_block_test.cpp
   tests/storage/journal_update_test.cpp
   tests/storage/kept_objects_test.cpp
   tests/storage/storage_header_test.cpp

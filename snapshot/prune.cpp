@@ -55,7 +55,7 @@ bool SplitName(const InfoBlock& block, ValueNames& names) {
 bool LiveNames(const ObjectRecord& record, InfoSource& info, const InfoBlock& block,
                ValueNames& names) {
     const RegistryObject* object = info.FindRegistryObject(record.TolvOID);
-    if (object == nullptr || object->is_key || object->value_name == nullptr) {
+    if (object == nullptr || object->value_name == nullptr) {
         return SplitName(block, names);
     }
     names = {object->key_path, object->value_name};

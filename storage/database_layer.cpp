@@ -1,5 +1,7 @@
 #include "storage/database_layer.h"
 
+#include <algorithm>
+#include <iterator>
 #include <string_view>
 
 #include "platform/text.h"
@@ -12,6 +14,31 @@ namespace {
 constexpr WORD kMaxNewSortOrders = 3;
 
 }  // namespace
+
+bool DescribeNewDatabase(const char16_t* name, DWORD type, WORD sort_count,
+                         const SORTORDERSPEC* sort_specs, CEDBASEINFO& info) {
+    info = CEDBASEINFO{};
+    if (name != nullptr) {
+        const std::u16string_view text(name);
+        if (text.size() >= CEDB_MAXDBASENAMELEN) {
+            return false;
+        }
+        text.copy(Utf16(info.szDbaseName), text.size());
+        info.dwFlags |= CEDB_VALIDNAME;
+    }
+    if (type != 0) {
+        info.dwFlags |= CEDB_VALIDTYPE;
+        info.dwDbaseType = type;
+    }
+    if (sort_count != 0 && sort_specs != nullptr) {
+        info.dwFlags |= CEDB_VALIDSORTSPEC;
+        const WORD copied = sort_count < CEDB_MAXSORTORDER ? sort_count : kMaxNewSortOrders;
+        for (WORD i = 0; i < copied; ++i) {
+            info.rgSortSpecs[i] = sort_specs[i];
+        }
+    }
+    return true;
+}
 
 DatabaseLayer::DatabaseLayer() {
     ResetVolume();
@@ -27,26 +54,10 @@ void DatabaseLayer::ResetVolume() { volume_ = CEGUID{}; }
 
 CEOID DatabaseLayer::CreateDatabase(const char16_t* name, DWORD type, WORD sort_count,
                                     const SORTORDERSPEC* sort_specs) {
-    CEDBASEINFO info{};
-    if (name != nullptr) {
-        const std::u16string_view text(name);
-        if (text.size() >= CEDB_MAXDBASENAMELEN) {
-            ::SetLastError(ERROR_INVALID_PARAMETER);
-            return 0;
-        }
-        text.copy(Utf16(info.szDbaseName), text.size());
-        info.dwFlags |= CEDB_VALIDNAME;
-    }
-    if (type != 0) {
-        info.dwFlags |= CEDB_VALIDTYPE;
-        info.dwDbaseType = type;
-    }
-    if (sort_count != 0 && sort_specs != nullptr) {
-        info.dwFlags |= CEDB_VALIDSORTSPEC;
-        const WORD copied = sort_count < CEDB_MAXSORTORDER ? sort_count : kMaxNewSortOrders;
-        for (WORD i = 0; i < copied; ++i) {
-            info.rgSortSpecs[i] = sort_specs[i];
-        }
+    CEDBASEINFO info;
+    if (!DescribeNewDatabase(name, type, sort_count, sort_specs, info)) {
+        ::SetLastError(ERROR_INVALID_PARAMETER);
+        return 0;
     }
     return ::CeCreateDatabaseEx(&volume_, &info);
 }
@@ -134,15 +145,16 @@ HANDLE DatabaseLayer::OpenDatabaseCached(CEOID& oid, const char16_t* name, CEPRO
 }
 
 void DatabaseLayer::CloseDatabaseCached(HANDLE database) {
-    for (CacheEntry& entry : cache_) {
-        if (entry.handle == database && database != INVALID_HANDLE_VALUE) {
-            if (entry.use_count != 0) {
-                --entry.use_count;
-            }
-            return;
-        }
+    if (database == INVALID_HANDLE_VALUE) {
+        return;
     }
-    const UniqueHandle closed(database);
+    const auto entry = std::find_if(std::begin(cache_), std::end(cache_),
+                                    [&](const CacheEntry& e) { return e.handle == database; });
+    if (entry == std::end(cache_)) {
+        const UniqueHandle closed(database);
+    } else if (entry->use_count != 0) {
+        --entry->use_count;
+    }
 }
 
 bool DatabaseLayer::DropCachedDatabase(const char16_t* name) {

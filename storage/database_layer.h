@@ -30,6 +30,12 @@ private:
     WORD count_ = 0;
 };
 
+// Fills in what makes a new database. An absent name, a type of 0 and no sort orders are left out;
+// of four sort orders or more the first three are taken, and their number stays 0. False when the
+// name does not fit.
+bool DescribeNewDatabase(const char16_t* name, DWORD type, WORD sort_count,
+                         const SORTORDERSPEC* sort_specs, CEDBASEINFO& info);
+
 // The wrappers give the platform's results unchanged: 0 or FALSE is a failure with a last error, a
 // handle that could not be had is INVALID_HANDLE_VALUE. Used by one thread at a time.
 class DatabaseLayer {
@@ -42,8 +48,7 @@ public:
     // Sets the volume that all calls work on back to the object store.
     void ResetVolume();
 
-    // The id of the new database. An absent name, a type of 0 and no sort orders are left out. Of
-    // four sort orders or more the first three are taken.
+    // The id of the new database, made as DescribeNewDatabase says.
     CEOID CreateDatabase(const char16_t* name, DWORD type, WORD sort_count,
                          const SORTORDERSPEC* sort_specs);
     BOOL DeleteDatabase(CEOID oid);

@@ -31,7 +31,7 @@ constexpr std::size_t kStateDescriptionUnits = 200;  // the data of a state, wit
 constexpr std::size_t kInfoHeadBytes = 28;
 constexpr std::size_t kInfoNameOffset = 26;
 constexpr std::size_t kInfoBlockBytes = 548;  // the longest block that is kept or read
-// 260 units with the terminator.
+// 260 units; the terminator behind them counts with the head.
 constexpr std::size_t kMaxNameBytes = kInfoBlockBytes - kInfoHeadBytes;
 
 // A buffer for one block, head and name. The name may be changed in place but never made longer.

@@ -36,7 +36,6 @@ bool ParseStorageHeader(const void* bytes, std::size_t available, StorageHeader&
         header.description[i] = 0;
     }
     header.description[kMaxDescriptionUnits - 1] = 0;
-    std::memset(header.spare, 0, sizeof header.spare);
     return true;
 }
 

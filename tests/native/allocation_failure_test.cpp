@@ -3,6 +3,7 @@
 
 #include "snapshot/difference.h"
 #include "snapshot/registry_objects.h"
+#include "storage/journal_update.h"
 #include "tests/native/failing_new.h"
 #include "tests/support/fake_info_source.h"
 #include "tests/support/records.h"
@@ -113,6 +114,21 @@ TEST_F(AllocationFailureTest, CmpListsFails) {
                   }
                   return CmpLists(older.get(), newer.get(), *diff, info_);
               }));
+}
+
+// Without memory for the index of blocks the whole journal is walked for each object.
+TEST_F(AllocationFailureTest, NewIdsReachTheJournalAllTheSame) {
+    const auto journal = ListOf(Files(3, JF_ADD));
+    JournalUpdater updater(journal.get());
+    FailAllocationsFrom(1);
+    for (std::uint32_t oid = 1; oid <= 3; ++oid) {
+        ObjectRecord file = MakeRecord(ObjectType::kFile, oid, 0);
+        updater.UpdateJournalOid(JournalRecord(file, 1, JF_ADD, 9), oid + 40);
+    }
+    FailAllocationsFrom(0);
+    for (ObjectList::Cursor node = journal->First(); node != nullptr; node = node->next) {
+        EXPECT_EQ(node->key.dwOID + 40, node->record->dwOID);
+    }
 }
 
 TEST_F(AllocationFailureTest, ARegistryObjectIsNotEntered) {

@@ -53,6 +53,7 @@ TEST(ExclusionTest, FilesByTheBeginningOfTheirFolder) {
     }
     EXPECT_FALSE(File(u"\\My Documents\\mine.sav", u"a.txt"));
     EXPECT_FALSE(File(u"mine.sav", u"a.txt"));
+    EXPECT_FALSE(File(u"/mine.sav", u"a.txt"));
     EXPECT_FALSE(File(u"\\mine.sa", u"a.txt"));
 }
 

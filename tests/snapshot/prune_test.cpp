@@ -128,6 +128,7 @@ TEST_F(PruneTest, EveryChangedValueGoesAndTheRestStaysInOrder) {
 
 TEST_F(PruneTest, ADeletionWithoutABlockIsNotLookedAt) {
     info_.live[{7, 0}] = {Name(kOwnKey, u"onTime"), kValue, kHiveCurrentUser};
+    info_.stored[0] = info_.live[{7, 0}];
     diff_->AddObject(JournalRecord(MakeRecord(kValue, 0, 7), 1, JF_DELETE, 0));
     Added(kHiveCurrentUser, Name(kOwnKey, u"onTime"));
     EXPECT_EQ(2u, PruneForBackup());

@@ -1,42 +1,17 @@
 // Backups whose platform calls fail: the result that is told, and what is left behind.
-#include <gtest/gtest.h>
-
-#include "platform/text.h"
-#include "platform/unique_resource.h"
-#include "storage/backup_writer.h"
-#include "tests/support/engine_test.h"
+#include "tests/storage/backup_fixture.h"
 
 namespace tolvenar {
 namespace {
 
-using Text = std::u16string;
-
-class BackupWriterFaultTest : public EngineTest {
+class BackupWriterFaultTest : public BackupTest {
 protected:
-    // Two states, the second of one changed file; a third file waits for state 3.
+    // One state, and a file that waits for the next.
     void SetUp() override {
-        EngineTest::SetUp();
+        BackupTest::SetUp();
         device().PutFile(L"\\a.txt", "first");
         ASSERT_TRUE(Backup(1));
         device().PutFile(L"\\n.txt", "123456789");
-    }
-
-    bool Backup(std::uint32_t state) {
-        return DoBackup(engine_, state, u"", false, code_, bytes_needed_);
-    }
-
-    std::string Sav() { return device().FileBytes(kSavPath); }
-    std::string Journal() { return device().FileBytes(kJournalPath); }
-
-    void ExpectEverythingClosed() {
-        for (const wchar_t* path : {kSavPath, kJournalPath}) {
-            const UniqueHandle file(::CreateFileW(path, GENERIC_READ | GENERIC_WRITE, 0, nullptr,
-                                                  OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-            EXPECT_TRUE(file) << "open";
-        }
-        EXPECT_EQ(nullptr, storage_.difference);
-        EXPECT_EQ(nullptr, storage_.list1);
-        EXPECT_EQ(nullptr, storage_.list2);
     }
 
     // A backup that fails before it writes: nothing on the card is touched.
@@ -52,9 +27,6 @@ protected:
         ExpectEverythingClosed();
         EXPECT_NE(nullptr, storage_.journal);
     }
-
-    ResultCode code_ = ResultCode::kNotStarted;
-    std::uint32_t bytes_needed_ = 0;
 };
 
 TEST_F(BackupWriterFaultTest, WithoutADifferenceListTheCodeIs3) {

@@ -32,7 +32,40 @@ TEST_F(DatabaseLayerTest, ANewDatabaseHasItsNameAndType) {
     EXPECT_EQ(77u, InfoOf(oid).dwDbaseType);
 }
 
+// How many of four sort orders stand in the description of a new database, in their order.
+std::vector<CEPROPID> SortOrdersTaken(WORD count) {
+    const SORTORDERSPEC specs[] = {
+        {0x00010003, 1}, {0x00020003, 0}, {0x00030003, 0}, {0x00040003, 0}};
+    CEDBASEINFO info;
+    EXPECT_TRUE(DescribeNewDatabase(u"n", 1, count, specs, info));
+    EXPECT_EQ(0, info.wNumSortOrder);
+    EXPECT_EQ(count != 0, (info.dwFlags & CEDB_VALIDSORTSPEC) != 0);
+    std::vector<CEPROPID> taken;
+    for (const SORTORDERSPEC& spec : info.rgSortSpecs) {
+        if (spec.propid != 0) {
+            taken.push_back(spec.propid);
+        }
+    }
+    return taken;
+}
+
 // Kept so: SetDatabaseInfo gives a new database its sort orders.
+TEST_F(DatabaseLayerTest, OfFourSortOrdersANewDatabaseIsGivenThree) {
+    EXPECT_EQ((std::vector<CEPROPID>{}), SortOrdersTaken(0));
+    EXPECT_EQ((std::vector<CEPROPID>{0x00010003}), SortOrdersTaken(1));
+    EXPECT_EQ((std::vector<CEPROPID>{0x00010003, 0x00020003, 0x00030003}), SortOrdersTaken(3));
+    EXPECT_EQ((std::vector<CEPROPID>{0x00010003, 0x00020003, 0x00030003}), SortOrdersTaken(4));
+    EXPECT_EQ((std::vector<CEPROPID>{0x00010003, 0x00020003, 0x00030003}), SortOrdersTaken(9));
+}
+
+TEST_F(DatabaseLayerTest, WhatANewDatabaseHasNotIsLeftOutOfItsDescription) {
+    CEDBASEINFO info;
+    ASSERT_TRUE(DescribeNewDatabase(nullptr, 0, 2, nullptr, info));
+    EXPECT_EQ(0u, info.dwFlags);
+    ASSERT_TRUE(DescribeNewDatabase(u"n", 7, 0, nullptr, info));
+    EXPECT_EQ(DWORD{CEDB_VALIDNAME | CEDB_VALIDTYPE}, info.dwFlags);
+}
+
 TEST_F(DatabaseLayerTest, TheNumberOfANewDatabasesSortOrdersStaysZero) {
     const SORTORDERSPEC specs[] = {
         {0x00010003, 0}, {0x00020003, 0}, {0x00030003, 0}, {0x00040003, 0}};

@@ -19,7 +19,7 @@ protected:
     InfoBlock Describe(std::uint32_t TolvOID, CEOID oid) {
         InfoBlock block;
         EXPECT_TRUE(info_.GetOIDInfo(TolvOID, oid, block));
-        EXPECT_EQ(0, block.head().zero == 0 ? 0 : block.head().name_bytes);
+        EXPECT_EQ(0, block.head().zero);
         EXPECT_EQ(Text(block.name()).size() * 2, block.head().name_bytes);
         return block;
     }

@@ -1,45 +1,11 @@
-#include "storage/restore_engine.h"
-
+// Restores of whole states.
 #include <algorithm>
 
 #include "snapshot/difference_engine.h"
-#include "storage/backup_writer.h"
-#include "storage/journal.h"
-#include "storage/storage_file.h"
-#include "tests/support/restore_fixture.h"
+#include "tests/storage/restore_engine_fixture.h"
 
 namespace tolvenar {
 namespace {
-
-constexpr wchar_t kSettings[] = L"Software\\Kestrin2\\Tolvenar";
-
-class RestoreEngineTest : public RestoreFixture {
-protected:
-    void SetUp() override {
-        ASSERT_NE(nullptr, CreateStorage(storage_.names.path, nullptr));
-        ASSERT_TRUE(OpenJournal(storage_, nullptr));
-    }
-    ResultCode Backup(std::uint32_t state) {
-        ResultCode code{};
-        std::uint32_t needed = 0;
-        const bool ok = DoBackup(engine_, state, u"", false, code, needed);
-        EXPECT_TRUE(ok || code != ResultCode::kSuccess);
-        return code;
-    }
-    bool RestoreState(std::uint32_t state) { return DoRestore(engine_, state, code_); }
-    bool RestoreAdvanced(bool invert) { return DoAdvancedRestore(engine_, invert, code_); }
-    void ExpectNoLists() {
-        EXPECT_EQ(nullptr, storage_.list1);
-        EXPECT_EQ(nullptr, storage_.list2);
-        EXPECT_EQ(nullptr, storage_.difference);
-    }
-    void ExpectOnlyTheDifferenceList() {
-        EXPECT_EQ(nullptr, storage_.list1);
-        EXPECT_EQ(nullptr, storage_.list2);
-        EXPECT_NE(nullptr, storage_.difference);
-    }
-    ResultCode code_{};
-};
 
 TEST_F(RestoreEngineTest, AStateComesBackASecondRestoreAndABackupFindNothing) {
     device().PutFile(L"\\My Documents\\a.txt", "first");
@@ -105,8 +71,24 @@ TEST_F(RestoreEngineTest, WithNothingToDoCompleteIsPostedThreeTimes) {
     progress_.texts.clear();
     EXPECT_TRUE(RestoreState(1));
     EXPECT_EQ(ResultCode::kNoDifference, code_);
-    EXPECT_EQ(3, std::count(progress_.texts.begin(), progress_.texts.end(), u"Complete."));
+    ASSERT_EQ(8u + 3u, progress_.texts.size());
+    EXPECT_EQ(3, std::count(progress_.texts.end() - 3, progress_.texts.end(), u"Complete."));
     ExpectNoLists();
+}
+
+TEST_F(RestoreEngineTest, TheStepsOfARestoreAreAnnouncedInOrder) {
+    device().PutFile(L"\\a.txt", "one");
+    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    device().PutFile(L"\\a.txt", "two, longer");
+    progress_.texts.clear();
+    EXPECT_TRUE(RestoreState(1));
+    EXPECT_EQ(
+        (std::vector<std::u16string>{
+            u"Preparing object list...", u"Scanning files...", u"Scanning HKCR registry entry...",
+            u"Scanning HKCU registry entry...", u"Scanning HKLM registry entry...",
+            u"Scanning HKU registry entry...", u"Scanning databases...", u"Finding differences...",
+            u"Restoring...", u"Saving object list...", u"Loading object list..."}),
+        progress_.texts);
 }
 
 TEST_F(RestoreEngineTest, WithoutItsStorageFileTheDifferencesCannotBeFound) {
@@ -384,123 +366,6 @@ TEST_P(ResetDeviceTest, EveryRecordComesBack) {
 }
 
 INSTANTIATE_TEST_SUITE_P(NextIds, ResetDeviceTest, ::testing::Values(100, -8, -2, -1));
-
-class AdvancedRestoreTest : public RestoreEngineTest {
-protected:
-    // State 1 with one of everything, state 2 with it changed; the list of differences between.
-    void MakeTwoStates() {
-        device().PutFile(L"\\a.txt", "one");
-        SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Dword(1));
-        MakeDatabase(u"People");
-        AddRecord(u"People", L"Ann", 1);
-        ASSERT_EQ(ResultCode::kSuccess, Backup(1));
-        device().PutFile(L"\\a.txt", "two, longer");
-        SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Dword(2));
-        AddRecord(u"People", L"Bob", 2);
-        ASSERT_EQ(ResultCode::kSuccess, Backup(2));
-        ASSERT_EQ(1, FindDifferenceEx(engine_, 1, 2));
-    }
-};
-
-TEST_F(AdvancedRestoreTest, TheChangesOfAStateAreTakenBack) {
-    MakeTwoStates();
-    EXPECT_TRUE(RestoreAdvanced(false));
-    EXPECT_EQ(ResultCode::kSuccess, code_);
-    EXPECT_EQ("one", device().FileBytes(L"\\a.txt"));
-    EXPECT_EQ("4:" + Dword(1), Value(HKEY_CURRENT_USER, L"Key", L"v"));
-    ExpectNoLists();
-}
-
-TEST_F(AdvancedRestoreTest, InvertedTheyAreAppliedAgain) {
-    MakeTwoStates();
-    ASSERT_TRUE(RestoreAdvanced(false));
-    ASSERT_EQ(1, FindDifferenceEx(engine_, 1, 2));
-    EXPECT_TRUE(RestoreAdvanced(true));
-    EXPECT_EQ("two, longer", device().FileBytes(L"\\a.txt"));
-    EXPECT_EQ("4:" + Dword(2), Value(HKEY_CURRENT_USER, L"Key", L"v"));
-}
-
-TEST_F(AdvancedRestoreTest, DatabasesAreLeftAloneWithoutTheSetting) {
-    MakeTwoStates();
-    EXPECT_TRUE(RestoreAdvanced(false));
-    EXPECT_EQ(ResultCode::kSuccess, code_);
-    EXPECT_EQ((std::vector<std::string>{"Ann=1", "Bob=2"}), Records(u"People"));
-}
-
-TEST_F(AdvancedRestoreTest, DatabasesAreRestoredWithTheSetting) {
-    MakeTwoStates();
-    SetValue(HKEY_CURRENT_USER, kSettings, L"AdvancedDBRestoring", REG_DWORD, Dword(1));
-    EXPECT_TRUE(RestoreAdvanced(false));
-    EXPECT_EQ((std::vector<std::string>{"Ann=1"}), Records(u"People"));
-}
-
-TEST_F(AdvancedRestoreTest, AFullRestoreTakesDatabasesWhateverTheSettingSays) {
-    MakeTwoStates();
-    SetValue(HKEY_CURRENT_USER, kSettings, L"AdvancedDBRestoring", REG_DWORD, Dword(0));
-    EXPECT_TRUE(RestoreState(1));
-    EXPECT_EQ((std::vector<std::string>{"Ann=1"}), Records(u"People"));
-}
-
-// Kept so: ids of objects that an advanced restore made anew are not in the journal.
-TEST_F(AdvancedRestoreTest, TheJournalIsFreedWithoutSavingAndLoadedAgain) {
-    MakeTwoStates();
-    const std::string journal = device().FileBytes(L"\\Storage Card\\t.jrn");
-    EXPECT_TRUE(RestoreAdvanced(false));
-    EXPECT_EQ(journal, device().FileBytes(L"\\Storage Card\\t.jrn"));
-    ASSERT_NE(nullptr, storage_.journal);
-    EXPECT_EQ(journal.size() / 32, storage_.journal->CountRecords());
-    ObjectList::Cursor cursor = storage_.journal->First();
-    ObjectRecord* record = nullptr;
-    while (ObjectList::Next(cursor, nullptr, &record)) {
-        EXPECT_NE(device().Info(L"\\a.txt").oid, record->dwOID);
-    }
-}
-
-TEST_F(AdvancedRestoreTest, AnEmptyListIsARestoreOfNothing) {
-    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
-    MakeDifference({});
-    EXPECT_TRUE(RestoreAdvanced(false));
-    EXPECT_EQ(ResultCode::kSuccess, code_);
-}
-
-TEST_F(AdvancedRestoreTest, WithoutAListNothingIsDone) {
-    EXPECT_FALSE(RestoreAdvanced(false));
-    EXPECT_EQ(ResultCode::kSuccess, code_);  // the number of an early failure too
-}
-
-TEST_F(AdvancedRestoreTest, AStorageFileThatCannotBeOpenedKeepsTheList) {
-    MakeTwoStates();
-    device().Fault("CreateFileW", 1, 1, ERROR_SHARING_VIOLATION, "t.sav");
-    EXPECT_FALSE(RestoreAdvanced(false));
-    EXPECT_EQ(ResultCode::kFailed, code_);
-    ExpectOnlyTheDifferenceList();
-    EXPECT_EQ("two, longer", device().FileBytes(L"\\a.txt"));
-    EXPECT_EQ("[]", device().Faults());
-}
-
-TEST_F(AdvancedRestoreTest, AnUrlCacheThatTheInvertedListDeletesIsLeftOnTheDevice) {
-    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
-    MakeDatabase(u"\\URL Cache");
-    ASSERT_EQ(ResultCode::kSuccess, Backup(2));
-    SetValue(HKEY_CURRENT_USER, kSettings, L"AdvancedDBRestoring", REG_DWORD, Dword(1));
-    ASSERT_EQ(1, FindDifferenceEx(engine_, 2, 1));
-    EXPECT_TRUE(RestoreAdvanced(true));
-    EXPECT_TRUE(DatabaseExists(u"\\URL Cache"));
-}
-
-TEST_F(AdvancedRestoreTest, WhatFailedCanBeRetriedInverted) {
-    MakeTwoStates();
-    {
-        const auto lock = device().Lock(L"\\a.txt");
-        EXPECT_TRUE(RestoreAdvanced(false));
-        EXPECT_EQ(ResultCode::kFailed, code_);
-        EXPECT_EQ("two, longer", device().FileBytes(L"\\a.txt"));
-    }
-    ExpectOnlyTheDifferenceList();
-    EXPECT_TRUE(RestoreAdvanced(true));
-    EXPECT_EQ(ResultCode::kSuccess, code_);
-    EXPECT_EQ("one", device().FileBytes(L"\\a.txt"));
-}
 
 }  // namespace
 }  // namespace tolvenar

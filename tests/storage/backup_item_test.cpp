@@ -1,0 +1,262 @@
+// The objects of a backup, one by one: their blocks and data in the storage file, their records.
+#include <cstring>
+
+#include "platform/text.h"
+#include "snapshot/checksum.h"
+#include "snapshot/property_encoding.h"
+#include "storage/block_io.h"
+#include "storage/object_data_writers.h"
+#include "tests/storage/backup_fixture.h"
+
+namespace tolvenar {
+namespace {
+
+constexpr CEPROPID kNumber = 0x00010003;
+
+class BackupItemTest : public BackupTest {
+protected:
+    UniqueHandle OpenSavAtEnd() {
+        UniqueHandle sav(::CreateFileW(kSavPath, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ,
+                                       nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+        EXPECT_TRUE(MoveToEnd(sav.get()));
+        return sav;
+    }
+
+    // The record of a file that is to be stored.
+    static ObjectRecord AddedFile(CEOID oid) {
+        ObjectRecord record{};
+        record.dwOID = oid;
+        record.flags = JF_ADD;
+        record.type = ObjectType::kFile;
+        return record;
+    }
+};
+
+TEST_F(BackupItemTest, AFilesRecordLeadsToItsBlockAndData) {
+    BackupFreshDevice();
+    device().PutFile(L"\\n.txt", "123456789");
+    ASSERT_TRUE(Backup(2));
+    const ObjectRecord* record = JournalRecord(2, OidOfPath(L"\\n.txt"), ObjectType::kFile);
+    ASSERT_NE(nullptr, record);
+    EXPECT_EQ(Checksum16(Sav().data() + record->propOffset, 40), record->info_checksum);
+    EXPECT_EQ(record->propOffset + 40, record->data_offset);
+    EXPECT_EQ("123456789", Sav().substr(record->data_offset, 9));
+    EXPECT_EQ(0x6F91, record->content_fingerprint);
+    EXPECT_EQ(JF_ADD, record->flags);
+}
+
+TEST_F(BackupItemTest, AnEmptyFileHasNoDataAndTheFingerprintFfff) {
+    device().PutFile(L"\\empty", "");
+    BackupFreshDevice();
+    const ObjectRecord* record = JournalRecord(1, OidOfPath(L"\\empty"), ObjectType::kFile);
+    ASSERT_NE(nullptr, record);
+    EXPECT_EQ(kNoData, record->data_offset);
+    EXPECT_EQ(0xFFFF, record->content_fingerprint);
+}
+
+TEST_F(BackupItemTest, AFolderHasABlockWithoutDataAndTheFingerprintZero) {
+    device().MakeFolder(L"\\A");
+    BackupFreshDevice();
+    const ObjectRecord* record = JournalRecord(1, OidOfPath(L"\\A"), ObjectType::kFile);
+    ASSERT_NE(nullptr, record);
+    EXPECT_NE(0u, record->propOffset);
+    EXPECT_EQ(kNoData, record->data_offset);
+    EXPECT_EQ(0, record->content_fingerprint);
+}
+
+TEST_F(BackupItemTest, AKeyHasNoDataAndAValueItsBytes) {
+    BackupFreshDevice();
+    SetValue(HKEY_CURRENT_USER, L"T", L"v", REG_BINARY, "123456789");
+    ASSERT_TRUE(Backup(2));
+    const std::string key = Block(0x80000001, 0, 0, 0, 2, "T");
+    const std::string value = Block(0x80000001, REG_BINARY, 0, 9, 1, "T\xFFv") + "123456789";
+    const std::string sav = Sav();
+    EXPECT_NE(std::string::npos, sav.find(key));
+    EXPECT_NE(std::string::npos, sav.find(value));
+    for (const ObjectRecord& record : RecordsOf(*storage_.journal)) {
+        if (record.state_number == 2 && record.type == ObjectType::kRegistryKey) {
+            EXPECT_EQ(kNoData, record.data_offset);
+            EXPECT_EQ(0xFFFF, record.content_fingerprint);
+        }
+        if (record.state_number == 2 && record.type == ObjectType::kRegistryValue) {
+            EXPECT_EQ("123456789", sav.substr(record.data_offset, 9));
+            EXPECT_EQ(0x6F91, record.content_fingerprint);
+        }
+    }
+}
+
+TEST_F(BackupItemTest, AValueOfAKeyWhoseNameHoldsTheSeparatorIsStored) {
+    SetValue(HKEY_CURRENT_USER, L"T\\a\u00FFb", L"v", REG_SZ, "123456789");
+    BackupFreshDevice();
+    EXPECT_EQ(u"", Log());
+    EXPECT_NE(std::string::npos, Sav().find("123456789"));
+}
+
+TEST_F(BackupItemTest, AnEmptyValueIsStored) {
+    SetValue(HKEY_CURRENT_USER, L"T", L"", REG_SZ, "");
+    BackupFreshDevice();
+    EXPECT_EQ(u"", Log());
+    EXPECT_NE(std::string::npos, Sav().find(Block(0x80000001, REG_SZ, 0, 0, 1, "T\xFF")));
+}
+
+TEST_F(BackupItemTest, ADatabaseStoresItsSortOrdersAndKeepsItsRecordCount) {
+    BackupFreshDevice();
+    const CEOID oid = MakeDatabase(L"First", 77);
+    AddRecord(L"First", {{kNumber, 1}});
+    ASSERT_TRUE(Backup(2));
+    const ObjectRecord* record = JournalRecord(2, oid, ObjectType::kDatabase);
+    ASSERT_NE(nullptr, record);
+    EXPECT_EQ(1, record->content_fingerprint);
+    EXPECT_EQ(Block(77, 0, 0, 32, 4, "First"), Sav().substr(record->propOffset, 38));
+    EXPECT_EQ(record->propOffset + 38, record->data_offset);
+    CEOIDINFO info;
+    ASSERT_TRUE(databases_.GetObjectInfo(oid, info));
+    EXPECT_EQ(0, std::memcmp(info.infDatabase.rgSortSpecs, Sav().data() + record->data_offset, 32));
+}
+
+TEST_F(BackupItemTest, ARecordStoresItsPropertiesWithOffsetsForPointers) {
+    MakeDatabase(L"First");
+    const CEOID oid = AddRecord(
+        L"First", {{kNumber, 0x11223344}, {0x0002001F, 0, L"ab"}, {0x00030041, 0, {}, "xyz"}});
+    BackupFreshDevice();
+    const ObjectRecord* record = JournalRecord(1, oid, ObjectType::kDatabaseRecord);
+    ASSERT_NE(nullptr, record);
+    InfoBlock block;
+    ASSERT_TRUE(info_.GetOIDInfo(0, oid, block));
+    const std::string data = Sav().substr(record->data_offset, block.head().data_bytes);
+    StoredProperty properties[3];
+    ASSERT_LE(sizeof properties, data.size());
+    std::memcpy(properties, data.data(), sizeof properties);
+    for (const StoredProperty& property : properties) {
+        switch (property.propid & 0xFFFF) {
+            case CEVT_I4: EXPECT_EQ(0x11223344u, property.value); break;
+            case CEVT_LPWSTR:
+                EXPECT_EQ(Wide8("ab") + Half(0), data.substr(property.value, 6));
+                break;
+            default:
+                EXPECT_EQ(3u, property.value);
+                EXPECT_EQ("xyz", data.substr(property.value_high, 3));
+        }
+    }
+    std::uint16_t checksum = 0;
+    EXPECT_TRUE(ChecksumOfProperties(data.data(), data.size(), 3, checksum));
+    EXPECT_EQ(checksum, record->content_fingerprint);
+}
+
+TEST_F(BackupItemTest, ARecordWithoutPropertiesHasTheFingerprintZeroAndIsNoDifferenceLater) {
+    MakeDatabase(L"First");
+    const CEOID oid = AddEmptyRecord(L"First");
+    BackupFreshDevice();
+    EXPECT_EQ(u"", Log());
+    ASSERT_NE(nullptr, JournalRecord(1, oid, ObjectType::kDatabaseRecord));
+    EXPECT_EQ(0, JournalRecord(1, oid, ObjectType::kDatabaseRecord)->content_fingerprint);
+    EXPECT_TRUE(Backup(2));
+    EXPECT_EQ(ResultCode::kNoDifference, code_);
+}
+
+TEST_F(BackupItemTest, AnEstimateIsBlockAndDataOfAdditionsOnly) {
+    device().PutFile(L"\\n.txt", "123456789");
+    ObjectRecord record = AddedFile(OidOfPath(L"\\n.txt"));
+    EXPECT_EQ(28u + 12u + 9u, EstimateBlockSize(engine_, record));
+    record.flags = JF_DELETE;
+    EXPECT_EQ(0u, EstimateBlockSize(engine_, record));
+    record.flags = JF_ADD;
+    record.dwOID += 1000;
+    EXPECT_EQ(0u, EstimateBlockSize(engine_, record));
+}
+
+TEST_F(BackupItemTest, ARecordThatIsNoAdditionNeedsNothing) {
+    const UniqueHandle sav = OpenSavAtEnd();
+    ObjectRecord record{};
+    record.dwOID = 0x00ABCDEF;
+    record.flags = JF_DELETE;
+    EXPECT_TRUE(BackupItem(engine_, sav.get(), record));
+    EXPECT_EQ(kHead, Sav().size());
+}
+
+TEST_F(BackupItemTest, AFailedItemsPlaceIsTakenByTheNextOne) {
+    device().PutFile(L"\\held.txt", "held");
+    device().PutFile(L"\\n.txt", "123456789");
+    ObjectRecord held = AddedFile(OidOfPath(L"\\held.txt"));
+    ObjectRecord next = AddedFile(OidOfPath(L"\\n.txt"));
+    const auto lock = device().Lock(L"\\held.txt");
+    const UniqueHandle sav = OpenSavAtEnd();
+    EXPECT_FALSE(BackupItem(engine_, sav.get(), held));
+    EXPECT_EQ(0u, held.propOffset);
+    EXPECT_TRUE(BackupItem(engine_, sav.get(), next));
+    EXPECT_EQ(kHead, next.propOffset);
+    EXPECT_EQ("123456789", Sav().substr(kHead + 40, 9));
+}
+
+TEST_F(BackupItemTest, AFailedItemIsMarkedCountedAndLogged) {
+    device().PutFile(L"\\held.txt", "held");
+    const CEOID oid = OidOfPath(L"\\held.txt");
+    auto list = ObjectList::CreateList();
+    for (const CEOID id : {oid, CEOID{0x00ABCDEF}}) {
+        ASSERT_TRUE(list->AddObject(AddedFile(id)));
+    }
+    const auto lock = device().Lock(L"\\held.txt");
+    const UniqueHandle sav = OpenSavAtEnd();
+    std::size_t failed = 99;
+    EXPECT_EQ(1, BackupItems(engine_, sav.get(), *list, failed));
+    EXPECT_EQ(2u, failed);
+    for (const ObjectRecord& record : RecordsOf(*list)) {
+        EXPECT_EQ(JF_ADD | JF_FAILED, record.flags);
+    }
+    EXPECT_EQ(std::vector<std::size_t>{2}, progress_.begins);
+    char16_t line[100];
+    ::wsprintfW(Wide(line), L"dwOID = %x, TolvOID = 0\r\nObj Name: \\held.txt\r\nObj Type: 10",
+                oid);
+    EXPECT_NE(Text::npos, Log().find(Text(u"backup item failed; Message: ") + line)) << "named";
+    EXPECT_NE(Text::npos,
+              Log().find(u"Message: unavailable info from dwOID = abcdef, TolvOID = 0"));
+    EXPECT_EQ(0u, Log().find(u"E - "));
+}
+
+TEST_F(BackupItemTest, AFileInRomHasABlockWithoutDataAndTheFingerprintZero) {
+    for (const DWORD attribute : {FILE_ATTRIBUTE_INROM, FILE_ATTRIBUTE_ROMMODULE}) {
+        device().PutFile(L"\\rom.dll", "123456789");
+        device().SetAttributes(L"\\rom.dll", attribute);
+        ObjectRecord record = AddedFile(OidOfPath(L"\\rom.dll"));
+        record.content_fingerprint = 0x1234;
+        const UniqueHandle sav = OpenSavAtEnd();
+        ASSERT_TRUE(BackupItem(engine_, sav.get(), record));
+        EXPECT_EQ(kNoData, record.data_offset);
+        EXPECT_EQ(0, record.content_fingerprint);
+    }
+}
+
+TEST_F(BackupItemTest, AnObjectOfAnUnknownTypeFails) {
+    const UniqueHandle sav = OpenSavAtEnd();
+    InfoBlock block;
+    block.head().type = 64;
+    StoredData data;
+    EXPECT_FALSE(BackupObjectData({engine_, sav.get(), block, 0, 5}, data));
+    EXPECT_EQ(kHead, Sav().size());
+}
+
+// Free memory of a little more than one granule: the copy is made of four views.
+TEST_F(BackupItemTest, ALargeFileIsCopiedInChunksOfTheFreeMemory) {
+    std::string contents(3 * 0x10000 + 5, 0);
+    for (std::size_t i = 0; i < contents.size(); ++i) {
+        contents[i] = static_cast<char>(i * 7 + i / 251);
+    }
+    device().PutFile(L"\\big", contents);
+    device().Set("memory.free", std::to_string(0x10000 + 100));
+    ObjectRecord record = AddedFile(OidOfPath(L"\\big"));
+    const UniqueHandle sav = OpenSavAtEnd();
+    ASSERT_TRUE(BackupItem(engine_, sav.get(), record));
+    EXPECT_EQ(contents, Sav().substr(record.data_offset));
+    EXPECT_EQ(Checksum16(contents.data(), contents.size()), record.content_fingerprint);
+}
+
+TEST_F(BackupItemTest, WithLessThanAGranuleOfMemoryAFileFails) {
+    device().PutFile(L"\\n.txt", "123456789");
+    device().Set("memory.free", std::to_string(0xFFFF));
+    ObjectRecord record = AddedFile(OidOfPath(L"\\n.txt"));
+    const UniqueHandle sav = OpenSavAtEnd();
+    EXPECT_FALSE(BackupItem(engine_, sav.get(), record));
+}
+
+}  // namespace
+}  // namespace tolvenar
