@@ -389,8 +389,8 @@ BOOL WINAPI GetStoreInformation(LPSTORE_INFORMATION information) {
                 return ERROR_INVALID_PARAMETER;
             }
             const sim::files::Space space = sim::files::SpaceOf(Device::Current(), false);
-            information->dwStoreSize = space.size;
-            information->dwFreeSize = space.free;
+            information->dwStoreSize = static_cast<DWORD>(space.size);
+            information->dwFreeSize = static_cast<DWORD>(space.free);
             return NO_ERROR;
         });
     });

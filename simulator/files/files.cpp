@@ -267,11 +267,11 @@ std::wstring HostFile(Device& device, const std::wstring& path) {
 }
 
 bool ApplyFileSetting(Device& device, const std::string& name, const std::string& value) {
-    const auto number = static_cast<std::uint32_t>(std::strtoul(value.c_str(), nullptr, 0));
+    const std::uint64_t number = std::strtoull(value.c_str(), nullptr, 0);
     if (name == "store.free" || name == "card.free") {
         SetFree(device, name == "card.free", number);
     } else if (name == "oid.next") {
-        device.SetNextObjectId(number);
+        device.SetNextObjectId(static_cast<std::uint32_t>(number));
     } else if (name == "card.name") {
         FileTable& table = FileTable::Of(device);
         LogStore::Change change(table.store());

@@ -40,13 +40,14 @@ volatile long& Counter(FileTable& table, bool card) { return table.slot(card ? 1
 Space SpaceOf(Device& device, bool card) {
     FileTable& table = FileTable::Of(device);
     const std::int64_t free = Limit(device, card) - UsedByFiles(table, card);
-    return {static_cast<std::uint32_t>(SizeSetting(device, card)),
-            static_cast<std::uint32_t>(std::max<std::int64_t>(free, 0))};
+    return {static_cast<std::uint64_t>(SizeSetting(device, card)),
+            static_cast<std::uint64_t>(std::max<std::int64_t>(free, 0))};
 }
 
-void SetFree(Device& device, bool card, std::uint32_t bytes) {
+void SetFree(Device& device, bool card, std::uint64_t bytes) {
     const std::int64_t used = UsedByFiles(FileTable::Of(device), card);
-    device.SetSetting(TakenSetting(card), std::to_string(SizeSetting(device, card) - used - bytes));
+    device.SetSetting(TakenSetting(card), std::to_string(SizeSetting(device, card) - used -
+                                                         static_cast<std::int64_t>(bytes)));
 }
 
 // The counter is raised before anything is written and lowered afterwards, so that it may say too

@@ -10,14 +10,14 @@
 namespace sim::files {
 
 struct Space {
-    std::uint32_t size = 0;
-    std::uint32_t free = 0;
+    std::uint64_t size = 0;
+    std::uint64_t free = 0;
 };
 
 // Counted from the files themselves, so that it is right after a kill too.
 Space SpaceOf(Device& device, bool card);
 // From now on exactly this many bytes are free.
-void SetFree(Device& device, bool card, std::uint32_t bytes);
+void SetFree(Device& device, bool card, std::uint64_t bytes);
 
 // Takes `bytes` when they are free; false when they are not, and nothing is taken.
 bool TakeSpace(FileTable& table, bool card, std::uint32_t bytes);

@@ -103,5 +103,13 @@ TEST_F(SpaceTest, TheSizeOfTheStoreIsASetting) {
     EXPECT_FALSE(::GetStoreInformation(nullptr));
 }
 
+TEST_F(SpaceTest, ACardMayHaveMoreThan4GigabytesFree) {
+    device().Set("card.size", "8589934592");
+    device().Set("card.free", "4294967301");
+    ULARGE_INTEGER free{};
+    EXPECT_TRUE(::GetDiskFreeSpaceExW(L"\\Storage Card", &free, nullptr, nullptr));
+    EXPECT_EQ(4294967301u, free.QuadPart);
+}
+
 }  // namespace
 }  // namespace tests

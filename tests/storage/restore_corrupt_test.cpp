@@ -270,6 +270,15 @@ TEST_F(UnstoredRecordTest, AnObjectThatIsGoneNeedsNoDeletion) {
     EXPECT_TRUE(LogLines().empty());
 }
 
+// The id of a file leads to a record now: the file is gone.
+TEST_F(UnstoredRecordTest, AnIdThatLeadsToAnotherKindOfObjectNeedsNoDeletion) {
+    MakeDatabase(u"People");
+    const CEOID ann = AddRecord(u"People", L"Ann", 1);
+    EXPECT_EQ(RestoreOutcome::kDone, Restore(Live(ObjectType::kDatabase, ann)));
+    EXPECT_EQ(RestoreOutcome::kDone, Restore(Live(ObjectType::kFile, ann)));
+    EXPECT_EQ((std::vector<std::string>{"Ann=1"}), Records(u"People"));
+}
+
 TEST_F(UnstoredRecordTest, AnUnknownRegistryObjectNeedsNoDeletion) {
     ObjectRecord record = Live(ObjectType::kRegistryValue, 0);
     record.TolvOID = 0x123456;

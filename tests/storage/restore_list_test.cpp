@@ -161,12 +161,14 @@ TEST_F(RestoreListTest, AnAbsentStorageFileIsADriversFailureToo) {
 }
 
 TEST_F(RestoreListTest, ProgressHasRoomForTwoPassesAndRestIsTaken) {
+    device().Command("trace on");
     EXPECT_TRUE(RestoreAll({ToWriteBack(StoreFile(u"\\a.txt", "x")),
                             ToWriteBack(StoreKey(HKEY_CURRENT_USER, u"Key"))}));
     EXPECT_EQ((std::vector<std::size_t>{4}), progress_.begun);
     EXPECT_EQ((std::vector<std::u16string>{u"Restoring..."}), progress_.texts);
     EXPECT_EQ(2, progress_.items);
     EXPECT_EQ(1, Calls("Sleep"));
+    EXPECT_NE(std::string::npos, device().Command("trace show Sleep").find("\"100\""));
 }
 
 TEST_F(RestoreListTest, RecordsWithoutFlagsArePassedOver) {
