@@ -92,6 +92,22 @@ private:
     DatabaseLayer& databases_;
 };
 
+// Enters the device's records that the state holds as they are among those that are never
+// overwritten: on a device that was reset one of them may have the id that another stored record
+// had before. False when there is no memory.
+bool ProtectMatchedRecords(const ObjectList* device, WrittenRecords& written) {
+    ObjectRecord* record = nullptr;
+    ObjectList::Cursor cursor = device == nullptr ? nullptr : device->First();
+    while (ObjectList::Next(cursor, nullptr, &record)) {
+        const bool is_matched = (record->flags & JF_MATCHED) != 0;
+        if (is_matched && record->type == ObjectType::kDatabaseRecord && record->dwOID != 0 &&
+            !written.Add(record->dwOID)) {
+            return false;
+        }
+    }
+    return true;
+}
+
 }  // namespace
 
 bool RestoreList(Engine& engine, ObjectList& list, bool skip_databases, ResultCode& result_code) {
@@ -104,6 +120,11 @@ bool RestoreList(Engine& engine, ObjectList& list, bool skip_databases, ResultCo
     engine.progress.ProgressStep(u"Restoring...");
     const DatabaseCacheScope cache(engine.databases);
     RestoreRun run{engine, storage, skip_databases, {}};
+    if (!ProtectMatchedRecords(engine.storage.list2.get(), run.written)) {
+        InvertPendingFlags(list);
+        result_code = ResultCode::kFailed;
+        return false;
+    }
     Passes passes(run, list);
     passes.RunPhase(IsDeletion);
     passes.RunPhase(IsFileToWrite);

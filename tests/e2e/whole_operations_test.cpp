@@ -216,6 +216,26 @@ TEST_F(WholeOperationsTest, TheLogIsScannedWhenTheStorageLiesInTheObjectStore) {
     EXPECT_EQ(ResultCode::kSuccess, Backup());
 }
 
+// On a device that was reset a record may have the id under which another one was stored.
+TEST_F(WholeOperationsTest, ARecordThatHasTheIdOfAnotherOneIsNotOverwritten) {
+    const CEOID people = MakeDatabase(L"People");
+    AddRecord(L"People", {{kNumber, 1}});
+    const CEOID second = AddRecord(L"People", {{kNumber, 2}});
+    const Contents both = Now();
+    ASSERT_EQ(ResultCode::kSuccess, Backup());
+    sim::databases::DatabaseStore(device().sim()).DeleteRecord(people, second);
+    ASSERT_EQ(ResultCode::kSuccess, Backup());
+    sim::databases::DatabaseStore(device().sim()).Delete(people);
+    device().Set("oid.next", std::to_string(second - 1));
+    ASSERT_EQ(ResultCode::kSuccess, Restore(2));
+    const std::uint32_t again =
+        sim::databases::DatabaseStore(device().sim()).ByName(u"People")->oid;
+    ASSERT_EQ(std::vector<std::uint32_t>{second},
+              sim::databases::DatabaseStore(device().sim()).Records(again));
+    EXPECT_EQ(ResultCode::kSuccess, Restore(1));
+    EXPECT_EQ(Lines(), Differences(both, Now()));
+}
+
 // The ids that a reset device gives out again meet those that were stored.
 class ResetDeviceOperationsTest : public WholeOperationsTest,
                                   public ::testing::WithParamInterface<int> {};

@@ -35,8 +35,8 @@ protected:
         WaitForCompanions();
         return ended["exit"];
     }
-    // The program does not wait for those that it has started, and while they run their files
-    // cannot be opened for a scan.
+    // The program does not wait for those that it has started, and their files cannot be written
+    // while they run.
     void WaitForCompanions() {
         for (int i = 0; i < 500 && device().Command("ps") != "[]"; ++i) {
             std::this_thread::sleep_for(std::chrono::milliseconds(10));

@@ -31,6 +31,7 @@ protected:
     void SetUp() override {
         EngineTest::SetUp();
         Prepare();
+        first_id_ = device().sim().TakeObjectId();
         device_model_.model().keys[u"HKCU\\Software"];  // of the program's own settings
     }
 
@@ -104,7 +105,9 @@ protected:
         device().Command("create \"" + sim::host::Utf8(empty) + "\"");
         device().Command("faults clear");
         Prepare();
-        device().Set("oid.next", std::to_string(100 + changes_.Below(5000)));
+        // The ids that it gives out are new ones, or those of objects that were stored.
+        const std::uint32_t first_id = changes_.Below(2) == 0 ? 100 : first_id_;
+        device().Set("oid.next", std::to_string(first_id + changes_.Below(100)));
         return "reset, ";
     }
 
@@ -123,6 +126,7 @@ protected:
     tests::ModelledDevice device_model_{test_device_};
     tests::ChangeGenerator changes_{device_model_, GetParam().seed};
     std::vector<tests::DeviceModel> states_;
+    std::uint32_t first_id_ = 0;
 };
 
 TEST_P(ModelTest, EveryStateComesBackWhateverHappenedBefore) {
