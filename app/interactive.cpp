@@ -14,7 +14,8 @@ namespace tolvenar {
 namespace {
 
 constexpr int kFailed = 1;
-constexpr DWORD kThreadEndMs = 5000;
+constexpr int kThreadEndRounds = 100;
+constexpr DWORD kThreadEndRoundMs = 50;
 
 bool MakeMainWindow(Application& app) {
     return RegisterMainWindowClass(app.instance) && RegisterOperationWindowClass(app.instance) &&
@@ -52,12 +53,17 @@ bool LoadStorage(Application& app) {
     return true;
 }
 
-// The heap goes next, and the thread must not be on it then.
+// The heap goes next, and the thread must not be on it then. A thread that has just been started
+// has no window yet, so the request is repeated.
 void EndOperationThread(const Application& app, HANDLE thread) {
-    if (app.operation_window != nullptr) {
-        ::PostMessageW(app.operation_window, WM_CLOSE, 0, 0);
+    for (int round = 0; round < kThreadEndRounds; ++round) {
+        if (app.operation_window != nullptr) {
+            ::PostMessageW(app.operation_window, WM_CLOSE, 0, 0);
+        }
+        if (WaitForThread(thread, kThreadEndRoundMs)) {
+            return;
+        }
     }
-    WaitForThread(thread, kThreadEndMs);
 }
 
 void RunMessageLoop(const Application& app, HACCEL accelerators) {
@@ -77,9 +83,11 @@ void RunMessageLoop(const Application& app, HACCEL accelerators) {
 }  // namespace
 
 int RunInteractive(Application& app, bool with_main_window) {
-    app.installationMissing = InstallationIsMissing();
-    if (with_main_window && !MakeMainWindow(app)) {
-        return kFailed;
+    if (with_main_window) {
+        app.installationMissing = InstallationIsMissing();
+        if (!MakeMainWindow(app)) {
+            return kFailed;
+        }
     }
     const HACCEL accelerators =
         ::LoadAcceleratorsW(app.instance, MAKEINTRESOURCEW(IDR_ACCELERATORS));

@@ -39,8 +39,12 @@ bool PowerStatus::Read(SYSTEM_POWER_STATUS_EX& status) {
     if (function_ == nullptr) {
         return false;
     }
-    status = {};
-    return function_(&status, TRUE) != FALSE;
+    SYSTEM_POWER_STATUS_EX read{};
+    if (!function_(&read, TRUE)) {
+        return false;
+    }
+    status = read;
+    return true;
 }
 
 void PowerStatus::Unload() {
@@ -69,15 +73,18 @@ BatteryCheckResult CheckBatteryForBackup(PowerStatus& power) {
     if (!power.Read(status)) {
         return BatteryCheckResult::kUnreadable;
     }
-    if (status.ACLineStatus != kOnMains) {
-        for (int i = 0; i < kRereads && status.BatteryFlag == kUnknownBattery; ++i) {
-            ::Sleep(kRereadDelayMs);
-            power.Read(status);
-        }
+    if (status.ACLineStatus == kOnMains) {
+        power.Unload();
+        return BatteryCheckResult::kNoBackup;
+    }
+    // Mains power that comes back during the wait is not looked for; a read that fails leaves the
+    // status unknown.
+    for (int i = 0; i < kRereads && status.BatteryFlag == kUnknownBattery; ++i) {
+        ::Sleep(kRereadDelayMs);
+        power.Read(status);
     }
     power.Unload();
-    const bool is_low = status.ACLineStatus != kOnMains && IsLowEnough(status);
-    return is_low ? BatteryCheckResult::kLow : BatteryCheckResult::kNoBackup;
+    return IsLowEnough(status) ? BatteryCheckResult::kLow : BatteryCheckResult::kNoBackup;
 }
 
 }  // namespace tolvenar

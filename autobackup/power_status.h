@@ -14,7 +14,8 @@ enum class BatteryCheckResult {
 // The platform's power-status function, looked up by name and kept until it is unloaded.
 class PowerStatus {
 public:
-    // Reads the status afresh from the battery driver. False when the device cannot tell.
+    // Reads the status afresh from the battery driver. False when the device cannot tell;
+    // `status` is left alone then.
     bool Read(SYSTEM_POWER_STATUS_EX& status);
     void Unload();
     // Whether the device has the function at all. Gives its library back, yet leaves the kept

@@ -154,6 +154,12 @@ TEST_F(PowerStatusTest, AnUnknownBatteryIsReadAgainFiveTimesAndCountsAsHigh) {
     EXPECT_EQ(6u, Reads());
 }
 
+TEST_F(PowerStatusTest, AReadAgainThatFailsLeavesTheBatteryUnknown) {
+    Battery(0, 255, 12);
+    device().Fault("GetSystemPowerStatusEx", 2, 1, ERROR_GEN_FAILURE);
+    EXPECT_EQ(6u, Reads());
+}
+
 TEST_F(PowerStatusTest, AKnownBatteryIsReadOnce) { EXPECT_EQ(1u, Reads()); }
 
 TEST_F(PowerStatusTest, OnMainsAnUnknownBatteryIsNotReadAgain) {

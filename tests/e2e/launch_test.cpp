@@ -1,0 +1,265 @@
+// What a start of the program does for each command line, and with which exit code it ends.
+#include "tests/e2e/launch_fixture.h"
+
+namespace {
+
+using tests::kJournalFile;
+using tests::kStorageFile;
+using tests::Program;
+
+constexpr int kOk = 1;
+constexpr int kCancel = 2;
+
+class LaunchTest : public tests::LaunchFixture {
+protected:
+    void SetUp() override {
+        LaunchFixture::SetUp();
+        SetOption("onTime", 1);
+        SetDailyTime(9, 30);
+        device().PutFile(L"\\My Documents\\a.txt", "hello");
+    }
+    // The launch ends with 0 and has shown nothing.
+    void ExpectDropped(const std::string& arguments) {
+        Ask("counters clear");
+        EXPECT_EQ(0, Run(arguments)) << arguments;
+        EXPECT_EQ(0, Calls("DialogBoxIndirectParamW")) << arguments;
+        EXPECT_EQ(0, Calls("CreateDialogIndirectParamW")) << arguments;
+        EXPECT_EQ(Numbers(), States()) << arguments;
+    }
+    // The prompt names `reason`; `button` ends it and the launch goes on to its end with 0.
+    void ExpectPrompt(const std::string& arguments, const std::string& reason, int button) {
+        Program program = Launch(arguments);
+        ASSERT_TRUE(PromptAppears()) << arguments;
+        EXPECT_EQ("Reason: " + reason, ControlText(tests::kPromptReason)) << arguments;
+        Press(button);
+        EXPECT_EQ(0, program.ExitCode()) << arguments;
+    }
+    // The launch comes up with the main dialog, which is closed again.
+    void ExpectInteractive(const std::string& arguments) {
+        Program program = Launch(arguments);
+        EXPECT_TRUE(MainDialogAppears(program.pid())) << arguments;
+        CloseMainDialog();
+        EXPECT_EQ(0, program.ExitCode()) << arguments;
+    }
+    // The launch ends with `exit` and without a message while a platform call fails.
+    void ExpectEnd(int exit, const std::string& arguments, const std::string& fault) {
+        Ask("counters clear");
+        Ask("fault " + fault);
+        Program program = Launch(arguments);
+        EXPECT_EQ(exit, program.ExitCode()) << fault;
+        EXPECT_EQ(0, Calls("MessageBoxW")) << fault;
+        EXPECT_EQ("[]", device().Faults()) << fault;
+        Ask("faults clear");
+    }
+    void MakeStorage() { ASSERT_EQ(0, BackUp()); }
+};
+
+TEST_F(LaunchTest, NoCommandLineIsInteractive) {
+    ExpectInteractive("");
+    EXPECT_EQ(Numbers(), States());
+}
+
+TEST_F(LaunchTest, AChangedClockOrZoneOnlyMovesTheDailyNotificationOn) {
+    BackUp();  // registers the notifications
+    for (const char* argument : {"TolvenarRunAfterTimeChange", "TolvenarRunAfterTzChange"}) {
+        device().Set("clock", "2026-11-18T10:00:00");
+        EXPECT_EQ(0, Run(argument)) << argument;
+        EXPECT_EQ((Texts{"TolvenarRunAfterTimeChange", "TolvenarRunAtTime 2026-11-19T09:30:00"}),
+                  Notifications())
+            << argument;
+        device().Set("clock", "2026-11-16T09:00:00");
+    }
+    EXPECT_EQ(Numbers{1}, States());
+}
+
+TEST_F(LaunchTest, TheDailyTimeBacksUpAndNamesItself) {
+    ExpectPrompt("TolvenarRunAtTime", "Schedule", kOk);
+    EXPECT_EQ(Numbers{1}, States());
+    EXPECT_TRUE(HasState("AutoBackup: Time"));
+}
+
+TEST_F(LaunchTest, ACancelledPromptLeavesWithoutABackup) {
+    ExpectPrompt("TolvenarRunAtTime", "Schedule", kCancel);
+    EXPECT_EQ(Numbers(), States());
+}
+
+TEST_F(LaunchTest, ADailyTimeOfAnotherHourIsDropped) {
+    SetDailyTime(8, 30);
+    device().Set("clock", "2026-11-16T09:05:00");
+    ExpectDropped("TolvenarRunAtTime");
+}
+
+TEST_F(LaunchTest, TheDailyTimeIsABatteryCheckWhileTheDailyBackupIsOff) {
+    SetOption("onTime", 0);
+    SetBattery(20);
+    ExpectPrompt("TolvenarRunAtTime", "Battery Low", kCancel);
+    SetBattery(80);
+    ExpectDropped("TolvenarRunAtTime");
+}
+
+TEST_F(LaunchTest, ALowBatteryBacksUpAndNamesItself) {
+    SetBattery(12);
+    ExpectPrompt("TolvenarRunAtAcPowerOff", "Battery Low", kOk);
+    EXPECT_EQ(Numbers{1}, States());
+    EXPECT_TRUE(HasState("AutoBackup: Battery Low"));
+}
+
+TEST_F(LaunchTest, TheBatteryIsLowFromSixToTwentyNinePerCent) {
+    for (const int percent : {6, 29}) {
+        SetBattery(percent);
+        ExpectPrompt("TolvenarRunAfterWakeup", "Battery Low", kCancel);
+    }
+    for (const int percent : {5, 30}) {
+        SetBattery(percent);
+        ExpectDropped("TolvenarRunAfterWakeup");
+    }
+}
+
+TEST_F(LaunchTest, OnMainsOrHighOrUnreadableTheBatteryIsNoReason) {
+    SetBattery(12, 1);
+    ExpectDropped("TolvenarRunAtAcPowerOff");
+    SetBattery(12);
+    device().Set("power.ac", "1");
+    ExpectDropped("TolvenarRunAtAcPowerOff");
+    SetBattery(12);
+    device().Set("power.present", "0");
+    ExpectDropped("TolvenarRunAtAcPowerOff");
+}
+
+TEST_F(LaunchTest, AnUnknownBatteryIsReadAgainFiveTimes) {
+    SetBattery(12, 255);
+    device().Set("sleep.scale", "100");
+    ExpectDropped("TolvenarRunAtAcPowerOff");
+    EXPECT_EQ(6, Calls("GetSystemPowerStatusEx"));
+}
+
+TEST_F(LaunchTest, OneOfTwoScheduledLaunchesWorks) {
+    Program first = Launch("TolvenarRunAtTime");
+    ASSERT_TRUE(PromptAppears());
+    SetBattery(12);
+    EXPECT_EQ(0, Run("TolvenarRunAtTime"));
+    EXPECT_EQ(0, Run("TolvenarRunAtAcPowerOff"));
+    EXPECT_EQ(1u, WindowsOf("Dialog", "Autobackup").size());
+    Press(kOk);
+    EXPECT_EQ(0, first.ExitCode());
+    EXPECT_EQ(Numbers{1}, States());
+}
+
+TEST_F(LaunchTest, OtherLaunchesDoNotAskForTheMutex) {
+    Program scheduled = Launch("TolvenarRunAtTime");
+    ASSERT_TRUE(PromptAppears());
+    EXPECT_EQ(0, BackUp());
+    EXPECT_EQ(Numbers{1}, States());
+    EXPECT_TRUE(scheduled.Runs());
+}
+
+TEST_F(LaunchTest, AnotherProgramsBackupNeedsNoPrompt) {
+    Ask("counters clear");
+    EXPECT_EQ(0, BackUp());
+    EXPECT_EQ(0, Calls("SetTimer"));
+    EXPECT_TRUE(HasState("AutoBackup: External"));
+}
+
+TEST_F(LaunchTest, AnythingElseIsInteractive) {
+    for (const char* text : {"tolvenarrunattime", "TolvenarRunAtTime ", "\"TolvenarRunAtTime\"",
+                             "autobackup: external", "AutoBackup: External now"}) {
+        ExpectInteractive(text);
+    }
+    EXPECT_EQ(Numbers(), States());
+}
+
+TEST_F(LaunchTest, ATextThatIsTooLongIsInteractive) {
+    ExpectInteractive("AutoBackup: External" + std::string(400, 'x'));
+}
+
+TEST_F(LaunchTest, WithoutAChosenStorageABackupTurnsInteractive) {
+    RemoveOption("StorageFile");
+    for (const char* text : {"AutoBackup: External", "TolvenarRunAtTime"}) {
+        device().Set("sleep.scale", "100");
+        ExpectInteractive(text);
+    }
+}
+
+TEST_F(LaunchTest, WithoutAChosenStorageARestoreEndsQuietly) {
+    RemoveOption("StorageFile");
+    Ask("counters clear");
+    EXPECT_EQ(1, RestoreLast());
+    EXPECT_EQ(0, Calls("MessageBoxW"));
+}
+
+TEST_F(LaunchTest, AHeapThatCannotBeMadeEndsWithNothingDone) {
+    ExpectEnd(0, "AutoBackup: External", "HeapCreate 1 8");
+    ExpectEnd(0, "", "HeapCreate 1 8");
+    EXPECT_EQ(Numbers(), States());
+}
+
+TEST_F(LaunchTest, AWindowOrThreadThatCannotBeMadeEndsTheStart) {
+    for (const char* fault : {"RegisterClassW 1 8", "RegisterClassW 2 8", "CreateWindowExW 1 8",
+                              "CreateThread 1 8", "CreateDialogIndirectParamW 1 8"}) {
+        ExpectEnd(1, "", fault);
+    }
+}
+
+TEST_F(LaunchTest, AnUnreadableJournalEndsEveryStart) {
+    MakeStorage();
+    const std::string storage = device().FileBytes(kStorageFile);
+    const auto lock = device().Lock(kJournalFile);
+    for (const char* text : {"", "AutoBackup: External", "AutoRestore: Last State"}) {
+        Ask("counters clear");
+        Program program = Launch(text);
+        EXPECT_EQ(1, program.ExitCode()) << text;
+        EXPECT_EQ(0, Calls("MessageBoxW")) << text;
+    }
+    EXPECT_EQ(storage, device().FileBytes(kStorageFile));
+}
+
+TEST_F(LaunchTest, AStorageThatCannotBeCreatedEndsTheBackup) {
+    Ask("fault CreateFileW 2 1 5 Backup.sav");
+    EXPECT_EQ(1, BackUp());
+    EXPECT_EQ("[]", device().Faults());
+}
+
+TEST_F(LaunchTest, AStorageOfAnotherDeviceIsToldAndNotOpened) {
+    MakeStorage();
+    device().Set("processor", "10005");
+    Program program = Launch("");
+    EXPECT_TRUE(AnswerMessage("Storage file is not compatible with your device."));
+    EXPECT_TRUE(MainDialogAppears());
+    EXPECT_FALSE(WindowsOf("SysTabControl32").empty());
+    EXPECT_EQ(3, WindowsOf("SysTabControl32").at(0)["selected"]);  // a storage is to be chosen
+    CloseMainDialog();
+    EXPECT_EQ(0, program.ExitCode());
+}
+
+TEST_F(LaunchTest, AStorageOfAnOlderRevisionIsToldAndNotOpened) {
+    constexpr std::size_t kFormatRevision = 216;
+    MakeStorage();
+    std::string storage = device().FileBytes(kStorageFile);
+    storage[kFormatRevision] = 3;
+    device().PutFile(kStorageFile, storage);
+    Program program = Launch("");
+    EXPECT_TRUE(
+        AnswerMessage("This Storage File is not compatible with the Tolvenar version,\nplease use "
+                      "earlier Tolvenar version."));
+    EXPECT_TRUE(MainDialogAppears());
+    CloseMainDialog();
+    EXPECT_EQ(0, program.ExitCode());
+}
+
+TEST_F(LaunchTest, AnyOtherStorageThatCannotBeOpenedIsNoMessage) {
+    MakeStorage();
+    const auto lock = device().Lock(kStorageFile);
+    Ask("counters clear");
+    ExpectInteractive("");
+    EXPECT_EQ(0, Calls("MessageBoxW"));
+    EXPECT_EQ(Numbers{1}, States());
+}
+
+TEST_F(LaunchTest, ClosingArmsTheNotificationsAndStartsTheAgent) {
+    ExpectInteractive("");
+    EXPECT_EQ((Texts{"TolvenarRunAfterTimeChange", "TolvenarRunAtTime 2026-11-16T09:30:00"}),
+              Notifications());
+    EXPECT_EQ(Texts{"kestrin_tolvenar_agent.exe"}, Running());
+}
+
+}  // namespace

@@ -1,0 +1,107 @@
+// A launch beside a copy of the program that runs already.
+#include "tests/e2e/launch_fixture.h"
+
+namespace {
+
+using tests::Program;
+
+const std::string kBackUp = "AutoBackup: External";
+
+class RunningCopyTest : public tests::LaunchFixture {
+protected:
+    // A window of a program that neither closes nor tells anything but `answer`.
+    void Stub(const std::string& window_class, int answer) {
+        Ask("window stub " + window_class + " Stub " + std::to_string(answer));
+    }
+    // The copy's main dialog is up and its operation window answers.
+    bool IsUp(const Program& copy) {
+        return MainDialogAppears(copy.pid()) && Eventually([&] {
+                   return !WindowsOf("TolvenarOperationClass", "", copy.pid()).empty();
+               });
+    }
+};
+
+TEST_F(RunningCopyTest, ASecondStartBringsTheFirstForward) {
+    Program first = Launch("");
+    ASSERT_TRUE(IsUp(first));
+    for (const char* text : {"", "AutoRestore: Last State", "some text"}) {
+        Program second = Launch(text);
+        EXPECT_EQ(1, second.ExitCode()) << text;
+        EXPECT_TRUE(first.Runs()) << text;
+        EXPECT_EQ(1u, WindowsOf("Dialog", "Tolvenar").size()) << text;
+        EXPECT_EQ(true, WindowsOf("Dialog", "Tolvenar").at(0)["active"]) << text;
+    }
+}
+
+TEST_F(RunningCopyTest, ABackupTakesOverAnIdleCopy) {
+    Program first = Launch("");
+    ASSERT_TRUE(IsUp(first));
+    Program second = Launch(kBackUp);
+    EXPECT_EQ(0, second.ExitCode());
+    EXPECT_EQ(0, first.ExitCode());
+    EXPECT_EQ(Numbers{1}, States());
+    EXPECT_TRUE(HasState(kBackUp));
+}
+
+TEST_F(RunningCopyTest, AScheduledBackupTakesOverAnIdleCopy) {
+    SetOption("onTime", 1);
+    SetDailyTime(9, 30);
+    device().Set("sleep.scale", "50");
+    Program first = Launch("");
+    ASSERT_TRUE(IsUp(first));
+    Program second = Launch("TolvenarRunAtTime");
+    EXPECT_EQ(0, second.ExitCode());
+    EXPECT_EQ(0, first.ExitCode());
+    EXPECT_TRUE(HasState("AutoBackup: Time"));
+}
+
+TEST_F(RunningCopyTest, ABusyCopyStaysAndNoSecondOperationStarts) {
+    Stub("TolvenarOperationClass", 1);
+    Ask("counters clear");
+    Program second = Launch(kBackUp);
+    EXPECT_EQ(1, second.ExitCode());
+    EXPECT_EQ(Numbers(), States());
+    EXPECT_EQ(0, Calls("PostMessageW"));
+    EXPECT_EQ(1, Calls("SetForegroundWindow"));
+}
+
+TEST_F(RunningCopyTest, ACopyThatDoesNotCloseInTwoSecondsLeavesADialogOnly) {
+    Stub("TolvenarOperationClass", 0);
+    Stub("TolvenarClass", 0);
+    Ask("counters clear");
+    Program second = Launch(kBackUp);
+    ASSERT_TRUE(MainDialogAppears(second.pid()));
+    EXPECT_EQ(1 + 1 + 10, Calls("FindWindowW"));
+    EXPECT_EQ(10, Calls("Sleep"));
+    EXPECT_EQ(0, Calls("RegisterClassW"));
+    EXPECT_TRUE(WindowsOf("TolvenarClass", "", second.pid()).empty());
+    EXPECT_TRUE(WindowsOf("TolvenarOperationClass", "", second.pid()).empty());
+    EXPECT_EQ(Numbers(), States());
+    CloseMainDialog();
+    EXPECT_EQ(0, second.ExitCode());
+}
+
+// The first copy's main window is there before its operation window, by which it would be found.
+TEST_F(RunningCopyTest, ACopyThatStillLoadsIsWaitedFor) {
+    Stub("TolvenarClass", 0);
+    Program second = Launch("");
+    ASSERT_TRUE(MainDialogAppears(second.pid()));
+    EXPECT_TRUE(WindowsOf("TolvenarClass", "", second.pid()).empty());
+    CloseMainDialog();
+    EXPECT_EQ(0, second.ExitCode());
+}
+
+TEST_F(RunningCopyTest, AnUnattendedCopyIsNotSeenAndItsStorageFoundHeld) {
+    device().PutFile(L"\\My Documents\\a.txt", "hello");
+    ASSERT_EQ(0, BackUp());
+    device().PutFile(L"\\My Documents\\b.txt", "more");
+    Ask("counters clear");
+    Ask("delay WriteFile 1 4000");
+    Program first = Launch(kBackUp);
+    ASSERT_TRUE(Eventually([&] { return Calls("WriteFile") > 0; }));
+    EXPECT_EQ(1, BackUp());
+    EXPECT_EQ(0, first.ExitCode());
+    EXPECT_EQ((Numbers{1, 2}), States());
+}
+
+}  // namespace
