@@ -231,11 +231,11 @@ TEST_F(LaunchTest, AStorageOfAnotherDeviceIsToldAndNotOpened) {
     EXPECT_EQ(0, program.ExitCode());
 }
 
-TEST_F(LaunchTest, AStorageOfAnOlderRevisionIsToldAndNotOpened) {
+TEST_F(LaunchTest, AStorageOfRevisionZeroIsToldAndNotOpened) {
     constexpr std::size_t kFormatRevision = 216;
     MakeStorage();
     std::string storage = device().FileBytes(kStorageFile);
-    storage[kFormatRevision] = 3;
+    storage[kFormatRevision] = 0;
     device().PutFile(kStorageFile, storage);
     Program program = Launch("");
     EXPECT_TRUE(

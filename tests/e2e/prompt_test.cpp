@@ -79,7 +79,7 @@ TEST_F(PromptTest, ClosingIsNoRefusal) {
 }
 
 TEST_F(PromptTest, WithoutATimerTheBackupGoesOnAtOnce) {
-    device().Fault("SetTimer", 1, 1, ERROR_NOT_ENOUGH_MEMORY, "41016");
+    device().Fault("SetTimer", 1, 1, 8, "41016");
     Program program = Launch("TolvenarRunAtTime");
     EXPECT_EQ(0, program.ExitCode());
     EXPECT_EQ("[]", device().Faults());
