@@ -1,0 +1,181 @@
+// A device that is left alone: its notifications start the agent, the agent the program, the
+// program backs up and arms the next day's notification.
+#include <cstdio>
+
+#include "tests/e2e/launch_fixture.h"
+
+namespace {
+
+using tests::Program;
+
+class MonthTest : public tests::LaunchFixture {
+protected:
+    void SetUp() override {
+        LaunchFixture::SetUp();
+        device().Set("zone", "CET-1CEST,M3.5.0/2,M10.5.0/3");
+        device().Set("sleep.scale", "50");
+    }
+    // Registers the notifications of these settings; the device then rests.
+    void Arm(const std::string& time, unsigned on_time, unsigned on_battery) {
+        device().Set("clock", time);
+        SetOption("onTime", on_time);
+        SetOption("onBattery", on_battery);
+        SetDailyTime(21, 30);
+        ASSERT_EQ(0, BackUp());
+    }
+    void Change() { device().PutFile(L"\\My Documents\\a.txt", std::string(++changes_, 'x')); }
+    // All that was started has ended, but for the agent, which stays and does nothing.
+    bool Rests() {
+        return Eventually(
+            [&] { return !IsRunning("Tolvenar.exe") && !IsRunning("CloseOther.exe"); });
+    }
+    bool Reaches(const Numbers& states) {
+        return Eventually([&] { return States() == states; }) && Rests();
+    }
+    std::string Daily() {
+        const std::string name = "TolvenarRunAtTime ";
+        for (const std::string& text : Notifications()) {
+            if (text.compare(0, name.size(), name) == 0) {
+                return text.substr(name.size());
+            }
+        }
+        return "";
+    }
+
+    std::size_t changes_ = 0;
+};
+
+TEST_F(MonthTest, TheDailyTimeBacksUpEveryDayOfAMonth) {
+    Arm("2027-03-05T12:00:00", 1, 0);  // the clock goes forward on the 28th
+    Numbers states = {1};
+    for (int day = 5; day <= 33; day += 4) {
+        char date[16];
+        char next[16];
+        std::snprintf(date, sizeof date, "2027-%02d-%02d", day > 31 ? 4 : 3,
+                      day > 31 ? day - 31 : day);
+        const int following = day + 1;
+        std::snprintf(next, sizeof next, "2027-%02d-%02d", following > 31 ? 4 : 3,
+                      following > 31 ? following - 31 : following);
+        Change();
+        const bool is_late = day == 17;  // the device was off at the time
+        Ask(std::string("tick ") + date + (is_late ? "T23:10:00" : "T21:30:00"));
+        if (!is_late) {
+            states.push_back(static_cast<int>(states.size()) + 1);
+        }
+        ASSERT_TRUE(Reaches(states)) << date;
+        ASSERT_TRUE(Eventually([&] { return Daily() == std::string(next) + "T21:30:00"; }))
+            << date << " " << Daily();
+        ASSERT_TRUE(Rests()) << date;
+    }
+    EXPECT_TRUE(HasState("AutoBackup: Time"));
+
+    // Other programs ask in between; the schedule stands afterwards.
+    const std::string armed = Daily();
+    Change();
+    EXPECT_EQ(0, BackUp());
+    const std::string content = device().FileBytes(L"\\My Documents\\a.txt");
+    device().Remove(L"\\My Documents\\a.txt");
+    EXPECT_EQ(0, RestoreLast());
+    EXPECT_EQ(content, device().FileBytes(L"\\My Documents\\a.txt"));
+    EXPECT_EQ(armed, Daily());
+}
+
+TEST_F(MonthTest, ALowBatteryBacksUpWhenPowerGoesOrTheDeviceWakes) {
+    Arm("2027-03-05T12:00:00", 0, 1);
+    SetBattery(20);
+    Change();
+    Ask("fire TolvenarRunAtAcPowerOff");
+    EXPECT_TRUE(Reaches({1, 2}));
+    Change();
+    Ask("fire TolvenarRunAfterWakeup");
+    EXPECT_TRUE(Reaches({1, 2, 3}));
+    EXPECT_TRUE(HasState("AutoBackup: Battery Low"));
+    EXPECT_EQ(4u, Notifications().size());
+}
+
+TEST_F(MonthTest, AChangedClockMovesTheDailyTimeOn) {
+    Arm("2027-03-05T12:00:00", 1, 0);
+    device().Set("clock", "2027-03-20T12:00:00");
+    Ask("fire TolvenarRunAfterTimeChange");
+    EXPECT_TRUE(Eventually([&] { return Daily() == "2027-03-20T21:30:00"; })) << Daily();
+    EXPECT_TRUE(Rests());
+    EXPECT_EQ(Numbers{1}, States());
+}
+
+TEST_F(MonthTest, NothingRunsWhileNoNotificationIsDue) {
+    Arm("2027-03-05T12:00:00", 1, 1);
+    ASSERT_TRUE(Rests());
+    Ask("counters clear");
+    EXPECT_EQ(nlohmann::json::array(), Ask("tick 2027-03-05T21:29:00"));
+    Pause(300);
+    EXPECT_EQ(Texts(), Running());
+    for (const char* call : {"CreateProcessW", "GetMessageW", "Sleep", "FindWindowW"}) {
+        EXPECT_EQ(0, Calls(call)) << call;
+    }
+}
+
+TEST_F(MonthTest, AnAgentThatStaysDoesNothing) {
+    Ask("start " + tests::kAgentPath);
+    ASSERT_TRUE(Eventually([&] { return !WindowsOf("TolvenarAgentClass").empty(); }));
+    Ask("counters clear");
+    Pause(300);
+    EXPECT_EQ(0, Calls("SetTimer"));
+    EXPECT_EQ(0, Calls("Sleep"));
+    EXPECT_EQ(0, Calls("GetMessageW"));
+}
+
+// The saved schedule lives in the process alone.
+TEST_F(MonthTest, AProgramThatDiesInABackupLeavesTheScheduleOff) {
+    Arm("2027-03-05T12:00:00", 1, 1);
+    Change();
+    Ask("crash WriteFile 1");
+    EXPECT_EQ(205, BackUp());
+    for (const char* name : {"onTime", "onBattery", "WakeUpTime"}) {
+        EXPECT_EQ(0u, Option(name)) << name;
+    }
+    EXPECT_EQ(Texts(), Notifications());
+}
+
+TEST_F(MonthTest, AFailedBackupPutsTheScheduleBack) {
+    Arm("2027-03-05T12:00:00", 1, 1);
+    RemoveOption("onBattery");
+    Change();
+    device().Fault("WriteFile", 1, 100000, 5);
+    EXPECT_EQ(0, BackUp());
+    EXPECT_EQ("[]", device().Faults());
+    EXPECT_EQ(1u, Option("onTime"));
+    EXPECT_EQ(0u, Option("onBattery"));  // absent before
+    EXPECT_EQ(30u << 16 | 21, Option("WakeUpTime"));
+    EXPECT_EQ("2027-03-05T21:30:00", Daily());
+}
+
+TEST_F(MonthTest, AScheduleThatCannotBeTakenOffStopsTheBackupAndIsPutBack) {
+    Arm("2027-03-05T12:00:00", 1, 1);
+    Change();
+    device().Fault("CeClearUserNotification", 1, 1, 5);
+    EXPECT_EQ(0, BackUp());
+    EXPECT_EQ("[]", device().Faults());
+    EXPECT_EQ(Numbers{1}, States());
+    EXPECT_EQ(1u, Option("onTime"));
+    EXPECT_EQ(4u, Notifications().size());
+}
+
+TEST_F(MonthTest, ARestoreThatFailsPutsTheScheduleBack) {
+    Arm("2027-03-05T12:00:00", 1, 1);
+    device().Fault("CreateFileForMappingW", 1, 100000, 5);
+    device().PutFile(L"\\My Documents\\New.txt", "new");
+    Program program = Launch("AutoRestore: Last State");
+    Eventually([&] {
+        if (program.Runs() && !WindowsOf("#32770").empty()) {
+            Press(1);
+        }
+        return !program.Runs();
+    });
+    EXPECT_EQ(0, program.ExitCode());
+    EXPECT_EQ("[]", device().Faults());
+    EXPECT_EQ(1u, Option("onTime"));
+    EXPECT_EQ(1u, Option("onBattery"));
+    EXPECT_EQ(4u, Notifications().size());
+}
+
+}  // namespace
