@@ -57,7 +57,9 @@ private:
         ::SetDlgItemTextW(dialog, IDC_REMINDER_TEXT, TextOf(kind_));
         // A restore overwrites the device: Enter must not start one by accident.
         const int first = kind_ == Confirmation::kRestore ? IDCANCEL : IDOK;
-        ::SetFocus(::GetDlgItem(dialog, first));
+        // The dialog manager's way: a focus that is merely set leaves OK to be what Enter presses.
+        ::SendMessageW(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(::GetDlgItem(dialog, first)),
+                       TRUE);
         ::ShowWindow(dialog, SW_SHOW);
         ::UpdateWindow(dialog);
         return FALSE;

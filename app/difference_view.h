@@ -2,22 +2,28 @@
 #pragma once
 
 #include "app/application.h"
+#include "difftree/tree_window.h"
 
 namespace tolvenar {
 
 class DifferenceView {
 public:
-    // Takes the place of `place_holder`, a control of the page.
-    void Create(HWND place_holder) { place_holder_ = place_holder; }
+    // Makes the tree in the place of `place_holder`, a control of the page. Without a tree the page
+    // goes on as it is.
+    void Create(HINSTANCE instance, HWND place_holder);
+    // Before the page goes: the tree's window class goes after its windows.
+    void Destroy() { tree_.DestroyTreeWindowClass(); }
     // Shows what the application's difference list holds.
-    void Build(Application&) {}
-    // Nothing is shown.
-    void Clear() {}
+    void Build(Application& app);
+    void Clear() { tree_.Clear(); }
     // Follows the place holder, which was moved, shown or hidden.
-    void OnLayout() {}
+    void OnLayout(bool is_shown);
 
 private:
+    RECT Place() const;
+
     HWND place_holder_ = nullptr;
+    TreeWindow tree_;
 };
 
 }  // namespace tolvenar

@@ -22,7 +22,7 @@ bool HasDifferences(const Application& app) {
 
 void RestorePage::OnInit() {
     states_.Attach(Control(IDC_STATES));
-    tree_.Create(Control(IDC_TREE_PLACE));
+    tree_.Create(app_.instance, Control(IDC_TREE_PLACE));
     if (ListsAreFree(app_)) {
         FillStates(false);
     }
@@ -30,6 +30,7 @@ void RestorePage::OnInit() {
 
 INT_PTR RestorePage::OnDestroy() {
     states_.Clear();
+    tree_.Destroy();
     return FALSE;
 }
 
@@ -66,7 +67,7 @@ void RestorePage::OnShow(int index) {
 
 void RestorePage::OnLayout() {
     LayOutRestorePage(window(), CurrentForm());
-    tree_.OnLayout();
+    tree_.OnLayout(CurrentForm() != Form::kRestore);
 }
 
 // Another storage: nothing that was found out about the old one holds.

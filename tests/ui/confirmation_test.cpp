@@ -1,0 +1,210 @@
+// The step between a wish and its operation.
+#include "platform/win32.h"
+
+#include "tests/ui/ui_test.h"
+
+namespace {
+
+constexpr UINT kConfirmedBackup = WM_APP + 124;
+constexpr UINT kConfirmedRestore = WM_APP + 128;
+
+class ConfirmationTest : public tests::UiTest {
+protected:
+    void SetUp() override {
+        UiTest::SetUp();
+        device().PutFile(L"\\My Documents\\a.txt", "hello");
+        BackUp();
+        device().PutFile(L"\\My Documents\\a.txt", "changed");
+    }
+    bool StatesBecome(const std::vector<int>& states) {
+        return Eventually([&] { return States() == states && !IsBusy(); });
+    }
+    // The answers that reached the operation window: message, wParam, lParam.
+    std::vector<std::string> Answers() {
+        std::vector<std::string> answers;
+        for (const auto& line : Ask("trace show PostMessageW")) {
+            const std::string arguments = line["arguments"];
+            for (const char* message : {"32890", "32892", "32896"}) {  // WM_APP + 122, 124, 128
+                const std::size_t at = arguments.find(std::string(", ") + message + ", ");
+                if (at != std::string::npos) {
+                    answers.push_back(arguments.substr(at + 2));
+                }
+            }
+        }
+        return answers;
+    }
+    using Texts = std::vector<std::string>;
+};
+
+TEST_F(ConfirmationTest, ABackupAsksFirst) {
+    Open();
+    Press(1001);
+    ASSERT_TRUE(Eventually([&] { return Shows("Reminder"); }));
+    EXPECT_EQ(tests::kBackupReminder, Text(1032));
+    EXPECT_TRUE(Sees(1030));
+    EXPECT_EQ("&Do not show this reminder again", Text(1030));
+    EXPECT_TRUE(Control(1)->at("focused"));
+    EXPECT_FALSE(Top("Tolvenar")->at("enabled"));
+    Press(tests::kOk);
+    EXPECT_TRUE(StatesBecome({1, 2}));
+    EXPECT_EQ(Texts{"32892, 1, 0"}, Answers());
+}
+
+TEST_F(ConfirmationTest, ARefusedBackupRunsNothing) {
+    Open();
+    Press(1001);
+    ExpectReminder(tests::kBackupReminder, tests::kCancel);
+    EXPECT_EQ(Texts{"32892, 0, 0"}, Answers());
+    Pause(300);
+    EXPECT_EQ(std::vector<int>{1}, States());
+    EXPECT_TRUE(Top("Tolvenar")->at("enabled"));
+}
+
+TEST_F(ConfirmationTest, ARestoreAsksFirstAndItsCancelHasTheFocus) {
+    Open();
+    ShowTab("Restore");
+    Press(1002);
+    ASSERT_TRUE(Eventually([&] { return Shows("Reminder"); }));
+    EXPECT_EQ(tests::kRestoreReminder, Text(1032));
+    EXPECT_TRUE(Control(2)->at("focused"));
+    Keys("enter");
+    EXPECT_TRUE(Eventually([&] { return !Shows("Reminder"); }));
+    EXPECT_EQ(Texts{"32896, 0, 1002"}, Answers());
+    EXPECT_EQ("changed", device().FileBytes(L"\\My Documents\\a.txt"));
+}
+
+TEST_F(ConfirmationTest, AConfirmedRestoreHandsItsButtonOn) {
+    Open();
+    ShowTab("Restore");
+    RestoreInDialog();
+    ExpectReminder(tests::kRestoredReminder, tests::kCancel);
+    EXPECT_EQ("hello", device().FileBytes(L"\\My Documents\\a.txt"));
+    EXPECT_EQ((Texts{"32896, 1, 1002", "32890, 0, 0"}), Answers());
+}
+
+TEST_F(ConfirmationTest, AfterARestoreTheBoxIsHiddenAndOkEndsTheProgram) {
+    SetDword("Reminders", 14);
+    Open();
+    ShowTab("Restore");
+    RestoreInDialog();
+    ASSERT_TRUE(
+        Eventually([&] { return Shows("Reminder") && Text(1032) == tests::kRestoredReminder; }));
+    EXPECT_FALSE(Sees(1030));
+    Press(tests::kOk);
+    ExpectEnd();
+    EXPECT_EQ(14u, Dword("Reminders"));
+}
+
+TEST_F(ConfirmationTest, RefusingToEndKeepsTheProgram) {
+    Open();
+    ShowTab("Restore");
+    RestoreInDialog();
+    ExpectReminder(tests::kRestoredReminder, tests::kCancel);
+    EXPECT_TRUE(BecomesIdle());
+    EXPECT_TRUE(ProgramRuns());
+    EXPECT_EQ("Restore", SelectedTab());
+}
+
+TEST_F(ConfirmationTest, WithItsBitClearAGoodRestoreJustEndsTheProgram) {
+    SetDword("Reminders", 12);  // part of the state that is restored
+    device().PutFile(L"\\My Documents\\a.txt", "hello");
+    BackUp();
+    device().PutFile(L"\\My Documents\\a.txt", "changed");
+    Open();
+    ShowTab("Restore");
+    RestoreInDialog();
+    ExpectEnd();
+    EXPECT_EQ("hello", device().FileBytes(L"\\My Documents\\a.txt"));
+    EXPECT_EQ(12u, Dword("Reminders"));
+}
+
+TEST_F(ConfirmationTest, TheCheckBoxSwitchesTheReminderOff) {
+    Open();
+    Press(1001);
+    ASSERT_TRUE(Eventually([&] { return Shows("Reminder"); }));
+    Press(1030);
+    EXPECT_TRUE(Eventually([&] { return Control(1030)->at("check") == 1; }));
+    Press(tests::kOk);
+    EXPECT_TRUE(StatesBecome({1, 2}));
+    EXPECT_EQ(10u, Dword("Reminders"));
+
+    device().PutFile(L"\\My Documents\\b.txt", "more");
+    ShowTab("Backup");
+    Press(1001);
+    EXPECT_TRUE(StatesBecome({1, 2, 3}));
+    EXPECT_FALSE(Shows("Reminder"));
+}
+
+TEST_F(ConfirmationTest, CancelLeavesTheSettingAlone) {
+    SetDword("Reminders", 6);
+    Open();
+    Press(1001);
+    ASSERT_TRUE(Eventually([&] { return Shows("Reminder"); }));
+    Press(1030);
+    Press(tests::kCancel);
+    EXPECT_TRUE(Eventually([&] { return !Shows("Reminder"); }));
+    EXPECT_EQ(6u, Dword("Reminders"));
+}
+
+TEST_F(ConfirmationTest, AnAbsentSettingShowsAllReminders) {
+    ASSERT_FALSE(Dword("Reminders").has_value());
+    Open();
+    Press(1001);
+    ExpectReminder(tests::kBackupReminder, tests::kOk);
+    EXPECT_TRUE(StatesBecome({1, 2}));
+    EXPECT_EQ(14u, Dword("Reminders"));
+}
+
+TEST_F(ConfirmationTest, AnOddSettingShowsAllReminders) {
+    SetDword("Reminders", 0x80000000u);
+    Open();
+    Press(1001);
+    ExpectReminder(tests::kBackupReminder, tests::kOk);
+    EXPECT_TRUE(StatesBecome({1, 2}));
+    EXPECT_EQ(14u, Dword("Reminders"));
+}
+
+// The list is filled again before the answer is posted, and must still say what the user chose.
+TEST_F(ConfirmationTest, TheChosenStateIsRestoredNotTheNewest) {
+    BackUp();
+    device().PutFile(L"\\My Documents\\a.txt", "third");
+    BackUp();
+    for (const unsigned reminders : {14u, 6u}) {
+        SetDword("Reminders", reminders);
+        Open();
+        ShowTab("Restore");
+        Select(1014, "State 1");
+        Press(1002);
+        if (reminders == 14u) {
+            ExpectReminder(tests::kRestoreReminder);
+        }
+        ExpectReminder(tests::kRestoredReminder, tests::kOk);
+        ExpectEnd();
+        EXPECT_EQ("hello", device().FileBytes(L"\\My Documents\\a.txt"));
+        device().PutFile(L"\\My Documents\\a.txt", "third");
+    }
+}
+
+// A take-over closes the main window under the reminder; its loop then ends as after OK.
+TEST_F(ConfirmationTest, ATakeOverUnderTheReminderIsNoConsent) {
+    Open();
+    Press(1001);
+    ASSERT_TRUE(Eventually([&] { return Shows("Reminder"); }));
+    ::PostMessageW(::FindWindowW(L"TolvenarClass", nullptr), WM_CLOSE, 0, 0);
+    ExpectEnd();
+    EXPECT_EQ(Texts(), Answers());
+    EXPECT_EQ(std::vector<int>{1}, States());
+}
+
+TEST_F(ConfirmationTest, ARefusalThatReachesTheOperationWindowIsIgnored) {
+    Open();
+    const HWND window = ::FindWindowW(L"TolvenarOperationClass", nullptr);
+    ::PostMessageW(window, kConfirmedBackup, 0, 0);
+    ::PostMessageW(window, kConfirmedRestore, 0, 1002);
+    Pause(500);
+    EXPECT_FALSE(IsBusy());
+    EXPECT_EQ(std::vector<int>{1}, States());
+    EXPECT_EQ("changed", device().FileBytes(L"\\My Documents\\a.txt"));
+}
+
+}  // namespace

@@ -1,0 +1,290 @@
+// The main dialog: tabs, keys, help and closing.
+#include "platform/win32.h"
+
+#include "tests/ui/ui_test.h"
+
+namespace {
+
+using Texts = std::vector<std::string>;
+
+constexpr UINT kPageSelect = WM_APP + 103;
+
+class FrameTest : public tests::UiTest {
+protected:
+    void SetUp() override {
+        UiTest::SetUp();
+        BackUp();
+    }
+    bool TabBecomes(const std::string& name) {
+        return Eventually([&] { return SelectedTab() == name; });
+    }
+    void ExpectHelp(const std::string& argument) {
+        EXPECT_TRUE(Eventually([&] { return Calls("CreateProcessW", argument) == 1; })) << argument;
+        EXPECT_EQ(1u, Calls("CreateProcessW", "peghelp.exe"));
+        Ask("trace on");
+    }
+};
+
+TEST_F(FrameTest, TheTabsStandInTheirOrder) {
+    Open();
+    EXPECT_EQ((Texts{"Backup", "Restore", "Advanced Restore", "Storage file", "Options", "About"}),
+              Items(1000));
+}
+
+// An index beyond the end appends, so the order of insertion matters.
+TEST_F(FrameTest, TheTabsAreInsertedInTheirOwnOrder) {
+    Open();
+    const nlohmann::json sent = Ask("trace show SendMessageW");
+    Texts places;
+    for (const auto& line : sent) {
+        const std::string arguments = line["arguments"];
+        const std::size_t at = arguments.find(", 4926, ");  // TCM_INSERTITEMW
+        if (at != std::string::npos) {
+            places.push_back(arguments.substr(at + 8, 1));
+        }
+    }
+    EXPECT_EQ((Texts{"1", "2", "0", "3", "4", "5"}), places);
+}
+
+TEST_F(FrameTest, AnOpenStorageStartsWithTheBackupPage) {
+    Open();
+    EXPECT_EQ("Backup", SelectedTab());
+    EXPECT_TRUE(Sees(1018));
+    EXPECT_TRUE(Control(1018)->at("focused"));
+    EXPECT_TRUE(Top("Tolvenar")->at("active"));
+}
+
+TEST_F(FrameTest, WithoutAStorageTheStorageFilePageIsTheFirst) {
+    device().Remove(tests::kStorageFile);
+    Open();
+    EXPECT_EQ("Storage file", SelectedTab());
+    EXPECT_EQ(0u, BoxCount());
+    EXPECT_FALSE(device().Exists(tests::kStorageFile));  // an interactive start creates nothing
+}
+
+TEST_F(FrameTest, ControlTabGoesRoundForward) {
+    Open();
+    for (const char* name :
+         {"Restore", "Advanced Restore", "Storage file", "Options", "About", "Backup"}) {
+        Keys("ctrl+tab");
+        EXPECT_TRUE(TabBecomes(name)) << name;
+    }
+}
+
+TEST_F(FrameTest, ControlShiftTabGoesRoundBackward) {
+    Open();
+    Keys("ctrl+shift+tab");
+    EXPECT_TRUE(TabBecomes("About"));
+    Keys("ctrl+shift+tab");
+    EXPECT_TRUE(TabBecomes("Options"));
+}
+
+TEST_F(FrameTest, ASelectedTabShowsItsPageAlone) {
+    Open();
+    ShowTab("Restore");
+    EXPECT_TRUE(Sees(1014));
+    EXPECT_TRUE(Sees(1002));
+    EXPECT_FALSE(Sees(1018));
+    ShowTab("Advanced Restore");
+    EXPECT_TRUE(Sees(1014));
+    EXPECT_FALSE(Sees(1002));
+    EXPECT_TRUE(Sees(1037));
+    EXPECT_TRUE(Sees(1038));
+    ShowTab("Backup");
+    EXPECT_TRUE(Sees(1018));
+    EXPECT_FALSE(Sees(1014));
+}
+
+TEST_F(FrameTest, APostedPageIsSelected) {
+    Open();
+    ::PostMessageW(::FindWindowW(L"Dialog", L"Tolvenar"), kPageSelect, 2, 0);
+    EXPECT_TRUE(TabBecomes("Advanced Restore"));
+    EXPECT_TRUE(Eventually([&] { return Sees(1037); }));
+}
+
+TEST_F(FrameTest, EachPageHasItsHelp) {
+    Open();
+    const struct {
+        const char* tab;
+        const char* argument;
+    } kPages[] = {
+        {"Backup", "tolvenar_all.htp#tolvenar_manual_backup"},
+        {"Restore", "tolvenar_all.htp#tolvenar_normal_restore"},
+        {"Advanced Restore", "tolvenar_all.htp#tolvenar_advanced_restore"},
+        {"Storage file", "tolvenar_all.htp#tolvenar_option_storage"},
+        {"Options", "tolvenar_all.htp#tolvenar_options_content"},
+        {"About", "tolvenar.htc"},
+    };
+    for (const auto& page : kPages) {
+        ShowTab(page.tab);
+        Ask("trace on");
+        Keys("alt+h");
+        ExpectHelp(page.argument);
+    }
+}
+
+TEST_F(FrameTest, F1OpensTheContents) {
+    Open();
+    Keys("f1");
+    ExpectHelp("tolvenar.htc");
+}
+
+TEST_F(FrameTest, WithoutAnInstallationThereIsNoHelp) {
+    Ask("reg-delete HKCU\\Software\\Kestrin2\\Tolvenar onTime");
+    Open();
+    Keys("alt+h");
+    ExpectBox(tests::kWarningBox, tests::kInstallationText);
+    Keys("f1");
+    ExpectBox(tests::kWarningBox, tests::kInstallationText);
+    EXPECT_EQ(0u, Calls("CreateProcessW", "peghelp.exe"));
+}
+
+TEST_F(FrameTest, AMissingHelpViewerShowsNothing) {
+    device().Fault("CreateProcessW", 1, 1, 2, "peghelp.exe");
+    Open();
+    Keys("alt+h");
+    EXPECT_TRUE(Eventually([&] { return Calls("CreateProcessW", "peghelp.exe") == 1; }));
+    Keys("ctrl+tab");
+    EXPECT_TRUE(TabBecomes("Restore"));
+    EXPECT_EQ(0u, BoxCount());
+}
+
+class CloseTest : public FrameTest, public ::testing::WithParamInterface<const char*> {};
+
+TEST_P(CloseTest, EndsTheProgram) {
+    Open();
+    Keys(GetParam());
+    ExpectEnd();
+    EXPECT_EQ(1u, Calls("CreateProcessW", "kestrin_tolvenar_agent.exe"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Keys, CloseTest, ::testing::Values("alt+x", "ctrl+w", "ctrl+q", "alt+f4"));
+
+TEST_F(FrameTest, TheCloseBoxEndsTheProgram) {
+    Open();
+    Ask("window close");
+    ExpectEnd();
+    EXPECT_EQ(1u, Calls("CreateProcessW", "kestrin_tolvenar_agent.exe"));
+}
+
+TEST_F(FrameTest, EscapeDoesNothing) {
+    Open();
+    Keys("esc");
+    ShowTab("Restore");
+    Select(1014, "State 1");
+    Keys("esc");
+    Keys("ctrl+tab");
+    EXPECT_TRUE(TabBecomes("Advanced Restore"));
+    EXPECT_TRUE(ProgramRuns());
+}
+
+// An edit control of several lines closes its dialog on Escape.
+TEST_F(FrameTest, EscapeInTheDescriptionLeavesThePage) {
+    Open();
+    ShowTab("Restore");
+    Keys("alt+e");
+    EXPECT_TRUE(Eventually([&] { return Control(1016)->at("focused") == true; }));
+    Keys("esc");
+    Keys("ctrl+shift+tab");
+    EXPECT_TRUE(TabBecomes("Backup"));
+    ShowTab("Restore");
+    EXPECT_TRUE(Eventually([&] { return Sees(1016); }));
+}
+
+TEST_F(FrameTest, TabGoesThroughThePageAndTheTabs) {
+    Open();
+    const int order[] = {1001, 1000, 1018, 1001};
+    for (const int id : order) {
+        Keys("tab");
+        EXPECT_TRUE(Eventually([&] { return Control(id)->at("focused") == true; })) << id;
+    }
+}
+
+TEST_F(FrameTest, TabLeavesTheDescriptionOfAState) {
+    Open();
+    ShowTab("Restore");
+    Keys("alt+e");
+    EXPECT_TRUE(Eventually([&] { return Control(1016)->at("focused") == true; }));
+    Keys("tab");
+    EXPECT_TRUE(Eventually([&] { return Control(1002)->at("focused") == true; }));
+    Keys("tab");
+    EXPECT_TRUE(Eventually([&] { return Control(1000)->at("focused") == true; }));
+}
+
+TEST_F(FrameTest, EnterPressesThePagesButton) {
+    Open();
+    Keys("enter");
+    ExpectReminder(tests::kBackupReminder, tests::kCancel);
+    ShowTab("Restore");
+    Keys("enter");
+    ExpectReminder(tests::kRestoreReminder, tests::kCancel);
+}
+
+TEST_F(FrameTest, EnterClicksTheButtonThatHasTheFocus) {
+    SetDword("Reminders", 12);
+    Open();
+    ShowTab("Advanced Restore");
+    Keys("alt+s");
+    Keys("tab");
+    Keys("tab");
+    EXPECT_TRUE(Eventually([&] { return Control(1037)->at("focused") == true; }));
+    Keys("enter");
+    ExpectReminder(tests::kRestoreReminder, tests::kCancel);
+}
+
+TEST_F(FrameTest, EnterOnTheTabsPressesThePagesButton) {
+    Open();
+    Keys("shift+tab");
+    EXPECT_TRUE(Eventually([&] { return Control(1000)->at("focused") == true; }));
+    Keys("enter");
+    ExpectReminder(tests::kBackupReminder, tests::kCancel);
+}
+
+TEST_F(FrameTest, AStorageOfAnotherDeviceIsToldOnce) {
+    device().Set("processor", "9999");
+    StartProgram();
+    ExpectBox(tests::kPlainBox, "Storage file is not compatible with your device.");
+    EXPECT_TRUE(TabBecomes("Storage file"));
+    EXPECT_EQ(1u, BoxCount());
+}
+
+TEST_F(FrameTest, AStorageOfALaterVersionIsToldOnce) {
+    std::string storage = device().FileBytes(tests::kStorageFile);
+    storage[216] = 0;  // the format's revision
+    device().PutFile(tests::kStorageFile, storage);
+    StartProgram();
+    ExpectBox(tests::kPlainBox,
+              "This Storage File is not compatible with the Tolvenar version,\nplease use earlier "
+              "Tolvenar version.");
+    EXPECT_TRUE(TabBecomes("Storage file"));
+}
+
+TEST_F(FrameTest, AJournalThatCannotBeReadStartsNoProgram) {
+    device().Fault("CreateFileW", 1, 1000, 5, "Home.jrn");
+    StartProgram();
+    ExpectEnd();
+    EXPECT_EQ("[]", device().Faults());
+    EXPECT_EQ(0u, BoxCount());
+}
+
+TEST_F(FrameTest, AnUnknownCommandLineStartsTheDialog) {
+    Open("something else");
+    EXPECT_EQ("Backup", SelectedTab());
+}
+
+TEST_F(FrameTest, ASecondStartBringsTheFirstForward) {
+    Open();
+    EXPECT_EQ(1, Run(""));
+    EXPECT_TRUE(ProgramRuns());
+    EXPECT_TRUE(Top("Tolvenar")->at("active"));
+}
+
+TEST_F(FrameTest, AnExternalBackupTakesOverAnIdleCopy) {
+    Open();
+    device().PutFile(L"\\My Documents\\a.txt", "new");
+    EXPECT_EQ(0, BackUp());
+    EXPECT_FALSE(ProgramRuns());
+    EXPECT_EQ((std::vector<int>{1, 2}), States());
+}
+
+}  // namespace

@@ -1,0 +1,208 @@
+#include "tests/ui/ui_test.h"
+
+#include "platform/win32.h"
+
+namespace tests {
+namespace {
+
+constexpr UINT kQueryBusy = WM_APP + 220;
+constexpr char kSettingsKey[] = "HKCU\\Software\\Kestrin2\\Tolvenar";
+constexpr char kBoxClass[] = "#32770";
+
+std::optional<Box> ParseBox(const std::string& arguments) {
+    const std::size_t style = arguments.rfind(", ");
+    const std::size_t caption = arguments.rfind(", ", style - 1);
+    if (style == std::string::npos || caption == std::string::npos) {
+        return std::nullopt;
+    }
+    return Box{arguments.substr(0, caption), arguments.substr(caption + 2, style - caption - 2),
+               static_cast<unsigned>(std::stoul(arguments.substr(style + 2)))};
+}
+
+}  // namespace
+
+void UiTest::StartProgram(const std::string& arguments) {
+    Ask("trace on");
+    Start(arguments);
+}
+
+void UiTest::Open(const std::string& arguments) {
+    StartProgram(arguments);
+    ASSERT_TRUE(Eventually([&] {
+        return ::FindWindowW(L"TolvenarOperationClass", nullptr) != nullptr && Sees(1000);
+    }));
+}
+
+bool UiTest::ProgramRuns() {
+    for (const Json& process : Ask("ps")) {
+        if (process["path"] == kProgram) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void UiTest::ExpectEnd() {
+    EXPECT_TRUE(Eventually([&] { return !ProgramRuns(); }));
+}
+
+std::optional<UiTest::Json> UiTest::Top(const std::string& caption) {
+    for (const Json& window : Windows()) {
+        if (window["parent"] == 0 && window["visible"] == true && window["text"] == caption &&
+            window["class"] == "Dialog") {
+            return window;
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<UiTest::Json> UiTest::Control(int id) {
+    for (const Json& window : Windows()) {
+        if (window["parent"] != 0 && window["visible"] == true && window["id"] == id) {
+            return window;
+        }
+    }
+    return std::nullopt;
+}
+
+std::string UiTest::Text(int id) {
+    const auto control = Control(id);
+    return control ? control->at("text").get<std::string>() : "no such control";
+}
+
+std::vector<std::string> UiTest::Items(int id) {
+    const auto control = Control(id);
+    return control && control->contains("items")
+               ? control->at("items").get<std::vector<std::string>>()
+               : std::vector<std::string>();
+}
+
+int UiTest::Selected(int id) {
+    const auto control = Control(id);
+    return control && control->contains("selected") ? control->at("selected").get<int>() : -1;
+}
+
+std::string UiTest::SelectedTab() {
+    const auto items = Items(1000);
+    const int selected = Selected(1000);
+    return selected >= 0 ? items.at(static_cast<std::size_t>(selected)) : "none";
+}
+
+void UiTest::Press(int id) {
+    ASSERT_TRUE(Eventually([&] { return Sees(id); })) << "control " << id;
+    Ask("window press " + std::to_string(id));
+}
+
+void UiTest::Keys(const std::string& keys) { Ask("window key " + keys); }
+
+void UiTest::Select(int id, const std::string& item) {
+    Ask("window select " + std::to_string(id) + " \"" + item + "\"");
+}
+
+void UiTest::Type(int id, const std::string& text) {
+    Ask("window text " + std::to_string(id) + " \"" + text + "\"");
+}
+
+void UiTest::ShowTab(const std::string& name) {
+    Select(1000, name);
+    EXPECT_TRUE(Eventually([&] { return SelectedTab() == name; }));
+}
+
+bool UiTest::BoxIsUp() {
+    for (const Json& window : Windows()) {
+        if (window["class"] == kBoxClass && window["visible"] == true) {
+            return true;
+        }
+    }
+    return false;
+}
+
+std::size_t UiTest::BoxCount() { return Ask("trace show MessageBoxW").size(); }
+
+Box UiTest::Answer(int button) {
+    const std::size_t before = BoxCount();
+    EXPECT_TRUE(Eventually([&] { return BoxIsUp(); }));
+    Press(button);
+    EXPECT_TRUE(Eventually([&] { return BoxCount() > before; }));
+    const Json boxes = Ask("trace show MessageBoxW");
+    if (boxes.size() <= before) {
+        return {"no box", "", 0};
+    }
+    const std::string arguments = boxes[before]["arguments"];
+    return ParseBox(arguments).value_or(Box{arguments, "", 0});
+}
+
+void UiTest::ExpectBox(unsigned style, const std::string& text, int button) {
+    const Box box = Answer(button);
+    EXPECT_EQ(text, box.text);
+    EXPECT_EQ("Tolvenar", box.caption);
+    EXPECT_EQ(style, box.style);
+}
+
+void UiTest::ExpectReminder(const std::string& text, int button) {
+    ASSERT_TRUE(Eventually([&] { return Shows("Reminder"); }));
+    EXPECT_EQ(text, Text(1032));
+    Press(button);
+    EXPECT_TRUE(Eventually([&] { return !Shows("Reminder"); }));
+}
+
+bool UiTest::IsBusy() {
+    const HWND window = ::FindWindowW(L"TolvenarOperationClass", nullptr);
+    return window != nullptr && ::SendMessageW(window, kQueryBusy, 0, 0) != 0;
+}
+
+bool UiTest::BecomesBusy() {
+    return Eventually([&] { return IsBusy(); });
+}
+
+bool UiTest::BecomesIdle() {
+    return Eventually([&] { return !IsBusy(); });
+}
+
+void UiTest::SetDword(const std::string& name, unsigned value) {
+    Ask(std::string("reg-set ") + kSettingsKey + " " + name + " REG_DWORD " +
+        std::to_string(value));
+}
+
+std::optional<unsigned> UiTest::Dword(const std::string& name) {
+    const Json dump = Ask("dump");
+    for (const Json& key : dump["registry"]) {
+        if (key["key"] != kSettingsKey) {
+            continue;
+        }
+        for (const Json& value : key["values"]) {
+            if (value["name"] != name) {
+                continue;
+            }
+            const std::string hex = value["data"];
+            unsigned number = 0;
+            for (std::size_t i = 0; i < 4; ++i) {
+                number |= static_cast<unsigned>(std::stoul(hex.substr(i * 2, 2), nullptr, 16))
+                          << (8 * i);
+            }
+            return number;
+        }
+    }
+    return std::nullopt;
+}
+
+void UiTest::BackUpInDialog() {
+    Press(1001);
+    ExpectReminder(kBackupReminder);
+}
+
+void UiTest::RestoreInDialog() {
+    Press(1002);
+    ExpectReminder(kRestoreReminder);
+}
+
+std::size_t UiTest::Calls(const std::string& function, const std::string& in_arguments) {
+    std::size_t calls = 0;
+    for (const Json& line : Ask("trace show " + function)) {
+        const std::string arguments = line["arguments"];
+        calls += arguments.find(in_arguments) != std::string::npos ? 1 : 0;
+    }
+    return calls;
+}
+
+}  // namespace tests
