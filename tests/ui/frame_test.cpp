@@ -260,7 +260,7 @@ TEST_F(FrameTest, AStorageOfALaterVersionIsToldOnce) {
 }
 
 TEST_F(FrameTest, AJournalThatCannotBeReadStartsNoProgram) {
-    device().Fault("CreateFileW", 1, 1000, 5, "Home.jrn");
+    device().Fault("CreateFileW", 1, 1000, 5, ".jrn, 3221225472");
     StartProgram();
     ExpectEnd();
     EXPECT_EQ("[]", device().Faults());

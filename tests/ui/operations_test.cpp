@@ -21,6 +21,13 @@ protected:
         Open();
         ShowTab("Restore");
     }
+    // A second state, after which the notifications of a schedule stand.
+    void MakeSchedule() {
+        SetDword("onTime", 1);
+        SetDword("WakeUpTime", 8);
+        BackUp();
+        device().PutFile(L"\\My Documents\\a.txt", "changed");
+    }
     bool StatesBecome(const std::vector<int>& states) {
         return Eventually([&] { return States() == states && !IsBusy(); });
     }
@@ -61,7 +68,7 @@ TEST_F(OperationsTest, TheDescriptionIsKeptWhenNothingWasWritten) {
 TEST_F(OperationsTest, TheBackupPageSaysWhatTheStorageHolds) {
     device().Set("card.free", "3145728");
     Open();
-    EXPECT_EQ("Home", Text(1103));
+    EXPECT_EQ("Backup", Text(1103));
     EXPECT_EQ(0u, Text(1105).find("State 1, 11/16/26, "));
     EXPECT_EQ("3.0 Mb", Text(1107));
 }
@@ -102,27 +109,23 @@ TEST_F(OperationsTest, TooLittleMemoryForARestoreNamesAFixedFigure) {
 }
 
 TEST_F(OperationsTest, AScheduleThatCannotBeTakenOffStartsNoBackup) {
-    SetDword("onTime", 1);
-    SetDword("WakeUpTime", 8);
-    Ask("run \"" + tests::kProgram + "\" TolvenarRunAfterTimeChange");
+    MakeSchedule();
     Open();
     device().Fault("CeClearUserNotification", 1, 1, 5);
     Press(1001);
     ExpectBox(tests::kWarningBox, "Can't start action. Try again.");
-    EXPECT_EQ(std::vector<int>{1}, States());
+    EXPECT_EQ((std::vector<int>{1, 2}), States());
 }
 
 TEST_F(OperationsTest, ARestoreThatCannotBeStartedSaysNothing) {
-    SetDword("onTime", 1);
-    SetDword("WakeUpTime", 8);
-    Ask("run \"" + tests::kProgram + "\" TolvenarRunAfterTimeChange");
+    MakeSchedule();
     OpenRestore();
     device().Fault("CeClearUserNotification", 1, 1, 5);
     Press(1002);
     EXPECT_TRUE(Eventually([&] { return device().Faults() == "[]"; }));
     EXPECT_TRUE(BecomesIdle());
     EXPECT_EQ(0u, BoxCount());
-    EXPECT_EQ(5000u, device().FileBytes(L"\\My Documents\\a.txt").size());
+    EXPECT_EQ("changed", device().FileBytes(L"\\My Documents\\a.txt"));
 }
 
 TEST_F(OperationsTest, AFullCardTellsWhatIsMissingOnce) {
@@ -155,30 +158,29 @@ TEST_F(OperationsTest, AFullCardAsksForTheOldStorageAndKeepsItOnNo) {
 }
 
 TEST_F(OperationsTest, AFullCardGivesUpTheOldStorageOnYes) {
+    device().PutFile(L"\\My Documents\\big.txt", std::string(200000, 'b'));
     BackUp();
-    device().PutFile(L"\\My Documents\\b.txt", std::string(5000, 'b'));
+    device().Remove(L"\\My Documents\\big.txt");
+    device().PutFile(L"\\My Documents\\b.txt", std::string(50000, 'b'));
     SetDword("MayDeleteOldStorage", 1);
     Open();
-    device().Set("card.free", "12000");
+    device().Set("card.free", "20000");
     Press(1001);
     ExpectBox(tests::kQuestionBox,
               "Not enough disk space to backup. Old Storage may be deleted to free disk "
               "space.\r\nContinue?",
               tests::kYes);
-    EXPECT_TRUE(BecomesIdle());
-    if (BoxIsUp()) {
-        Answer();
-    }
     EXPECT_TRUE(StatesBecome({1}));
     EXPECT_TRUE(Eventually([&] { return SelectedTab() == "Restore"; }));
     EXPECT_EQ(std::vector<std::string>{"State 1"}, Items(1014));
 }
 
-TEST_F(OperationsTest, AStorageFileThatCannotBeWrittenFailsTheBackup) {
+TEST_F(OperationsTest, AJournalThatCannotBeWrittenFailsTheBackup) {
     Open();
-    const auto lock = device().Lock(tests::kStorageFile);
+    device().Fault("CreateFileW", 1, 1000, 5, ".jrn_1");
     Press(1001);
     ExpectBox(tests::kErrorBox, "Backup Fail.");
+    Ask("faults clear");
 }
 
 TEST_F(OperationsTest, AComparisonThatFailsIsToldForABackup) {
@@ -242,7 +244,7 @@ TEST_F(OperationsTest, LockedFilesAreShownInTheTreeInsteadOfAMessage) {
 
 TEST_F(OperationsTest, AnObsoleteCardDriverIsTold) {
     OpenRestore();
-    device().Fault("CreateFileForMappingW", 1, 1000, 50, "Home.sav");
+    device().Fault("CreateFileForMappingW", 1, 1000, 50, ".sav");
     Press(1002);
     ExpectBox(tests::kWarningBox, "Restore Fail. Probably your Storage Card Driver is obsolete.");
     Ask("faults clear");
@@ -250,7 +252,7 @@ TEST_F(OperationsTest, AnObsoleteCardDriverIsTold) {
 
 TEST_F(OperationsTest, AJournalThatCannotBeReadAfterABackupIsTold) {
     Open();
-    device().Fault("CreateFileW", 3, 1000, 5, "Home.jrn");
+    device().Fault("CreateFileW", 1, 1000, 5, ".jrn, 3221225472");
     Press(1001);
     const tests::Box box = Answer();
     EXPECT_EQ("Journal read Fail.", box.text);
@@ -265,7 +267,7 @@ TEST_F(OperationsTest, AJournalThatCannotBeReadAfterABackupIsTold) {
 
 TEST_F(OperationsTest, AJournalThatCannotBeReadAfterARestoreIsTold) {
     OpenRestore();
-    device().Fault("CreateFileW", 2, 1000, 5, "Home.jrn");
+    device().Fault("CreateFileW", 1, 1000, 5, ".jrn, 3221225472");
     Press(1002);
     ExpectBox(tests::kErrorBox, "Journal read Fail.");
     Ask("faults clear");
