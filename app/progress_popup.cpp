@@ -15,6 +15,9 @@ constexpr DWORD kPollMs = 50;
 void ProgressPopup::Show(HWND owner, const wchar_t* title, int total_steps) {
     if (is_closing_) {
         WaitForClosing();
+        if (thread_) {
+            return;  // the old one is stuck; its closing still stands
+        }
     }
     if (!thread_) {
         owner_ = owner;
@@ -47,11 +50,10 @@ void ProgressPopup::CloseAndWait() {
 void ProgressPopup::WaitForClosing() {
     for (int i = 0; thread_ && i < kPolls; ++i) {
         if (WaitServingSentMessages(thread_.get(), kPollMs)) {
-            break;
+            thread_.Reset();
+            is_closing_ = false;
         }
     }
-    thread_.Reset();
-    is_closing_ = false;
 }
 
 void ProgressPopup::WaitForWindow() {

@@ -15,6 +15,12 @@ void KeepAwake() {
     ::keybd_event(VK_SHIFT, 0, KEYEVENTF_SILENT | KEYEVENTF_KEYUP, 0);
 }
 
+// Another copy of the program asks whether an operation runs, also while no popup is shown.
+void AnswerSentMessages() {
+    MSG message;
+    ::PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
+}
+
 void Send(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam) {
     if (hwnd != nullptr) {
         ::SendMessageW(hwnd, message, wparam, lparam);
@@ -44,6 +50,9 @@ void WindowProgress::ProgressStep(const char16_t* text) {
             ::SetWindowTextW(windows_.step_text, Wide(text));
         }
         Send(windows_.total_bar, PBM_STEPIT, 0, 0);
+    }
+    if (text != nullptr || (counter_ & mask_) == 0) {
+        AnswerSentMessages();
     }
     if ((counter_ & mask_) == 0) {
         Send(windows_.step_bar, PBM_STEPIT, 0, 0);
