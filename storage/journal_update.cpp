@@ -1,5 +1,6 @@
 #include "storage/journal_update.h"
 
+#include <algorithm>
 #include <new>
 
 namespace tolvenar {
@@ -7,6 +8,8 @@ namespace {
 
 constexpr std::uint16_t kPendingFlags = JF_ADD | JF_DELETE;
 constexpr std::uint32_t kNoEntry = 0xFFFFFFFF;
+// Ids from here on are given to versions whose object is on no device; devices count from below.
+constexpr std::uint32_t kFirstStaleId = 0xF0000000;
 
 // A block belongs to one object version, and updating an id does not move it: what an index may be
 // made from.
@@ -114,6 +117,98 @@ void JournalUpdater::UpdateJournalOid(const ObjectRecord& record, std::uint32_t 
         }
     }
     change.Finish();
+    Remember({newOid, record.propOffset});
+}
+
+void JournalUpdater::Remember(const NewId& id) {
+    if (new_id_count_ == new_id_room_) {
+        const std::size_t room = new_id_room_ == 0 ? 64 : 2 * new_id_room_;
+        std::unique_ptr<NewId[]> grown(new (std::nothrow) NewId[room]);
+        if (grown == nullptr) {
+            is_complete_ = false;
+            return;
+        }
+        std::copy_n(new_ids_.get(), new_id_count_, grown.get());
+        new_ids_ = std::move(grown);
+        new_id_room_ = room;
+    }
+    new_ids_[new_id_count_++] = id;
+}
+
+bool JournalUpdater::SeparateVersions() {
+    if (!is_complete_) {
+        return false;
+    }
+    if (new_id_count_ == 0) {
+        return true;
+    }
+    if (entries_ == nullptr) {
+        return false;
+    }
+    std::sort(new_ids_.get(), new_ids_.get() + new_id_count_,
+              [](const NewId& a, const NewId& b) { return a.oid < b.oid; });
+    std::uint32_t stale_id = LowestStaleId();
+    ObjectList::Cursor cursor = journal_->First();
+    ObjectRecord* record = nullptr;
+    while (ObjectList::Next(cursor, nullptr, &record)) {
+        const NewId* id = FindOtherVersion(*record);
+        if (id != nullptr && HasKeyOfNewId(*record, *id)) {
+            GiveId(*record, --stale_id);
+        }
+    }
+    return true;
+}
+
+// The new id that a record has although it belongs to another version; null when there is none.
+const JournalUpdater::NewId* JournalUpdater::FindOtherVersion(const ObjectRecord& record) const {
+    if (!HasObjectId(record.type)) {
+        return nullptr;
+    }
+    const NewId* begin = new_ids_.get();
+    const NewId* end = begin + new_id_count_;
+    const NewId* id = std::lower_bound(
+        begin, end, record.dwOID, [](const NewId& a, std::uint32_t oid) { return a.oid < oid; });
+    const NewId* first = id != end && id->oid == record.dwOID ? id : nullptr;
+    for (; id != end && id->oid == record.dwOID; ++id) {
+        if (id->propOffset == record.propOffset) {
+            return nullptr;
+        }
+    }
+    return first;
+}
+
+bool JournalUpdater::HasKeyOfNewId(const ObjectRecord& record, const NewId& id) const {
+    const ObjectKey key = KeyOf(record);
+    for (std::uint32_t i = buckets_[BucketOf(id.propOffset, bucket_count_)]; i != kNoEntry;
+         i = entries_[i].next) {
+        const ObjectRecord& fresh = *entries_[i].record;
+        if (fresh.propOffset == id.propOffset && KeyOf(fresh) == key) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void JournalUpdater::GiveId(const ObjectRecord& version, std::uint32_t oid) {
+    const ObjectRecord stale = version;
+    for (std::uint32_t i = buckets_[BucketOf(stale.propOffset, bucket_count_)]; i != kNoEntry;
+         i = entries_[i].next) {
+        if (IsSameVersion(*entries_[i].record, stale)) {
+            entries_[i].record->dwOID = oid;
+        }
+    }
+}
+
+std::uint32_t JournalUpdater::LowestStaleId() const {
+    std::uint32_t lowest = 0xFFFFFFFF;
+    ObjectList::Cursor cursor = journal_->First();
+    ObjectRecord* record = nullptr;
+    while (ObjectList::Next(cursor, nullptr, &record)) {
+        if (record->dwOID >= kFirstStaleId) {
+            lowest = std::min(lowest, record->dwOID);
+        }
+    }
+    return lowest;
 }
 
 void InvertPendingFlags(ObjectList& list) {

@@ -25,19 +25,39 @@ public:
     // Nodes keep the keys under which they stand.
     void UpdateJournalOid(const ObjectRecord& record, std::uint32_t newOid);
 
+    // After the last object. A device that was reset gives out ids again, so a new id may be the
+    // stale one of another version of the journal, and two records of one state with one key are
+    // one when the journal is loaded again. Such a version gets an id that no object has. False
+    // without memory: the journal must not be saved then.
+    bool SeparateVersions();
+
 private:
+    // The data block of an object and the id that it has now.
+    struct NewId {
+        std::uint32_t oid;
+        std::uint32_t propOffset;
+    };
     struct Entry {
         ObjectRecord* record;
         std::uint32_t next;  // entry of the same bucket that a walk meets later
     };
 
     void BuildIndex();
+    void Remember(const NewId& id);
+    const NewId* FindOtherVersion(const ObjectRecord& record) const;
+    bool HasKeyOfNewId(const ObjectRecord& record, const NewId& id) const;
+    void GiveId(const ObjectRecord& version, std::uint32_t oid);
+    std::uint32_t LowestStaleId() const;
 
     ObjectList* journal_;
     bool index_tried_ = false;
     std::unique_ptr<Entry[]> entries_;
     std::unique_ptr<std::uint32_t[]> buckets_;
     std::size_t bucket_count_ = 0;
+    std::unique_ptr<NewId[]> new_ids_;
+    std::size_t new_id_count_ = 0;
+    std::size_t new_id_room_ = 0;
+    bool is_complete_ = true;  // every new id could be remembered
 };
 
 // Exchanges JF_ADD and JF_DELETE of every record that has either, and removes every record that has

@@ -43,6 +43,7 @@ public:
         }
     }
     bool failed() const { return failed_; }
+    bool FinishJournal() { return journal_.SeparateVersions(); }
 
 private:
     std::size_t RunPass(bool (*chosen)(const ObjectRecord&)) {
@@ -130,6 +131,10 @@ bool RestoreList(Engine& engine, ObjectList& list, bool skip_databases, ResultCo
     passes.RunPhase(IsFileToWrite);
     ::Sleep(kSettleMs);
     passes.RunPhase(IsOtherToWrite);
+    if (!passes.FinishJournal()) {
+        // The file keeps the ids of before; the next backup finds the objects changed.
+        engine.storage.journal.reset();
+    }
     if (!passes.failed()) {
         return true;
     }

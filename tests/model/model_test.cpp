@@ -19,7 +19,7 @@ using tests::ContentsOf;
 using tests::Differences;
 using Lines = std::vector<std::string>;
 
-constexpr int kStepsOfASeries = 40;
+constexpr int kStepsOfASeries = 70;
 
 struct Series {
     std::uint32_t seed;
@@ -145,7 +145,8 @@ INSTANTIATE_TEST_SUITE_P(Seeds, ModelTest,
                          ::testing::Values(Series{1, "stored"}, Series{2, "reversed"},
                                            Series{3, "shuffled:3"}, Series{4, "shuffled:4"},
                                            Series{5, "shuffled:5"}, Series{6, "shuffled:6"},
-                                           Series{7, "shuffled:7"}, Series{8, "shuffled:8"}));
+                                           Series{7, "shuffled:7"}, Series{8, "shuffled:8"},
+                                           Series{306, "shuffled:4"}, Series{346, "shuffled:8"}));
 
 TEST(ValuePaletteTest, NoTwoDataHaveTheSameLowByteOfTheirChecksum) {
     std::set<int> low_bytes;

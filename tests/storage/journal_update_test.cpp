@@ -263,5 +263,58 @@ TEST(InvertPendingFlagsTest, InvertingTwiceGivesTheListBack) {
     EXPECT_EQ((std::vector<std::uint16_t>{JF_ADD, JF_DELETE}), FlagsOf(*list));
 }
 
+// State 1 holds a folder; in state 2 it is gone and another of the same name is there. A device
+// that gives out ids again may give the first the id that the second had.
+class SeparateVersionsTest : public testing::Test {
+protected:
+    static constexpr std::uint32_t kFirstBlock = 500;
+    static constexpr std::uint32_t kSecondBlock = 900;
+
+    const ObjectRecord first_ = FileRecord(100, 1, JF_ADD, kFirstBlock);
+    const ObjectRecord first_gone_ = FileRecord(100, 2, JF_DELETE, kFirstBlock);
+    const ObjectRecord second_ = FileRecord(200, 2, JF_ADD, kSecondBlock);
+    const ObjectRecord second_gone_ = FileRecord(200, 3, JF_DELETE, kSecondBlock);
+    const std::unique_ptr<ObjectList> journal_ =
+        MakeJournal({first_, first_gone_, second_, second_gone_});
+};
+
+TEST_F(SeparateVersionsTest, AStaleIdThatMakesTwoRecordsOneIsGivenUp) {
+    JournalUpdater updater(journal_.get());
+    updater.UpdateJournalOid(first_, 200);
+    EXPECT_TRUE(updater.SeparateVersions());
+    EXPECT_EQ((std::vector<std::uint32_t>{200, 200, 0xFFFFFFFE, 0xFFFFFFFE}), IdsOf(*journal_));
+}
+
+TEST_F(SeparateVersionsTest, AnIdThatMakesNoKeyTwiceStays) {
+    JournalUpdater updater(journal_.get());
+    updater.UpdateJournalOid(first_, 300);
+    EXPECT_TRUE(updater.SeparateVersions());
+    EXPECT_EQ((std::vector<std::uint32_t>{300, 300, 200, 200}), IdsOf(*journal_));
+}
+
+TEST_F(SeparateVersionsTest, AVersionThatHasItsOwnNewIdByTheEndKeepsIt) {
+    JournalUpdater updater(journal_.get());
+    updater.UpdateJournalOid(first_, 200);
+    updater.UpdateJournalOid(second_, 300);
+    EXPECT_TRUE(updater.SeparateVersions());
+    EXPECT_EQ((std::vector<std::uint32_t>{200, 200, 300, 300}), IdsOf(*journal_));
+}
+
+TEST_F(SeparateVersionsTest, EachVersionThatGivesWayHasAnIdOfItsOwn) {
+    const auto journal = MakeJournal(
+        {first_, first_gone_, second_, second_gone_, FileRecord(0xFFFFFFFE, 1, JF_ADD, 1300)});
+    JournalUpdater updater(journal.get());
+    updater.UpdateJournalOid(first_, 200);
+    EXPECT_TRUE(updater.SeparateVersions());
+    EXPECT_EQ((std::vector<std::uint32_t>{200, 200, 0xFFFFFFFD, 0xFFFFFFFD, 0xFFFFFFFE}),
+              IdsOf(*journal));
+}
+
+TEST_F(SeparateVersionsTest, WithoutANewIdNothingHappens) {
+    JournalUpdater updater(journal_.get());
+    EXPECT_TRUE(updater.SeparateVersions());
+    EXPECT_EQ((std::vector<std::uint32_t>{100, 100, 200, 200}), IdsOf(*journal_));
+}
+
 }  // namespace
 }  // namespace tolvenar
