@@ -1,8 +1,8 @@
 #include "app/launch_reason.h"
 
-#include <initializer_list>
-
 #include "platform/win32.h"
+
+#include <initializer_list>
 
 namespace tolvenar {
 

@@ -1,4 +1,5 @@
-// The platform's headers, in the one order that works. Only files that call the platform include it.
+// The platform's headers, in the one order that works. Only files that call the platform include
+// it.
 #pragma once
 
 // clang-format off

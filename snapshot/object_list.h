@@ -1,11 +1,11 @@
 // The keyed list of object records: a state, a scan, a difference or the journal. Platform-free.
 #pragma once
 
-#include "snapshot/object_record.h"
-
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+
+#include "snapshot/object_record.h"
 
 namespace tolvenar {
 
@@ -35,8 +35,8 @@ public:
     // The node under exactly this key, or null. The record is node->record.
     Node* FindByKey(const ObjectKey& key) const;
     // Enters `record`, which must be a block of its own from NewObjectRecord, and owns it from then
-    // on: in the place of the record that the key holds already, or in a new node at the front. Null
-    // when there is no memory; the record is then still the caller's.
+    // on: in the place of the record that the key holds already, or in a new node at the front.
+    // Null when there is no memory; the record is then still the caller's.
     Node* InsertByKey(const ObjectKey& key, ObjectRecord* record);
     // InsertByKey with a copy of `record`; false when there is no memory, the list is as before.
     bool InsertCopy(const ObjectKey& key, const ObjectRecord& record);
@@ -71,8 +71,8 @@ private:
     std::uint32_t next_serial_ = 0;
 };
 
-// A zero-filled copy on the private heap, to be given to InsertByKey or freed with `delete`. Null when
-// there is no memory.
+// A zero-filled copy on the private heap, to be given to InsertByKey or freed with `delete`. Null
+// when there is no memory.
 ObjectRecord* NewObjectRecord(const ObjectRecord& record);
 
 // Destroys the list in `cell`, if any, and puts a new empty one there. False when out of memory.

@@ -19,17 +19,18 @@ enum class ObjectType : std::uint8_t {
 };
 
 // Bits of ObjectRecord::flags.
-constexpr std::uint16_t JF_PRESENT = 0x0001;   // set by every scanner
-constexpr std::uint16_t JF_MATCHED = 0x0002;   // one half of a matched pair: no further match
-constexpr std::uint16_t JF_ADD = 0x0004;       // in the newer list only
-constexpr std::uint16_t JF_DELETE = 0x0008;    // in the older list only
+constexpr std::uint16_t JF_PRESENT = 0x0001;       // set by every scanner
+constexpr std::uint16_t JF_MATCHED = 0x0002;       // one half of a matched pair: no further match
+constexpr std::uint16_t JF_ADD = 0x0004;           // in the newer list only
+constexpr std::uint16_t JF_DELETE = 0x0008;        // in the older list only
 constexpr std::uint16_t kFlagAddition10 = 0x0010;  // counts as an addition when a state is rebuilt
-constexpr std::uint16_t kFlagAddition20 = 0x0020;  // the same; a database's record count is added up
-constexpr std::uint16_t JF_FAILED = 0x8000;    // the object could not be stored
+constexpr std::uint16_t kFlagAddition20 =
+    0x0020;                                  // the same; a database's record count is added up
+constexpr std::uint16_t JF_FAILED = 0x8000;  // the object could not be stored
 constexpr std::uint16_t kAdditionFlags = JF_ADD | kFlagAddition10 | kFlagAddition20;
 
-constexpr std::uint32_t kNoData = 0xFFFFFFFF;           // data_offset of an object without data
-constexpr std::uint16_t kScannedFileState = 0xFFFF;     // state_number of a scanned file
+constexpr std::uint32_t kNoData = 0xFFFFFFFF;        // data_offset of an object without data
+constexpr std::uint16_t kScannedFileState = 0xFFFF;  // state_number of a scanned file
 
 // Little-endian, 32 bytes.
 struct ObjectRecord {
@@ -67,8 +68,8 @@ static_assert(sizeof(ObjectKey) == 16);
 
 // The key under which loading and merging enter a record.
 inline ObjectKey KeyOf(const ObjectRecord& record) {
-    const bool has_fingerprint = record.type == ObjectType::kRegistryValue ||
-                                 record.type == ObjectType::kDatabaseRecord;
+    const bool has_fingerprint =
+        record.type == ObjectType::kRegistryValue || record.type == ObjectType::kDatabaseRecord;
     return {record.state_number | static_cast<std::uint32_t>(record.info_checksum) << 16,
             has_fingerprint ? record.content_fingerprint : 0u, record.dwOID, record.TolvOID};
 }

@@ -1,10 +1,10 @@
 // Differences that are never worth storing or restoring. Platform-free.
 #pragma once
 
+#include <cstdint>
+
 #include "snapshot/info_source.h"
 #include "snapshot/object_list.h"
-
-#include <cstdint>
 
 namespace tolvenar {
 

@@ -1,5 +1,5 @@
-// The registry-object table of one operation: what a registry scan met, found by generated identifier,
-// and the making of those identifiers. Platform-free.
+// The registry-object table of one operation: what a registry scan met, found by generated
+// identifier, and the making of those identifiers. Platform-free.
 #pragma once
 
 #include <cstddef>
@@ -19,13 +19,13 @@ constexpr std::uint32_t kTolvOidMask = 0x00FFFFFF;
 
 struct RegistryObject {
     std::uint32_t TolvOID;
-    std::uint32_t hive;       // root key handle value
+    std::uint32_t hive;  // root key handle value
     bool is_key;
-    std::uint32_t value_type; // 0 for a key
+    std::uint32_t value_type;  // 0 for a key
     std::uint32_t data_bytes;
-    char16_t* key_path;       // owned by the table
-    char16_t* value_name;     // owned; null for a key
-    RegistryObject* next;     // newest first
+    char16_t* key_path;    // owned by the table
+    char16_t* value_name;  // owned; null for a key
+    RegistryObject* next;  // newest first
     RegistryObject* bucket_next;
 };
 
@@ -38,19 +38,19 @@ public:
 
     // Enters an object with copies of the texts. 0 when the key path is absent or memory is short;
     // nothing is entered then.
-    int RegObjectAdd(std::uint32_t TolvOID, bool is_key, std::uint32_t hive, std::uint32_t value_type,
-                     std::uint32_t data_bytes, const char16_t* key_path, const char16_t* value_name);
+    int RegObjectAdd(std::uint32_t TolvOID, bool is_key, std::uint32_t hive,
+                     std::uint32_t value_type, std::uint32_t data_bytes, const char16_t* key_path,
+                     const char16_t* value_name);
     // The newest entry with this identifier, or null.
     const RegistryObject* RegObjectFind(std::uint32_t TolvOID) const;
     void RegObjectClear();
 
-    // Takes the first identifier that is free, logging each collision, and enters the object. 0 when
-    // 256 tries found none (the counter has 8 bits) or memory is short; else the identifier is in
-    // `TolvOID_out`.
+    // Takes the first identifier that is free, logging each collision, and enters the object. 0
+    // when 256 tries found none (the counter has 8 bits) or memory is short; else the identifier is
+    // in `TolvOID_out`.
     int Generate(const char16_t* full_name, const void* data, std::size_t data_length, bool is_key,
                  std::uint32_t hive, std::uint32_t value_type, std::uint32_t data_bytes,
-                 const char16_t* key_path, const char16_t* value_name,
-                 std::uint32_t& TolvOID_out);
+                 const char16_t* key_path, const char16_t* value_name, std::uint32_t& TolvOID_out);
 
 private:
     bool Grow();

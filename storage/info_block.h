@@ -2,20 +2,20 @@
 // memory. docs/formats/storage-file.md. Platform-free.
 #pragma once
 
-#include "snapshot/object_record.h"
-
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+
+#include "snapshot/object_record.h"
 
 namespace tolvenar {
 
 // Little-endian. The name stands at offset 26, zero-terminated, so the first unit of it is the last
 // field here and a block with a name of n bytes has 28 + n bytes.
 struct InfoBlockHead {
-    std::uint32_t word0;  // root key, attributes, database type, number of properties
-    std::uint32_t word4;  // value type, number of sort orders
-    std::uint32_t time_low;   // FILETIME
+    std::uint32_t word0;     // root key, attributes, database type, number of properties
+    std::uint32_t word4;     // value type, number of sort orders
+    std::uint32_t time_low;  // FILETIME
     std::uint32_t time_high;
     std::uint32_t data_bytes;
     std::uint16_t type;        // ObjectType

@@ -1,12 +1,11 @@
-// The simulator's own exports, for tests and tools that run inside one process with the program's code,
-// and what a call ends in that the simulator does not have.
+// The simulator's own exports, for tests and tools that run inside one process with the program's
+// code, and what a call ends in that the simulator does not have.
+#include <cstdio>
+#include <windows.h>
+
 #include "simulator/files/mapping.h"
 #include "simulator/store/device.h"
 #include "simulator/system/handles.h"
-
-#include <windows.h>
-
-#include <cstdio>
 
 // Makes coredll.dll of this process run on the device in `folder` (a host path; empty for none).
 extern "C" void WINAPI SimAttachDevice(const wchar_t* folder) __asm__("_ce_SimAttachDevice");

@@ -1,11 +1,10 @@
 #include "simulator/store/device.h"
 
-#include "simulator/gate/gate.h"
-
-#include <windows.h>
-
 #include <cstdio>
 #include <cstdlib>
+#include <windows.h>
+
+#include "simulator/gate/gate.h"
 
 namespace sim {
 namespace {
@@ -35,7 +34,8 @@ constexpr std::int64_t kFirstObjectId = 0x01000100;
 
 void EndThisProcess(unsigned code) {
     ::TerminateProcess(::GetCurrentProcess(), code);
-    for (;;) {}
+    for (;;) {
+    }
 }
 
 Device::Device(const std::wstring& folder) : store_(folder) {}
@@ -50,9 +50,13 @@ Device& Device::Current() {
 }
 
 bool Device::HasCurrent() {
-    if (current) { return true; }
+    if (current) {
+        return true;
+    }
     const std::wstring folder = FolderFromEnvironment();
-    if (folder.empty()) { return false; }
+    if (folder.empty()) {
+        return false;
+    }
     current = std::make_unique<Device>(folder);
     return true;
 }
@@ -82,7 +86,8 @@ void Device::SetSetting(const std::string& name, const std::string& value) {
 std::uint32_t Device::TakeObjectId() {
     LogStore::Change change(store_);
     const std::string* next = change.Find(kNextObjectId);
-    const std::int64_t id = next != nullptr ? std::strtoll(next->c_str(), nullptr, 0) : kFirstObjectId;
+    const std::int64_t id =
+        next != nullptr ? std::strtoll(next->c_str(), nullptr, 0) : kFirstObjectId;
     change.Set(kNextObjectId, std::to_string(id + 1));
     return static_cast<std::uint32_t>(id);
 }
@@ -92,17 +97,21 @@ void Device::SetNextObjectId(std::uint32_t id) {
     change.Set(kNextObjectId, std::to_string(id));
 }
 
-// "clock.frozen": a FILETIME count at which the clock stands; "clock.offset": 100 ns units added to the
-// host's clock; "clock.step": 100 ns units by which a frozen clock moves at every write.
+// "clock.frozen": a FILETIME count at which the clock stands; "clock.offset": 100 ns units added to
+// the host's clock; "clock.step": 100 ns units by which a frozen clock moves at every write.
 std::uint64_t Device::NowUtc() {
     const std::int64_t frozen = NumberSetting("clock.frozen", 0);
-    if (frozen != 0) { return static_cast<std::uint64_t>(frozen); }
+    if (frozen != 0) {
+        return static_cast<std::uint64_t>(frozen);
+    }
     return HostUtc() + static_cast<std::uint64_t>(NumberSetting("clock.offset", 0));
 }
 
 std::uint64_t Device::WriteTimeUtc() {
     // A clock that does not step needs no writer's lock, which costs more than the write itself.
-    if (NumberSetting("clock.step", 0) == 0) { return NowUtc(); }
+    if (NumberSetting("clock.step", 0) == 0) {
+        return NowUtc();
+    }
     LogStore::Change change(store_);
     const std::uint64_t now = NowUtc();
     const std::int64_t step = NumberSetting("clock.step", 0);

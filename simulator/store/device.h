@@ -1,11 +1,9 @@
 // A simulated device: the folder it lives in, its store, and the values that everything shares. The
-// areas (files, registry, databases, notifications, ...) keep their state in the store under keys that
-// begin with a letter of their own:
-//   f files and folders   r registry   d databases   n notifications   s settings   i next object id
-//   p processes
+// areas (files, registry, databases, notifications, ...) keep their state in the store under keys
+// that begin with a letter of their own:
+//   f files and folders   r registry   d databases   n notifications   s settings   i next object
+//   id p processes
 #pragma once
-
-#include "simulator/store/log_store.h"
 
 #include <cstdint>
 #include <map>
@@ -13,6 +11,8 @@
 #include <mutex>
 #include <optional>
 #include <string>
+
+#include "simulator/store/log_store.h"
 
 namespace sim {
 
@@ -23,8 +23,8 @@ class Device {
 public:
     explicit Device(const std::wstring& folder);
 
-    // The device this process runs on: the folder in the environment variable CEDEVICE, opened at the
-    // first use. Ends the process with a message when there is none.
+    // The device this process runs on: the folder in the environment variable CEDEVICE, opened at
+    // the first use. Ends the process with a message when there is none.
     static Device& Current();
     // Whether there is one, without ending the process.
     static bool HasCurrent();
@@ -56,7 +56,9 @@ public:
     T& Part() {
         std::lock_guard guard(parts_mutex_);
         std::shared_ptr<void>& part = parts_[&PartKey<T>];
-        if (!part) { part = std::make_shared<T>(*this); }
+        if (!part) {
+            part = std::make_shared<T>(*this);
+        }
         return *static_cast<T*>(part.get());
     }
 
