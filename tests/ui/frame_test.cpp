@@ -103,6 +103,9 @@ TEST_F(FrameTest, APostedPageIsSelected) {
 }
 
 TEST_F(FrameTest, EachPageHasItsHelp) {
+    // The viewer would come to the front and take the next page's keys; that it is asked for is
+    // enough.
+    device().Remove(L"\\Windows\\peghelp.exe");
     Open();
     const struct {
         const char* tab;
