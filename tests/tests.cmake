@@ -29,12 +29,13 @@ file(GLOB test_folders CONFIGURE_DEPENDS LIST_DIRECTORIES true RELATIVE ${CMAKE_
   tests/*)
 foreach(folder IN LISTS test_folders)
   file(GLOB sources CONFIGURE_DEPENDS tests/${folder}/*.cpp)
+  file(GLOB test_resources CONFIGURE_DEPENDS tests/${folder}/*.rc)
   # The native build has fuzzers, and tests of its own.
   if(NOT sources OR folder MATCHES "^(support|programs|native|fuzz)$")
     continue()
   endif()
   set(name ${folder}_test)
-  add_executable(${name} ${sources})
+  add_executable(${name} ${sources} ${test_resources})
   target_link_libraries(${name} PRIVATE product warnings simcore GTest::gtest_main
     coredll_calls commctrl commdlg)
   if(TARGET test_support)
