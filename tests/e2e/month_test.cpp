@@ -46,7 +46,7 @@ protected:
 };
 
 TEST_F(MonthTest, TheDailyTimeBacksUpEveryDayOfAMonth) {
-    Arm("2027-03-05T12:00:00", 1, 0);  // the clock goes forward on the 28th
+    Arm("2027-03-05T12:00:00", 1, 1);  // the clock goes forward on the 28th
     Numbers states = {1};
     for (int day = 5; day <= 33; day += 4) {
         char date[16];
@@ -74,6 +74,20 @@ TEST_F(MonthTest, TheDailyTimeBacksUpEveryDayOfAMonth) {
         ASSERT_EQ(armed, Daily());
     }
     EXPECT_TRUE(HasState("AutoBackup: Time"));
+
+    // The battery runs low when the mains goes.
+    Change();
+    SetBattery(20);
+    Ask("fire TolvenarRunAtAcPowerOff");
+    states.push_back(static_cast<int>(states.size()) + 1);
+    EXPECT_TRUE(Reaches(states));
+    EXPECT_TRUE(HasState("AutoBackup: Battery Low"));
+
+    // The clock is set back.
+    device().Set("clock", "2027-04-01T12:00:00");
+    Ask("fire TolvenarRunAfterTimeChange");
+    EXPECT_TRUE(Eventually([&] { return Daily() == "2027-04-01T21:30:00"; })) << Daily();
+    EXPECT_TRUE(Rests());
 
     // Other programs ask in between; the schedule stands afterwards.
     const std::string armed = Daily();
