@@ -1,8 +1,9 @@
-# One program for each source file; ./bench runs them.
+# One program for each source file, with the resources of its name if there are any; ./bench runs them.
 file(GLOB benchmark_sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/*_bench.cpp)
 foreach(source IN LISTS benchmark_sources)
   get_filename_component(name ${source} NAME_WE)
-  add_executable(${name} ${source})
+  file(GLOB resources CONFIGURE_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/${name}.rc)
+  add_executable(${name} ${source} ${resources})
   target_link_libraries(${name} PRIVATE product warnings test_support simcore coredll_calls commctrl
     commdlg product ${SIM_HOST_LIBRARIES})
   target_link_options(${name} PRIVATE -static)

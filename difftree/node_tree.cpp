@@ -66,12 +66,27 @@ bool HasChangeMark(const NodeRecord& node, const TreeBuild& build) {
            (node.flags & kNodeObject) != 0 && (node.flags & kNodeStateMask) != 0;
 }
 
-// Inserts a node and then what is below it.
+bool HasParentBelow(const NodeRecord& node) {
+    const NodeRecord* child = node.first_child;
+    while (child != nullptr && child->first_child == nullptr) {
+        child = child->next_sibling;
+    }
+    return child != nullptr;
+}
+
+// Inserts nodes, the children of one node together.
 class ControlFiller {
 public:
     ControlFiller(TreeControl& control, const TreeBuild& build, bool with_marks)
         : control_(control), build_(build), with_marks_(with_marks) {}
 
+    // A control may look for a parent among all its items, from the first on: the many items that
+    // are no parents come last.
+    bool InsertAll(NodeRecord& root) {
+        return Insert(nullptr, root) && InsertBelow(root, true) && InsertBelow(root, false);
+    }
+
+private:
     bool Insert(TreeItem parent, NodeRecord& node) {
         ItemText text;
         text.Append(node.caption);
@@ -81,18 +96,28 @@ public:
         const bool is_bold =
             (build_.options & kTreeBold) != 0 && StyleOf(build_.styles, node.flags).is_bold;
         node.item = control_.InsertItem(parent, {text.text(), &node, node.has_button, is_bold});
-        if (node.item == nullptr) {
+        return node.item != nullptr;
+    }
+    bool InsertChildren(const NodeRecord& node) {
+        NodeRecord* child = node.first_child;
+        while (child != nullptr && Insert(node.item, *child)) {
+            child = child->next_sibling;
+        }
+        return child == nullptr;
+    }
+    // The children of the nodes, `node` among them, that have a parent among them, or have none.
+    bool InsertBelow(const NodeRecord& node, bool with_parent) {
+        if (HasParentBelow(node) == with_parent && !InsertChildren(node)) {
             return false;
         }
         for (NodeRecord* child = node.first_child; child != nullptr; child = child->next_sibling) {
-            if (!Insert(node.item, *child)) {
+            if (child->first_child != nullptr && !InsertBelow(*child, with_parent)) {
                 return false;
             }
         }
         return true;
     }
 
-private:
     TreeControl& control_;
     const TreeBuild& build_;
     const bool with_marks_;
@@ -195,7 +220,7 @@ void NodeTree::SortLeavesLast(NodeRecord& node) {
 }
 
 bool NodeTree::FillControl(const TreeBuild& build, bool with_marks) {
-    return root_ != nullptr && ControlFiller(control_, build, with_marks).Insert(nullptr, *root_);
+    return root_ != nullptr && ControlFiller(control_, build, with_marks).InsertAll(*root_);
 }
 
 }  // namespace tolvenar
