@@ -2,11 +2,16 @@
 
 #include "platform/win32.h"
 
+#include <cstring>
+
+#include "simulator/registry/registry.h"
+
 namespace tests {
 namespace {
 
 constexpr UINT kQueryBusy = WM_APP + 220;
 constexpr char kSettingsKey[] = "HKCU\\Software\\Kestrin2\\Tolvenar";
+constexpr char16_t kSettingsPath[] = u"HKCU\\Software\\Kestrin2\\Tolvenar";
 constexpr char kBoxClass[] = "#32770";
 
 std::optional<Box> ParseBox(const std::string& arguments) {
@@ -63,6 +68,22 @@ std::optional<UiTest::Json> UiTest::Control(int id) {
         }
     }
     return std::nullopt;
+}
+
+std::optional<UiTest::Json> UiTest::AnyControl(int id) {
+    for (const Json& window : Windows()) {
+        if (window["parent"] != 0 && window["id"] == id) {
+            return window;
+        }
+    }
+    return std::nullopt;
+}
+
+bool UiTest::FocusComesTo(int id) {
+    return Eventually([&] {
+        const auto control = Control(id);
+        return control && control->at("focused") == true;
+    });
 }
 
 std::string UiTest::Text(int id) {
@@ -165,25 +186,20 @@ void UiTest::SetDword(const std::string& name, unsigned value) {
 }
 
 std::optional<unsigned> UiTest::Dword(const std::string& name) {
-    const Json dump = Ask("dump");
-    for (const Json& key : dump["registry"]) {
-        if (key["key"] != kSettingsKey) {
-            continue;
-        }
-        for (const Json& value : key["values"]) {
-            if (value["name"] != name) {
-                continue;
-            }
-            const std::string hex = value["data"];
-            unsigned number = 0;
-            for (std::size_t i = 0; i < 4; ++i) {
-                number |= static_cast<unsigned>(std::stoul(hex.substr(i * 2, 2), nullptr, 16))
-                          << (8 * i);
-            }
-            return number;
-        }
+    const sim::registry::Registry registry(device().sim());
+    std::u16string subkey;
+    sim::registry::KeyId key;
+    const auto root = sim::registry::RootOfPath(kSettingsPath, subkey);
+    if (!root || registry.Place(*root, subkey, key) != sim::registry::kOk) {
+        return std::nullopt;
     }
-    return std::nullopt;
+    const auto value = registry.Find(key, std::u16string(name.begin(), name.end()));
+    unsigned number = 0;
+    if (!value || value->data.size() != sizeof number) {
+        return std::nullopt;
+    }
+    std::memcpy(&number, value->data.data(), sizeof number);
+    return number;
 }
 
 void UiTest::BackUpInDialog() {

@@ -55,6 +55,10 @@ protected:
     // Control `id` that the user sees; one of the main dialog.
     std::optional<Json> Control(int id);
     bool Sees(int id) { return Control(id).has_value(); }
+    // The same, whether the user sees it or not.
+    std::optional<Json> AnyControl(int id);
+    // Waits until the keyboard goes to control `id`.
+    bool FocusComesTo(int id);
     std::string Text(int id);
     std::vector<std::string> Items(int id);
     int Selected(int id);

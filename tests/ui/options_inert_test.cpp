@@ -1,0 +1,107 @@
+// The Options page while an operation runs: the schedule belongs to the operation, which has put
+// zeros in its place.
+#include "platform/win32.h"
+
+#include "tests/ui/ui_test.h"
+
+namespace {
+
+using Json = nlohmann::json;
+
+constexpr UINT kConfirmedBackup = WM_APP + 124;
+constexpr UINT kActivated = WM_APP + 300;
+constexpr int kOnTime = 1060, kOnBattery = 1061, kAdvancedTree = 1063, kTime = 1062;
+constexpr unsigned kHalfPastSeven = 0x001E0007;
+
+class OptionsInertTest : public tests::UiTest {
+protected:
+    void SetUp() override {
+        UiTest::SetUp();
+        SetDword("onTime", 1);
+        SetDword("WakeUpTime", kHalfPastSeven);
+        BackUp();
+        device().PutFile(L"\\My Documents\\a.txt", "hello");
+        Open();
+        ShowTab("Options");
+        EXPECT_TRUE(Eventually([&] { return Sees(kTime); }));
+    }
+    // A backup that takes its time with the databases, when the schedule is off. It answers nobody
+    // meanwhile.
+    void StartSlowBackup() {
+        Ask("delay CeFindFirstDatabaseEx 1 900");
+        ::PostMessageW(::FindWindowW(L"TolvenarOperationClass", nullptr), kConfirmedBackup, 1, 0);
+        ASSERT_TRUE(Eventually([&] { return ScheduleIsOff(); }));
+    }
+    bool ScheduleIsOff() { return Dword("onTime") == 0u; }
+    HWND Handle(int id) {
+        return reinterpret_cast<HWND>(AnyControl(id)->at("handle").get<std::uintptr_t>());
+    }
+    HWND Page() { return ::GetParent(Handle(kTime)); }
+    bool IsChecked(int id) { return AnyControl(id)->at("check") == 1; }
+    std::string Time() { return Text(kTime).substr(11, 5); }
+};
+
+TEST_F(OptionsInertTest, AnOperationKeepsSwitchesAndTimeAsTheyAre) {
+    StartSlowBackup();
+    for (const int id : {kOnTime, kOnBattery, kAdvancedTree}) {
+        ::SendMessageW(Handle(id), BM_CLICK, 0, 0);
+    }
+    Type(kTime, "21:45");
+    EXPECT_TRUE(IsChecked(kOnTime));
+    EXPECT_FALSE(IsChecked(kOnBattery));
+    EXPECT_FALSE(IsChecked(kAdvancedTree));
+    EXPECT_EQ("07:30", Time());
+    EXPECT_EQ(0u, Dword("onBattery").value_or(0));
+    EXPECT_EQ(0u, Dword("WakeUpTime"));
+    ASSERT_TRUE(ScheduleIsOff());
+    EXPECT_TRUE(BecomesIdle());
+    EXPECT_EQ(1u, Dword("onTime"));
+    EXPECT_EQ(0u, Dword("onBattery").value_or(0));
+    EXPECT_EQ(0u, Dword("AdvancedTreeView").value_or(0));
+    EXPECT_EQ(kHalfPastSeven, Dword("WakeUpTime"));
+}
+
+TEST_F(OptionsInertTest, AnActivationDuringAnOperationReadsNothing) {
+    StartSlowBackup();
+    ::SendMessageW(Page(), kActivated, WA_ACTIVE, 0);
+    EXPECT_TRUE(IsChecked(kOnTime));
+    EXPECT_EQ("07:30", Time());
+    ASSERT_TRUE(ScheduleIsOff());
+    EXPECT_TRUE(BecomesIdle());
+    ShowTab("Options");
+    EXPECT_TRUE(IsChecked(kOnTime));
+    EXPECT_EQ("07:30", Time());
+}
+
+// The page is made while the registry holds the zeros; the copies of the settings are right.
+TEST_F(OptionsInertTest, APageThatIsMadeDuringAnOperationShowsTheSettings) {
+    Keys("ctrl+q");
+    ExpectEnd();
+    Open();
+    StartSlowBackup();
+    ::PostMessageW(::FindWindowW(L"Dialog", L"Tolvenar"), WM_APP + 103, 4, 0);
+    ASSERT_TRUE(Eventually([&] { return Sees(kTime); }));
+    EXPECT_TRUE(IsChecked(kOnTime));
+    EXPECT_EQ("07:30", Time());
+    ASSERT_TRUE(ScheduleIsOff());
+    EXPECT_TRUE(BecomesIdle());
+}
+
+// It goes on afterwards and registers what is set then.
+TEST_F(OptionsInertTest, ACountdownThatAnOperationMeetsIsAppliedAfterIt) {
+    const auto agent_starts = [&] { return Calls("CreateProcessW", "tolvenar_agent.exe"); };
+    Ask("set sleep.scale 10");
+    Press(kOnBattery);
+    EXPECT_TRUE(Eventually([&] { return Dword("onBattery") == 1u; }));
+    StartSlowBackup();
+    Pause(500);
+    EXPECT_EQ(0u, agent_starts());
+    EXPECT_EQ(0u, Ask("notifications").size());
+    ASSERT_TRUE(ScheduleIsOff());
+    EXPECT_TRUE(BecomesIdle());
+    EXPECT_TRUE(Eventually([&] { return agent_starts() == 1; }));
+    EXPECT_EQ(1u, Dword("onBattery"));
+    EXPECT_EQ(4u, Ask("notifications").size());
+}
+
+}  // namespace
