@@ -27,6 +27,8 @@ set(PLATFORM_FREE_SOURCES
   storage/written_records.cpp
 )
 set(PLATFORM_FREE_TESTS
+  tests/app/about_picture_test.cpp
+  tests/app/time_format_test.cpp
   tests/difftree/difference_tree_test.cpp
   tests/difftree/property_text_test.cpp
   tests/snapshot/checksum_test.cpp

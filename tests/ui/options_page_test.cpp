@@ -42,7 +42,8 @@ protected:
     // Steps of the bar: PBM_STEPIT.
     std::size_t Ticks() { return Calls("SendMessageW", ", 1029, "); }
     Json OwnSettings() {
-        for (const Json& key : Ask("dump")["registry"]) {
+        const Json dump = Ask("dump");
+        for (const Json& key : dump["registry"]) {
             if (key["key"] == kSettings) {
                 return key;
             }
@@ -209,6 +210,7 @@ TEST_F(OptionsPageTest, WithoutThePowerFunctionTheBatterySwitchIsOff) {
 TEST_F(OptionsPageTest, WithoutAnInstallationNothingCanBeChanged) {
     Ask("reg-delete " + kSettings + " onTime");
     const Json before = OwnSettings();
+    ASSERT_FALSE(before.is_null());
     OpenOptions();
     for (const Switch& row : kSwitches) {
         EXPECT_FALSE(Control(row.id)->at("enabled")) << row.setting;
