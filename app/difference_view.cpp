@@ -33,7 +33,7 @@ void DifferenceView::OnLayout(bool is_shown) {
         return;
     }
     const RECT place = Place();
-    ::SetWindowPos(host, HWND_TOP, place.left, place.top, place.right - place.left,
+    ::SetWindowPos(host, place_holder_, place.left, place.top, place.right - place.left,
                    place.bottom - place.top, SWP_NOACTIVATE);
     ::ShowWindow(host, is_shown ? SW_SHOW : SW_HIDE);
     // Its room is drawn by the tree alone.

@@ -3,6 +3,7 @@
 #include <cwchar>
 #include <windows.h>
 
+#include "simulator/windows/caption.h"
 #include "simulator/windows/control.h"
 #include "simulator/windows/desktop.h"
 #include "simulator/windows/dialog_template.h"
@@ -49,6 +50,7 @@ void EnterDeviceDesktop() {
     }
     EnterDesktop(Device::Current());
     AnswerOutside(Device::Current());
+    DrawActiveCaptions();
 }
 
 void* CreateWindowOnDevice(const NewWindow& window) {
