@@ -45,14 +45,18 @@ CEPROPVAL ToPlatform(const TestProperty& property) {
 void EngineTest::SetUp() {
     DeviceTest::SetUp();
     device().MakeFolder(kStorageFolder);
-    SetValue(HKEY_CURRENT_USER, kSettingsKey, L"StorageFile", REG_SZ, TextBytes(L"Home"));
-    SetValue(HKEY_CURRENT_USER, kSettingsKey, L"StoragePath", REG_SZ,
-             TextBytes(L"\\Storage Card\\Backup\\"));
+    SetStorageSettings();
     ASSERT_TRUE(MakeStorageNames(kStoragePath, storage_.names));
     ASSERT_NE(nullptr, CreateStorage(kStoragePath, nullptr));
     OpenStorageResult result{};
     ASSERT_TRUE(OpenStorage(storage_.names.sav, storage_, result));
     ASSERT_TRUE(OpenJournal(storage_, nullptr));
+}
+
+void EngineTest::SetStorageSettings() {
+    SetValue(HKEY_CURRENT_USER, kSettingsKey, L"StorageFile", REG_SZ, TextBytes(L"Home"));
+    SetValue(HKEY_CURRENT_USER, kSettingsKey, L"StoragePath", REG_SZ,
+             TextBytes(L"\\Storage Card\\Backup\\"));
 }
 
 void EngineTest::TearDown() {

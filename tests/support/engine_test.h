@@ -52,6 +52,9 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
+    // The settings that name the open storage, for a device that gets the card.
+    static void SetStorageSettings();
+
     // As device().Fault, but nothing is allocated once the rule holds.
     void FailCall(const char* function, int n, std::uint32_t error);
 
