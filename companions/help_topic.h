@@ -13,6 +13,7 @@ using Text = std::u16string_view;
 constexpr Text kTopicMark = u"<!-- PegHelp -->";
 constexpr Text kAnchor = u"<a name=\"";
 constexpr Text kLink = u"<a href=\"";
+constexpr char16_t kBullet = u'\x2022';
 
 struct Address {
     Text file;
@@ -88,7 +89,7 @@ private:
             Break(2);
         } else if (tag == u"li") {
             Break(1);
-            Put(u'-');
+            Put(kBullet);
             has_space_ = true;
         } else if (tag == u"br") {
             Break(1);

@@ -88,9 +88,11 @@ private:
         contents_.Read(tolvenar::Utf16(kContentsFile));
         FillTopics();
         Show(argument_);
+        // In this order: a window that is activated before it is seen keeps the look of an inactive
+        // one.
+        ::ShowWindow(window, SW_SHOW);
         ::SetFocus(text_);
         ::SendMessageW(text_, EM_SETSEL, 0, 0);
-        ::ShowWindow(window, SW_SHOW);
     }
 
     // The contents come first; each other item stands for the contents' link of the same number.

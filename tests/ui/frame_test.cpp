@@ -1,4 +1,4 @@
-// The main dialog: tabs, keys, help and closing.
+// The main dialog: tabs, keys and closing.
 #include "platform/win32.h"
 
 #include "tests/ui/ui_test.h"
@@ -17,11 +17,6 @@ protected:
     }
     bool TabBecomes(const std::string& name) {
         return Eventually([&] { return SelectedTab() == name; });
-    }
-    void ExpectHelp(const std::string& argument) {
-        EXPECT_TRUE(Eventually([&] { return Calls("CreateProcessW", argument) == 1; })) << argument;
-        EXPECT_EQ(1u, Calls("CreateProcessW", "peghelp.exe"));
-        Ask("trace on");
     }
 };
 
@@ -100,56 +95,6 @@ TEST_F(FrameTest, APostedPageIsSelected) {
     ::PostMessageW(::FindWindowW(L"Dialog", L"Tolvenar"), kPageSelect, 2, 0);
     EXPECT_TRUE(TabBecomes("Advanced Restore"));
     EXPECT_TRUE(Eventually([&] { return Sees(1037); }));
-}
-
-TEST_F(FrameTest, EachPageHasItsHelp) {
-    // The viewer would come to the front and take the next page's keys; that it is asked for is
-    // enough.
-    device().Remove(L"\\Windows\\peghelp.exe");
-    Open();
-    const struct {
-        const char* tab;
-        const char* argument;
-    } kPages[] = {
-        {"Backup", "tolvenar_all.htp#tolvenar_manual_backup"},
-        {"Restore", "tolvenar_all.htp#tolvenar_normal_restore"},
-        {"Advanced Restore", "tolvenar_all.htp#tolvenar_advanced_restore"},
-        {"Storage file", "tolvenar_all.htp#tolvenar_option_storage"},
-        {"Options", "tolvenar_all.htp#tolvenar_options_content"},
-        {"About", "tolvenar.htc"},
-    };
-    for (const auto& page : kPages) {
-        ShowTab(page.tab);
-        Ask("trace on");
-        Keys("alt+h");
-        ExpectHelp(page.argument);
-    }
-}
-
-TEST_F(FrameTest, F1OpensTheContents) {
-    Open();
-    Keys("f1");
-    ExpectHelp("tolvenar.htc");
-}
-
-TEST_F(FrameTest, WithoutAnInstallationThereIsNoHelp) {
-    Ask("reg-delete HKCU\\Software\\Kestrin2\\Tolvenar onTime");
-    Open();
-    Keys("alt+h");
-    ExpectBox(tests::kWarningBox, tests::kInstallationText);
-    Keys("f1");
-    ExpectBox(tests::kWarningBox, tests::kInstallationText);
-    EXPECT_EQ(0u, Calls("CreateProcessW", "peghelp.exe"));
-}
-
-TEST_F(FrameTest, AMissingHelpViewerShowsNothing) {
-    device().Fault("CreateProcessW", 1, 1, 2, "peghelp.exe");
-    Open();
-    Keys("alt+h");
-    EXPECT_TRUE(Eventually([&] { return Calls("CreateProcessW", "peghelp.exe") == 1; }));
-    Keys("ctrl+tab");
-    EXPECT_TRUE(TabBecomes("Restore"));
-    EXPECT_EQ(0u, BoxCount());
 }
 
 class CloseTest : public FrameTest, public ::testing::WithParamInterface<const char*> {};
