@@ -64,7 +64,7 @@ void BackupPage::ShowFreeSpace() {
         FreeBytesOfCard(app_.storage.names, free_bytes)) {
         constexpr std::uint64_t kMegabyte = 0x100000;
         // Never more than there is.
-        const auto tenths = static_cast<unsigned>(free_bytes / (kMegabyte / 10));
+        const auto tenths = static_cast<unsigned>(free_bytes * 10 / kMegabyte);
         ::wsprintfW(text, L"%u.%u Mb", tenths / 10, tenths % 10);
     }
     ::SetWindowTextW(Control(IDC_CARD_FREE), text);

@@ -12,6 +12,7 @@ public:
 
     int DefaultButton() const override { return IDC_BACKUP; }
     void OnShow(int index) override;
+    void OnActivated() override { OnStorageChanged(); }
     void OnStorageChanged() override;
 
 private:

@@ -265,6 +265,9 @@ INT_PTR MainDialog::OnSize() {
 
 // The dialog manager goes on with the message: it brings the focus back.
 INT_PTR MainDialog::OnActivate(WPARAM wparam, LPARAM lparam) {
+    if (shown_ != nullptr && LOWORD(wparam) != WA_INACTIVE) {
+        shown_->OnActivated();
+    }
     if (pages_[kOptionsPage]) {
         ::SendMessageW(pages_[kOptionsPage]->window(), WM_DIALOG_ACTIVATED, wparam, lparam);
     }

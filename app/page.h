@@ -58,6 +58,8 @@ public:
     // The page is about to be seen for tab `index`, or was hidden.
     virtual void OnShow(int /*index*/) {}
     virtual void OnHide() {}
+    // The dialog came to the front: other programs may have changed what the shown page tells.
+    virtual void OnActivated() {}
     // The storage or its states changed: after an operation, or because another file was chosen.
     virtual void OnStorageChanged() {}
     // What was changed and is not in force yet comes into force: the program closes.
