@@ -47,10 +47,10 @@ foreach(folder IN LISTS test_folders)
     TOLVENAR_SOURCE_DIR="${CMAKE_SOURCE_DIR}" TOLVENAR_BIN_DIR="${CMAKE_BINARY_DIR}/bin")
   add_dependencies(${name} sim_coredll sim_commctrl sim_commdlg Tolvenar ${probes}
     ${companions})
-  # A folder whose tests need the keyboard focus, or the whole machine, says so in a file.
-  set(properties TIMEOUT 300)
-  if(EXISTS ${CMAKE_SOURCE_DIR}/tests/${folder}/run_serial)
-    list(APPEND properties RUN_SERIAL ON)
+  # A folder whose tests need the keyboard focus says so in a file.
+  set(launcher "")
+  if(EXISTS ${CMAKE_SOURCE_DIR}/tests/${folder}/own_display)
+    set(launcher ${CMAKE_SOURCE_DIR}/scripts/own_display)
   endif()
-  add_suites(${name} SOURCES ${sources} PROPERTIES ${properties})
+  add_suites(${name} SOURCES ${sources} LAUNCHER ${launcher} PROPERTIES TIMEOUT 300)
 endforeach()

@@ -89,9 +89,7 @@ void ProgramTest::SetUp() {
 }
 
 void ProgramTest::TearDown() {
-    for (const json& process : Ask("ps")) {
-        Ask("kill " + process["id"].dump());
-    }
+    Ask("kill all");
     DeviceTest::TearDown();
 }
 

@@ -173,7 +173,8 @@ TEST_F(FrameTest, EnterClicksTheButtonThatHasTheFocus) {
     Open();
     ShowTab("Advanced Restore");
     Keys("alt+s");
-    Keys("tab");
+    Keys("tab");  // the state's description
+    Keys("tab");  // the tree
     Keys("tab");
     EXPECT_TRUE(Eventually([&] { return Control(1037)->at("focused") == true; }));
     Keys("enter");
