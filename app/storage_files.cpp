@@ -1,7 +1,10 @@
 #include "app/storage_files.h"
 
+#include <algorithm>
+
 #include "app/settings.h"
 #include "platform/text.h"
+#include "snapshot/text_buffer.h"
 #include "storage/journal.h"
 
 namespace tolvenar {
@@ -41,6 +44,15 @@ bool DeleteOldStorage() {
     // journal.
     ::DeleteFileW(Wide(names.journal_temporary));
     return journal_deleted && storage_deleted;
+}
+
+void CompleteStoragePath(bool was_read, char16_t (&path)[kStoragePathUnits]) {
+    if (was_read || path[0] == 0) {
+        return;
+    }
+    TextBuffer<kStoragePathUnits> completed;
+    completed.Append(path).Append(u"storage0");
+    std::copy_n(completed.text(), completed.length() + 1, path);
 }
 
 void SaveLocation(const char16_t* chosen_path) {

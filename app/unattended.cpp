@@ -44,6 +44,8 @@ std::optional<int> BackUp(Application& app) {
 
 // The last state has a record of its own; a backup whose first block failed left none.
 int RestoreLastState(Application& app) {
+    char16_t path[kStoragePathUnits];
+    CompleteStoragePath(ReadStoragePath(path), path);
     OpenStorageResult result;
     if (!DeriveNames(app.storage.names) ||
         !OpenStorage(app.storage.names.sav, app.storage, result) || !LoadQuietly(app)) {

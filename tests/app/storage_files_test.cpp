@@ -138,6 +138,25 @@ TEST_F(StorageFilesTest, DeletingLeavesNoTemporaryJournal) {
     EXPECT_FALSE(device().Exists(kTemporary));
 }
 
+TEST_F(StorageFilesTest, APathThatFailedHalfReadGetsStorage0Behind) {
+    char16_t path[kStoragePathUnits] = u"\\Backups\\";
+    CompleteStoragePath(false, path);
+    EXPECT_EQ(Text(u"\\Backups\\storage0"), path);
+}
+
+TEST_F(StorageFilesTest, APathThatWasReadStaysAsItIs) {
+    char16_t path[kStoragePathUnits] = u"\\Backups\\Home";
+    CompleteStoragePath(true, path);
+    EXPECT_EQ(Text(u"\\Backups\\Home"), path);
+}
+
+TEST_F(StorageFilesTest, APathThatCouldNotBeReadStaysEmpty) {
+    DeleteSetting(L"StorageFile");
+    char16_t path[kStoragePathUnits] = u"left over";
+    CompleteStoragePath(ReadStoragePath(path), path);
+    EXPECT_EQ(Text(), path);
+}
+
 TEST_F(StorageFilesTest, AChosenJournalBecomesFolderAndStem) {
     SaveLocation(u"\\Storage Card\\Backups\\Home2.jrn");
     EXPECT_EQ(Text(u"\\Storage Card\\Backups\\Home2"), Path());

@@ -19,7 +19,7 @@ constexpr Switch kSwitches[] = {
     {1060, "onTime", "every &day at"},
     {1061, "onBattery", "at &battery low"},
     {1063, "AdvancedTreeView", "Ad&vanced difference tree"},
-    {1064, "AdvancedDBRestoring", "&Restore databases in it"},
+    {1064, "AdvancedDBRestoring", "Databases in advanced &restore"},
     {1065, "MayDeleteOldStorage", "Delete &old storage on a full card"},
 };
 
