@@ -76,7 +76,8 @@ BOOL Show(LPOPENFILENAMEW data, const wchar_t* default_title, bool saves) {
 BOOL WINAPI GetOpenFileNameW(LPOPENFILENAMEW data) {
     return Gated(
         Call::GetOpenFileNameW, FALSE, [&] { return Show(data, L"Open", false); }, data->lpstrTitle,
-        data->lpstrFile);
+        data->lpstrFile, data->nMaxFile, data->lpstrInitialDir, data->nFilterIndex, data->Flags,
+        data->lpstrDefExt, data->hwndOwner);
 }
 
 BOOL WINAPI GetSaveFileNameW(LPOPENFILENAMEW data) {

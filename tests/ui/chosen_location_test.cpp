@@ -1,0 +1,89 @@
+// Where a chosen storage comes to lie: folders with dots, settings that refuse it, long names.
+#include "tests/ui/storage_ui_test.h"
+
+namespace {
+
+class ChosenLocationTest : public tests::StorageUiTest {
+protected:
+    void ChooseNewWithoutDescription(const std::string& name) {
+        ChooseNew(name);
+        AnswerDescription(tests::kCancel);
+    }
+    void ExpectNoneOpenFor(const std::string& stem) {
+        EXPECT_TRUE(Eventually([&] { return Setting("StorageFile") == stem; }));
+        ExpectNoneOpen();
+        EXPECT_EQ(0u, BoxCount());
+    }
+};
+
+TEST_F(ChosenLocationTest, FolderAndStemAreKept) {
+    device().PutFile(L"\\Storage Card\\Backups\\Home.sav", tests::EmptyStorage(u"at home"));
+    device().PutFile(L"\\Storage Card\\Backups\\Home.two.jrn", "");
+    OpenPage();
+    ChooseFile("\\Storage Card\\Backups\\Home.two.jrn");  // a stem ends at its first dot
+    EXPECT_TRUE(NameBecomes("Home"));
+    EXPECT_EQ("at home", Text(tests::kStorageDescription));
+    EXPECT_EQ("Home", Setting("StorageFile"));
+    EXPECT_EQ("\\Storage Card\\Backups\\", Setting("StoragePath"));
+    EXPECT_EQ("\\Storage Card\\Backups\\", Text(tests::kStorageFolder));
+    ChooseNewWithoutDescription("\\Root");
+    EXPECT_TRUE(NameBecomes("Root"));
+    EXPECT_EQ("\\", Setting("StoragePath"));
+    EXPECT_EQ("\\", Text(tests::kStorageFolder));
+    EXPECT_EQ(236u, device().FileBytes(L"\\Root.sav").size());
+}
+
+// The first dot of the whole path ends the storage file's name, a folder's too, on purpose.
+TEST_F(ChosenLocationTest, ADotInAFolderCutsTheStorageFilesPath) {
+    device().MakeFolder(L"\\Storage Card\\my.backup");
+    OpenPage();
+    ChooseNewWithoutDescription("\\Storage Card\\my.backup\\data");
+    EXPECT_TRUE(NameBecomes("data"));
+    EXPECT_EQ("\\Storage Card\\my.backup\\", Setting("StoragePath"));
+    EXPECT_EQ(236u, device().FileBytes(L"\\Storage Card\\my.sav").size());
+    EXPECT_EQ("", device().FileBytes(L"\\Storage Card\\my.backup\\data.jrn"));
+    EXPECT_FALSE(device().Exists(L"\\Storage Card\\my.backup\\data.sav"));
+    // Its neighbour shares the storage file and is opened as it stands.
+    ChooseNew("\\Storage Card\\my.backup\\more");
+    EXPECT_TRUE(NameBecomes("more"));
+    EXPECT_FALSE(Shows(tests::kDescriptionTitle));
+    EXPECT_EQ(0u, BoxCount());
+}
+
+// The settings refuse the folder, so the name stands for a file beside the program. Header, states
+// and names belong together.
+TEST_F(ChosenLocationTest, ARefusedFolderOpensTheStorageThatTheSettingsNameOrNone) {
+    DeleteSetting("StoragePath");
+    const std::string storage = device().FileBytes(tests::kOtherStorage);
+    Open();
+    ChooseFile("\\Storage Card\\Tolvenar\\Other.jrn");
+    ExpectNoneOpenFor("Other");
+    EXPECT_EQ("no value", Setting("StoragePath"));
+    EXPECT_EQ(storage, device().FileBytes(tests::kOtherStorage));
+    device().PutFile(L"\\Program Files\\Tolvenar\\Storage\\Other.sav",
+                     tests::EmptyStorage(u"beside the program"));
+    ChooseFile("\\Storage Card\\Tolvenar\\Other.jrn");
+    EXPECT_TRUE(NameBecomes("Other"));
+    EXPECT_EQ("beside the program", Text(tests::kStorageDescription));
+    EXPECT_EQ("\\Program Files\\Tolvenar\\Storage\\", Text(tests::kStorageFolder));
+    ShowTab("Restore");
+    EXPECT_TRUE(Items(1014).empty());
+}
+
+// Settings of more than 129 characters are written and not read back.
+TEST_F(ChosenLocationTest, ANameOrFolderThatIsTooLongLeavesNoStorageOpen) {
+    const std::wstring folder = L"\\Storage Card\\" + std::wstring(120, L'f');
+    device().MakeFolder(folder);
+    OpenPage();
+    const std::string longest(129, 'n');
+    ChooseNewWithoutDescription(longest);
+    EXPECT_TRUE(NameBecomes(longest));
+    ChooseNewWithoutDescription(longest + "n");
+    ExpectNoneOpenFor(longest + "n");
+    ChooseNewWithoutDescription(std::string(folder.begin(), folder.end()) + "\\Home");
+    ExpectNoneOpenFor("Home");
+    ChooseFile("\\Storage Card\\Tolvenar\\Backup.jrn");
+    EXPECT_TRUE(NameBecomes("Backup"));
+}
+
+}  // namespace

@@ -1,0 +1,186 @@
+// A name that does not exist yet becomes a new storage, with the description that the user gives.
+#include "platform/win32.h"
+
+#include <cstring>
+
+#include "simulator/gate/gate.h"
+#include "tests/ui/storage_ui_test.h"
+
+namespace {
+
+const std::wstring kNew = L"\\Storage Card\\Tolvenar\\New";
+constexpr std::size_t kDescriptionAt = 232;
+
+class DescriptionDialogTest : public tests::StorageUiTest {
+protected:
+    void TearDown() override {
+        EXPECT_EQ("[]", device().Faults());
+        StorageUiTest::TearDown();
+    }
+    void ChooseNewName(const std::string& name) {
+        ChooseNew(name);
+        ASSERT_TRUE(Eventually(
+            [&] { return Shows(tests::kDescriptionTitle) && Sees(tests::kDescriptionText); }));
+        EXPECT_TRUE(FocusComesTo(tests::kDescriptionText));
+    }
+    std::string Storage(const std::wstring& ending = L"") {
+        return device().FileBytes(kNew + ending + L".sav");
+    }
+    std::string Journal(const std::wstring& ending = L"") {
+        return device().FileBytes(kNew + ending + L".jrn");
+    }
+    static std::uint32_t DescriptionBytes(const std::string& storage) {
+        std::uint32_t bytes = 0;
+        std::memcpy(&bytes, &storage.at(228), sizeof bytes);
+        return bytes;
+    }
+    // The ASCII text behind the head.
+    static std::string Description(const std::string& storage) {
+        std::string text;
+        for (std::size_t i = kDescriptionAt; i < storage.size(); i += 2) {
+            text += storage[i];
+        }
+        return text;
+    }
+    void ExpectWithoutDescription(const std::wstring& ending) {
+        EXPECT_TRUE(NameBecomes("New" + std::string(ending.begin(), ending.end())));
+        EXPECT_EQ(" ", Text(tests::kStorageDescription));
+        ASSERT_EQ(236u, Storage(ending).size());
+        EXPECT_EQ(std::string(8, '\0'), Storage(ending).substr(228));
+        EXPECT_EQ("", Journal(ending));
+    }
+    // The first storage is open, and nothing was left of the new one.
+    void ExpectNothingMade() {
+        EXPECT_TRUE(Eventually([&] { return device().Faults() == "[]"; }));
+        ExpectFirstOpen();
+        EXPECT_FALSE(Shows(tests::kDescriptionTitle));
+        EXPECT_FALSE(device().Exists(kNew + L".sav"));
+        EXPECT_FALSE(device().Exists(kNew + L".jrn"));
+    }
+};
+
+TEST_F(DescriptionDialogTest, OffersTheDevicesTextAndTakesWhatIsTypedBelowIt) {
+    Ask("reg-set HKLM\\Ident OrigName REG_SZ \"My handheld\"");
+    OpenPage();
+    ChooseNewName("New");
+    const std::string text = Text(tests::kDescriptionText);
+    EXPECT_EQ(0u, text.find("Device: My handheld, Processor:StrongARM(2577)\r\nWindows CE "
+                            "v3.00\r\nStorage created at Monday, November 16, 2026, 9:"))
+        << text;
+    EXPECT_EQ(" AM\r\n----------\r\n", text.substr(text.size() - 17));
+    EXPECT_FALSE(Top("Tolvenar")->at("enabled"));
+    const std::string edit = sim::Describe(reinterpret_cast<const void*>(
+        Control(tests::kDescriptionText)->at("handle").get<std::uintptr_t>()));
+    EXPECT_EQ(1u, Calls("SendMessageW", edit + ", 197, 199, "));       // EM_LIMITTEXT
+    EXPECT_EQ(1u, Calls("SendMessageW", edit + ", 177, 1000, 1000"));  // EM_SETSEL
+    for (const char* key : {"m", "enter", "n"}) {
+        Keys(key);
+    }
+    EXPECT_TRUE(Eventually([&] { return Text(tests::kDescriptionText) == text + "m\r\nn"; }));
+    Keys("tab");
+    EXPECT_TRUE(FocusComesTo(tests::kOk));
+    Keys("enter");
+    EXPECT_TRUE(NameBecomes("New"));
+    EXPECT_EQ(text + "m\r\nn", Text(tests::kStorageDescription));
+    EXPECT_EQ(text + "m\r\nn", Description(Storage()));
+}
+
+TEST_F(DescriptionDialogTest, ANewNameBecomesAnEmptyStorageWithUpTo199Characters) {
+    OpenPage();
+    ChooseNewName("New");
+    Type(tests::kDescriptionText, "0123456789");
+    AnswerDescription();
+    EXPECT_TRUE(NameBecomes("New"));
+    EXPECT_EQ("0123456789", Text(tests::kStorageDescription));
+    EXPECT_EQ("New", Setting("StorageFile"));
+    EXPECT_EQ(252u, Storage().size());
+    EXPECT_EQ(20u, DescriptionBytes(Storage()));
+    EXPECT_EQ("0123456789", Description(Storage()));
+    EXPECT_EQ("", Journal());
+    EXPECT_EQ(0u, BoxCount());
+    ShowTab("Restore");
+    EXPECT_TRUE(Items(1014).empty());
+
+    ShowTab("Storage file");
+    ChooseNewName("New2");
+    Type(tests::kDescriptionText, std::string(250, 'd'));
+    AnswerDescription();
+    EXPECT_TRUE(NameBecomes("New2"));
+    EXPECT_EQ(398u, DescriptionBytes(Storage(L"2")));
+    EXPECT_EQ(std::string(199, 'd'), Description(Storage(L"2")));
+    EXPECT_EQ(std::string(199, 'd'), Text(tests::kStorageDescription));
+}
+
+TEST_F(DescriptionDialogTest, CancelEscapeAndAnEmptyTextMakeAStorageWithoutADescription) {
+    OpenPage();
+    ChooseNewName("New1");
+    AnswerDescription(tests::kCancel);
+    ExpectWithoutDescription(L"1");
+    ChooseNewName("New2");
+    Keys("esc");
+    ExpectWithoutDescription(L"2");
+    ChooseNewName("New3");
+    Type(tests::kDescriptionText, "");
+    AnswerDescription();
+    ExpectWithoutDescription(L"3");
+    ChooseNewName("New4");
+    Type(tests::kDescriptionText, " ");
+    AnswerDescription();
+    EXPECT_TRUE(NameBecomes("New4"));
+    EXPECT_EQ(" ", Description(Storage(L"4")));
+}
+
+TEST_F(DescriptionDialogTest, AStorageThatCannotBeMadeLeavesNothingBehind) {
+    OpenPage();
+    ChooseFile("New");
+    ASSERT_TRUE(Eventually([&] { return BoxIsUp(); }));
+    Press(tests::kNo);
+    EXPECT_TRUE(Eventually([&] { return !BoxIsUp(); }));
+    EXPECT_TRUE(Shows(tests::kOpenTitle));
+    Press(tests::kCancel);
+    ExpectNothingMade();
+
+    device().Fault("CreateFileW", 1, 1, 112, "New.sav, 3221225472, 0, 2");
+    ChooseNew("New");
+    ExpectNothingMade();
+    device().Fault("CreateFileW", 1, 1, 112, "New.jrn, 3221225472, 1");
+    ChooseNewName("New");
+    AnswerDescription();
+    ExpectNothingMade();
+    EXPECT_EQ(0u, BoxCount());
+
+    ChooseNewName("New");
+    device().Set("card.free", "0");
+    AnswerDescription();
+    ExpectBox(tests::kPlainBox, "Storage header was not created.");
+    ExpectNothingMade();
+}
+
+// Another copy closes this one for its backup. The loops of dialogs end then with what looks like
+// OK.
+TEST_F(DescriptionDialogTest, ATakeOverUnderItIsCancel) {
+    device().PutFile(tests::kNote, "meanwhile");
+    OpenPage();
+    ChooseNewName("New");
+    Type(tests::kDescriptionText, "must not be kept");
+    EXPECT_EQ(0, Run("AutoBackup: External"));
+    ExpectEnd();
+    EXPECT_EQ("Backup", Setting("StorageFile"));
+    EXPECT_EQ(236u, Storage().size());
+    EXPECT_EQ("", Journal());
+    EXPECT_EQ((std::vector<int>{1, 2, 3}), States());
+}
+
+TEST_F(DescriptionDialogTest, ATakeOverUnderTheOpenDialogIsCancel) {
+    device().PutFile(tests::kNote, "meanwhile");
+    OpenPage();
+    Browse();
+    Type(tests::kOpenName, "Other.jrn");
+    EXPECT_EQ(0, Run("AutoBackup: External"));
+    ExpectEnd();
+    EXPECT_EQ("Backup", Setting("StorageFile"));
+    EXPECT_EQ(0u, Calls("CreateFileW", "Other"));
+    EXPECT_EQ((std::vector<int>{1, 2, 3}), States());
+}
+
+}  // namespace
