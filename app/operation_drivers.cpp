@@ -20,6 +20,16 @@ void KeepStatus(Application& app, ResultCode result) {
     }
 }
 
+// False without a journal, with which the storage would pass for empty, and when the card was
+// changed for another since it was loaded: its storage would be overwritten with this one's states.
+bool StorageIsReady(Application& app) {
+    if (HasStorage(app) && JournalIsAsLoaded(app.storage)) {
+        return true;
+    }
+    KeepStatus(app, ResultCode::kJournalUnreadable);
+    return false;
+}
+
 struct BackupRun {
     std::uint32_t state_number;
     const wchar_t* description;
@@ -83,7 +93,7 @@ bool BackupDriver(Application& app, std::uint32_t state_number, const wchar_t* d
     BackupRun run{state_number, description, 0};
     ReportContext context{app.main_dialog, automatic, true, 0, 0};
     ResultCode result = ResultCode::kJournalUnreadable;
-    if (HasStorage(app)) {
+    if (StorageIsReady(app)) {
         result = MemoryCheck(context.available) ? RunSuspended(app, run) : ResultCode::kNoMemory;
     }
     app.popup.CloseAndWait();
@@ -104,8 +114,7 @@ bool BackupDriver(Application& app, std::uint32_t state_number, const wchar_t* d
 }
 
 ResultCode RestoreRun(Application& app, std::uint32_t state_number) {
-    // Without a journal the storage would pass for empty, and everything for new.
-    if (!HasStorage(app)) {
+    if (!StorageIsReady(app)) {
         return ResultCode::kJournalUnreadable;
     }
     std::uint32_t available = 0;
@@ -126,7 +135,7 @@ ResultCode RestoreRun(Application& app, std::uint32_t state_number) {
 }
 
 ResultCode DifferencesRun(Application& app, bool invert_first) {
-    if (!HasStorage(app)) {
+    if (!StorageIsReady(app)) {
         return ResultCode::kJournalUnreadable;
     }
     const ObjectList* difference = app.storage.difference.get();

@@ -93,11 +93,17 @@ bool OpenJournal(OpenedStorage& storage, Progress* progress) {
     JournalLoad load{};
     if (LoadObjectList(storage.names, *storage.journal, progress, load) &&
         load.taken >= load.held) {
+        storage.journal_stamp = ReadJournalStamp(storage.names);
         return true;
     }
     LogMessage(u"Could't read journal", u"OpenJournal", kLogError);
     CloseJournal(storage.names, storage.journal, false, nullptr);
     return false;
+}
+
+bool JournalIsAsLoaded(const OpenedStorage& storage) {
+    return storage.journal != nullptr && storage.journal_stamp.exists &&
+           ReadJournalStamp(storage.names) == storage.journal_stamp;
 }
 
 bool LoadObjectList(const StorageNames& names, ObjectList& list, Progress* progress,

@@ -17,6 +17,10 @@ namespace tolvenar {
 // must never reach a restore.
 bool OpenJournal(OpenedStorage& storage, Progress* progress);
 
+// False when the journal file is another one than `storage.journal` was loaded from, or gone: an
+// operation would mix two storages.
+bool JournalIsAsLoaded(const OpenedStorage& storage);
+
 struct JournalLoad {
     std::uint32_t taken;  // records read
     std::uint32_t held;   // records in the file, a short one at its end included

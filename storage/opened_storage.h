@@ -6,6 +6,7 @@
 
 #include "snapshot/object_list.h"
 #include "snapshot/registry_objects.h"
+#include "storage/journal_stamp.h"
 #include "storage/storage_header.h"
 #include "storage/storage_names.h"
 
@@ -15,6 +16,7 @@ struct OpenedStorage {
     StorageNames names;
     std::unique_ptr<StorageHeader> header;   // null while no storage is open
     std::unique_ptr<ObjectList> journal;     // every record of every state; null when not loaded
+    JournalStamp journal_stamp;              // the journal file's when it was loaded
     std::unique_ptr<ObjectList> list1;       // the older state
     std::unique_ptr<ObjectList> list2;       // the newer state or the device
     std::unique_ptr<ObjectList> difference;  // what differs, for writer, restore and tree

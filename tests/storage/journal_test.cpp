@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "platform/text.h"
 #include "tests/storage/storage_fixture.h"
 
 namespace tolvenar {
@@ -106,6 +107,41 @@ TEST_F(JournalTest, TheFingerprintIsPartOfTheKeyOfValuesAndDatabaseRecords) {
         ASSERT_TRUE(Open());
         EXPECT_EQ(2u, storage_.journal->CountRecords()) << int{type};
     }
+}
+
+TEST_F(JournalTest, AJournalThatStaysIsAsLoaded) {
+    Put(kJournal, kThreeRecords);
+    ASSERT_TRUE(Open());
+    EXPECT_TRUE(JournalIsAsLoaded(storage_));
+    ASSERT_NE(0, Save());
+    ASSERT_TRUE(Open());
+    EXPECT_TRUE(JournalIsAsLoaded(storage_));
+}
+
+TEST_F(JournalTest, AnotherCardsJournalIsNotAsLoaded) {
+    Put(kJournal, kThreeRecords);
+    ASSERT_TRUE(Open());
+    Put(kJournal, InOrder(kThreeRecords, {0, 1}));
+    EXPECT_FALSE(JournalIsAsLoaded(storage_));
+}
+
+TEST_F(JournalTest, AJournalOfTheSameSizeAndAnotherTimeIsNotAsLoaded) {
+    Put(kJournal, kThreeRecords);
+    ASSERT_TRUE(Open());
+    device().Command("touch \"\\Backups\\Home.jrn\" 126227808000000000");
+    EXPECT_FALSE(JournalIsAsLoaded(storage_));
+}
+
+TEST_F(JournalTest, AJournalThatIsGoneIsNotAsLoaded) {
+    Put(kJournal, kThreeRecords);
+    ASSERT_TRUE(Open());
+    ASSERT_TRUE(::DeleteFileW(Wide(kJournal)));
+    EXPECT_FALSE(JournalIsAsLoaded(storage_));
+}
+
+TEST_F(JournalTest, WithoutAListNothingIsAsLoaded) {
+    Put(kJournal, kThreeRecords);
+    EXPECT_FALSE(JournalIsAsLoaded(storage_));
 }
 
 TEST_F(JournalTest, AFinalShortReadIsStillARecord) {
