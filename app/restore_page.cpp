@@ -152,16 +152,27 @@ void RestorePage::ShowDifferences() {
     app_.popup.CloseAndWait();
 }
 
+// Half a comparison, or an earlier one, would pass for the whole of this one: after a failure there
+// are no differences.
 void RestorePage::CompareWithOlder(const ObjectRecord& state, const ObjectRecord* older) {
     wchar_t caption[64] = L"";
-    if (older != nullptr) {
-        FindDifferenceEx(app_.engine, older->state_number, state.state_number);
+    DropDifferences();
+    if (older != nullptr &&
+        FindDifferenceEx(app_.engine, older->state_number, state.state_number)) {
         ::wsprintfW(caption, L"Differences from State %i to State %i", older->state_number,
                     state.state_number);
-    } else if (app_.storage.difference != nullptr) {
-        app_.storage.difference->ClearList();
+    } else {
+        DropDifferences();
     }
     ::SetWindowTextW(Control(IDC_DIFFERENCES_CAPTION), caption);
+}
+
+// With the registry objects of a restore that left some of them over.
+void RestorePage::DropDifferences() {
+    if (app_.storage.difference != nullptr) {
+        app_.storage.difference->ClearList();
+    }
+    app_.storage.registry_objects.RegObjectClear();
 }
 
 void RestorePage::OnRestoreEnded(bool items_left) {
@@ -188,9 +199,7 @@ void RestorePage::LeaveFailed() {
     if (IsOccupied(app_)) {
         return;
     }
-    if (app_.storage.difference != nullptr) {
-        app_.storage.difference->ClearList();
-    }
+    DropDifferences();
     ForgetMissingDifferences();
 }
 

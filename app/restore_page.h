@@ -39,6 +39,7 @@ private:
     void RequestDifferences();
     void ShowDifferences();
     void CompareWithOlder(const ObjectRecord& state, const ObjectRecord* older);
+    void DropDifferences();
     void OnRestoreEnded(bool items_left);
     void LeaveFailed();
     void ForgetMissingDifferences();

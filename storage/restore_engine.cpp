@@ -15,16 +15,21 @@
 namespace tolvenar {
 namespace {
 
-// The registry-object table is of use until the last registry object has been handled.
+// The registry-object table is of use for as long as there is a list with live registry objects:
+// what could not be restored is shown and tried again.
 class RegistryObjectsScope {
 public:
-    explicit RegistryObjectsScope(RegistryObjects& objects) : objects_(objects) {}
-    ~RegistryObjectsScope() { objects_.RegObjectClear(); }
+    explicit RegistryObjectsScope(OpenedStorage& storage) : storage_(storage) {}
+    ~RegistryObjectsScope() {
+        if (storage_.difference == nullptr) {
+            storage_.registry_objects.RegObjectClear();
+        }
+    }
     RegistryObjectsScope(const RegistryObjectsScope&) = delete;
     RegistryObjectsScope& operator=(const RegistryObjectsScope&) = delete;
 
 private:
-    RegistryObjects& objects_;
+    OpenedStorage& storage_;
 };
 
 // Takes out of the difference list what is never restored. False when the storage file, which
@@ -75,17 +80,24 @@ bool FailEarly(OpenedStorage& storage, ResultCode reason, ResultCode& result_cod
     return false;
 }
 
+// Nothing was restored. The list is left as one that was restored in part: whoever tries again has
+// its sense turned round first, and would delete what is to be written back.
+bool FailWithWholeList(OpenedStorage& storage, ResultCode& result_code) {
+    InvertPendingFlags(*storage.difference);
+    return FailEarly(storage, ResultCode::kFailed, result_code);
+}
+
 }  // namespace
 
 bool DoRestore(Engine& engine, std::uint32_t state_number, ResultCode& result_code) {
     OpenedStorage& storage = engine.storage;
-    const RegistryObjectsScope registry_objects(storage.registry_objects);
+    const RegistryObjectsScope registry_objects(storage);
     result_code = ResultCode::kSuccess;
     if (!FindDifference(engine, state_number)) {
         return FailEarly(storage, ResultCode::kNoDifferenceList, result_code);
     }
     if (!PruneForRestore(engine)) {
-        return FailEarly(storage, ResultCode::kFailed, result_code);
+        return FailWithWholeList(storage, result_code);
     }
     if (storage.difference->CountRecords() == 0) {
         for (int phase = 0; phase < 3; ++phase) {
@@ -100,7 +112,7 @@ bool DoRestore(Engine& engine, std::uint32_t state_number, ResultCode& result_co
 
 bool DoAdvancedRestore(Engine& engine, bool invert_first, ResultCode& result_code) {
     OpenedStorage& storage = engine.storage;
-    const RegistryObjectsScope registry_objects(storage.registry_objects);
+    const RegistryObjectsScope registry_objects(storage);
     result_code = ResultCode::kSuccess;
     if (storage.difference == nullptr) {
         return false;
@@ -109,7 +121,7 @@ bool DoAdvancedRestore(Engine& engine, bool invert_first, ResultCode& result_cod
         InvertPendingFlags(*storage.difference);
     }
     if (!PruneForRestore(engine)) {
-        return FailEarly(storage, ResultCode::kFailed, result_code);
+        return FailWithWholeList(storage, result_code);
     }
     const bool restores_databases =
         (ReadSetting(setting::kAdvancedDBRestoring) & kSettingMask) != 0;

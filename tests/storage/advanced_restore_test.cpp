@@ -101,6 +101,63 @@ TEST_F(AdvancedRestoreTest, AStorageFileThatCannotBeOpenedKeepsTheList) {
     EXPECT_EQ("[]", device().Faults());
 }
 
+// The sense is turned round by then, as after a restore that left something over: "+" tries again.
+TEST_F(AdvancedRestoreTest, WhatAStorageFileThatCannotBeOpenedLeftOverIsTriedAgain) {
+    for (const bool invert : {false, true}) {
+        SCOPED_TRACE(invert);
+        if (!invert) {
+            MakeTwoStates();
+        } else {
+            ASSERT_EQ(1, FindDifferenceEx(engine_, 1, 2));
+        }
+        device().Fault("CreateFileW", 1, 1, ERROR_SHARING_VIOLATION, "t.sav");
+        EXPECT_FALSE(RestoreAdvanced(invert));
+        EXPECT_TRUE(RestoreAdvanced(true));
+        EXPECT_EQ(ResultCode::kSuccess, code_);
+        EXPECT_EQ(invert ? "two, longer" : "one", device().FileBytes(L"\\a.txt"));
+        device().Command("faults clear");
+    }
+}
+
+TEST_F(AdvancedRestoreTest, ARestoreWhoseStorageFileCannotBeOpenedIsTriedAgain) {
+    MakeTwoStates();
+    device().PutFile(L"\\b.txt", "new");
+    device().Fault("CreateFileW", 2, 1, ERROR_SHARING_VIOLATION, "t.sav");
+    EXPECT_FALSE(RestoreState(1));
+    EXPECT_EQ(ResultCode::kFailed, code_);
+    ExpectOnlyTheDifferenceList();
+    EXPECT_EQ("two, longer", device().FileBytes(L"\\a.txt"));
+    EXPECT_TRUE(RestoreAdvanced(true));
+    EXPECT_EQ("one", device().FileBytes(L"\\a.txt"));
+    EXPECT_FALSE(device().Exists(L"\\b.txt"));
+}
+
+// A value of the device alone is known by the table that the scan made of it.
+TEST_F(AdvancedRestoreTest, AValueThatCouldNotBeDeletedIsKnownUntilItIs) {
+    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Dword(1));
+    device().Fault("RegDeleteKeyW", 1, 1, ERROR_ACCESS_DENIED);  // its key would take it along
+    device().Fault("RegDeleteValueW", 1, 1000, ERROR_ACCESS_DENIED);
+    std::uint32_t TolvOID = 0;
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_TRUE(i == 0 ? RestoreState(1) : RestoreAdvanced(true));
+        ASSERT_EQ(ResultCode::kFailed, code_);
+        ASSERT_EQ(std::vector<std::uint16_t>{JF_DELETE}, DifferenceFlags());
+        ObjectList::Cursor cursor = storage_.difference->First();
+        ObjectRecord* record = nullptr;
+        ObjectList::Next(cursor, nullptr, &record);
+        InfoBlock block;
+        EXPECT_TRUE(info_.GetOIDInfo(record->TolvOID, record->dwOID, block));
+        EXPECT_EQ(u"Key\u00FFv", std::u16string(block.name()));
+        TolvOID = record->TolvOID;
+    }
+    device().Command("faults clear");
+    EXPECT_TRUE(RestoreAdvanced(true));
+    EXPECT_EQ(ResultCode::kSuccess, code_);
+    EXPECT_EQ("", Value(HKEY_CURRENT_USER, L"Key", L"v"));
+    EXPECT_EQ(nullptr, storage_.registry_objects.RegObjectFind(TolvOID));
+}
+
 TEST_F(AdvancedRestoreTest, AnUrlCacheThatTheInvertedListDeletesIsLeftOnTheDevice) {
     ASSERT_EQ(ResultCode::kSuccess, Backup(1));
     MakeDatabase(u"\\URL Cache");

@@ -226,7 +226,7 @@ TEST_F(RestoreEngineTest, WhenTheRoomOnTheCardCannotBeToldTheJournalStaysAsItIs)
     EXPECT_EQ("[]", device().Faults());
 }
 
-TEST_F(RestoreEngineTest, TheRegistryObjectsAreForgottenAtTheEnd) {
+TEST_F(RestoreEngineTest, TheRegistryObjectsAreForgottenWithTheDifferenceList) {
     SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Dword(1));
     ASSERT_EQ(ResultCode::kSuccess, Backup(1));
     SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Dword(2));
@@ -240,10 +240,12 @@ TEST_F(RestoreEngineTest, TheRegistryObjectsAreForgottenAtTheEnd) {
     ASSERT_NE(nullptr, storage_.registry_objects.RegObjectFind(TolvOID));
     EXPECT_TRUE(RestoreState(1));
     EXPECT_EQ(nullptr, storage_.registry_objects.RegObjectFind(TolvOID));
-    // On a way out that fails early too.
+    // What is left over is described by them.
     device().Fault("CreateFileW", 2, 1, ERROR_SHARING_VIOLATION, "t.sav");
     SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Dword(3));
     EXPECT_FALSE(RestoreState(1));
+    EXPECT_NE(nullptr, storage_.registry_objects.RegObjectFind(TolvOID));
+    EXPECT_TRUE(RestoreAdvanced(true));
     EXPECT_EQ(nullptr, storage_.registry_objects.RegObjectFind(TolvOID));
 }
 
