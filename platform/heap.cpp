@@ -2,8 +2,6 @@
 
 #include "platform/win32.h"
 
-#include <new>
-
 namespace tolvenar {
 namespace {
 constexpr DWORD kInitialHeapBytes = 5000000;
@@ -42,20 +40,3 @@ void HeapRelease(void* block) {
 void* PrivateHeapHandle() { return CreatePrivateHeap() ? private_heap : nullptr; }
 
 }  // namespace tolvenar
-
-using tolvenar::HeapAllocate;
-using tolvenar::HeapRelease;
-using tolvenar::kHeapZeroFill;
-
-void* operator new(std::size_t size) { return HeapAllocate(kHeapZeroFill, size); }
-void* operator new[](std::size_t size) { return HeapAllocate(kHeapZeroFill, size); }
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    return HeapAllocate(kHeapZeroFill, size);
-}
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-    return HeapAllocate(kHeapZeroFill, size);
-}
-void operator delete(void* block) noexcept { HeapRelease(block); }
-void operator delete[](void* block) noexcept { HeapRelease(block); }
-void operator delete(void* block, std::size_t) noexcept { HeapRelease(block); }
-void operator delete[](void* block, std::size_t) noexcept { HeapRelease(block); }

@@ -1,0 +1,66 @@
+#include "tests/ui/stored_states.h"
+
+#include "difftree/list_enumerator.h"
+#include "simulator/host/host_files.h"
+#include "snapshot/difference_engine.h"
+#include "storage/backup_writer.h"
+#include "storage/journal.h"
+#include "storage/storage_file.h"
+#include "tests/support/fake_tree.h"
+
+namespace tests {
+namespace {
+
+using namespace tolvenar;
+
+constexpr char16_t kStoragePath[] = u"\\Storage Card\\Tolvenar\\Backup";
+
+std::string Narrow(const std::u16string& text) {
+    return sim::host::Utf8(std::wstring(text.begin(), text.end()));
+}
+
+void AddLines(const FakeItem& item, std::size_t depth, std::vector<TreeLine>& lines) {
+    lines.push_back({depth, Narrow(item.text), item.is_bold,
+                     StyleOf(kDefaultStyles, item.record->flags).colour});
+    for (const FakeItem* child : item.children) {
+        AddLines(*child, depth + 1, lines);
+    }
+}
+
+}  // namespace
+
+StoredStates::StoredStates(TestDevice& device) {
+    device.MakeFolder(L"\\Storage Card\\Tolvenar");
+    OpenStorageResult result{};
+    const bool made = MakeStorageNames(kStoragePath, storage_.names) &&
+                      CreateStorage(kStoragePath, nullptr) != nullptr &&
+                      OpenStorage(storage_.names.sav, storage_, result) &&
+                      OpenJournal(storage_, nullptr);
+    EXPECT_TRUE(made);
+}
+
+StoredStates::~StoredStates() { CloseStorage(storage_); }
+
+void StoredStates::BackUp(const std::string& description) {
+    const std::u16string text(description.begin(), description.end());
+    ResultCode code{};
+    std::uint32_t needed = 0;
+    const std::uint32_t number = NextStateNumber(storage_.journal.get());
+    EXPECT_TRUE(DoBackup(engine_, number, text.c_str(), false, code, needed));
+    EXPECT_EQ(ResultCode::kSuccess, code);
+}
+
+std::vector<TreeLine> StoredStates::Tree(unsigned older, unsigned newer, bool advanced_view) {
+    storage_.difference.reset();
+    EXPECT_EQ(older == 0 ? 0 : 1, older == 0 ? 0 : FindDifferenceEx(engine_, older, newer));
+    ListEnumerator enumerator(engine_);
+    TreeBuild build;
+    build.advanced_view = advanced_view;
+    FakeTree tree;
+    EXPECT_EQ(1, BuildDifferenceTree(tree, EnglishTexts(), enumerator, build));
+    std::vector<TreeLine> lines;
+    AddLines(*tree.root(), 0, lines);
+    return lines;
+}
+
+}  // namespace tests
