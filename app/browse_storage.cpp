@@ -90,15 +90,14 @@ OpenStorageResult CreateAndOpen(Application& app, const StorageNames& names) {
         return OpenStorageResult::kHeaderUnreadable;
     }
     DescriptionDialog prompt(app);
-    if (!CreateStoragePair(names, &prompt) || app.is_ending) {
-        return OpenStorageResult::kFileMissing;
+    OpenStorageResult result = OpenStorageResult::kFileMissing;
+    if (CreateStoragePair(names, &prompt) && OpenStorage(names.sav, app.storage, result)) {
+        return OpenStorageResult::kOpened;
     }
-    OpenStorageResult result = OpenStorageResult::kOpened;
-    if (!OpenStorage(names.sav, app.storage, result)) {
-        // The card was full, say. What was just made holds nothing.
-        ::DeleteFileW(Wide(names.journal));
-        ::DeleteFileW(Wide(names.sav));
-    }
+    // The card was full, say. What was just made holds nothing, and half of it would keep the name
+    // from being taken again.
+    ::DeleteFileW(Wide(names.journal));
+    ::DeleteFileW(Wide(names.sav));
     return result;
 }
 

@@ -23,7 +23,7 @@ bool DescriptionDialog::AskDescription(const char16_t* proposed,
     ::DialogBoxParamW(app_.instance, MAKEINTRESOURCEW(IDD_DESCRIPTION), app_.main_dialog,
                       DialogProcedure, reinterpret_cast<LPARAM>(this));
     units = units_;
-    return is_confirmed_ && !app_.is_ending;
+    return is_confirmed_;
 }
 
 INT_PTR DescriptionDialog::OnInit(HWND window) {

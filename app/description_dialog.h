@@ -10,8 +10,7 @@ class DescriptionDialog final : public DescriptionPrompt {
 public:
     explicit DescriptionDialog(const Application& app) : app_(app) {}
 
-    // Modal. False also when the program ended meanwhile: the modal loop then ends with what looks
-    // like OK.
+    // Modal. True only when OK was pressed: a loop that the program's end ends answers the same.
     bool AskDescription(const char16_t* proposed, char16_t (&answer)[kMaxDescriptionUnits],
                         std::size_t& units) override;
 

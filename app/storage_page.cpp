@@ -7,7 +7,7 @@
 namespace tolvenar {
 namespace {
 
-constexpr wchar_t kNoStorage[] = L"No storage file is open. Choose one, or type a new name.";
+constexpr wchar_t kNoStorage[] = L"No storage file is open. Browse to choose or create one.";
 
 bool IsOpen(const Application& app) { return app.storageStatus == StorageStatus::kOpen; }
 
@@ -35,6 +35,7 @@ void StoragePage::ShowName() {
     ::SetWindowTextW(Control(IDC_STORAGE_NAME), Wide(stem));
 }
 
+// Without a storage its place tells what to do.
 void StoragePage::ShowFolder() {
     wchar_t folder[kStoragePathUnits];
     ::wcscpy(folder, Wide(app_.storage.names.path));
@@ -42,6 +43,7 @@ void StoragePage::ShowFolder() {
         backslash[1] = 0;
     }
     ::SetWindowTextW(Control(IDC_STORAGE_FOLDER), IsOpen(app_) ? folder : kNoStorage);
+    ::ShowWindow(Control(IDC_STORAGE_FOLDER_LABEL), IsOpen(app_) ? SW_SHOW : SW_HIDE);
 }
 
 // A storage without a description shows a single blank, on purpose: an empty field means that none

@@ -149,6 +149,14 @@ TEST_F(DescriptionDialogTest, AStorageThatCannotBeMadeLeavesNothingBehind) {
     ExpectNothingMade();
     EXPECT_EQ(0u, BoxCount());
 
+    {
+        // What an interrupted save left would pass for the new storage's journal.
+        device().PutFile(kNew + L".jrn_1", "old");
+        const auto lock = device().Lock(kNew + L".jrn_1");
+        ChooseNewName("New");
+        AnswerDescription();
+        ExpectNothingMade();
+    }
     ChooseNewName("New");
     device().Set("card.free", "0");
     AnswerDescription();
@@ -179,7 +187,11 @@ TEST_F(DescriptionDialogTest, ATakeOverUnderTheOpenDialogIsCancel) {
     EXPECT_EQ(0, Run("AutoBackup: External"));
     ExpectEnd();
     EXPECT_EQ("Backup", Setting("StorageFile"));
-    EXPECT_EQ(0u, Calls("CreateFileW", "Other"));
+    for (const nlohmann::json& call : Ask("trace show CreateFileW")) {
+        const std::string arguments = call["arguments"];
+        EXPECT_EQ(0u, arguments.find('\\')) << "no path: " << arguments;
+        EXPECT_EQ(std::string::npos, arguments.find("Other"));
+    }
     EXPECT_EQ((std::vector<int>{1, 2, 3}), States());
 }
 

@@ -34,7 +34,7 @@ TEST_F(StartupTest, AHeldStorageFileSaysNothing) {
 }
 
 TEST_F(StartupTest, TooLittleMemorySaysNothing) {
-    device().Fault("HeapAlloc", 2, 1, 8);
+    device().Fault("HeapAlloc", 3, 1, 8);  // the application, the header, then the lists
     ExpectSilentStart();
 }
 

@@ -84,13 +84,15 @@ bool StorageUiTest::NameBecomes(const std::string& text) {
 void StorageUiTest::ExpectNoneOpen() {
     EXPECT_TRUE(NameBecomes(""));
     EXPECT_EQ("", Text(kStorageDescription));
-    EXPECT_EQ("No storage file is open. Choose one, or type a new name.", Text(kStorageFolder));
+    EXPECT_EQ("No storage file is open. Browse to choose or create one.", Text(kStorageFolder));
+    EXPECT_FALSE(Sees(kStorageFolderLabel));
 }
 
 void StorageUiTest::ExpectFirstOpen() {
     EXPECT_TRUE(NameBecomes("Backup"));
     EXPECT_EQ(" ", Text(kStorageDescription));
     EXPECT_EQ(kCardFolder, Text(kStorageFolder));
+    EXPECT_TRUE(Sees(kStorageFolderLabel));
     EXPECT_EQ("Backup", Setting("StorageFile"));
     EXPECT_EQ(kCardFolder, Setting("StoragePath"));
 }

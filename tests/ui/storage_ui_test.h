@@ -15,6 +15,7 @@ enum : int {
     kOpenReadOnly = 0x410,
     kOpenName = 0x480,
     kStorageName = 1019,
+    kStorageFolderLabel = 1121,
     kStorageFolder = 1122,
     kStorageDescription = 1026,
     kDescriptionText = 1014,
