@@ -57,23 +57,6 @@ TEST_F(FrameTest, WithoutAStorageTheStorageFilePageIsTheFirst) {
     EXPECT_FALSE(device().Exists(tests::kStorageFile));  // an interactive start creates nothing
 }
 
-TEST_F(FrameTest, ControlTabGoesRoundForward) {
-    Open();
-    for (const char* name :
-         {"Restore", "Advanced Restore", "Storage file", "Options", "About", "Backup"}) {
-        Keys("ctrl+tab");
-        EXPECT_TRUE(TabBecomes(name)) << name;
-    }
-}
-
-TEST_F(FrameTest, ControlShiftTabGoesRoundBackward) {
-    Open();
-    Keys("ctrl+shift+tab");
-    EXPECT_TRUE(TabBecomes("About"));
-    Keys("ctrl+shift+tab");
-    EXPECT_TRUE(TabBecomes("Options"));
-}
-
 TEST_F(FrameTest, ASelectedTabShowsItsPageAlone) {
     Open();
     ShowTab("Restore");
@@ -113,80 +96,6 @@ TEST_F(FrameTest, TheCloseBoxEndsTheProgram) {
     Ask("window close");
     ExpectEnd();
     EXPECT_EQ(1u, Calls("CreateProcessW", "kestrin_tolvenar_agent.exe"));
-}
-
-TEST_F(FrameTest, EscapeDoesNothing) {
-    Open();
-    Keys("esc");
-    ShowTab("Restore");
-    Select(1014, "State 1");
-    Keys("esc");
-    Keys("ctrl+tab");
-    EXPECT_TRUE(TabBecomes("Advanced Restore"));
-    EXPECT_TRUE(ProgramRuns());
-}
-
-// An edit control of several lines closes its dialog on Escape.
-TEST_F(FrameTest, EscapeInTheDescriptionLeavesThePage) {
-    Open();
-    ShowTab("Restore");
-    Keys("alt+e");
-    EXPECT_TRUE(Eventually([&] { return Control(1016)->at("focused") == true; }));
-    Keys("esc");
-    Keys("ctrl+shift+tab");
-    EXPECT_TRUE(TabBecomes("Backup"));
-    ShowTab("Restore");
-    EXPECT_TRUE(Eventually([&] { return Sees(1016); }));
-}
-
-TEST_F(FrameTest, TabGoesThroughThePageAndTheTabs) {
-    Open();
-    const int order[] = {1001, 1000, 1018, 1001};
-    for (const int id : order) {
-        Keys("tab");
-        EXPECT_TRUE(Eventually([&] { return Control(id)->at("focused") == true; })) << id;
-    }
-}
-
-TEST_F(FrameTest, TabLeavesTheDescriptionOfAState) {
-    Open();
-    ShowTab("Restore");
-    Keys("alt+e");
-    EXPECT_TRUE(Eventually([&] { return Control(1016)->at("focused") == true; }));
-    Keys("tab");
-    EXPECT_TRUE(Eventually([&] { return Control(1002)->at("focused") == true; }));
-    Keys("tab");
-    EXPECT_TRUE(Eventually([&] { return Control(1000)->at("focused") == true; }));
-}
-
-TEST_F(FrameTest, EnterPressesThePagesButton) {
-    Open();
-    Keys("enter");
-    ExpectReminder(tests::kBackupReminder, tests::kCancel);
-    ShowTab("Restore");
-    Keys("enter");
-    ExpectReminder(tests::kRestoreReminder, tests::kCancel);
-}
-
-TEST_F(FrameTest, EnterClicksTheButtonThatHasTheFocus) {
-    SetDword("Reminders", 12);
-    Open();
-    ShowTab("Advanced Restore");
-    Keys("alt+s");
-    Keys("tab");  // the state's description
-    Keys("tab");  // the tree
-    Keys("tab");
-    EXPECT_TRUE(Eventually([&] { return Control(1037)->at("focused") == true; }));
-    Keys("enter");
-    ExpectReminder(tests::kRestoreReminder, tests::kCancel);
-}
-
-TEST_F(FrameTest, EnterOnTheTabsPressesThePagesButton) {
-    Open();
-    Keys("shift+tab");
-    EXPECT_TRUE(Eventually([&] { return Control(1000)->at("focused") == true; }));
-    Keys("enter");
-    ExpectReminder(tests::kBackupReminder, tests::kCancel);
 }
 
 TEST_F(FrameTest, AStorageOfAnotherDeviceIsToldOnce) {

@@ -126,7 +126,7 @@ TEST_F(OptionsPageTest, ANewTimeAppliesAPendingChange) {
 }
 
 TEST_F(OptionsPageTest, AChangeIsAppliedAfterThreeSecondsOutOfSight) {
-    Ask("set sleep.scale 2");
+    Ask("set sleep.scale 4");
     OpenOptions();
     EXPECT_EQ("ready:", LabelText());
     EXPECT_EQ(0, BarPosition());
