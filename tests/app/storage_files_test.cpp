@@ -107,6 +107,14 @@ TEST_F(StorageFilesTest, AStorageFileThatCannotBeCreatedLeavesTheJournal) {
     EXPECT_EQ(std::string(64, 'j'), device().FileBytes(kJournal));
 }
 
+// Read and write access, others may read, made when it is not there.
+TEST_F(StorageFilesTest, AnOldJournalIsOpenedNotReplaced) {
+    device().Fault("CreateFileW", 1, 1, ERROR_ACCESS_DENIED, "Home.jrn, 3221225472, 1, 4, 128");
+    EXPECT_FALSE(CreateNewStorage());
+    EXPECT_EQ("[]", device().Faults());
+    EXPECT_TRUE(CreateNewStorage());
+}
+
 TEST_F(StorageFilesTest, DeletingTakesBothFiles) {
     ASSERT_TRUE(CreateNewStorage());
     EXPECT_TRUE(DeleteOldStorage());
