@@ -9,6 +9,7 @@ using Texts = std::vector<std::string>;
 
 constexpr int kStates = 1014;
 constexpr LONG kReadOnlyStyle = 0x0800;
+constexpr UINT kConfirmedBackup = WM_APP + 124;
 
 class StoragePageTest : public tests::StorageUiTest {
 protected:
@@ -26,9 +27,20 @@ protected:
         ChooseFile("Other.jrn");
         ASSERT_TRUE(NameBecomes("Other"));
     }
+    // A backup that takes its time with the databases, when the schedule is off. It answers nobody
+    // meanwhile.
+    void StartSlowBackup() {
+        device().PutFile(tests::kNote, "meanwhile " + std::to_string(++backups_));
+        Ask("delay CeFindFirstDatabaseEx 1 600");
+        ::PostMessageW(::FindWindowW(L"TolvenarOperationClass", nullptr), kConfirmedBackup, 1, 0);
+        ASSERT_TRUE(Eventually([&] { return Dword("onTime") == 0u; }));
+    }
     bool PageBecomes(const std::string& tab) {
         return Eventually([&] { return SelectedTab() == tab; });
     }
+
+private:
+    int backups_ = 0;
 };
 
 // A single blank for a storage without a description: an empty field means that none is open.
@@ -126,6 +138,31 @@ TEST_F(StoragePageTest, AJournalThatCannotBeReadLeavesNoStorageOpen) {
     EXPECT_TRUE(PageBecomes("Storage file"));
     ChooseOther();  // once it can be read it is opened
     EXPECT_EQ("The other one", Text(tests::kStorageDescription));
+}
+
+// Whether the question came before the operation or during it.
+TEST_F(StoragePageTest, DuringAnOperationNoStorageIsChosen) {
+    SetDword("onTime", 1);
+    OpenPage();
+    const HWND button = Handle(tests::kBrowse);
+    StartSlowBackup();
+    ::PostMessageW(::GetParent(button), WM_COMMAND, MAKEWPARAM(tests::kBrowse, BN_CLICKED),
+                   reinterpret_cast<LPARAM>(button));
+    EXPECT_TRUE(BecomesIdle());
+    EXPECT_TRUE(PageBecomes("Restore"));
+    EXPECT_FALSE(Shows(tests::kOpenTitle));
+
+    ShowTab("Storage file");
+    Browse();
+    Type(tests::kOpenName, "Other.jrn");
+    const HWND dialog = ::GetParent(Handle(tests::kOpenName));
+    StartSlowBackup();
+    ::PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+    EXPECT_TRUE(BecomesIdle());
+    EXPECT_TRUE(Eventually([&] { return !Shows(tests::kOpenTitle); }));
+    EXPECT_EQ("Backup", Setting("StorageFile"));
+    EXPECT_EQ(0u, Calls("CreateFileW", "Other"));
+    EXPECT_EQ((std::vector<int>{1, 2, 3, 4}), States());
 }
 
 }  // namespace
