@@ -19,6 +19,13 @@ std::string TextOf(HWND window) {
     return Utf8(text);
 }
 
+// As the window system knows it: a thread that works, or waits, is not asked.
+std::string CaptionOf(HWND window) {
+    wchar_t text[kMaxItemUnits] = L"";
+    ::InternalGetWindowText(window, text, kMaxItemUnits);
+    return Utf8(text);
+}
+
 std::string PickedTime(HWND picker) {
     SYSTEMTIME time{};
     if (Ask(picker, DTM_GETSYSTEMTIME, 0, reinterpret_cast<LPARAM>(&time)) != GDT_VALID) {
@@ -169,7 +176,7 @@ Window DescribeOne(HWND window, const Screen& screen) {
     out.pid = pid;
     out.id = child ? ::GetDlgCtrlID(window) : 0;
     out.class_name = ClassOf(window);
-    out.text = TextOf(window);
+    out.text = child ? TextOf(window) : CaptionOf(window);
     out.left = rect.left;
     out.top = rect.top;
     out.width = rect.right - rect.left;
