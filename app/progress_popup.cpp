@@ -10,6 +10,12 @@ namespace {
 constexpr int kPolls = 100;
 constexpr DWORD kPollMs = 50;
 
+void ShowTotal(HWND window, bool is_shown) {
+    for (const int id : {IDC_TOTAL_BAR, IDC_TOTAL_LABEL}) {
+        ::ShowWindow(::GetDlgItem(window, id), is_shown ? SW_SHOW : SW_HIDE);
+    }
+}
+
 }  // namespace
 
 void ProgressPopup::Show(HWND owner, const wchar_t* title, int total_steps) {
@@ -21,6 +27,7 @@ void ProgressPopup::Show(HWND owner, const wchar_t* title, int total_steps) {
     }
     if (!thread_) {
         owner_ = owner;
+        total_steps_ = total_steps;
         ::wcsncpy(title_, title, kTitleUnits - 1);
         thread_.Reset(::CreateThread(nullptr, 0, Run, this, 0, nullptr));
         if (!thread_) {
@@ -70,9 +77,7 @@ void ProgressPopup::Publish(int total_steps) {
     windows_.step_text = ::GetDlgItem(window, IDC_STEP_TEXT);
     windows_.step_bar = ::GetDlgItem(window, IDC_STEP_BAR);
     windows_.total_bar = ::GetDlgItem(window, IDC_TOTAL_BAR);
-    const int show = total_steps == 0 ? SW_HIDE : SW_SHOW;
-    ::ShowWindow(windows_.total_bar, show);
-    ::ShowWindow(::GetDlgItem(window, IDC_TOTAL_LABEL), show);
+    ShowTotal(window, total_steps != 0);
     if (total_steps == 0) {
         return;
     }
@@ -92,6 +97,7 @@ DWORD WINAPI ProgressPopup::Run(void* parameter) {
 INT_PTR ProgressPopup::OnInit(HWND window) {
     window_ = window;
     ::SetWindowTextW(window, title_);
+    ShowTotal(window, total_steps_ != 0);  // before the user sees the popup
     ::ShowWindow(window, SW_SHOW);
     ::UpdateWindow(window);
     // Whoever opened it has given up waiting and closed it meanwhile.

@@ -41,6 +41,7 @@ private:
     ProgressWindows& windows_;
     HWND owner_ = nullptr;
     wchar_t title_[kTitleUnits] = L"";
+    int total_steps_ = 0;
     HWND volatile window_ = nullptr;  // written by the popup's thread
     UniqueHandle thread_;
     volatile bool is_closing_ = false;  // read by the popup's thread

@@ -1,13 +1,15 @@
 // The threads of a running program's windows, from outside.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 
 namespace sim::host {
 
-// Milliseconds that the window's thread takes to answer a message; nothing when it takes longer
-// than `limit_ms`. `window` is an HWND.
-std::optional<unsigned> AnswerTime(void* window, unsigned limit_ms);
+// Sends a message to a window (an HWND) and gives the milliseconds that its answer takes; nothing
+// when it takes longer than `limit_ms`.
+std::optional<unsigned> AnswerTime(void* window, unsigned limit_ms, unsigned message = 0,
+                                   std::uintptr_t wparam = 0, std::intptr_t lparam = 0);
 
 // The thread of a window stands still as long as this lives. For a thread that waits for messages:
 // one that works may hold what the others need.
@@ -22,11 +24,7 @@ private:
     void* thread_;
 };
 
-// What the host says that the program of a window holds, the simulator's part included.
-struct HostUse {
-    unsigned handles = 0;
-    unsigned threads = 0;
-};
-HostUse UseOfProcess(unsigned pid);
+// Handles that the host counts for a process, the simulator's own included.
+unsigned HostHandles(unsigned pid);
 
 }  // namespace sim::host

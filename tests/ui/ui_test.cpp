@@ -1,7 +1,5 @@
 #include "tests/ui/ui_test.h"
 
-#include "platform/win32.h"
-
 #include <cstring>
 
 #include "simulator/registry/registry.h"
@@ -77,6 +75,11 @@ std::optional<UiTest::Json> UiTest::AnyControl(int id) {
         }
     }
     return std::nullopt;
+}
+
+HWND UiTest::Handle(int id) {
+    const auto control = AnyControl(id);
+    return control ? reinterpret_cast<HWND>(control->at("handle").get<std::uintptr_t>()) : nullptr;
 }
 
 bool UiTest::FocusComesTo(int id) {
@@ -219,6 +222,10 @@ std::size_t UiTest::Calls(const std::string& function, const std::string& in_arg
         calls += arguments.find(in_arguments) != std::string::npos ? 1 : 0;
     }
     return calls;
+}
+
+long UiTest::Counted(const std::string& function) {
+    return Ask("counters")["calls"].value(function, 0L);
 }
 
 }  // namespace tests

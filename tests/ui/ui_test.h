@@ -1,6 +1,8 @@
 // The built program's dialog on a device, worked as a user works it.
 #pragma once
 
+#include "platform/win32.h"
+
 #include <chrono>
 #include <optional>
 
@@ -57,6 +59,12 @@ protected:
     bool Sees(int id) { return Control(id).has_value(); }
     // The same, whether the user sees it or not.
     std::optional<Json> AnyControl(int id);
+    // Its window; null when there is none.
+    HWND Handle(int id);
+    // The program's windows; null when they are gone.
+    static HWND MainDialog() { return ::FindWindowW(L"Dialog", L"Tolvenar"); }
+    static HWND MainWindow() { return ::FindWindowW(L"TolvenarClass", nullptr); }
+    static HWND OperationWindow() { return ::FindWindowW(L"TolvenarOperationClass", nullptr); }
     // Waits until the keyboard goes to control `id`.
     bool FocusComesTo(int id);
     std::string Text(int id);
@@ -94,6 +102,8 @@ protected:
 
     // Calls of `function` with these arguments in them since the dialog was opened.
     std::size_t Calls(const std::string& function, const std::string& in_arguments = "");
+    // Calls of `function` by all programs of the device; cheaper than the trace.
+    long Counted(const std::string& function);
 };
 
 // Texts that more than one test expects.
