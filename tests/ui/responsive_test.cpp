@@ -96,7 +96,7 @@ TEST_F(ResponsiveTest, ALargeBackupLeavesTheProgramAnswering) {
     EXPECT_EQ((std::vector<int>{1, 2}), States());
     EXPECT_LT(seen.slowest_dialog_ms, kDialogLimitMs);
     EXPECT_LT(seen.slowest_query_ms, kTimeoutMs);
-    EXPECT_GT(seen.busy_answers, 1);
+    EXPECT_GT(seen.busy_answers, 8);
     EXPECT_GT(seen.total_positions.size(), 2u);
     EXPECT_GT(seen.item_positions.size(), 4u);
 }
@@ -111,7 +111,7 @@ TEST_F(ResponsiveTest, WithoutAPopupItStillTellsOtherCopiesThatItIsBusy) {
     EXPECT_TRUE(seen.total_positions.empty());
     EXPECT_LT(seen.slowest_dialog_ms, kDialogLimitMs);
     EXPECT_LT(seen.slowest_query_ms, kTimeoutMs);
-    EXPECT_GT(seen.busy_answers, 1);
+    EXPECT_GT(seen.busy_answers, 8);
 }
 
 TEST_F(ResponsiveTest, TheDialogIsDrawnAgainWhileABackupWorks) {
