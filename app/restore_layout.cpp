@@ -17,7 +17,7 @@ struct Row {
 constexpr Row kRows[] = {
     {IDC_STATES_LABEL, {6, 3, 60, 9}, {6, 3, 60, 9}, kHidden},
     {IDC_STATES, {6, 13, 88, 67}, {6, 13, 88, 36}, kHidden},
-    {IDC_STATE_TIME_LABEL, {102, 3, 50, 9}, kHidden, kHidden},
+    {IDC_STATE_TIME_LABEL, {102, 3, 25, 9}, kHidden, kHidden},
     {IDC_STATE_TIME, {128, 3, 166, 9}, {6, 51, 92, 9}, kHidden},
     {IDC_STATE_DESCRIPTION_LABEL, {102, 14, 50, 9}, kHidden, kHidden},
     {IDC_STATE_DESCRIPTION, {102, 24, 191, 36}, {6, 61, 88, 19}, kHidden},

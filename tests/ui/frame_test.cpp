@@ -91,6 +91,38 @@ TEST_P(CloseTest, EndsTheProgram) {
 
 INSTANTIATE_TEST_SUITE_P(Keys, CloseTest, ::testing::Values("alt+x", "ctrl+w", "ctrl+q", "alt+f4"));
 
+TEST_F(FrameTest, TheProgramClosesFromEveryPage) {
+    for (const char* name : {"Restore", "Advanced Restore", "Storage file", "Options", "About"}) {
+        Open();
+        ShowTab(name);
+        Keys("alt+x");
+        ExpectEnd();
+        EXPECT_EQ(1u, Calls("CreateProcessW", "kestrin_tolvenar_agent.exe")) << name;
+    }
+}
+
+TEST_F(FrameTest, ASizeMessageLaysTabsAndPageOutAgain) {
+    Open();
+    ShowTab("Restore");
+    const HWND dialog = ::FindWindowW(L"Dialog", L"Tolvenar");
+    const HWND tabs = ::GetDlgItem(dialog, 1000);
+    const HWND page =
+        ::GetParent(reinterpret_cast<HWND>(Control(1014)->at("handle").get<std::uintptr_t>()));
+    RECT before[2];
+    ::GetWindowRect(tabs, &before[0]);
+    ::GetWindowRect(page, &before[1]);
+    for (const HWND window : {tabs, page}) {
+        ::SetWindowPos(window, nullptr, 3, 5, 70, 90, SWP_NOZORDER | SWP_NOACTIVATE);
+    }
+    ::SendMessageW(dialog, WM_SIZE, 0, 0);
+    RECT after[2];
+    ::GetWindowRect(tabs, &after[0]);
+    ::GetWindowRect(page, &after[1]);
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_TRUE(::EqualRect(&before[i], &after[i])) << i;
+    }
+}
+
 TEST_F(FrameTest, TheCloseBoxEndsTheProgram) {
     Open();
     Ask("window close");

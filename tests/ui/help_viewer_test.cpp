@@ -79,6 +79,8 @@ TEST_F(HelpViewerTest, WithoutTheManualItSaysSo) {
 TEST_F(HelpViewerTest, ItStandsBeforeTheProgramUntilEscape) {
     Open();
     ShowTab("Options");
+    Keys("alt+b");
+    EXPECT_TRUE(FocusComesTo(1061));
     Keys("alt+h");
     EXPECT_TRUE(HeadingBecomes("Options"));
     EXPECT_TRUE(FocusComesTo(kText));
@@ -86,7 +88,7 @@ TEST_F(HelpViewerTest, ItStandsBeforeTheProgramUntilEscape) {
     Keys("esc");
     EXPECT_TRUE(Eventually([&] { return !Shows(kTitle); }));
     EXPECT_TRUE(Eventually([&] { return Top("Tolvenar")->at("active") == true; }));
-    EXPECT_EQ("Options", SelectedTab());
+    EXPECT_TRUE(FocusComesTo(1061));
 }
 
 }  // namespace
