@@ -29,8 +29,10 @@ set(PLATFORM_FREE_SOURCES
 set(PLATFORM_FREE_TESTS
   tests/app/about_picture_test.cpp
   tests/app/time_format_test.cpp
+  tests/difftree/applications_test.cpp
   tests/difftree/difference_tree_test.cpp
   tests/difftree/property_text_test.cpp
+  tests/difftree/tree_build_test.cpp
   tests/snapshot/checksum_test.cpp
   tests/snapshot/difference_test.cpp
   tests/snapshot/exclusion_test.cpp

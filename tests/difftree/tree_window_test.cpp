@@ -1,32 +1,14 @@
-// The difference tree in a real tree view, on the device's screen.
-#include "difftree/tree_window.h"
-
+// The difference tree in a real tree view, item by item, and what it owns.
 #include <functional>
-#include <gtest/gtest.h>
 
-#include "platform/text.h"
-#include "res/resource.h"
 #include "simulator/gate/counters.h"
-#include "simulator/windows/screenshot.h"
-#include "tests/support/device_test.h"
-#include "tests/support/fake_tree.h"
+#include "tests/difftree/counted_memory.h"
+#include "tests/difftree/tree_window_fixture.h"
 
 namespace tolvenar {
 namespace {
 
-constexpr int kWidth = 400;
-constexpr int kHeight = 200;
-constexpr COLORREF kBlue = RGB(0, 0, 255);
-constexpr COLORREF kRed = RGB(255, 0, 0);
-constexpr COLORREF kGrey = RGB(128, 128, 128);
-
-struct ShownItem {
-    HTREEITEM handle;
-    std::u16string text;
-    bool is_bold;
-    int buttons;
-    const NodeRecord* record;
-};
+using tests::MemoryCount;
 
 std::vector<FakeObject> SomeObjects() {
     FakeObject directory{ObjectType::kRegistryValue, u"Software\\Apps\\Acme Notes\u00FFInstlDir"};
@@ -45,124 +27,31 @@ std::vector<FakeObject> SomeObjects() {
         {ObjectType::kDatabaseRecord, u"Notes", JF_DELETE, 77}};
 }
 
-class TreeWindowTest : public tests::DeviceTest {
+class TreeWindowTest : public TreeWindowFixture {
 protected:
-    void SetUp() override {
-        parent_ = ::CreateWindowExW(0, L"STATIC", L"", WS_POPUP | WS_VISIBLE, 0, 0, kWidth, kHeight,
-                                    nullptr, nullptr, nullptr, nullptr);
-        ASSERT_NE(nullptr, parent_);
-        ASSERT_TRUE(window_.RegisterTreeWindowClass(::GetModuleHandleW(nullptr)));
+    long Gauge(sim::Gauge which) {
+        return sim::CountersByProcess(device().sim()).back().gauge(which);
     }
-    void TearDown() override {
-        window_.DestroyTreeWindowClass();
-        ::DestroyWindow(parent_);
+    std::vector<long> Held() {
         Pump();
-        DeviceTest::TearDown();
+        return {Gauge(sim::Gauge::kHandles), Gauge(sim::Gauge::kWindows),
+                Gauge(sim::Gauge::kGdiObjects), MemoryCount::Blocks()};
     }
-    void Create() {
-        const RECT place{0, 0, kWidth, kHeight};
-        ASSERT_NE(nullptr, window_.CreateTreeDialog(parent_, &place));
-    }
-    int Build(const std::vector<FakeObject>& objects) {
-        FakeEnumerator enumerator(objects);
-        return window_.BuildDifferenceTree(enumerator, build_);
-    }
-    static void Pump() {
-        MSG message;
-        while (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-            ::DispatchMessageW(&message);
+    // Each item's record and the record's caption.
+    void ExpectOwned(const char* what) {
+        long bytes = 0;
+        const std::vector<ShownItem> items = Items();
+        for (const ShownItem& item : items) {
+            const std::u16string caption = item.record->caption;
+            bytes += static_cast<long>(sizeof(NodeRecord) + (caption.size() + 1) * 2);
         }
+        EXPECT_EQ(2 * static_cast<long>(items.size()), MemoryCount::Blocks()) << what;
+        EXPECT_EQ(bytes, MemoryCount::Bytes()) << what;
     }
-    LRESULT Ask(UINT message, WPARAM wparam = 0, LPARAM lparam = 0) {
-        return ::SendMessageW(window_.tree_view(), message, wparam, lparam);
+    void ExpectNothingOwned() {
+        EXPECT_EQ(0, MemoryCount::Blocks());
+        EXPECT_EQ(0, MemoryCount::Bytes());
     }
-    HTREEITEM Next(WPARAM relation, HTREEITEM item) {
-        return reinterpret_cast<HTREEITEM>(
-            Ask(TVM_GETNEXTITEM, relation, reinterpret_cast<LPARAM>(item)));
-    }
-    ShownItem Item(HTREEITEM handle) {
-        wchar_t text[kCaptionUnitsOfTest] = L"";
-        TVITEMW item{};
-        item.mask = TVIF_TEXT | TVIF_STATE | TVIF_CHILDREN | TVIF_PARAM;
-        item.hItem = handle;
-        item.stateMask = TVIS_BOLD;
-        item.pszText = text;
-        item.cchTextMax = kCaptionUnitsOfTest;
-        EXPECT_TRUE(Ask(TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item)));
-        return {handle, Utf16(text), (item.state & TVIS_BOLD) != 0, item.cChildren,
-                reinterpret_cast<const NodeRecord*>(item.lParam)};
-    }
-    void AddItems(HTREEITEM first, std::vector<ShownItem>& items) {
-        for (HTREEITEM item = first; item != nullptr; item = Next(TVGN_NEXT, item)) {
-            items.push_back(Item(item));
-            AddItems(Next(TVGN_CHILD, item), items);
-        }
-    }
-    std::vector<ShownItem> Items() {
-        std::vector<ShownItem> items;
-        AddItems(Next(TVGN_ROOT, nullptr), items);
-        return items;
-    }
-    HTREEITEM Find(const std::u16string& text) {
-        for (const ShownItem& item : Items()) {
-            if (item.text == text) {
-                return item.handle;
-            }
-        }
-        ADD_FAILURE() << "no such item";
-        return nullptr;
-    }
-    void Expand(const std::u16string& text) {
-        Ask(TVM_EXPAND, TVE_EXPAND, reinterpret_cast<LPARAM>(Find(text)));
-    }
-
-    // An item's row of the tree on the screen, as wide as the tree.
-    RECT RowOnScreen(const std::u16string& text) {
-        RECT row{};
-        *reinterpret_cast<HTREEITEM*>(&row) = Find(text);
-        EXPECT_TRUE(Ask(TVM_GETITEMRECT, FALSE, reinterpret_cast<LPARAM>(&row)));
-        POINT corner{row.left, row.top};
-        ::ClientToScreen(window_.tree_view(), &corner);
-        return {corner.x, corner.y, corner.x + row.right - row.left,
-                corner.y + row.bottom - row.top};
-    }
-    sim::windows::Picture Screen() {
-        Pump();
-        ::UpdateWindow(window_.tree_view());
-        Pump();
-        return sim::windows::TakeScreenshot(device().sim());
-    }
-    static COLORREF Pixel(const sim::windows::Picture& picture, LONG x, LONG y) {
-        const std::uint8_t* at =
-            &picture
-                 .rgb[(static_cast<std::size_t>(y) * picture.width + static_cast<std::size_t>(x)) *
-                      3];
-        return RGB(at[0], at[1], at[2]);
-    }
-    // Columns of a row in which a color stands, from the left edge of the row; -1 for none.
-    struct Span {
-        LONG first;
-        LONG last;
-        int pixels;
-    };
-    static Span Columns(const sim::windows::Picture& picture, const RECT& row, COLORREF color) {
-        Span span{-1, -1, 0};
-        for (LONG x = row.left; x < row.right; ++x) {
-            for (LONG y = row.top; y < row.bottom; ++y) {
-                if (Pixel(picture, x, y) == color) {
-                    span.first = span.first < 0 ? x - row.left : span.first;
-                    span.last = x - row.left;
-                    ++span.pixels;
-                }
-            }
-        }
-        return span;
-    }
-
-    static constexpr int kCaptionUnitsOfTest = 300;
-    HWND parent_ = nullptr;
-    TreeWindow window_;
-    TreeBuild build_{};
 };
 
 TEST_F(TreeWindowTest, TheTreeViewHoldsWhatTheModelSays) {
@@ -196,6 +85,131 @@ TEST_F(TreeWindowTest, TheTreeViewHoldsWhatTheModelSays) {
             EXPECT_EQ(wanted.record->added, items[i].record->added);
         }
     }
+}
+
+TEST_F(TreeWindowTest, AHundredBuildsLeaveNothingBehind) {
+    Create();
+    for (int i = 0; i < 100; ++i) {
+        build_.advanced_view = i % 2 == 0;
+        const bool aborts = i % 3 == 0;
+        ASSERT_EQ(aborts ? 0 : 1, Build(SomeObjects(), aborts ? DifferenceEnumerator::kAbort
+                                                              : DifferenceEnumerator::kEnd));
+        ExpectOwned(aborts ? "aborted" : "whole");
+    }
+    window_.Clear();
+    ExpectNothingOwned();
+}
+
+TEST_F(TreeWindowTest, RecordsGoWithTheWindow) {
+    for (const bool by_parent : {false, true}) {
+        Create();
+        ASSERT_EQ(1, Build(SomeObjects()));
+        if (by_parent) {
+            ::DestroyWindow(parent_);
+            EXPECT_EQ(nullptr, window_.host());
+        } else {
+            ::SendMessageW(window_.host(), WM_CLOSE, 0, 0);
+        }
+        EXPECT_EQ(nullptr, window_.tree_view());
+        ExpectNothingOwned();
+    }
+    EXPECT_EQ(0, Build(SomeObjects()));  // no tree
+}
+
+TEST_F(TreeWindowTest, AControlThatIsFullKeepsWhatItHas) {
+    Create();
+    build_.advanced_view = true;
+    for (int n = 1; n <= 12; ++n) {
+        device().Fault("SendMessageW", n, 1000, 8, ", 4402, ");  // TVM_INSERTITEMW
+        EXPECT_EQ(0, Build(SomeObjects()));
+        EXPECT_EQ("[]", device().Faults());
+        device().Command("faults clear");
+        EXPECT_EQ(n - 1, Ask(TVM_GETCOUNT));
+        ExpectOwned("a part");
+    }
+}
+
+TEST_F(TreeWindowTest, ClassAndFontComeAndGoWithoutLeaks) {
+    const std::vector<long> before = Held();
+    for (int i = 0; i < 30; ++i) {
+        window_.DestroyTreeWindowClass();
+        window_.DestroyTreeWindowClass();  // allowed
+        ASSERT_TRUE(window_.RegisterTreeWindowClass(::GetModuleHandleW(nullptr)));
+        Create();
+        ASSERT_EQ(1, Build(SomeObjects()));
+        window_.DestroyTreeWindowClass();
+        ExpectNothingOwned();
+        ASSERT_TRUE(window_.RegisterTreeWindowClass(::GetModuleHandleW(nullptr)));
+    }
+    EXPECT_EQ(before, Held());
+}
+
+TEST_F(TreeWindowTest, TheClassIsGoneAfterwards) {
+    WNDCLASSW found{};
+    const HINSTANCE instance = ::GetModuleHandleW(nullptr);
+    EXPECT_TRUE(::GetClassInfoW(instance, L"CustomParentTreeWindowClass", &found));
+    EXPECT_EQ(4, found.cbWndExtra);
+    EXPECT_EQ(0u, found.style);
+    EXPECT_EQ(nullptr, found.hbrBackground);
+    EXPECT_EQ(nullptr, found.hCursor);
+    EXPECT_EQ(nullptr, found.hIcon);
+    Create();
+    window_.DestroyTreeWindowClass();
+    EXPECT_FALSE(::GetClassInfoW(instance, L"CustomParentTreeWindowClass", &found));
+}
+
+TEST_F(TreeWindowTest, TheTreeViewHasItsStylesAndFillsItsParent) {
+    Create();
+    const HWND tree = window_.tree_view();
+    EXPECT_EQ(0x50810037, ::GetWindowLongW(tree, GWL_STYLE) & ~(WS_HSCROLL | WS_VSCROLL));
+    RECT host{};
+    RECT area{};
+    ::GetClientRect(window_.host(), &host);
+    EXPECT_EQ(kWidth, host.right);
+    EXPECT_EQ(kHeight, host.bottom);
+    ::MoveWindow(window_.host(), 0, 0, 300, 100, TRUE);
+    ::GetWindowRect(tree, &area);
+    EXPECT_EQ(300, area.right - area.left);
+    EXPECT_EQ(100, area.bottom - area.top);
+    ::SetFocus(window_.host());
+    EXPECT_EQ(tree, ::GetFocus());
+    ::SetFocus(::GetParent(tree));
+    EXPECT_EQ(tree, ::GetFocus());
+}
+
+TEST_F(TreeWindowTest, WithoutATreeViewNoHostIsLeft) {
+    const std::vector<long> before = Held();
+    device().Fault("CreateWindowExW", 1, 1, 8, "SysTreeView32");
+    const RECT place{0, 0, kWidth, kHeight};
+    EXPECT_EQ(nullptr, window_.CreateTreeDialog(parent_, &place));
+    EXPECT_EQ("[]", device().Faults());
+    device().Command("faults clear");
+    EXPECT_EQ(nullptr, window_.host());
+    EXPECT_EQ(nullptr, ::GetWindow(parent_, GW_CHILD));
+    EXPECT_EQ(before, Held());
+    EXPECT_EQ(0, Build(SomeObjects()));
+    Create();  // it may be tried again
+    EXPECT_EQ(1, Build(SomeObjects()));
+}
+
+TEST_F(TreeWindowTest, WithoutAClassThereIsNoTree) {
+    window_.DestroyTreeWindowClass();
+    device().Fault("RegisterClassW", 1, 1, 8);
+    EXPECT_FALSE(window_.RegisterTreeWindowClass(::GetModuleHandleW(nullptr)));
+    EXPECT_EQ("[]", device().Faults());
+    EXPECT_EQ(nullptr, window_.CreateTreeDialog(parent_, nullptr));
+    window_.Clear();
+    EXPECT_EQ(0, Build(SomeObjects()));
+}
+
+TEST_F(TreeWindowTest, WithoutARectangleItHasTheRoomOfTheShellsDesktop) {
+    ASSERT_NE(nullptr, window_.CreateTreeDialog(parent_, nullptr));
+    RECT desktop{};
+    RECT host{};
+    ::GetClientRect(::FindWindowW(L"DesktopExplorerWindow", nullptr), &desktop);
+    ::GetWindowRect(window_.host(), &host);
+    EXPECT_EQ(desktop.right, host.right - host.left);
+    EXPECT_EQ(desktop.bottom, host.bottom - host.top);
 }
 
 }  // namespace

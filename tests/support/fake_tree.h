@@ -88,6 +88,15 @@ public:
         return lines;
     }
 
+    // Their texts in the order in which they came.
+    std::vector<std::u16string> Inserted() const {
+        std::vector<std::u16string> texts;
+        for (const FakeItem& item : items_) {
+            texts.push_back(item.text);
+        }
+        return texts;
+    }
+
     std::size_t insertions_left = static_cast<std::size_t>(-1);
     bool inserted_below_expanded = false;
     TreeItem shown_root = nullptr;
