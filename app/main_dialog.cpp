@@ -96,6 +96,9 @@ void MainDialog::Destroy() {
 }
 
 void MainDialog::SelectPage(int index) {
+    if (index < 0 || index >= kPageCount) {
+        return;
+    }
     ::SendMessageW(tabs_, TCM_SETCURSEL, static_cast<WPARAM>(index), 0);
     ShowPage(index);
 }

@@ -33,12 +33,15 @@ TEST_F(FrameTest, TheTabsAreInsertedInTheirOwnOrder) {
     Texts places;
     for (const auto& line : sent) {
         const std::string arguments = line["arguments"];
+        if (arguments.find(", 4873, ") != std::string::npos) {  // TCM_DELETEALLITEMS
+            places.push_back("none");
+        }
         const std::size_t at = arguments.find(", 4926, ");  // TCM_INSERTITEMW
         if (at != std::string::npos) {
             places.push_back(arguments.substr(at + 8, 1));
         }
     }
-    EXPECT_EQ((Texts{"1", "2", "0", "3", "4", "5"}), places);
+    EXPECT_EQ((Texts{"none", "1", "2", "0", "3", "4", "5"}), places);
 }
 
 TEST_F(FrameTest, AnOpenStorageStartsWithTheBackupPage) {
@@ -71,6 +74,50 @@ TEST_F(FrameTest, ASelectedTabShowsItsPageAlone) {
     ShowTab("Backup");
     EXPECT_TRUE(Sees(1018));
     EXPECT_FALSE(Sees(1014));
+}
+
+TEST_F(FrameTest, EachPageIsMadeWhenItIsFirstShownAndKept) {
+    Open();
+    const auto made = [&] { return Calls("CreateDialogIndirectParamW"); };
+    EXPECT_EQ(2u, made());                              // the dialog and the page that it shows
+    const std::size_t after[] = {4, 4, 5, 6, 7, 7, 7};  // the restore page brings its tree
+    for (const std::size_t count : after) {
+        Keys("ctrl+tab");
+        EXPECT_TRUE(Eventually([&] { return made() == count; })) << made();
+    }
+}
+
+TEST_F(FrameTest, TheDialogHasItsSizeInTheMiddleOfTheScreen) {
+    Open();
+    const nlohmann::json dialog = *Top("Tolvenar");
+    EXPECT_EQ(533, dialog["width"]);
+    EXPECT_EQ(209, dialog["height"]);
+    EXPECT_NEAR(320, dialog["left"].get<int>() + 533 / 2, 1);
+    EXPECT_NEAR(240, dialog["top"].get<int>() + 209 / 2, 1);
+    EXPECT_TRUE(dialog["active"]);
+}
+
+TEST_F(FrameTest, APageThatCannotBeMadeIsTriedAgain) {
+    Open();
+    device().Fault("CreateDialogIndirectParamW", 1, 1, 8);
+    Keys("ctrl+tab");
+    EXPECT_TRUE(TabBecomes("Restore"));
+    EXPECT_FALSE(Sees(1018));
+    EXPECT_FALSE(Sees(1014));
+    Keys("ctrl+tab");
+    EXPECT_TRUE(Eventually([&] { return SelectedTab() == "Advanced Restore" && Sees(1014); }));
+    Keys("ctrl+shift+tab");
+    EXPECT_TRUE(Eventually([&] { return SelectedTab() == "Restore" && Sees(1002); }));
+}
+
+TEST_F(FrameTest, APageThatDoesNotExistIsNotSelected) {
+    Open();
+    for (const int index : {6, 9, -1}) {
+        ::SendMessageW(::FindWindowW(L"Dialog", L"Tolvenar"), kPageSelect,
+                       static_cast<WPARAM>(index), 0);
+        EXPECT_EQ("Backup", SelectedTab()) << index;
+        EXPECT_TRUE(Sees(1018)) << index;
+    }
 }
 
 TEST_F(FrameTest, APostedPageIsSelected) {
