@@ -131,6 +131,7 @@ TEST_F(KeyboardTest, EscapeInADescriptionLeavesThePage) {
     EXPECT_TRUE(TabBecomes("Backup"));
     ShowTab("Restore");
     EXPECT_TRUE(Eventually([&] { return Sees(1016); }));
+    EXPECT_EQ(4u, Calls("CreateDialogIndirectParamW"));  // no page or tree was made again
 }
 
 TEST_F(KeyboardTest, EnterPressesThePagesButtonAlsoOnTheTabs) {
