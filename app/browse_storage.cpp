@@ -50,7 +50,10 @@ void ReadInitialFolder(char16_t (&folder)[kSettingPathUnits]) {
     }
 }
 
-// The main window may close while a modal loop runs; what that loop answers then is no answer.
+// What a modal loop answers is no answer when the program was told to end meanwhile, and comes too
+// late when an operation has begun: the lists are its own then.
+bool MayGoOn(const Application& app) { return !app.is_ending && !IsOccupied(app); }
+
 bool AskForFile(const Application& app, HWND page, wchar_t (&chosen)[kChosenUnits]) {
     char16_t stem[kSettingTextUnits];
     ReadStorageFileName(stem);
@@ -70,7 +73,7 @@ bool AskForFile(const Application& app, HWND page, wchar_t (&chosen)[kChosenUnit
     dialog.lpstrTitle = L"Choose backup file";
     dialog.Flags = kFlags;
     dialog.lpstrDefExt = L"jrn";
-    return ::GetOpenFileNameW(&dialog) && !app.is_ending && !IsOccupied(app);
+    return ::GetOpenFileNameW(&dialog) && MayGoOn(app);
 }
 
 // The names that belong to a chosen file: what it would be opened by once it is in the settings.
@@ -91,7 +94,11 @@ OpenStorageResult CreateAndOpen(Application& app, const StorageNames& names) {
     }
     DescriptionDialog prompt(app);
     OpenStorageResult result = OpenStorageResult::kFileMissing;
-    if (CreateStoragePair(names, &prompt) && OpenStorage(names.sav, app.storage, result)) {
+    const bool created = CreateStoragePair(names, &prompt);
+    if (created && !MayGoOn(app)) {
+        return result;
+    }
+    if (created && OpenStorage(names.sav, app.storage, result)) {
         return OpenStorageResult::kOpened;
     }
     // The card was full, say. What was just made holds nothing, and half of it would keep the name
@@ -158,7 +165,7 @@ bool BrowseForStorage(Application& app, HWND page, OpenedStorageView& view) {
         return false;
     }
     const OpenStorageResult result = OpenChosen(app, chosen);
-    if (app.is_ending) {
+    if (!MayGoOn(app)) {
         return false;
     }
     if (result != OpenStorageResult::kOpened) {

@@ -164,6 +164,22 @@ TEST_F(DescriptionDialogTest, AStorageThatCannotBeMadeLeavesNothingBehind) {
     ExpectNothingMade();
 }
 
+// The lists belong to the operation: the storage is made, but another one stays open.
+TEST_F(DescriptionDialogTest, AnOperationUnderItLeavesTheNewStorageUnopened) {
+    SetDword("onTime", 1);
+    OpenPage();
+    ChooseNewName("New");
+    const HWND dialog = ::FindWindowW(L"Dialog", L"Storage description");
+    StartSlowBackup();
+    ::PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+    EXPECT_TRUE(BecomesIdle());
+    EXPECT_TRUE(Eventually([&] { return !Shows(tests::kDescriptionTitle); }));
+    EXPECT_EQ("Backup", Setting("StorageFile"));
+    EXPECT_EQ((std::vector<int>{1, 2, 3}), States());
+    EXPECT_EQ(1u, Calls("CreateFileW", "New.sav"));  // made, never opened
+    EXPECT_EQ("", Journal());
+}
+
 // Another copy closes this one for its backup. The loops of dialogs end then with what looks like
 // OK.
 TEST_F(DescriptionDialogTest, ATakeOverUnderItIsCancel) {

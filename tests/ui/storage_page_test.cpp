@@ -9,7 +9,6 @@ using Texts = std::vector<std::string>;
 
 constexpr int kStates = 1014;
 constexpr LONG kReadOnlyStyle = 0x0800;
-constexpr UINT kConfirmedBackup = WM_APP + 124;
 
 class StoragePageTest : public tests::StorageUiTest {
 protected:
@@ -27,20 +26,9 @@ protected:
         ChooseFile("Other.jrn");
         ASSERT_TRUE(NameBecomes("Other"));
     }
-    // A backup that takes its time with the databases, when the schedule is off. It answers nobody
-    // meanwhile.
-    void StartSlowBackup() {
-        device().PutFile(tests::kNote, "meanwhile " + std::to_string(++backups_));
-        Ask("delay CeFindFirstDatabaseEx 1 600");
-        ::PostMessageW(::FindWindowW(L"TolvenarOperationClass", nullptr), kConfirmedBackup, 1, 0);
-        ASSERT_TRUE(Eventually([&] { return Dword("onTime") == 0u; }));
-    }
     bool PageBecomes(const std::string& tab) {
         return Eventually([&] { return SelectedTab() == tab; });
     }
-
-private:
-    int backups_ = 0;
 };
 
 // A single blank for a storage without a description: an empty field means that none is open.

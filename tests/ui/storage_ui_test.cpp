@@ -1,5 +1,7 @@
 #include "tests/ui/storage_ui_test.h"
 
+#include "platform/win32.h"
+
 #include <cstring>
 #include <map>
 
@@ -11,6 +13,7 @@ namespace {
 constexpr char kSettingsKey[] = "HKCU\\Software\\Kestrin2\\Tolvenar";
 constexpr char16_t kSettingsPath[] = u"HKCU\\Software\\Kestrin2\\Tolvenar";
 constexpr std::size_t kHeadBytes = 232;
+constexpr UINT kConfirmedBackup = WM_APP + 124;
 
 void PutNumber(std::string& bytes, std::size_t at, std::uint32_t number) {
     std::memcpy(&bytes[at], &number, sizeof number);
@@ -95,6 +98,13 @@ void StorageUiTest::ExpectFirstOpen() {
     EXPECT_TRUE(Sees(kStorageFolderLabel));
     EXPECT_EQ("Backup", Setting("StorageFile"));
     EXPECT_EQ(kCardFolder, Setting("StoragePath"));
+}
+
+void StorageUiTest::StartSlowBackup() {
+    device().PutFile(kNote, "meanwhile " + std::to_string(++backups_));
+    Ask("delay CeFindFirstDatabaseEx 1 600");
+    ::PostMessageW(::FindWindowW(L"TolvenarOperationClass", nullptr), kConfirmedBackup, 1, 0);
+    ASSERT_TRUE(Eventually([&] { return Dword("onTime") == 0u; }));
 }
 
 std::string StorageUiTest::Setting(const std::string& name) {

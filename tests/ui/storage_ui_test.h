@@ -44,6 +44,9 @@ protected:
     void ExpectNoneOpen();
     // The page shows the first storage and the settings name it.
     void ExpectFirstOpen();
+    // A backup that takes its time with the databases, when the schedule, which must be there, is
+    // off. It answers nobody meanwhile.
+    void StartSlowBackup();
 
     std::string Setting(const std::string& name);
     void SetSetting(const std::string& name, const std::string& text);
@@ -51,6 +54,8 @@ protected:
 
 private:
     void MakeStorages();
+
+    int backups_ = 0;
 };
 
 // A file of the device that all states hold, and what it is in the second storage.
