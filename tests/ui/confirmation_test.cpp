@@ -185,17 +185,6 @@ TEST_F(ConfirmationTest, TheChosenStateIsRestoredNotTheNewest) {
     }
 }
 
-// A take-over closes the main window under the reminder; its loop then ends as after OK.
-TEST_F(ConfirmationTest, ATakeOverUnderTheReminderIsNoConsent) {
-    Open();
-    Press(1001);
-    ASSERT_TRUE(Eventually([&] { return Shows("Reminder"); }));
-    ::PostMessageW(::FindWindowW(L"TolvenarClass", nullptr), WM_CLOSE, 0, 0);
-    ExpectEnd();
-    EXPECT_EQ(Texts(), Answers());
-    EXPECT_EQ(std::vector<int>{1}, States());
-}
-
 TEST_F(ConfirmationTest, ARefusalThatReachesTheOperationWindowIsIgnored) {
     Open();
     const HWND window = ::FindWindowW(L"TolvenarOperationClass", nullptr);

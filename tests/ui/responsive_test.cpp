@@ -11,7 +11,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr int kFiles = 3000;
+constexpr int kFiles = 2000;
 constexpr unsigned kDialogLimitMs = 200;
 constexpr unsigned kTimeoutMs = 2000;
 constexpr UINT kQueryBusy = WM_APP + 220;
