@@ -42,7 +42,18 @@ protected:
         return Eventually(
             [&] { return !Shows(tests::kOpenTitle) && Top("Tolvenar")->at("enabled") == true; });
     }
-    // The first storage is still open, and no file of `stem` has changed.
+    // Handles, windows, threads and blocks of memory that the program has now.
+    std::vector<int> Held() {
+        const nlohmann::json counters = Ask("counters");
+        for (const nlohmann::json& process : counters["processes"]) {
+            if (process["name"] == tests::kProgram && process["windows"] != 0) {
+                return {process["handles"], process["windows"], process["threads"],
+                        process["heapBlocks"]};
+            }
+        }
+        return {};
+    }
+    // The first storage is still open.
     void ExpectRefused(const char* text) {
         if (text != kNoText) {
             ExpectBox(tests::kPlainBox, text);
@@ -186,7 +197,7 @@ TEST_F(BrowseTest, AStorageFileWithoutAJournalIsOpenedAsItStands) {
     EXPECT_EQ((Texts{"State 1"}), Items(1014));
 }
 
-TEST_F(BrowseTest, AnExistingStorageKeepsEveryByte) {
+TEST_F(BrowseTest, AnExistingStorageKeepsEveryByteAndTheProgramNothingOfTheOldOne) {
     const std::string storage = Bytes("Other.sav");
     const std::string journal = Bytes("Other.jrn");
     OpenPage();
@@ -194,8 +205,12 @@ TEST_F(BrowseTest, AnExistingStorageKeepsEveryByte) {
     ASSERT_TRUE(NameBecomes("Other"));
     ChooseFile("Backup.jrn");
     ASSERT_TRUE(NameBecomes("Backup"));
+    const auto held = Held();
     ChooseFile("\\Storage Card\\Tolvenar\\Other.sav");  // the storage file itself will do
     ASSERT_TRUE(NameBecomes("Other"));
+    ChooseFile("Backup.jrn");
+    ASSERT_TRUE(NameBecomes("Backup"));
+    EXPECT_EQ(held, Held());
     EXPECT_EQ(storage, Bytes("Other.sav"));
     EXPECT_EQ(journal, Bytes("Other.jrn"));
     EXPECT_EQ(0u, Calls("WriteFile"));
