@@ -43,7 +43,7 @@ TEST_F(BackupPageTest, WithoutAStorageItHasNothingToTell) {
 }
 
 TEST_F(BackupPageTest, ABackupRenewsWhatItTells) {
-    BackUp();
+    TakeFirstState();
     Open();
     EXPECT_EQ(0u, Text(kLastState).find("State 1, "));
     const std::string free_before = Text(kFree);
@@ -56,7 +56,7 @@ TEST_F(BackupPageTest, ABackupRenewsWhatItTells) {
 }
 
 TEST_F(BackupPageTest, AnotherStorageRenewsWhatItTells) {
-    BackUp();
+    TakeFirstState();
     Open();
     EXPECT_EQ("Backup", Text(kStorage));
     ShowTab("Storage file");
@@ -77,7 +77,7 @@ TEST_F(BackupPageTest, AnotherStorageRenewsWhatItTells) {
 
 // Another program filled the card meanwhile.
 TEST_F(BackupPageTest, AnActivationLooksAtTheCardAgain) {
-    BackUp();
+    TakeFirstState();
     device().Set("card.free", "3145728");
     Open();
     EXPECT_EQ("3.0 Mb", Text(kFree));
@@ -87,7 +87,7 @@ TEST_F(BackupPageTest, AnActivationLooksAtTheCardAgain) {
 }
 
 TEST_F(BackupPageTest, TheFreeSpaceIsNeverRoundedUp) {
-    BackUp();
+    TakeFirstState();
     device().Set("card.free", "1048575");
     Open();
     EXPECT_EQ("0.9 Mb", Text(kFree));

@@ -13,7 +13,7 @@ class FrameTest : public tests::UiTest {
 protected:
     void SetUp() override {
         UiTest::SetUp();
-        BackUp();
+        TakeFirstState();
     }
     bool TabBecomes(const std::string& name) {
         return Eventually([&] { return SelectedTab() == name; });

@@ -46,7 +46,7 @@ TEST_F(HelpTest, EachPageHasItsHelp) {
 }
 
 TEST_F(HelpTest, F1OpensTheContentsFromEveryControl) {
-    BackUp();
+    TakeFirstState();
     OpenWithoutViewer();
     const struct {
         const char* tab;

@@ -11,7 +11,7 @@ class KeyboardTest : public tests::UiTest {
 protected:
     void SetUp() override {
         UiTest::SetUp();
-        BackUp();
+        TakeFirstState();
     }
     bool TabBecomes(const std::string& name) {
         return Eventually([&] { return SelectedTab() == name; });

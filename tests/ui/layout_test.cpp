@@ -109,7 +109,7 @@ protected:
 
 TEST_P(LayoutTest, EveryPageFits) {
     device().Set("screen.size", GetParam());
-    BackUp();
+    TakeFirstState();
     Open();
     const std::string size = GetParam();
     const Area screen = {0, 0, std::stoi(size), std::stoi(size.substr(size.find('x') + 1))};

@@ -36,6 +36,19 @@ void UiTest::Open(const std::string& arguments) {
     }));
 }
 
+void UiTest::TakeFirstState() {
+    static std::string storage;
+    static std::string journal;
+    if (storage.empty()) {
+        BackUp();
+        storage = device().FileBytes(kStorageFile);
+        journal = device().FileBytes(kJournalFile);
+        return;
+    }
+    device().PutFile(kStorageFile, storage);
+    device().PutFile(kJournalFile, journal);
+}
+
 bool UiTest::ProgramRuns() {
     for (const Json& process : Ask("ps")) {
         if (process["path"] == kProgram) {

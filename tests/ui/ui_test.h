@@ -32,6 +32,9 @@ protected:
     void Open(const std::string& arguments = "");
     // Starts the program only.
     void StartProgram(const std::string& arguments = "");
+    // The storage with the first state of an installed device. Made once a process: each case
+    // begins with the same device.
+    void TakeFirstState();
     // Waits until the program has ended.
     void ExpectEnd();
     bool ProgramRuns();
