@@ -290,6 +290,41 @@ TEST_F(AdvancedRestoreTest, AComparisonThatFailsShowsNoDifferences) {
     ExpectBox(tests::kInformationBox, "Difference not found. There is nothing to Restore.");
 }
 
+TEST_F(AdvancedRestoreTest, WithoutATreeThePageGoesOn) {
+    device().Fault("CreateWindowExW", 1, 1, 8, "SysTreeView32");
+    OpenAdvanced();
+    EXPECT_EQ("[]", device().Faults());
+    EXPECT_TRUE(Ask("window tree").empty());
+    DoubleClick(1);
+    EXPECT_EQ("Differences from State 1 to State 2", Text(1041));
+    const auto lock = device().Lock(L"\\My Documents\\a.txt");
+    Press(1038);
+    EXPECT_TRUE(Eventually([&] { return Sees(1043); }));
+    EXPECT_TRUE(BecomesIdle());
+    Press(1043);
+    EXPECT_TRUE(Eventually([&] { return Sees(1014); }));
+    Keys("alt+x");
+    ExpectEnd();
+}
+
+// A value of the device alone is described by what the restore's scan found.
+TEST_F(AdvancedRestoreTest, ARestoreShowsWhatItCouldNotDelete) {
+    Ask("reg-set \"HKCU\\Software\\Only here\" Value REG_DWORD 5");
+    Ask("reg-set \"HKCU\\Software\\Apps\\Acme Notes\" More REG_DWORD 5");
+    Open();
+    ShowTab("Restore");
+    device().Fault("RegDeleteValueW", 1, 1000, 5);
+    Press(1002);
+    EXPECT_TRUE(Eventually([&] { return Sees(1043); }));
+    EXPECT_TRUE(BecomesIdle());
+    Ask("faults clear");
+    EXPECT_EQ((Texts{"Differences", " Applications", " Documents", " Outlook Data", " Other",
+                     "  Software\\Apps\\Acme Notes\u00FFMore (-)"}),
+              TreeTexts());
+    Press(1037);
+    ExpectRestored();
+}
+
 TEST_F(AdvancedRestoreTest, WithoutAnInstallationTheDifferencesAreShownAllTheSame) {
     Ask("reg-delete HKCU\\Software\\Kestrin2\\Tolvenar onTime");
     OpenAdvanced();
