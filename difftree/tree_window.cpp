@@ -174,7 +174,15 @@ bool TreeWindow::CreateTreeView(HWND parent) {
     ::GetClientRect(parent, &area);
     painter_.Attach(::CreateWindowExW(0, WC_TREEVIEWW, L"", kTreeStyle, 0, 0, area.right,
                                       area.bottom, parent, nullptr, instance_, nullptr));
-    return tree_view() != nullptr;
+    if (tree_view() == nullptr) {
+        return false;
+    }
+    // The page's font: the control leaves as much room for a bold caption as its own font needs,
+    // which is then as large as the one that draws it.
+    if (const LRESULT font = ::SendMessageW(::GetParent(host_), WM_GETFONT, 0, 0)) {
+        ::SendMessageW(tree_view(), WM_SETFONT, static_cast<WPARAM>(font), FALSE);
+    }
+    return true;
 }
 
 INT_PTR TreeWindow::FocusTree() {

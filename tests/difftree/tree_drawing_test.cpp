@@ -140,6 +140,27 @@ TEST_F(TreeDrawingTest, OnlyChangedItemsAreBold) {
     ExpectBold(u"plain", kBlack, false);
 }
 
+// The control leaves a caption the room that its own font needs, which is the page's.
+TEST_F(TreeDrawingTest, ABoldCaptionHasRoomForTheFontThatDrawsIt) {
+    const std::u16string text = u"Quarterly report of the year (draft) (+)";
+    const HFONT bold = BoldFont();
+    LOGFONTW font{};
+    ::GetObjectW(bold, sizeof font, &font);
+    font.lfWeight = FW_NORMAL;
+    const HFONT font_of_page = ::CreateFontIndirectW(&font);
+    ::SendMessageW(parent_, WM_SETFONT, reinterpret_cast<WPARAM>(font_of_page), FALSE);
+    Create();
+    build_.advanced_view = true;
+    ASSERT_EQ(1, Build({{ObjectType::kFile, u"\\Quarterly report of the year (draft)"}}));
+    Expand(u"Files");
+    const RECT room = RowOnScreen(text, true);
+    EXPECT_LE(Width(bold, text), room.right - room.left);
+    EXPECT_EQ(font_of_page, TreeFont());
+    window_.DestroyTreeWindowClass();
+    ::DeleteObject(font_of_page);
+    ::DeleteObject(bold);
+}
+
 TEST_F(TreeDrawingTest, TheSelectedItemOfTheFocusedTreeIsHighlighted) {
     Show();
     Choose(u"added (+)");
