@@ -29,6 +29,7 @@ set(PLATFORM_FREE_SOURCES
 set(PLATFORM_FREE_TESTS
   tests/app/about_picture_test.cpp
   tests/app/time_format_test.cpp
+  tests/companions/help_topic_test.cpp
   tests/difftree/applications_test.cpp
   tests/difftree/difference_tree_test.cpp
   tests/difftree/property_text_test.cpp
