@@ -177,6 +177,18 @@ TEST_F(OptionsPageTest, ClosingWithAPendingChangeStartsTheAgentTwice) {
     EXPECT_EQ(2u, Ask("notifications").size());
 }
 
+// Another copy takes over: the main window alone is told to close.
+TEST_F(OptionsPageTest, ATakeOverAppliesAPendingChange) {
+    OpenOptions();
+    Press(1061);
+    EXPECT_TRUE(SettingBecomes("onBattery", 1));
+    ::PostMessageW(::FindWindowW(L"TolvenarClass", nullptr), WM_CLOSE, 0, 0);
+    ExpectEnd();
+    EXPECT_EQ(0u, Ticks());
+    EXPECT_EQ(2u, AgentStarts());
+    EXPECT_EQ(4u, Ask("notifications").size());
+}
+
 TEST_F(OptionsPageTest, TheHintIsThereWhileNothingIsAutomatic) {
     OpenOptions();
     EXPECT_EQ("Automatic backup is off.", Text(kHint));
