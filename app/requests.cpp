@@ -28,6 +28,7 @@ bool PostAnswer(Application& app, UINT message, bool go_on, LPARAM lparam) {
 
 bool TakeRequest(Application& app) {
     if (app.operationBusy != 0) {
+        app.requestPending = 0;  // dropped
         return false;
     }
     // In this order, so that no moment is left in which neither is set.

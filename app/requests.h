@@ -13,8 +13,8 @@ bool IsOccupied(const Application& app);
 // operation thread takes it. False when there is no such window or the post fails.
 bool PostAnswer(Application& app, UINT message, bool go_on, LPARAM lparam);
 
-// On the operation thread: takes a request and marks the program as busy. False while an operation
-// runs already: a box that it shows lets messages through.
+// On the operation thread: takes a request and marks the program as busy. False, and the request
+// dropped, while an operation runs already: a box that it shows lets messages through.
 bool TakeRequest(Application& app);
 // The operation has ended its work on the storage's lists; its report may follow.
 void ReleaseLists(Application& app);

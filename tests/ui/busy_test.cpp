@@ -176,6 +176,31 @@ TEST_F(BusyTest, ARequestUnderABoxIsDropped) {
     EXPECT_TRUE(device().Exists(L"\\My Documents\\b.txt"));
 }
 
+// Two reminders, one over the other: the second answer finds the first one's operation at its box.
+TEST_F(BusyTest, ADroppedRequestIsNoLongerPending) {
+    SetDword("Reminders", 14);
+    Open();
+    const HWND page = ::GetParent(Handle(1018));
+    ::PostMessageW(page, WM_COMMAND, 1001, 0);
+    ASSERT_TRUE(Eventually([&] { return Shows("Reminder"); }));
+    const HWND first = ::FindWindowW(L"Dialog", L"Reminder");
+    ::PostMessageW(page, WM_COMMAND, 1001, 0);
+    HWND second = nullptr;
+    ASSERT_TRUE(Eventually([&] {
+        second = ::FindWindowW(L"Dialog", L"Reminder");
+        return second != nullptr && second != first;
+    }));
+    ::PostMessageW(second, WM_COMMAND, IDOK, 0);
+    ASSERT_TRUE(Eventually([&] { return BoxIsUp(); }));
+    ::PostMessageW(first, WM_COMMAND, IDOK, 0);
+    ASSERT_TRUE(Eventually([&] { return !::IsWindow(first); }));
+    ExpectBox(tests::kInformationBox, "Difference not found. There is nothing to Backup.");
+    EXPECT_TRUE(BecomesIdle());
+    EXPECT_EQ(1u, BoxCount());
+    ::PostMessageW(MainDialog(), WM_CLOSE, 0, 0);
+    ExpectEnd();
+}
+
 TEST_F(BusyTest, NothingClosesTheProgramWhileABackupWorks) {
     device().PutFile(L"\\My Documents\\b.txt", "new");
     Open();
