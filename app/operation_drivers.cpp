@@ -33,6 +33,7 @@ bool StorageIsReady(Application& app) {
 struct BackupRun {
     std::uint32_t state_number;
     const wchar_t* description;
+    bool automatic;
     std::uint32_t bytes_needed;
 };
 
@@ -40,7 +41,8 @@ struct BackupRun {
 ResultCode RunSuspended(Application& app, BackupRun& run) {
     ResultCode result = ResultCode::kNotStarted;
     if (SuspendAutoBackup(app.schedule)) {
-        DoBackup(app.engine, run.state_number, Utf16(run.description), false, result,
+        // An automatic one ends the program, which needs the journal no more.
+        DoBackup(app.engine, run.state_number, Utf16(run.description), run.automatic, result,
                  run.bytes_needed);
     }
     ResumeAutoBackup(app.schedule);
@@ -90,7 +92,7 @@ bool LoadWithWaitDisplay(Application& app, const wchar_t* title, bool with_popup
 bool BackupDriver(Application& app, std::uint32_t state_number, const wchar_t* description,
                   bool automatic) {
     app.popup.Show(app.main_dialog, kBackupTitle, kOperationSteps);
-    BackupRun run{state_number, description, 0};
+    BackupRun run{state_number, description, automatic, 0};
     ReportContext context{app.main_dialog, automatic, true, 0, 0};
     ResultCode result = ResultCode::kJournalUnreadable;
     if (StorageIsReady(app)) {

@@ -92,6 +92,15 @@ TEST_F(PopupTest, ARestoreTellsItsStepsInTheirOrder) {
               TotalBar("Restoring in progress"));
 }
 
+TEST_F(PopupTest, AnUnattendedBackupEndsWithoutLoadingItsJournalAgain) {
+    Ask("trace on");
+    EXPECT_EQ(0, BackUp());
+    EXPECT_EQ((std::vector<int>{1, 2}), States());
+    const Texts steps = StepTexts("Backing up in progress");
+    ASSERT_EQ(10u, steps.size());
+    EXPECT_EQ("Saving object list...", steps.back());
+}
+
 // Its thread disables the dialog by a sent message, while the dialog's thread waits for it.
 TEST_F(PopupTest, TheDialogsOwnPopupIsUpAtOnce) {
     BackUp();
