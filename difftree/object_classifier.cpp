@@ -192,12 +192,15 @@ bool ObjectClassifier::InsertRegistryNodes(std::uint32_t hive, std::u16string_vi
         if (hive_node == nullptr) {
             return false;
         }
-        NodeRecord* const key =
-            tree_.InsertPath(hive_node, key_path, category, value_name.empty() ? flags : 0);
-        return key != nullptr &&
-               (value_name.empty() ||
-                tree_.InsertNode(key, value_name, CodeOf(ObjectType::kRegistryValue), flags,
-                                 false) != nullptr);
+        NodeRecord* const key = tree_.InsertPath(hive_node, key_path, category, 0);
+        if (key != nullptr && !value_name.empty()) {
+            return tree_.InsertNode(key, value_name, CodeOf(ObjectType::kRegistryValue), flags,
+                                    false) != nullptr;
+        }
+        if (key != nullptr) {
+            key->flags |= flags;
+        }
+        return key != nullptr;
     }
     return true;  // a damaged block: no such hive
 }

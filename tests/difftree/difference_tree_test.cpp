@@ -218,6 +218,13 @@ TEST_F(DifferenceTreeTest, RegistryObjectsStandBelowTheirHives) {
     EXPECT_EQ(0u, tree_.Find({u"Registry", u"HKLM"})->record->flags);
 }
 
+// The hive is the last node then; a change would not be seen otherwise.
+TEST_F(DifferenceTreeTest, WhatIsTheHiveItselfPutsItsFlagsOnTheHive) {
+    Advanced({InHive(Value(u"", u""), 0x80000001), InHive(Key(u"\\", JF_DELETE), 0x80000000)});
+    EXPECT_EQ((Lines{u"HKCU (+)*", u"HKCR (-)*"}), Below(u"Registry"));
+    EXPECT_EQ(1u, tree_.Find({u"Registry"})->record->added);
+}
+
 TEST_F(DifferenceTreeTest, AValueNameMayHoldSeparatorsOfPaths) {
     Advanced({InHive(Value(u"k", u"a\\b"), 0x80000002)});
     EXPECT_EQ((Lines{u"HKLM", u" k", u"  a\\b (+)*"}), Below(u"Registry"));
