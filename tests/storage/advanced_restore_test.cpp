@@ -91,6 +91,26 @@ TEST_F(AdvancedRestoreTest, WithoutAListNothingIsDone) {
     EXPECT_EQ(ResultCode::kSuccess, code_);  // the number of an early failure too
 }
 
+// Kept so: the newer value is looked for on the device, which was not scanned.
+TEST_F(AdvancedRestoreTest, NoPairIsPrunedFromTheDifferencesOfTwoStates) {
+    ObjectRecord older = StoreValue(HKEY_CURRENT_USER, u"Software\\Kestrin2\\Tolvenar", u"onTime",
+                                    REG_DWORD, Dword(0));
+    ObjectRecord gone = older;
+    gone.state_number = 2;
+    gone.flags = JF_DELETE;
+    ObjectRecord newer = StoreValue(HKEY_CURRENT_USER, u"Software\\Kestrin2\\Tolvenar", u"onTime",
+                                    REG_DWORD, Dword(1));
+    newer.state_number = 2;
+    newer.TolvOID ^= 0x00FF0000;
+    SaveStorage();
+    SaveJournal({older, gone, newer});
+    LoadJournal();
+    ASSERT_EQ(1, FindDifferenceEx(engine_, 1, 2));
+    EXPECT_EQ(2u, storage_.difference->CountRecords());
+    EXPECT_EQ((std::vector<std::string>{"E RemoveKestrinAddDeleteLQNRegValue: Fail GetOIDInfo"}),
+              LogLines());
+}
+
 TEST_F(AdvancedRestoreTest, AStorageFileThatCannotBeOpenedKeepsTheList) {
     MakeTwoStates();
     device().Fault("CreateFileW", 1, 1, ERROR_SHARING_VIOLATION, "t.sav");
