@@ -331,6 +331,32 @@ TEST_F(TreeDrawingTest, CountsAreClippedToTheirRow) {
     }
 }
 
+TEST_F(TreeDrawingTest, AnItemWithoutARecordIsDrawnAsTheControlDoes) {
+    Show(false);
+    wchar_t text[] = L"stranger";
+    TVINSERTSTRUCTW insertion{};
+    insertion.hParent = Find(u"Differences");
+    insertion.hInsertAfter = TVI_LAST;
+    insertion.item.mask = TVIF_TEXT;
+    insertion.item.pszText = text;
+    Ask(TVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&insertion));
+    Screen();
+    const long before = Calls("ExtTextOutW");
+    ::InvalidateRect(window_.tree_view(), nullptr, TRUE);
+    Screen();
+    EXPECT_EQ(3 * 5, Calls("ExtTextOutW") - before);
+    wchar_t shown[20] = L"";
+    TVITEMW item{};
+    item.mask = TVIF_TEXT | TVIF_PARAM;
+    item.hItem = Next(TVGN_LASTVISIBLE, nullptr);
+    item.pszText = shown;
+    item.cchTextMax = 20;
+    Ask(TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+    EXPECT_EQ(std::wstring(text), shown);
+    EXPECT_EQ(0, item.lParam);
+    window_.Clear();
+}
+
 TEST_F(TreeDrawingTest, TheCallersStylesAreDrawn) {
     build_.styles.added = {RGB(0, 128, 0), false};
     Show();
