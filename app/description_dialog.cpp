@@ -42,9 +42,8 @@ INT_PTR DescriptionDialog::OnCommand(HWND window, int id) {
         return FALSE;
     }
     if (id == IDOK) {
-        const int length = ::GetDlgItemTextW(window, IDC_DESCRIPTION_TEXT, Wide(answer_),
-                                             static_cast<int>(kMaxDescriptionUnits));
-        units_ = static_cast<std::size_t>(length);
+        units_ = ::GetDlgItemTextW(window, IDC_DESCRIPTION_TEXT, Wide(answer_),
+                                   static_cast<int>(kMaxDescriptionUnits));
         is_confirmed_ = true;
     }
     ::EndDialog(window, id);

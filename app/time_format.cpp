@@ -9,6 +9,13 @@ bool IsLetter(char16_t unit) {
 
 bool IsSeparator(char16_t unit) { return !IsLetter(unit) && unit != u' ' && unit != u'\''; }
 
+std::size_t WithoutSeparators(const char16_t* text, std::size_t length) {
+    while (length > 0 && IsSeparator(text[length - 1])) {
+        --length;
+    }
+    return length;
+}
+
 }  // namespace
 
 void DropSeconds(char16_t (&pattern)[kTimeFormatUnits]) {
@@ -18,12 +25,10 @@ void DropSeconds(char16_t (&pattern)[kTimeFormatUnits]) {
         const char16_t unit = pattern[i];
         is_quoted = is_quoted != (unit == u'\'');
         if (unit == u's' && !is_quoted) {
-            while (kept > 0 && IsSeparator(pattern[kept - 1])) {
-                --kept;
-            }
-            continue;
+            kept = WithoutSeparators(pattern, kept);
+        } else {
+            pattern[kept++] = unit;
         }
-        pattern[kept++] = unit;
     }
     if (kept < kTimeFormatUnits) {
         pattern[kept] = 0;
