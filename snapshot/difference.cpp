@@ -38,6 +38,14 @@ void Withdraw(const ObjectRecord& added, ObjectList& diff) {
     }
 }
 
+void MarkPair(ObjectRecord& a, ObjectRecord& b, std::uint16_t mark, ObjectList& diff) {
+    a.flags |= JF_MATCHED;
+    b.flags |= JF_MATCHED;
+    if (mark == JF_DELETE && IsRegistryObject(a) && IsRegistryObject(b)) {
+        Withdraw(b, diff);
+    }
+}
+
 // Marks the pairs that are in both lists and enters the other records of `from` under `mark`.
 bool Match(const ObjectList& from, const ObjectList& against, ObjectList& diff, std::uint16_t mark,
            InfoSource& info) {
@@ -51,11 +59,7 @@ bool Match(const ObjectList& from, const ObjectList& against, ObjectList& diff, 
             continue;
         }
         if (ObjectRecord* b = candidates.FirstMatch(a, info)) {
-            a.flags |= JF_MATCHED;
-            b->flags |= JF_MATCHED;
-            if (mark == JF_DELETE && IsRegistryObject(a) && IsRegistryObject(*b)) {
-                Withdraw(*b, diff);
-            }
+            MarkPair(a, *b, mark, diff);
         } else if (!AddToDifference(a, mark, diff)) {
             return false;
         }

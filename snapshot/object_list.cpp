@@ -95,7 +95,7 @@ bool ObjectList::InsertCopy(const ObjectKey& key, const ObjectRecord& record) {
     if (copy == nullptr || InsertByKey(key, copy.get()) == nullptr) {
         return false;
     }
-    copy.release();
+    static_cast<void>(copy.release());
     return true;
 }
 

@@ -126,7 +126,7 @@ bool StateReplay::Add(const ObjectKey& key, const ObjectRecord& record) {
     if (node == nullptr) {
         return false;
     }
-    copy.release();
+    static_cast<void>(copy.release());
     registry_.Add(node);
     return true;
 }
