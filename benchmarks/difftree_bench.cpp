@@ -5,11 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "benchmarks/on_new_device.h"
 #include "difftree/list_enumerator.h"
 #include "difftree/tree_window.h"
 #include "platform/text.h"
-#include "simulator/host/attach.h"
-#include "simulator/host/host_files.h"
 #include "snapshot/property_encoding.h"
 #include "storage/block_io.h"
 
@@ -300,13 +299,4 @@ int Run() {
 }  // namespace
 }  // namespace tolvenar
 
-int main() {
-    const std::wstring folder = sim::host::FolderFromEnvironmentOrTemp(L"TOLVENAR_TEST_DEVICES") +
-                                L"\\bench-" + sim::host::UniqueName();
-    sim::host::MakeFolder(folder);
-    sim::host::AttachProcess(folder);
-    const int result = tolvenar::Run();
-    sim::host::AttachProcess(L"");
-    sim::host::RemoveTree(folder);
-    return result;
-}
+int main() { return bench::OnNewDevice(tolvenar::Run); }

@@ -3,10 +3,9 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "benchmarks/on_new_device.h"
 #include "platform/text.h"
 #include "platform/unique_resource.h"
-#include "simulator/host/attach.h"
-#include "simulator/host/host_files.h"
 #include "simulator/store/device.h"
 #include "storage/block_io.h"
 #include "storage/journal.h"
@@ -107,13 +106,4 @@ int Run() {
 }  // namespace
 }  // namespace tolvenar
 
-int main() {
-    const std::wstring folder = sim::host::FolderFromEnvironmentOrTemp(L"TOLVENAR_TEST_DEVICES") +
-                                L"\\bench-" + sim::host::UniqueName();
-    sim::host::MakeFolder(folder);
-    sim::host::AttachProcess(folder);
-    const int result = tolvenar::Run();
-    sim::host::AttachProcess(L"");
-    sim::host::RemoveTree(folder);
-    return result;
-}
+int main() { return bench::OnNewDevice(tolvenar::Run); }
