@@ -33,7 +33,7 @@ private:
 };
 
 // Takes out of the difference list what is never restored. False when the storage file, which
-// describes the objects, cannot be opened.
+// describes the objects, cannot be opened, or there is no memory.
 bool PruneForRestore(Engine& engine) {
     const UniqueHandle sav_file = OpenFile(engine.storage.names.sav, GENERIC_READ | GENERIC_WRITE,
                                            FILE_SHARE_READ, OPEN_EXISTING);
@@ -42,8 +42,7 @@ bool PruneForRestore(Engine& engine) {
     }
     const StorageFileLoan loan(engine.info, sav_file.get());
     PruneDifferences(*engine.storage.difference, kRestorePruning, engine.info);
-    KeepStoredObjects(*engine.storage.difference, engine.info);
-    return true;
+    return KeepStoredObjects(*engine.storage.difference, engine.info);
 }
 
 // Whether the journal fits on the card once more. A list that is saved in part replaces the whole

@@ -4,6 +4,7 @@
 #include "snapshot/difference.h"
 #include "snapshot/registry_objects.h"
 #include "storage/journal_update.h"
+#include "storage/kept_objects.h"
 #include "tests/native/failing_new.h"
 #include "tests/support/fake_info_source.h"
 #include "tests/support/records.h"
@@ -129,6 +130,17 @@ TEST_F(AllocationFailureTest, NewIdsReachTheJournalAllTheSame) {
     for (ObjectList::Cursor node = journal->First(); node != nullptr; node = node->next) {
         EXPECT_EQ(node->key.dwOID + 40, node->record->dwOID);
     }
+}
+
+TEST_F(AllocationFailureTest, NothingIsKeptOfWhatIsDeletedAndWrittenBack) {
+    ObjectRecord deleted = MakeRecord(ObjectType::kRegistryKey, 0, 5);
+    deleted.flags = JF_ADD;
+    const auto diff = ListOf({deleted});
+    EXPECT_EQ(1u, ForEachAllocation([&] {
+                  const bool done = KeepStoredObjects(*diff, info_);
+                  EXPECT_EQ(JF_ADD, diff->First()->record->flags);
+                  return done;
+              }));
 }
 
 TEST_F(AllocationFailureTest, ARegistryObjectIsNotEntered) {

@@ -34,7 +34,7 @@ protected:
     }
     void Insert(const ObjectRecord& record) { diff_->InsertCopy(StatelessKeyOf(record), record); }
     int Deletions() {
-        KeepStoredObjects(*diff_, info_);
+        EXPECT_TRUE(KeepStoredObjects(*diff_, info_));
         int count = 0;
         for (const KeyedRecord& entry : Walk(*diff_)) {
             count += (entry.record.flags & JF_ADD) != 0;
@@ -62,6 +62,15 @@ TEST_F(KeptObjectsTest, TheCollisionCounterMakesNoOtherObject) {
     AddDeletion(kKey, 0x01000005, u"Software");
     AddWriteBack(kKey, 0x00000005, 500, u"Software");
     EXPECT_EQ(0, Deletions());
+}
+
+TEST_F(KeptObjectsTest, AmongManyEachIsHeldAgainstItsOwn) {
+    for (std::uint32_t id = 1; id <= 20; ++id) {
+        AddWriteBack(kKey, id * 7 % 41, 500 + id, u"Software");
+    }
+    AddDeletion(kKey, 7 * 13 % 41, u"Software");
+    AddDeletion(kKey, 7 * 21 % 41, u"Software");
+    EXPECT_EQ(1, Deletions());
 }
 
 TEST_F(KeptObjectsTest, AnUnreadableStoredDescriptionKeepsWhatItMayBe) {
