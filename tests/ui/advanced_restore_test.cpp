@@ -49,6 +49,17 @@ protected:
         std::uint32_t oid = 0;
         EXPECT_EQ(sim::databases::kOk, store.Write(*database, oid, {{0x4013001F, 0, text}}));
     }
+    // Leaves the page in its failed form.
+    void TakeBackWithALockedFile() {
+        OpenAdvanced();
+        DoubleClick(1);
+        {
+            const auto lock = device().Lock(L"\\My Documents\\a.txt");
+            Press(1038);
+            EXPECT_TRUE(Eventually([&] { return Sees(1043); }));
+        }
+        EXPECT_TRUE(BecomesIdle());
+    }
     void OpenAdvanced() {
         Open();
         ShowTab("Advanced Restore");
@@ -216,14 +227,7 @@ TEST_F(AdvancedRestoreTest, ARefusedConfirmationKeepsTheTree) {
 }
 
 TEST_F(AdvancedRestoreTest, WhatFailedIsShownAndTriedAgain) {
-    OpenAdvanced();
-    DoubleClick(1);
-    {
-        const auto lock = device().Lock(L"\\My Documents\\a.txt");
-        Press(1038);
-        EXPECT_TRUE(Eventually([&] { return Sees(1043); }));
-    }
-    EXPECT_TRUE(BecomesIdle());
+    TakeBackWithALockedFile();
     EXPECT_EQ("These items could not be restored:", Text(1114));
     const Texts left = {"Differences",
                         " Applications",
@@ -245,14 +249,7 @@ TEST_F(AdvancedRestoreTest, WhatFailedIsShownAndTriedAgain) {
 }
 
 TEST_F(AdvancedRestoreTest, TheOtherButtonUndoesWhatFailed) {
-    OpenAdvanced();
-    DoubleClick(1);
-    {
-        const auto lock = device().Lock(L"\\My Documents\\a.txt");
-        Press(1038);
-        EXPECT_TRUE(Eventually([&] { return Sees(1043); }));
-    }
-    EXPECT_TRUE(BecomesIdle());
+    TakeBackWithALockedFile();
     Press(1038);
     ExpectRestored();
     EXPECT_EQ("one and more", device().FileBytes(L"\\My Documents\\a.txt"));
@@ -260,14 +257,7 @@ TEST_F(AdvancedRestoreTest, TheOtherButtonUndoesWhatFailed) {
 }
 
 TEST_F(AdvancedRestoreTest, OkGivesUpWhatFailed) {
-    OpenAdvanced();
-    DoubleClick(1);
-    {
-        const auto lock = device().Lock(L"\\My Documents\\a.txt");
-        Press(1038);
-        EXPECT_TRUE(Eventually([&] { return Sees(1043); }));
-    }
-    EXPECT_TRUE(BecomesIdle());
+    TakeBackWithALockedFile();
     Press(1043);
     EXPECT_TRUE(Eventually([&] { return Sees(1014) && !Sees(1043); }));
     EXPECT_EQ("", Text(1041));

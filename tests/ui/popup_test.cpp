@@ -61,20 +61,24 @@ protected:
         }
         return moves;
     }
+    // All of them, with the one that does the work.
+    void ExpectSteps(const std::string& title, const std::string& work) {
+        EXPECT_EQ((Texts{"Preparing object list...", "Scanning files...",
+                         "Scanning HKCR registry entry...", "Scanning HKCU registry entry...",
+                         "Scanning HKLM registry entry...", "Scanning HKU registry entry...",
+                         "Scanning databases...", "Finding differences...", work,
+                         "Saving object list...", "Loading object list..."}),
+                  StepTexts(title));
+        EXPECT_EQ((Texts{"range 12", "0", "1", "2", "3", "4", "5", "6", "7", "8", "9", "10"}),
+                  TotalBar(title));
+    }
 };
 
 TEST_F(PopupTest, ABackupTellsItsStepsInTheirOrder) {
     Open();
     Press(1001);
     EXPECT_TRUE(Eventually([&] { return States() == std::vector<int>({1, 2}) && !IsBusy(); }));
-    EXPECT_EQ(
-        (Texts{"Preparing object list...", "Scanning files...", "Scanning HKCR registry entry...",
-               "Scanning HKCU registry entry...", "Scanning HKLM registry entry...",
-               "Scanning HKU registry entry...", "Scanning databases...", "Finding differences...",
-               "Backing Up...", "Saving object list...", "Loading object list..."}),
-        StepTexts("Backing up in progress"));
-    EXPECT_EQ((Texts{"range 12", "0", "1", "2", "3", "4", "5", "6", "7", "8", "9", "10"}),
-              TotalBar("Backing up in progress"));
+    ExpectSteps("Backing up in progress", "Backing Up...");
 }
 
 TEST_F(PopupTest, ARestoreTellsItsStepsInTheirOrder) {
@@ -82,14 +86,7 @@ TEST_F(PopupTest, ARestoreTellsItsStepsInTheirOrder) {
     ShowTab("Restore");
     Press(1002);
     ExpectReminder(tests::kRestoredReminder, tests::kCancel);
-    EXPECT_EQ(
-        (Texts{"Preparing object list...", "Scanning files...", "Scanning HKCR registry entry...",
-               "Scanning HKCU registry entry...", "Scanning HKLM registry entry...",
-               "Scanning HKU registry entry...", "Scanning databases...", "Finding differences...",
-               "Restoring...", "Saving object list...", "Loading object list..."}),
-        StepTexts("Restoring in progress"));
-    EXPECT_EQ((Texts{"range 12", "0", "1", "2", "3", "4", "5", "6", "7", "8", "9", "10"}),
-              TotalBar("Restoring in progress"));
+    ExpectSteps("Restoring in progress", "Restoring...");
 }
 
 TEST_F(PopupTest, AnUnattendedBackupEndsWithoutLoadingItsJournalAgain) {
