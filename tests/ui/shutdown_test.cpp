@@ -24,9 +24,6 @@ protected:
         Ask("trace on");
         return Program(device().sim(), kPath, arguments);
     }
-    void WaitForDialog() {
-        ASSERT_TRUE(Eventually([&] { return OperationWindow() != nullptr && Sees(1000); }));
-    }
     // The calls of a function, as the trace numbers its lines.
     std::vector<std::size_t> PlacesOf(const std::string& function, const std::string& arguments) {
         std::vector<std::size_t> places;

@@ -23,9 +23,6 @@ protected:
         Ask("trace on");
         return Program(device().sim(), kPath, L"");
     }
-    void WaitForDialog() {
-        ASSERT_TRUE(Eventually([&] { return OperationWindow() != nullptr && Sees(1000); }));
-    }
     Program StartBackup() { return Program(device().sim(), kPath, L"AutoBackup: External"); }
     // The second copy does its backup once the first has gone, without what it was asked.
     void ExpectTakenOver(Program& first) {

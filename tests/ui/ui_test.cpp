@@ -31,6 +31,10 @@ void UiTest::StartProgram(const std::string& arguments) {
 
 void UiTest::Open(const std::string& arguments) {
     StartProgram(arguments);
+    WaitForDialog();
+}
+
+void UiTest::WaitForDialog() {
     ASSERT_TRUE(Eventually([&] {
         return ::FindWindowW(L"TolvenarOperationClass", nullptr) != nullptr && Sees(1000);
     }));

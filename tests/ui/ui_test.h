@@ -30,6 +30,7 @@ class UiTest : public ProgramTest {
 protected:
     // Starts the program and waits until its dialog can be worked.
     void Open(const std::string& arguments = "");
+    void WaitForDialog();
     // Starts the program only.
     void StartProgram(const std::string& arguments = "");
     // The storage with the first state of an installed device. Made once a process: each case
