@@ -102,8 +102,8 @@ bool OpenJournal(OpenedStorage& storage, Progress* progress) {
 }
 
 bool JournalIsAsLoaded(const OpenedStorage& storage) {
-    return storage.journal != nullptr && storage.journal_stamp.exists &&
-           ReadJournalStamp(storage.names) == storage.journal_stamp;
+    return storage.journal != nullptr &&
+           IsSameJournal(storage.journal_stamp, ReadJournalStamp(storage.names));
 }
 
 bool LoadObjectList(const StorageNames& names, ObjectList& list, Progress* progress,

@@ -14,8 +14,14 @@ struct JournalStamp {
     std::uint64_t modified = 0;  // FILETIME
 };
 
-inline bool operator==(const JournalStamp& a, const JournalStamp& b) {
-    return a.exists == b.exists && a.bytes == b.bytes && a.modified == b.modified;
+// A card keeps local times, which the platform turns into UTC: a change of the time zone or to
+// summer time moves them all by quarter hours.
+constexpr std::uint64_t kTimeZoneStep = 15ull * 60 * 10000000;
+
+inline bool IsSameJournal(const JournalStamp& a, const JournalStamp& b) {
+    const std::uint64_t moved =
+        a.modified > b.modified ? a.modified - b.modified : b.modified - a.modified;
+    return a.exists && b.exists && a.bytes == b.bytes && moved % kTimeZoneStep == 0;
 }
 
 // The stamp of the journal file as it is now; that of no file when it cannot be found.

@@ -128,7 +128,20 @@ TEST_F(JournalTest, AnotherCardsJournalIsNotAsLoaded) {
 TEST_F(JournalTest, AJournalOfTheSameSizeAndAnotherTimeIsNotAsLoaded) {
     Put(kJournal, kThreeRecords);
     ASSERT_TRUE(Open());
-    device().Command("touch \"\\Backups\\Home.jrn\" 126227808000000000");
+    device().Touch(Wide(kJournal), storage_.journal_stamp.modified + 20000000);
+    EXPECT_FALSE(JournalIsAsLoaded(storage_));
+}
+
+TEST_F(JournalTest, AnotherTimeZoneMakesNoOtherJournal) {
+    constexpr std::uint64_t kHour = 36000000000;
+    Put(kJournal, kThreeRecords);
+    ASSERT_TRUE(Open());
+    const std::uint64_t time = storage_.journal_stamp.modified;
+    for (const std::uint64_t moved : {time + kHour, time - kHour, time + kHour / 2}) {
+        device().Touch(Wide(kJournal), moved);
+        EXPECT_TRUE(JournalIsAsLoaded(storage_));
+    }
+    device().Touch(Wide(kJournal), time + kHour / 4 + 20000000);
     EXPECT_FALSE(JournalIsAsLoaded(storage_));
 }
 
