@@ -1,6 +1,7 @@
 #include "app/difference_view.h"
 
 #include "difftree/list_enumerator.h"
+#include "platform/text.h"
 
 namespace tolvenar {
 
@@ -20,10 +21,11 @@ void DifferenceView::Create(HINSTANCE instance, HWND place_holder) {
     tree_.CreateTreeDialog(::GetParent(place_holder), &place);
 }
 
-void DifferenceView::Build(Application& app) {
+void DifferenceView::Build(Application& app, const wchar_t* caption) {
     ListEnumerator enumerator(app.engine);
     TreeBuild build;
     build.advanced_view = app.settings.AdvancedTreeView != 0;
+    build.root_caption = Utf16(caption);
     tree_.BuildDifferenceTree(enumerator, build);
 }
 

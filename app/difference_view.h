@@ -13,8 +13,9 @@ public:
     void Create(HINSTANCE instance, HWND place_holder);
     // Before the page goes: the tree's window class goes after its windows.
     void Destroy() { tree_.DestroyTreeWindowClass(); }
-    // Shows what the application's difference list holds.
-    void Build(Application& app);
+    // Shows what the application's difference list holds, below this caption; an empty one leaves
+    // the tree its own.
+    void Build(Application& app, const wchar_t* caption);
     void Clear() { tree_.Clear(); }
     // Follows the place holder, which was moved, shown or hidden.
     void OnLayout(bool is_shown);

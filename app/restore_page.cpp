@@ -13,6 +13,7 @@ namespace tolvenar {
 namespace {
 
 constexpr int kTreeSteps = 5;
+constexpr int kDifferencesTextUnits = 64;
 
 bool HasDifferences(const Application& app) {
     return app.storage.difference != nullptr && app.storage.difference->CountRecords() != 0;
@@ -61,7 +62,7 @@ void RestorePage::OnShow(int index) {
     tab_ = index;
     if (index == kAdvancedPage && app_.settings.AdvancedTreeViewChange != 0 && ListsAreFree(app_)) {
         app_.settings.AdvancedTreeViewChange = 0;
-        tree_.Build(app_);
+        BuildTree();
     }
 }
 
@@ -147,15 +148,24 @@ void RestorePage::ShowDifferences() {
     const int item = states_.Selected();
     CompareWithOlder(*states_.At(item), states_.At(item + 1));
     app_.progress.ProgressStep(u"Preparing tree...");
-    tree_.Build(app_);
+    BuildTree();
     OnLayout();
     app_.popup.CloseAndWait();
+}
+
+// What a restore left over need not be the difference that the caption names.
+void RestorePage::BuildTree() {
+    wchar_t caption[kDifferencesTextUnits] = L"";
+    if (!is_failed_) {
+        ::GetWindowTextW(Control(IDC_DIFFERENCES_CAPTION), caption, kDifferencesTextUnits);
+    }
+    tree_.Build(app_, caption);
 }
 
 // Half a comparison, or an earlier one, would pass for the whole of this one: after a failure there
 // are no differences.
 void RestorePage::CompareWithOlder(const ObjectRecord& state, const ObjectRecord* older) {
-    wchar_t caption[64] = L"";
+    wchar_t caption[kDifferencesTextUnits] = L"";
     DropDifferences();
     if (older != nullptr &&
         FindDifferenceEx(app_.engine, older->state_number, state.state_number)) {
@@ -178,7 +188,7 @@ void RestorePage::DropDifferences() {
 void RestorePage::OnRestoreEnded(bool items_left) {
     is_failed_ = items_left;
     if (items_left) {
-        tree_.Build(app_);
+        BuildTree();
     }
     ForgetMissingDifferences();
     OnLayout();

@@ -38,6 +38,7 @@ private:
     void RequestRestore(int button);
     void RequestDifferences();
     void ShowDifferences();
+    void BuildTree();
     void CompareWithOlder(const ObjectRecord& state, const ObjectRecord* older);
     void DropDifferences();
     void OnRestoreEnded(bool items_left);

@@ -56,6 +56,10 @@ std::vector<TreeLine> StoredStates::Tree(unsigned older, unsigned newer, bool ad
     ListEnumerator enumerator(engine_);
     TreeBuild build;
     build.advanced_view = advanced_view;
+    const std::string caption =
+        "Differences from State " + std::to_string(older) + " to State " + std::to_string(newer);
+    const std::u16string root(caption.begin(), caption.end());
+    build.root_caption = older != 0 ? root.c_str() : nullptr;
     FakeTree tree;
     EXPECT_EQ(1, BuildDifferenceTree(tree, EnglishTexts(), enumerator, build));
     std::vector<TreeLine> lines;
