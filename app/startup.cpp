@@ -14,11 +14,14 @@ namespace {
 constexpr int kDropped = 0;
 constexpr int kHandedOver = 1;
 
+constexpr DWORD kControlClasses = ICC_TREEVIEW_CLASSES | ICC_BAR_CLASSES | ICC_TAB_CLASSES |
+                                  ICC_PROGRESS_CLASS | ICC_DATE_CLASSES;
+static_assert(kControlClasses == 0x12E && sizeof(INITCOMMONCONTROLSEX) == 8);
+
 void InitControls() {
     INITCOMMONCONTROLSEX controls{};
     controls.dwSize = sizeof controls;
-    controls.dwICC = ICC_TREEVIEW_CLASSES | ICC_BAR_CLASSES | ICC_TAB_CLASSES | ICC_PROGRESS_CLASS |
-                     ICC_DATE_CLASSES;
+    controls.dwICC = kControlClasses;
     ::InitCommonControlsEx(&controls);
 }
 

@@ -1,0 +1,69 @@
+// What a start asks the platform for, by its values: heap, hidden windows, keys, thread, mutex.
+#include "tests/ui/ui_test.h"
+
+namespace {
+
+using Texts = std::vector<std::string>;
+
+class StartupCallsTest : public tests::UiTest {
+protected:
+    Texts Arguments(const std::string& function) {
+        Texts all;
+        for (const Json& line : Ask("trace show " + function)) {
+            all.push_back(line["arguments"]);
+        }
+        return all;
+    }
+    static void ExpectHidden(HWND window, const wchar_t* title) {
+        wchar_t text[40] = L"";
+        ::GetWindowTextW(window, text, 40);
+        EXPECT_STREQ(title, text);
+        EXPECT_FALSE(::IsWindowVisible(window));
+        EXPECT_NE(0u, static_cast<DWORD>(::GetWindowLongW(window, GWL_STYLE)) & WS_BORDER);
+        EXPECT_EQ(nullptr, ::GetParent(window));
+    }
+};
+
+TEST_F(StartupCallsTest, TheHeapBeginsWith5000000BytesAndMayGrow) {
+    Open();
+    EXPECT_EQ(Texts{"0, 5000000, 0"}, Arguments("HeapCreate"));
+}
+
+TEST_F(StartupCallsTest, BothHiddenWindowsHaveIconBrushAndTitle) {
+    Open();
+    EXPECT_EQ((Texts{"TolvenarClass, Tolvenar", "TolvenarOperationClass, Operations"}),
+              Arguments("CreateWindowExW"));
+    EXPECT_EQ((Texts{"0x400000, 0x65", "0x400000, 0x65"}), Arguments("LoadIconW"));
+    EXPECT_EQ((Texts{"0", "0"}), Arguments("GetStockObject"));  // WHITE_BRUSH
+    EXPECT_EQ(2u, Calls("RegisterClassW"));
+    EXPECT_EQ(0u, Calls("LoadCursorW"));
+    ExpectHidden(MainWindow(), L"Tolvenar");
+    ExpectHidden(OperationWindow(), L"Operations");
+}
+
+TEST_F(StartupCallsTest, TheKeysAreThoseOfTable113) {
+    Open();
+    EXPECT_EQ(Texts{"0x400000, 0x71"}, Arguments("LoadAcceleratorsW"));
+}
+
+TEST_F(StartupCallsTest, AnInteractiveStartTakesNoMutexAndLooksForOtherCopiesOnce) {
+    Open();
+    EXPECT_EQ(0u, Calls("CreateMutexW", "TolvenarMutexObject"));
+    EXPECT_EQ(1u, Calls("FindWindowW", "TolvenarClass, 0x0"));
+}
+
+TEST_F(StartupCallsTest, AScheduledBackupTakesTheMutexAndLoadsUnderTheHourglass) {
+    constexpr unsigned kHalfPastNine = 30 << 16 | 9;
+    SetDword("onTime", 1);
+    SetDword("WakeUpTime", kHalfPastNine);
+    device().Set("sleep.scale", "100");
+    StartProgram("TolvenarRunAtTime");
+    EXPECT_TRUE(Eventually([&] { return !States().empty() && !ProgramRuns(); }));
+    EXPECT_EQ(1u, Calls("CreateMutexW", "TolvenarMutexObject"));
+    EXPECT_EQ(Texts{"0x0, 0x7f02"}, Arguments("LoadCursorW"));
+    EXPECT_EQ(2u, Calls("SetCursor"));  // and the previous one
+    EXPECT_EQ(0u, Calls("SetWindowTextW", "Loading List"));
+    EXPECT_EQ(1u, Calls("SetWindowTextW", "Backing up in progress"));
+}
+
+}  // namespace
