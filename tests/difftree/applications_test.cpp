@@ -61,5 +61,16 @@ TEST_F(ApplicationsTest, ALongApplicationNameIsCut) {
     EXPECT_EQ(Lines{std::u16string(100, u'n') + u" (+)*"}, Below(u"Applications"));
 }
 
+TEST_F(ApplicationsTest, TheLongestDirectoryStandsWholeInItsLine) {
+    const std::u16string key = u"Software\\Apps\\One";
+    const std::u16string longest(260, u'd');
+    Simple({Value(key, u"Instl"), Text(key, u"InstlDir", longest.c_str())});
+    EXPECT_EQ((Lines{u"One (+)*", u" InstallDir=\"" + longest + u"\" (+)*"}),
+              Below(u"Applications"));
+    Simple({Value(key, u"Instl"), Text(key, u"InstlDir", (longest + u"e").c_str())});
+    EXPECT_EQ((Lines{u"One (+)*", u" InstallDir=\"" + longest + u"\" (+)*"}),
+              Below(u"Applications"));
+}
+
 }  // namespace
 }  // namespace tolvenar

@@ -93,6 +93,21 @@ TEST_F(TreeBuildTest, ATreeViewThatIsFullLeavesTheRestOut) {
     EXPECT_EQ(8u, tree_.size());
 }
 
+// A child gives its parent a button, so the groups are looked at before they have any.
+TEST_F(TreeBuildTest, TheButtonOfOtherDatabasesFollowsTheMaskThatOfOutlookDataNot) {
+    for (const std::uint32_t mask : {0u, kExpandOtherDatabases}) {
+        build_.advanced_view = true;
+        build_.expand_mask = mask;
+        FakeTree tree;
+        tree.insertions_left = 5 + 2;  // the root, its categories and both groups
+        FakeEnumerator enumerator({Database(u"Contacts Database"), Database(u"Notes")});
+        EXPECT_EQ(0, BuildDifferenceTree(tree, EnglishTexts(), enumerator, build_));
+        ASSERT_EQ(7u, tree.size());
+        EXPECT_TRUE(tree.Find({u"Databases", u"Outlook Data"})->has_button);
+        EXPECT_EQ(mask != 0, tree.Find({u"Databases", u"Other"})->has_button);
+    }
+}
+
 // A control looks a parent up among its items, from the first on.
 TEST_F(TreeBuildTest, ItemsThatAreNoParentsAreInsertedLast) {
     Advanced({File(u"\\a\\1"), File(u"\\a\\2"), File(u"\\b\\c\\3"), File(u"\\b\\4")});
