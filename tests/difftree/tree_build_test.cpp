@@ -29,6 +29,17 @@ TEST_F(TreeBuildTest, BoldFollowsTheStylesOfTheStates) {
     EXPECT_TRUE(tree_.root()->is_bold);
 }
 
+TEST_F(TreeBuildTest, TheRestorePagesValues) {
+    const TreeBuild build;
+    EXPECT_EQ(15u, build.options);
+    EXPECT_EQ(0x40000016u, build.expand_mask);
+    EXPECT_EQ(12u, build.filter_mask);
+    EXPECT_EQ(1u, kTreeColours);
+    EXPECT_EQ(2u, kTreeCounts);
+    EXPECT_EQ(4u, kTreeMarks);
+    EXPECT_EQ(8u, kTreeBold);
+}
+
 TEST_F(TreeBuildTest, TheDefaultStyles) {
     EXPECT_EQ(0x000000u, StyleOf(kDefaultStyles, 0).colour);
     EXPECT_FALSE(StyleOf(kDefaultStyles, kNodeObject).is_bold);

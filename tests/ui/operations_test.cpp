@@ -202,6 +202,19 @@ TEST_F(OperationsTest, ARestoreWithoutADifferenceSaysSo) {
     EXPECT_TRUE(ProgramRuns());
 }
 
+// Unlike those at the start and of the choice of a storage, which have no owner.
+TEST_F(OperationsTest, TheBoxOfAResultBelongsToTheDialog) {
+    OpenRestore();
+    device().Set("memory.free", "0");
+    device().Set("store.free", "0");
+    Press(1002);
+    ASSERT_TRUE(Eventually([&] { return BoxIsUp(); }));
+    EXPECT_FALSE(::IsWindowEnabled(MainDialog()));
+    Answer();
+    EXPECT_TRUE(BecomesIdle());
+    EXPECT_TRUE(::IsWindowEnabled(MainDialog()));
+}
+
 TEST_F(OperationsTest, ARestoreWithoutASelectedStateSaysThatTheStorageIsEmpty) {
     OpenRestore();
     const HWND dialog = ::FindWindowW(L"Dialog", L"Tolvenar");
