@@ -120,4 +120,11 @@ TEST_F(UnattendedRestoreTest, ItTellsItsResult) {
     EXPECT_EQ("third", device().FileBytes(L"\\My Documents\\a.txt"));
 }
 
+TEST_F(UnattendedRestoreTest, ItTellsThatTheJournalCannotBeReadAfterIt) {
+    device().PutFile(L"\\My Documents\\a.txt", "third");
+    // It is opened at the start, and again after the restore.
+    device().Fault("CreateFileW", 2, 1000, 5, ".jrn, 3221225472");
+    ExpectRestoreEnds(tests::kErrorBox, "Journal read Fail.");
+}
+
 }  // namespace
