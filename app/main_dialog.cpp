@@ -270,11 +270,23 @@ INT_PTR MainDialog::OnSize() {
 INT_PTR MainDialog::OnActivate(WPARAM wparam, LPARAM lparam) {
     if (shown_ != nullptr && LOWORD(wparam) != WA_INACTIVE) {
         shown_->OnActivated();
+        ::PostMessageW(window_, WM_FOCUS_RETURNED, 0, 0);
     }
     if (pages_[kOptionsPage]) {
         ::SendMessageW(pages_[kOptionsPage]->window(), WM_DIALOG_ACTIVATED, wparam, lparam);
     }
     return FALSE;
+}
+
+// The page of the control may have been hidden while another window had the keyboard. Keys would go
+// nowhere then, and the dialog manager's search for an underlined letter, which starts at the focus
+// and passes over what is hidden, would never end.
+INT_PTR MainDialog::OnFocusReturned() {
+    const HWND focus = ::GetFocus();
+    if (focus != nullptr && ::IsChild(window_, focus) && !::IsWindowVisible(focus)) {
+        FocusPage();
+    }
+    return TRUE;
 }
 
 INT_PTR MainDialog::OnClose() {
@@ -328,6 +340,7 @@ INT_PTR MainDialog::Dispatch(UINT message, WPARAM wparam, LPARAM lparam) {
         case WM_DESTROY: return OnDestroy();
         case WM_PAGE_SELECT: SelectPage(static_cast<int>(wparam)); return TRUE;
         case WM_APPLY_NOW: ApplyNow(); return TRUE;
+        case WM_FOCUS_RETURNED: return OnFocusReturned();
         default: return OnRequest(message, wparam, lparam);
     }
 }

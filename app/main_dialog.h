@@ -31,6 +31,7 @@ private:
     INT_PTR OnCommand(WPARAM wparam, LPARAM lparam);
     INT_PTR OnSize();
     INT_PTR OnActivate(WPARAM wparam, LPARAM lparam);
+    INT_PTR OnFocusReturned();
     INT_PTR OnClose();
     INT_PTR OnDestroy();
     INT_PTR Answer(LRESULT result);
