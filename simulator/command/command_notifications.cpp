@@ -5,6 +5,7 @@
 #include "simulator/notifications/notifications.h"
 #include "simulator/processes/process_handles.h"
 #include "simulator/processes/processes.h"
+#include "simulator/processes/rest.h"
 #include "simulator/system/date_text.h"
 #include "simulator/system/settings.h"
 #include "simulator/system/zone.h"
@@ -14,11 +15,12 @@ namespace {
 
 std::wstring Units(const std::u16string& text) { return std::wstring(text.begin(), text.end()); }
 
-// How long the walk over a time waits for a program that it started, before the clock goes on.
-constexpr std::uint32_t kWaitMs = 20000;
+// How long the walk over a time waits for what it started, before the clock goes on.
+constexpr std::uint32_t kWaitMs = 60000;
 
 // An application that cannot be started is told with its error and holds nothing else up.
 Json StartOne(Device& device, const notifications::Start& start, std::uint32_t wait_ms) {
+    processes::Watch watch(device);
     const processes::Started started =
         processes::Start(device, Units(start.application), Units(start.arguments));
     Json row = {{"application", Utf8(start.application)}, {"arguments", Utf8(start.arguments)}};
@@ -28,7 +30,7 @@ Json StartOne(Device& device, const notifications::Start& start, std::uint32_t w
     }
     row["pid"] = started.pid;
     if (wait_ms != 0) {
-        processes::Wait(started.process, wait_ms);
+        watch.WaitForRest(started, wait_ms);
     }
     processes::CloseStarted(started);
     return row;

@@ -13,7 +13,7 @@ protected:
     void SetUp() override {
         LaunchFixture::SetUp();
         device().Set("zone", "CET-1CEST,M3.5.0/2,M10.5.0/3");
-        device().Set("sleep.scale", "50");
+        device().Set("sleep.scale", "500");
     }
     // Registers the notifications of these settings; the device then rests.
     void Arm(const std::string& time, unsigned on_time, unsigned on_battery) {
@@ -22,6 +22,13 @@ protected:
         SetOption("onBattery", on_battery);
         SetDailyTime(21, 30);
         ASSERT_EQ(0, BackUp());
+    }
+    // The day of March; what is behind its end is in April.
+    static std::string Date(int day) {
+        char text[16];
+        std::snprintf(text, sizeof text, "2027-%02d-%02d", day > 31 ? 4 : 3,
+                      day > 31 ? day - 31 : day);
+        return text;
     }
     void Change() { device().PutFile(L"\\My Documents\\a.txt", std::string(++changes_, 'x')); }
     // All that was started has ended, but for the agent, which stays and does nothing.
@@ -48,30 +55,25 @@ protected:
 TEST_F(MonthTest, TheDailyTimeBacksUpEveryDayOfAMonth) {
     Arm("2027-03-05T12:00:00", 1, 1);  // the clock goes forward on the 28th
     Numbers states = {1};
+    bool is_late = false;
     for (int day = 5; day <= 33; day += 4) {
-        char date[16];
-        char next[16];
-        std::snprintf(date, sizeof date, "2027-%02d-%02d", day > 31 ? 4 : 3,
-                      day > 31 ? day - 31 : day);
-        const int following = day + 1;
-        std::snprintf(next, sizeof next, "2027-%02d-%02d", following > 31 ? 4 : 3,
-                      following > 31 ? following - 31 : following);
+        // The days in between have nothing to back up but what a missed evening left over.
+        EXPECT_EQ(day == 5 ? 0u : 3u, Ask("tick " + Date(day) + "T12:00:00").size()) << day;
+        if (is_late) {
+            states.push_back(static_cast<int>(states.size()) + 1);
+        }
+        ASSERT_EQ(states, States()) << day;
         Change();
         // One evening the device is off, and comes back when the time is long past.
-        const bool is_late = day == 17;
-        const std::string now = std::string(date) + (is_late ? "T23:10:00" : "T21:30:00");
+        is_late = day == 17;
         if (is_late) {
-            device().Set("clock", now);
+            device().Set("clock", Date(day) + "T23:10:00");
         } else {
             states.push_back(static_cast<int>(states.size()) + 1);
         }
-        Ask("tick " + now);
-        // The start moves the notification on before anything else.
-        const std::string armed = std::string(next) + "T21:30:00";
-        ASSERT_TRUE(Eventually([&] { return Daily() == armed; })) << date << " " << Daily();
-        ASSERT_TRUE(Rests()) << date;
-        ASSERT_EQ(states, States()) << date;
-        ASSERT_EQ(armed, Daily());
+        EXPECT_EQ(1u, Ask("tick " + Date(day) + "T23:11:00").size()) << day;
+        ASSERT_EQ(states, States()) << day;
+        ASSERT_EQ(Date(day + 1) + "T21:30:00", Daily());
     }
     EXPECT_TRUE(HasState("AutoBackup: Time"));
 
@@ -136,7 +138,9 @@ TEST_F(MonthTest, NothingRunsWhileNoNotificationIsDue) {
 
 TEST_F(MonthTest, AnAgentThatStaysDoesNothing) {
     Ask("start " + tests::kAgentPath);
-    ASSERT_TRUE(Eventually([&] { return !WindowsOf("TolvenarAgentClass").empty(); }));
+    // Its window is there a moment before it waits for messages.
+    ASSERT_TRUE(Eventually([&] { return Calls("GetMessageW") == 1; }));
+    ASSERT_FALSE(WindowsOf("TolvenarAgentClass").empty());
     Ask("counters clear");
     Pause(300);
     EXPECT_EQ(0, Calls("SetTimer"));

@@ -1,6 +1,9 @@
 // A program for tests of the simulated device: its argument says what it does.
 //   exit N            ends with that code
 //   wait              stays until it is ended
+//   pause N           ends after N milliseconds
+//   hand ARGUMENTS    starts itself with these arguments and ends
+//   stay ARGUMENTS    the same, and stays with a hidden window
 //   start PATH        starts another program without arguments; ends with 0, or with the error
 //   box               shows a message box; ends with its answer
 //   dialog            shows a dialog with controls of each kind; ends with the button's id
@@ -21,9 +24,9 @@ bool StartsWith(const wchar_t* text, const wchar_t* prefix) {
     return ::wcsncmp(text, prefix, ::wcslen(prefix)) == 0;
 }
 
-int StartOther(const wchar_t* path) {
+int StartOther(const wchar_t* path, wchar_t* arguments = nullptr) {
     PROCESS_INFORMATION started{};
-    if (!::CreateProcessW(path, nullptr, nullptr, nullptr, FALSE, 0, nullptr, nullptr, nullptr,
+    if (!::CreateProcessW(path, arguments, nullptr, nullptr, FALSE, 0, nullptr, nullptr, nullptr,
                           &started)) {
         return static_cast<int>(::GetLastError());
     }
@@ -158,6 +161,12 @@ int MakeMutex(const wchar_t* name) {
     return static_cast<int>(::GetLastError());
 }
 
+int Stay() {
+    ::CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
+    ::Sleep(INFINITE);
+    return 0;
+}
+
 int ScreenSize() {
     return ::GetSystemMetrics(SM_CXSCREEN) * 1000 + ::GetSystemMetrics(SM_CYSCREEN);
 }
@@ -170,6 +179,14 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPWSTR arguments, int) {
     }
     if (StartsWith(arguments, L"start ")) {
         return StartOther(arguments + 6);
+    }
+    if (StartsWith(arguments, L"pause ")) {
+        ::Sleep(static_cast<DWORD>(wcstol(arguments + 6, nullptr, 10)));
+        return 0;
+    }
+    if (StartsWith(arguments, L"hand ") || StartsWith(arguments, L"stay ")) {
+        const int error = StartOther(L"\\Windows\\probe.exe", arguments + 5);
+        return arguments[0] == L'h' ? error : Stay();
     }
     if (::wcscmp(arguments, L"dialog") == 0) {
         return ShowDialog(instance);

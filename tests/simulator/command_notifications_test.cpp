@@ -4,6 +4,8 @@
 #include <nlohmann/json.hpp>
 #include <notify.h>
 
+#include "simulator/processes/process_handles.h"
+#include "simulator/processes/rest.h"
 #include "tests/support/programs.h"
 
 namespace tests {
@@ -106,6 +108,29 @@ TEST_F(CommandNotificationsTest, EachDueProgramHasEndedBeforeTheNextStarts) {
     EXPECT_TRUE(RunningArguments().empty());
     EXPECT_EQ(Json::array(), Run("notifications"));
     EXPECT_EQ("2003-02-28T12:00:00.000Z", Run("show")["clock"]);
+}
+
+TEST_F(CommandNotificationsTest, WhatAProgramHandsOnToHasEndedBeforeTheNextStarts) {
+    AtTime(8, 0, L"hand hand pause 200");
+    EXPECT_EQ(1u, Run("tick 2003-02-28T12:00:00").size());
+    EXPECT_TRUE(RunningArguments().empty());
+}
+
+TEST_F(CommandNotificationsTest, AProgramThatStaysOutOfSightHoldsNothingUp) {
+    AtTime(8, 0, L"stay pause 200");
+    AtTime(9, 0, L"hand pause 200");
+    EXPECT_EQ(2u, Run("tick 2003-02-28T12:00:00").size());
+    EXPECT_EQ(std::vector<std::wstring>{L"stay pause 200"}, RunningArguments());
+}
+
+TEST_F(CommandNotificationsTest, AProgramThatShowsAWindowIsNotAtRest) {
+    sim::processes::Watch watch(device().sim());
+    const auto dialog = sim::processes::Start(device().sim(), L"probe.exe", L"dialog");
+    ASSERT_TRUE(Eventually([] { return ::FindWindowW(L"Dialog", L"Probe") != nullptr; }));
+    EXPECT_FALSE(watch.WaitForRest(dialog, 100));
+    sim::processes::Kill(device().sim(), dialog.pid);
+    EXPECT_TRUE(watch.WaitForRest(dialog, 100));
+    sim::processes::CloseStarted(dialog);
 }
 
 TEST_F(CommandNotificationsTest, TheTimeOfTheZoneCounts) {

@@ -39,10 +39,10 @@ protected:
                                                 const nlohmann::json& after);
     // State numbers of the journal's state records, ascending, from the file's bytes.
     std::vector<int> States();
-    // Waits until `condition` holds, ten seconds at most; whether it does.
+    // Waits until `condition` holds, twenty seconds at most; whether it does.
     template <typename Condition>
     static bool Eventually(Condition condition) {
-        for (int i = 0; i < 200; ++i) {
+        for (int i = 0; i < 400; ++i) {
             if (condition()) {
                 return true;
             }
