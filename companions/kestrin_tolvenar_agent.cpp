@@ -20,8 +20,12 @@ bool ReadInstallFolder(wchar_t (&path)[MAX_PATH]) {
     const LONG result = ::RegQueryValueExW(key, L"InstDir", nullptr, &type,
                                            reinterpret_cast<BYTE*>(path), &size_bytes);
     ::RegCloseKey(key);
+    // The size of a text that is too long is its own, not what came.
+    if (result != ERROR_SUCCESS || type != REG_SZ) {
+        return false;
+    }
     path[size_bytes / sizeof path[0]] = L'\0';
-    return result == ERROR_SUCCESS && type == REG_SZ;
+    return true;
 }
 
 void HandOn(wchar_t* argument) {

@@ -99,10 +99,12 @@ TEST_F(AgentTest, WithoutAnInstallationItIsResidentAllTheSame) {
 }
 
 TEST_F(AgentTest, AnInstallFolderThatIsTooLongHandsNothingOn) {
-    SetInstallFolder(std::wstring(300, L'x'));
-    Program agent(sim(), kAgent, L"TolvenarRunAtTime");
-    ASSERT_TRUE(IsResident());
-    EXPECT_TRUE(Handed().empty());
+    for (const std::size_t length : {300u, 2000000u}) {
+        SetInstallFolder(std::wstring(length, L'x'));
+        Program agent(sim(), kAgent, L"TolvenarRunAtTime");
+        ASSERT_TRUE(IsResident()) << length;
+        EXPECT_TRUE(Handed().empty());
+    }
 }
 
 TEST_F(AgentTest, TheCloserEndsItAndWaitsForItsEnd) {
