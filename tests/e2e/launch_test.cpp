@@ -145,6 +145,18 @@ TEST_F(LaunchTest, OneOfTwoScheduledLaunchesWorks) {
     EXPECT_EQ(Numbers{1}, States());
 }
 
+// Also when it came up with the dialog.
+TEST_F(LaunchTest, AScheduledLaunchHoldsTheMutexToItsEnd) {
+    RemoveOption("StorageFile");
+    device().Set("sleep.scale", "100");
+    Program first = Launch("TolvenarRunAtTime");
+    ASSERT_TRUE(MainDialogAppears(first.pid()));
+    ExpectDropped("TolvenarRunAtTime");
+    EXPECT_TRUE(first.Runs());
+    CloseMainDialog();
+    EXPECT_EQ(0, first.ExitCode());
+}
+
 TEST_F(LaunchTest, OtherLaunchesDoNotAskForTheMutex) {
     Program scheduled = Launch("TolvenarRunAtTime");
     ASSERT_TRUE(PromptAppears());

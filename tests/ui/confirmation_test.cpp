@@ -164,7 +164,8 @@ TEST_F(ConfirmationTest, AnOddSettingShowsAllReminders) {
     EXPECT_EQ(14u, Dword("Reminders"));
 }
 
-// The list is filled again before the answer is posted, and must still say what the user chose.
+// The list is filled again before the answer is posted, and must still say what the user chose;
+// after the restore it begins anew.
 TEST_F(ConfirmationTest, TheChosenStateIsRestoredNotTheNewest) {
     BackUp();
     device().PutFile(L"\\My Documents\\a.txt", "third");
@@ -178,6 +179,9 @@ TEST_F(ConfirmationTest, TheChosenStateIsRestoredNotTheNewest) {
         if (reminders == 14u) {
             ExpectReminder(tests::kRestoreReminder);
         }
+        EXPECT_TRUE(Eventually(
+            [&] { return Shows("Reminder") && Text(1032) == tests::kRestoredReminder; }));
+        EXPECT_EQ(0, Selected(1014));
         ExpectReminder(tests::kRestoredReminder, tests::kOk);
         ExpectEnd();
         EXPECT_EQ("hello", device().FileBytes(L"\\My Documents\\a.txt"));

@@ -28,6 +28,9 @@ protected:
         BackUp();
         device().PutFile(L"\\My Documents\\a.txt", "changed");
     }
+    // The schedule is taken off and put back around each run, even of a backup that fails.
+    std::size_t ScheduleWrites() { return Calls("RegSetValueExW", "onTime"); }
+    std::size_t PopupsOf(const std::string& title) { return Calls("SetWindowTextW", ", " + title); }
     bool StatesBecome(const std::vector<int>& states) {
         return Eventually([&] { return States() == states && !IsBusy(); });
     }
@@ -96,6 +99,7 @@ TEST_F(OperationsTest, TooLittleMemoryForABackupNamesWhatIsMissing) {
               "Not enough memory to start operation. You need to free at least the 1.0 Mb of the "
               "device memory.");
     EXPECT_EQ(std::vector<int>{1}, States());
+    EXPECT_EQ(0u, ScheduleWrites());
 }
 
 TEST_F(OperationsTest, TooLittleMemoryForARestoreNamesAFixedFigure) {
@@ -106,6 +110,7 @@ TEST_F(OperationsTest, TooLittleMemoryForARestoreNamesAFixedFigure) {
     ExpectBox(tests::kErrorBox,
               "Not enough memory to start operation. You need to free at least the 8.0 Mb of the "
               "device memory.");
+    EXPECT_EQ(0u, ScheduleWrites());
 }
 
 TEST_F(OperationsTest, AScheduleThatCannotBeTakenOffStartsNoBackup) {
@@ -126,53 +131,6 @@ TEST_F(OperationsTest, ARestoreThatCannotBeStartedSaysNothing) {
     EXPECT_TRUE(BecomesIdle());
     EXPECT_EQ(0u, BoxCount());
     EXPECT_EQ("changed", device().FileBytes(L"\\My Documents\\a.txt"));
-}
-
-TEST_F(OperationsTest, AFullCardTellsWhatIsMissingOnce) {
-    Open();
-    device().Set("card.free", "12000");
-    Press(1001);
-    const tests::Box box = Answer();
-    EXPECT_EQ(0u, box.text.find("Not enough disk space to backup. You need to free "));
-    EXPECT_NE(std::string::npos, box.text.find(" bytes on the storage card."));
-    EXPECT_EQ(unsigned(tests::kErrorBox), box.style);
-    EXPECT_TRUE(BecomesIdle());
-    EXPECT_EQ(1u, BoxCount());
-    EXPECT_EQ(std::vector<int>{1}, States());
-}
-
-TEST_F(OperationsTest, AFullCardAsksForTheOldStorageAndKeepsItOnNo) {
-    SetDword("MayDeleteOldStorage", 1);
-    Open();
-    device().Set("card.free", "12000");
-    const std::string before = device().FileBytes(tests::kStorageFile);
-    Press(1001);
-    ExpectBox(tests::kQuestionBox,
-              "Not enough disk space to backup. Old Storage may be deleted to free disk "
-              "space.\r\nContinue?",
-              tests::kNo);
-    const tests::Box box = Answer();
-    EXPECT_EQ(0u, box.text.find("Not enough disk space to backup. You need to free "));
-    EXPECT_TRUE(BecomesIdle());
-    EXPECT_EQ(before, device().FileBytes(tests::kStorageFile));
-}
-
-TEST_F(OperationsTest, AFullCardGivesUpTheOldStorageOnYes) {
-    device().PutFile(L"\\My Documents\\big.txt", std::string(200000, 'b'));
-    BackUp();
-    device().Remove(L"\\My Documents\\big.txt");
-    device().PutFile(L"\\My Documents\\b.txt", std::string(50000, 'b'));
-    SetDword("MayDeleteOldStorage", 1);
-    Open();
-    device().Set("card.free", "20000");
-    Press(1001);
-    ExpectBox(tests::kQuestionBox,
-              "Not enough disk space to backup. Old Storage may be deleted to free disk "
-              "space.\r\nContinue?",
-              tests::kYes);
-    EXPECT_TRUE(StatesBecome({1}));
-    EXPECT_TRUE(Eventually([&] { return SelectedTab() == "Restore"; }));
-    EXPECT_EQ(std::vector<std::string>{"State 1"}, Items(1014));
 }
 
 TEST_F(OperationsTest, AJournalThatCannotBeWrittenFailsTheBackup) {
@@ -203,16 +161,28 @@ TEST_F(OperationsTest, ARestoreWithoutADifferenceSaysSo) {
 }
 
 // Unlike those at the start and of the choice of a storage, which have no owner.
-TEST_F(OperationsTest, TheBoxOfAResultBelongsToTheDialog) {
-    OpenRestore();
+TEST_F(OperationsTest, TheBoxOfAResultBelongsToTheDialogAndFollowsThePopup) {
+    Open();
     device().Set("memory.free", "0");
     device().Set("store.free", "0");
-    Press(1002);
-    ASSERT_TRUE(Eventually([&] { return BoxIsUp(); }));
-    EXPECT_FALSE(::IsWindowEnabled(MainDialog()));
-    Answer();
-    EXPECT_TRUE(BecomesIdle());
-    EXPECT_TRUE(::IsWindowEnabled(MainDialog()));
+    const struct {
+        const char* tab;
+        int button;
+        const char* popup;
+    } kRequests[] = {{"Backup", 1001, "Backing up in progress"},
+                     {"Restore", 1002, "Restoring in progress"}};
+    for (const auto& request : kRequests) {
+        SCOPED_TRACE(request.tab);
+        ShowTab(request.tab);
+        Press(request.button);
+        ASSERT_TRUE(Eventually([&] { return BoxIsUp(); }));
+        EXPECT_EQ(1u, PopupsOf(request.popup));
+        EXPECT_FALSE(Shows(request.popup));
+        EXPECT_FALSE(::IsWindowEnabled(MainDialog()));
+        Answer();
+        EXPECT_TRUE(BecomesIdle());
+        EXPECT_TRUE(::IsWindowEnabled(MainDialog()));
+    }
 }
 
 TEST_F(OperationsTest, ARestoreWithoutASelectedStateSaysThatTheStorageIsEmpty) {
