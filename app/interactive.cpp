@@ -66,13 +66,13 @@ void EndOperationThread(const Application& app, HANDLE thread) {
     }
 }
 
-void RunMessageLoop(const Application& app, HACCEL accelerators) {
+void RunMessageLoop(const Application& app, MainDialog& dialog, HACCEL accelerators) {
     MSG message;
     while (::GetMessageW(&message, nullptr, 0, 0) > 0) {
         if (::TranslateAcceleratorW(app.main_dialog, accelerators, &message)) {
             continue;
         }
-        if (::IsDialogMessageW(app.main_dialog, &message)) {
+        if (dialog.TakesMessage(message)) {
             continue;
         }
         ::TranslateMessage(&message);
@@ -106,7 +106,7 @@ int RunInteractive(Application& app, bool with_main_window) {
     const bool created = dialog.Create();
     if (created) {
         ReadAllSettings(SlotsOf(app.settings), app.installationMissing);
-        RunMessageLoop(app, accelerators);
+        RunMessageLoop(app, dialog, accelerators);
     }
     dialog.Destroy();
     EndOperationThread(app, operation_thread.get());

@@ -95,6 +95,18 @@ void MainDialog::Destroy() {
     }
 }
 
+// The control that has the keyboard may have been hidden meanwhile: with its page under another
+// window, or with the form of its page. Keys would go nowhere then, and the dialog manager's search
+// for an underlined letter, which starts at the control and enters nothing hidden, would never end.
+bool MainDialog::TakesMessage(MSG& message) {
+    const bool is_key = message.message >= WM_KEYFIRST && message.message <= WM_KEYLAST;
+    if (is_key && ::IsChild(window_, message.hwnd) && !::IsWindowVisible(message.hwnd)) {
+        FocusPage();
+        message.hwnd = ::GetFocus();
+    }
+    return ::IsDialogMessageW(window_, &message) != FALSE;
+}
+
 void MainDialog::SelectPage(int index) {
     if (index < 0 || index >= kPageCount) {
         return;
@@ -270,23 +282,11 @@ INT_PTR MainDialog::OnSize() {
 INT_PTR MainDialog::OnActivate(WPARAM wparam, LPARAM lparam) {
     if (shown_ != nullptr && LOWORD(wparam) != WA_INACTIVE) {
         shown_->OnActivated();
-        ::PostMessageW(window_, WM_FOCUS_RETURNED, 0, 0);
     }
     if (pages_[kOptionsPage]) {
         ::SendMessageW(pages_[kOptionsPage]->window(), WM_DIALOG_ACTIVATED, wparam, lparam);
     }
     return FALSE;
-}
-
-// The page of the control may have been hidden while another window had the keyboard. Keys would go
-// nowhere then, and the dialog manager's search for an underlined letter, which starts at the focus
-// and passes over what is hidden, would never end.
-INT_PTR MainDialog::OnFocusReturned() {
-    const HWND focus = ::GetFocus();
-    if (focus != nullptr && ::IsChild(window_, focus) && !::IsWindowVisible(focus)) {
-        FocusPage();
-    }
-    return TRUE;
 }
 
 INT_PTR MainDialog::OnClose() {
@@ -340,7 +340,6 @@ INT_PTR MainDialog::Dispatch(UINT message, WPARAM wparam, LPARAM lparam) {
         case WM_DESTROY: return OnDestroy();
         case WM_PAGE_SELECT: SelectPage(static_cast<int>(wparam)); return TRUE;
         case WM_APPLY_NOW: ApplyNow(); return TRUE;
-        case WM_FOCUS_RETURNED: return OnFocusReturned();
         default: return OnRequest(message, wparam, lparam);
     }
 }

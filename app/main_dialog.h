@@ -19,6 +19,10 @@ public:
     // Destroys window and pages, if they still exist.
     void Destroy();
 
+    // Has the dialog manager handle a message of this thread; true when nothing is left to do with
+    // it.
+    bool TakesMessage(MSG& message);
+
     void SelectPage(int index) override;
     void StorageChanged() override;
 
@@ -31,7 +35,6 @@ private:
     INT_PTR OnCommand(WPARAM wparam, LPARAM lparam);
     INT_PTR OnSize();
     INT_PTR OnActivate(WPARAM wparam, LPARAM lparam);
-    INT_PTR OnFocusReturned();
     INT_PTR OnClose();
     INT_PTR OnDestroy();
     INT_PTR Answer(LRESULT result);

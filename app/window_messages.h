@@ -30,9 +30,6 @@ constexpr UINT WM_STATES_CHANGED = WM_APP + 133;    // wParam: 1 to keep the sel
 constexpr UINT WM_SELECTED_STATE = WM_APP + 134;    // answers its number, or kNoState
 constexpr UINT WM_RESTORE_ENDED = WM_APP + 135;     // wParam: 1 when items are left over
 
-// Posted by the main dialog to itself: the dialog manager has brought the focus back.
-constexpr UINT WM_FOCUS_RETURNED = WM_APP + 136;
-
 // To the options page: the main dialog's WM_ACTIVATE, with the same parameters.
 constexpr UINT WM_DIALOG_ACTIVATED = WM_APP + 300;
 

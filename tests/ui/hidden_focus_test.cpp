@@ -1,6 +1,5 @@
-// A page that is hidden while the keyboard is elsewhere must not get the focus back: keys would go
-// nowhere, and the search for an underlined letter, which starts at the focus and passes over what
-// is hidden, would never end.
+// What is hidden must not keep the keyboard: keys would go nowhere, and the search for an
+// underlined letter, which starts at the focus and passes over what is hidden, would never end.
 #include "platform/win32.h"
 
 #include "tests/ui/ui_test.h"
@@ -25,6 +24,44 @@ protected:
         EXPECT_TRUE(Eventually([&] { return SelectedTab() == name; }));
         ExpectReminder(tests::kBackupReminder, tests::kCancel);
     }
+    void OpenOnTwoStates() {
+        device().PutFile(L"\\My Documents\\a.txt", "a text");
+        BackUp();
+        SetDword("Reminders", 2);
+        Open();
+        ShowTab("Advanced Restore");
+        EXPECT_TRUE(FocusComesTo(1014));
+    }
+    // The file of the second state is locked when it is to be taken back.
+    void FailToTakeBack() {
+        OpenOnTwoStates();
+        Keys("enter");
+        EXPECT_TRUE(Eventually([&] { return !Ask("window tree").empty(); }));
+        const auto lock = device().Lock(L"\\My Documents\\a.txt");
+        Press(1038);
+        EXPECT_TRUE(Eventually([&] { return Sees(1043); }));
+        EXPECT_TRUE(BecomesIdle());
+    }
+    Json Focused() {
+        for (const Json& window : Windows()) {
+            if (window["focused"]) {
+                return window;
+            }
+        }
+        return nullptr;
+    }
+    // Goes round by the tabulator until the tree has the keyboard.
+    bool TabToTree() {
+        for (int i = 0; i < 10; ++i) {
+            const Json before = Focused();
+            if (before.is_object() && before["class"] == "SysTreeView32") {
+                return true;
+            }
+            Keys("tab");
+            EXPECT_TRUE(Eventually([&] { return Focused()["handle"] != before["handle"]; }));
+        }
+        return false;
+    }
     void ExpectKeysStillWork() {
         Keys("alt+q");  // nobody's letter
         Keys("ctrl+shift+tab ctrl+shift+tab ctrl+tab");
@@ -36,13 +73,34 @@ protected:
 
 TEST_F(HiddenFocusTest, TheShownPageGetsItInstead) {
     ChangePageUnderReminder(kRestore, "Restore");
+    Keys("alt+q");
     EXPECT_TRUE(FocusComesTo(1014));
     ExpectKeysStillWork();
 }
 
 TEST_F(HiddenFocusTest, OnAPageWithoutControlsTheTabsGetIt) {
     ChangePageUnderReminder(kAbout, "About");
+    Keys("alt+q");
     EXPECT_TRUE(FocusComesTo(1000));
+    ExpectKeysStillWork();
+}
+
+TEST_F(HiddenFocusTest, TheTreeThatGoesGivesItUp) {
+    FailToTakeBack();
+    Keys("ctrl+shift+tab");  // the restore page shows what failed too
+    EXPECT_TRUE(Eventually([&] { return SelectedTab() == "Restore"; }));
+    ASSERT_TRUE(TabToTree());
+    Keys("enter");  // gives up what failed
+    EXPECT_TRUE(Eventually([&] { return !Sees(1043); }));
+    ExpectKeysStillWork();
+}
+
+TEST_F(HiddenFocusTest, TheTabChangesUnderThePopup) {
+    OpenOnTwoStates();
+    Ask("delay ReadFile 1 700");
+    Keys("enter");
+    EXPECT_TRUE(Eventually([&] { return Shows("Creating tree..."); }));
+    ::PostMessageW(MainDialog(), kPageSelect, kAbout, 0);
     ExpectKeysStillWork();
 }
 
