@@ -16,7 +16,8 @@ bool MemoryCheck(std::uint32_t& available) {
 
 void FormatMegabytes(std::uint32_t bytes, wchar_t (&text)[kMegabytesUnits]) {
     constexpr std::uint64_t kMegabyte = 0x100000;
-    const auto tenths = static_cast<unsigned>((bytes * 10ull + kMegabyte / 2) / kMegabyte);
+    // As if times 9.536743e-7, which is a little less than 1 / 2^20: a half is rounded down.
+    const auto tenths = static_cast<unsigned>((bytes * 10ull + kMegabyte / 2 - 1) / kMegabyte);
     ::wsprintfW(text, L"%u.%u", tenths / 10, tenths % 10);
 }
 

@@ -46,6 +46,10 @@ TEST(FormatMegabytesTest, OneDecimalRounded) {
     EXPECT_EQ(L"0.1", Megabytes(52429));
     EXPECT_EQ(L"7.9", Megabytes(8283750));
     EXPECT_EQ(L"8.0", Megabytes(8336180));
+    // Times 9.536743e-7 a quarter of a megabyte is a little less.
+    EXPECT_EQ(L"0.2", Megabytes(262144));
+    EXPECT_EQ(L"0.3", Megabytes(262145));
+    EXPECT_EQ(L"0.7", Megabytes(786432));
 }
 
 }  // namespace

@@ -24,6 +24,7 @@ protected:
 TEST_F(RunningCopyTest, ASecondStartBringsTheFirstForward) {
     Program first = Launch("");
     ASSERT_TRUE(IsUp(first));
+    Ask("window stub Dialog Other");
     for (const char* text : {"", "AutoRestore: Last State", "some text"}) {
         Program second = Launch(text);
         EXPECT_EQ(1, second.ExitCode()) << text;

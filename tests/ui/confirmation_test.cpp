@@ -33,6 +33,20 @@ protected:
         }
         return answers;
     }
+    // How often the list of states was emptied to be filled before the answer `answer` was posted:
+    // once when the page was made, once more for a request that goes on.
+    int FillsBefore(const std::string& answer) {
+        int fills = 0;
+        for (const auto& line : Ask("trace show")) {
+            const std::string arguments = line["arguments"];
+            if (line["function"] == "PostMessageW" &&
+                arguments.find(", " + answer) != std::string::npos) {
+                return fills;
+            }
+            fills += arguments.find(", 388, 0, 0") != std::string::npos ? 1 : 0;  // LB_RESETCONTENT
+        }
+        return -1;
+    }
     using Texts = std::vector<std::string>;
 };
 
@@ -70,6 +84,7 @@ TEST_F(ConfirmationTest, ARestoreAsksFirstAndItsCancelHasTheFocus) {
     Keys("enter");
     EXPECT_TRUE(Eventually([&] { return !Shows("Reminder"); }));
     EXPECT_EQ(Texts{"32896, 0, 1002"}, Answers());
+    EXPECT_EQ(1, FillsBefore("32896, 0, "));
     EXPECT_EQ("changed", device().FileBytes(L"\\My Documents\\a.txt"));
 }
 
@@ -184,6 +199,7 @@ TEST_F(ConfirmationTest, TheChosenStateIsRestoredNotTheNewest) {
         EXPECT_EQ(0, Selected(1014));
         ExpectReminder(tests::kRestoredReminder, tests::kOk);
         ExpectEnd();
+        EXPECT_EQ(2, FillsBefore("32896, 1, "));
         EXPECT_EQ("hello", device().FileBytes(L"\\My Documents\\a.txt"));
         device().PutFile(L"\\My Documents\\a.txt", "third");
     }
