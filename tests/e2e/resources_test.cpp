@@ -275,6 +275,17 @@ TEST_F(ResourcesTest, TheListOfStatesTellsItsSelectionAndKeepsItsOrder) {
     FAIL();
 }
 
+TEST_F(ResourcesTest, TheButtonsOfDifferencesAndFailedItems) {
+    std::vector<std::string> texts;
+    for (const Item& item : Template(103).items) {
+        if (item.id == 1037 || item.id == 1038 || item.id == 1043) {
+            EXPECT_EQ(kButton, item.window_class);
+            texts.push_back(item.text);
+        }
+    }
+    EXPECT_EQ((std::vector<std::string>{"+", "--", "OK"}), texts);
+}
+
 // An entry is flags, key, command and two bytes of nothing; the last has 0x80.
 TEST_F(ResourcesTest, TheKeys) {
     const std::vector<char> bytes = file_.Resource(kAccelerator, 113);

@@ -197,6 +197,13 @@ TEST_F(OperationsTest, ARestoreWithoutASelectedStateSaysThatTheStorageIsEmpty) {
     EXPECT_EQ(5000u, device().FileBytes(L"\\My Documents\\a.txt").size());
 }
 
+TEST_F(OperationsTest, BeforeThePageOfStatesIsMadeNoneIsSelected) {
+    Open();
+    ::PostMessageW(OperationWindow(), kConfirmedRestore, 1, 1002);
+    ExpectBox(tests::kInformationBox, "Storage is empty. There is nothing to Restore.");
+    EXPECT_EQ(5000u, device().FileBytes(L"\\My Documents\\a.txt").size());
+}
+
 TEST_F(OperationsTest, ARestoreFromAnEmptyStorageSaysSo) {
     device().PutFile(tests::kJournalFile, "");
     OpenRestore();
@@ -245,6 +252,7 @@ TEST_F(OperationsTest, AJournalThatCannotBeReadAfterABackupIsTold) {
     ShowTab("Backup");
     Press(1001);  // no storage is open any more
     EXPECT_TRUE(Eventually([&] { return SelectedTab() == "Storage file"; }));
+    EXPECT_EQ("", Text(1019));
     EXPECT_EQ(1u, BoxCount());
 }
 
@@ -255,6 +263,24 @@ TEST_F(OperationsTest, AJournalThatCannotBeReadAfterARestoreIsTold) {
     ExpectBox(tests::kErrorBox, "Journal read Fail.");
     Ask("faults clear");
     EXPECT_TRUE(BecomesIdle());
+    ShowTab("Storage file");
+    EXPECT_EQ("", Text(1019));
+}
+
+TEST_F(OperationsTest, AJournalThatCannotBeReadAfterDifferencesWereRestoredIsTold) {
+    BackUp();
+    Open();
+    ShowTab("Advanced Restore");
+    ::SendMessageW(::GetParent(Handle(1014)), WM_COMMAND, MAKEWPARAM(1014, LBN_DBLCLK), 0);
+    ASSERT_EQ("Differences from State 1 to State 2", Text(1041));
+    device().Fault("CreateFileW", 1, 1000, 5, ".jrn, 3221225472");
+    Press(1038);
+    ExpectBox(tests::kErrorBox, "Journal read Fail.");
+    Ask("faults clear");
+    EXPECT_TRUE(BecomesIdle());
+    EXPECT_EQ("", Text(1041));
+    ShowTab("Storage file");
+    EXPECT_EQ("", Text(1019));
 }
 
 TEST_F(OperationsTest, WithoutDifferencesTheTwoButtonsSaySo) {
@@ -299,6 +325,7 @@ TEST_F(OperationsTest, WithoutAnInstallationARestoreEndsTheProgramWhateverTheAns
     ExpectReminder(tests::kRestoredReminder, tests::kCancel);
     ExpectEnd();
     EXPECT_EQ("hello", device().FileBytes(L"\\My Documents\\a.txt"));
+    EXPECT_EQ(0u, Calls("CreateProcessW", "CloseOther.exe"));
 }
 
 TEST_F(OperationsTest, WithoutAStorageEveryRequestSelectsTheStorageFileTab) {

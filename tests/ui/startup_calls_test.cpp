@@ -66,4 +66,16 @@ TEST_F(StartupCallsTest, AScheduledBackupTakesTheMutexAndLoadsUnderTheHourglass)
     EXPECT_EQ(1u, Calls("SetWindowTextW", "Backing up in progress"));
 }
 
+TEST_F(StartupCallsTest, AnUnattendedRestoreLoadsUnderTheHourglassToo) {
+    TakeFirstState();
+    device().PutFile(L"\\My Documents\\new.txt", "new");
+    Ask("trace on");
+    EXPECT_EQ(0, RestoreLast());
+    EXPECT_FALSE(device().Exists(L"\\My Documents\\new.txt"));
+    EXPECT_EQ(Texts{"0x0, 0x7f02"}, Arguments("LoadCursorW"));
+    EXPECT_EQ(0u, Calls("SetWindowTextW", "Loading List"));
+    EXPECT_EQ(1u, Calls("SetWindowTextW", "Restoring in progress"));
+    EXPECT_EQ(1u, Calls("SendMessageW", ", 1025, 0, 786432"));  // 12 steps in all
+}
+
 }  // namespace
