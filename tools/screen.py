@@ -6,6 +6,7 @@ import subprocess
 import time
 
 PROGRAM = "\\Program Files\\Tolvenar\\Tolvenar.exe"
+OWN_SETTINGS = "HKCU\\Software\\Kestrin2\\Tolvenar"
 PATIENCE_S = 20
 
 
@@ -16,7 +17,12 @@ class Screen:
         self.pictures = pathlib.Path(pictures)
         self.pictures.mkdir(parents=True, exist_ok=True)
         self.command, self.device = command, device
-        self.cedev = subprocess.Popen([command, device, "-"], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
+        self.reopen()
+
+    def reopen(self):
+        """cedev ends with the first command that fails; what runs on the device goes on."""
+        self.cedev = subprocess.Popen([self.command, self.device, "-"], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                      text=True)
 
     def ask(self, *words):
         """Runs a command; what it answered."""
@@ -27,7 +33,10 @@ class Screen:
         while not select.select([self.cedev.stdout], [], [], 1)[0]:
             if self.cedev.poll() is not None:
                 raise RuntimeError(f"{line}: failed")
-        return json.loads(self.cedev.stdout.readline())
+        answer = self.cedev.stdout.readline()
+        if not answer:
+            raise RuntimeError(f"{line}: failed")
+        return json.loads(answer)
 
     def windows(self):
         return [w for w in self.ask("window", "list") if w["visible"]]
@@ -89,7 +98,7 @@ class Screen:
         return self.ask("start", PROGRAM, *([arguments] if arguments else []))["id"]
 
     def set_dword(self, name, value):
-        self.ask("reg-set", "HKCU\\Software\\Kestrin2\\Tolvenar", name, "REG_DWORD", value)
+        self.ask("reg-set", OWN_SETTINGS, name, "REG_DWORD", value)
 
     def picture(self, name):
         """Takes a picture when the screen has come to rest."""
