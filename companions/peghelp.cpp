@@ -18,6 +18,7 @@ constexpr wchar_t kContentsFile[] = L"tolvenar.htc";
 constexpr wchar_t kContents[] = L"Contents";
 constexpr std::size_t kPathUnits = 260;
 constexpr std::size_t kTopicUnits = 100;
+constexpr DWORD kMaxFileBytes = 0x1000000;
 
 // A file of the manual in memory; its text is ASCII.
 class ManualFile {
@@ -38,18 +39,20 @@ public:
 
 private:
     bool ReadFrom(HANDLE file) {
-        size_ = ::GetFileSize(file, nullptr);
-        text_.reset(new char16_t[size_ + 1]);
+        const DWORD size = ::GetFileSize(file, nullptr);
+        if (size > kMaxFileBytes) {  // a failure too
+            return false;
+        }
+        text_.reset(new char16_t[size + 1]);
         if (!text_) {
             return false;
         }
         // The bytes fill the second half and are widened from the front.
-        auto* bytes = reinterpret_cast<unsigned char*>(text_.get()) + size_;
+        auto* bytes = reinterpret_cast<unsigned char*>(text_.get()) + size;
         DWORD done = 0;
-        ::ReadFile(file, bytes, static_cast<DWORD>(size_), &done, nullptr);
-        size_ = done;
-        for (std::size_t i = 0; i < size_; ++i) {
-            text_[i] = bytes[i];
+        ::ReadFile(file, bytes, size, &done, nullptr);
+        for (size_ = 0; size_ < done; ++size_) {
+            text_[size_] = bytes[size_];
         }
         return true;
     }

@@ -76,6 +76,20 @@ TEST_F(HelpViewerTest, WithoutTheManualItSaysSo) {
     EXPECT_TRUE(HeadingBecomes("This topic is not on the device."));
 }
 
+// The list of topics is missing then, not the text.
+TEST_F(HelpViewerTest, ContentsThatCannotBeReadForTheListHaveNoTopics) {
+    for (const char* fault : {"CreateFileW 1 1 5", "GetFileSize 1 1 5", "HeapAlloc 1 1 8"}) {
+        SCOPED_TRACE(fault);
+        Ask(std::string("fault ") + fault);
+        View("tolvenar.htc");
+        EXPECT_TRUE(Eventually([&] { return Viewers() == 1 && Items(kTopic).size() == 1; }));
+        EXPECT_TRUE(HeadingBecomes("Tolvenar Help"));
+        EXPECT_EQ("[]", device().Faults());
+        Ask("window close");
+        EXPECT_TRUE(Eventually([&] { return Viewers() == 0; }));
+    }
+}
+
 TEST_F(HelpViewerTest, ItStandsBeforeTheProgramUntilEscape) {
     Open();
     ShowTab("Options");
