@@ -54,15 +54,20 @@ int StateList::Find(int state_number) const {
     return -1;
 }
 
-// Before the first state that is older.
+// Before the first state that is older. The items stand in descending order, so that each question
+// halves their number: the journal may begin with the newest state or with the oldest.
 int StateList::PlaceOf(const ObjectRecord& record) const {
-    const int count = Count();
-    for (int i = 0; i < count; ++i) {
-        if (At(i)->state_number < record.state_number) {
-            return i;
+    int place = 0;
+    for (int count = Count(); count > 0;) {
+        const int half = count / 2;
+        if (At(place + half)->state_number < record.state_number) {
+            count = half;
+        } else {
+            place += half + 1;
+            count -= half + 1;
         }
     }
-    return count;
+    return place;
 }
 
 // Without memory the state is missing from the list; an item without a record would be worse.

@@ -140,6 +140,12 @@ TEST_F(DescriptionDialogTest, AStorageThatCannotBeMadeLeavesNothingBehind) {
     Press(tests::kCancel);
     ExpectNothingMade();
 
+    // The page shows anew what the settings name.
+    SetSetting("StorageFile", "Else");
+    device().Fault("CreateFileW", 1, 1, 112, "New.sav, 3221225472, 0, 2");
+    ChooseNew("New");
+    EXPECT_TRUE(NameBecomes("Else"));
+    SetSetting("StorageFile", "Backup");
     device().Fault("CreateFileW", 1, 1, 112, "New.sav, 3221225472, 0, 2");
     ChooseNew("New");
     ExpectNothingMade();

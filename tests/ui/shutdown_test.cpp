@@ -176,6 +176,7 @@ TEST_F(ShutdownTest, BesideACopyThatStaysTheDialogStartsNothing) {
     Program program = OpenProgram(L"AutoBackup: External");
     WaitForDialog();
     EXPECT_EQ(std::vector<int>{1}, States());
+    EXPECT_EQ(10u, PlacesOf("Sleep", "200").size());
     Press(1001);
     ExpectBox(tests::kWarningBox, kNotStarted);
     ShowTab("Restore");

@@ -38,6 +38,13 @@ TEST_F(StartupTest, TooLittleMemorySaysNothing) {
     ExpectSilentStart();
 }
 
+TEST_F(StartupTest, WithoutMemoryAtAllItEnds) {
+    for (const char* arguments : {"", "AutoBackup: External"}) {
+        device().Fault("HeapAlloc", 1, 1, 8);
+        EXPECT_EQ(1, Run(arguments)) << arguments;
+    }
+}
+
 TEST_F(StartupTest, AnInterruptedSavesJournalIsTaken) {
     device().PutFile(tests::kJournalFile + L"_1", device().FileBytes(tests::kJournalFile));
     device().Remove(tests::kJournalFile);
