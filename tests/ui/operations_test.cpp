@@ -347,6 +347,22 @@ TEST_F(OperationsTest, WithoutAStorageEveryRequestSelectsTheStorageFileTab) {
     EXPECT_EQ(0u, Calls("PostMessageW", ", 32896, "));
 }
 
+TEST_F(OperationsTest, WithoutAStorageARequestThatArrivesAllTheSameTouchesNoFile) {
+    device().Remove(tests::kStorageFile);
+    Open();
+    const struct {
+        UINT message;
+        LPARAM button;
+    } kRequests[] = {{WM_APP + 124, 0}, {kConfirmedRestore, 1037}};
+    for (const auto& request : kRequests) {
+        ::PostMessageW(OperationWindow(), request.message, 1, request.button);
+        ExpectBox(tests::kErrorBox, "Journal read Fail.");
+        EXPECT_TRUE(BecomesIdle());
+    }
+    EXPECT_FALSE(device().Exists(tests::kStorageFile));
+    EXPECT_EQ(std::vector<int>{1}, States());
+}
+
 TEST_F(OperationsTest, AnUnknownButtonRestoresNothing) {
     Open();
     ::PostMessageW(::FindWindowW(L"TolvenarOperationClass", nullptr), kConfirmedRestore, 1, 4711);
