@@ -34,6 +34,26 @@ TEST_F(ApplicationsTest, ANameThatBeginsWithTheDirectoryHasNoPublisher) {
     EXPECT_EQ((Lines{u"Notes 2 (+)*", u" InstallDir=\"Notes\" (+)*"}), Below(u"Applications"));
 }
 
+TEST_F(ApplicationsTest, TheProgramBeginsWhereTheDirectoryOccursFirst) {
+    const std::u16string key = u"Software\\Apps\\Acme Notes Notes";
+    Simple({Value(key, u"Instl"), Text(key, u"InstlDir", u"\\Notes")});
+    EXPECT_EQ((Lines{u"Acme  (+)*", u" Notes Notes (+)*", u"  InstallDir=\"\\Notes\" (+)*"}),
+              Below(u"Applications"));
+}
+
+// With the second one no component is left that the name could hold.
+TEST_F(ApplicationsTest, OnlyOneSeparatorIsTakenOffTheEndOfADirectory) {
+    const std::u16string key = u"Software\\Apps\\Acme Notes";
+    Simple({Value(key, u"Instl"), Text(key, u"InstlDir", u"\\Notes\\\\")});
+    EXPECT_EQ((Lines{u"Acme Notes (+)*", u" InstallDir=\"\\Notes\\\" (+)*"}),
+              Below(u"Applications"));
+}
+
+TEST_F(ApplicationsTest, AKeyWithoutANameIsNoApplication) {
+    Simple({Value(u"Software\\Apps\\", u"Instl"), Value(u"Software\\Apps\\\\One", u"Instl")});
+    EXPECT_EQ(Lines{}, Below(u"Applications"));
+}
+
 TEST_F(ApplicationsTest, WithoutDirectoryThereIsNoLineOfIt) {
     const std::u16string key = u"Software\\Apps\\Acme Notes";
     Simple({Value(key, u"Instl"), Text(key, u"InstlDir", nullptr)});

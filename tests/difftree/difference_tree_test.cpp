@@ -43,6 +43,22 @@ TEST_F(DifferenceTreeTest, CategoriesCarryTheirCodesAndDepths) {
     EXPECT_EQ(0u, tree_.root()->record->category);
 }
 
+TEST_F(DifferenceTreeTest, NodesCarryTheTypeOfTheirObject) {
+    Advanced({File(u"\\a\\b"), Value(u"k", u"v"), Key(u"l"), Database(u"Notes"),
+              Record(u"Notes", 7), Value(u"Software\\Apps\\One", u"Instl")});
+    const auto type_of = [&](const Lines& path) { return tree_.Find(path)->record->category; };
+    EXPECT_EQ(16u, type_of({u"Files", u"a"}));
+    EXPECT_EQ(16u, type_of({u"Files", u"a", u"b (+)"}));
+    EXPECT_EQ(2u, type_of({u"Registry", u"HKLM"}));
+    EXPECT_EQ(2u, type_of({u"Registry", u"HKLM", u"k"}));
+    EXPECT_EQ(1u, type_of({u"Registry", u"HKLM", u"k", u"v (+)"}));
+    EXPECT_EQ(2u, type_of({u"Registry", u"HKLM", u"l (+)"}));
+    EXPECT_EQ(4u, type_of({u"Databases", u"Other"}));
+    EXPECT_EQ(4u, type_of({u"Databases", u"Other", u"Notes"}));
+    EXPECT_EQ(8u, type_of({u"Databases", u"Other", u"Notes", u"7 (+)"}));
+    EXPECT_EQ(64u, type_of({u"Applications", u"One (+)"}));
+}
+
 TEST_F(DifferenceTreeTest, ButtonsOfEmptyCategoriesFollowTheMask) {
     build_.expand_mask = 0;
     Simple({});
@@ -64,9 +80,13 @@ TEST_F(DifferenceTreeTest, ButtonsOfEmptyCategoriesFollowTheMask) {
 TEST_F(DifferenceTreeTest, WithoutChangesTheRootHasNoButton) {
     Simple({});
     EXPECT_FALSE(tree_.root()->has_button);
-    Simple({File(u"\\a")});
-    EXPECT_TRUE(tree_.root()->has_button);
     EXPECT_EQ(tree_.root(), tree_.shown_root);
+    for (const std::uint16_t flags : {JF_ADD, JF_DELETE, kBothFlag}) {
+        build_.filter_mask = flags;
+        Simple({File(u"\\a", flags)});
+        EXPECT_TRUE(tree_.root()->has_button) << flags;
+        EXPECT_EQ(tree_.root(), tree_.shown_root);
+    }
 }
 
 TEST_F(DifferenceTreeTest, TheCallersCaptionIsTheRoots) {
@@ -88,6 +108,11 @@ TEST_F(DifferenceTreeTest, ADocumentStandsTwiceInTheSimpleView) {
 TEST_F(DifferenceTreeTest, DocumentsAreSplitBelowTheirFolder) {
     Simple({File(u"\\my documents\\Letters\\a.doc"), File(u"My Documents\\letters\\B.doc")});
     EXPECT_EQ((Lines{u"Letters", u" a.doc (+)*", u" B.doc (+)*"}), Below(u"Documents"));
+}
+
+TEST_F(DifferenceTreeTest, DocumentsKeepTheirOrder) {
+    Simple({File(u"\\My Documents\\z.txt"), File(u"\\My Documents\\a\\1")});
+    EXPECT_EQ((Lines{u"z.txt (+)*", u"a", u" 1 (+)*"}), Below(u"Documents"));
 }
 
 TEST_F(DifferenceTreeTest, TheDocumentsFolderItselfIsNoDocument) {
@@ -223,6 +248,7 @@ TEST_F(DifferenceTreeTest, WhatIsTheHiveItselfPutsItsFlagsOnTheHive) {
     Advanced({InHive(Value(u"", u""), 0x80000001), InHive(Key(u"\\", JF_DELETE), 0x80000000)});
     EXPECT_EQ((Lines{u"HKCU (+)*", u"HKCR (-)*"}), Below(u"Registry"));
     EXPECT_EQ(1u, tree_.Find({u"Registry"})->record->added);
+    EXPECT_TRUE(tree_.Find({u"Registry", u"HKCU (+)"})->has_button);
 }
 
 TEST_F(DifferenceTreeTest, AValueNameMayHoldSeparatorsOfPaths) {

@@ -138,6 +138,24 @@ TEST_F(ListEnumeratorTest, LiveRegistryObjectsAreDescribedByTheTable) {
     EXPECT_EQ(u"none", Value());
 }
 
+// Nothing but its length ends it.
+TEST_F(ListEnumeratorTest, ALiveValueWithoutATerminatorIsReadToItsEnd) {
+    SetValue(HKEY_LOCAL_MACHINE, L"Live", L"long", REG_SZ, Bytes(Text(200, u'x')));
+    SetValue(HKEY_LOCAL_MACHINE, L"Live", L"v", REG_SZ, std::string("a\0b\0", 4));
+    Enumerate({LiveValue(HKEY_LOCAL_MACHINE, u"Live", u"long"),
+               LiveValue(HKEY_LOCAL_MACHINE, u"Live", u"v")});
+    EXPECT_EQ(DifferenceEnumerator::kObject, Next());
+    EXPECT_EQ(u"=" + Text(200, u'x'), Value());
+    EXPECT_EQ(DifferenceEnumerator::kObject, Next());
+    EXPECT_EQ(u"=ab", Value());
+}
+
+TEST_F(ListEnumeratorTest, AnIdThatLeadsToAnotherKindOfObjectIsLeftOut) {
+    MakeDatabase(u"People");
+    Enumerate({Live(ObjectType::kFile, AddRecord(u"People", L"Ann", 1))});
+    EXPECT_EQ(DifferenceEnumerator::kNoObject, Next());
+}
+
 TEST_F(ListEnumeratorTest, ALiveRecordsTitleIsReadFromItsDatabase) {
     MakeDatabase(u"People");
     const CEOID ann = AddRecord(u"People", L"Ann", 1);

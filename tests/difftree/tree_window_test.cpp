@@ -225,5 +225,25 @@ TEST_F(TreeWindowTest, WithoutThatDesktopItHasItsParentsRoom) {
     EXPECT_EQ(parent.bottom, host.bottom - host.top);
 }
 
+TEST_F(TreeWindowTest, WithoutThatDesktopItHasTheRoomOfItsParent) {
+    device().Fault("FindWindowW", 1, 1, 2, "DesktopExplorerWindow");
+    ASSERT_NE(nullptr, window_.CreateTreeDialog(parent_, nullptr));
+    EXPECT_EQ("[]", device().Faults());
+    RECT host{};
+    ::GetWindowRect(window_.host(), &host);
+    EXPECT_EQ(kWidth, host.right - host.left);
+    EXPECT_EQ(kHeight, host.bottom - host.top);
+}
+
+TEST_F(TreeWindowTest, ABuildShowsItsRootAtTheTop) {
+    Create();
+    device().Command("trace on");
+    ASSERT_EQ(1, Build(SomeObjects()));
+    const std::string root = std::to_string(reinterpret_cast<LPARAM>(Next(TVGN_ROOT, nullptr)));
+    // TVM_SELECTITEM with TVGN_FIRSTVISIBLE.
+    EXPECT_NE(std::string::npos,
+              device().Command("trace show SendMessageW").find(", 4363, 5, " + root + '"'));
+}
+
 }  // namespace
 }  // namespace tolvenar
