@@ -1,5 +1,8 @@
 #include "app/settings.h"
 
+#include <algorithm>
+#include <cstdlib>
+#include <iterator>
 #include <string>
 
 #include "platform/text.h"
@@ -10,6 +13,13 @@ namespace tolvenar {
 namespace {
 
 using Text = std::u16string;
+
+// This process as a program of the device that lies there.
+class RunningAs {
+public:
+    explicit RunningAs(const std::wstring& path) { ::_wputenv((L"CEPROGRAM=" + path).c_str()); }
+    ~RunningAs() { ::_wputenv(L"CEPROGRAM="); }
+};
 
 class SettingsTest : public tests::DeviceTest {
 protected:
@@ -153,9 +163,13 @@ TEST_F(SettingsTest, AStorageFileOf129CharactersIsReadAndOneMoreIsAbsent) {
 
 TEST_F(SettingsTest, ATextStoredWithoutTerminatorEndsWhereItsBytesEnd) {
     char16_t buffer[kSettingTextUnits];
+    std::fill(std::begin(buffer), std::end(buffer), u'x');
     Set(setting::kStorageFile, REG_SZ, u"Home", 8);
     EXPECT_TRUE(ReadStorageFileName(buffer));
     EXPECT_EQ(Text(u"Home"), buffer);
+    Set(setting::kStorageFile, REG_SZ, Text(129, u's').c_str(), 258);
+    EXPECT_TRUE(ReadStorageFileName(buffer));
+    EXPECT_EQ(Text(129, u's'), buffer);
     Set(setting::kStorageFile, REG_SZ, Text(130, u's').c_str(), 260);
     EXPECT_FALSE(ReadStorageFileName(buffer));
     Set(setting::kStorageFile, REG_SZ, u"", 0);
@@ -196,8 +210,12 @@ TEST_F(SettingsTest, AFolderThatEndsInABackslashGetsNoSecond) {
     SetText(setting::kStoragePath, u"\\Old\\");
     EXPECT_TRUE(WriteStorageFolder(u"\\Card\\"));
     EXPECT_EQ(Text(u"\\Card\\"), Folder());
-    EXPECT_TRUE(WriteStorageFolder(u""));
-    EXPECT_EQ(Text(u"\\"), Folder());
+    for (const char16_t* root : {u"", u"\\"}) {
+        EXPECT_TRUE(WriteStorageFolder(root));
+        EXPECT_EQ(Text(u"\\"), Folder());
+    }
+    SetText(setting::kStorageFile, u"Home");
+    EXPECT_EQ(Text(u"\\Home"), Path());
 }
 
 TEST_F(SettingsTest, AFolderTooLongToBeReadGivesTheDefault) {
@@ -207,6 +225,16 @@ TEST_F(SettingsTest, AFolderTooLongToBeReadGivesTheDefault) {
 
 TEST_F(SettingsTest, AProgramWithoutANameHasItsStorageInTheRoot) {
     device().Fault("GetModuleFileNameW", 1, 1, ERROR_INVALID_HANDLE);
+    EXPECT_EQ(Text(u"\\Storage\\"), Folder());
+}
+
+TEST_F(SettingsTest, TheDefaultFolderLiesBesideTheProgramWhereverThatIs) {
+    const RunningAs in_root(L"\\Tolvenar.exe");
+    EXPECT_EQ(Text(u"\\Storage\\"), Folder());
+    const std::wstring longest = L"\\" + std::wstring(249, L'p');
+    const RunningAs deep(longest + L"\\T.exe");
+    EXPECT_EQ(Text(longest.begin(), longest.end()) + u"\\Storage\\", Folder());
+    const RunningAs deeper(longest + L"p\\T.exe");
     EXPECT_EQ(Text(u"\\Storage\\"), Folder());
 }
 

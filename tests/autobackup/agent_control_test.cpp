@@ -1,9 +1,11 @@
 #include "autobackup/agent_control.h"
 
+#include <nlohmann/json.hpp>
+
 #include "app/settings.h"
 #include "autobackup/notification_reader.h"
 #include "autobackup/notification_scheduler.h"
-#include "tests/support/device_test.h"
+#include "tests/support/programs.h"
 
 namespace tolvenar {
 namespace {
@@ -29,6 +31,29 @@ protected:
         CloseAgent();
         device().Command("trace off");
         return device().Command("trace show");
+    }
+    // A probe in the place of the closing tool or the agent; it stays until the test is over.
+    void Install(const std::wstring& path) {
+        tests::InstallProgram(device().sim(), "probe.exe", path);
+    }
+    using Texts = std::vector<std::wstring>;
+    // Path and arguments of what runs; it is ended.
+    Texts Started() {
+        Texts started;
+        for (const auto& program : sim::processes::List(device().sim())) {
+            started.push_back(program.path + L" " + program.arguments);
+        }
+        sim::processes::KillAll(device().sim());
+        return started;
+    }
+    // Handles that this process holds.
+    int Handles() {
+        int handles = 0;
+        for (const auto& process :
+             nlohmann::json::parse(device().Command("counters"))["processes"]) {
+            handles += process["handles"].get<int>();
+        }
+        return handles;
     }
     static DWORD NotificationCount() { return NotificationHandles().count(); }
 };
@@ -94,6 +119,30 @@ TEST_F(AgentControlTest, TheClosingToolOfTheInstallationIsStarted) {
     WriteInstallFolder(L"\\Program Files\\Tolvenar");
     EXPECT_NE(std::string::npos,
               StartedPrograms().find("\\\\Program Files\\\\Tolvenar\\\\CloseOther.exe"));
+}
+
+TEST_F(AgentControlTest, TheProgramsRunWithoutArgumentsAndNothingOfThemIsKept) {
+    Install(L"\\Program Files\\Tolvenar\\CloseOther.exe");
+    Install(L"\\Windows\\kestrin_tolvenar_agent.exe");
+    WriteInstallFolder(L"\\Program Files\\Tolvenar");
+    const int before = Handles();
+    EXPECT_TRUE(CloseAgent());
+    EXPECT_EQ(Texts{L"\\Program Files\\Tolvenar\\CloseOther.exe "}, Started());
+    StartAgent();
+    EXPECT_EQ(Texts{L"\\Windows\\kestrin_tolvenar_agent.exe "}, Started());
+    EXPECT_EQ(before, Handles());
+}
+
+TEST_F(AgentControlTest, SuspendingEndsTheAgentAndResumingStartsNothing) {
+    Install(L"\\Program Files\\Tolvenar\\CloseOther.exe");
+    Install(L"\\Windows\\kestrin_tolvenar_agent.exe");
+    WriteInstallFolder(L"\\Program Files\\Tolvenar");
+    SavedSchedule saved;
+    EXPECT_TRUE(SuspendAutoBackup(saved));
+    EXPECT_EQ(Texts{L"\\Program Files\\Tolvenar\\CloseOther.exe "}, Started());
+    EXPECT_TRUE(ResumeAutoBackup(saved));
+    EXPECT_TRUE(RefreshAutoBackup());
+    EXPECT_EQ(Texts(), Started());
 }
 
 TEST_F(AgentControlTest, WithoutAnInstallationNothingIsStarted) {

@@ -9,6 +9,8 @@
 namespace tolvenar {
 namespace {
 
+constexpr UINT kGetStep = WM_USER + 13;  // the host's control tells its step
+
 // A plain window with a bar and a label in the place of the options page.
 class AgentStatusTest : public tests::DeviceTest {
 protected:
@@ -19,7 +21,9 @@ protected:
         page_ = Make(L"STATIC", nullptr, WS_POPUP);
         bar_ = Make(PROGRESS_CLASSW, page_, WS_CHILD | WS_VISIBLE);
         label_ = Make(L"STATIC", page_, WS_CHILD | WS_VISIBLE);
+        switch_ = Make(L"BUTTON", page_, WS_CHILD | WS_VISIBLE);  // below both
         ::SetWindowTextW(label_, L"update:");
+        ::SendMessageW(bar_, PBM_SETPOS, 2, 0);
         WriteSetting(setting::kOnTime, 1);
         WriteSetting(setting::kWakeUpTime, 21);
         status_.AgentStatusInit(page_, bar_, label_, 0, 0);
@@ -54,14 +58,22 @@ protected:
     HWND page_ = nullptr;
     HWND bar_ = nullptr;
     HWND label_ = nullptr;
+    HWND switch_ = nullptr;
     AgentStatus status_;
 };
 
 TEST_F(AgentStatusTest, TheControlsAreHiddenAndReady) {
     EXPECT_FALSE(::GetWindowLongW(bar_, GWL_STYLE) & WS_VISIBLE);
     EXPECT_FALSE(::GetWindowLongW(label_, GWL_STYLE) & WS_VISIBLE);
+    EXPECT_EQ(switch_, ::GetWindow(page_, GW_CHILD));  // the others stand behind it now
+    RECT place;
+    ::GetClientRect(bar_, &place);
+    EXPECT_EQ(50, place.right);
     EXPECT_EQ(L"ready:", Label());
     EXPECT_EQ(0, Position());
+    EXPECT_EQ(0, ::SendMessageW(bar_, PBM_GETRANGE, TRUE, 0));
+    EXPECT_EQ(3, ::SendMessageW(bar_, PBM_GETRANGE, FALSE, 0));
+    EXPECT_EQ(1, ::SendMessageW(bar_, kGetStep, 0, 0));
 }
 
 TEST_F(AgentStatusTest, AChangeIsAppliedAtTheThirdTick) {
@@ -141,7 +153,12 @@ TEST_F(AgentStatusTest, ApplyNowAppliesOnlyWhatIsPending) {
 
 TEST_F(AgentStatusTest, TheTimerRunsOnThePage) {
     device().Command("set sleep.scale 20");
+    device().Command("trace on");
     status_.AgentStatusChanged(1, 0);
+    device().Command("trace off");
+    const auto calls = nlohmann::json::parse(device().Command("trace show SetTimer"));
+    const std::string arguments = calls.at(0)["arguments"];
+    EXPECT_NE(std::string::npos, arguments.find(", 651211, 1000")) << arguments;
     MSG message;
     for (int i = 0; i < 3; ++i) {
         ASSERT_GT(::GetMessageW(&message, page_, WM_TIMER, WM_TIMER), 0);

@@ -1,5 +1,7 @@
 #include "storage/log.h"
 
+#include <nlohmann/json.hpp>
+
 #include "tests/storage/storage_fixture.h"
 
 namespace tolvenar {
@@ -75,6 +77,31 @@ TEST_F(LogTest, AStorageInTheRootHasItsLogThere) {
     EXPECT_TRUE(Exists(u"\\tolvenar_log.txt"));
 }
 
+TEST_F(LogTest, AStoragePathWithoutABackslashHasItsLogInTheRoot) {
+    UniqueHkey hkey;
+    ::RegOpenKeyExW(HKEY_CURRENT_USER, Wide(kSettingsKey), 0, 0, hkey.Put());
+    ::RegSetValueExW(hkey.get(), L"StoragePath", 0, REG_SZ, reinterpret_cast<const BYTE*>(L"Card"),
+                     5 * sizeof(wchar_t));
+    Note(u"x");
+    EXPECT_TRUE(Exists(u"\\tolvenar_log.txt"));
+}
+
+// So that every line is on the medium when the call returns, and two writers never mix theirs.
+TEST_F(LogTest, ALineIsOneOpeningOneSeekOneWriteAndOneClosing) {
+    device().Command("trace on");
+    Note(u"x");
+    device().Command("trace off");
+    const auto calls = [&](const char* function) {
+        return nlohmann::json::parse(device().Command(std::string("trace show ") + function));
+    };
+    for (const char* function : {"CreateFileW", "SetFilePointer", "WriteFile", "CloseHandle"}) {
+        EXPECT_EQ(1u, calls(function).size()) << function;
+    }
+    const std::string opening = calls("CreateFileW").at(0)["arguments"];
+    // Reading and writing, reading shared, made when it is not there.
+    EXPECT_NE(std::string::npos, opening.find(", 3221225472, 1, 4, 128")) << opening;
+}
+
 TEST_F(LogTest, AFolderThatIsNotThereLosesTheLine) {
     ASSERT_TRUE(WriteStorageFolder(u"\\No Card"));
     EXPECT_EQ(1, Note(u"x"));
@@ -127,6 +154,18 @@ TEST_F(LogTest, ALongModuleStillEndsItsLine) {
 TEST_F(LogTest, APercentSignIsText) {
     Note(u"100 %s %n");
     EXPECT_EQ(1u, Occurrences(Log(), u"Message: 100 %s %n\r\n"));
+}
+
+TEST_F(LogTest, APatternOf64UnitsIsTooLong) {
+    const std::string text(61, 'a');
+    device().Set("locale.shortdate", "'" + text + "'");
+    Note(u"x");
+    EXPECT_EQ(0u, Log().find(u"I - " + Text(61, u'a') + u", 4:33:10 GMT"));
+    Put(kLog, {});
+    device().Set("locale.shortdate", "'" + text + "a'");
+    device().Set("locale.time", "'" + text + "a'");
+    Note(u"x");
+    EXPECT_EQ(0u, Log().find(u"I - 16 November 2026, 4:33:10 GMT"));
 }
 
 TEST_F(LogTest, WithoutTheLocalesPatternTheDateIsSpelledOut) {
