@@ -4,7 +4,7 @@
 
 #include "app/settings.h"
 #include "autobackup/notification_reader.h"
-#include "tests/support/device_test.h"
+#include "tests/support/programs.h"
 
 namespace tolvenar {
 namespace {
@@ -161,7 +161,8 @@ TEST_F(AgentStatusTest, TheTimerRunsOnThePage) {
     EXPECT_NE(std::string::npos, arguments.find(", 651211, 1000")) << arguments;
     MSG message;
     for (int i = 0; i < 3; ++i) {
-        ASSERT_GT(::GetMessageW(&message, page_, WM_TIMER, WM_TIMER), 0);
+        ASSERT_TRUE(tests::Eventually(
+            [&] { return ::PeekMessageW(&message, page_, WM_TIMER, WM_TIMER, PM_REMOVE) != 0; }));
         status_.AgentStatusTick(message.wParam, 1, 0);
     }
     EXPECT_EQ(1u, Applied());
