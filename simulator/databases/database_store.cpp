@@ -179,8 +179,12 @@ Error DatabaseStore::Create(Database& database) {
     if (const Error error = CheckShape(database)) {
         return error;
     }
+    std::string entry = EncodeDatabase(database);
+    if (!HasRoom(device_, entry.size())) {
+        return kDiskFull;
+    }
     database.oid = device_.TakeObjectId();
-    change.Set(kDatabases + Digits(database.oid), EncodeDatabase(database));
+    change.Set(kDatabases + Digits(database.oid), std::move(entry));
     return kOk;
 }
 

@@ -201,6 +201,9 @@ std::uint32_t VolumeOf(Device& device, const wchar_t* path, bool& card) {
     if (found.error != 0) {
         return ERROR_PATH_NOT_FOUND;
     }
+    if (!found.node.is_folder()) {
+        return ERROR_DIRECTORY;
+    }
     card = found.node.on_card;
     return 0;
 }

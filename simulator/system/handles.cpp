@@ -109,7 +109,9 @@ bool CloseAnyKind(void* handle) {
     {
         std::lock_guard guard(mutex);
         Entry* entry = Open(handle);
-        if (entry != nullptr && entry->kind != Kind::kFind && !entry->held) {
+        const bool has_own_call =
+            entry != nullptr && (entry->kind == Kind::kFind || entry->kind == Kind::kRegistryKey);
+        if (entry != nullptr && !has_own_call && !entry->held) {
             object = Empty(*entry);
         }
     }

@@ -124,6 +124,14 @@ TEST_F(DatabasesTest, WhatCannotBeIsRefused) {
     EXPECT_TRUE(Enumerate(0).empty());
 }
 
+TEST_F(DatabasesTest, AFullStoreRefusesANewOne) {
+    CEDBASEINFO info = Info(L"a");
+    device().Set("store.free", "10");
+    EXPECT_EQ(0u, ::CeCreateDatabaseEx(&store_, &info));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_DISK_FULL), LastError());
+    EXPECT_TRUE(Enumerate(0).empty());
+}
+
 TEST_F(DatabasesTest, ANameIsTakenOnceWhateverItsCase) {
     Create(L"Notes");
     EXPECT_EQ(0u, Create(L"NOTES"));

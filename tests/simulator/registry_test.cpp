@@ -80,6 +80,7 @@ TEST_F(RegistryTest, AnEmptySubkeyOpensTheKeyOnceMore) {
 
 TEST_F(RegistryTest, AKeyClosesOnceAndItsHandleIsThenInvalid) {
     HKEY key = Create(HKEY_USERS, L"a");
+    EXPECT_FALSE(::CloseHandle(key));  // a key is no kernel object
     EXPECT_EQ(ERROR_SUCCESS, ::RegCloseKey(key));
     EXPECT_EQ(ERROR_INVALID_HANDLE, ::RegCloseKey(key));
     EXPECT_EQ(ERROR_INVALID_HANDLE, ::RegDeleteValueW(key, L"v"));

@@ -27,10 +27,12 @@ TEST_F(SpaceTest, FilesTakeTheSpaceOfTheirVolume) {
     EXPECT_EQ(700u, StoreFree());
     EXPECT_EQ(700u, Free(L"\\"));
     EXPECT_EQ(1500u, Free(L"\\Storage Card"));
-    EXPECT_EQ(1500u, Free(L"\\Storage Card\\b.txt"));
     EXPECT_TRUE(::DeleteFileW(L"\\a.txt"));
     EXPECT_EQ(1000u, StoreFree());
-    EXPECT_FALSE(::GetDiskFreeSpaceExW(L"\\none", nullptr, nullptr, nullptr));
+    EXPECT_EQ(ERROR_PATH_NOT_FOUND,
+              ErrorOf(::GetDiskFreeSpaceExW(L"\\none", nullptr, nullptr, nullptr)));
+    EXPECT_EQ(ERROR_DIRECTORY,
+              ErrorOf(::GetDiskFreeSpaceExW(L"\\Storage Card\\b.txt", nullptr, nullptr, nullptr)));
 }
 
 TEST_F(SpaceTest, RomFilesTakeNone) {
