@@ -151,6 +151,32 @@ TEST_F(AgentStatusTest, ApplyNowAppliesOnlyWhatIsPending) {
     EXPECT_EQ(1u, Applied());
 }
 
+TEST_F(AgentStatusTest, ApplyNowFillsTheBarBeforeItIsEmptied) {
+    status_.AgentStatusChanged(1, 0);
+    device().Command("trace on");
+    status_.AgentStatusApplyNow(1, 0);
+    device().Command("trace off");
+    std::vector<std::string> positions;
+    for (const auto& call : nlohmann::json::parse(device().Command("trace show SendMessageW"))) {
+        const std::string arguments = call["arguments"];
+        positions.push_back(arguments.substr(arguments.find(", ")));
+    }
+    // PBM_SETPOS
+    EXPECT_EQ((std::vector<std::string>{", 1026, 3, 0", ", 1026, 0, 0"}), positions);
+}
+
+// What was changed is then applied when the main window closes.
+TEST_F(AgentStatusTest, WithoutATimerNothingIsPending) {
+    device().Fault("SetTimer", 1, 1, ERROR_NOT_ENOUGH_MEMORY);
+    status_.AgentStatusChanged(1, 0);
+    status_.AgentStatusApplyNow(1, 0);
+    EXPECT_EQ(0u, Applied());
+    status_.AgentStatusChanged(1, 1);
+    EXPECT_EQ(2u, Calls("SetTimer"));
+    status_.AgentStatusApplyNow(1, 1);
+    EXPECT_EQ(1u, Applied());
+}
+
 TEST_F(AgentStatusTest, TheTimerRunsOnThePage) {
     device().Command("set sleep.scale 20");
     device().Command("trace on");

@@ -1,6 +1,9 @@
 #include "autobackup/notification_scheduler.h"
 
+#include <chrono>
+#include <nlohmann/json.hpp>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "app/settings.h"
@@ -85,6 +88,29 @@ TEST_F(NotificationSchedulerTest, EveryCombinationOfTheTwoSettingsRegistersItsRo
     }
 }
 
+TEST_F(NotificationSchedulerTest, EachRowRunsTheAgentAtItsEventAndTellsTheUserNothing) {
+    const struct {
+        DWORD type;
+        DWORD event;
+        const char* arguments;
+    } kRows[] = {{CNT_EVENT, 1, "TolvenarRunAfterTimeChange"},
+                 {CNT_EVENT, 11, "TolvenarRunAfterWakeup"},
+                 {CNT_EVENT, 4, "TolvenarRunAtAcPowerOff"},
+                 {CNT_TIME, 0, "TolvenarRunAtTime"}};
+    SetOptions(0, 1);
+    RegisterAutoBackupNotifications();
+    const auto all = nlohmann::json::parse(device().Command("notifications"));
+    ASSERT_EQ(4u, all.size());
+    for (std::size_t i = 0; i < 4; ++i) {
+        EXPECT_EQ(kRows[i].type, all[i]["type"]) << i;
+        EXPECT_EQ(kRows[i].event, all[i]["event"]) << i;
+        EXPECT_EQ(kRows[i].arguments, all[i]["arguments"]);
+        EXPECT_EQ("kestrin_tolvenar_agent.exe", all[i]["application"]);
+        EXPECT_TRUE(all[i]["end"].is_null()) << i;
+        EXPECT_TRUE(all[i]["user"].is_null()) << i;
+    }
+}
+
 TEST_F(NotificationSchedulerTest, RegisteringTwiceLeavesOneOfEach) {
     SetOptions(1, 1);
     EXPECT_TRUE(RegisterAutoBackupNotifications());
@@ -164,12 +190,47 @@ TEST_F(NotificationSchedulerTest, ClearingWithoutMemoryForARecordFails) {
 }
 
 TEST_F(NotificationSchedulerTest, AnUnreadableRecordIsPassedOver) {
+    // Each record's size is asked, then it is read.
+    const struct {
+        int call;
+        const wchar_t* left;
+    } kRows[] = {{1, kRunAfterTimeChange},
+                 {2, kRunAfterTimeChange},
+                 {3, L"TolvenarRunAtTime 11-16 21:30"},
+                 {4, L"TolvenarRunAtTime 11-16 21:30"}};
+    SetOptions(1, 0);
+    for (const auto& row : kRows) {
+        RegisterAutoBackupNotifications();
+        device().Fault("CeGetUserNotification", row.call, 1, ERROR_INVALID_PARAMETER);
+        EXPECT_TRUE(ClearAutoBackupNotifications()) << row.call;
+        EXPECT_EQ(Texts{row.left}, All()) << row.call;
+        EXPECT_TRUE(ClearAutoBackupNotifications());
+    }
+}
+
+// The largest record comes first.
+TEST_F(NotificationSchedulerTest, OneBufferServesAllRecordsThatItIsLargeEnoughFor) {
+    SetOptions(1, 1);
+    RegisterAutoBackupNotifications();
+    device().Command("counters clear");
+    EXPECT_TRUE(ClearAutoBackupNotifications());
+    const auto calls = nlohmann::json::parse(device().Command("counters"))["calls"];
+    EXPECT_EQ(2, calls["LocalAlloc"]);  // that of the handles and the buffer
+    EXPECT_EQ(8, calls["CeGetUserNotification"]);
+}
+
+TEST_F(NotificationSchedulerTest, HandlesThatHaveBecomeMoreMeanwhileAreNone) {
     SetOptions(1, 0);
     RegisterAutoBackupNotifications();
-    // The first record's size is asked, then it is read: the reading fails.
-    device().Fault("CeGetUserNotification", 2, 1, ERROR_INVALID_PARAMETER);
-    EXPECT_TRUE(ClearAutoBackupNotifications());
-    EXPECT_EQ(Texts{kRunAfterTimeChange}, All());
+    device().Command("delay CeGetUserNotificationHandles 2 200");
+    std::thread other([] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        Add(CNT_EVENT, NOTIFICATION_EVENT_WAKEUP, L"other.exe", L"x");
+    });
+    const NotificationHandles handles;
+    other.join();
+    EXPECT_EQ(0u, handles.count());
+    EXPECT_EQ(3u, All().size());
 }
 
 TEST_F(NotificationSchedulerTest, HandlesThatCannotBeReadAreNone) {
@@ -247,7 +308,13 @@ TEST_F(NotificationSchedulerTest, ReschedulingTellsWhatThePlatformRefuses) {
     EXPECT_FALSE(RescheduleTimeNotification());
     device().Fault("LocalAlloc", 2, 1, ERROR_OUTOFMEMORY);
     EXPECT_FALSE(RescheduleTimeNotification());
+    // It is found with the first two calls and read again whole with the others.
+    for (const int call : {3, 4}) {
+        device().Fault("CeGetUserNotification", call, 1, ERROR_INVALID_PARAMETER);
+        EXPECT_FALSE(RescheduleTimeNotification()) << call;
+    }
     EXPECT_EQ("[]", device().Faults());
+    EXPECT_EQ(Texts{L"TolvenarRunAtTime 01-01 08:15"}, All());
 }
 
 }  // namespace
