@@ -1,5 +1,6 @@
 // What looks like an oversight and is none: operations that say nothing, check nothing or ask
 // again.
+#include "tests/support/programs.h"
 #include "tests/ui/ui_test.h"
 
 namespace {
@@ -94,9 +95,11 @@ class UnattendedRestoreTest : public IntendedOdditiesTest {
 protected:
     void ExpectRestoreEnds(unsigned style, const std::string& text) {
         SCOPED_TRACE(text);
-        StartProgram("AutoRestore: Last State");
+        Ask("trace on");
+        tests::Program program(device().sim(), L"\\Program Files\\Tolvenar\\Tolvenar.exe",
+                               L"AutoRestore: Last State");
         ExpectBox(style, text);
-        ExpectEnd();
+        EXPECT_EQ(0, program.ExitCode());  // whatever it told
         Ask("faults clear");
     }
 };

@@ -343,6 +343,9 @@ TEST_F(OperationsTest, WithoutAStorageEveryRequestSelectsTheStorageFileTab) {
         Press(request.button);
         EXPECT_TRUE(Eventually([&] { return SelectedTab() == "Storage file"; })) << request.button;
     }
+    ShowTab("Advanced Restore");
+    ::PostMessageW(::GetParent(Handle(1014)), WM_COMMAND, MAKEWPARAM(1014, LBN_DBLCLK), 0);
+    EXPECT_TRUE(Eventually([&] { return SelectedTab() == "Storage file"; }));
     EXPECT_EQ(0u, BoxCount());
     EXPECT_EQ(0u, Calls("PostMessageW", ", 32896, "));
 }
