@@ -1,6 +1,8 @@
 #include "app/storage_files.h"
 
+#include <nlohmann/json.hpp>
 #include <string>
+#include <vector>
 
 #include "app/settings.h"
 #include "platform/text.h"
@@ -120,6 +122,20 @@ TEST_F(StorageFilesTest, DeletingTakesBothFiles) {
     EXPECT_TRUE(DeleteOldStorage());
     EXPECT_FALSE(device().Exists(kSav));
     EXPECT_FALSE(device().Exists(kJournal));
+}
+
+TEST_F(StorageFilesTest, TheJournalIsDeletedFirst) {
+    ASSERT_TRUE(CreateNewStorage());
+    device().Command("trace on");
+    EXPECT_TRUE(DeleteOldStorage());
+    std::vector<std::string> deleted;
+    for (const auto& line : nlohmann::json::parse(device().Command("trace show DeleteFileW"))) {
+        deleted.push_back(line["arguments"]);
+    }
+    device().Command("trace off");
+    ASSERT_LE(2u, deleted.size());
+    EXPECT_EQ("\\Backups\\Home.jrn", deleted[0]);
+    EXPECT_EQ("\\Backups\\Home.sav", deleted[1]);
 }
 
 TEST_F(StorageFilesTest, DeletingWithoutAJournalStillDeletesTheStorageAndIsFalse) {

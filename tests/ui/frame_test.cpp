@@ -148,6 +148,18 @@ TEST_F(FrameTest, TheProgramClosesFromEveryPage) {
     }
 }
 
+// It reads its settings again then. The page's message is the one of WM_APP + 300.
+TEST_F(FrameTest, AnActivationReachesTheOptionsPageWithItsParameters) {
+    Open();
+    ::SendMessageW(MainDialog(), WM_ACTIVATE, WA_CLICKACTIVE, 0x1234);
+    EXPECT_EQ(0u, Calls("SendMessageW", ", 33068, "));
+    ShowTab("Options");
+    ::SendMessageW(MainDialog(), WM_ACTIVATE, WA_CLICKACTIVE, 0x1234);
+    EXPECT_EQ(1u, Calls("SendMessageW", ", 33068, 2, 4660"));
+    ::SendMessageW(MainDialog(), WM_ACTIVATE, WA_INACTIVE, 0x1234);
+    EXPECT_EQ(1u, Calls("SendMessageW", ", 33068, 0, 4660"));
+}
+
 TEST_F(FrameTest, ASizeMessageLaysTabsAndPageOutAgain) {
     Open();
     ShowTab("Restore");
