@@ -38,11 +38,18 @@ INT_PTR Page::OnNextControl(WPARAM wparam, LPARAM lparam) {
     return TRUE;
 }
 
+// Enter in such a control presses this button, seen or not.
+INT_PTR Page::OnDefaultButton() {
+    const int id = DefaultButton();
+    return Answer(id != 0 ? MAKELRESULT(id, DC_HASDEFID) : 0);
+}
+
 INT_PTR Page::Dispatch(UINT message, WPARAM wparam, LPARAM lparam) {
     switch (message) {
         case WM_INITDIALOG: OnInit(); return TRUE;
         case WM_COMMAND: return OnCommand(LOWORD(wparam), HIWORD(wparam)) ? TRUE : FALSE;
         case WM_NEXTDLGCTL: return OnNextControl(wparam, lparam);
+        case DM_GETDEFID: return OnDefaultButton();
         // Escape in an edit control of several lines closes its dialog otherwise.
         case WM_CLOSE: ApplyNow(); return TRUE;
         case WM_NCDESTROY: window_ = nullptr; return FALSE;

@@ -84,6 +84,7 @@ private:
     static INT_PTR CALLBACK DialogProcedure(HWND, UINT, WPARAM, LPARAM);
     INT_PTR Dispatch(UINT message, WPARAM wparam, LPARAM lparam);
     INT_PTR OnNextControl(WPARAM wparam, LPARAM lparam);
+    INT_PTR OnDefaultButton();
 
     int template_id_;
     HWND window_ = nullptr;

@@ -175,6 +175,32 @@ TEST_F(KeyboardTest, EnterInTheStatesOfTheAdvancedPageShowsTheDifferences) {
     EXPECT_TRUE(Eventually([&] { return !Shows("Creating tree..."); }));
 }
 
+// An edit control of several lines looks for a button itself, and finds one that this form hides.
+TEST_F(KeyboardTest, EnterInADescriptionPressesOnlyAButtonThatIsSeen) {
+    AddState();
+    Open();
+    ShowTab("Restore");
+    Keys("alt+e");
+    EXPECT_TRUE(FocusComesTo(1016));
+    Keys("enter");
+    ExpectReminder(tests::kRestoreReminder, tests::kCancel);
+    ShowTab("Advanced Restore");
+    Keys("alt+s");
+    EXPECT_TRUE(FocusComesTo(1014));
+    Keys("tab");
+    EXPECT_TRUE(FocusComesTo(1016));
+    Keys("enter");
+    Pause(300);
+    EXPECT_FALSE(Shows("Reminder"));
+    EXPECT_TRUE(Control(1016)->at("focused"));
+    EXPECT_EQ("", Text(1041));
+    ShowTab("Storage file");
+    Keys("alt+d");
+    EXPECT_TRUE(FocusComesTo(1026));
+    Keys("enter");
+    EXPECT_TRUE(Eventually([&] { return Shows("Choose backup file"); }));
+}
+
 TEST_F(KeyboardTest, EnterWithoutAButtonDoesNothing) {
     AddState();
     Open();
