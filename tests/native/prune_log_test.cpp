@@ -32,6 +32,16 @@ TEST_F(PruneLogTest, AStoredBlockThatCannotBeReadStaysAndIsLoggedByEveryRule) {
         LogLines());
 }
 
+// Not even with an addition whose value has no name.
+TEST_F(PruneLogTest, AStoredBlockThatCannotBeReadMakesNoPair) {
+    info_.live[{2, 0}] = {u"Software\\Kestrin2\\Tolvenar\u00FF", ObjectType::kRegistryValue,
+                          kHiveCurrentUser};
+    AddValue(2, JF_ADD, 0);
+    AddValue(1, JF_DELETE, 40);
+    PruneDifferences(*diff_, kBackupPruning, info_);
+    EXPECT_EQ(2u, diff_->CountRecords());
+}
+
 TEST_F(PruneLogTest, ALiveValueThatCannotBeDescribedIsPassedOver) {
     const FakeInfoSource::Object value{kOwnValue, ObjectType::kRegistryValue, kHiveCurrentUser};
     info_.stored[40] = value;

@@ -79,6 +79,20 @@ TEST_F(FileScannerTest, EveryEntryBehindASubfolderIsVisitedToo) {
     EXPECT_EQ(6u, Walk(u"\\A").size());
 }
 
+TEST_F(FileScannerTest, AnEmptyFolderIsVisitedOnceAndTheEntryBehindItToo) {
+    device().MakeFolder(L"\\A\\B");
+    device().PutFile(L"\\A\\c.txt", "c");
+    EXPECT_EQ((std::vector<Text>{u"\\A\\B", u"\\A\\c.txt"}), Walk(u"\\A"));
+}
+
+TEST_F(FileScannerTest, AShortFolderNameBehindALongOneIsListed) {
+    device().PutFile(L"\\A\\A folder with a long name\\x", "x");
+    device().PutFile(L"\\A\\S\\y", "y");
+    EXPECT_EQ((std::vector<Text>{u"\\A\\A folder with a long name",
+                                 u"\\A\\A folder with a long name\\x", u"\\A\\S", u"\\A\\S\\y"}),
+              Walk(u"\\A"));
+}
+
 TEST_F(FileScannerTest, AnEntryWhoseNameBeginsWithADotIsPassedOverWithItsContents) {
     device().MakeFolder(L"\\A\\.hidden");
     device().PutFile(L"\\A\\.hidden\\x.txt", "x");
@@ -140,6 +154,27 @@ TEST_F(FileScannerTest, AFileThatIsOpenElsewhereWithoutSharingGetsNoRecord) {
     Scan();
     EXPECT_EQ(nullptr, RecordOf(L"\\A\\held.txt"));
     EXPECT_NE(nullptr, RecordOf(L"\\A\\other.txt"));
+}
+
+TEST_F(FileScannerTest, AFileIsOpenedWithoutSharing) {
+    device().PutFile(L"\\A\\x.txt", "x");
+    const UniqueHandle reader(::CreateFileW(L"\\A\\x.txt", GENERIC_READ,
+                                            FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                            OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    ASSERT_TRUE(reader);
+    Scan();
+    EXPECT_EQ(nullptr, RecordOf(L"\\A\\x.txt"));
+}
+
+TEST_F(FileScannerTest, AFileIsOpenedWithItsAttributesAndForRandomAccess) {
+    device().PutFile(L"\\A\\x.txt", "x");
+    device().SetAttributes(L"\\A\\x.txt", FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_ARCHIVE);
+    device().Command("trace on");
+    Scan();
+    const std::string calls = device().Command("trace show CreateFileForMappingW");
+    device().Command("trace off");
+    // Reading, no sharing, the file must exist; 0x10000022.
+    EXPECT_NE(std::string::npos, calls.find("x.txt, 2147483648, 0, 3, 268435490")) << calls;
 }
 
 TEST_F(FileScannerTest, AFileIsClosedAgainBeforeTheNextEntry) {

@@ -119,6 +119,16 @@ TEST_F(LogTest, AHeldLogLosesTheLine) {
     EXPECT_EQ(before, Log());
 }
 
+TEST_F(LogTest, ALogThatIsBeingReadTakesTheLine) {
+    Note(u"first");
+    const UniqueHandle reader(::CreateFileW(Wide(kLog), GENERIC_READ,
+                                            FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                            OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    ASSERT_TRUE(reader);
+    Note(u"second");
+    EXPECT_EQ(1u, Occurrences(Log(), u"Message: second\r\n"));
+}
+
 TEST_F(LogTest, AFailedWriteLosesTheLineAndNothingElse) {
     Fail("WriteFile", 1, ERROR_DISK_FULL);
     EXPECT_EQ(1, Note(u"lost"));
