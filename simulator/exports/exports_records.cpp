@@ -267,7 +267,7 @@ CEOID WINAPI CeSeekDatabaseEx(HANDLE database, DWORD way, DWORD value, WORD valu
             }
             return Seek(database, way, value, index);
         },
-        database, way, value);
+        database, way, value, value_count);
 }
 
 CEOID WINAPI CeReadRecordPropsEx(HANDLE handle, DWORD flags, LPWORD count, CEPROPID* asked,

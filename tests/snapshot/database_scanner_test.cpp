@@ -175,6 +175,17 @@ TEST_F(DatabaseScannerTest, ADatabaseThatCannotBeOpenedIsLeftOutAndTheNextIsNot)
     EXPECT_NE(first, all.front());
 }
 
+TEST_F(DatabaseScannerTest, AReadThatFailsEndsItsDatabaseAndNotTheScan) {
+    const CEOID first = MakeDatabase(L"First");
+    const CEOID one = AddRecord(L"First", {{kNumber, 1}});
+    AddRecord(L"First", {{kNumber, 2}});
+    AddRecord(L"First", {{kNumber, 3}});
+    const CEOID second = MakeDatabase(L"Second");
+    const CEOID other = AddRecord(L"Second", {{kNumber, 1}});
+    device().Fault("CeReadRecordPropsEx", 2, 1, ERROR_NOT_ENOUGH_MEMORY);
+    EXPECT_EQ((std::vector<CEOID>{first, one, second, other}), Walk());
+}
+
 TEST_F(DatabaseScannerTest, ARecordThatCannotBeDescribedIsLeftOut) {
     MakeDatabase(L"First");
     const CEOID oid = AddRecord(L"First", {{kNumber, 1}});

@@ -204,6 +204,7 @@ TEST_F(BackupItemTest, AFailedItemIsMarkedCountedAndLogged) {
         EXPECT_EQ(JF_ADD | JF_FAILED, record.flags);
     }
     EXPECT_EQ(std::vector<std::size_t>{2}, progress_.begins);
+    EXPECT_EQ(2u, progress_.steps);
     char16_t line[100];
     ::wsprintfW(Wide(line), L"dwOID = %x, TolvOID = 0\r\nObj Name: \\held.txt\r\nObj Type: 10",
                 oid);

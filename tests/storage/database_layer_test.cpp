@@ -124,6 +124,33 @@ TEST_F(DatabaseLayerTest, ARecordIsFoundByItsIdentifierAndReadFromThePrivateHeap
     EXPECT_EQ(0u, databases_.SeekRecord(database.get(), CEDB_SEEK_CEOID, two + 100));
 }
 
+TEST_F(DatabaseLayerTest, AReadThatFailsLeavesNoProperties) {
+    MakeDatabase(L"First");
+    AddRecord(L"First", {{kNumber, 1}});
+    CEOID oid = 0;
+    const UniqueHandle database(databases_.OpenDatabase(oid, u"First", 0, 0, nullptr));
+    RecordBuffer buffer;
+    EXPECT_NE(0u, databases_.ReadRecordProps(database.get(), buffer));
+    EXPECT_EQ(1, buffer.count());
+    device().Fault("CeReadRecordPropsEx", 1, 1, ERROR_NOT_ENOUGH_MEMORY);
+    EXPECT_EQ(0u, databases_.ReadRecordProps(database.get(), buffer));
+    EXPECT_EQ(0, buffer.count());
+}
+
+TEST_F(DatabaseLayerTest, ADeviceWithTheNewerSeekIsServedByItWithOneValue) {
+    device().Set("os.version", "4.10");
+    MakeDatabase(L"First");
+    const CEOID record = AddRecord(L"First", {{kNumber, 1}});
+    DatabaseLayer newer;
+    CEOID oid = 0;
+    const UniqueHandle database(newer.OpenDatabase(oid, u"First", 0, 0, nullptr));
+    device().Command("trace on");
+    EXPECT_EQ(record, newer.SeekRecord(database.get(), CEDB_SEEK_CEOID, record));
+    const std::string calls = device().Command("trace show CeSeekDatabaseEx");
+    device().Command("trace off");
+    EXPECT_NE(std::string::npos, calls.find(", 1, " + std::to_string(record) + ", 1\"")) << calls;
+}
+
 TEST_F(DatabaseLayerTest, ADeviceWithTheOlderSeekOnlyIsServedByIt) {
     device().Set("os.version", "3.0");
     MakeDatabase(L"First");

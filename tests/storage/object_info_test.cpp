@@ -182,6 +182,23 @@ TEST_F(ObjectInfoTest, AnObjectThatIsUnavailableForAMomentIsAskedTenTimes) {
     EXPECT_EQ(before + 10, sim::TotalCalls(device().sim())["CeOidGetInfoEx"]);
 }
 
+TEST_F(ObjectInfoTest, TenMillisecondsPassBehindEveryFailure) {
+    device().PutFile(L"\\a.txt", "a");
+    const CEOID oid = OidOfPath(L"\\a.txt");
+    InfoBlock block;
+    device().Command("trace on");
+    device().Fault("CeOidGetInfoEx", 1, 3, ERROR_INVALID_HANDLE);
+    EXPECT_TRUE(info_.GetOIDInfo(0, oid, block));
+    const std::string sleeps = device().Command("trace show Sleep");
+    device().Command("trace off");
+    std::size_t count = 0;
+    const std::string sleep = "\"arguments\":\"10\"";
+    for (std::size_t at = 0; (at = sleeps.find(sleep, at)) != std::string::npos; ++at) {
+        ++count;
+    }
+    EXPECT_EQ(3u, count) << sleeps;
+}
+
 TEST_F(ObjectInfoTest, AStoredBlockIsReadWithItsName) {
     PutBlock(Block(4, std::string("a\0b\0\0\0", 6)));
     const UniqueHandle sav = OpenSav();

@@ -23,14 +23,17 @@ public:
         }
     }
     void ProgressStep(const char16_t* text) override {
-        if (text != nullptr && !quiet) {
+        if (text == nullptr) {
+            ++steps;
+        } else if (!quiet) {
             texts.push_back(text);
         }
     }
 
     std::vector<std::size_t> begins;
     std::vector<std::u16string> texts;
-    bool quiet = false;  // while allocations fail
+    std::size_t steps = 0;  // without a text
+    bool quiet = false;     // while allocations fail
 };
 
 // One property of a database record, as it is written.
