@@ -301,6 +301,20 @@ TEST_F(NotificationSchedulerTest, ReschedulingNeedsBothSettingsToMakeTheDailyOne
     EXPECT_EQ(1u, All().size());
 }
 
+TEST_F(NotificationSchedulerTest, ReschedulingTellsOfATimeThatCannotBeComputed) {
+    WriteSetting(setting::kOnTime, 1);
+    WriteSetting(setting::kWakeUpTime, 8);
+    Add(CNT_EVENT, NOTIFICATION_EVENT_WAKEUP, L"other.exe", L"x");
+    device().Fault("SystemTimeToFileTime", 1, 1, ERROR_INVALID_PARAMETER);
+    EXPECT_FALSE(RescheduleTimeNotification());
+    EXPECT_EQ(Texts{L"x"}, All());
+    Add(CNT_TIME, 0, kAgentProgram, kRunAtTime, 8);
+    device().Fault("FileTimeToSystemTime", 1, 1, ERROR_INVALID_PARAMETER);
+    EXPECT_FALSE(RescheduleTimeNotification());
+    EXPECT_EQ((Texts{L"x", L"TolvenarRunAtTime 01-01 08:15"}), All());
+    EXPECT_EQ("[]", device().Faults());
+}
+
 TEST_F(NotificationSchedulerTest, ReschedulingTellsWhatThePlatformRefuses) {
     SetOptions(1, 0);
     Add(CNT_TIME, 0, kAgentProgram, kRunAtTime);
