@@ -152,6 +152,11 @@ TEST_F(PowerStatusTest, AnUnknownBatteryIsReadAgainFiveTimesAndCountsAsHigh) {
     Battery(0, 255, 12);
     EXPECT_EQ(BatteryCheckResult::kNoBackup, Test());
     EXPECT_EQ(6u, Reads());
+    const auto pauses = nlohmann::json::parse(device().Command("trace show Sleep"));
+    ASSERT_EQ(5u, pauses.size());
+    for (const auto& pause : pauses) {
+        EXPECT_EQ("3000", pause["arguments"]);
+    }
 }
 
 TEST_F(PowerStatusTest, AReadAgainThatFailsLeavesTheBatteryUnknown) {

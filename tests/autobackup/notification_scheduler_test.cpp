@@ -265,6 +265,14 @@ TEST_F(NotificationSchedulerTest, ReschedulingMovesTheStoredNotificationOnAtItsO
     EXPECT_EQ(stored, handles[0]);
 }
 
+TEST_F(NotificationSchedulerTest, ReschedulingPassesOverARecordThatCannotBeRead) {
+    Add(CNT_EVENT, NOTIFICATION_EVENT_WAKEUP, L"other.exe", L"x");
+    Add(CNT_TIME, 0, kAgentProgram, kRunAtTime, 8);
+    device().Fault("CeGetUserNotification", 2, 1, ERROR_INVALID_PARAMETER);
+    EXPECT_TRUE(RescheduleTimeNotification());
+    EXPECT_EQ((Texts{L"x", L"TolvenarRunAtTime 11-17 08:15"}), All());
+}
+
 TEST_F(NotificationSchedulerTest, ReschedulingKeepsTheUserNotificationOfTheStoredOne) {
     CE_USER_NOTIFICATION user{};
     user.ActionFlags = 1;
