@@ -21,27 +21,6 @@ constexpr wchar_t kFilter[] =
 // A typed name that does not exist yet is confirmed by the dialog itself.
 constexpr DWORD kFlags = OFN_HIDEREADONLY | OFN_NOCHANGEDIR | OFN_CREATEPROMPT;
 
-// Why a chosen file is no storage to open; the other results say nothing.
-struct OpenMessage {
-    OpenStorageResult result;
-    const wchar_t* text;
-};
-constexpr OpenMessage kOpenMessages[] = {
-    {OpenStorageResult::kHeaderUnreadable, L"Storage header was not created."},
-    {OpenStorageResult::kOtherDevice, L"Storage file is not compatible with your device."},
-    {OpenStorageResult::kUnsupportedRevision,
-     L"This Storage File is not compatible with the Tolvenar version,\nplease use earlier "
-     L"Tolvenar version."},
-};
-
-void TellWhyNotOpened(OpenStorageResult result) {
-    for (const OpenMessage& message : kOpenMessages) {
-        if (message.result == result) {
-            ShowMessage(nullptr, message.text, MB_OK);
-        }
-    }
-}
-
 // The folder of the storage that the settings name, without its backslash; empty without one.
 void ReadInitialFolder(char16_t (&folder)[kSettingPathUnits]) {
     ReadStoragePath(folder);

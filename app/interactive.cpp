@@ -22,18 +22,6 @@ bool MakeMainWindow(Application& app) {
            CreateMainWindow(app);
 }
 
-void TellWhyNotOpened(OpenStorageResult result) {
-    if (result == OpenStorageResult::kOtherDevice) {
-        ShowMessage(nullptr, L"Storage file is not compatible with your device.", MB_OK);
-    }
-    if (result == OpenStorageResult::kUnsupportedRevision) {
-        ShowMessage(nullptr,
-                    L"This Storage File is not compatible with the Tolvenar version,\nplease use "
-                    L"earlier Tolvenar version.",
-                    MB_OK);
-    }
-}
-
 // A storage that cannot be opened leaves the pages to offer another. False only when its journal
 // cannot be read: the program does not start then.
 bool LoadStorage(Application& app) {
@@ -43,7 +31,10 @@ bool LoadStorage(Application& app) {
     }
     OpenStorageResult result;
     if (!OpenStorage(app.storage.names.sav, app.storage, result)) {
-        TellWhyNotOpened(result);
+        // A damaged file is told when it is chosen; here the page that offers another is enough.
+        if (result != OpenStorageResult::kHeaderUnreadable) {
+            TellWhyNotOpened(result);
+        }
         return true;
     }
     if (!LoadWithWaitDisplay(app, L"Loading List", true)) {

@@ -38,6 +38,19 @@ constexpr ResultMessage kRestoreMessages[] = {
     {ResultCode::kNotStarted, kNotStartedText, MB_ICONWARNING, false},
 };
 
+// Why a storage file is none to open; the other results say nothing.
+struct OpenMessage {
+    OpenStorageResult result;
+    const wchar_t* text;
+};
+constexpr OpenMessage kOpenMessages[] = {
+    {OpenStorageResult::kHeaderUnreadable, L"Storage header was not created."},
+    {OpenStorageResult::kOtherDevice, L"Storage file is not compatible with your device."},
+    {OpenStorageResult::kUnsupportedRevision,
+     L"This Storage File is not compatible with the Tolvenar version,\nplease use earlier "
+     L"Tolvenar version."},
+};
+
 template <std::size_t count>
 const ResultMessage* Find(const ResultMessage (&messages)[count], ResultCode result) {
     for (const ResultMessage& message : messages) {
@@ -109,6 +122,14 @@ bool ReportRestore(HWND owner, ResultCode result) {
 void ReportInteractiveRestore(HWND owner, ResultCode result) {
     if (result != ResultCode::kFailed && result != ResultCode::kNotStarted) {
         ReportRestore(owner, result);
+    }
+}
+
+void TellWhyNotOpened(OpenStorageResult result) {
+    for (const OpenMessage& message : kOpenMessages) {
+        if (message.result == result) {
+            ShowMessage(nullptr, message.text, MB_OK);
+        }
     }
 }
 

@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "storage/result_code.h"
+#include "storage/storage_header.h"
 
 namespace tolvenar {
 
@@ -29,6 +30,9 @@ bool ReportRestore(HWND owner, ResultCode result);
 // The same for one that was asked for in the dialog: items that could not be restored are shown in
 // the tree instead, and what could not be started or compared says nothing, on purpose.
 void ReportInteractiveRestore(HWND owner, ResultCode result);
+
+// Why a storage file could not be opened, without an owner; some results say nothing.
+void TellWhyNotOpened(OpenStorageResult result);
 
 // The message of too little memory before a restore; its figure is fixed, on purpose.
 void ShowRestoreMemoryMessage(HWND owner);

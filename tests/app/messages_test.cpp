@@ -1,5 +1,5 @@
-// What each result of an operation tells the user, and whether it counts as success. Of the boxes
-// only the call is looked at: they are refused, so that nobody has to answer them.
+// What each result of an operation or an opening tells the user, and what counts as success. Of the
+// boxes only the call is looked at: they are refused, so that nobody has to answer them.
 #include "app/messages.h"
 
 #include <nlohmann/json.hpp>
@@ -130,6 +130,27 @@ TEST_F(MessagesTest, OfARestoreInTheDialog) {
         SCOPED_TRACE(row.code);
         ReportInteractiveRestore(nullptr, Code(row.code));
         ExpectBox(row.box);
+    }
+}
+
+TEST_F(MessagesTest, OfAStorageFileThatCannotBeOpened) {
+    const std::string texts[] = {
+        "",
+        "Storage header was not created.",
+        "",
+        "Storage file is not compatible with your device.",
+        "",
+        "",
+        "This Storage File is not compatible with the Tolvenar version,\nplease use earlier "
+        "Tolvenar version.",
+        "",
+    };
+    int result = 0;
+    for (const std::string& text : texts) {
+        SCOPED_TRACE(result);
+        TellWhyNotOpened(static_cast<OpenStorageResult>(result));
+        ExpectBox(text.empty() ? "" : text + ", Tolvenar, 65536");
+        ++result;
     }
 }
 
