@@ -275,6 +275,19 @@ TEST_F(ResourcesTest, TheListOfStatesTellsItsSelectionAndKeepsItsOrder) {
     FAIL();
 }
 
+TEST_F(ResourcesTest, WhatAPageOnlyTellsCannotBeEdited) {
+    int found = 0;
+    for (const std::uint32_t number : {102u, 103u}) {
+        for (const Item& item : Template(number).items) {
+            if (item.id == 1016 || item.id == 1019 || item.id == 1026) {
+                EXPECT_NE(0u, item.style & 0x0800) << item.id;
+                ++found;
+            }
+        }
+    }
+    EXPECT_EQ(3, found);
+}
+
 TEST_F(ResourcesTest, TheButtonsOfDifferencesAndFailedItems) {
     std::vector<std::string> texts;
     for (const Item& item : Template(103).items) {

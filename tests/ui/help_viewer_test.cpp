@@ -22,6 +22,16 @@ protected:
     bool HeadingBecomes(const std::string& heading) {
         return Eventually([&] { return Heading() == heading; });
     }
+    // Handles that the program has.
+    int Handles() {
+        const Json counters = Ask("counters");
+        for (const Json& process : counters["processes"]) {
+            if (process["name"] == tests::kProgram) {
+                return process["handles"];
+            }
+        }
+        return -1;
+    }
     int Viewers() {
         int count = 0;
         for (const Json& process : Ask("ps")) {
@@ -95,6 +105,7 @@ TEST_F(HelpViewerTest, ItStandsBeforeTheProgramUntilEscape) {
     ShowTab("Options");
     Keys("alt+b");
     EXPECT_TRUE(FocusComesTo(1061));
+    const int handles = Handles();
     Keys("alt+h");
     EXPECT_TRUE(HeadingBecomes("Options"));
     EXPECT_TRUE(FocusComesTo(kText));
@@ -103,6 +114,7 @@ TEST_F(HelpViewerTest, ItStandsBeforeTheProgramUntilEscape) {
     EXPECT_TRUE(Eventually([&] { return !Shows(kTitle); }));
     EXPECT_TRUE(Eventually([&] { return Top("Tolvenar")->at("active") == true; }));
     EXPECT_TRUE(FocusComesTo(1061));
+    EXPECT_EQ(handles, Handles());
 }
 
 }  // namespace

@@ -21,6 +21,12 @@ protected:
         Open();
         ShowTab("Restore");
     }
+    // Of the second state.
+    void ShowDifferences() {
+        ShowTab("Advanced Restore");
+        ::SendMessageW(::GetParent(Handle(1014)), WM_COMMAND, MAKEWPARAM(1014, LBN_DBLCLK), 0);
+        ASSERT_EQ("Differences from State 1 to State 2", Text(1041));
+    }
     // A second state, after which the notifications of a schedule stand.
     void MakeSchedule() {
         SetDword("onTime", 1);
@@ -270,9 +276,7 @@ TEST_F(OperationsTest, AJournalThatCannotBeReadAfterARestoreIsTold) {
 TEST_F(OperationsTest, AJournalThatCannotBeReadAfterDifferencesWereRestoredIsTold) {
     BackUp();
     Open();
-    ShowTab("Advanced Restore");
-    ::SendMessageW(::GetParent(Handle(1014)), WM_COMMAND, MAKEWPARAM(1014, LBN_DBLCLK), 0);
-    ASSERT_EQ("Differences from State 1 to State 2", Text(1041));
+    ShowDifferences();
     device().Fault("CreateFileW", 1, 1000, 5, ".jrn, 3221225472");
     Press(1038);
     ExpectBox(tests::kErrorBox, "Journal read Fail.");
@@ -293,15 +297,20 @@ TEST_F(OperationsTest, WithoutDifferencesTheTwoButtonsSaySo) {
     }
 }
 
-// The list of a backup is no list of the page.
+// The list of a backup is no list of the page, and the one that the page had is gone.
 TEST_F(OperationsTest, TheTwoButtonsNeverWorkOnABackupsList) {
+    BackUp();
+    device().PutFile(L"\\My Documents\\a.txt", "again");
     Open();
+    ShowDifferences();
+    ShowTab("Backup");
     Press(1001);
-    EXPECT_TRUE(StatesBecome({1, 2}));
+    EXPECT_TRUE(StatesBecome({1, 2, 3}));
     ShowTab("Advanced Restore");
+    EXPECT_EQ("", Text(1041));
     Press(1038);
     ExpectBox(tests::kInformationBox, "Difference not found. There is nothing to Restore.");
-    EXPECT_EQ(5000u, device().FileBytes(L"\\My Documents\\a.txt").size());
+    EXPECT_EQ("again", device().FileBytes(L"\\My Documents\\a.txt"));
 }
 
 TEST_F(OperationsTest, WithoutAnInstallationBackupAndDifferencesAreRefused) {
