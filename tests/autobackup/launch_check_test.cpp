@@ -1,6 +1,7 @@
 #include "autobackup/launch_check.h"
 
 #include <nlohmann/json.hpp>
+#include <utility>
 
 #include "app/settings.h"
 #include "autobackup/notification_reader.h"
@@ -111,6 +112,15 @@ TEST_F(LaunchCheckTest, PowerLossAndWakingUpAreBatteryChecks) {
 class PowerStatusTest : public LaunchCheckTest {
 protected:
     BatteryCheckResult Test() { return CheckBatteryForBackup(power_); }
+    // How often the library was loaded and given back.
+    using Loads = std::pair<int, int>;
+    template <typename Body>
+    Loads LoadsOf(Body&& body) {
+        device().Command("counters clear");
+        body();
+        const auto calls = nlohmann::json::parse(device().Command("counters"))["calls"];
+        return {calls.value("LoadLibraryW", 0), calls.value("FreeLibrary", 0)};
+    }
     // Runs one test and tells how often the status was read.
     std::size_t Reads() {
         device().Command("trace on");
@@ -183,6 +193,26 @@ TEST_F(PowerStatusTest, ADeviceWithoutTheFunctionIsUnreadable) {
     device().Set("power.present", "0");
     EXPECT_EQ(BatteryCheckResult::kUnreadable, Test());
     EXPECT_FALSE(power_.IsAvailable());
+}
+
+TEST_F(PowerStatusTest, WithoutTheLibraryThereIsNoFunction) {
+    device().Fault("LoadLibraryW", 1, 2, ERROR_NOT_ENOUGH_MEMORY);
+    EXPECT_FALSE(power_.IsAvailable());
+    EXPECT_EQ(BatteryCheckResult::kUnreadable, Test());
+    EXPECT_EQ("[]", device().Faults());
+}
+
+// A first read that fails leaves the library to the next test, and the probe gives back even one
+// that is kept; both on purpose.
+TEST_F(PowerStatusTest, TheLibraryIsGivenBackAfterEachTestAndProbe) {
+    EXPECT_EQ((Loads{1, 1}), LoadsOf([&] { Test(); }));
+    Battery(1, 0x02, 12);
+    EXPECT_EQ((Loads{1, 1}), LoadsOf([&] { Test(); }));
+    device().Fault("GetSystemPowerStatusEx", 1, 1, ERROR_GEN_FAILURE);
+    EXPECT_EQ((Loads{1, 0}), LoadsOf([&] { Test(); }));
+    EXPECT_EQ((Loads{0, 1}), LoadsOf([&] { Test(); }));
+    EXPECT_EQ((Loads{1, 1}), LoadsOf([&] { power_.IsAvailable(); }));
+    EXPECT_EQ((Loads{0, 1}), LoadsOf([&] { power_.IsAvailable(); }));
 }
 
 TEST_F(PowerStatusTest, TheProbeLeavesTheKeptHandle) {
