@@ -97,6 +97,25 @@ TEST_F(StateListTest, EqualNumbersStandInTheOrderOfTheJournal) {
     EXPECT_TRUE(Eventually([&] { return Text(1016) == "Number 2"; }));
 }
 
+// The journal is freed and loaded again meanwhile.
+TEST_F(StateListTest, AListThatIsMadeDuringAnOperationIsFilledAfterIt) {
+    constexpr UINT kPageSelect = WM_APP + 103;
+    MakeStates(2);
+    device().PutFile(L"\\My Documents\\a.txt", "changed");
+    Open();
+    Ask("counters clear");
+    Ask("delay GlobalMemoryStatus 1 500");
+    Press(1001);
+    ASSERT_TRUE(Eventually([&] { return Counted("GlobalMemoryStatus") == 1; }));
+    ::SendMessageW(MainDialog(), kPageSelect, 1, 0);
+    EXPECT_TRUE(Sees(1014));
+    EXPECT_TRUE(Items(1014).empty());
+    EXPECT_TRUE(IsBusy());
+    EXPECT_TRUE(Eventually([&] {
+        return Items(1014) == Texts({"State 3", "State 2", "State 1"});
+    }));
+}
+
 TEST_F(StateListTest, ABackupSelectsItsState) {
     MakeStates(2);
     OpenRestore();

@@ -37,7 +37,9 @@ TEST_F(StoragePageTest, ShowsNameFolderAndDescriptionOfTheOpenStorage) {
     ExpectFirstOpen();
     EXPECT_TRUE(IsReadOnly(tests::kStorageName));
     EXPECT_TRUE(IsReadOnly(tests::kStorageDescription));
+    Ask("trace on");
     ChooseOther();
+    EXPECT_EQ(1u, Calls("SetWindowTextW", ", Loading List"));  // the popup's
     EXPECT_EQ("The other one", Text(tests::kStorageDescription));
     EXPECT_EQ(tests::kCardFolder, Text(tests::kStorageFolder));
     EXPECT_EQ("Other", Setting("StorageFile"));
