@@ -12,6 +12,7 @@ using Json = nlohmann::json;
 
 constexpr UINT kConfirmedBackup = WM_APP + 124;
 constexpr UINT kActivated = WM_APP + 300;
+constexpr UINT kSelectPage = WM_APP + 103;
 constexpr int kOnTime = 1060, kOnBattery = 1061, kAdvancedTree = 1063, kTime = 1062;
 constexpr unsigned kHalfPastSeven = 0x001E0007;
 
@@ -92,7 +93,7 @@ TEST_F(OptionsInertTest, APageThatIsMadeDuringAnOperationShowsTheSettings) {
     Open();
     StartSlowBackup();
     const HWND dialog = ::FindWindowW(L"Dialog", L"Tolvenar");
-    ::SendMessageW(dialog, WM_APP + 103, 4, 0);
+    ::SendMessageW(dialog, kSelectPage, 4, 0);
     FindControls();
     EXPECT_TRUE(IsChecked(kOnTime));
     EXPECT_EQ("07:30", Time());
@@ -114,6 +115,21 @@ TEST_F(OptionsInertTest, ACountdownThatAnOperationMeetsIsAppliedAfterIt) {
     EXPECT_TRUE(BecomesIdle());
     EXPECT_TRUE(Eventually([&] { return agent_starts() == 1; }));
     EXPECT_EQ(1u, Dword("onBattery"));
+    EXPECT_EQ(4u, Ask("notifications").size());
+}
+
+TEST_F(OptionsInertTest, APageThatIsLeftDuringAnOperationAppliesNothingYet) {
+    const auto agent_starts = [&] { return Calls("CreateProcessW", "tolvenar_agent.exe"); };
+    Ask("set sleep.scale 10");
+    Press(kOnBattery);
+    EXPECT_TRUE(Eventually([&] { return Dword("onBattery") == 1u; }));
+    StartSlowBackup();
+    ::SendMessageW(::FindWindowW(L"Dialog", L"Tolvenar"), kSelectPage, 0, 0);
+    EXPECT_FALSE(::IsWindowVisible(Page()));
+    EXPECT_EQ(0u, agent_starts());
+    ASSERT_TRUE(ScheduleIsOff());
+    EXPECT_TRUE(BecomesIdle());
+    EXPECT_TRUE(Eventually([&] { return agent_starts() == 1; }));
     EXPECT_EQ(4u, Ask("notifications").size());
 }
 

@@ -83,6 +83,7 @@ TEST_F(OptionsPageTest, ThePickerShowsTheWakeUpTimeOfToday) {
     SetDword("WakeUpTime", 0x001E0007);
     OpenOptions();
     EXPECT_EQ("2026-11-16T07:30:00", Text(kTime));
+    EXPECT_EQ(1u, Calls("SendMessageW", ", 4146, "));  // DTM_SETFORMATW: it shows no seconds
 }
 
 TEST_F(OptionsPageTest, WithoutAWakeUpTimeThePickerShowsMidnight) {
@@ -257,6 +258,27 @@ TEST_F(OptionsPageTest, AnActivationReadsTheSettingsAgain) {
     EXPECT_TRUE(Eventually([&] { return IsChecked(1061); }));
     EXPECT_EQ("06:15", Time());
     EXPECT_FALSE(Sees(kHint));
+}
+
+// The picker tells of more than a change; that it got the keyboard is none.
+TEST_F(OptionsPageTest, GoingToThePickerAppliesNothing) {
+    OpenOptions();
+    Keys("alt+d");
+    EXPECT_TRUE(Eventually([&] { return LabelText() == "update:"; }));
+    Keys("tab");
+    EXPECT_TRUE(Eventually([&] { return Control(kTime)->at("focused") == true; }));
+    EXPECT_EQ("update:", LabelText());
+    EXPECT_EQ(0u, AgentStarts());
+}
+
+TEST_F(OptionsPageTest, AShownPageReadsTheSettingsAgain) {
+    OpenOptions();
+    ShowTab("About");
+    SetDword("onBattery", 1);
+    SetDword("WakeUpTime", 0x000F0006);
+    ShowTab("Options");
+    EXPECT_TRUE(Eventually([&] { return Sees(kTime) && IsChecked(1061); }));
+    EXPECT_EQ("06:15", Time());
 }
 
 }  // namespace
