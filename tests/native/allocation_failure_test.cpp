@@ -94,6 +94,20 @@ TEST_F(AllocationFailureTest, AFullIndexStillFindsEverything) {
     }
 }
 
+TEST_F(AllocationFailureTest, ARecordIsInsertedThoughTheIndexCannotGrow) {
+    const auto list = ListOf(Files(64, JF_ADD));
+    const ObjectRecord another = MakeRecord(ObjectType::kFile, 1000, 0);
+    // The copy of the record comes before the index.
+    FailAllocationsFrom(2, 1);
+    EXPECT_TRUE(list->AddObject(another));
+    FailAllocationsFrom(0);
+    EXPECT_EQ(65u, list->CountRecords());
+    EXPECT_NE(nullptr, list->FindByKey(KeyOf(another)));
+    for (const ObjectRecord& file : Files(64, JF_ADD)) {
+        EXPECT_NE(nullptr, list->FindByKey(KeyOf(file)));
+    }
+}
+
 TEST_F(AllocationFailureTest, BuildStateListFails) {
     const auto all = ListOf(Files(5, JF_ADD));
     EXPECT_LT(10u, ForEachAllocation([&] {
@@ -154,6 +168,34 @@ TEST_F(AllocationFailureTest, ARegistryObjectIsNotEntered) {
                   EXPECT_EQ(entered, table.RegObjectFind(first) != nullptr);
                   return entered;
               }));
+}
+
+TEST_F(AllocationFailureTest, WithoutAnyIndexNothingIsEntered) {
+    RegistryObjects table;
+    const auto list = ObjectList::CreateList();
+    FailAllocationsFrom(1, 1);
+    EXPECT_EQ(0, table.RegObjectAdd(1, true, 1, 0, 0, u"k", nullptr));
+    FailAllocationsFrom(2, 1);  // behind the copy of the record
+    EXPECT_FALSE(list->AddObject(MakeRecord(ObjectType::kFile, 1, 0)));
+    FailAllocationsFrom(0);
+    EXPECT_EQ(nullptr, table.RegObjectFind(1));
+    EXPECT_EQ(0u, list->CountRecords());
+}
+
+TEST_F(AllocationFailureTest, ARegistryObjectIsEnteredThoughTheIndexCannotGrow) {
+    RegistryObjects table;
+    const std::uint32_t count = 256;
+    for (std::uint32_t id = 0; id < count; ++id) {
+        ASSERT_EQ(1, table.RegObjectAdd(id, true, 1, 0, 0, u"k", nullptr));
+    }
+    FailAllocationsFrom(1, 1);
+    EXPECT_EQ(1, table.RegObjectAdd(count, true, 1, 0, 0, u"k", nullptr));
+    const bool index_was_asked_for = CountedAllocations() == 3;  // index, entry and key path
+    FailAllocationsFrom(0);
+    EXPECT_TRUE(index_was_asked_for);
+    for (std::uint32_t id = 0; id <= count; ++id) {
+        EXPECT_NE(nullptr, table.RegObjectFind(id)) << id;
+    }
 }
 
 }  // namespace

@@ -6,18 +6,20 @@
 namespace tolvenar {
 namespace {
 std::size_t fail_from;
+std::size_t fail_count;
 std::size_t counted;
 }  // namespace
 
-void FailAllocationsFrom(std::size_t n) {
+void FailAllocationsFrom(std::size_t n, std::size_t count) {
     fail_from = n;
+    fail_count = count;
     counted = 0;
 }
 std::size_t CountedAllocations() { return counted; }
 
 static void* Allocate(std::size_t size) {
     ++counted;
-    if (fail_from != 0 && counted >= fail_from) {
+    if (fail_from != 0 && counted >= fail_from && counted - fail_from < fail_count) {
         return nullptr;
     }
     return std::malloc(size);

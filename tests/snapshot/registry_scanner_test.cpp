@@ -117,6 +117,19 @@ TEST_F(RegistryScannerTest, AValueThatCannotBeReadIsSkippedAndTheNextIsNot) {
     EXPECT_EQ(3u, Walk(u"T").size());
 }
 
+TEST_F(RegistryScannerTest, DataThatMemoryIsShortForHidesNoOtherKeysValues) {
+    SetValue(HKEY_CURRENT_USER, L"T\\1", L"v", REG_BINARY, "x");
+    SetValue(HKEY_CURRENT_USER, L"T\\2", L"v", REG_BINARY, std::string(7000, 'x'));
+    SetValue(HKEY_CURRENT_USER, L"T\\3", L"v", REG_BINARY, "123456789");
+    device().Fault("HeapAlloc", 1, 1, ERROR_NOT_ENOUGH_MEMORY, ", 7002");
+    Scan();
+    EXPECT_EQ("[]", device().Faults());
+    EXPECT_NE(nullptr, RecordOf(u"T\\2"));
+    EXPECT_EQ(nullptr, RecordOf(u"T\\2\u00FFv"));
+    ASSERT_NE(nullptr, RecordOf(u"T\\3\u00FFv"));
+    EXPECT_EQ(0x6F91, RecordOf(u"T\\3\u00FFv")->content_fingerprint);
+}
+
 TEST_F(RegistryScannerTest, AValuesRecordHoldsIdentifierChecksumsAndTheMarkOfAScan) {
     SetValue(HKEY_CURRENT_USER, L"T", L"nine", REG_BINARY, "123456789");
     Scan();
@@ -150,6 +163,10 @@ TEST_F(RegistryScannerTest, AKeysRecordHasTheFingerprintFfffAndItsPathAsData) {
     EXPECT_EQ(0xFFFF, record->content_fingerprint);
     EXPECT_EQ(ObjectType::kRegistryKey, record->type);
     EXPECT_EQ(0, record->state_number);
+    const RegistryObject* object = storage_.registry_objects.RegObjectFind(record->TolvOID);
+    ASSERT_NE(nullptr, object);
+    EXPECT_TRUE(object->is_key);
+    EXPECT_EQ(0u, object->value_type);
     EXPECT_EQ(JF_PRESENT, record->flags);
 }
 
@@ -222,6 +239,17 @@ TEST_F(RegistryScannerTest, NamesThatAreTooLongForABlockAreLeftOut) {
     EXPECT_NE(nullptr, RecordOf(u"T\\" + Text(57, u'k') + name));
     EXPECT_EQ(nullptr, RecordOf(u"T\\" + Text(58, u'k') + name));
     EXPECT_NE(nullptr, RecordOf(u"T\\" + Text(58, u'k') + u"\u00FFshort"));
+    EXPECT_EQ(5u, list_->CountRecords());
+}
+
+TEST_F(RegistryScannerTest, AKeyOf260UnitsIsRecordedAndALongerOneIsNot) {
+    const std::wstring parent = L"T\\" + std::wstring(200, L'k') + L"\\";  // 203 units
+    SetValue(HKEY_CURRENT_USER, (parent + std::wstring(57, L'a')).c_str(), L"v", REG_SZ, "x");
+    SetValue(HKEY_CURRENT_USER, (parent + std::wstring(58, L'b')).c_str(), L"v", REG_SZ, "x");
+    Scan();
+    const Text start = u"T\\" + Text(200, u'k') + u"\\";
+    EXPECT_NE(nullptr, RecordOf(start + Text(57, u'a')));
+    EXPECT_EQ(3u, list_->CountRecords());
 }
 
 TEST_F(RegistryScannerTest, ASubkeyWhosePathIsTooLongDoesNotHideItsSiblings) {

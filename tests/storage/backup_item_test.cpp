@@ -22,13 +22,25 @@ protected:
         return sav;
     }
 
-    // The record of a file that is to be stored.
-    static ObjectRecord AddedFile(CEOID oid) {
+    // The record of an object that is to be stored.
+    static ObjectRecord Added(ObjectType type, CEOID oid) {
         ObjectRecord record{};
         record.dwOID = oid;
         record.flags = JF_ADD;
-        record.type = ObjectType::kFile;
+        record.type = type;
         return record;
+    }
+    static ObjectRecord AddedFile(CEOID oid) { return Added(ObjectType::kFile, oid); }
+
+    // The record fails, and the place behind the head is taken by the next one.
+    void ExpectFailure(ObjectRecord record) {
+        device().PutFile(L"\\n.txt", "123456789");
+        const UniqueHandle sav = OpenSavAtEnd();
+        EXPECT_FALSE(BackupItem(engine_, sav.get(), record));
+        EXPECT_EQ(0u, record.propOffset);
+        ObjectRecord next = AddedFile(OidOfPath(L"\\n.txt"));
+        EXPECT_TRUE(BackupItem(engine_, sav.get(), next));
+        EXPECT_EQ(kHead, next.propOffset);
     }
 };
 
@@ -99,6 +111,81 @@ TEST_F(BackupItemTest, AnEmptyValueIsStored) {
     EXPECT_NE(std::string::npos, Sav().find(Block(0x80000001, REG_SZ, 0, 0, 1, "T\xFF")));
 }
 
+TEST_F(BackupItemTest, AValueThatIsGoneOrHasAnotherLengthFails) {
+    SetValue(HKEY_CURRENT_USER, L"T", L"v", REG_BINARY, "123456789");
+    const struct {
+        const char16_t* key_path;
+        const char16_t* value_name;
+        std::uint32_t data_bytes;
+    } rows[] = {{u"Gone", u"v", 9}, {u"T", u"gone", 9}, {u"T", u"v", 8}, {u"T", u"v", 10}};
+    for (const auto& row : rows) {
+        device().PutFile(kSavPath, Sav().substr(0, kHead));
+        storage_.registry_objects.RegObjectClear();
+        ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(
+            5, false, 0x80000001, REG_BINARY, row.data_bytes, row.key_path, row.value_name));
+        ObjectRecord record = Added(ObjectType::kRegistryValue, 0);
+        record.TolvOID = 5;
+        ExpectFailure(record);
+    }
+}
+
+TEST_F(BackupItemTest, ADatabaseThatVanishesBehindItsBlockFails) {
+    const CEOID oid = MakeDatabase(L"First");
+    // Asked for the block first.
+    device().Fault("CeOidGetInfoEx", 2, 1, ERROR_INVALID_HANDLE);
+    ExpectFailure(Added(ObjectType::kDatabase, oid));
+    EXPECT_EQ("[]", device().Faults());
+}
+
+// The first write is the block's.
+TEST_F(BackupItemTest, AnObjectWhoseDataCannotBeWrittenFails) {
+    device().PutFile(L"\\a.txt", "a");
+    const CEOID database = MakeDatabase(L"First");
+    const CEOID record = AddRecord(L"First", {{kNumber, 1}});
+    SetValue(HKEY_CURRENT_USER, L"T", L"v", REG_BINARY, "x");
+    ASSERT_TRUE(
+        storage_.registry_objects.RegObjectAdd(5, false, 0x80000001, REG_BINARY, 1, u"T", u"v"));
+    ObjectRecord value = Added(ObjectType::kRegistryValue, 0);
+    value.TolvOID = 5;
+    for (const ObjectRecord& object :
+         {AddedFile(OidOfPath(L"\\a.txt")), Added(ObjectType::kDatabase, database),
+          Added(ObjectType::kDatabaseRecord, record), value, Added(ObjectType::kState, 0)}) {
+        device().PutFile(kSavPath, Sav().substr(0, kHead));
+        device().Fault("WriteFile", 2, 1, ERROR_WRITE_FAULT);
+        ExpectFailure(object);
+        EXPECT_EQ("[]", device().Faults()) << static_cast<int>(object.type);
+        device().Command("faults clear");
+    }
+}
+
+TEST_F(BackupItemTest, AFileIsOpenedWithoutSharingAndForRandomAccess) {
+    device().PutFile(L"\\a.txt", "a");
+    ObjectRecord record = AddedFile(OidOfPath(L"\\a.txt"));
+    const UniqueHandle sav = OpenSavAtEnd();
+    device().Command("trace on");
+    EXPECT_TRUE(BackupItem(engine_, sav.get(), record));
+    const std::string calls = device().Command("trace show CreateFileForMappingW");
+    device().Command("trace off");
+    // Reading, no sharing, the file must exist; 0x10000080.
+    EXPECT_NE(std::string::npos, calls.find("a.txt, 2147483648, 0, 3, 268435584\"")) << calls;
+}
+
+TEST_F(BackupItemTest, AChunkThatCannotBeUnmappedFailsItsItem) {
+    device().PutFile(L"\\a.txt", "a");
+    ObjectRecord record = AddedFile(OidOfPath(L"\\a.txt"));
+    const UniqueHandle sav = OpenSavAtEnd();
+    device().Fault("UnmapViewOfFile", 1, 1, ERROR_INVALID_PARAMETER);
+    device().Command("trace on");
+    EXPECT_FALSE(BackupItem(engine_, sav.get(), record));
+    const std::string calls = device().Command("trace show UnmapViewOfFile");
+    device().Command("trace off");
+    // The fault left the view open.
+    const std::size_t view = calls.find("0x");
+    ASSERT_NE(std::string::npos, view);
+    EXPECT_TRUE(::UnmapViewOfFile(
+        reinterpret_cast<void*>(std::stoul(calls.substr(view + 2), nullptr, 16))));
+}
+
 TEST_F(BackupItemTest, ADatabaseStoresItsSortOrdersAndKeepsItsRecordCount) {
     BackupFreshDevice();
     const CEOID oid = MakeDatabase(L"First", 77);
@@ -143,15 +230,44 @@ TEST_F(BackupItemTest, ARecordStoresItsPropertiesWithOffsetsForPointers) {
     EXPECT_EQ(checksum, record->content_fingerprint);
 }
 
+// Such a record may read as "no data".
 TEST_F(BackupItemTest, ARecordWithoutPropertiesHasTheFingerprintZeroAndIsNoDifferenceLater) {
     MakeDatabase(L"First");
-    const CEOID oid = AddEmptyRecord(L"First");
-    BackupFreshDevice();
-    EXPECT_EQ(u"", Log());
-    ASSERT_NE(nullptr, JournalRecord(1, oid, ObjectType::kDatabaseRecord));
-    EXPECT_EQ(0, JournalRecord(1, oid, ObjectType::kDatabaseRecord)->content_fingerprint);
-    EXPECT_TRUE(Backup(2));
-    EXPECT_EQ(ResultCode::kNoDifference, code_);
+    std::uint32_t state = 1;
+    for (const char* read_as : {"", "no-data"}) {
+        device().Set("database.empty.record", read_as);
+        const CEOID oid = AddEmptyRecord(L"First");
+        const auto number = static_cast<std::uint16_t>(state);
+        ASSERT_TRUE(Backup(state++));
+        EXPECT_EQ(u"", Log()) << read_as;
+        const ObjectRecord* record = JournalRecord(number, oid, ObjectType::kDatabaseRecord);
+        ASSERT_NE(nullptr, record) << read_as;
+        EXPECT_EQ(0, record->content_fingerprint);
+        EXPECT_EQ(record->propOffset + 38, record->data_offset);
+        EXPECT_TRUE(Backup(state));
+        EXPECT_EQ(ResultCode::kNoDifference, code_) << read_as;
+    }
+}
+
+// The first call is for the block, the second for the data.
+TEST_F(BackupItemTest, ARecordThatCannotBeReadIsNotStoredAsAnotherOneOrAsAnEmptyOne) {
+    MakeDatabase(L"First");
+    AddRecord(L"First", {{kNumber, 1}});
+    const CEOID oid = AddRecord(L"First", {{kNumber, 2}});
+    const struct {
+        const char* function;
+        int n;
+        int count;
+    } rows[] = {{"CeSeekDatabase", 2, 1},      {"CeSeekDatabase", 1, 2},
+                {"CeOpenDatabaseEx", 2, 1},    {"CeOpenDatabaseEx", 1, 2},
+                {"CeReadRecordPropsEx", 2, 1}, {"CeReadRecordPropsEx", 1, 2}};
+    for (const auto& row : rows) {
+        device().PutFile(kSavPath, Sav().substr(0, kHead));
+        device().Fault(row.function, row.n, row.count, ERROR_NOT_ENOUGH_MEMORY);
+        ExpectFailure(Added(ObjectType::kDatabaseRecord, oid));
+        EXPECT_EQ("[]", device().Faults()) << row.function << " " << row.n;
+        device().Command("faults clear");
+    }
 }
 
 TEST_F(BackupItemTest, AnEstimateIsBlockAndDataOfAdditionsOnly) {
