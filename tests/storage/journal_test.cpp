@@ -286,6 +286,17 @@ TEST_F(JournalTest, TheFilesSizeIsInBytes) {
     EXPECT_EQ(kNoFileSize, JournalFileSize(storage_.names));
 }
 
+// Loading shares reading, asking for the size does not.
+TEST_F(JournalTest, AJournalThatIsBeingReadIsLoaded) {
+    Put(kJournal, kThreeRecords);
+    const UniqueHandle reader(::CreateFileW(Wide(kJournal), GENERIC_READ,
+                                            FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                            OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    ASSERT_TRUE(reader);
+    EXPECT_TRUE(Open());
+    EXPECT_EQ(kNoFileSize, JournalFileSize(storage_.names));
+}
+
 // The program was stopped between the deletion of the journal and the renaming.
 TEST_F(JournalTest, ATemporaryJournalAloneBesideAStorageIsTheJournal) {
     Put(kSav, {1});
