@@ -357,5 +357,26 @@ TEST_F(SettingsTest, TheWakeUpTimeIsWrittenOnlyWhenItDiffersFromTheCopy) {
     EXPECT_EQ(0x000F0008u, ReadSetting(setting::kWakeUpTime));
 }
 
+TEST_F(SettingsTest, AWakeUpTimeThatCannotBeWrittenIsInTheCopyAllTheSame) {
+    Settings settings{};
+    device().Fault("RegSetValueExW", 1, 1, ERROR_ACCESS_DENIED);
+    EXPECT_FALSE(SaveWakeUpTime(0x000F0008, settings));
+    EXPECT_EQ(0x000F0008u, settings.WakeUpTime);
+    EXPECT_EQ(kSettingAbsent, ReadSetting(setting::kWakeUpTime));
+}
+
+TEST_F(SettingsTest, AFolderOrStemThatCannotBeWrittenLeavesTheOldOne) {
+    SetText(setting::kStoragePath, u"\\Old\\");
+    SetText(setting::kStorageFile, u"Old");
+    EXPECT_FALSE(WriteStorageFolder(Text(259, u'f').c_str()));  // no room for its backslash
+    for (const char* call : {"RegCreateKeyExW", "RegSetValueExW"}) {
+        device().Fault(call, 1, 1, ERROR_ACCESS_DENIED);
+        EXPECT_FALSE(WriteStorageFolder(u"\\New")) << call;
+        device().Fault(call, 1, 1, ERROR_ACCESS_DENIED);
+        EXPECT_FALSE(WriteStorageFileName(u"New")) << call;
+    }
+    EXPECT_EQ(Text(u"\\Old\\Old"), Path());
+}
+
 }  // namespace
 }  // namespace tolvenar

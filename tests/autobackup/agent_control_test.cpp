@@ -115,6 +115,21 @@ TEST_F(AgentControlTest, RefreshingFollowsTheSettings) {
     EXPECT_EQ(0u, NotificationCount());
 }
 
+TEST_F(AgentControlTest, ResumingAndRefreshingTellWhetherAllIsRegistered) {
+    Write(1, 0, 21);
+    SavedSchedule saved;
+    SuspendAutoBackup(saved);
+    device().Fault("CeSetUserNotificationEx", 1, 1, ERROR_NOT_ENOUGH_MEMORY);
+    EXPECT_FALSE(ResumeAutoBackup(saved));
+    EXPECT_EQ(1u, NotificationCount());
+    device().Fault("CeSetUserNotificationEx", 1, 1, ERROR_NOT_ENOUGH_MEMORY);
+    EXPECT_FALSE(RefreshAutoBackup());
+    device().Fault("CeClearUserNotification", 1, 1, ERROR_INVALID_PARAMETER);
+    EXPECT_TRUE(RefreshAutoBackup());  // what could not be cleared is replaced
+    EXPECT_EQ(2u, NotificationCount());
+    EXPECT_EQ("[]", device().Faults());
+}
+
 TEST_F(AgentControlTest, TheClosingToolOfTheInstallationIsStarted) {
     WriteInstallFolder(L"\\Program Files\\Tolvenar");
     EXPECT_NE(std::string::npos,
