@@ -57,6 +57,18 @@ TEST_F(AdvancedRestoreTest, DatabasesAreRestoredWithTheSetting) {
     EXPECT_EQ((std::vector<std::string>{"Ann=1"}), Records(u"People"));
 }
 
+// Any number but the one that stands for an absent setting.
+TEST_F(AdvancedRestoreTest, TheSettingIsOnWithAnyOfItsLowerBits) {
+    MakeTwoStates();
+    SetValue(HKEY_CURRENT_USER, kSettings, L"AdvancedDBRestoring", REG_DWORD, Dword(0x80000000));
+    EXPECT_TRUE(RestoreAdvanced(false));
+    EXPECT_EQ((std::vector<std::string>{"Ann=1", "Bob=2"}), Records(u"People"));
+    ASSERT_EQ(1, FindDifferenceEx(engine_, 1, 2));
+    SetValue(HKEY_CURRENT_USER, kSettings, L"AdvancedDBRestoring", REG_DWORD, Dword(2));
+    RestoreAdvanced(false);
+    EXPECT_EQ((std::vector<std::string>{"Ann=1"}), Records(u"People"));
+}
+
 TEST_F(AdvancedRestoreTest, AFullRestoreTakesDatabasesWhateverTheSettingSays) {
     MakeTwoStates();
     SetValue(HKEY_CURRENT_USER, kSettings, L"AdvancedDBRestoring", REG_DWORD, Dword(0));
@@ -109,6 +121,15 @@ TEST_F(AdvancedRestoreTest, NoPairIsPrunedFromTheDifferencesOfTwoStates) {
     EXPECT_EQ(2u, storage_.difference->CountRecords());
     EXPECT_EQ((std::vector<std::string>{"E RemoveKestrinAddDeleteLQNRegValue: Fail GetOIDInfo"}),
               LogLines());
+}
+
+// It is opened for writing too, though nothing is written.
+TEST_F(AdvancedRestoreTest, AStorageFileThatAnotherProgramReadsStopsTheRestore) {
+    MakeTwoStates();
+    const auto lock = device().Lock(L"\\Storage Card\\t.sav", "read");
+    EXPECT_FALSE(RestoreAdvanced(false));
+    EXPECT_EQ(ResultCode::kFailed, code_);
+    EXPECT_EQ("two, longer", device().FileBytes(L"\\a.txt"));
 }
 
 TEST_F(AdvancedRestoreTest, AStorageFileThatCannotBeOpenedKeepsTheList) {

@@ -107,6 +107,7 @@ TEST_F(RestoreCorruptTest, ARecordOfUnknownTypeIsUnreadable) {
 TEST_F(RestoreCorruptTest, AStateHasNothingToRestore) {
     EXPECT_EQ(RestoreOutcome::kDone,
               WriteBack(StoreBlock(ObjectType::kState, 0, 0, u"Title", "text")));
+    EXPECT_FALSE(DatabaseExists(u"Title"));
     EXPECT_TRUE(LogLines().empty());
 }
 

@@ -103,6 +103,16 @@ TEST_F(RestoreDatabaseTest, ADatabaseThatAnotherProgramHasOpenIsNotDeleted) {
     EXPECT_EQ(RestoreOutcome::kFailed, Restore(Live(ObjectType::kDatabase, oid)));
 }
 
+TEST_F(RestoreDatabaseTest, ADatabaseThatIsGoneAfterAFailedDeletionCountsAsDeleted) {
+    const CEOID oid = MakeDatabase(u"People");
+    const ObjectRecord live = Live(ObjectType::kDatabase, oid);
+    Run();
+    device().Fault("CeDeleteDatabaseEx", 1, 1, ERROR_ACCESS_DENIED);
+    device().Fault("CeOpenDatabaseEx", 2, 1, ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(RestoreOutcome::kDone, Restore(live));
+    EXPECT_EQ("[]", device().Faults());
+}
+
 TEST_F(RestoreDatabaseTest, ADatabaseThatCannotBeDescribedIsNotDeleted) {
     MakeDatabase(u"People");
     const ObjectRecord stored = StoreDatabase(u"People", 1);

@@ -1,11 +1,50 @@
 #include "storage/restore_file.h"
 
+#include <nlohmann/json.hpp>
+#include <set>
+#include <utility>
+
+#include "platform/unique_resource.h"
 #include "tests/support/restore_fixture.h"
 
 namespace tolvenar {
 namespace {
 
-class RestoreFileTest : public RestoreFixture {};
+class RestoreFileTest : public RestoreFixture {
+protected:
+    // The calls that writing an object back makes, with arguments.
+    std::vector<std::pair<std::string, std::string>> CallsOf(const ObjectRecord& record) {
+        Run();
+        device().Command("trace on");
+        EXPECT_EQ(RestoreOutcome::kDone, Restore(ToWriteBack(record)));
+        std::vector<std::pair<std::string, std::string>> calls;
+        for (const auto& line : nlohmann::json::parse(device().Command("trace show"))) {
+            calls.emplace_back(line["function"], line["arguments"]);
+        }
+        return calls;
+    }
+    // Those of these functions, in order.
+    static std::vector<std::string> InOrder(
+        const std::vector<std::pair<std::string, std::string>>& calls,
+        const std::set<std::string>& functions) {
+        std::vector<std::string> order;
+        for (const auto& [function, arguments] : calls) {
+            if (functions.count(function) != 0) {
+                order.push_back(function);
+            }
+        }
+        return order;
+    }
+    static std::string ArgumentsOf(const std::vector<std::pair<std::string, std::string>>& calls,
+                                   const std::string& wanted) {
+        for (const auto& [function, arguments] : calls) {
+            if (function == wanted) {
+                return arguments;
+            }
+        }
+        return "";
+    }
+};
 
 TEST_F(RestoreFileTest, AFileComesBackWithContentsTimeAttributesAndANewId) {
     const ObjectRecord stored =
@@ -74,6 +113,7 @@ TEST_F(RestoreFileTest, AFailedCopyIsLoggedAsANoteAndTheFileGetsTimeAndAttribute
     const auto file = device().Info(L"\\a.txt");
     EXPECT_EQ(DWORD{FILE_ATTRIBUTE_HIDDEN}, file.attributes);
     EXPECT_EQ(kSomeTime, file.modified);
+    EXPECT_EQ(file.oid, newOid());
 }
 
 TEST_F(RestoreFileTest, AFileWhoseIdCannotBeToldIsDoneWithoutOne) {
@@ -100,12 +140,48 @@ TEST_F(RestoreFileTest, AFolderComesBackWithItsAttributesAndANewId) {
     EXPECT_NE(0u, newOid());
 }
 
-TEST_F(RestoreFileTest, AFoldersTimeIsSet) {
-    const ObjectRecord stored = StoreFolder(u"\\Sub");
-    Run();
-    device().Command("trace on");
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(ToWriteBack(stored)));
-    EXPECT_EQ(1, Calls("SetFileTime"));
+// Attributes come last: what is read-only cannot be given a time.
+TEST_F(RestoreFileTest, AFolderIsOpenedForItsTimeAndClosedBeforeItsAttributesAreSet) {
+    const auto calls =
+        CallsOf(StoreFolder(u"\\Sub", FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_HIDDEN));
+    EXPECT_EQ((std::vector<std::string>{"CreateDirectoryW", "FindFirstFileW", "CreateFileW",
+                                        "SetFileTime", "CloseHandle", "SetFileAttributesW"}),
+              InOrder(calls, {"CreateDirectoryW", "FindFirstFileW", "CreateFileW", "SetFileTime",
+                              "CloseHandle", "SetFileAttributesW"}));
+    // GENERIC_WRITE, shared with nobody, OPEN_EXISTING, the attributes.
+    EXPECT_EQ("\\Sub, 1073741824, 0, 3, 18", ArgumentsOf(calls, "CreateFileW"));
+}
+
+TEST_F(RestoreFileTest, AFileIsClosedBeforeItsAttributesAreSet) {
+    const auto calls = CallsOf(StoreFile(u"\\a.txt", "x"));
+    EXPECT_EQ(
+        (std::vector<std::string>{"CreateFileW", "WriteFile", "FlushFileBuffers", "SetFileTime",
+                                  "CloseHandle", "SetFileAttributesW", "FindFirstFileW"}),
+        InOrder(calls, {"CreateFileW", "WriteFile", "FlushFileBuffers", "SetFileTime",
+                        "CloseHandle", "SetFileAttributesW", "FindFirstFileW"}));
+    // GENERIC_WRITE, shared with nobody, CREATE_ALWAYS.
+    EXPECT_EQ("\\a.txt, 1073741824, 0, 2, 128", ArgumentsOf(calls, "CreateFileW"));
+}
+
+TEST_F(RestoreFileTest, AllThreeTimesOfAFileAreSet) {
+    device().Set("file.times", "separate");
+    EXPECT_EQ(RestoreOutcome::kDone, Restore(ToWriteBack(StoreFile(u"\\a.txt", "x"))));
+    WIN32_FIND_DATAW found{};
+    const UniqueFind search(::FindFirstFileW(L"\\a.txt", &found));
+    ASSERT_TRUE(search);
+    for (const FILETIME& time :
+         {found.ftCreationTime, found.ftLastAccessTime, found.ftLastWriteTime}) {
+        EXPECT_EQ(kSomeTime, std::uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime);
+    }
+}
+
+TEST_F(RestoreFileTest, AFileOfTheLongestPathComesBack) {
+    const std::u16string folder = u"\\" + std::u16string(200, u'd');
+    const std::u16string path = folder + u"\\" + std::u16string(259 - 202, u'f');
+    device().MakeFolder(W(folder));
+    EXPECT_EQ(RestoreOutcome::kDone, Restore(ToWriteBack(StoreFile(path, "contents"))));
+    EXPECT_EQ("contents", device().FileBytes(W(path)));
+    EXPECT_EQ(device().Info(W(path)).oid, newOid());
 }
 
 // Kept so: a folder whose attributes changed while it has contents is reported.

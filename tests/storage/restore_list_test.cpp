@@ -166,9 +166,24 @@ TEST_F(RestoreListTest, ProgressHasRoomForTwoPassesAndRestIsTaken) {
                             ToWriteBack(StoreKey(HKEY_CURRENT_USER, u"Key"))}));
     EXPECT_EQ((std::vector<std::size_t>{4}), progress_.begun);
     EXPECT_EQ((std::vector<std::u16string>{u"Restoring..."}), progress_.texts);
+    EXPECT_EQ(0u, progress_.texts_before_range);
     EXPECT_EQ(2, progress_.items);
     EXPECT_EQ(1, Calls("Sleep"));
     EXPECT_NE(std::string::npos, device().Command("trace show Sleep").find("\"100\""));
+    // Between the files and the others.
+    const std::string calls = device().Command("trace show");
+    EXPECT_LT(calls.find("\"CreateFileW\""), calls.find("\"Sleep\""));
+    EXPECT_LT(calls.find("\"Sleep\""), calls.find("\"RegCreateKeyExW\""));
+}
+
+// Deleting goes first; nothing of it is left to write then.
+TEST_F(RestoreListTest, ARecordWithBothFlagsIsDeleted) {
+    device().PutFile(L"\\a.txt", "live");
+    ObjectRecord both = StoreFile(u"\\a.txt", "stored");
+    both.flags = JF_ADD | JF_DELETE;
+    EXPECT_TRUE(RestoreAll({both}));
+    EXPECT_FALSE(device().Exists(L"\\a.txt"));
+    EXPECT_EQ(1, progress_.items);
 }
 
 TEST_F(RestoreListTest, RecordsWithoutFlagsArePassedOver) {

@@ -15,6 +15,28 @@ TEST_F(RestoreRegistryTest, AKeyComesBackWithTheKeysAboveIt) {
     EXPECT_TRUE(KeyExists(HKEY_LOCAL_MACHINE, L"Comm\\New\\Below"));
 }
 
+// Its block is as large as a block may be, and others stand behind it.
+TEST_F(RestoreRegistryTest, AValueOfTheLongestNameComesBack) {
+    const std::u16string key = std::u16string(100, u'k') + u"\\" + std::u16string(100, u'l');
+    const std::u16string name(260 - 202, u'v');
+    const ObjectRecord stored_key = StoreKey(HKEY_CURRENT_USER, key);
+    const ObjectRecord stored = StoreValue(HKEY_CURRENT_USER, key, name, REG_SZ, kText);
+    StoreKey(HKEY_CURRENT_USER, u"Behind");
+    EXPECT_EQ(RestoreOutcome::kDone, Restore(ToWriteBack(stored_key)));
+    EXPECT_EQ(RestoreOutcome::kDone, Restore(ToWriteBack(stored)));
+    EXPECT_EQ("1:" + kText, Value(HKEY_CURRENT_USER, W(key), W(name)));
+}
+
+// Identifiers of different objects may meet from one scan to the next.
+TEST_F(RestoreRegistryTest, AStoredObjectIsNamedByItsBlockWhateverTheTableHolds) {
+    SetValue(HKEY_CURRENT_USER, L"Key", L"other", REG_DWORD, Dword(1));
+    ObjectRecord stored = StoreValue(HKEY_CURRENT_USER, u"Key", u"v", REG_SZ, kText);
+    stored.TolvOID = LiveValue(HKEY_CURRENT_USER, u"Key", u"other").TolvOID;
+    EXPECT_EQ(RestoreOutcome::kDone, Restore(ToWriteBack(stored)));
+    EXPECT_EQ("1:" + kText, Value(HKEY_CURRENT_USER, L"Key", L"v"));
+    EXPECT_EQ("4:" + Dword(1), Value(HKEY_CURRENT_USER, L"Key", L"other"));
+}
+
 TEST_F(RestoreRegistryTest, AKeyOfEachHiveComesBackInItsOwn) {
     for (HKEY root : {HKEY_CLASSES_ROOT, HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE, HKEY_USERS}) {
         EXPECT_FALSE(KeyExists(root, L"Mine"));
@@ -93,7 +115,9 @@ TEST_F(RestoreRegistryTest, AValueWhoseDataCannotBeMappedFails) {
     const ObjectRecord stored = StoreValue(HKEY_CURRENT_USER, u"Key", u"v", REG_SZ, kText);
     Run();
     device().Fault("MapViewOfFile", 2, 1, ERROR_NOT_ENOUGH_MEMORY);
+    const long before = Calls("RegSetValueExW");
     EXPECT_EQ(RestoreOutcome::kFailed, Restore(ToWriteBack(stored)));
+    EXPECT_EQ(before, Calls("RegSetValueExW"));
     EXPECT_EQ("4:" + Dword(1), Value(HKEY_CURRENT_USER, L"Key", L"v"));
     EXPECT_EQ("[]", device().Faults());
 }
@@ -203,6 +227,9 @@ TEST_F(RestoreRegistryTest, ALocaleValueOfAnotherLengthIsSkipped) {
     EXPECT_EQ(RestoreOutcome::kDone,
               Restore(ToWriteBack(StoreValue(HKEY_LOCAL_MACHINE, u"nls", u"DefaultLCID", REG_SZ,
                                              std::string("\x09\x04", 2)))));
+    EXPECT_EQ(RestoreOutcome::kDone,
+              Restore(ToWriteBack(StoreValue(HKEY_LOCAL_MACHINE, u"nls", u"DefaultLCID", REG_BINARY,
+                                             Dword(0x409) + Dword(0)))));
     EXPECT_EQ("4:" + Dword(0x409), Value(HKEY_LOCAL_MACHINE, L"nls", L"DefaultLCID"));
 }
 

@@ -131,6 +131,24 @@ TEST_F(StorageViewTest, WhenMemoryAndStoreTogetherAreTooSmallNothingIsCopied) {
     EXPECT_EQ(0, Calls("WriteFile"));
 }
 
+TEST_F(StorageViewTest, WhenTheyAreJustLargeEnoughTogetherTheCopyBegins) {
+    Open();
+    device().Set("memory.free", std::to_string(0x10000));
+    device().Set("store.free", std::to_string(0x1FFFF));
+    Copy(0, 0x20000);
+    EXPECT_LE(0x10000u, written_);
+}
+
+TEST_F(StorageViewTest, TheStorageFileIsOpenedForReadingHereAndThereAndShared) {
+    SaveStorage();
+    device().Command("trace on");
+    EXPECT_TRUE(mapping_.Open(storage_.names.sav));
+    // GENERIC_READ, shared for reading and writing, OPEN_EXISTING, random access.
+    EXPECT_NE(std::string::npos, device()
+                                     .Command("trace show CreateFileForMappingW")
+                                     .find("t.sav, 2147483648, 3, 3, 268435584\""));
+}
+
 TEST_F(StorageViewTest, DataBeyondTheFileFailTheCopy) {
     Open();
     EXPECT_FALSE(Copy(0x27FF0, 0x11));

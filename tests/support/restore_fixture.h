@@ -18,7 +18,10 @@ namespace tolvenar {
 // Keeps what a restore announces.
 class RestoreProgress final : public Progress {
 public:
-    void ProgressBegin(std::size_t count) override { begun.push_back(count); }
+    void ProgressBegin(std::size_t count) override {
+        begun.push_back(count);
+        texts_before_range = texts.size();
+    }
     void ProgressStep(const char16_t* text) override {
         if (text != nullptr) {
             texts.emplace_back(text);
@@ -28,6 +31,7 @@ public:
     }
     std::vector<std::size_t> begun;
     std::vector<std::u16string> texts;
+    std::size_t texts_before_range = 0;  // before the last one began
     int items = 0;
 };
 
