@@ -122,6 +122,13 @@ TEST_F(DifferenceEngineTest, AStorageFileThatCannotBeOpenedFailsWithoutAWord) {
     EXPECT_EQ(u"", Log());
 }
 
+// It is opened for writing too, though nothing is written.
+TEST_F(DifferenceEngineTest, AStorageFileThatAnotherProgramReadsStopsTheComparison) {
+    const auto held = device().Lock(kSavPath, "read");
+    EXPECT_EQ(0, FindDifference(engine_, 0));
+    EXPECT_EQ(0, FindDifferenceEx(engine_, 0, 1));
+}
+
 TEST_F(DifferenceEngineTest, TheStorageFileIsNeverCreated) {
     device().Remove(kSavPath);
     EXPECT_EQ(0, FindDifference(engine_, 0));
@@ -202,7 +209,8 @@ TEST_F(DifferenceEngineTest, AListOfTheDeviceThatCannotBeMadeIsTold) {
     bool shown = false;
     bool all_met = false;
     for (int n = 1; n < 4000 && !all_met; ++n) {
-        device().Fault("MessageBoxW", 1, 1, ERROR_NOT_ENOUGH_MEMORY, "Could't create journal");
+        device().Fault("MessageBoxW", 1, 1, ERROR_NOT_ENOUGH_MEMORY,
+                       "Could't create journal, FindDifference, 65536");
         FailCall("HeapAlloc", n, ERROR_NOT_ENOUGH_MEMORY);
         FindDifference(engine_, 0);
         all_met = TakePendingFault(n);

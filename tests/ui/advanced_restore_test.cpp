@@ -170,6 +170,13 @@ TEST_F(AdvancedRestoreTest, TheOtherViewIsBuiltWhenTheTabIsShownNext) {
     EXPECT_TRUE(Eventually([&] { return Sees(1037); }));
     EXPECT_EQ("Differences from State 2 to State 3", Text(1041));
     ExpectTree(states_.Tree(2, 3, true));
+    // Once: what the user expands stays so.
+    Ask("trace on");
+    ShowTab("Options");
+    ShowTab("Advanced Restore");
+    EXPECT_TRUE(Eventually([&] { return Sees(1037); }));
+    EXPECT_EQ(0u, Calls("SendMessageW", ", 4402, "));  // TVM_INSERTITEM
+    Ask("trace off");
     DoubleClick(1);
     ExpectTree(states_.Tree(1, 2, true));
 }
