@@ -74,6 +74,11 @@ TEST_F(BrowseTest, TheOpenDialogBeginsWithTheStorageInUseAndCancellingItChangesN
     EXPECT_EQ((Texts{"Backup.jrn", "Other.jrn"}), Items(tests::kOpenList));
     EXPECT_FALSE(Sees(tests::kOpenReadOnly));
     EXPECT_FALSE(Top("Tolvenar")->at("enabled"));
+    Select(tests::kOpenFilter, "All files (*.*)");
+    EXPECT_TRUE(Eventually([&] {
+        return Items(tests::kOpenList) ==
+               Texts({"Backup.jrn", "Backup.sav", "Other.jrn", "Other.sav"});
+    }));
     Type(tests::kOpenName, "Other.jrn");
     Press(tests::kCancel);
     ASSERT_TRUE(DialogIsFree());

@@ -165,20 +165,20 @@ TEST_F(FrameTest, ASizeMessageLaysTabsAndPageOutAgain) {
     ShowTab("Restore");
     const HWND dialog = ::FindWindowW(L"Dialog", L"Tolvenar");
     const HWND tabs = ::GetDlgItem(dialog, 1000);
-    const HWND page =
-        ::GetParent(reinterpret_cast<HWND>(Control(1014)->at("handle").get<std::uintptr_t>()));
-    RECT before[2];
-    ::GetWindowRect(tabs, &before[0]);
-    ::GetWindowRect(page, &before[1]);
-    for (const HWND window : {tabs, page}) {
+    const HWND list = Handle(1014);
+    const HWND windows[] = {tabs, ::GetParent(list), list};
+    RECT before[3];
+    for (int i = 0; i < 3; ++i) {
+        ::GetWindowRect(windows[i], &before[i]);
+    }
+    for (const HWND window : windows) {
         ::SetWindowPos(window, nullptr, 3, 5, 70, 90, SWP_NOZORDER | SWP_NOACTIVATE);
     }
     ::SendMessageW(dialog, WM_SIZE, 0, 0);
-    RECT after[2];
-    ::GetWindowRect(tabs, &after[0]);
-    ::GetWindowRect(page, &after[1]);
-    for (int i = 0; i < 2; ++i) {
-        EXPECT_TRUE(::EqualRect(&before[i], &after[i])) << i;
+    for (int i = 0; i < 3; ++i) {
+        RECT after;
+        ::GetWindowRect(windows[i], &after);
+        EXPECT_TRUE(::EqualRect(&before[i], &after)) << i;
     }
 }
 
