@@ -33,6 +33,18 @@ protected:
         }
         return answers;
     }
+    // The line of the trace with the first such call; behind all lines when there is none.
+    std::size_t PlaceOf(const std::string& function, const std::string& in_arguments) {
+        std::size_t place = 0;
+        for (const auto& line : Ask("trace show")) {
+            const std::string arguments = line["arguments"];
+            if (line["function"] == function && arguments.find(in_arguments) != std::string::npos) {
+                break;
+            }
+            ++place;
+        }
+        return place;
+    }
     // How often the list of states was emptied to be filled before the answer `answer` was posted:
     // once when the page was made, once more for a request that goes on.
     int FillsBefore(const std::string& answer) {
@@ -62,6 +74,7 @@ TEST_F(ConfirmationTest, ABackupAsksFirst) {
     Press(tests::kOk);
     EXPECT_TRUE(StatesBecome({1, 2}));
     EXPECT_EQ(Texts{"32892, 1, 0"}, Answers());
+    EXPECT_LT(PlaceOf("RegSetValueExW", "Reminders"), PlaceOf("PostMessageW", ", 32892, 1, "));
 }
 
 TEST_F(ConfirmationTest, ARefusedBackupRunsNothing) {

@@ -31,6 +31,10 @@ TEST_F(HardResetTest, TheStorageBesideTheProgramBringsTheDeviceBack) {
     Ask("start \"" + kOnCard + "\"");
     ASSERT_TRUE(Eventually([&] { return Sees(1000) && SelectedTab() == "Storage file"; }));
     EXPECT_EQ("", Text(1019));
+    // A storage comes first: what else is missing is told when there is one.
+    ShowTab("Backup");
+    Press(1001);
+    EXPECT_TRUE(Eventually([&] { return SelectedTab() == "Storage file"; }));
     Press(1012);
     ASSERT_TRUE(Eventually([&] { return Shows("Choose backup file"); }));
     Type(0x480, "\\Storage Card\\Storage\\Backup.jrn");
