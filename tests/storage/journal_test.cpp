@@ -192,11 +192,13 @@ TEST_F(JournalTest, ADeletionWithoutABlockIsLoggedAndWritten) {
     record.propOffset = 0;
     record.flags = JF_DELETE;
     ASSERT_TRUE(storage_.journal->AddObject(record));
-    record.dwOID = 2;
-    record.flags = JF_ADD;  // without a block too, but no deletion
-    ASSERT_TRUE(storage_.journal->AddObject(record));
+    record.flags = JF_ADD;  // without a block too, but no deletions
+    for (const std::uint32_t oid : {2u, 3u}) {
+        record.dwOID = oid;
+        ASSERT_TRUE(storage_.journal->AddObject(record));
+    }
     EXPECT_EQ(1, Save());
-    EXPECT_EQ(64u, Content(kJournal).size());
+    EXPECT_EQ(96u, Content(kJournal).size());
     EXPECT_EQ(1u, Occurrences(Log(),
                               u"Module: CloseJournal; Message: Empty propOffset, but "
                               u"JF_DELETE\r\n"));
