@@ -123,6 +123,32 @@ TEST_F(BackupWriterFaultTest, AChunkThatCannotBeMappedFailsItsItem) {
     EXPECT_NE(Text::npos, Log().find(u"Obj Name: \\n.txt"));
 }
 
+// The journal's copies of the new records are the last that is allocated before it is written.
+TEST_F(BackupWriterFaultTest, AJournalThatAStoredObjectCannotBeEnteredInIsNotWritten) {
+    const std::string sav = Sav();
+    const std::string journal = Journal();
+    progress_.quiet = true;
+    const auto backup_meets = [&](int n) {
+        device().PutFile(kSavPath, sav);
+        device().PutFile(kJournalPath, journal);
+        EXPECT_TRUE(OpenJournal(storage_, nullptr));
+        FailCall("HeapAlloc", n, ERROR_NOT_ENOUGH_MEMORY);
+        Backup(2, u"", true);
+        const bool pending = TakePendingFault(n);
+        device().Command("faults clear");
+        return !pending;
+    };
+    int last = 1;
+    for (int step = 2048; step > 0; step /= 2) {
+        last += backup_meets(last + step) ? step : 0;
+    }
+    for (int n = last; n > last - 4; --n) {  // a record and its node, for the state and the file
+        ASSERT_TRUE(backup_meets(n));
+        EXPECT_EQ(ResultCode::kFailed, code_) << last - n;
+        EXPECT_EQ(journal, Journal()) << last - n;
+    }
+}
+
 // Calls of a backup fail once, one after the other: no crash, nothing left open, and the first
 // state's blocks as they were. Closing calls are not among them: what cannot be closed stays open.
 TEST_F(BackupWriterFaultTest, WhateverCallFailsTheStatesBeforeAreIntact) {
