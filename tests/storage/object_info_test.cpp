@@ -1,5 +1,6 @@
 #include "storage/object_info.h"
 
+#include <cstring>
 #include <gtest/gtest.h>
 
 #include "platform/text.h"
@@ -102,6 +103,49 @@ TEST_F(ObjectInfoTest, ARecordWhoseDatabaseCannotBeOpenedHasZeroValues) {
     EXPECT_EQ(Text(u"First"), block.name());
 }
 
+TEST_F(ObjectInfoTest, ADatabaseTellsHowManySortOrdersItHas) {
+    const CEOID oid = MakeDatabase(L"First", 77);
+    CEDBASEINFO info{};
+    info.dwFlags = CEDB_VALIDSORTSPEC;
+    info.wNumSortOrder = 2;
+    info.rgSortSpecs[0].propid = kNumber;
+    info.rgSortSpecs[1].propid = 0x0002001F;
+    ASSERT_TRUE(databases_.SetDatabaseInfo(oid, info));
+    EXPECT_EQ(2u, Describe(0, oid).head().word4);
+}
+
+TEST_F(ObjectInfoTest, ARecordThatCannotBeFoundInItsDatabaseHasZeroValues) {
+    MakeDatabase(L"First");
+    AddRecord(L"First", {{kNumber, 1}});
+    const CEOID oid = AddRecord(L"First", {{kNumber, 2}});
+    device().Fault("CeSeekDatabase", 1, 1, ERROR_INVALID_PARAMETER);
+    const InfoBlock block = Describe(0, oid);
+    EXPECT_EQ(0u, block.head().word0);
+    EXPECT_EQ(0u, block.head().data_bytes);
+}
+
+TEST_F(ObjectInfoTest, ARecordWhoseDatabaseCannotBeDescribedFails) {
+    MakeDatabase(L"First");
+    const CEOID oid = AddRecord(L"First", {{kNumber, 1}});
+    device().Fault("CeOidGetInfoEx", 2, 10, ERROR_INVALID_HANDLE);
+    InfoBlock block;
+    EXPECT_FALSE(info_.GetOIDInfo(0, oid, block));
+}
+
+TEST_F(ObjectInfoTest, ABlockThatIsUsedAgainKeepsNothing) {
+    ASSERT_TRUE(
+        storage_.registry_objects.RegObjectAdd(5, false, 0x80000001, REG_DWORD, 4, u"A", u"v"));
+    device().MakeFolder(L"\\A");
+    InfoBlock block;
+    std::memset(block.bytes(), 0xFF, kInfoHeadBytes);
+    ASSERT_TRUE(info_.GetOIDInfo(5, 0, block));
+    ASSERT_TRUE(info_.GetOIDInfo(0, OidOfPath(L"\\A"), block));
+    for (std::size_t i = 4; i < 20; ++i) {
+        EXPECT_EQ(0, block.bytes()[i]) << i;
+    }
+    EXPECT_EQ(0, block.head().zero);
+}
+
 TEST_F(ObjectInfoTest, ARegistryKeyHasItsRootAndPath) {
     ASSERT_TRUE(
         storage_.registry_objects.RegObjectAdd(0x1234, true, 0x80000002, 0, 3, u"A\\B", nullptr));
@@ -137,6 +181,9 @@ TEST_F(ObjectInfoTest, ARegistryNameThatABlockCannotHoldFails) {
     EXPECT_TRUE(info_.GetOIDInfo(1, 0, block));
     EXPECT_EQ(548u, block.size());
     EXPECT_FALSE(info_.GetOIDInfo(2, 0, block));
+    ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(3, true, 0x80000001, 0, 0,
+                                                       Text(261, u'k').c_str(), nullptr));
+    EXPECT_FALSE(info_.GetOIDInfo(3, 0, block));
 }
 
 TEST_F(ObjectInfoTest, AnUnknownRegistryObjectAndOneWithBothIdsFail) {
@@ -207,6 +254,18 @@ TEST_F(ObjectInfoTest, AStoredBlockIsReadWithItsName) {
     EXPECT_EQ(Text(u"ab"), block.name());
     EXPECT_EQ(32u, block.size());
     EXPECT_EQ(0x68686868u, block.head().word0);
+}
+
+TEST_F(ObjectInfoTest, ABlockThatCannotBeReachedOrReadFails) {
+    PutBlock(Block(0, std::string(2, 0)));
+    const UniqueHandle sav = OpenSav();
+    InfoBlock block;
+    for (const char* function : {"SetFilePointer", "ReadFile"}) {
+        device().Fault(function, 1, 1, ERROR_READ_FAULT);
+        EXPECT_FALSE(ReadBlockFromStorage(236, block, sav.get())) << function;
+        device().Command("faults clear");
+        EXPECT_TRUE(ReadBlockFromStorage(236, block, sav.get())) << function;
+    }
 }
 
 TEST_F(ObjectInfoTest, AStoredBlockWithoutANameHasAnEmptyOne) {
