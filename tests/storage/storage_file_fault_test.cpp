@@ -9,7 +9,8 @@ class StorageFileFaultTest : public StorageTest {
 protected:
     OpenStorageResult Open() {
         OpenStorageResult result = OpenStorageResult::kOutOfMemory;
-        OpenStorage(kSav, storage_, result);
+        const bool opened = OpenStorage(kSav, storage_, result);
+        EXPECT_EQ(opened, result == OpenStorageResult::kOpened);
         return result;
     }
 };

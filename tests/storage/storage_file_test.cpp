@@ -269,6 +269,24 @@ TEST_F(StorageFileTest, AnOlderRevisionIsOpened) {
     EXPECT_EQ(3u, storage_.header->formatRevision);
 }
 
+TEST_F(StorageFileTest, AHeadThatIsBeingReadCanBeReadAndAMissingOneIsNotMade) {
+    ASSERT_TRUE(CreateStorage(kSav, nullptr));
+    const UniqueHandle reader(::CreateFileW(Wide(kSav), GENERIC_READ,
+                                            FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                            OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    ASSERT_TRUE(reader);
+    EXPECT_TRUE(ReadStorageHeader(kSav));
+    EXPECT_EQ(OpenStorageResult::kFileMissing, Open()) << "opened without sharing";
+    EXPECT_FALSE(ReadStorageHeader(u"\\Backups\\None.sav"));
+    EXPECT_FALSE(Exists(u"\\Backups\\None.sav"));
+}
+
+TEST_F(StorageFileTest, AStorageThatCannotBeWrittenIsNotOpened) {
+    ASSERT_TRUE(CreateStorage(kSav, nullptr));
+    device().SetAttributes(Wide(kSav), FILE_ATTRIBUTE_READONLY);
+    EXPECT_EQ(OpenStorageResult::kFileMissing, Open());
+}
+
 TEST_F(StorageFileTest, OnlyAFileThatIsNotThereIsReallyAbsent) {
     EXPECT_TRUE(IsReallyAbsent(kSav));
     EXPECT_TRUE(IsReallyAbsent(u"\\No Card\\Home.sav"));
