@@ -39,6 +39,22 @@ TEST_F(BackupWriterFaultTest, AStorageFileThatCannotBeOpenedForWritingGives4) {
     ExpectUntouched(ResultCode::kFailed);
 }
 
+// Its blocks would otherwise stand over the head.
+TEST_F(BackupWriterFaultTest, AStorageFileWhoseEndCannotBeReachedGives4) {
+    device().Fault("SetFilePointer", 1, 1, ERROR_READ_FAULT, ", 0, 2");
+    ExpectUntouched(ResultCode::kFailed);
+}
+
+TEST_F(BackupWriterFaultTest, AStorageFileThatIsBeingReadTakesTheState) {
+    const UniqueHandle reader(::CreateFileW(kSavPath, GENERIC_READ,
+                                            FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                            OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    ASSERT_TRUE(reader);
+    EXPECT_TRUE(Backup(2));
+    EXPECT_EQ(ResultCode::kSuccess, code_);
+    EXPECT_EQ(u"", Log());
+}
+
 TEST_F(BackupWriterFaultTest, AFreeSpaceThatCannotBeAskedForGives4) {
     device().Fault("GetDiskFreeSpaceExW", 1, 1, ERROR_NOT_READY);
     ExpectUntouched(ResultCode::kFailed);
