@@ -15,12 +15,32 @@ namespace {
 
 constexpr wchar_t kShellDesktopClass[] = L"DesktopExplorerWindow";
 
+// The host centres a dialog on what it takes for the screen. That is another device's when the
+// desktops of both are made at the same time.
+void CenterOnScreen(HWND dialog) {
+    const ScreenSize screen = ScreenSizeOf(Device::Current());
+    RECT place{};
+    ::GetWindowRect(dialog, &place);
+    ::SetWindowPos(dialog, nullptr, (screen.width - (place.right - place.left)) / 2,
+                   (screen.height - (place.bottom - place.top)) / 2, 0, 0,
+                   SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+LRESULT CALLBACK DialogClassProcedure(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message == WM_CREATE && (::GetWindowLongW(dialog, GWL_STYLE) & DS_CENTER) != 0 &&
+        Device::HasCurrent()) {
+        CenterOnScreen(dialog);
+    }
+    return ::DefDlgProcW(dialog, message, wparam, lparam);
+}
+
 // The host's dialog class under Windows CE's name.
 void RegisterDialogClass() {
     static const ATOM registered = [] {
         WNDCLASSW dialog{};
         ::GetClassInfoW(nullptr, L"#32770", &dialog);
         dialog.lpszClassName = kDialogClass;
+        dialog.lpfnWndProc = DialogClassProcedure;
         dialog.hInstance = ::GetModuleHandleW(nullptr);
         dialog.style |= CS_GLOBALCLASS;
         return ::RegisterClassW(&dialog);

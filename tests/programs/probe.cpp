@@ -123,8 +123,8 @@ int ShowDialog(HINSTANCE instance) {
     struct {
         DLGTEMPLATE head;
         WORD menu, window_class, title;
-    } dialog = {{WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_VISIBLE | DS_SETFOREGROUND, 0, 0, 10, 10,
-                 150, 160},
+    } dialog = {{WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_VISIBLE | DS_SETFOREGROUND | DS_CENTER, 0,
+                 0, 10, 10, 150, 160},
                 0,
                 0,
                 0};

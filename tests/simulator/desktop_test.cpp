@@ -2,8 +2,10 @@
 
 #include "platform/win32.h"
 
+#include <optional>
 #include <thread>
 
+#include "simulator/windows/control.h"
 #include "tests/support/programs.h"
 
 namespace tests {
@@ -18,6 +20,22 @@ class DesktopTest : public DeviceTest {
 protected:
     DesktopTest() { InstallProgram(sim(), "probe.exe", kProbe); }
     sim::Device& sim() { return device().sim(); }
+    static std::optional<sim::windows::Window> DialogOf(const Program& program,
+                                                        const sim::Device& device) {
+        for (const sim::windows::Window& window : sim::windows::List(device)) {
+            if (window.pid == program.pid() && window.parent == 0 && window.visible) {
+                return window;
+            }
+        }
+        return std::nullopt;
+    }
+    static void ExpectCentred(const Program& program, const sim::Device& device, int width,
+                              int height) {
+        ASSERT_TRUE(Eventually([&] { return DialogOf(program, device).has_value(); }));
+        const auto dialog = DialogOf(program, device).value();
+        EXPECT_EQ((width - dialog.width) / 2, dialog.left);
+        EXPECT_EQ((height - dialog.height) / 2, dialog.top);
+    }
     static std::uint32_t RunProbe(sim::Device& on, const std::wstring& arguments) {
         return processes::Run(on, kProbe, arguments, kTimeoutMs).value_or(0xFFFF);
     }
@@ -37,6 +55,19 @@ TEST_F(DesktopTest, AWindowIsFoundOnItsOwnDeviceOnly) {
     Program shown(sim(), kProbe, L"dialog");
     EXPECT_TRUE(Eventually([&] { return RunProbe(sim(), L"find Dialog") == 1; }));
     EXPECT_EQ(0u, RunProbe(second.sim(), L"find Dialog"));
+}
+
+// The host takes one desktop's size for another's when both are made at the same time.
+TEST_F(DesktopTest, ADialogIsCentredOnItsOwnDevicesScreen) {
+    SecondDevice second;
+    InstallProgram(second.sim(), "probe.exe", kProbe);
+    second.sim().SetSetting("screen.size", "800x600");
+    for (int i = 0; i < 5; ++i) {
+        Program first(sim(), kProbe, L"dialog");
+        Program other(second.sim(), kProbe, L"dialog");
+        ExpectCentred(first, sim(), 640, 480);
+        ExpectCentred(other, second.sim(), 800, 600);
+    }
 }
 
 TEST_F(DesktopTest, DevicesHaveNamesOfTheirOwn) {

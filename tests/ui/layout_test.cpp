@@ -113,7 +113,7 @@ TEST_P(LayoutTest, EveryPageFits) {
     Open();
     const std::string size = GetParam();
     const Area screen = {0, 0, std::stoi(size), std::stoi(size.substr(size.find('x') + 1))};
-    EXPECT_TRUE(IsWithin(AreaOf(*Top("Tolvenar")), screen));
+    EXPECT_TRUE(IsWithin(AreaOf(*Top("Tolvenar")), screen)) << *Top("Tolvenar");
     for (const char* tab :
          {"Backup", "Restore", "Advanced Restore", "Storage file", "Options", "About"}) {
         SCOPED_TRACE(tab);
