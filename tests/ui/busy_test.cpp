@@ -14,9 +14,7 @@ protected:
     void SetUp() override {
         UiTest::SetUp();
         SetDword("Reminders", 2);
-        device().PutFile(L"\\My Documents\\a.txt", "hello");
-        BackUp();
-        device().PutFile(L"\\My Documents\\a.txt", "changed");
+        BackUpThenChange();
         BackUp();
     }
     // Every page made, and the newest state's differences shown.

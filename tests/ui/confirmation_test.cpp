@@ -12,9 +12,7 @@ class ConfirmationTest : public tests::UiTest {
 protected:
     void SetUp() override {
         UiTest::SetUp();
-        device().PutFile(L"\\My Documents\\a.txt", "hello");
-        BackUp();
-        device().PutFile(L"\\My Documents\\a.txt", "changed");
+        BackUpThenChange();
     }
     bool StatesBecome(const std::vector<int>& states) {
         return Eventually([&] { return States() == states && !IsBusy(); });
@@ -135,9 +133,7 @@ TEST_F(ConfirmationTest, RefusingToEndKeepsTheProgram) {
 
 TEST_F(ConfirmationTest, WithItsBitClearAGoodRestoreJustEndsTheProgram) {
     SetDword("Reminders", 12);  // part of the state that is restored
-    device().PutFile(L"\\My Documents\\a.txt", "hello");
-    BackUp();
-    device().PutFile(L"\\My Documents\\a.txt", "changed");
+    BackUpThenChange();
     Open();
     ShowTab("Restore");
     RestoreInDialog();

@@ -14,9 +14,7 @@ protected:
     void SetUp() override {
         UiTest::SetUp();
         SetDword("Reminders", 2);
-        device().PutFile(L"\\My Documents\\a.txt", "hello");
-        BackUp();
-        device().PutFile(L"\\My Documents\\a.txt", std::string(5000, 'a'));
+        BackUpThenChange(std::string(5000, 'a'));
     }
     // How many bytes the message of the full card asks for.
     long AskedFor() {

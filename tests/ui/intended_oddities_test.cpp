@@ -16,9 +16,7 @@ protected:
         SetDword("Reminders", 2);
         SetDword("onTime", 1);
         SetDword("WakeUpTime", 8);
-        device().PutFile(L"\\My Documents\\a.txt", "hello");
-        BackUp();
-        device().PutFile(L"\\My Documents\\a.txt", "changed");
+        BackUpThenChange();
         BackUp();
     }
     void ShowDifferences() {

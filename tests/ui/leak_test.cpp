@@ -20,9 +20,7 @@ protected:
     void SetUp() override {
         UiTest::SetUp();
         SetDword("Reminders", 14);
-        device().PutFile(L"\\My Documents\\a.txt", "hello");
-        BackUp();
-        device().PutFile(L"\\My Documents\\a.txt", "changed");
+        BackUpThenChange();
         BackUp();
         Open();
         Ask("trace off");

@@ -10,9 +10,7 @@ protected:
     void SetUp() override {
         UiTest::SetUp();
         SetDword("Reminders", 2);
-        device().PutFile(L"\\My Documents\\a.txt", "hello");
-        BackUp();
-        device().PutFile(L"\\My Documents\\a.txt", "changed");
+        BackUpThenChange();
     }
     // Lines of the trace of `function` from the caption `title` of a popup on.
     std::vector<Json> LinesFrom(const std::string& title, const std::string& function) {

@@ -14,9 +14,7 @@ class TakeOverTest : public tests::UiTest {
 protected:
     void SetUp() override {
         UiTest::SetUp();
-        device().PutFile(L"\\My Documents\\a.txt", "hello");
-        BackUp();
-        device().PutFile(L"\\My Documents\\a.txt", "changed");
+        BackUpThenChange();
     }
     // The user's copy, with its dialog.
     Program OpenFirst() {

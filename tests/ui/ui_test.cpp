@@ -53,6 +53,12 @@ void UiTest::TakeFirstState() {
     device().PutFile(kJournalFile, journal);
 }
 
+void UiTest::BackUpThenChange(const std::string& text) {
+    device().PutFile(L"\\My Documents\\a.txt", "hello");
+    BackUp();
+    device().PutFile(L"\\My Documents\\a.txt", text);
+}
+
 bool UiTest::ProgramRuns() {
     for (const Json& process : Ask("ps")) {
         if (process["path"] == kProgram) {

@@ -36,6 +36,8 @@ protected:
     // The storage with the first state of an installed device. Made once a process: each case
     // begins with the same device.
     void TakeFirstState();
+    // A state with \My Documents\a.txt, which says "hello" there and this by now.
+    void BackUpThenChange(const std::string& text = "changed");
     // Waits until the program has ended.
     void ExpectEnd();
     bool ProgramRuns();
