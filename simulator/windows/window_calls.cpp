@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include "simulator/windows/caption.h"
+#include "simulator/windows/center.h"
 #include "simulator/windows/control.h"
 #include "simulator/windows/desktop.h"
 #include "simulator/windows/dialog_template.h"
@@ -15,20 +16,8 @@ namespace {
 
 constexpr wchar_t kShellDesktopClass[] = L"DesktopExplorerWindow";
 
-// The host centres a dialog on what it takes for the screen. That is another device's when the
-// desktops of both are made at the same time.
-void CenterOnScreen(HWND dialog) {
-    const ScreenSize screen = ScreenSizeOf(Device::Current());
-    RECT place{};
-    ::GetWindowRect(dialog, &place);
-    ::SetWindowPos(dialog, nullptr, (screen.width - (place.right - place.left)) / 2,
-                   (screen.height - (place.bottom - place.top)) / 2, 0, 0,
-                   SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-}
-
 LRESULT CALLBACK DialogClassProcedure(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam) {
-    if (message == WM_CREATE && (::GetWindowLongW(dialog, GWL_STYLE) & DS_CENTER) != 0 &&
-        Device::HasCurrent()) {
+    if (message == WM_CREATE && (::GetWindowLongW(dialog, GWL_STYLE) & DS_CENTER) != 0) {
         CenterOnScreen(dialog);
     }
     return ::DefDlgProcW(dialog, message, wparam, lparam);
@@ -115,6 +104,7 @@ int RunDialogOnDevice(void* instance, const void* dialog_template, void* owner,
 
 int ShowMessageBox(void* owner, const wchar_t* text, const wchar_t* caption, unsigned type) {
     EnterDeviceDesktop();
+    const CenteredBox centered;
     return ::MessageBoxW(static_cast<HWND>(owner), text, caption, type);
 }
 
