@@ -1,5 +1,5 @@
-// The middle of a device's screen. The host centres windows on what it takes for the screen, and that
-// is another device's when the desktops of both are made at the same time.
+// The middle of a device's screen. The host centres windows on what it takes for the screen, and
+// that is another device's when the desktops of both are made at the same time.
 #pragma once
 
 namespace sim::windows {
