@@ -4,11 +4,11 @@
 #include <windows.h>
 
 #include "simulator/windows/desktop.h"
+#include "simulator/windows/dialog_template.h"
 
 namespace sim::windows {
 namespace {
 
-constexpr wchar_t kBoxClass[] = L"#32770";
 constexpr int kClassUnits = 16;
 
 thread_local bool is_awaited = false;
@@ -16,7 +16,7 @@ thread_local bool is_awaited = false;
 bool IsBox(HWND window) {
     wchar_t name[kClassUnits] = L"";
     ::GetClassNameW(window, name, kClassUnits);
-    return std::wcscmp(name, kBoxClass) == 0;
+    return std::wcscmp(name, kHostDialogClass) == 0;
 }
 
 // A box is activated when it has its size and place, before it is seen.

@@ -8,6 +8,7 @@
 namespace sim::windows {
 
 inline constexpr wchar_t kDialogClass[] = L"Dialog";
+inline constexpr wchar_t kHostDialogClass[] = L"#32770";
 
 // A copy of the dialog template at `bytes`, old or extended form, which names the class "Dialog"
 // where it named none. The template is well formed, as the platform demands of its caller.

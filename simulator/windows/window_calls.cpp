@@ -27,7 +27,7 @@ LRESULT CALLBACK DialogClassProcedure(HWND dialog, UINT message, WPARAM wparam, 
 void RegisterDialogClass() {
     static const ATOM registered = [] {
         WNDCLASSW dialog{};
-        ::GetClassInfoW(nullptr, L"#32770", &dialog);
+        ::GetClassInfoW(nullptr, kHostDialogClass, &dialog);
         dialog.lpszClassName = kDialogClass;
         dialog.lpfnWndProc = DialogClassProcedure;
         dialog.hInstance = ::GetModuleHandleW(nullptr);

@@ -212,19 +212,6 @@ TEST_F(TreeWindowTest, WithoutARectangleItHasTheRoomOfTheShellsDesktop) {
     EXPECT_EQ(desktop.bottom, host.bottom - host.top);
 }
 
-TEST_F(TreeWindowTest, WithoutThatDesktopItHasItsParentsRoom) {
-    device().Fault("FindWindowW", 1, 1, 2, "DesktopExplorerWindow");
-    ASSERT_NE(nullptr, window_.CreateTreeDialog(parent_, nullptr));
-    EXPECT_EQ("[]", device().Faults());
-    RECT parent{};
-    RECT host{};
-    ::GetClientRect(parent_, &parent);
-    ::GetWindowRect(window_.host(), &host);
-    EXPECT_NE(0, parent.right);
-    EXPECT_EQ(parent.right, host.right - host.left);
-    EXPECT_EQ(parent.bottom, host.bottom - host.top);
-}
-
 TEST_F(TreeWindowTest, WithoutThatDesktopItHasTheRoomOfItsParent) {
     device().Fault("FindWindowW", 1, 1, 2, "DesktopExplorerWindow");
     ASSERT_NE(nullptr, window_.CreateTreeDialog(parent_, nullptr));
