@@ -11,27 +11,32 @@ namespace {
 
 constexpr DWORD kRoundMs = 10;
 
-struct WindowCount {
+struct ProgramWindows {
     DWORD process;
     int all = 0;
-    int visible = 0;
+    bool hidden_and_answering = true;
 };
 
-BOOL CALLBACK CountOne(HWND window, LPARAM param) {
-    auto& count = *reinterpret_cast<WindowCount*>(param);
+BOOL CALLBACK LookAtOne(HWND window, LPARAM param) {
+    auto& seen = *reinterpret_cast<ProgramWindows*>(param);
     DWORD process = 0;
     ::GetWindowThreadProcessId(window, &process);
-    if (process == count.process && !windows::IsHostsOwn(window)) {
-        ++count.all;
-        count.visible += ::IsWindowVisible(window) ? 1 : 0;
+    if (process != seen.process || windows::IsHostsOwn(window)) {
+        return TRUE;
     }
-    return TRUE;
+    ++seen.all;
+    DWORD_PTR answer = 0;
+    seen.hidden_and_answering =
+        ::SendMessageTimeoutW(window, WM_NULL, 0, 0, SMTO_NORMAL, kRoundMs, &answer) != 0 &&
+        !::IsWindowVisible(window);
+    return seen.hidden_and_answering;
 }
 
+// A program that is about to show a window has it already, but does not answer messages yet.
 bool StaysInBackground(const Device& device, std::uint32_t pid) {
-    WindowCount count{pid};
-    windows::OnDesktop(device, [&] { ::EnumWindows(CountOne, reinterpret_cast<LPARAM>(&count)); });
-    return count.all > 0 && count.visible == 0;
+    ProgramWindows seen{pid};
+    windows::OnDesktop(device, [&] { ::EnumWindows(LookAtOne, reinterpret_cast<LPARAM>(&seen)); });
+    return seen.all > 0 && seen.hidden_and_answering;
 }
 
 }  // namespace
@@ -52,14 +57,18 @@ bool Watch::OthersRun(std::uint32_t started) const {
 
 bool Watch::WaitForRest(const Started& started, std::uint32_t timeout_ms) {
     const DWORD begin = ::GetTickCount();
+    bool rested_before = false;
     do {
-        // The started program first: at rest it starts nothing more. A program may be started while
-        // the others are looked at, so they are looked at twice.
-        const bool rests =
-            Wait(started.process, kRoundMs).has_value() || StaysInBackground(device_, started.pid);
-        if (rests && !OthersRun(started.pid) && !OthersRun(started.pid)) {
+        // The started program first: at rest it starts nothing more. Twice in a row, because a
+        // program may be started while the others are looked at, and a dialog looks for messages
+        // once before it shows itself.
+        const bool rests = (Wait(started.process, kRoundMs).has_value() ||
+                            StaysInBackground(device_, started.pid)) &&
+                           !OthersRun(started.pid);
+        if (rests && rested_before) {
             return true;
         }
+        rested_before = rests;
         ::Sleep(kRoundMs);
     } while (::GetTickCount() - begin < timeout_ms);
     return false;

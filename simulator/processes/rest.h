@@ -14,7 +14,7 @@ public:
     explicit Watch(Device& device);
 
     // Waits until every program that came since has ended. The started one itself may also stay, in
-    // the background: it has windows and shows none. False when that takes longer.
+    // the background: it waits for messages and shows no window. False when that takes longer.
     bool WaitForRest(const Started& started, std::uint32_t timeout_ms);
 
 private:

@@ -7,6 +7,7 @@
 //   start PATH        starts another program without arguments; ends with 0, or with the error
 //   box               shows a message box; ends with its answer
 //   dialog            shows a dialog with controls of each kind; ends with the button's id
+//   slow dialog       the same, and takes its time before it shows it
 //   open              asks for a file as the program does; writes the answer to \\chosen.txt
 //   find CLASS        ends with 1 when a window of that class is there, else 0
 //   mutex NAME        creates it; ends with the last error
@@ -93,7 +94,10 @@ LRESULT DrawItem(NMTVCUSTOMDRAW& draw) {
 
 INT_PTR CALLBACK ProbeProc(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam) {
     switch (message) {
-        case WM_INITDIALOG: FillDialog(dialog); return TRUE;
+        case WM_INITDIALOG:
+            ::Sleep(static_cast<DWORD>(lparam));
+            FillDialog(dialog);
+            return TRUE;
         case WM_COMMAND:
             // The list's choice shows in the edit control, so that a test sees the notification.
             if (LOWORD(wparam) == kList && HIWORD(wparam) == LBN_SELCHANGE) {
@@ -116,7 +120,7 @@ INT_PTR CALLBACK ProbeProc(HWND dialog, UINT message, WPARAM wparam, LPARAM lpar
 }
 
 // A template of no more than a head: the controls are made by hand.
-int ShowDialog(HINSTANCE instance) {
+int ShowDialog(HINSTANCE instance, DWORD delay_ms) {
     INITCOMMONCONTROLSEX classes = {sizeof classes, ICC_TREEVIEW_CLASSES | ICC_TAB_CLASSES |
                                                         ICC_PROGRESS_CLASS | ICC_DATE_CLASSES};
     ::InitCommonControlsEx(&classes);
@@ -128,8 +132,8 @@ int ShowDialog(HINSTANCE instance) {
                 0,
                 0,
                 0};
-    return static_cast<int>(
-        ::DialogBoxIndirectParamW(instance, &dialog.head, nullptr, ProbeProc, 0));
+    return static_cast<int>(::DialogBoxIndirectParamW(instance, &dialog.head, nullptr, ProbeProc,
+                                                      static_cast<LPARAM>(delay_ms)));
 }
 
 int AskForFile() {
@@ -163,7 +167,10 @@ int MakeMutex(const wchar_t* name) {
 
 int Stay() {
     ::CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
-    ::Sleep(INFINITE);
+    MSG message;
+    while (::GetMessageW(&message, nullptr, 0, 0)) {
+        ::DispatchMessageW(&message);
+    }
     return 0;
 }
 
@@ -189,7 +196,10 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPWSTR arguments, int) {
         return arguments[0] == L'h' ? error : Stay();
     }
     if (::wcscmp(arguments, L"dialog") == 0) {
-        return ShowDialog(instance);
+        return ShowDialog(instance, 0);
+    }
+    if (::wcscmp(arguments, L"slow dialog") == 0) {
+        return ShowDialog(instance, 300);
     }
     if (::wcscmp(arguments, L"box") == 0) {
         return ::MessageBoxW(nullptr, L"Shall it?", L"Probe box", MB_YESNO | MB_SETFOREGROUND);

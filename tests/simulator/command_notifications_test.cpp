@@ -133,6 +133,16 @@ TEST_F(CommandNotificationsTest, AProgramThatShowsAWindowIsNotAtRest) {
     sim::processes::CloseStarted(dialog);
 }
 
+// Its window is there for a while before it is shown.
+TEST_F(CommandNotificationsTest, AProgramThatIsStillAboutToShowItsWindowIsNotAtRest) {
+    sim::processes::Watch watch(device().sim());
+    const auto dialog = sim::processes::Start(device().sim(), L"probe.exe", L"slow dialog");
+    EXPECT_FALSE(watch.WaitForRest(dialog, 1000));
+    EXPECT_NE(nullptr, ::FindWindowW(L"Dialog", L"Probe"));
+    sim::processes::Kill(device().sim(), dialog.pid);
+    sim::processes::CloseStarted(dialog);
+}
+
 TEST_F(CommandNotificationsTest, TheTimeOfTheZoneCounts) {
     device().Set("zone", "EST5");
     AtTime(7, 30, L"exit 0");
