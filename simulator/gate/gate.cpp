@@ -1,5 +1,6 @@
 #include "simulator/gate/gate.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstring>
 #include <memory>
@@ -87,6 +88,20 @@ bool Contains(const std::string& text, const char* part) {
     return length == 0;
 }
 
+// Waits for the milliseconds of a rule that has just fired. Ends with the rule, also where another
+// one, which has not fired, stands in its place.
+void HoldUp(const GateRule& rule) {
+    const DWORD begin = ::GetTickCount();
+    const auto milliseconds = static_cast<DWORD>(rule.value);
+    while (rule.state == kRuleLive && rule.fired != 0) {
+        const DWORD waited = ::GetTickCount() - begin;
+        if (waited >= milliseconds) {
+            return;
+        }
+        ::Sleep(std::min<DWORD>(milliseconds - waited, 10));
+    }
+}
+
 // Whether `rule` meets this call; counts it.
 bool Meets(GateRule& rule, Call call, bool can_fail, const std::string& arguments) {
     if (rule.state != kRuleLive) {
@@ -144,7 +159,7 @@ std::uint32_t GateEntry::DecideByRules() {
         }
         switch (static_cast<RuleKind>(rule.kind)) {
             case RuleKind::kFault: error = static_cast<std::uint32_t>(rule.value); break;
-            case RuleKind::kDelay: ::Sleep(static_cast<DWORD>(rule.value)); break;
+            case RuleKind::kDelay: HoldUp(rule); break;
             case RuleKind::kCrash: WriteTrace("crash"); EndThisProcess(kCrashExitCode);
             case RuleKind::kCrashHalf: half_write = true; break;
         }

@@ -222,10 +222,13 @@ TEST_F(NotificationSchedulerTest, OneBufferServesAllRecordsThatItIsLargeEnoughFo
 TEST_F(NotificationSchedulerTest, HandlesThatHaveBecomeMoreMeanwhileAreNone) {
     SetOptions(1, 0);
     RegisterAutoBackupNotifications();
-    device().Command("delay CeGetUserNotificationHandles 2 200");
-    std::thread other([] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    device().Command("delay CeGetUserNotificationHandles 2 60000");
+    std::thread other([&] {
+        while (device().Faults() != "[]") {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
         Add(CNT_EVENT, NOTIFICATION_EVENT_WAKEUP, L"other.exe", L"x");
+        device().Command("faults clear");
     });
     const NotificationHandles handles;
     other.join();

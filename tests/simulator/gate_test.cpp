@@ -5,6 +5,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <thread>
 
 #include "simulator/gate/rules.h"
 #include "tests/support/device_test.h"
@@ -89,6 +90,22 @@ TEST_F(GateTest, ADelayHoldsTheCallUp) {
     const DWORD begin = ::GetTickCount();
     EXPECT_TRUE(Deletes(L"\\a.txt"));
     EXPECT_GE(::GetTickCount() - begin, 50u);
+}
+
+TEST_F(GateTest, ADelayEndsWithItsRule) {
+    device().Command("delay DeleteFileW 1 60000");
+    const DWORD begin = ::GetTickCount();
+    std::thread other([&] {
+        while (device().Command("faults") != "[]") {
+            ::Sleep(1);
+        }
+        device().Command("faults clear");
+        device().Command("delay DeleteFileW 1 60000");  // in the same place
+    });
+    EXPECT_TRUE(Deletes(L"\\a.txt"));
+    EXPECT_LT(::GetTickCount() - begin, 50000u);
+    other.join();
+    device().Command("faults clear");
 }
 
 TEST_F(GateTest, ACallThatCannotFailIsDelayedOnly) {

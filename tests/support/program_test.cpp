@@ -136,6 +136,12 @@ std::vector<int> ProgramTest::States() {
     return states;
 }
 
+void ProgramTest::HoldCall(const std::string& function, const std::string& match) {
+    Ask("delay " + function + " 1 60000" + (match.empty() ? "" : " \"" + match + "\""));
+}
+
+void ProgramTest::LetGo() { Ask("faults clear"); }
+
 void ProgramTest::Pause(unsigned milliseconds) {
     std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
 }

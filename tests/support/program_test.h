@@ -32,6 +32,11 @@ protected:
     // The output of a command of cedev as JSON.
     nlohmann::json Ask(const std::string& line);
 
+    // The next such call, or the next with `match` in its arguments, stays in it until LetGo.
+    void HoldCall(const std::string& function, const std::string& match = {});
+    // Takes every rule away.
+    void LetGo();
+
     // What a restore must bring back: no ids, nothing of the card, not the program's own settings.
     nlohmann::json Comparable();
     // Where two of them differ, one line each.

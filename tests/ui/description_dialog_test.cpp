@@ -176,10 +176,11 @@ TEST_F(DescriptionDialogTest, AnOperationUnderItLeavesTheNewStorageUnopened) {
     OpenPage();
     ChooseNewName("New");
     const HWND dialog = ::FindWindowW(L"Dialog", L"Storage description");
-    StartSlowBackup();
+    StartHeldBackup();
     ::PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+    EXPECT_TRUE(Eventually([&] { return !::IsWindow(dialog) && device().Exists(kNew + L".jrn"); }));
+    LetGo();
     EXPECT_TRUE(BecomesIdle());
-    EXPECT_TRUE(Eventually([&] { return !Shows(tests::kDescriptionTitle); }));
     EXPECT_EQ("Backup", Setting("StorageFile"));
     EXPECT_EQ((std::vector<int>{1, 2, 3}), States());
     EXPECT_EQ(1u, Calls("CreateFileW", "New.sav"));  // made, never opened

@@ -42,9 +42,9 @@ protected:
             ASSERT_NE(nullptr, controls_[id]) << id;
         }
     }
-    // A backup that takes its time with the databases, when the schedule is off.
-    void StartSlowBackup() {
-        Ask("delay CeFindFirstDatabaseEx 1 900");
+    // A backup that comes to the databases, when the schedule is off, and no further until LetGo.
+    void StartHeldBackup() {
+        HoldCall("CeFindFirstDatabaseEx");
         ::PostMessageW(::FindWindowW(L"TolvenarOperationClass", nullptr), kConfirmedBackup, 1, 0);
         ASSERT_TRUE(Eventually([&] { return ScheduleIsOff(); }));
     }
@@ -66,7 +66,7 @@ protected:
 };
 
 TEST_F(OptionsInertTest, AnOperationKeepsSwitchesAndTimeAsTheyAreAndReadsNothingAgain) {
-    StartSlowBackup();
+    StartHeldBackup();
     for (const int id : {kOnTime, kOnBattery, kAdvancedTree}) {
         Toggle(controls_[id]);
     }
@@ -79,6 +79,7 @@ TEST_F(OptionsInertTest, AnOperationKeepsSwitchesAndTimeAsTheyAreAndReadsNothing
     EXPECT_EQ(0u, Dword("onBattery").value_or(0));
     EXPECT_EQ(0u, Dword("WakeUpTime"));
     ASSERT_TRUE(ScheduleIsOff());
+    LetGo();
     EXPECT_TRUE(BecomesIdle());
     EXPECT_EQ(1u, Dword("onTime"));
     EXPECT_EQ(0u, Dword("onBattery").value_or(0));
@@ -91,13 +92,14 @@ TEST_F(OptionsInertTest, APageThatIsMadeDuringAnOperationShowsTheSettings) {
     Keys("ctrl+q");
     ExpectEnd();
     Open();
-    StartSlowBackup();
+    StartHeldBackup();
     const HWND dialog = ::FindWindowW(L"Dialog", L"Tolvenar");
     ::SendMessageW(dialog, kSelectPage, 4, 0);
     FindControls();
     EXPECT_TRUE(IsChecked(kOnTime));
     EXPECT_EQ("07:30", Time());
     ASSERT_TRUE(ScheduleIsOff());
+    LetGo();
     EXPECT_TRUE(BecomesIdle());
 }
 
@@ -107,11 +109,12 @@ TEST_F(OptionsInertTest, ACountdownThatAnOperationMeetsIsAppliedAfterIt) {
     Ask("set sleep.scale 10");
     Press(kOnBattery);
     EXPECT_TRUE(Eventually([&] { return Dword("onBattery") == 1u; }));
-    StartSlowBackup();
+    StartHeldBackup();
     Pause(500);
     EXPECT_EQ(0u, agent_starts());
     EXPECT_EQ(0u, Ask("notifications").size());
     ASSERT_TRUE(ScheduleIsOff());
+    LetGo();
     EXPECT_TRUE(BecomesIdle());
     EXPECT_TRUE(Eventually([&] { return agent_starts() == 1; }));
     EXPECT_EQ(1u, Dword("onBattery"));
@@ -123,11 +126,12 @@ TEST_F(OptionsInertTest, APageThatIsLeftDuringAnOperationAppliesNothingYet) {
     Ask("set sleep.scale 10");
     Press(kOnBattery);
     EXPECT_TRUE(Eventually([&] { return Dword("onBattery") == 1u; }));
-    StartSlowBackup();
+    StartHeldBackup();
     ::SendMessageW(::FindWindowW(L"Dialog", L"Tolvenar"), kSelectPage, 0, 0);
     EXPECT_FALSE(::IsWindowVisible(Page()));
     EXPECT_EQ(0u, agent_starts());
     ASSERT_TRUE(ScheduleIsOff());
+    LetGo();
     EXPECT_TRUE(BecomesIdle());
     EXPECT_TRUE(Eventually([&] { return agent_starts() == 1; }));
     EXPECT_EQ(4u, Ask("notifications").size());

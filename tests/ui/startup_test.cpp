@@ -69,11 +69,12 @@ TEST_F(StartupTest, AfterTheMessageAnotherStorageCanBeChosen) {
 }
 
 TEST_F(StartupTest, TheStatesAreLoadedUnderThePopup) {
-    Ask("delay CreateFileW 1 500 \"Backup.jrn, 3221225472, 1\"");
+    HoldCall("CreateFileW", "Backup.jrn, 3221225472, 1");
     StartProgram();
     // There are no steps to count in all.
     EXPECT_TRUE(Eventually([&] { return Shows("Loading List") && !Sees(1027); }));
     EXPECT_TRUE(Sees(1025));
+    LetGo();
     EXPECT_TRUE(Eventually([&] { return Sees(1018) && !Shows("Loading List"); }));
 }
 

@@ -104,13 +104,13 @@ TEST_F(StateListTest, AListThatIsMadeDuringAnOperationIsFilledAfterIt) {
     device().PutFile(L"\\My Documents\\a.txt", "changed");
     Open();
     Ask("counters clear");
-    Ask("delay GlobalMemoryStatus 1 500");
+    HoldCall("GlobalMemoryStatus");
     Press(1001);
     ASSERT_TRUE(Eventually([&] { return Counted("GlobalMemoryStatus") == 1; }));
     ::SendMessageW(MainDialog(), kPageSelect, 1, 0);
     EXPECT_TRUE(Sees(1014));
     EXPECT_TRUE(Items(1014).empty());
-    EXPECT_TRUE(IsBusy());
+    LetGo();
     EXPECT_TRUE(Eventually([&] {
         return Items(1014) == Texts({"State 3", "State 2", "State 1"});
     }));

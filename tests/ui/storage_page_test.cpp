@@ -1,6 +1,7 @@
 // The Storage file page, and what the others do when another storage is open, or none.
 #include "platform/win32.h"
 
+#include "simulator/host/window_thread.h"
 #include "tests/ui/storage_ui_test.h"
 
 namespace {
@@ -9,6 +10,7 @@ using Texts = std::vector<std::string>;
 
 constexpr int kStates = 1014;
 constexpr LONG kReadOnlyStyle = 0x0800;
+constexpr unsigned kLimitMs = 10000;
 
 class StoragePageTest : public tests::StorageUiTest {
 protected:
@@ -135,9 +137,11 @@ TEST_F(StoragePageTest, DuringAnOperationNoStorageIsChosen) {
     SetDword("onTime", 1);
     OpenPage();
     const HWND button = Handle(tests::kBrowse);
-    StartSlowBackup();
-    ::PostMessageW(::GetParent(button), WM_COMMAND, MAKEWPARAM(tests::kBrowse, BN_CLICKED),
-                   reinterpret_cast<LPARAM>(button));
+    StartHeldBackup();
+    EXPECT_TRUE(sim::host::AnswerTime(::GetParent(button), kLimitMs, WM_COMMAND,
+                                      MAKEWPARAM(tests::kBrowse, BN_CLICKED),
+                                      reinterpret_cast<LPARAM>(button)));
+    LetGo();
     EXPECT_TRUE(BecomesIdle());
     EXPECT_TRUE(PageBecomes("Restore"));
     EXPECT_FALSE(Shows(tests::kOpenTitle));
@@ -146,10 +150,11 @@ TEST_F(StoragePageTest, DuringAnOperationNoStorageIsChosen) {
     Browse();
     Type(tests::kOpenName, "Other.jrn");
     const HWND dialog = ::GetParent(Handle(tests::kOpenName));
-    StartSlowBackup();
+    StartHeldBackup();
     ::PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+    EXPECT_TRUE(Eventually([&] { return !::IsWindow(dialog); }));
+    LetGo();
     EXPECT_TRUE(BecomesIdle());
-    EXPECT_TRUE(Eventually([&] { return !Shows(tests::kOpenTitle); }));
     EXPECT_EQ("Backup", Setting("StorageFile"));
     EXPECT_EQ(0u, Calls("CreateFileW", "Other"));
     EXPECT_EQ((std::vector<int>{1, 2, 3, 4}), States());

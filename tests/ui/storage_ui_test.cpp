@@ -100,9 +100,9 @@ void StorageUiTest::ExpectFirstOpen() {
     EXPECT_EQ(kCardFolder, Setting("StoragePath"));
 }
 
-void StorageUiTest::StartSlowBackup() {
+void StorageUiTest::StartHeldBackup() {
     device().PutFile(kNote, "meanwhile " + std::to_string(++backups_));
-    Ask("delay CeFindFirstDatabaseEx 1 600");
+    HoldCall("CeFindFirstDatabaseEx");
     ::PostMessageW(::FindWindowW(L"TolvenarOperationClass", nullptr), kConfirmedBackup, 1, 0);
     ASSERT_TRUE(Eventually([&] { return Dword("onTime") == 0u; }));
 }

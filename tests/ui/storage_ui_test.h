@@ -44,9 +44,9 @@ protected:
     void ExpectNoneOpen();
     // The page shows the first storage and the settings name it.
     void ExpectFirstOpen();
-    // A backup that takes its time with the databases, when the schedule, which must be there, is
-    // off. It answers nobody meanwhile.
-    void StartSlowBackup();
+    // A backup that comes to the databases, when the schedule, which must be there, is off, and no
+    // further until LetGo. It answers nobody meanwhile.
+    void StartHeldBackup();
 
     std::string Setting(const std::string& name);
     void SetSetting(const std::string& name, const std::string& text);

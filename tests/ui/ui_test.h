@@ -42,10 +42,10 @@ protected:
     void ExpectEnd();
     bool ProgramRuns();
 
-    // Waits ten seconds at most, whatever asking takes.
+    // Waits twenty seconds at most, whatever asking takes.
     template <typename Condition>
     static bool Eventually(Condition condition) {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
         while (std::chrono::steady_clock::now() < end) {
             if (condition()) {
                 return true;
