@@ -10,6 +10,9 @@
 namespace sim::files {
 namespace {
 
+constexpr DWORD kPatienceMs = 10000;
+constexpr DWORD kPauseMs = 5;
+
 Node Existing(FileTable& table, const std::wstring& path) {
     const Found found = table.Find(path.c_str());
     if (found.error != 0) {
@@ -56,6 +59,23 @@ void EraseTree(FileTable& table, const Node& node) {
     if (!node.is_rom()) {
         GiveSpaceBack(table, node.on_card, size);
     }
+}
+
+// The host's handle lives within a change of the store: see OpenContent.
+std::uint32_t TryToGet(Device& device, const std::wstring& path, std::string& bytes) {
+    FileTable& table = FileTable::Of(device);
+    LogStore::Change change(table.store());
+    const Node node = Existing(table, path);
+    if (node.is_folder()) {
+        return ERROR_ACCESS_DENIED;
+    }
+    std::optional<std::string> content = host::ReadWhole(table.ContentFile(node.number));
+    if (content) {
+        bytes = std::move(*content);
+        return 0;
+    }
+    const std::uint32_t error = ::GetLastError();
+    return error == ERROR_FILE_NOT_FOUND ? 0 : error;  // an absent one is an empty file
 }
 
 std::vector<Entry> Sorted(std::vector<Entry> entries) {
@@ -125,12 +145,18 @@ void PutHostFile(Device& device, const std::wstring& host_file, const std::wstri
 }
 
 std::string Get(Device& device, const std::wstring& path) {
-    FileTable& table = FileTable::Of(device);
-    const Node node = Existing(table, path);
-    if (node.is_folder()) {
-        throw FileError(path, ERROR_ACCESS_DENIED);
+    const DWORD begin = ::GetTickCount();
+    for (;;) {
+        std::string bytes;
+        const std::uint32_t error = TryToGet(device, path, bytes);
+        if (error == 0) {
+            return bytes;
+        }
+        if (error != ERROR_SHARING_VIOLATION || ::GetTickCount() - begin > kPatienceMs) {
+            throw FileError(path, error);
+        }
+        ::Sleep(kPauseMs);
     }
-    return host::ReadWhole(table.ContentFile(node.number)).value_or(std::string());
 }
 
 void GetToHostFile(Device& device, const std::wstring& path, const std::wstring& host_file) {

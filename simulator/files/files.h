@@ -40,6 +40,7 @@ void EraseStore(Device& device);
 // Creates or replaces a file, and the folders above it. A file that is there keeps its id.
 void Put(Device& device, const std::wstring& path, const std::string& bytes);
 void PutHostFile(Device& device, const std::wstring& host_file, const std::wstring& path);
+// Waits some seconds for a program that shares the file with nobody.
 std::string Get(Device& device, const std::wstring& path);
 void GetToHostFile(Device& device, const std::wstring& path, const std::wstring& host_file);
 bool Exists(Device& device, const std::wstring& path);

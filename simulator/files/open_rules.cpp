@@ -83,12 +83,23 @@ HANDLE OpenHost(FileTable& table, const Node& node, const OpenRequest& request) 
                          FILE_ATTRIBUTE_NORMAL, nullptr);
 }
 
-// The host's loader holds a program's file for a moment after its start. The device's does not
-// stand in a reader's way, not even in that of one who shares nothing.
+bool IsInTheWay(HANDLE host) {
+    return host == INVALID_HANDLE_VALUE && ::GetLastError() == ERROR_SHARING_VIOLATION;
+}
+
+// Two who hold a file on the host hold none on the device. A tool that reads or writes it does so
+// within a change of the store, so whoever is in the way within another one is a program. And the
+// loader holds a program's file for a moment after its start: the device's does not stand in a
+// reader's way, not even in that of one who shares nothing.
 HANDLE OpenContent(FileTable& table, const Node& node, const OpenRequest& request) {
     HANDLE host = OpenHost(table, node, request);
-    if (host != INVALID_HANDLE_VALUE || ::GetLastError() != ERROR_SHARING_VIOLATION ||
-        Writes(request) || !processes::IsRunning(table.device(), table.PathOf(node))) {
+    if (!IsInTheWay(host)) {
+        return host;
+    }
+    LogStore::Change without_tools(table.store());
+    host = OpenHost(table, node, request);
+    if (!IsInTheWay(host) || Writes(request) ||
+        !processes::IsRunning(table.device(), table.PathOf(node))) {
         return host;
     }
     OpenRequest beside_loader = request;

@@ -15,10 +15,13 @@ std::optional<std::string> ReadWhole(const std::wstring& file) {
     DWORD count = 0;
     const bool read =
         ::ReadFile(handle, &bytes[0], static_cast<DWORD>(bytes.size()), &count, nullptr) != FALSE;
+    const DWORD error = ::GetLastError();
     ::CloseHandle(handle);
-    if (!read || count != bytes.size()) {
+    if (!read) {
+        ::SetLastError(error);
         return std::nullopt;
     }
+    bytes.resize(count);
     return bytes;
 }
 

@@ -8,6 +8,7 @@
 
 namespace sim::host {
 
+// On failure the host's last error says why.
 std::optional<std::string> ReadWhole(const std::wstring& file);
 bool WriteWhole(const std::wstring& file, const std::string& bytes);
 bool IsFolder(const std::wstring& path);

@@ -1,4 +1,8 @@
 // Who may open a file that is open already, in this process and in another.
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
 #include "simulator/processes/processes.h"
 #include "tests/simulator/file_helpers.h"
 #include "tests/support/child_role.h"
@@ -36,6 +40,19 @@ const ChildRole kWriter(L"write", [](const wchar_t* path) {
         }
     }
     return 1;
+});
+
+// A tool in the middle of its reading.
+const ChildRole kReader(L"read", [](const wchar_t* path) {
+    sim::Device& device = sim::Device::Current();
+    const sim::LogStore::Change change(device.store());
+    const std::ifstream file(std::filesystem::path(sim::files::HostFile(device, path)));
+    if (!file) {
+        return 1;
+    }
+    sim::host::TellReady();
+    ::Sleep(300);
+    return 0;
 });
 
 class SharingTest : public DeviceTest {
@@ -85,6 +102,24 @@ TEST_F(SharingTest, AFileHeldByAnotherProcessDoesNotOpen) {
     EXPECT_EQ(ERROR_SHARING_VIOLATION, ErrorOf(::DeleteFileW(L"\\a.txt")));
     EXPECT_EQ(0, holder.Finish());
     EXPECT_EQ(0, OpenError(L"\\a.txt", GENERIC_READ));
+}
+
+TEST_F(SharingTest, AToolThatReadsIsInNobodysWay) {
+    sim::host::Child reader(L"read", L"\\a.txt");
+    ASSERT_TRUE(reader.WaitReady());
+    EXPECT_EQ(0, OpenError(L"\\a.txt", GENERIC_READ | GENERIC_WRITE));
+    EXPECT_EQ(0, reader.Finish());
+}
+
+TEST_F(SharingTest, AToolReadsAFileWhenItsHolderLetsItGo) {
+    sim::host::Child holder(L"hold", L"\\a.txt");
+    ASSERT_TRUE(holder.WaitReady());
+    std::thread end([&] {
+        ::Sleep(200);
+        EXPECT_EQ(0, holder.Finish());
+    });
+    EXPECT_EQ("content", device().FileBytes(L"\\a.txt"));
+    end.join();
 }
 
 TEST_F(SharingTest, AKilledProcessHoldsNothing) {

@@ -1,8 +1,13 @@
 #include "tests/support/program_test.h"
 
+#include "platform/win32.h"
+
 #include <algorithm>
 #include <chrono>
+#include <cstdio>
+#include <deque>
 #include <map>
+#include <set>
 #include <thread>
 
 namespace tests {
@@ -89,8 +94,37 @@ void ProgramTest::SetUp() {
 }
 
 void ProgramTest::TearDown() {
+    if (HasFailure()) {
+        TellHowItStood();
+    }
     Ask("kill all");
     DeviceTest::TearDown();
+}
+
+// A failure that seldom comes is understood from the log of its one run or not at all.
+void ProgramTest::TellHowItStood() {
+    constexpr std::size_t kLastCalls = 200;
+    const std::set<std::string> kSaysLittle = {
+        "DefWindowProcW", "GetDlgItem", "GetLastError", "GetWindowLongW",
+        "HeapAlloc",      "HeapFree",   "SetLastError",
+    };
+    std::deque<std::string> calls;
+    for (const json& call : Ask("trace show")) {
+        const std::string function = call["function"];
+        if (call["process"] == ::GetCurrentProcessId() || kSaysLittle.count(function) != 0) {
+            continue;
+        }
+        calls.push_back(call.dump());
+        if (calls.size() > kLastCalls) {
+            calls.pop_front();
+        }
+    }
+    std::puts("The last calls of programs:");
+    for (const std::string& call : calls) {
+        std::puts(call.c_str());
+    }
+    std::printf("Programs: %s\nWindows: %s\n", Ask("ps").dump(1).c_str(),
+                Ask("window list").dump(1).c_str());
 }
 
 int ProgramTest::Run(const std::string& arguments) {
@@ -99,6 +133,18 @@ int ProgramTest::Run(const std::string& arguments) {
 
 unsigned ProgramTest::Start(const std::string& arguments) {
     return Ask("start \"" + kProgram + "\" \"" + arguments + "\"")["id"];
+}
+
+// There is none for a moment while it is saved.
+std::string ProgramTest::JournalBytes() {
+    try {
+        return device().FileBytes(kJournalFile);
+    } catch (const sim::files::FileError& error) {
+        if (error.code() == ERROR_FILE_NOT_FOUND) {
+            return {};
+        }
+        throw;
+    }
 }
 
 json ProgramTest::Ask(const std::string& line) { return json::parse(device().Command(line)); }
@@ -122,8 +168,7 @@ std::vector<int> ProgramTest::States() {
     constexpr std::size_t kRecordBytes = 32;
     constexpr unsigned char kStateType = 32;
     std::vector<int> states;
-    const std::string journal =
-        device().Exists(kJournalFile) ? device().FileBytes(kJournalFile) : std::string();
+    const std::string journal = JournalBytes();
     for (std::size_t at = 0; at + kRecordBytes <= journal.size(); at += kRecordBytes) {
         const auto byte = [&](std::size_t i) {
             return static_cast<unsigned char>(journal[at + i]);

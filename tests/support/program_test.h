@@ -56,6 +56,11 @@ protected:
         return condition();
     }
     static void Pause(unsigned milliseconds);
+
+private:
+    std::string JournalBytes();
+    // Prints what a failed test leaves: calls, programs, windows.
+    void TellHowItStood();
 };
 
 }  // namespace tests
