@@ -72,7 +72,10 @@ std::vector<json> LaunchFixture::WindowsOf(const std::string& window_class, cons
 }
 
 bool LaunchFixture::DialogAppears(const std::string& caption, unsigned process) {
-    return Eventually([&] { return !WindowsOf("Dialog", caption, process).empty(); });
+    return Eventually([&] {
+        const std::vector<json> dialogs = WindowsOf("Dialog", caption, process);
+        return !dialogs.empty() && dialogs[0]["visible"] == true;
+    });
 }
 
 bool LaunchFixture::AnswerMessage(const std::string& text) {
@@ -90,7 +93,14 @@ bool LaunchFixture::AnswerMessage(const std::string& text) {
     return shown;
 }
 
-void LaunchFixture::CloseMainDialog() { Ask("window key alt+x"); }
+// A key that comes before the dialog is the active window is lost.
+void LaunchFixture::CloseMainDialog() {
+    EXPECT_TRUE(Eventually([&] {
+        const std::vector<json> dialogs = WindowsOf("Dialog", "Tolvenar");
+        return !dialogs.empty() && dialogs[0]["active"] == true;
+    }));
+    Ask("window key alt+x");
+}
 
 std::string LaunchFixture::ControlText(int id) {
     return Ask("window text " + std::to_string(id))["text"];
