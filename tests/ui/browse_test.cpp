@@ -186,12 +186,14 @@ TEST_F(BrowseTest, AStorageFileWithoutAJournalIsOpenedAsItStands) {
     OpenPage();
     ChooseNew("Other");
     EXPECT_TRUE(NameBecomes("Other"));
-    EXPECT_EQ(journal, Bytes("Other.jrn"));
+    EXPECT_TRUE(Eventually([&] { return Bytes("Other.jrn") == journal; }));
     EXPECT_EQ("no file", Bytes("Other.jrn_1"));
+    EXPECT_TRUE(DialogIsFree());
     ChooseNew("Lone");
     EXPECT_TRUE(NameBecomes("Lone"));
     EXPECT_EQ("The other one", Text(tests::kStorageDescription));
-    EXPECT_EQ("", Bytes("Lone.jrn"));
+    EXPECT_TRUE(Eventually([&] { return Bytes("Lone.jrn").empty(); }));
+    EXPECT_TRUE(DialogIsFree());
     // A name of which only the stem is that of a storage means this storage.
     ChooseNew("Other.new");
     EXPECT_TRUE(NameBecomes("Other"));

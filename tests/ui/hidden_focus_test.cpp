@@ -63,6 +63,7 @@ protected:
         return false;
     }
     void ExpectKeysStillWork() {
+        EXPECT_TRUE(MainDialogBecomesActive());
         Keys("alt+q");  // nobody's letter
         Keys("ctrl+shift+tab ctrl+shift+tab ctrl+tab");
         EXPECT_TRUE(Eventually([&] { return SelectedTab() != "none"; }));

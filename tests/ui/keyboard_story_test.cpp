@@ -71,6 +71,7 @@ protected:
         Keys("tab enter");
         ExpectGone("Storage description");
         EXPECT_TRUE(Eventually([&] { return Text(1019) == "home"; }));
+        EXPECT_TRUE(MainDialogBecomesActive());
     }
     void ReadTheHelpByKeys() {
         Keys("alt+h");

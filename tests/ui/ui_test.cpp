@@ -140,7 +140,14 @@ void UiTest::Press(int id) {
     Ask("window press " + std::to_string(id));
 }
 
-void UiTest::Keys(const std::string& keys) { Ask("window key " + keys); }
+// While one window gives way to another, keys go nowhere.
+void UiTest::Keys(const std::string& keys) {
+    EXPECT_TRUE(Eventually([] {
+        const HWND active = ::GetForegroundWindow();
+        return active != nullptr && ::IsWindowVisible(active) && ::IsWindowEnabled(active);
+    }));
+    Ask("window key " + keys);
+}
 
 void UiTest::Select(int id, const std::string& item) {
     Ask("window select " + std::to_string(id) + " \"" + item + "\"");

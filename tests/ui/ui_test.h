@@ -71,6 +71,10 @@ protected:
     static HWND MainDialog() { return ::FindWindowW(L"Dialog", L"Tolvenar"); }
     static HWND MainWindow() { return ::FindWindowW(L"TolvenarClass", nullptr); }
     static HWND OperationWindow() { return ::FindWindowW(L"TolvenarOperationClass", nullptr); }
+    // Keys that come earlier go to the window before it, such as the popup.
+    static bool MainDialogBecomesActive() {
+        return Eventually([] { return ::GetForegroundWindow() == MainDialog(); });
+    }
     // Waits until the keyboard goes to control `id`.
     bool FocusComesTo(int id);
     std::string Text(int id);
