@@ -212,6 +212,7 @@ TEST_F(BusyTest, NothingClosesTheProgramWhileABackupWorks) {
     EXPECT_TRUE(sim::host::AnswerTime(dialog, kLimitMs, WM_CLOSE));
     EXPECT_TRUE(sim::host::AnswerTime(MainWindow(), kLimitMs, WM_CLOSE));
     LetGo();
+    EXPECT_TRUE(sim::host::AnswerTime(OperationWindow(), kLimitMs, WM_NULL));
     EXPECT_TRUE(Eventually([&] { return States().size() == 3; }));
     EXPECT_TRUE(::IsWindow(dialog));
     EXPECT_TRUE(BecomesIdle());

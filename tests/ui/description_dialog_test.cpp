@@ -176,7 +176,7 @@ TEST_F(DescriptionDialogTest, AnOperationUnderItLeavesTheNewStorageUnopened) {
     OpenPage();
     ChooseNewName("New");
     const HWND dialog = ::FindWindowW(L"Dialog", L"Storage description");
-    StartHeldBackup();
+    StartHeldBackupOfNote();
     ::PostMessageW(dialog, WM_COMMAND, IDOK, 0);
     EXPECT_TRUE(Eventually([&] { return !::IsWindow(dialog) && device().Exists(kNew + L".jrn"); }));
     LetGo();

@@ -10,7 +10,6 @@ namespace {
 
 using Json = nlohmann::json;
 
-constexpr UINT kConfirmedBackup = WM_APP + 124;
 constexpr UINT kActivated = WM_APP + 300;
 constexpr UINT kSelectPage = WM_APP + 103;
 constexpr int kOnTime = 1060, kOnBattery = 1061, kAdvancedTree = 1063, kTime = 1062;
@@ -41,12 +40,6 @@ protected:
             controls_[id] = ::GetDlgItem(page, id);
             ASSERT_NE(nullptr, controls_[id]) << id;
         }
-    }
-    // A backup that comes to the databases, when the schedule is off, and no further until LetGo.
-    void StartHeldBackup() {
-        HoldCall("CeFindFirstDatabaseEx");
-        ::PostMessageW(::FindWindowW(L"TolvenarOperationClass", nullptr), kConfirmedBackup, 1, 0);
-        ASSERT_TRUE(Eventually([&] { return ScheduleIsOff(); }));
     }
     bool ScheduleIsOff() { return Dword("onTime") == 0u; }
     // As a click does it, without the focus that a disabled dialog does not get.

@@ -94,6 +94,7 @@ TEST_F(ResponsiveTest, ALargeBackupLeavesTheProgramAnswering) {
     const Seen seen = Watch();
     EXPECT_EQ((std::vector<int>{1, 2}), States());
     EXPECT_LT(seen.slowest_dialog_ms, kTimeoutMs);
+    EXPECT_LT(seen.slowest_query_ms, kTimeoutMs);
     EXPECT_GT(seen.busy_answers, 4);
     EXPECT_GT(seen.total_positions.size(), 2u);
     EXPECT_GT(seen.item_positions.size(), 4u);
@@ -108,6 +109,7 @@ TEST_F(ResponsiveTest, WithoutAPopupItStillTellsOtherCopiesThatItIsBusy) {
     EXPECT_EQ((std::vector<int>{1, 2}), States());
     EXPECT_TRUE(seen.total_positions.empty());
     EXPECT_LT(seen.slowest_dialog_ms, kTimeoutMs);
+    EXPECT_LT(seen.slowest_query_ms, kTimeoutMs);
     EXPECT_GT(seen.busy_answers, 4);
 }
 
@@ -127,6 +129,7 @@ TEST_F(ResponsiveTest, TheDialogIsDrawnAgainWhileABackupWorks) {
     EXPECT_FALSE(IsSameWithin(tabs, before, Screen()));
     ::DestroyWindow(cover);
     EXPECT_TRUE(Eventually([&] { return IsSameWithin(tabs, before, Screen()); }));
+    EXPECT_EQ(std::vector<int>{1}, States());  // it still works
     LetGo();
     EXPECT_TRUE(BecomesIdle());
 }

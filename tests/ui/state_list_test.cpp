@@ -110,6 +110,7 @@ TEST_F(StateListTest, AListThatIsMadeDuringAnOperationIsFilledAfterIt) {
     ::SendMessageW(MainDialog(), kPageSelect, 1, 0);
     EXPECT_TRUE(Sees(1014));
     EXPECT_TRUE(Items(1014).empty());
+    EXPECT_EQ((std::vector<int>{1, 2}), States());  // it still works
     LetGo();
     EXPECT_TRUE(Eventually([&] {
         return Items(1014) == Texts({"State 3", "State 2", "State 1"});

@@ -137,7 +137,7 @@ TEST_F(StoragePageTest, DuringAnOperationNoStorageIsChosen) {
     SetDword("onTime", 1);
     OpenPage();
     const HWND button = Handle(tests::kBrowse);
-    StartHeldBackup();
+    StartHeldBackupOfNote();
     EXPECT_TRUE(sim::host::AnswerTime(::GetParent(button), kLimitMs, WM_COMMAND,
                                       MAKEWPARAM(tests::kBrowse, BN_CLICKED),
                                       reinterpret_cast<LPARAM>(button)));
@@ -150,7 +150,7 @@ TEST_F(StoragePageTest, DuringAnOperationNoStorageIsChosen) {
     Browse();
     Type(tests::kOpenName, "Other.jrn");
     const HWND dialog = ::GetParent(Handle(tests::kOpenName));
-    StartHeldBackup();
+    StartHeldBackupOfNote();
     ::PostMessageW(dialog, WM_COMMAND, IDOK, 0);
     EXPECT_TRUE(Eventually([&] { return !::IsWindow(dialog); }));
     LetGo();

@@ -13,7 +13,6 @@ namespace {
 constexpr char kSettingsKey[] = "HKCU\\Software\\Kestrin2\\Tolvenar";
 constexpr char16_t kSettingsPath[] = u"HKCU\\Software\\Kestrin2\\Tolvenar";
 constexpr std::size_t kHeadBytes = 232;
-constexpr UINT kConfirmedBackup = WM_APP + 124;
 
 void PutNumber(std::string& bytes, std::size_t at, std::uint32_t number) {
     std::memcpy(&bytes[at], &number, sizeof number);
@@ -100,11 +99,9 @@ void StorageUiTest::ExpectFirstOpen() {
     EXPECT_EQ(kCardFolder, Setting("StoragePath"));
 }
 
-void StorageUiTest::StartHeldBackup() {
+void StorageUiTest::StartHeldBackupOfNote() {
     device().PutFile(kNote, "meanwhile " + std::to_string(++backups_));
-    HoldCall("CeFindFirstDatabaseEx");
-    ::PostMessageW(::FindWindowW(L"TolvenarOperationClass", nullptr), kConfirmedBackup, 1, 0);
-    ASSERT_TRUE(Eventually([&] { return Dword("onTime") == 0u; }));
+    StartHeldBackup();
 }
 
 std::string StorageUiTest::Setting(const std::string& name) {

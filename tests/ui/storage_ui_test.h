@@ -44,9 +44,8 @@ protected:
     void ExpectNoneOpen();
     // The page shows the first storage and the settings name it.
     void ExpectFirstOpen();
-    // A backup that comes to the databases, when the schedule, which must be there, is off, and no
-    // further until LetGo. It answers nobody meanwhile.
-    void StartHeldBackup();
+    // A held backup that has something to store.
+    void StartHeldBackupOfNote();
 
     std::string Setting(const std::string& name);
     void SetSetting(const std::string& name, const std::string& text);

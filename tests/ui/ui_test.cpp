@@ -7,6 +7,7 @@
 namespace tests {
 namespace {
 
+constexpr UINT kConfirmedBackup = WM_APP + 124;
 constexpr UINT kQueryBusy = WM_APP + 220;
 constexpr char kSettingsKey[] = "HKCU\\Software\\Kestrin2\\Tolvenar";
 constexpr char16_t kSettingsPath[] = u"HKCU\\Software\\Kestrin2\\Tolvenar";
@@ -57,6 +58,12 @@ void UiTest::BackUpThenChange(const std::string& text) {
     device().PutFile(L"\\My Documents\\a.txt", "hello");
     BackUp();
     device().PutFile(L"\\My Documents\\a.txt", text);
+}
+
+void UiTest::StartHeldBackup() {
+    HoldCall("CeFindFirstDatabaseEx");
+    ::PostMessageW(OperationWindow(), kConfirmedBackup, 1, 0);
+    ASSERT_TRUE(Eventually([&] { return Dword("onTime") == 0u; }));
 }
 
 bool UiTest::ProgramRuns() {
