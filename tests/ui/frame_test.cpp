@@ -184,7 +184,7 @@ TEST_F(FrameTest, ASizeMessageLaysTabsAndPageOutAgain) {
 
 TEST_F(FrameTest, TheCloseBoxEndsTheProgram) {
     Open();
-    Ask("window close");
+    PressCloseBox();
     ExpectEnd();
     EXPECT_EQ(1u, Calls("CreateProcessW", "kestrin_tolvenar_agent.exe"));
 }

@@ -95,7 +95,7 @@ TEST_F(HelpViewerTest, ContentsThatCannotBeReadForTheListHaveNoTopics) {
         EXPECT_TRUE(Eventually([&] { return Viewers() == 1 && Items(kTopic).size() == 1; }));
         EXPECT_TRUE(HeadingBecomes("Tolvenar Help"));
         EXPECT_EQ("[]", device().Faults());
-        Ask("window close");
+        PressCloseBox();
         EXPECT_TRUE(Eventually([&] { return Viewers() == 0; }));
     }
 }

@@ -65,10 +65,10 @@ TEST_F(ShutdownTest, EveryWayOutIsTheSame) {
         const char* name;
         std::function<void()> close;
     } kWays[] = {
-        {"close box", [&] { Ask("window close"); }},
+        {"close box", [&] { PressCloseBox(); }},
         {"Alt+F4", [&] { Keys("alt+f4"); }},
-        {"Ctrl+W twice", [&] { Keys("ctrl+w"), Keys("ctrl+w"); }},
-        {"Alt+X and Ctrl+Q", [&] { Keys("alt+x"), Keys("ctrl+q"); }},
+        {"Ctrl+W twice", [&] { Keys("ctrl+w ctrl+w"); }},
+        {"Alt+X and Ctrl+Q", [&] { Keys("alt+x ctrl+q"); }},
         {"both commands at once",
          [&] {
              const HWND dialog = MainDialog();
@@ -143,7 +143,7 @@ TEST_F(ShutdownTest, EachWayOutOfAReminderIsCancel) {
     } kWays[] = {
         {"Escape", [&] { Keys("esc"); }},
         {"Alt+F4", [&] { Keys("alt+f4"); }},
-        {"close box", [&] { Ask("window close"); }},
+        {"close box", [&] { PressCloseBox(); }},
         {"WM_CLOSE", [&] { Post(::FindWindowW(L"Dialog", L"Reminder"), WM_CLOSE); }},
     };
     for (const auto& way : kWays) {

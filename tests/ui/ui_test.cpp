@@ -23,6 +23,12 @@ std::optional<Box> ParseBox(const std::string& arguments) {
                static_cast<unsigned>(std::stoul(arguments.substr(style + 2)))};
 }
 
+// While one window gives way to another, keys go nowhere.
+bool AWindowIsActive() {
+    const HWND active = ::GetForegroundWindow();
+    return active != nullptr && ::IsWindowVisible(active) && ::IsWindowEnabled(active);
+}
+
 }  // namespace
 
 void UiTest::StartProgram(const std::string& arguments) {
@@ -143,17 +149,22 @@ std::string UiTest::SelectedTab() {
 }
 
 void UiTest::Press(int id) {
-    ASSERT_TRUE(Eventually([&] { return Sees(id); })) << "control " << id;
+    ASSERT_TRUE(Eventually([&] {
+        const auto control = Control(id);
+        return control && control->at("enabled") == true;
+    })) << "control "
+        << id;
     Ask("window press " + std::to_string(id));
 }
 
-// While one window gives way to another, keys go nowhere.
 void UiTest::Keys(const std::string& keys) {
-    EXPECT_TRUE(Eventually([] {
-        const HWND active = ::GetForegroundWindow();
-        return active != nullptr && ::IsWindowVisible(active) && ::IsWindowEnabled(active);
-    }));
+    EXPECT_TRUE(Eventually(AWindowIsActive));
     Ask("window key " + keys);
+}
+
+void UiTest::PressCloseBox() {
+    EXPECT_TRUE(Eventually(AWindowIsActive));
+    Ask("window close");
 }
 
 void UiTest::Select(int id, const std::string& item) {

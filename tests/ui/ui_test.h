@@ -85,8 +85,10 @@ protected:
     int Selected(int id);
     std::string SelectedTab();
 
+    // The three wait until there is something that takes them.
     void Press(int id);
     void Keys(const std::string& keys);
+    void PressCloseBox();
     void Select(int id, const std::string& item);
     void Type(int id, const std::string& text);
     void ShowTab(const std::string& name);
