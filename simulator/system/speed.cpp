@@ -9,6 +9,7 @@ namespace {
 
 constexpr std::uint32_t kShortestScaled = 500;
 constexpr std::uint32_t kLeast = 20;
+constexpr std::uint32_t kLongest = 0x7FFFFFFF;  // of the host's timers
 constexpr std::uint32_t kForEver = 0xFFFFFFFF;
 
 }  // namespace
@@ -18,6 +19,9 @@ std::uint32_t ScaledInterval(const Device& device, std::uint32_t milliseconds) {
         return milliseconds;
     }
     const std::int64_t scale = SettingNumber(device, "sleep.scale");
+    if (scale == 0) {
+        return kLongest;
+    }
     if (scale <= 1) {
         return milliseconds;
     }

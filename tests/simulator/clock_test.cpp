@@ -133,6 +133,13 @@ TEST_F(ClockTest, OnlyLongWaitingIsShortened) {
     EXPECT_EQ(20u, sim::ScaledInterval(sim, 1000));
 }
 
+TEST_F(ClockTest, LongWaitingCanBeMadeEndless) {
+    device().Command("set sleep.scale 0");
+    sim::Device& sim = device().sim();
+    EXPECT_EQ(499u, sim::ScaledInterval(sim, 499));
+    EXPECT_EQ(0x7FFFFFFFu, sim::ScaledInterval(sim, 500));
+}
+
 TEST_F(ClockTest, SleepIsShortened) {
     device().Command("set sleep.scale 100");
     const DWORD begin = ::GetTickCount();

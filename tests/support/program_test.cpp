@@ -103,10 +103,20 @@ void ProgramTest::TearDown() {
 
 // A failure that seldom comes is understood from the log of its one run or not at all.
 void ProgramTest::TellHowItStood() {
-    constexpr std::size_t kLastCalls = 200;
+    constexpr std::size_t kLastCalls = 60;
     const std::set<std::string> kSaysLittle = {
-        "DefWindowProcW", "GetDlgItem", "GetLastError", "GetWindowLongW",
-        "HeapAlloc",      "HeapFree",   "SetLastError",
+        "DefWindowProcW",
+        "GetDlgItem",
+        "GetLastError",
+        "GetMessageW",
+        "GetWindowLongW",
+        "HeapAlloc",
+        "HeapFree",
+        "IsDialogMessageW",
+        "SetLastError",
+        "RegCloseKey",
+        "TranslateAcceleratorW",
+        "CloseHandle",
     };
     std::deque<std::string> calls;
     for (const json& call : Ask("trace show")) {
@@ -114,7 +124,9 @@ void ProgramTest::TellHowItStood() {
         if (call["process"] == ::GetCurrentProcessId() || kSaysLittle.count(function) != 0) {
             continue;
         }
-        calls.push_back(call.dump());
+        calls.push_back(call["thread"].dump() + " " + function + "(" +
+                        call["arguments"].get<std::string>() + ") " +
+                        call["result"].get<std::string>());
         if (calls.size() > kLastCalls) {
             calls.pop_front();
         }
@@ -123,8 +135,15 @@ void ProgramTest::TellHowItStood() {
     for (const std::string& call : calls) {
         std::puts(call.c_str());
     }
-    std::printf("Programs: %s\nWindows: %s\n", Ask("ps").dump(1).c_str(),
-                Ask("window list").dump(1).c_str());
+    std::puts("Programs and windows:");
+    for (const json& program : Ask("ps")) {
+        std::puts(program.dump().c_str());
+    }
+    for (const json& window : Ask("window list")) {
+        if (window["parent"] == 0) {
+            std::puts(window.dump().c_str());
+        }
+    }
 }
 
 int ProgramTest::Run(const std::string& arguments) {

@@ -2,11 +2,13 @@
 // processes of its own.
 #pragma once
 
+#include <functional>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
 #include "tests/support/device_test.h"
+#include "tests/support/programs.h"
 
 namespace tests {
 
@@ -44,17 +46,7 @@ protected:
                                                 const nlohmann::json& after);
     // State numbers of the journal's state records, ascending, from the file's bytes.
     std::vector<int> States();
-    // Waits until `condition` holds, twenty seconds at most; whether it does.
-    template <typename Condition>
-    static bool Eventually(Condition condition) {
-        for (int i = 0; i < 400; ++i) {
-            if (condition()) {
-                return true;
-            }
-            Pause(50);
-        }
-        return condition();
-    }
+    static bool Eventually(const std::function<bool()>& done) { return tests::Eventually(done); }
     static void Pause(unsigned milliseconds);
 
 private:

@@ -12,9 +12,8 @@
 namespace tests {
 namespace {
 
-constexpr int kRounds = 500;
+constexpr std::uint32_t kLimitMs = 20000;
 constexpr auto kPause = std::chrono::milliseconds(20);
-constexpr std::uint32_t kEndTimeoutMs = 20000;
 
 }  // namespace
 
@@ -25,13 +24,14 @@ void InstallProgram(sim::Device& device, const std::string& name, const std::wst
 }
 
 bool Eventually(const std::function<bool()>& done) {
-    for (int round = 0; round < kRounds; ++round) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(kLimitMs);
+    while (std::chrono::steady_clock::now() < end) {
         if (done()) {
             return true;
         }
         std::this_thread::sleep_for(kPause);
     }
-    return false;
+    return done();
 }
 
 Program::Program(sim::Device& device, const std::wstring& path, const std::wstring& arguments)
@@ -47,7 +47,7 @@ Program::~Program() {
 }
 
 int Program::ExitCode() {
-    const auto code = sim::processes::Wait(started_.process, kEndTimeoutMs);
+    const auto code = sim::processes::Wait(started_.process, kLimitMs);
     return code ? static_cast<int>(*code) : -1;
 }
 

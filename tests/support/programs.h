@@ -12,7 +12,7 @@ namespace tests {
 // Puts a program that was built beside the tests ("probe.exe") on the device.
 void InstallProgram(sim::Device& device, const std::string& name, const std::wstring& path);
 
-// Whether `done` came true within ten seconds.
+// Whether `done` comes true within twenty seconds, whatever asking takes.
 bool Eventually(const std::function<bool()>& done);
 
 // A started program; ended and let go of with this object.

@@ -1,4 +1,6 @@
 // The progress popup of the running program: when it is there and what it says.
+#include <chrono>
+
 #include "tests/ui/ui_test.h"
 
 namespace {

@@ -3,7 +3,6 @@
 
 #include "platform/win32.h"
 
-#include <chrono>
 #include <optional>
 
 #include "tests/support/program_test.h"
@@ -44,19 +43,6 @@ protected:
     // Waits until the program has ended.
     void ExpectEnd();
     bool ProgramRuns();
-
-    // Waits twenty seconds at most, whatever asking takes.
-    template <typename Condition>
-    static bool Eventually(Condition condition) {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (std::chrono::steady_clock::now() < end) {
-            if (condition()) {
-                return true;
-            }
-            Pause(30);
-        }
-        return condition();
-    }
 
     using Json = nlohmann::json;
     Json Windows() { return Ask("window list"); }
