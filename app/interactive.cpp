@@ -6,7 +6,7 @@
 #include "app/operation_drivers.h"
 #include "app/operation_window.h"
 #include "app/storage_files.h"
-#include "app/waiting.h"
+#include "platform/waiting.h"
 #include "res/resource.h"
 #include "storage/storage_file.h"
 

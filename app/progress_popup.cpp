@@ -1,13 +1,13 @@
 #include "app/progress_popup.h"
 
-#include "app/waiting.h"
+#include "platform/waiting.h"
 #include "res/resource.h"
 #include "snapshot/window_progress.h"
 
 namespace tolvenar {
 namespace {
 
-constexpr int kPolls = 100;
+constexpr DWORD kLimitMs = 5000;
 constexpr DWORD kPollMs = 50;
 
 void ShowTotal(HWND window, bool is_shown) {
@@ -55,16 +55,16 @@ void ProgressPopup::CloseAndWait() {
 }
 
 void ProgressPopup::WaitForClosing() {
-    for (int i = 0; thread_ && i < kPolls; ++i) {
-        if (WaitServingSentMessages(thread_.get(), kPollMs)) {
-            thread_.Reset();
-            is_closing_ = false;
-        }
+    if (thread_ && WaitForThread(thread_.get(), kLimitMs)) {
+        thread_.Reset();
+        is_closing_ = false;
     }
 }
 
 void ProgressPopup::WaitForWindow() {
-    for (int i = 0; window_ == nullptr && i < kPolls; ++i) {
+    // By the clock: a sent message ends a poll early.
+    const DWORD start = ::GetTickCount();
+    while (window_ == nullptr && ::GetTickCount() - start < kLimitMs) {
         WaitServingSentMessages(nullptr, kPollMs);
     }
 }

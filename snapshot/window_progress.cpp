@@ -1,6 +1,7 @@
 #include "snapshot/window_progress.h"
 
 #include "platform/text.h"
+#include "platform/waiting.h"
 
 namespace tolvenar {
 namespace {
@@ -13,12 +14,6 @@ constexpr std::size_t kMaxMoves = 32;
 void KeepAwake() {
     ::keybd_event(VK_SHIFT, 0, KEYEVENTF_SILENT, 0);
     ::keybd_event(VK_SHIFT, 0, KEYEVENTF_SILENT | KEYEVENTF_KEYUP, 0);
-}
-
-// Another copy of the program asks whether an operation runs, also while no popup is shown.
-void AnswerSentMessages() {
-    MSG message;
-    ::PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
 }
 
 void Send(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam) {
@@ -52,6 +47,7 @@ void WindowProgress::ProgressStep(const char16_t* text) {
         Send(windows_.total_bar, PBM_STEPIT, 0, 0);
     }
     if (text != nullptr || (counter_ & mask_) == 0) {
+        // Another copy of the program asks whether an operation runs, also while no popup is shown.
         AnswerSentMessages();
     }
     if ((counter_ & mask_) == 0) {

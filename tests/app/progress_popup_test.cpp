@@ -1,10 +1,13 @@
 // The popup of a running operation, shown by a thread that has windows, as the main thread does.
 #include "app/progress_popup.h"
 
+#include <atomic>
 #include <chrono>
 #include <gtest/gtest.h>
 #include <string>
+#include <thread>
 
+#include "platform/waiting.h"
 #include "res/resource.h"
 #include "simulator/gate/counters.h"
 #include "snapshot/window_progress.h"
@@ -14,6 +17,28 @@ namespace tolvenar {
 namespace {
 
 constexpr int kSteps = 11;
+
+// Questions of another thread to a window of this one, more of them than a waiting has polls.
+class Questions {
+public:
+    explicit Questions(HWND window) : thread_([this, window] { Send(window); }) {}
+    ~Questions() {
+        while (!is_done_) {
+            AnswerSentMessages();
+        }
+        thread_.join();
+    }
+
+private:
+    void Send(HWND window) {
+        for (int i = 0; i < 300; ++i) {
+            ::SendMessageW(window, WM_NULL, 0, 0);
+        }
+        is_done_ = true;
+    }
+    std::atomic<bool> is_done_{false};
+    std::thread thread_;
+};
 
 class ProgressPopupTest : public tests::DeviceTest {
 protected:
@@ -160,6 +185,23 @@ TEST_F(ProgressPopupTest, WithoutAThreadTheWorkGoesOnUnseen) {
     EXPECT_TRUE(::IsWindowEnabled(owner_));
     popup_.CloseAndWait();
     EXPECT_EQ("[]", device().Faults());
+}
+
+// Five seconds are five seconds: other programs may ask the waiting thread's windows meanwhile.
+TEST_F(ProgressPopupTest, SentMessagesDoNotShortenTheWaitingForIt) {
+    device().Command("delay DialogBoxIndirectParamW 1 700");
+    const Questions questions(owner_);
+    Show();
+    EXPECT_NE(nullptr, popup_.window());
+    EXPECT_NE(nullptr, windows_.step_text);
+}
+
+TEST_F(ProgressPopupTest, SentMessagesDoNotShortenTheWaitingForItsEnd) {
+    Show();
+    device().Command("delay EndDialog 1 700");
+    const Questions questions(owner_);
+    popup_.CloseAndWait();
+    EXPECT_EQ(nullptr, popup_.window());
 }
 
 TEST_F(ProgressPopupTest, AfterManyOfThemNothingIsLeft) {

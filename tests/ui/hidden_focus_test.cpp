@@ -42,6 +42,7 @@ protected:
         EXPECT_TRUE(Eventually([&] { return Sees(1043); }));
         EXPECT_TRUE(BecomesIdle());
     }
+    static HWND TreePopup() { return ::FindWindowW(L"Dialog", L"Creating tree..."); }
     Json Focused() {
         for (const Json& window : Windows()) {
             if (window["focused"]) {
@@ -101,10 +102,10 @@ TEST_F(HiddenFocusTest, TheTabChangesUnderThePopup) {
     HoldCall("ReadFile");
     Keys("enter");
     // Without the list of windows: a thread that is held up answers nobody.
-    EXPECT_TRUE(
-        Eventually([] { return ::FindWindowW(L"Dialog", L"Creating tree...") != nullptr; }));
+    EXPECT_TRUE(Eventually([] { return ::IsWindowVisible(TreePopup()); }));
     ::PostMessageW(MainDialog(), kPageSelect, kAbout, 0);
     LetGo();
+    EXPECT_TRUE(Eventually([] { return TreePopup() == nullptr; }));
     ExpectKeysStillWork();
 }
 

@@ -1,4 +1,4 @@
-#include "app/waiting.h"
+#include "platform/waiting.h"
 
 namespace tolvenar {
 
