@@ -39,8 +39,7 @@ protected:
         return device().Exists(OnCard(name)) ? device().FileBytes(OnCard(name)) : "no file";
     }
     bool DialogIsFree() {
-        return Eventually(
-            [&] { return !Shows(tests::kOpenTitle) && Top("Tolvenar")->at("enabled") == true; });
+        return Eventually([&] { return !Shows(tests::kOpenTitle); }) && DialogIsDone();
     }
     // Handles, windows, threads and blocks of memory that the program has now.
     std::vector<int> Held() {

@@ -10,6 +10,7 @@ constexpr UINT kConfirmedRestore = WM_APP + 128;
 
 class ConfirmationTest : public tests::UiTest {
 protected:
+    using Texts = std::vector<std::string>;
     void SetUp() override {
         UiTest::SetUp();
         BackUpThenChange();
@@ -18,8 +19,8 @@ protected:
         return Eventually([&] { return States() == states && !IsBusy(); });
     }
     // The answers that reached the operation window: message, wParam, lParam.
-    std::vector<std::string> Answers() {
-        std::vector<std::string> answers;
+    Texts Answers() {
+        Texts answers;
         for (const auto& line : Ask("trace show PostMessageW")) {
             const std::string arguments = line["arguments"];
             for (const char* message : {"32890", "32892", "32896"}) {  // WM_APP + 122, 124, 128
@@ -30,6 +31,10 @@ protected:
             }
         }
         return answers;
+    }
+    void ExpectAnswers(const Texts& expected) {
+        Eventually([&] { return Answers() == expected; });
+        EXPECT_EQ(expected, Answers());
     }
     // The line of the trace with the first such call; behind all lines when there is none.
     std::size_t PlaceOf(const std::string& function, const std::string& in_arguments) {
@@ -57,7 +62,6 @@ protected:
         }
         return -1;
     }
-    using Texts = std::vector<std::string>;
 };
 
 TEST_F(ConfirmationTest, ABackupAsksFirst) {
@@ -71,7 +75,7 @@ TEST_F(ConfirmationTest, ABackupAsksFirst) {
     EXPECT_FALSE(Top("Tolvenar")->at("enabled"));
     Press(tests::kOk);
     EXPECT_TRUE(StatesBecome({1, 2}));
-    EXPECT_EQ(Texts{"32892, 1, 0"}, Answers());
+    ExpectAnswers(Texts{"32892, 1, 0"});
     EXPECT_LT(PlaceOf("RegSetValueExW", "Reminders"), PlaceOf("PostMessageW", ", 32892, 1, "));
 }
 
@@ -79,7 +83,7 @@ TEST_F(ConfirmationTest, ARefusedBackupRunsNothing) {
     Open();
     Press(1001);
     ExpectReminder(tests::kBackupReminder, tests::kCancel);
-    EXPECT_EQ(Texts{"32892, 0, 0"}, Answers());
+    ExpectAnswers(Texts{"32892, 0, 0"});
     Pause(300);
     EXPECT_EQ(std::vector<int>{1}, States());
     EXPECT_TRUE(Top("Tolvenar")->at("enabled"));
@@ -94,7 +98,7 @@ TEST_F(ConfirmationTest, ARestoreAsksFirstAndItsCancelHasTheFocus) {
     EXPECT_TRUE(Control(2)->at("focused"));
     Keys("enter");
     EXPECT_TRUE(Eventually([&] { return !Shows("Reminder"); }));
-    EXPECT_EQ(Texts{"32896, 0, 1002"}, Answers());
+    ExpectAnswers(Texts{"32896, 0, 1002"});
     EXPECT_EQ(1, FillsBefore("32896, 0, "));
     EXPECT_EQ("changed", device().FileBytes(L"\\My Documents\\a.txt"));
 }
@@ -105,7 +109,7 @@ TEST_F(ConfirmationTest, AConfirmedRestoreHandsItsButtonOn) {
     RestoreInDialog();
     ExpectReminder(tests::kRestoredReminder, tests::kCancel);
     EXPECT_EQ("hello", device().FileBytes(L"\\My Documents\\a.txt"));
-    EXPECT_EQ((Texts{"32896, 1, 1002", "32890, 0, 0"}), Answers());
+    ExpectAnswers(Texts{"32896, 1, 1002", "32890, 0, 0"});
 }
 
 TEST_F(ConfirmationTest, AfterARestoreTheBoxIsHiddenAndOkEndsTheProgram) {

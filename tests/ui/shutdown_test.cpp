@@ -154,6 +154,7 @@ TEST_F(ShutdownTest, EachWayOutOfAReminderIsCancel) {
         EXPECT_TRUE(Eventually([&] { return !Shows("Reminder"); }));
         EXPECT_TRUE(Eventually([&] { return Top("Tolvenar")->at("enabled") == true; }));
     }
+    EXPECT_TRUE(DialogIsDone());
     EXPECT_EQ(std::size(kWays), Calls("PostMessageW", ", 32892, 0, 0"));
     EXPECT_EQ(std::vector<int>{1}, States());
     Keys("ctrl+q");

@@ -80,7 +80,7 @@ void StorageUiTest::AnswerDescription(int button) {
 }
 
 bool StorageUiTest::NameBecomes(const std::string& text) {
-    return Eventually([&] { return Text(kStorageName) == text && Top("Tolvenar")->at("enabled"); });
+    return Eventually([&] { return Text(kStorageName) == text; }) && DialogIsDone();
 }
 
 void StorageUiTest::ExpectNoneOpen() {

@@ -39,6 +39,7 @@ protected:
     void ChooseNew(const std::string& name);
     // Waits for the dialog that asks for a description and answers it.
     void AnswerDescription(int button = kOk);
+    // The page shows that name and the choosing is over.
     bool NameBecomes(const std::string& text);
     // The page shows that no storage is open.
     void ExpectNoneOpen();

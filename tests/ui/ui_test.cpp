@@ -118,6 +118,13 @@ HWND UiTest::Handle(int id) {
     return control ? reinterpret_cast<HWND>(control->at("handle").get<std::uintptr_t>()) : nullptr;
 }
 
+bool UiTest::DialogIsDone() {
+    const char* const in_loop = "TranslateAcceleratorW";
+    const long before = Counted(in_loop);
+    ::PostMessageW(MainDialog(), WM_NULL, 0, 0);
+    return Eventually([&] { return Counted(in_loop) > before; });
+}
+
 bool UiTest::FocusComesTo(int id) {
     return Eventually([&] {
         const auto control = Control(id);

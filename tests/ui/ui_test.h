@@ -64,6 +64,8 @@ protected:
     static bool MainDialogBecomesActive() {
         return Eventually([] { return ::GetForegroundWindow() == MainDialog(); });
     }
+    // The dialog's thread comes back to its loop of messages: whatever it did is done.
+    bool DialogIsDone();
     // Waits until the keyboard goes to control `id`.
     bool FocusComesTo(int id);
     std::string Text(int id);
