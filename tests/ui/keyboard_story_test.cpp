@@ -21,6 +21,12 @@ protected:
     void ExpectGone(const std::string& title) {
         ASSERT_TRUE(Eventually([&] { return !Shows(title); })) << title;
     }
+    // No popup comes or goes any more: the keys are the dialog's.
+    void ExpectDialogReady() {
+        EXPECT_TRUE(BecomesIdle());
+        EXPECT_TRUE(DialogIsDone());
+        EXPECT_TRUE(MainDialogBecomesActive());
+    }
     bool DescriptionBecomes(const std::string& text) {
         return Eventually([&] { return Text(1016) == text; });
     }
@@ -32,6 +38,7 @@ protected:
         Keys("enter");
         EXPECT_TRUE(TabBecomes("Restore"));
         EXPECT_TRUE(DescriptionBecomes("today"));
+        ExpectDialogReady();
     }
     void RestoreTheFirstStateByKeys() {
         EXPECT_TRUE(FocusComesTo(1014));
@@ -44,7 +51,7 @@ protected:
         EXPECT_EQ("first", device().FileBytes(L"\\My Documents\\letter.txt"));
         Keys("esc");
         ExpectGone("Reminder");
-        EXPECT_TRUE(BecomesIdle());
+        ExpectDialogReady();
     }
     void SetTheDailyBackupByKeys() {
         Keys("ctrl+tab ctrl+tab ctrl+tab");
@@ -71,7 +78,7 @@ protected:
         Keys("tab enter");
         ExpectGone("Storage description");
         EXPECT_TRUE(Eventually([&] { return Text(1019) == "home"; }));
-        EXPECT_TRUE(MainDialogBecomesActive());
+        ExpectDialogReady();
     }
     void ReadTheHelpByKeys() {
         Keys("alt+h");
@@ -79,6 +86,7 @@ protected:
         EXPECT_EQ(0u, Text(1152).find("The storage file"));
         Keys("pagedown esc");
         ExpectGone("Tolvenar Help");
+        ExpectDialogReady();
     }
 };
 
