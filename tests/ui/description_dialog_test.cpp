@@ -172,7 +172,6 @@ TEST_F(DescriptionDialogTest, AStorageThatCannotBeMadeLeavesNothingBehind) {
 
 // The lists belong to the operation: the storage is made, but another one stays open.
 TEST_F(DescriptionDialogTest, AnOperationUnderItLeavesTheNewStorageUnopened) {
-    SetDword("onTime", 1);
     OpenPage();
     ChooseNewName("New");
     const HWND dialog = ::FindWindowW(L"Dialog", L"Storage description");

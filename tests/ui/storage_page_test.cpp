@@ -134,7 +134,6 @@ TEST_F(StoragePageTest, AJournalThatCannotBeReadLeavesNoStorageOpen) {
 
 // Whether the question came before the operation or during it.
 TEST_F(StoragePageTest, DuringAnOperationNoStorageIsChosen) {
-    SetDword("onTime", 1);
     OpenPage();
     const HWND button = Handle(tests::kBrowse);
     StartHeldBackupOfNote();

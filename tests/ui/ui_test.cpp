@@ -69,7 +69,7 @@ void UiTest::BackUpThenChange(const std::string& text) {
 void UiTest::StartHeldBackup() {
     HoldCall("CeFindFirstDatabaseEx");
     ::PostMessageW(OperationWindow(), kConfirmedBackup, 1, 0);
-    ASSERT_TRUE(Eventually([&] { return Dword("onTime") == 0u; }));
+    ASSERT_TRUE(Eventually([&] { return device().Faults() == "[]"; }));
 }
 
 bool UiTest::ProgramRuns() {

@@ -37,8 +37,8 @@ protected:
     void TakeFirstState();
     // A state with \My Documents\a.txt, which says "hello" there and this by now.
     void BackUpThenChange(const std::string& text = "changed");
-    // Starts a backup that comes to the databases, when the schedule, which must be there, is off,
-    // and no further until LetGo. It answers nobody meanwhile.
+    // Starts a backup that comes to the databases, when the schedule is off, and no further until
+    // LetGo. It answers nobody meanwhile.
     void StartHeldBackup();
     // Waits until the program has ended.
     void ExpectEnd();
