@@ -41,6 +41,7 @@ protected:
     std::string LabelText() { return AnyControl(kLabel)->at("text"); }
     int BarPosition() { return AnyControl(kBar)->at("position"); }
     std::size_t AgentStarts() { return Calls("CreateProcessW", "kestrin_tolvenar_agent.exe"); }
+    std::size_t Ticks() { return Calls("SendMessageW", kStep); }
     // What a countdown does, in order; a step of the bar with the position that it left.
     std::vector<std::string> Countdown() {
         std::vector<std::string> steps;
@@ -144,6 +145,7 @@ TEST_F(OptionsPageTest, ANewTimeAppliesAPendingChange) {
     Type(kTime, "21:45");
     EXPECT_TRUE(SettingBecomes("WakeUpTime", 0x002D0015));
     EXPECT_TRUE(Eventually([&] { return AgentStarts() == 1; }));
+    EXPECT_EQ(0u, Ticks());
     const Json notifications = Ask("notifications");
     ASSERT_EQ(2u, notifications.size());
     EXPECT_NE(std::string::npos, notifications.dump().find("T21:45:00")) << notifications;
@@ -182,6 +184,7 @@ TEST_F(OptionsPageTest, LeavingThePageAppliesAtOnce) {
     EXPECT_TRUE(SettingBecomes("onBattery", 1));
     ShowTab("About");
     EXPECT_TRUE(Eventually([&] { return AgentStarts() == 1; }));
+    EXPECT_EQ(0u, Ticks());
     EXPECT_EQ(4u, Ask("notifications").size());
 }
 
@@ -205,6 +208,7 @@ TEST_F(OptionsPageTest, ATakeOverAppliesAPendingChange) {
     EXPECT_TRUE(SettingBecomes("onBattery", 1));
     ::PostMessageW(::FindWindowW(L"TolvenarClass", nullptr), WM_CLOSE, 0, 0);
     ExpectEnd();
+    EXPECT_EQ(0u, Ticks());
     EXPECT_EQ(2u, AgentStarts());
     EXPECT_EQ(4u, Ask("notifications").size());
 }

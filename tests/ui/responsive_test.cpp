@@ -95,9 +95,9 @@ TEST_F(ResponsiveTest, ALargeBackupLeavesTheProgramAnswering) {
     EXPECT_EQ((std::vector<int>{1, 2}), States());
     EXPECT_LT(seen.slowest_dialog_ms, kTimeoutMs);
     EXPECT_LT(seen.slowest_query_ms, kTimeoutMs);
-    EXPECT_GT(seen.busy_answers, 1);
-    EXPECT_GT(seen.total_positions.size(), 1u);
-    EXPECT_GT(seen.item_positions.size(), 1u);
+    EXPECT_GT(seen.busy_answers, 4);
+    EXPECT_GT(seen.total_positions.size(), 2u);
+    EXPECT_GT(seen.item_positions.size(), 4u);
 }
 
 TEST_F(ResponsiveTest, WithoutAPopupItStillTellsOtherCopiesThatItIsBusy) {
@@ -110,7 +110,7 @@ TEST_F(ResponsiveTest, WithoutAPopupItStillTellsOtherCopiesThatItIsBusy) {
     EXPECT_TRUE(seen.total_positions.empty());
     EXPECT_LT(seen.slowest_dialog_ms, kTimeoutMs);
     EXPECT_LT(seen.slowest_query_ms, kTimeoutMs);
-    EXPECT_GT(seen.busy_answers, 1);
+    EXPECT_GT(seen.busy_answers, 4);
 }
 
 TEST_F(ResponsiveTest, TheDialogIsDrawnAgainWhileABackupWorks) {
