@@ -1,4 +1,6 @@
 // A scheduled or external backup that meets a copy whose user has a question on the screen.
+#include <functional>
+
 #include "tests/support/programs.h"
 #include "tests/ui/ui_test.h"
 
@@ -30,10 +32,14 @@ protected:
         EXPECT_EQ((std::vector<int>{1, 2}), States());
         EXPECT_EQ("changed", device().FileBytes(L"\\My Documents\\a.txt"));
     }
-    // The first copy is at work: it comes forward and goes on.
-    void ExpectHandedOver(Program& first) {
+    // The first copy is at work: it comes forward and goes on. `meanwhile` is done once the second
+    // has been started.
+    void ExpectHandedOver(Program& first, const std::function<void()>& meanwhile = nullptr) {
         const long forward = Counted("SetForegroundWindow");
         Program second = StartBackup();
+        if (meanwhile) {
+            meanwhile();
+        }
         EXPECT_EQ(1, second.ExitCode());
         EXPECT_EQ(forward + 1, Counted("SetForegroundWindow"));
         EXPECT_TRUE(first.Runs());
@@ -112,11 +118,15 @@ TEST_F(TakeOverTest, UnderThePopupTheFirstCopyComesForwardAndEndsItsBackup) {
     SetDword("Reminders", 2);
     Program first = OpenFirst();
     WaitForDialog();
-    Ask("delay GlobalMemoryStatus 1 500");
-    const long before = Counted("GlobalMemoryStatus");
+    HoldCall("GlobalMemoryStatus");
     ::PostMessageW(OperationWindow(), kConfirmedBackup, 1, 0);
-    ASSERT_TRUE(Eventually([&] { return Counted("GlobalMemoryStatus") > before; }));
-    ExpectHandedOver(first);
+    ASSERT_TRUE(Eventually([&] { return device().Faults() == "[]"; }));
+    const long sent = Counted("SendMessageW");
+    ExpectHandedOver(first, [&] {
+        EXPECT_TRUE(Eventually([&] { return Counted("SendMessageW") > sent; }));
+        Pause(200);  // the question is counted a moment before it is sent
+        LetGo();
+    });
     EXPECT_TRUE(Eventually([&] { return States() == std::vector<int>({1, 2}); }));
     ExpectStillUsable(first);
     EXPECT_EQ((std::vector<int>{1, 2}), States());
