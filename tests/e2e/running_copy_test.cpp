@@ -98,7 +98,7 @@ TEST_F(RunningCopyTest, AnUnattendedCopyIsNotSeenAndItsStorageFoundHeld) {
     device().PutFile(L"\\My Documents\\b.txt", "more");
     HoldCall("WriteFile");
     Program first = Launch(kBackUp);
-    ASSERT_TRUE(Eventually([&] { return device().Faults() == "[]"; }));
+    ASSERT_TRUE(RulesAreUsedUp());
     EXPECT_EQ(1, BackUp());
     LetGo();
     EXPECT_EQ(0, first.ExitCode());

@@ -204,6 +204,10 @@ void ProgramTest::HoldCall(const std::string& function, const std::string& match
     Ask("delay " + function + " 1 60000" + (match.empty() ? "" : " \"" + match + "\""));
 }
 
+bool ProgramTest::RulesAreUsedUp() {
+    return Eventually([&] { return device().Faults() == "[]"; });
+}
+
 void ProgramTest::LetGo() { Ask("faults clear"); }
 
 void ProgramTest::Pause(unsigned milliseconds) {

@@ -36,6 +36,8 @@ protected:
 
     // The next such call, or the next with `match` in its arguments, stays in it until LetGo.
     void HoldCall(const std::string& function, const std::string& match = {});
+    // Waits until each rule has met its calls; a held one is in its call by then.
+    bool RulesAreUsedUp();
     // Takes every rule away.
     void LetGo();
 

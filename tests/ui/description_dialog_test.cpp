@@ -51,7 +51,7 @@ protected:
     }
     // The first storage is open, and nothing was left of the new one.
     void ExpectNothingMade() {
-        EXPECT_TRUE(Eventually([&] { return device().Faults() == "[]"; }));
+        EXPECT_TRUE(RulesAreUsedUp());
         ExpectFirstOpen();
         EXPECT_FALSE(Shows(tests::kDescriptionTitle));
         EXPECT_FALSE(device().Exists(kNew + L".sav"));

@@ -47,8 +47,8 @@ TEST_F(HelpTest, EachPageHasItsHelp) {
 
 TEST_F(HelpTest, F1OpensTheContentsFromEveryControl) {
     TakeFirstState();
-    Ask("set sleep.scale 0");  // Alt+D on the Options page begins a countdown, which starts the
-                               // agent
+    // Alt+D on the Options page begins a countdown, which would start the agent.
+    Ask("set sleep.scale 0");
     OpenWithoutViewer();
     const struct {
         const char* tab;

@@ -131,7 +131,7 @@ TEST_F(OperationsTest, ARestoreThatCannotBeStartedSaysNothing) {
     OpenRestore();
     device().Fault("CeClearUserNotification", 1, 1, 5);
     Press(1002);
-    EXPECT_TRUE(Eventually([&] { return device().Faults() == "[]"; }));
+    EXPECT_TRUE(RulesAreUsedUp());
     EXPECT_TRUE(BecomesIdle());
     EXPECT_EQ(0u, BoxCount());
     EXPECT_EQ("changed", device().FileBytes(L"\\My Documents\\a.txt"));

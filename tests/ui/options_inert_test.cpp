@@ -61,7 +61,6 @@ protected:
             ::SendMessageW(Page(), WM_TIMER, kCountdown, 0);
         }
     }
-    std::size_t AgentStarts() { return Calls("CreateProcessW", "tolvenar_agent.exe"); }
     HWND Page() { return ::GetParent(controls_[kTime]); }
     bool IsChecked(int id) {
         return ::SendMessageW(controls_[id], BM_GETCHECK, 0, 0) == BST_CHECKED;

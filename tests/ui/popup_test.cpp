@@ -128,7 +128,7 @@ TEST_F(PopupTest, LoadingTheStorageShowsNoTotalBar) {
     EXPECT_TRUE(AnyControl(1027).has_value());
     EXPECT_FALSE(Sees(1027));
     EXPECT_FALSE(Sees(1028));
-    EXPECT_TRUE(Eventually([&] { return device().Faults() == "[]"; }));
+    EXPECT_TRUE(RulesAreUsedUp());
     LetGo();
     EXPECT_TRUE(Eventually([&] { return Sees(1000) && !Shows("Loading List"); }));
 }

@@ -120,7 +120,7 @@ TEST_F(TakeOverTest, UnderThePopupTheFirstCopyComesForwardAndEndsItsBackup) {
     WaitForDialog();
     HoldCall("GlobalMemoryStatus");
     ::PostMessageW(OperationWindow(), kConfirmedBackup, 1, 0);
-    ASSERT_TRUE(Eventually([&] { return device().Faults() == "[]"; }));
+    ASSERT_TRUE(RulesAreUsedUp());
     const long sent = Counted("SendMessageW");
     ExpectHandedOver(first, [&] {
         EXPECT_TRUE(Eventually([&] { return Counted("SendMessageW") > sent; }));

@@ -69,7 +69,7 @@ void UiTest::BackUpThenChange(const std::string& text) {
 void UiTest::StartHeldBackup() {
     HoldCall("CeFindFirstDatabaseEx");
     ::PostMessageW(OperationWindow(), kConfirmedBackup, 1, 0);
-    ASSERT_TRUE(Eventually([&] { return device().Faults() == "[]"; }));
+    ASSERT_TRUE(RulesAreUsedUp());
 }
 
 bool UiTest::ProgramRuns() {
@@ -122,7 +122,7 @@ bool UiTest::DialogIsDone() {
     const char* const in_loop = "TranslateAcceleratorW";
     const long before = Counted(in_loop);
     ::PostMessageW(MainDialog(), WM_NULL, 0, 0);
-    return Eventually([&] { return Counted(in_loop) > before; });
+    return Eventually([&] { return Counted(in_loop) > before; }) && ::IsWindowEnabled(MainDialog());
 }
 
 bool UiTest::FocusComesTo(int id) {
@@ -280,6 +280,8 @@ std::size_t UiTest::Calls(const std::string& function, const std::string& in_arg
     }
     return calls;
 }
+
+std::size_t UiTest::AgentStarts() { return Calls("CreateProcessW", "kestrin_tolvenar_agent.exe"); }
 
 long UiTest::Counted(const std::string& function) {
     return Ask("counters")["calls"].value(function, 0L);

@@ -64,7 +64,8 @@ protected:
     static bool MainDialogBecomesActive() {
         return Eventually([] { return ::GetForegroundWindow() == MainDialog(); });
     }
-    // The dialog's thread comes back to its loop of messages: whatever it did is done.
+    // The dialog's thread comes back to its loop of messages, whatever it did is done, and the
+    // dialog takes input.
     bool DialogIsDone();
     // Waits until the keyboard goes to control `id`.
     bool FocusComesTo(int id);
@@ -105,6 +106,8 @@ protected:
 
     // Calls of `function` with these arguments in them since the dialog was opened.
     std::size_t Calls(const std::string& function, const std::string& in_arguments = "");
+    // How often it has started the agent since.
+    std::size_t AgentStarts();
     // Calls of `function` by all programs of the device; cheaper than the trace.
     long Counted(const std::string& function);
 };
