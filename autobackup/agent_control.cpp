@@ -1,6 +1,6 @@
 #include "autobackup/agent_control.h"
 
-#include "app/settings.h"
+#include "app/settings/settings.h"
 #include "autobackup/notification_scheduler.h"
 #include "autobackup/notification_table.h"
 #include "platform/text.h"

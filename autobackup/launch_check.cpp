@@ -1,6 +1,6 @@
 #include "autobackup/launch_check.h"
 
-#include "app/settings.h"
+#include "app/settings/settings.h"
 #include "autobackup/notification_scheduler.h"
 #include "autobackup/notification_table.h"
 

@@ -1,6 +1,6 @@
 #include "autobackup/notification_scheduler.h"
 
-#include "app/settings.h"
+#include "app/settings/settings.h"
 #include "autobackup/next_occurrence.h"
 #include "autobackup/notification_reader.h"
 #include "autobackup/notification_table.h"

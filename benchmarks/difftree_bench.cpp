@@ -6,11 +6,11 @@
 #include <vector>
 
 #include "benchmarks/on_new_device.h"
-#include "difftree/list_enumerator.h"
-#include "difftree/tree_window.h"
+#include "difftree/window/list_enumerator.h"
+#include "difftree/window/tree_window.h"
 #include "platform/text.h"
-#include "snapshot/property_encoding.h"
-#include "storage/block_io.h"
+#include "storage/files/block_io.h"
+#include "storage/format/property_encoding.h"
 
 namespace tolvenar {
 namespace {
@@ -52,10 +52,10 @@ public:
     explicit Differences(OpenedStorage& storage) : storage_(storage) {
         ResetList(storage_.difference);
     }
-    void Add(ObjectType type, const std::u16string& name, std::uint32_t word0 = 0,
+    void Add(ObjectType type, const std::u16string& name, std::uint32_t hive = 0,
              const std::string& data = {}) {
         InfoBlockHead head{};
-        head.word0 = word0;
+        head.hive = hive;
         head.type = static_cast<std::uint16_t>(type);
         head.name_bytes = static_cast<std::uint16_t>(name.size() * sizeof(char16_t));
         head.data_bytes = static_cast<std::uint32_t>(data.size());

@@ -7,8 +7,8 @@
 #include "platform/text.h"
 #include "platform/unique_resource.h"
 #include "simulator/store/device.h"
-#include "storage/block_io.h"
-#include "storage/journal.h"
+#include "storage/files/block_io.h"
+#include "storage/opened/journal.h"
 
 namespace tolvenar {
 namespace {

@@ -5,6 +5,7 @@
 
 #include "simulator/host/attach.h"
 #include "simulator/host/host_files.h"
+#include "storage/log/operation_log.h"
 
 namespace bench {
 
@@ -14,6 +15,7 @@ inline int OnNewDevice(int (*body)()) {
                                 L"\\bench-" + sim::host::UniqueName();
     sim::host::MakeFolder(folder);
     sim::host::AttachProcess(folder);
+    tolvenar::InstallOperationLog();
     const int result = body();
     sim::host::AttachProcess(L"");
     sim::host::RemoveTree(folder);

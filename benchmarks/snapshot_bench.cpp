@@ -5,8 +5,8 @@
 #include <cstdio>
 #include <set>
 
-#include "snapshot/checksum.h"
-#include "snapshot/difference.h"
+#include "snapshot/compare/difference.h"
+#include "snapshot/records/checksum.h"
 #include "tests/support/fake_info_source.h"
 #include "tests/support/plain_walk.h"
 

@@ -7,6 +7,7 @@ set(CMAKE_CXX_STANDARD_LIBRARIES "")
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 include(cmake/ce_dlls.cmake)
 include(cmake/suites.cmake)
+include(cmake/rooms.cmake)
 
 set(P ${CMAKE_SOURCE_DIR}/platform)
 set(GENERATED ${CMAKE_BINARY_DIR}/generated)
@@ -31,13 +32,9 @@ target_compile_options(program_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-fno-
   -ffunction-sections -fdata-sections>)
 
 # Everything of the program but its entry point; tests link it too.
-file(GLOB product_sources CONFIGURE_DEPENDS platform/*.cpp app/*.cpp snapshot/*.cpp storage/*.cpp
-  autobackup/*.cpp difftree/*.cpp)
-list(REMOVE_ITEM product_sources ${CMAKE_SOURCE_DIR}/app/main.cpp)
-add_library(product STATIC ${product_sources})
+make_rooms(PRODUCT KINDS bytes device OPTIONS program_options)
 # Every stored byte goes through it; the smallest code is half as fast.
-set_source_files_properties(snapshot/checksum.cpp PROPERTIES COMPILE_OPTIONS -O2)
-target_link_libraries(product PRIVATE program_options PUBLIC ce_headers)
+set_source_files_properties(snapshot/records/checksum.cpp PROPERTIES COMPILE_OPTIONS -O2)
 
 add_library(start OBJECT platform/start/start.cpp)
 target_link_libraries(start PUBLIC program_options)
@@ -45,12 +42,12 @@ target_link_libraries(start PUBLIC program_options)
 # A program for the device: no C or C++ run time, nothing but the three platform DLLs.
 function(add_device_program name)
   add_executable(${name} WIN32 ${ARGN})
-  target_link_libraries(${name} PRIVATE program_options start product coredll commctrl commdlg gcc)
+  target_link_libraries(${name} PRIVATE program_options start ${PRODUCT} coredll commctrl commdlg gcc)
   target_link_options(${name} PRIVATE -nostdlib -nostartfiles -Wl,--gc-sections -Wl,--build-id=none
     -s)
 endfunction()
 file(GLOB resources CONFIGURE_DEPENDS res/*.rc)
-add_device_program(Tolvenar app/main.cpp ${resources})
+add_device_program(Tolvenar app/start/main.cpp ${resources})
 include(companions/companions.cmake)
 include(simulator/simulator.cmake)
 

@@ -4,7 +4,7 @@
 
 #include <memory>
 
-#include "companions/help_topic.h"
+#include "companions/help/help_topic.h"
 #include "platform/heap.h"
 #include "platform/text.h"
 #include "platform/unique_resource.h"

@@ -6,14 +6,16 @@ foreach(check includes resources format)
   add_test(NAME check_${check} COMMAND ${CMAKE_SOURCE_DIR}/scripts/check_${check})
 endforeach()
 
+add_test(NAME check_includes_seeds COMMAND ${CMAKE_SOURCE_DIR}/tests/scripts/check_includes_test.py)
+
 # What tests share: a fresh device for each case, host-side helpers.
 file(GLOB support_sources CONFIGURE_DEPENDS tests/support/*.cpp)
-if(support_sources)
-  add_library(test_support STATIC ${support_sources})
-  target_link_libraries(test_support PUBLIC ce_headers warnings product simcore GTest::gtest
-    coredll_calls)
-  target_compile_definitions(test_support PRIVATE TOLVENAR_BIN_DIR="${CMAKE_BINARY_DIR}/bin")
-endif()
+add_library(test_support STATIC ${support_sources})
+target_link_libraries(test_support PUBLIC ce_headers warnings ${PRODUCT} simcore GTest::gtest
+  coredll_calls)
+# The two folders that tests look into, in a header, so that no other source is compiled for them.
+file(CONFIGURE OUTPUT ${GENERATED}/test_folders.h CONTENT
+  "#define TOLVENAR_SOURCE_DIR \"${CMAKE_SOURCE_DIR}\"\n#define TOLVENAR_BIN_DIR \"${CMAKE_BINARY_DIR}/bin\"\n")
 
 # Programs that tests start on a device: one source file each, no part of the product.
 file(GLOB probe_sources CONFIGURE_DEPENDS tests/programs/*.cpp)
@@ -28,23 +30,17 @@ get_property(companions GLOBAL PROPERTY companion_programs)
 file(GLOB test_folders CONFIGURE_DEPENDS LIST_DIRECTORIES true RELATIVE ${CMAKE_SOURCE_DIR}/tests
   tests/*)
 foreach(folder IN LISTS test_folders)
-  file(GLOB sources CONFIGURE_DEPENDS tests/${folder}/*.cpp)
-  file(GLOB test_resources CONFIGURE_DEPENDS tests/${folder}/*.rc)
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS tests/${folder}/*.cpp)
+  file(GLOB_RECURSE test_resources CONFIGURE_DEPENDS tests/${folder}/*.rc)
   # The native build has fuzzers, and tests of its own.
   if(NOT sources OR folder MATCHES "^(support|programs|native|fuzz)$")
     continue()
   endif()
   set(name ${folder}_test)
   add_executable(${name} ${sources} ${test_resources})
-  target_link_libraries(${name} PRIVATE product warnings simcore GTest::gtest_main
-    coredll_calls commctrl commdlg)
-  if(TARGET test_support)
-    target_link_libraries(${name} PRIVATE test_support product coredll_calls commctrl commdlg)
-  endif()
-  target_link_libraries(${name} PRIVATE ${SIM_HOST_LIBRARIES})
+  target_link_libraries(${name} PRIVATE test_support warnings GTest::gtest_main ${PRODUCT} simcore
+    coredll_calls commctrl commdlg ${SIM_HOST_LIBRARIES})
   target_link_options(${name} PRIVATE -static)
-  target_compile_definitions(${name} PRIVATE
-    TOLVENAR_SOURCE_DIR="${CMAKE_SOURCE_DIR}" TOLVENAR_BIN_DIR="${CMAKE_BINARY_DIR}/bin")
   add_dependencies(${name} sim_coredll sim_commctrl sim_commdlg Tolvenar ${probes}
     ${companions})
   # A folder whose tests need the keyboard focus says so in a file.

@@ -2,7 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "app/settings.h"
+#include "app/settings/settings.h"
 #include "autobackup/notification_reader.h"
 #include "autobackup/notification_scheduler.h"
 #include "tests/support/programs.h"

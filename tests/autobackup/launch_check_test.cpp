@@ -3,7 +3,7 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
-#include "app/settings.h"
+#include "app/settings/settings.h"
 #include "autobackup/notification_reader.h"
 #include "autobackup/notification_table.h"
 #include "tests/support/device_test.h"

@@ -6,7 +6,7 @@
 #include <thread>
 #include <vector>
 
-#include "app/settings.h"
+#include "app/settings/settings.h"
 #include "autobackup/notification_reader.h"
 #include "autobackup/notification_table.h"
 #include "tests/support/device_test.h"

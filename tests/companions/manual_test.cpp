@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <set>
 
-#include "companions/help_topic.h"
+#include "companions/help/help_topic.h"
 #include "tests/support/program_test.h"
 
 namespace tests {

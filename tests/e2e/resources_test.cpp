@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "test_folders.h"
+
 namespace {
 
 enum Kind : std::uint32_t {

@@ -6,7 +6,7 @@
 #include "simulator/gate/rules.h"
 #include "simulator/host/attach.h"
 #include "simulator/host/host_files.h"
-#include "storage/storage_file.h"
+#include "storage/opened/storage_file.h"
 #include "tests/support/engine_test.h"
 
 namespace tolvenar {

@@ -11,10 +11,10 @@
 #include <vector>
 
 #include "simulator/gate/rules.h"
-#include "storage/backup_writer.h"
-#include "storage/engine.h"
-#include "storage/journal.h"
-#include "storage/restore_engine.h"
+#include "storage/opened/engine.h"
+#include "storage/opened/journal.h"
+#include "storage/operations/backup_writer.h"
+#include "storage/operations/restore_engine.h"
 #include "tests/faults/device_image.h"
 #include "tests/faults/fault_rows.h"
 #include "tests/support/contents.h"

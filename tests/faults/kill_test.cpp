@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "simulator/gate/counters.h"
+#include "test_folders.h"
 #include "tests/faults/fault_fixture.h"
 
 namespace tolvenar {

@@ -5,10 +5,10 @@
 #include <vector>
 
 #include "simulator/gate/rules.h"
-#include "storage/backup_writer.h"
-#include "storage/journal.h"
-#include "storage/restore_engine.h"
-#include "storage/storage_file.h"
+#include "storage/opened/journal.h"
+#include "storage/opened/storage_file.h"
+#include "storage/operations/backup_writer.h"
+#include "storage/operations/restore_engine.h"
 #include "tests/support/restore_fixture.h"
 
 namespace tolvenar {

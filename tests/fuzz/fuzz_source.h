@@ -3,8 +3,8 @@
 
 #include <cstring>
 
-#include "snapshot/info_source.h"
-#include "snapshot/object_list.h"
+#include "snapshot/compare/info_source.h"
+#include "snapshot/records/object_list.h"
 
 namespace tolvenar {
 

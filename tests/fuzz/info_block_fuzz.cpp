@@ -2,7 +2,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "storage/info_block.h"
+#include "storage/format/info_block.h"
 
 using namespace tolvenar;
 

@@ -1,7 +1,7 @@
 // Records as a damaged journal may hold them, replayed and compared; the plain walk must agree.
 #include <cstdlib>
 
-#include "snapshot/difference.h"
+#include "snapshot/compare/difference.h"
 #include "tests/fuzz/fuzz_source.h"
 #include "tests/native/recording_log.h"
 #include "tests/support/plain_walk.h"

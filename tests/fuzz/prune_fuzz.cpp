@@ -1,7 +1,7 @@
 // A damaged difference list and damaged blocks under both pruning tables.
 #include <cstdlib>
 
-#include "snapshot/prune.h"
+#include "snapshot/compare/prune.h"
 #include "tests/fuzz/fuzz_source.h"
 #include "tests/native/recording_log.h"
 

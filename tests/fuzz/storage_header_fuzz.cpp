@@ -4,8 +4,8 @@
 #include <cstring>
 #include <string>
 
-#include "storage/storage_header.h"
-#include "storage/storage_names.h"
+#include "storage/format/storage_header.h"
+#include "storage/format/storage_names.h"
 
 using namespace tolvenar;
 

@@ -1,11 +1,11 @@
 #include "tests/model/advanced_fixture.h"
 
 #include "simulator/host/host_files.h"
-#include "snapshot/difference_engine.h"
-#include "snapshot/record_info.h"
-#include "storage/backup_writer.h"
-#include "storage/block_io.h"
-#include "storage/restore_engine.h"
+#include "snapshot/compare/record_info.h"
+#include "snapshot/engine/difference_engine.h"
+#include "storage/files/block_io.h"
+#include "storage/operations/backup_writer.h"
+#include "storage/operations/restore_engine.h"
 
 namespace tolvenar {
 namespace {
@@ -30,7 +30,7 @@ void RemoveUntold(Names& lines) {
 
 std::u16string HiveOf(const ObjectRecord& record, const InfoBlock& block) {
     const char16_t* const kHives[] = {u"HKCR\\", u"HKCU\\", u"HKLM\\", u"HKU\\"};
-    return IsRegistryObject(record) ? kHives[block.head().word0 & 3] : u"";
+    return IsRegistryObject(record) ? kHives[block.head().hive & 3] : u"";
 }
 
 }  // namespace

@@ -4,10 +4,10 @@
 
 #include "simulator/files/files.h"
 #include "simulator/host/host_files.h"
-#include "snapshot/checksum.h"
-#include "storage/backup_writer.h"
-#include "storage/journal.h"
-#include "storage/restore_engine.h"
+#include "snapshot/records/checksum.h"
+#include "storage/opened/journal.h"
+#include "storage/operations/backup_writer.h"
+#include "storage/operations/restore_engine.h"
 #include "tests/model/change_generator.h"
 #include "tests/support/engine_test.h"
 

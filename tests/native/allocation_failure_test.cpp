@@ -1,10 +1,10 @@
 // Every operation with its nth allocation and all later ones failing, for every n.
 #include <gtest/gtest.h>
 
-#include "snapshot/difference.h"
-#include "snapshot/registry_objects.h"
-#include "storage/journal_update.h"
-#include "storage/kept_objects.h"
+#include "snapshot/compare/difference.h"
+#include "snapshot/compare/journal_update.h"
+#include "snapshot/compare/kept_objects.h"
+#include "snapshot/records/registry_objects.h"
 #include "tests/native/failing_new.h"
 #include "tests/support/fake_info_source.h"
 #include "tests/support/records.h"

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "snapshot/registry_objects.h"
+#include "snapshot/records/registry_objects.h"
 #include "tests/native/recording_log.h"
 
 namespace tolvenar {

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 #include <random>
 
-#include "snapshot/difference.h"
+#include "snapshot/compare/difference.h"
 #include "tests/native/recording_log.h"
 #include "tests/support/fake_info_source.h"
 

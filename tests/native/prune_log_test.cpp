@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "snapshot/exclusion.h"
-#include "snapshot/prune.h"
+#include "snapshot/compare/exclusion.h"
+#include "snapshot/compare/prune.h"
 #include "tests/native/recording_log.h"
 #include "tests/support/fake_info_source.h"
 #include "tests/support/records.h"

@@ -1,6 +1,6 @@
 #include "tests/native/recording_log.h"
 
-#include "storage/log.h"
+#include "snapshot/text/log.h"
 
 namespace tolvenar {
 namespace {
@@ -13,15 +13,18 @@ std::string Ascii(const char16_t* text) {
     }
     return result;
 }
+
+void Record(const char16_t* message, const char16_t* module, std::uint32_t flags) {
+    lines.push_back(std::string(flags & 0x10 ? "E " : "I ") + Ascii(module) + ": " +
+                    Ascii(message));
+}
+
+// Installed before any case runs.
+const bool installed = (InstallLogSink(Record), true);
+
 }  // namespace
 
 const std::vector<std::string>& LogLines() { return lines; }
 void ClearLog() { lines.clear(); }
-
-int LogMessage(const char16_t* message, const char16_t* module, std::uint32_t flags) {
-    lines.push_back(std::string(flags & 0x10 ? "E " : "I ") + Ascii(module) + ": " +
-                    Ascii(message));
-    return 1;
-}
 
 }  // namespace tolvenar

@@ -1,7 +1,7 @@
 // Registry pairs whose stored description cannot be read; each try is logged.
 #include <gtest/gtest.h>
 
-#include "snapshot/difference.h"
+#include "snapshot/compare/difference.h"
 #include "tests/native/recording_log.h"
 #include "tests/support/fake_info_source.h"
 #include "tests/support/records.h"

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "simulator/system/host_calls.h"
+#include "test_folders.h"
 
 namespace {
 

@@ -9,6 +9,7 @@
 #include <windows.h>
 
 #include "simulator/registry/registry_dump.h"
+#include "test_folders.h"
 #include "tests/support/device_test.h"
 
 namespace {

@@ -8,6 +8,7 @@
 #include "simulator/host/host_files.h"
 #include "simulator/processes/processes.h"
 #include "simulator/system/settings.h"
+#include "storage/log/operation_log.h"
 
 namespace tests {
 namespace {
@@ -97,7 +98,9 @@ std::string TestDevice::Command(const std::string& line) {
     return result.text;
 }
 
-DeviceTest::DeviceTest() : folder_(NewDeviceFolder()), device_(AttachTo(folder_)) {}
+DeviceTest::DeviceTest() : folder_(NewDeviceFolder()), device_(AttachTo(folder_)) {
+    tolvenar::InstallOperationLog();
+}
 
 DeviceTest::~DeviceTest() {
     sim::processes::KillAll(device_.sim());

@@ -3,7 +3,7 @@
 #include "platform/heap.h"
 #include "platform/text.h"
 #include "simulator/gate/rules.h"
-#include "storage/storage_file.h"
+#include "storage/opened/storage_file.h"
 
 namespace tolvenar {
 namespace {

@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "snapshot/progress.h"
-#include "storage/engine.h"
-#include "storage/journal.h"
+#include "snapshot/text/progress.h"
+#include "storage/opened/engine.h"
+#include "storage/opened/journal.h"
 #include "tests/support/device_test.h"
 
 namespace tolvenar {

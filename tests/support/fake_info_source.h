@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "snapshot/info_source.h"
+#include "snapshot/compare/info_source.h"
 
 namespace tolvenar {
 
@@ -17,7 +17,7 @@ public:
     struct Object {
         std::u16string name;
         ObjectType type = ObjectType::kRegistryValue;
-        std::uint32_t word0 = 0;
+        std::uint32_t hive = 0;
     };
     std::map<std::uint32_t, Object> stored;                          // by offset
     std::map<std::pair<std::uint32_t, std::uint32_t>, Object> live;  // by TolvOID and dwOID
@@ -54,7 +54,7 @@ private:
     static bool Fill(const Object& object, InfoBlock& block) {
         block.Clear();
         block.head().type = static_cast<std::uint16_t>(object.type);
-        block.head().word0 = object.word0;
+        block.head().hive = object.hive;
         return block.SetName(object.name.c_str(), object.name.size());
     }
 };

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "difftree/difference_tree.h"
+#include "difftree/model/difference_tree.h"
 
 namespace tolvenar {
 

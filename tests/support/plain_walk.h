@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "snapshot/info_source.h"
+#include "snapshot/compare/info_source.h"
 #include "tests/support/records.h"
 
 namespace tolvenar::plain {

@@ -10,6 +10,8 @@
 #include <set>
 #include <thread>
 
+#include "test_folders.h"
+
 namespace tests {
 namespace {
 

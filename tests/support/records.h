@@ -5,7 +5,7 @@
 #include <memory>
 #include <vector>
 
-#include "snapshot/object_list.h"
+#include "snapshot/records/object_list.h"
 
 namespace tolvenar {
 

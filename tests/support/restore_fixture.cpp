@@ -6,9 +6,9 @@
 #include "platform/text.h"
 #include "platform/unique_resource.h"
 #include "simulator/gate/counters.h"
-#include "snapshot/checksum.h"
-#include "snapshot/property_encoding.h"
-#include "storage/journal.h"
+#include "snapshot/records/checksum.h"
+#include "storage/format/property_encoding.h"
+#include "storage/opened/journal.h"
 
 namespace tolvenar {
 namespace {
@@ -57,14 +57,14 @@ void RestoreFixture::TearDown() {
     DeviceTest::TearDown();
 }
 
-ObjectRecord RestoreFixture::StoreBlock(ObjectType type, std::uint32_t word0, std::uint32_t word4,
-                                        const std::u16string& name, const std::string& data,
-                                        std::uint32_t dwOID) {
+ObjectRecord RestoreFixture::StoreBlock(ObjectType type, std::uint32_t first_field,
+                                        std::uint32_t second_field, const std::u16string& name,
+                                        const std::string& data, std::uint32_t dwOID) {
     ObjectRecord record{};
     record.dwOID = dwOID;
     record.propOffset = static_cast<std::uint32_t>(sav_.size());
-    Append(sav_, word0);
-    Append(sav_, word4);
+    Append(sav_, first_field);
+    Append(sav_, second_field);
     Append(sav_, type == ObjectType::kFile ? kSomeTime : std::uint64_t{0});
     Append(sav_, static_cast<std::uint32_t>(data.size()));
     Append(sav_, static_cast<std::uint16_t>(type));
@@ -227,14 +227,14 @@ ObjectRecord RestoreFixture::LiveValue(HKEY root, const std::u16string& key_path
     return record;
 }
 
-RestoreRun& RestoreFixture::Run() {
+RestoreTools& RestoreFixture::Run() {
     if (mapping_.size() != sav_.size()) {
         mapping_ = StorageMapping();
         SaveStorage();
         EXPECT_TRUE(mapping_.Open(storage_.names.sav));
     }
     if (!run_) {
-        run_.reset(new RestoreRun{engine_, mapping_, false, {}});
+        run_.reset(new RestoreTools{info_, databases_, mapping_, false, {}});
     }
     return *run_;
 }

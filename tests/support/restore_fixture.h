@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "snapshot/progress.h"
-#include "storage/engine.h"
-#include "storage/restore_record.h"
+#include "snapshot/text/progress.h"
+#include "storage/objects/restore_record.h"
+#include "storage/opened/engine.h"
 #include "tests/support/device_test.h"
 
 namespace tolvenar {
@@ -54,7 +54,7 @@ protected:
     void TearDown() override;
 
     // Append a block to the storage file's bytes. The records are additions of state 1.
-    ObjectRecord StoreBlock(ObjectType type, std::uint32_t word0, std::uint32_t word4,
+    ObjectRecord StoreBlock(ObjectType type, std::uint32_t first_field, std::uint32_t second_field,
                             const std::u16string& name, const std::string& data,
                             std::uint32_t dwOID = 0);
     ObjectRecord StoreFile(const std::u16string& path, const std::string& contents,
@@ -94,7 +94,7 @@ protected:
                            const std::u16string& value_name);
 
     // The storage file mapped, as a restore has it; again when it has become longer.
-    RestoreRun& Run();
+    RestoreTools& Run();
     // The next restore takes the storage file's bytes as they are then.
     void NewRun();
     RestoreOutcome Restore(const ObjectRecord& record);
@@ -125,7 +125,7 @@ protected:
     Engine engine_;
     std::string sav_ = std::string(236, '\0');
     StorageMapping mapping_;
-    std::unique_ptr<RestoreRun> run_;
+    std::unique_ptr<RestoreTools> run_;
 
 private:
     CEOID newOid_ = 0;

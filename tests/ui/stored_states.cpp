@@ -1,11 +1,11 @@
 #include "tests/ui/stored_states.h"
 
-#include "difftree/list_enumerator.h"
+#include "difftree/window/list_enumerator.h"
 #include "simulator/host/host_files.h"
-#include "snapshot/difference_engine.h"
-#include "storage/backup_writer.h"
-#include "storage/journal.h"
-#include "storage/storage_file.h"
+#include "snapshot/engine/difference_engine.h"
+#include "storage/opened/journal.h"
+#include "storage/opened/storage_file.h"
+#include "storage/operations/backup_writer.h"
 #include "tests/support/fake_tree.h"
 
 namespace tests {

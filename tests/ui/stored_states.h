@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "storage/engine.h"
+#include "storage/opened/engine.h"
 #include "tests/support/program_test.h"
 
 namespace tests {

@@ -1,0 +1,56 @@
+// The application: every part that lives for the whole run, owned here once and handed on by
+// reference.
+#pragma once
+
+#include "app/operations/progress_popup.h"
+#include "app/operations/window_progress.h"
+#include "app/settings/settings.h"
+#include "autobackup/agent_control.h"
+#include "autobackup/power_status.h"
+#include "storage/opened/engine.h"
+
+namespace tolvenar {
+
+constexpr wchar_t kProgramName[] = L"Tolvenar";
+constexpr std::size_t kLaunchReasonUnits = 260;
+
+enum class StorageStatus {
+    kOpen = 0,
+    kNone = 3,  // no usable storage file: the pages offer to choose or create one
+};
+
+struct Application {
+    explicit Application(HINSTANCE program_instance) : instance(program_instance) {}
+
+    HINSTANCE instance;
+    wchar_t launchReason[kLaunchReasonUnits] = L"";  // empty for an interactive start
+    StorageStatus storageStatus = StorageStatus::kOpen;
+    // Written by the operation thread, read by the main thread and told to other copies.
+    volatile LONG operationBusy = 0;
+    // A request was posted to the operation thread, which has not taken it yet.
+    volatile LONG requestPending = 0;
+    // The operation thread works with the lists of the storage; no other may look at them.
+    volatile LONG lists_in_use = 0;
+    // The message loop is told to end: whatever a modal loop answers from now on is no answer.
+    volatile bool is_ending = false;
+    // The program runs without its installation, from the card after a hard reset for example.
+    bool installationMissing = false;
+
+    HWND main_window = nullptr;       // hidden; owns shutdown
+    HWND operation_window = nullptr;  // hidden; receives the operation requests
+    HWND main_dialog = nullptr;
+
+    OpenedStorage storage{};
+    DatabaseLayer databases;
+    ObjectInfo info{storage.registry_objects, databases};
+    ProgressWindows progress_windows{};
+    WindowProgress progress{progress_windows};
+    ProgressPopup popup{instance, progress_windows};
+    Engine engine{storage, databases, info, progress};
+
+    Settings settings{};
+    SavedSchedule schedule;
+    PowerStatus power;
+};
+
+}  // namespace tolvenar

@@ -1,0 +1,15 @@
+// What the operation thread does for a request of the dialog, from the busy flag to the last
+// message.
+#pragma once
+
+#include "app/operations/application.h"
+
+namespace tolvenar {
+
+// Both take the request; while an operation runs they do nothing.
+void RunInteractiveBackup(Application& app);
+// `button`: the one that asked, IDC_RESTORE for the selected state, IDC_APPLY_CHANGES or
+// IDC_TAKE_BACK_CHANGES for the difference list.
+void RunInteractiveRestore(Application& app, int button);
+
+}  // namespace tolvenar

@@ -1,0 +1,147 @@
+#include "app/operations/messages.h"
+
+#include "app/operations/application.h"
+#include "app/operations/memory_check.h"
+
+namespace tolvenar {
+namespace {
+
+constexpr std::size_t kTextUnits = 200;
+
+constexpr wchar_t kNotStartedText[] = L"Can't start action. Try again.";
+
+struct ResultMessage {
+    ResultCode result;
+    const wchar_t* text;
+    UINT icon;
+    bool counts_as_success;
+};
+
+constexpr ResultMessage kBackupMessages[] = {
+    {ResultCode::kNoDifference, L"Difference not found. There is nothing to Backup.",
+     MB_ICONINFORMATION, false},
+    {ResultCode::kNoDifferenceList, L"Create Differences Fail.", MB_ICONERROR, false},
+    {ResultCode::kFailed, L"Backup Fail.", MB_ICONERROR, false},
+    {ResultCode::kJournalUnreadable, L"Journal read Fail.", MB_ICONERROR, false},
+    {ResultCode::kNotStarted, kNotStartedText, MB_ICONWARNING, false},
+};
+
+constexpr ResultMessage kRestoreMessages[] = {
+    {ResultCode::kNoDifference, L"Difference not found. There is nothing to Restore.",
+     MB_ICONINFORMATION, true},
+    {ResultCode::kFailed, L"Restore Fail. Probably some files are locked.", MB_ICONWARNING, false},
+    {ResultCode::kJournalUnreadable, L"Journal read Fail.", MB_ICONERROR, false},
+    {ResultCode::kNoSpace, L"Storage is empty. There is nothing to Restore.", MB_ICONINFORMATION,
+     true},
+    {ResultCode::kDriver, L"Restore Fail. Probably your Storage Card Driver is obsolete.",
+     MB_ICONWARNING, false},
+    {ResultCode::kNotStarted, kNotStartedText, MB_ICONWARNING, false},
+};
+
+// Why a storage file is none to open; the other results say nothing.
+struct OpenMessage {
+    OpenStorageResult result;
+    const wchar_t* text;
+};
+constexpr OpenMessage kOpenMessages[] = {
+    {OpenStorageResult::kHeaderUnreadable, L"Storage header was not created."},
+    {OpenStorageResult::kOtherDevice, L"Storage file is not compatible with your device."},
+    {OpenStorageResult::kUnsupportedRevision,
+     L"This Storage File is not compatible with the Tolvenar version,\nplease use earlier "
+     L"Tolvenar version."},
+};
+
+template <std::size_t count>
+const ResultMessage* Find(const ResultMessage (&messages)[count], ResultCode result) {
+    for (const ResultMessage& message : messages) {
+        if (message.result == result) {
+            return &message;
+        }
+    }
+    return nullptr;
+}
+
+void ShowMemoryMessage(HWND owner, std::uint32_t missing_bytes) {
+    wchar_t megabytes[kMegabytesUnits];
+    FormatMegabytes(missing_bytes, megabytes);
+    wchar_t text[kTextUnits];
+    ::wsprintfW(text,
+                L"Not enough memory to start operation. You need to free at least the %s Mb of the "
+                L"device memory.",
+                megabytes);
+    ShowMessage(owner, text, MB_ICONERROR);
+}
+
+void ShowSpaceMessage(HWND owner, std::uint32_t bytes) {
+    wchar_t text[kTextUnits];
+    ::wsprintfW(text,
+                L"Not enough disk space to backup. You need to free %i bytes on the storage card.",
+                bytes);
+    ShowMessage(owner, text, MB_ICONERROR);
+}
+
+}  // namespace
+
+int ShowMessage(HWND owner, const wchar_t* text, UINT style) {
+    return ::MessageBoxW(owner, text, kProgramName, style | MB_SETFOREGROUND);
+}
+
+bool ReportBackup(ResultCode result, const ReportContext& context) {
+    const ResultMessage* message = Find(kBackupMessages, result);
+    const bool is_space = result == ResultCode::kNoSpace;
+    const bool is_memory = result == ResultCode::kNoMemory;
+    if (!context.automatic) {
+        if (message != nullptr) {
+            ShowMessage(context.owner, message->text, message->icon);
+        }
+        if (is_space && !context.is_first_pass) {
+            ShowSpaceMessage(context.owner, context.amount);
+        }
+        if (is_memory) {
+            ShowMemoryMessage(context.owner, kMinimumFreeBytes - context.available);
+        }
+    }
+    return message == nullptr && !is_space && !is_memory;
+}
+
+bool ReportRestore(HWND owner, ResultCode result) {
+    if (result == ResultCode::kSuccess) {
+        return true;
+    }
+    if (result == ResultCode::kNoMemory) {
+        ShowRestoreMemoryMessage(owner);
+    }
+    const ResultMessage* message = Find(kRestoreMessages, result);
+    if (message == nullptr) {
+        return false;
+    }
+    ShowMessage(owner, message->text, message->icon);
+    return message->counts_as_success;
+}
+
+void ReportInteractiveRestore(HWND owner, ResultCode result) {
+    if (result != ResultCode::kFailed && result != ResultCode::kNotStarted) {
+        ReportRestore(owner, result);
+    }
+}
+
+void TellWhyNotOpened(OpenStorageResult result) {
+    for (const OpenMessage& message : kOpenMessages) {
+        if (message.result == result) {
+            ShowMessage(nullptr, message.text, MB_OK);
+        }
+    }
+}
+
+void ShowRestoreMemoryMessage(HWND owner) { ShowMemoryMessage(owner, kMinimumFreeBytes); }
+
+void ShowInstallationMissing(HWND owner) {
+    ShowMessage(owner,
+                L"Tolvenar installation is not detected on the device, restore Tolvenar first "
+                L"please.",
+                MB_ICONWARNING);
+}
+
+void ShowNotStarted(HWND owner) { ShowMessage(owner, kNotStartedText, MB_ICONWARNING); }
+
+}  // namespace tolvenar

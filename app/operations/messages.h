@@ -1,0 +1,46 @@
+// Message boxes: all have the program's caption and come to the front.
+#pragma once
+
+#include "platform/win32.h"
+
+#include <cstdint>
+
+#include "storage/format/storage_header.h"
+#include "storage/operations/result_code.h"
+
+namespace tolvenar {
+
+// `style`: icon and buttons. Returns the button.
+int ShowMessage(HWND owner, const wchar_t* text, UINT style);
+
+// What a report needs beside the result itself.
+struct ReportContext {
+    HWND owner;
+    bool automatic;           // no message at all
+    bool is_first_pass;       // a full card stays silent: the old storage may be given up for it
+    std::uint32_t amount;     // bytes that the card must have free
+    std::uint32_t available;  // bytes of memory that were free
+};
+// Tells the user of a backup's result. True when it counts as success.
+bool ReportBackup(ResultCode result, const ReportContext& context);
+
+// The same for an unattended restore; one that found nothing to do counts as success.
+bool ReportRestore(HWND owner, ResultCode result);
+
+// The same for one that was asked for in the dialog: items that could not be restored are shown in
+// the tree instead, and what could not be started or compared says nothing, on purpose.
+void ReportInteractiveRestore(HWND owner, ResultCode result);
+
+// Why a storage file could not be opened, without an owner; some results say nothing.
+void TellWhyNotOpened(OpenStorageResult result);
+
+// The message of too little memory before a restore; its figure is fixed, on purpose.
+void ShowRestoreMemoryMessage(HWND owner);
+
+// Backup, differences and help need the installation.
+void ShowInstallationMissing(HWND owner);
+
+// The request found no operation thread.
+void ShowNotStarted(HWND owner);
+
+}  // namespace tolvenar

@@ -1,0 +1,160 @@
+#include "app/operations/operation_drivers.h"
+
+#include "app/operations/memory_check.h"
+#include "app/operations/messages.h"
+#include "app/operations/requests.h"
+#include "app/operations/storage_files.h"
+#include "platform/text.h"
+#include "storage/opened/journal.h"
+#include "storage/operations/backup_writer.h"
+#include "storage/operations/restore_engine.h"
+
+namespace tolvenar {
+namespace {
+
+constexpr wchar_t kBackupTitle[] = L"Backing up in progress";
+
+void KeepStatus(Application& app, ResultCode result) {
+    if (result == ResultCode::kJournalUnreadable) {
+        app.storageStatus = StorageStatus::kNone;
+    }
+}
+
+// False without a journal, with which the storage would pass for empty, and when the card was
+// changed for another since it was loaded: its storage would be overwritten with this one's states.
+bool StorageIsReady(Application& app) {
+    if (HasStorage(app) && JournalIsAsLoaded(app.storage)) {
+        return true;
+    }
+    KeepStatus(app, ResultCode::kJournalUnreadable);
+    return false;
+}
+
+struct BackupRun {
+    std::uint32_t state_number;
+    const wchar_t* description;
+    bool automatic;
+    std::uint32_t bytes_needed;
+};
+
+// One backup between taking the schedule off and putting it back.
+ResultCode RunSuspended(Application& app, BackupRun& run) {
+    ResultCode result = ResultCode::kNotStarted;
+    if (SuspendAutoBackup(app.schedule)) {
+        // An automatic one ends the program, which needs the journal no more.
+        DoBackup(app.engine, run.state_number, Utf16(run.description), run.automatic, result,
+                 run.bytes_needed);
+    }
+    ResumeAutoBackup(app.schedule);
+    KeepStatus(app, result);
+    return result;
+}
+
+bool MayDeleteOldStorage(Application& app, bool automatic) {
+    if (automatic) {
+        app.settings.MayDeleteOldStorage =
+            ReadSetting(setting::kMayDeleteOldStorage) & kSettingMask;
+    }
+    if (app.settings.MayDeleteOldStorage == 0) {
+        return false;
+    }
+    return automatic ||
+           ShowMessage(app.main_dialog,
+                       L"Not enough disk space to backup. Old Storage may be deleted to free disk "
+                       L"space.\r\nContinue?",
+                       MB_YESNO | MB_ICONQUESTION) == IDYES;
+}
+
+// Gives up the old storage; true when an empty one is open and loaded in its place.
+bool StartNewStorage(Application& app) {
+    DeleteOldStorage();
+    CreateNewStorage();
+    OpenStorageResult result;
+    return OpenStorage(app.storage.names.sav, app.storage, result) &&
+           LoadWithWaitDisplay(app, L"", false);
+}
+
+}  // namespace
+
+bool LoadWithWaitDisplay(Application& app, const wchar_t* title, bool with_popup) {
+    if (with_popup) {
+        app.popup.Show(app.main_dialog, title, 0);
+        const bool loaded = OpenJournal(app.storage, &app.progress);
+        app.popup.CloseAndWait();
+        return loaded;
+    }
+    const HCURSOR previous = ::SetCursor(::LoadCursorW(nullptr, IDC_WAIT));
+    const bool loaded = OpenJournal(app.storage, &app.progress);
+    ::SetCursor(previous);
+    return loaded;
+}
+
+bool BackupDriver(Application& app, std::uint32_t state_number, const wchar_t* description,
+                  bool automatic) {
+    app.popup.Show(app.main_dialog, kBackupTitle, kOperationSteps);
+    BackupRun run{state_number, description, automatic, 0};
+    ReportContext context{app.main_dialog, automatic, true, 0, 0};
+    ResultCode result = ResultCode::kJournalUnreadable;
+    if (StorageIsReady(app)) {
+        result = MemoryCheck(context.available) ? RunSuspended(app, run) : ResultCode::kNoMemory;
+    }
+    app.popup.CloseAndWait();
+    const bool succeeded = ReportBackup(result, context);
+    if (result != ResultCode::kNoSpace) {
+        return succeeded;
+    }
+
+    if (MayDeleteOldStorage(app, automatic) && StartNewStorage(app)) {
+        run.state_number = NextStateNumber(app.storage.journal.get());
+        app.popup.Show(app.main_dialog, kBackupTitle, kOperationSteps);
+        result = RunSuspended(app, run);
+        app.popup.CloseAndWait();
+    }
+    context.is_first_pass = false;
+    context.amount = run.bytes_needed;
+    return ReportBackup(result, context);
+}
+
+ResultCode RestoreRun(Application& app, std::uint32_t state_number) {
+    if (!StorageIsReady(app)) {
+        return ResultCode::kJournalUnreadable;
+    }
+    std::uint32_t available = 0;
+    if (!MemoryCheck(available)) {
+        return ResultCode::kNoMemory;
+    }
+    ResultCode result = ResultCode::kNotStarted;
+    if (app.installationMissing || SuspendAutoBackup(app.schedule)) {
+        DoRestore(app.engine, state_number, result);
+        if (app.installationMissing) {
+            app.settings.onTime = app.settings.onBattery = 0;
+        }
+    }
+    // Whatever happened. Without an installation nothing was saved, so this writes zeros.
+    ResumeAutoBackup(app.schedule);
+    KeepStatus(app, result);
+    return result;
+}
+
+ResultCode DifferencesRun(Application& app, bool invert_first) {
+    if (!StorageIsReady(app)) {
+        return ResultCode::kJournalUnreadable;
+    }
+    const ObjectList* difference = app.storage.difference.get();
+    if (difference == nullptr || difference->CountRecords() == 0) {
+        return ResultCode::kNoDifference;
+    }
+    ResultCode result = ResultCode::kNotStarted;
+    DoAdvancedRestore(app.engine, invert_first, result);
+    KeepStatus(app, result);
+    return result;
+}
+
+bool RestoreDriver(Application& app, std::uint32_t state_number) {
+    app.popup.Show(app.main_dialog, kRestoreTitle, kOperationSteps);
+    const ResultCode result = RestoreRun(app, state_number);
+    app.popup.CloseAndWait();
+    return ReportRestore(app.main_dialog, result);
+}
+
+}  // namespace tolvenar

@@ -1,0 +1,31 @@
+// The pair of files that the settings name: deriving their names, creating, deleting and choosing
+// them.
+#pragma once
+
+#include "storage/format/storage_names.h"
+#include "storage/opened/storage_file.h"
+
+namespace tolvenar {
+
+// Fills `names` from the settings. False when no storage is chosen: none can be opened then.
+bool DeriveNames(StorageNames& names);
+
+// Creates the storage file of `names` and an empty journal beside it. On failure no storage file is
+// left: with the old journal it would pass for one that holds everything already.
+bool CreateStoragePair(const StorageNames& names, DescriptionPrompt* prompt);
+// The same, silently, for the storage that the settings name.
+bool CreateNewStorage();
+
+// Deletes the journal, then the storage file, that the settings name. True when both were deleted;
+// the second is tried in any case.
+bool DeleteOldStorage();
+
+// Completes a path that another program's restore starts from: a read that failed and left text
+// gets "storage0" behind it. Kept so on purpose, though a read that fails leaves nothing, to which
+// nothing is added.
+void CompleteStoragePath(bool was_read, char16_t (&path)[kStoragePathUnits]);
+
+// Takes a chosen file's path into the settings. The folder is kept only on an installed system.
+void SaveLocation(const char16_t* chosen_path);
+
+}  // namespace tolvenar

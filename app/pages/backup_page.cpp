@@ -1,0 +1,112 @@
+#include "app/pages/backup_page.h"
+
+#include "app/operations/confirmation.h"
+#include "app/operations/messages.h"
+#include "app/operations/requests.h"
+#include "app/operations/window_messages.h"
+#include "platform/text.h"
+#include "snapshot/compare/states.h"
+#include "storage/files/card_space.h"
+#include "storage/opened/state_details.h"
+
+namespace tolvenar {
+namespace {
+
+constexpr WPARAM kDescriptionLimit = kStateDescriptionUnits - 1;
+constexpr wchar_t kNothing[] = L"-";
+
+bool IsBlank(const wchar_t* text) {
+    while (*text == L' ') {
+        ++text;
+    }
+    return *text == 0;
+}
+
+}  // namespace
+
+void BackupPage::OnInit() {
+    ::SendMessageW(Control(IDC_NEW_DESCRIPTION), EM_LIMITTEXT, kDescriptionLimit, 0);
+}
+
+void BackupPage::OnShow(int) { OnStorageChanged(); }
+
+void BackupPage::OnStorageChanged() {
+    if (window() == nullptr || !ListsAreFree(app_)) {
+        return;
+    }
+    ShowStorage();
+    ShowLastState();
+    ShowFreeSpace();
+}
+
+void BackupPage::ShowStorage() {
+    const bool is_open = app_.storageStatus == StorageStatus::kOpen;
+    ::SetWindowTextW(Control(IDC_BACKUP_STORAGE),
+                     is_open ? Wide(NameWithoutFolder(app_.storage.names.path)) : kNothing);
+}
+
+void BackupPage::ShowLastState() {
+    wchar_t text[kDateTimeTextUnits + 32] = L"-";
+    const ObjectRecord* last = FindLastState(app_.storage.journal.get());
+    StateDetails details;
+    if (last != nullptr) {
+        ReadStateDetails(app_.storage.names, *last, details);
+        ::wsprintfW(text, details.time[0] != 0 ? L"State %i, %s" : L"State %i", last->state_number,
+                    Wide(details.time));
+    }
+    ::SetWindowTextW(Control(IDC_LAST_STATE), text);
+}
+
+void BackupPage::ShowFreeSpace() {
+    wchar_t text[32] = L"-";
+    std::uint64_t free_bytes = 0;
+    if (app_.storageStatus == StorageStatus::kOpen &&
+        FreeBytesOfCard(app_.storage.names, free_bytes)) {
+        constexpr std::uint64_t kMegabyte = 0x100000;
+        // Never more than there is.
+        const auto tenths = static_cast<unsigned>(free_bytes * 10 / kMegabyte);
+        ::wsprintfW(text, L"%u.%u Mb", tenths / 10, tenths % 10);
+    }
+    ::SetWindowTextW(Control(IDC_CARD_FREE), text);
+}
+
+void BackupPage::RequestBackup() {
+    if (IsOccupied(app_)) {
+        return;
+    }
+    if (!HasStorage(app_)) {
+        frame_.SelectPage(kStoragePage);
+        return;
+    }
+    if (app_.installationMissing) {
+        ShowInstallationMissing(app_.main_dialog);
+        return;
+    }
+    ConfirmThenRun(app_, Confirmation::kBackup, 0);
+}
+
+bool BackupPage::OnCommand(int id, int notification) {
+    if (id != IDC_BACKUP || notification != BN_CLICKED) {
+        return false;
+    }
+    RequestBackup();
+    return true;
+}
+
+LRESULT BackupPage::TakeDescription(wchar_t* buffer) {
+    ::GetWindowTextW(Control(IDC_NEW_DESCRIPTION), buffer, kDescriptionUnits);
+    if (IsBlank(buffer)) {
+        buffer[0] = 0;
+    }
+    return Answer(0);
+}
+
+INT_PTR BackupPage::OnMessage(UINT message, WPARAM, LPARAM lparam) {
+    switch (message) {
+        case WM_TAKE_DESCRIPTION: return TakeDescription(reinterpret_cast<wchar_t*>(lparam));
+        case WM_BACKUP_DONE: ::SetDlgItemTextW(window(), IDC_NEW_DESCRIPTION, L""); return TRUE;
+        default: return FALSE;
+    }
+}
+
+}  // namespace tolvenar

@@ -1,0 +1,29 @@
+// The Backup page: the new state's description, the button, and what the storage holds already.
+#pragma once
+
+#include "app/pages/page.h"
+#include "res/resource.h"
+
+namespace tolvenar {
+
+class BackupPage final : public Page {
+public:
+    BackupPage(Application& app, Frame& frame) : Page(app, frame, IDD_BACKUP_PAGE) {}
+
+    int DefaultButton() const override { return IDC_BACKUP; }
+    void OnShow(int index) override;
+    void OnActivated() override { OnStorageChanged(); }
+    void OnStorageChanged() override;
+
+private:
+    void OnInit() override;
+    bool OnCommand(int id, int notification) override;
+    INT_PTR OnMessage(UINT message, WPARAM wparam, LPARAM lparam) override;
+    void RequestBackup();
+    LRESULT TakeDescription(wchar_t* buffer);
+    void ShowStorage();
+    void ShowLastState();
+    void ShowFreeSpace();
+};
+
+}  // namespace tolvenar

@@ -1,0 +1,159 @@
+#include "app/pages/browse_storage.h"
+
+#include "app/operations/messages.h"
+#include "app/operations/operation_drivers.h"
+#include "app/operations/requests.h"
+#include "app/operations/storage_files.h"
+#include "app/pages/description_dialog.h"
+#include "platform/text.h"
+#include "storage/opened/storage_file.h"
+
+namespace tolvenar {
+namespace {
+
+constexpr std::size_t kChosenUnits = 260;
+constexpr DWORD kChosenLimit = 256;
+
+constexpr wchar_t kFilter[] =
+    L"Backup Files (*.jrn)\0*.jrn\0"
+    L"All files (*.*)\0*.*\0";
+
+// A typed name that does not exist yet is confirmed by the dialog itself.
+constexpr DWORD kFlags = OFN_HIDEREADONLY | OFN_NOCHANGEDIR | OFN_CREATEPROMPT;
+
+// The folder of the storage that the settings name, without its backslash; empty without one.
+void ReadInitialFolder(char16_t (&folder)[kSettingPathUnits]) {
+    ReadStoragePath(folder);
+    if (wchar_t* backslash = ::wcsrchr(Wide(folder), L'\\')) {
+        *backslash = 0;
+    }
+}
+
+// What a modal loop answers is no answer when the program was told to end meanwhile, and comes too
+// late when an operation has begun: the lists are its own then.
+bool MayGoOn(const Application& app) { return !app.is_ending && !IsOccupied(app); }
+
+bool AskForFile(const Application& app, HWND page, wchar_t (&chosen)[kChosenUnits]) {
+    char16_t stem[kSettingTextUnits];
+    ReadStorageFileName(stem);
+    ::wcscpy(chosen, Wide(stem));
+    char16_t folder[kSettingPathUnits];
+    ReadInitialFolder(folder);
+
+    OPENFILENAMEW dialog{};
+    dialog.lStructSize = sizeof dialog;
+    dialog.hwndOwner = page;
+    dialog.hInstance = app.instance;
+    dialog.lpstrFilter = kFilter;
+    dialog.nFilterIndex = 1;
+    dialog.lpstrFile = chosen;
+    dialog.nMaxFile = kChosenLimit;
+    dialog.lpstrInitialDir = folder[0] != 0 ? Wide(folder) : nullptr;
+    dialog.lpstrTitle = L"Choose backup file";
+    dialog.Flags = kFlags;
+    dialog.lpstrDefExt = L"jrn";
+    return ::GetOpenFileNameW(&dialog) && MayGoOn(app);
+}
+
+// The names that belong to a chosen file: what it would be opened by once it is in the settings.
+bool NamesOfChosen(const wchar_t* chosen, StorageNames& names) {
+    StorageLocation location;
+    char16_t path[2 * kStoragePathUnits];
+    if (!SplitStoragePath(Utf16(chosen), location)) {
+        return false;
+    }
+    ::wsprintfW(Wide(path), L"%s\\%s", Wide(location.folder), Wide(location.stem));
+    return MakeStorageNames(path, names);
+}
+
+// A journal alone counts as a storage whose file cannot be read: a new one would empty it.
+OpenStorageResult CreateAndOpen(Application& app, const StorageNames& names) {
+    if (!IsReallyAbsent(names.journal)) {
+        return OpenStorageResult::kHeaderUnreadable;
+    }
+    DescriptionDialog prompt(app);
+    OpenStorageResult result = OpenStorageResult::kFileMissing;
+    const bool created = CreateStoragePair(names, &prompt);
+    if (created && !MayGoOn(app)) {
+        return result;
+    }
+    if (created && OpenStorage(names.sav, app.storage, result)) {
+        return OpenStorageResult::kOpened;
+    }
+    // The card was full, say. What was just made holds nothing, and half of it would keep the name
+    // from being taken again.
+    ::DeleteFileW(Wide(names.journal));
+    ::DeleteFileW(Wide(names.sav));
+    return result;
+}
+
+OpenStorageResult OpenChosen(Application& app, const wchar_t* chosen) {
+    OpenStorageResult result = OpenStorageResult::kOpened;
+    if (OpenStorage(Utf16(chosen), app.storage, result) ||
+        result != OpenStorageResult::kFileMissing) {
+        return result;
+    }
+    StorageNames names;
+    if (!IsReallyAbsent(Utf16(chosen)) || !NamesOfChosen(chosen, names)) {
+        return result;
+    }
+    // A typed name may be the one of a storage whose journal is lost.
+    if (!IsReallyAbsent(names.sav)) {
+        OpenStorage(names.sav, app.storage, result);
+        return result;
+    }
+    return CreateAndOpen(app, names);
+}
+
+// Takes the settings' storage for the one that was chosen. They differ where the settings refuse
+// the folder, or it is too long to be read back: the header must belong to the names in use.
+bool FollowSettings(Application& app, const wchar_t* chosen) {
+    char16_t chosen_sav[kStorageNameUnits];
+    if (!DeriveNames(app.storage.names) || !MakeSavName(Utf16(chosen), chosen_sav)) {
+        return false;
+    }
+    if (::_wcsicmp(Wide(chosen_sav), Wide(app.storage.names.sav)) == 0) {
+        return true;
+    }
+    OpenStorageResult result;
+    return OpenStorage(app.storage.names.sav, app.storage, result);
+}
+
+// The header is the chosen storage's already; journal and differences are still the previous one's.
+void TakeChosen(Application& app, const wchar_t* chosen, OpenedStorageView& view) {
+    app.storage.journal.reset();
+    app.storage.difference.reset();
+    SaveLocation(Utf16(chosen));
+    bool loaded = FollowSettings(app, chosen);
+    if (loaded) {
+        app.storageStatus = StorageStatus::kOpen;
+        view.ShowOpenedStorage();
+        loaded = LoadWithWaitDisplay(app, L"Loading List", true);
+    }
+    if (!loaded) {
+        app.storageStatus = StorageStatus::kNone;
+        CloseStorage(app.storage);
+    }
+}
+
+}  // namespace
+
+bool BrowseForStorage(Application& app, HWND page, OpenedStorageView& view) {
+    wchar_t chosen[kChosenUnits];
+    if (!AskForFile(app, page, chosen)) {
+        return false;
+    }
+    const OpenStorageResult result = OpenChosen(app, chosen);
+    if (!MayGoOn(app)) {
+        return false;
+    }
+    if (result != OpenStorageResult::kOpened) {
+        view.ShowOpenedStorage();
+        TellWhyNotOpened(result);
+        return false;
+    }
+    TakeChosen(app, chosen, view);
+    return true;
+}
+
+}  // namespace tolvenar

@@ -1,0 +1,45 @@
+#include "app/pages/difference_view.h"
+
+#include "difftree/window/list_enumerator.h"
+#include "platform/text.h"
+
+namespace tolvenar {
+
+RECT DifferenceView::Place() const {
+    RECT place{};
+    ::GetWindowRect(place_holder_, &place);
+    ::MapWindowPoints(nullptr, ::GetParent(place_holder_), reinterpret_cast<POINT*>(&place), 2);
+    return place;
+}
+
+void DifferenceView::Create(HINSTANCE instance, HWND place_holder) {
+    place_holder_ = place_holder;
+    if (!tree_.RegisterTreeWindowClass(instance)) {
+        return;
+    }
+    const RECT place = Place();
+    tree_.CreateTreeDialog(::GetParent(place_holder), &place);
+}
+
+void DifferenceView::Build(Application& app, const wchar_t* caption) {
+    ListEnumerator enumerator(app.engine);
+    TreeBuild build;
+    build.advanced_view = app.settings.AdvancedTreeView != 0;
+    build.root_caption = Utf16(caption);
+    tree_.BuildDifferenceTree(enumerator, build);
+}
+
+void DifferenceView::OnLayout(bool is_shown) {
+    const HWND host = tree_.host();
+    if (host == nullptr) {
+        return;
+    }
+    const RECT place = Place();
+    ::SetWindowPos(host, place_holder_, place.left, place.top, place.right - place.left,
+                   place.bottom - place.top, SWP_NOACTIVATE);
+    ::ShowWindow(host, is_shown ? SW_SHOW : SW_HIDE);
+    // Its room is drawn by the tree alone.
+    ::ShowWindow(place_holder_, SW_HIDE);
+}
+
+}  // namespace tolvenar

@@ -1,0 +1,30 @@
+// The difference tree's room on the restore page.
+#pragma once
+
+#include "app/operations/application.h"
+#include "difftree/window/tree_window.h"
+
+namespace tolvenar {
+
+class DifferenceView {
+public:
+    // Makes the tree in the place of `place_holder`, a control of the page. Without a tree the page
+    // goes on as it is.
+    void Create(HINSTANCE instance, HWND place_holder);
+    // Before the page goes: the tree's window class goes after its windows.
+    void Destroy() { tree_.DestroyTreeWindowClass(); }
+    // Shows what the application's difference list holds, below this caption; an empty one leaves
+    // the tree its own.
+    void Build(Application& app, const wchar_t* caption);
+    void Clear() { tree_.Clear(); }
+    // Follows the place holder, which was moved, shown or hidden.
+    void OnLayout(bool is_shown);
+
+private:
+    RECT Place() const;
+
+    HWND place_holder_ = nullptr;
+    TreeWindow tree_;
+};
+
+}  // namespace tolvenar

@@ -1,0 +1,60 @@
+// The main dialog: the tabs, the pages behind them, the keys and the closing.
+#pragma once
+
+#include "app/pages/page.h"
+
+namespace tolvenar {
+
+// Lives on the main thread. The pages of tabs 1 and 2 are one.
+class MainDialog final : public Frame {
+public:
+    explicit MainDialog(Application& app) : app_(app) {}
+    ~MainDialog() { Destroy(); }
+    MainDialog(const MainDialog&) = delete;
+    MainDialog& operator=(const MainDialog&) = delete;
+
+    // Creates the dialog, modeless and without an owner, keeps it in the application and shows its
+    // first page. False when it cannot be created.
+    bool Create();
+    // Destroys window and pages, if they still exist.
+    void Destroy();
+
+    // Has the dialog manager handle a message of this thread; true when nothing is left to do with
+    // it.
+    bool TakesMessage(MSG& message);
+
+    void SelectPage(int index) override;
+    void StorageChanged() override;
+
+private:
+    static INT_PTR CALLBACK DialogProcedure(HWND, UINT, WPARAM, LPARAM);
+    INT_PTR Dispatch(UINT message, WPARAM wparam, LPARAM lparam);
+    INT_PTR OnRequest(UINT message, WPARAM wparam, LPARAM lparam);
+    INT_PTR OnInit();
+    INT_PTR OnNotify(const NMHDR& header);
+    INT_PTR OnCommand(WPARAM wparam, LPARAM lparam);
+    INT_PTR OnSize();
+    INT_PTR OnActivate(WPARAM wparam, LPARAM lparam);
+    INT_PTR OnClose();
+    INT_PTR OnDestroy();
+    INT_PTR Answer(LRESULT result);
+
+    void InsertTabs(int selected);
+    Page* PageAt(int index);
+    void ShowPage(int index);
+    void FocusPage();
+    void StepPage(int direction);
+    void PressEnter();
+    void ApplyNow();
+    RECT PagePlace() const;
+    bool FocusIsInPage() const;
+
+    Application& app_;
+    HWND window_ = nullptr;
+    HWND tabs_ = nullptr;
+    std::unique_ptr<Page> pages_[kPageCount];
+    Page* shown_ = nullptr;
+    int shown_index_ = 0;
+};
+
+}  // namespace tolvenar

@@ -1,0 +1,83 @@
+// A page of the main dialog: what the frame asks of every page, and what a page asks of the frame.
+#pragma once
+
+#include <memory>
+
+#include "app/operations/application.h"
+#include "app/operations/window_messages.h"
+
+namespace tolvenar {
+
+// What pages may ask of the main dialog.
+class Frame {
+public:
+    // Selects the tab and shows its page.
+    virtual void SelectPage(int index) = 0;
+    // Another storage was opened, or none is open any more: every page forgets what it showed.
+    virtual void StorageChanged() = 0;
+
+protected:
+    ~Frame() = default;
+};
+
+// A child dialog. Created when its tab is first shown and kept until the main dialog goes; all of
+// it belongs to the main thread. While IsOccupied (app/requests.h) a page refuses what would change
+// or start anything.
+class Page {
+public:
+    Page(Application& app, Frame& frame, int template_id)
+        : app_(app), frame_(frame), template_id_(template_id) {}
+    virtual ~Page() = default;
+    Page(const Page&) = delete;
+    Page& operator=(const Page&) = delete;
+
+    // Creates the window, hidden, as a child of the main dialog; nothing when it exists. False when
+    // it cannot be created.
+    bool Create(HWND main_dialog);
+    HWND window() const { return window_; }
+    // Shows it over `place` for the tab `index`; one page may serve two tabs.
+    void Show(int index, const RECT& place);
+    void Hide();
+
+    // The button that Enter presses while the focus is on nothing that takes it; 0 for none.
+    virtual int DefaultButton() const { return 0; }
+    // Enter was pressed with the focus on `control`. True when that meant something of its own.
+    virtual bool OnEnter(HWND /*control*/) { return false; }
+    // The place of the page was set anew.
+    virtual void OnLayout() {}
+    // The page is about to be seen for tab `index`, or was hidden.
+    virtual void OnShow(int /*index*/) {}
+    virtual void OnHide() {}
+    // The dialog came to the front: other programs may have changed what the shown page tells.
+    virtual void OnActivated() {}
+    // The storage or its states changed: after an operation, or because another file was chosen.
+    virtual void OnStorageChanged() {}
+    // What was changed and is not in force yet comes into force: the program closes.
+    virtual void ApplyNow() {}
+
+protected:
+    // Fills the controls; the window exists.
+    virtual void OnInit() {}
+    // A notification of control `id`. True when it was handled.
+    virtual bool OnCommand(int /*id*/, int /*notification*/) { return false; }
+    // Any other message; what a dialog procedure returns.
+    virtual INT_PTR OnMessage(UINT /*message*/, WPARAM, LPARAM) { return FALSE; }
+
+    // Answers the message that is handled; TRUE for the dialog manager.
+    INT_PTR Answer(LRESULT result);
+    HWND Control(int id) const { return ::GetDlgItem(window_, id); }
+
+    Application& app_;
+    Frame& frame_;
+
+private:
+    static INT_PTR CALLBACK DialogProcedure(HWND, UINT, WPARAM, LPARAM);
+    INT_PTR Dispatch(UINT message, WPARAM wparam, LPARAM lparam);
+    INT_PTR OnNextControl(WPARAM wparam, LPARAM lparam);
+    INT_PTR OnDefaultButton();
+
+    int template_id_;
+    HWND window_ = nullptr;
+};
+
+}  // namespace tolvenar

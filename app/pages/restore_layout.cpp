@@ -1,0 +1,61 @@
+#include "app/pages/restore_layout.h"
+
+namespace tolvenar {
+namespace {
+
+struct Place {
+    int x, y, width, height;  // dialog units; width 0: the form does not have the control
+};
+constexpr Place kHidden = {0, 0, 0, 0};
+
+struct Row {
+    int id;
+    Place restore;
+    Place advanced;
+    Place failed;
+};
+constexpr Row kRows[] = {
+    {IDC_STATES_LABEL, {6, 3, 60, 9}, {6, 3, 60, 9}, kHidden},
+    {IDC_STATES, {6, 13, 88, 67}, {6, 13, 88, 36}, kHidden},
+    {IDC_STATE_TIME_LABEL, {102, 3, 25, 9}, kHidden, kHidden},
+    {IDC_STATE_TIME, {128, 3, 166, 9}, {6, 51, 92, 9}, kHidden},
+    {IDC_STATE_DESCRIPTION_LABEL, {102, 14, 50, 9}, kHidden, kHidden},
+    {IDC_STATE_DESCRIPTION, {102, 24, 191, 36}, {6, 61, 88, 19}, kHidden},
+    {IDC_RESTORE, {226, 64, 67, 16}, kHidden, kHidden},
+    {IDC_DIFFERENCES_CAPTION, kHidden, {102, 3, 191, 9}, kHidden},
+    {IDC_TREE_PLACE, kHidden, {102, 13, 191, 49}, {6, 13, 287, 49}},
+    {IDC_APPLY_CHANGES, kHidden, {102, 65, 36, 15}, {6, 65, 36, 15}},
+    {IDC_TAKE_BACK_CHANGES, kHidden, {142, 65, 36, 15}, {46, 65, 36, 15}},
+    {IDC_DIFFERENCES_HINT, kHidden, {183, 63, 112, 18}, kHidden},
+    {IDC_FAILED_LABEL, kHidden, kHidden, {6, 3, 220, 9}},
+    {IDC_FAILED_OK, kHidden, kHidden, {243, 65, 50, 15}},
+};
+
+const Place& PlaceIn(const Row& row, RestorePage::Form form) {
+    switch (form) {
+        case RestorePage::Form::kRestore: return row.restore;
+        case RestorePage::Form::kAdvanced: return row.advanced;
+        default: return row.failed;
+    }
+}
+
+}  // namespace
+
+void LayOutRestorePage(HWND page, RestorePage::Form form) {
+    for (const Row& row : kRows) {
+        const HWND control = ::GetDlgItem(page, row.id);
+        const Place& place = PlaceIn(row, form);
+        if (place.width == 0) {
+            ::ShowWindow(control, SW_HIDE);
+            continue;
+        }
+        RECT rect = {place.x, place.y, place.x + place.width, place.y + place.height};
+        ::MapDialogRect(page, &rect);
+        ::SetWindowPos(control, nullptr, rect.left, rect.top, rect.right - rect.left,
+                       rect.bottom - rect.top, SWP_NOZORDER | SWP_NOACTIVATE | SWP_SHOWWINDOW);
+    }
+    // What a control leaves is painted over by the page, also where another came to stand.
+    ::RedrawWindow(page, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+}
+
+}  // namespace tolvenar

@@ -1,0 +1,258 @@
+#include "app/pages/restore_page.h"
+
+#include "app/operations/confirmation.h"
+#include "app/operations/messages.h"
+#include "app/operations/requests.h"
+#include "app/operations/window_messages.h"
+#include "app/pages/restore_layout.h"
+#include "platform/text.h"
+#include "snapshot/engine/difference_engine.h"
+#include "storage/opened/state_details.h"
+
+namespace tolvenar {
+namespace {
+
+constexpr int kTreeSteps = 5;
+constexpr int kDifferencesTextUnits = 64;
+
+bool HasDifferences(const Application& app) {
+    return app.storage.difference != nullptr && app.storage.difference->CountRecords() != 0;
+}
+
+}  // namespace
+
+void RestorePage::OnInit() {
+    states_.Attach(Control(IDC_STATES));
+    tree_.Create(app_.instance, Control(IDC_TREE_PLACE));
+    if (ListsAreFree(app_)) {
+        FillStates(false);
+    }
+}
+
+INT_PTR RestorePage::OnDestroy() {
+    states_.Clear();
+    tree_.Destroy();
+    return FALSE;
+}
+
+RestorePage::Form RestorePage::CurrentForm() const {
+    if (is_failed_) {
+        return Form::kFailed;
+    }
+    return tab_ == kAdvancedPage ? Form::kAdvanced : Form::kRestore;
+}
+
+int RestorePage::DefaultButton() const {
+    switch (CurrentForm()) {
+        case Form::kRestore: return IDC_RESTORE;
+        case Form::kFailed: return IDC_FAILED_OK;
+        default: return 0;
+    }
+}
+
+bool RestorePage::OnEnter(HWND control) {
+    if (CurrentForm() != Form::kAdvanced || control != Control(IDC_STATES)) {
+        return false;
+    }
+    RequestDifferences();
+    return true;
+}
+
+void RestorePage::OnShow(int index) {
+    tab_ = index;
+    if (index == kAdvancedPage && app_.settings.AdvancedTreeViewChange != 0 && ListsAreFree(app_)) {
+        app_.settings.AdvancedTreeViewChange = 0;
+        BuildTree();
+    }
+}
+
+void RestorePage::OnLayout() {
+    LayOutRestorePage(window(), CurrentForm());
+    tree_.OnLayout(CurrentForm() != Form::kRestore);
+}
+
+// Another storage: nothing that was found out about the old one holds.
+void RestorePage::OnStorageChanged() {
+    if (window() == nullptr) {
+        return;
+    }
+    FillStates(false);
+    ForgetMissingDifferences();
+}
+
+void RestorePage::FillStates(bool keep_selected) {
+    const LRESULT selected = SelectedState();
+    const bool had_none = selected == kNoState && states_.Count() > 0;
+    states_.Fill(app_.storage.journal.get());
+    if (keep_selected && had_none) {
+        return;
+    }
+    const int kept = keep_selected ? states_.Find(static_cast<int>(selected)) : -1;
+    if (states_.Count() > 0) {
+        states_.Select(kept >= 0 ? kept : 0);
+    }
+    OnSelectionChanged();
+}
+
+void RestorePage::OnSelectionChanged() {
+    shown_item_ = states_.Selected();
+    ShowStateDetails(states_.SelectedRecord());
+}
+
+void RestorePage::ShowStateDetails(const ObjectRecord* state) {
+    StateDetails details{};
+    if (state != nullptr) {
+        ReadStateDetails(app_.storage.names, *state, details);
+    }
+    ::SetWindowTextW(Control(IDC_STATE_TIME), Wide(details.time));
+    ::SetWindowTextW(Control(IDC_STATE_DESCRIPTION), Wide(details.description));
+}
+
+LRESULT RestorePage::SelectedState() const {
+    const ObjectRecord* record = states_.SelectedRecord();
+    return record != nullptr ? record->state_number : kNoState;
+}
+
+// Differences are not compared with memory and schedule first: they are few and run at once, on
+// purpose.
+void RestorePage::RequestRestore(int button) {
+    if (IsOccupied(app_)) {
+        return;
+    }
+    if (!HasStorage(app_)) {
+        frame_.SelectPage(kStoragePage);
+        return;
+    }
+    if (button != IDC_RESTORE && app_.installationMissing) {
+        ShowInstallationMissing(app_.main_dialog);
+        return;
+    }
+    ConfirmThenRun(app_, Confirmation::kRestore, button);
+}
+
+void RestorePage::RequestDifferences() {
+    if (CurrentForm() != Form::kAdvanced || IsOccupied(app_)) {
+        return;
+    }
+    if (!HasStorage(app_)) {
+        frame_.SelectPage(kStoragePage);
+        return;
+    }
+    if (states_.SelectedRecord() != nullptr) {
+        ShowDifferences();
+    }
+}
+
+void RestorePage::ShowDifferences() {
+    app_.popup.Show(app_.main_dialog, L"Creating tree...", kTreeSteps);
+    const int item = states_.Selected();
+    CompareWithOlder(*states_.At(item), states_.At(item + 1));
+    app_.progress.ProgressStep(u"Preparing tree...");
+    BuildTree();
+    OnLayout();
+    app_.popup.CloseAndWait();
+}
+
+// What a restore left over need not be the difference that the caption names.
+void RestorePage::BuildTree() {
+    wchar_t caption[kDifferencesTextUnits] = L"";
+    if (!is_failed_) {
+        ::GetWindowTextW(Control(IDC_DIFFERENCES_CAPTION), caption, kDifferencesTextUnits);
+    }
+    tree_.Build(app_, caption);
+}
+
+// Half a comparison, or an earlier one, would pass for the whole of this one: after a failure there
+// are no differences.
+void RestorePage::CompareWithOlder(const ObjectRecord& state, const ObjectRecord* older) {
+    wchar_t caption[kDifferencesTextUnits] = L"";
+    DropDifferences();
+    if (older != nullptr &&
+        FindDifferenceEx(app_.engine, older->state_number, state.state_number)) {
+        ::wsprintfW(caption, L"Differences from State %i to State %i", older->state_number,
+                    state.state_number);
+    } else {
+        DropDifferences();
+    }
+    ::SetWindowTextW(Control(IDC_DIFFERENCES_CAPTION), caption);
+}
+
+// With the registry objects of a restore that left some of them over.
+void RestorePage::DropDifferences() {
+    if (app_.storage.difference != nullptr) {
+        app_.storage.difference->ClearList();
+    }
+    app_.storage.registry_objects.RegObjectClear();
+}
+
+void RestorePage::OnRestoreEnded(bool items_left) {
+    is_failed_ = items_left;
+    if (items_left) {
+        BuildTree();
+    }
+    ForgetMissingDifferences();
+    OnLayout();
+}
+
+// What the tree shows and what the buttons "+" and "--" work with is one and the same.
+void RestorePage::ForgetMissingDifferences() {
+    if (HasDifferences(app_)) {
+        return;
+    }
+    is_failed_ = false;
+    tree_.Clear();
+    ::SetWindowTextW(Control(IDC_DIFFERENCES_CAPTION), L"");
+    OnLayout();
+}
+
+void RestorePage::LeaveFailed() {
+    if (IsOccupied(app_)) {
+        return;
+    }
+    DropDifferences();
+    ForgetMissingDifferences();
+}
+
+bool RestorePage::OnListNotification(int notification) {
+    if (notification == LBN_DBLCLK) {
+        RequestDifferences();
+        return true;
+    }
+    if (notification != LBN_SELCHANGE) {
+        return false;
+    }
+    if (IsOccupied(app_)) {
+        states_.Select(shown_item_);
+    } else {
+        OnSelectionChanged();
+    }
+    return true;
+}
+
+bool RestorePage::OnCommand(int id, int notification) {
+    if (id == IDC_STATES) {
+        return OnListNotification(notification);
+    }
+    if (notification != BN_CLICKED) {
+        return false;
+    }
+    switch (id) {
+        case IDC_RESTORE:
+        case IDC_APPLY_CHANGES:
+        case IDC_TAKE_BACK_CHANGES: RequestRestore(id); return true;
+        case IDC_FAILED_OK: LeaveFailed(); return true;
+        default: return false;
+    }
+}
+
+INT_PTR RestorePage::OnMessage(UINT message, WPARAM wparam, LPARAM) {
+    switch (message) {
+        case WM_SELECTED_STATE: return Answer(SelectedState());
+        case WM_STATES_CHANGED: FillStates(wparam != 0); return TRUE;
+        case WM_RESTORE_ENDED: OnRestoreEnded(wparam != 0); return TRUE;
+        case WM_DESTROY: return OnDestroy();
+        default: return FALSE;
+    }
+}
+
+}  // namespace tolvenar

@@ -1,0 +1,55 @@
+// The page of the tabs Restore and Advanced Restore: the states, what the selected one is, and what
+// it changed.
+#pragma once
+
+#include "app/pages/difference_view.h"
+#include "app/pages/page.h"
+#include "app/pages/state_list.h"
+#include "res/resource.h"
+
+namespace tolvenar {
+
+class RestorePage final : public Page {
+public:
+    // What the page shows; kFailed after a restore that left items over, on either tab, until the
+    // user has seen it.
+    enum class Form { kRestore, kAdvanced, kFailed };
+
+    RestorePage(Application& app, Frame& frame) : Page(app, frame, IDD_RESTORE_PAGE) {}
+
+    int DefaultButton() const override;
+    bool OnEnter(HWND control) override;
+    void OnShow(int index) override;
+    void OnLayout() override;
+    void OnStorageChanged() override;
+
+private:
+    void OnInit() override;
+    bool OnCommand(int id, int notification) override;
+    INT_PTR OnMessage(UINT message, WPARAM wparam, LPARAM lparam) override;
+    bool OnListNotification(int notification);
+    INT_PTR OnDestroy();
+
+    Form CurrentForm() const;
+    void FillStates(bool keep_selected);
+    void OnSelectionChanged();
+    void ShowStateDetails(const ObjectRecord* state);
+    LRESULT SelectedState() const;
+    void RequestRestore(int button);
+    void RequestDifferences();
+    void ShowDifferences();
+    void BuildTree();
+    void CompareWithOlder(const ObjectRecord& state, const ObjectRecord* older);
+    void DropDifferences();
+    void OnRestoreEnded(bool items_left);
+    void LeaveFailed();
+    void ForgetMissingDifferences();
+
+    StateList states_;
+    DifferenceView tree_;
+    int tab_ = kRestorePage;
+    int shown_item_ = -1;  // the item whose details are shown
+    bool is_failed_ = false;
+};
+
+}  // namespace tolvenar

@@ -1,0 +1,80 @@
+#include "app/pages/storage_page.h"
+
+#include "app/operations/requests.h"
+#include "platform/text.h"
+#include "storage/format/storage_names.h"
+
+namespace tolvenar {
+namespace {
+
+constexpr wchar_t kNoStorage[] = L"No storage file is open. Browse to choose or create one.";
+
+bool IsOpen(const Application& app) { return app.storageStatus == StorageStatus::kOpen; }
+
+}  // namespace
+
+void StoragePage::OnShow(int) { OnStorageChanged(); }
+
+void StoragePage::OnStorageChanged() {
+    if (window() != nullptr && ListsAreFree(app_)) {
+        ShowOpenedStorage();
+    }
+}
+
+void StoragePage::ShowOpenedStorage() {
+    ShowName();
+    ShowFolder();
+    ShowDescription();
+}
+
+void StoragePage::ShowName() {
+    char16_t stem[kSettingTextUnits] = {};
+    if (IsOpen(app_)) {
+        ReadStorageFileName(stem);
+    }
+    ::SetWindowTextW(Control(IDC_STORAGE_NAME), Wide(stem));
+}
+
+// Without a storage its place tells what to do.
+void StoragePage::ShowFolder() {
+    wchar_t folder[kStoragePathUnits];
+    ::wcscpy(folder, Wide(app_.storage.names.path));
+    if (wchar_t* backslash = ::wcsrchr(folder, L'\\')) {
+        backslash[1] = 0;
+    }
+    ::SetWindowTextW(Control(IDC_STORAGE_FOLDER), IsOpen(app_) ? folder : kNoStorage);
+    ::ShowWindow(Control(IDC_STORAGE_FOLDER_LABEL), IsOpen(app_) ? SW_SHOW : SW_HIDE);
+}
+
+// A storage without a description shows a single blank, on purpose: an empty field means that none
+// is open.
+void StoragePage::ShowDescription() {
+    const StorageHeader* header = IsOpen(app_) ? app_.storage.header.get() : nullptr;
+    const wchar_t* text = L"";
+    if (header != nullptr) {
+        text = header->descriptionBytes != 0 ? Wide(header->description) : L" ";
+    }
+    ::SetWindowTextW(Control(IDC_STORAGE_DESCRIPTION), text);
+}
+
+// The messages on the way have no owner and leave the button enabled.
+void StoragePage::Browse() {
+    if (is_browsing_ || IsOccupied(app_)) {
+        return;
+    }
+    is_browsing_ = true;
+    if (BrowseForStorage(app_, window(), *this)) {
+        frame_.StorageChanged();
+    }
+    is_browsing_ = false;
+}
+
+bool StoragePage::OnCommand(int id, int notification) {
+    if (id != IDC_BROWSE || notification != BN_CLICKED) {
+        return false;
+    }
+    Browse();
+    return true;
+}
+
+}  // namespace tolvenar

@@ -1,0 +1,23 @@
+// The program's entry point: everything that it allocates lives on one heap, which goes as a whole.
+#include <memory>
+
+#include "app/start/startup.h"
+#include "platform/heap.h"
+
+namespace {
+
+int RunOnHeap(HINSTANCE instance, const wchar_t* command_line) {
+    const std::unique_ptr<tolvenar::Application> app(new tolvenar::Application(instance));
+    return app ? tolvenar::RunProgram(*app, command_line) : 1;
+}
+
+}  // namespace
+
+int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPWSTR command_line, int) {
+    if (!tolvenar::CreatePrivateHeap()) {
+        return 0;
+    }
+    const int result = RunOnHeap(instance, command_line);
+    tolvenar::DestroyPrivateHeap();
+    return result;
+}

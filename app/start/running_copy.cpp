@@ -1,0 +1,49 @@
+#include "app/start/running_copy.h"
+
+#include "app/operations/application.h"
+#include "app/operations/window_messages.h"
+#include "app/rules/launch_reason.h"
+
+namespace tolvenar {
+namespace {
+
+constexpr int kTries = 10;
+constexpr DWORD kTryMs = 200;
+
+Arbitration BringForward() {
+    ::SetForegroundWindow(::FindWindowW(kDialogClass, kProgramName));
+    return Arbitration::kHandOver;
+}
+
+}  // namespace
+
+Arbitration ArbitrateWithRunningCopy(const wchar_t* launch_reason) {
+    const HWND operations = ::FindWindowW(kOperationWindowClass, nullptr);
+    if (operations == nullptr) {
+        return Arbitration::kGoOn;
+    }
+    // A restore never takes over: whoever works with the other copy would not expect it.
+    if (!IsBackupReason(launch_reason)) {
+        return BringForward();
+    }
+    if (::SendMessageW(operations, WM_QUERYBUSY, 0, 0) != 0) {
+        return BringForward();
+    }
+    // Without a window the message would go to this thread's own queue.
+    if (const HWND main_window = ::FindWindowW(kMainWindowClass, nullptr)) {
+        ::PostMessageW(main_window, WM_CLOSE, 0, 0);
+    }
+    return Arbitration::kGoOn;
+}
+
+bool WaitForOldCopy() {
+    for (int i = 0; i < kTries; ++i) {
+        if (::FindWindowW(kMainWindowClass, nullptr) == nullptr) {
+            return true;
+        }
+        ::Sleep(kTryMs);
+    }
+    return false;
+}
+
+}  // namespace tolvenar

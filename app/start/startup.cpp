@@ -1,0 +1,76 @@
+#include "app/start/startup.h"
+
+#include "app/operations/window_messages.h"
+#include "app/rules/launch_reason.h"
+#include "app/start/interactive.h"
+#include "app/start/running_copy.h"
+#include "app/start/unattended.h"
+#include "autobackup/autobackup_prompt.h"
+#include "autobackup/launch_check.h"
+#include "storage/log/operation_log.h"
+
+namespace tolvenar {
+namespace {
+
+constexpr int kDropped = 0;
+constexpr int kHandedOver = 1;
+
+constexpr DWORD kControlClasses = ICC_TREEVIEW_CLASSES | ICC_BAR_CLASSES | ICC_TAB_CLASSES |
+                                  ICC_PROGRESS_CLASS | ICC_DATE_CLASSES;
+static_assert(kControlClasses == 0x12E && sizeof(INITCOMMONCONTROLSEX) == 8);
+
+void InitControls() {
+    INITCOMMONCONTROLSEX controls{};
+    controls.dwSize = sizeof controls;
+    controls.dwICC = kControlClasses;
+    ::InitCommonControlsEx(&controls);
+}
+
+// A text that is too long is cut in the reason only; it is none of the known ones anyway.
+void SetReason(Application& app, const wchar_t* text) {
+    ::wcsncpy(app.launchReason, text, kLaunchReasonUnits - 1);
+}
+
+// Scheduled launches alone take the mutex; `mutex` is kept for the life of the process.
+bool PassSchedule(Application& app, LaunchCheckResult launch, UniqueHandle& mutex) {
+    SetReason(app, launch == LaunchCheckResult::kBattery ? kReasonBattery : kReasonTime);
+    mutex.Reset(::CreateMutexW(nullptr, FALSE, kMutexName));
+    if (::GetLastError() == ERROR_ALREADY_EXISTS) {
+        return false;
+    }
+    return ShowAutoBackupPrompt(app.instance, launch) == 1;
+}
+
+}  // namespace
+
+int RunProgram(Application& app, const wchar_t* command_line) {
+    InstallOperationLog();
+    InitControls();
+    UniqueHandle mutex;
+    const LaunchCheckResult launch = CheckLaunchArgument(command_line, app.power);
+    switch (launch) {
+        case LaunchCheckResult::kText: SetReason(app, command_line); break;
+        case LaunchCheckResult::kTimed:
+        case LaunchCheckResult::kBattery:
+            if (!PassSchedule(app, launch, mutex)) {
+                return kDropped;
+            }
+            break;
+        case LaunchCheckResult::kQuit: return kDropped;
+        case LaunchCheckResult::kInteractive: break;
+    }
+    if (ArbitrateWithRunningCopy(app.launchReason) == Arbitration::kHandOver) {
+        return kHandedOver;
+    }
+    // Beside a copy that does not go away nothing unattended runs and no main window is made; the
+    // dialog comes up all the same. On purpose: the user sees that the program is there.
+    const bool is_alone = WaitForOldCopy();
+    if (is_alone) {
+        if (const std::optional<int> code = RunUnattended(app)) {
+            return *code;
+        }
+    }
+    return RunInteractive(app, is_alone);
+}
+
+}  // namespace tolvenar

@@ -1,0 +1,56 @@
+// The window of the difference tree: a child dialog with a control of a class of its own, which
+// receives what the tree view in it reports, draws the items and frees their records.
+#pragma once
+
+#include "platform/win32.h"
+
+#include "difftree/model/difference_tree.h"
+#include "difftree/window/tree_painter.h"
+
+namespace tolvenar {
+
+class TreeWindow {
+public:
+    TreeWindow() = default;
+    ~TreeWindow() { DestroyTreeWindowClass(); }
+    TreeWindow(const TreeWindow&) = delete;
+    TreeWindow& operator=(const TreeWindow&) = delete;
+
+    // Registers the class, makes the bold font and loads the texts. False when there is no class:
+    // the page then has no tree.
+    bool RegisterTreeWindowClass(HINSTANCE instance);
+    // Makes the child dialog, at `rectangle` of the parent's client area when one is given. Null
+    // when it or its tree view cannot be made.
+    HWND CreateTreeDialog(HWND parent, const RECT* rectangle);
+    // Destroys the dialog and the class and deletes the font. Allowed at any time.
+    void DestroyTreeWindowClass();
+
+    // Fills the tree; 1, or 0 when there is no tree, the enumerator aborted or memory was short.
+    int BuildDifferenceTree(DifferenceEnumerator& enumerator, const TreeBuild& build);
+    // Deletes every item.
+    void Clear();
+
+    HWND host() const { return host_; }  // null when there is none
+    HWND tree_view() const { return painter_.tree_view(); }
+
+private:
+    static INT_PTR CALLBACK HostProcedure(HWND host, UINT message, WPARAM wparam, LPARAM lparam);
+    static LRESULT CALLBACK ParentProcedure(HWND parent, UINT message, WPARAM wparam,
+                                            LPARAM lparam);
+    INT_PTR OnHostMessage(UINT message, LPARAM lparam);
+    LRESULT OnParentMessage(HWND parent, UINT message, WPARAM wparam, LPARAM lparam);
+    INT_PTR OnInit();
+    INT_PTR OnHostDestroyed();
+    bool CreateTreeView(HWND parent);
+    INT_PTR FocusTree();
+    LRESULT OnNotify(NMHDR* header);
+    void LoadTexts();
+
+    HINSTANCE instance_ = nullptr;
+    bool is_registered_ = false;
+    HWND host_ = nullptr;
+    TreePainter painter_;
+    TreeTexts texts_{};
+};
+
+}  // namespace tolvenar

@@ -1,0 +1,228 @@
+#include "snapshot/compare/journal_update.h"
+
+#include <algorithm>
+#include <new>
+
+namespace tolvenar {
+namespace {
+
+constexpr std::uint16_t kPendingFlags = JF_ADD | JF_DELETE;
+constexpr std::uint32_t kNoEntry = 0xFFFFFFFF;
+// Ids from here on are given to versions whose object is on no device; devices count from below.
+constexpr std::uint32_t kFirstStaleId = 0xF0000000;
+
+// A block belongs to one object version, and updating an id does not move it: what an index may be
+// made from.
+std::size_t BucketOf(std::uint32_t propOffset, std::size_t bucket_count) {
+    const std::uint32_t mixed = propOffset * 0x9E3779B1u;
+    return (mixed ^ (mixed >> 15)) & (bucket_count - 1);
+}
+
+bool IsSameVersion(const ObjectRecord& a, const ObjectRecord& b) {
+    return a.dwOID == b.dwOID && a.info_checksum == b.info_checksum &&
+           a.content_fingerprint == b.content_fingerprint && a.propOffset == b.propOffset &&
+           a.data_offset == b.data_offset && a.type == b.type;
+}
+
+bool HasObjectId(ObjectType type) {
+    return type != ObjectType::kRegistryValue && type != ObjectType::kRegistryKey &&
+           type != ObjectType::kState;
+}
+
+// Takes the records of a journal in the order of a walk and changes ids as they come by.
+class IdChange {
+public:
+    IdChange(const ObjectRecord& object, std::uint32_t newOid) : object_(object), newOid_(newOid) {}
+
+    void Visit(ObjectRecord& record) {
+        if (!IsSameVersion(record, object_)) {
+            return;
+        }
+        if (record.state_number == object_.state_number) {
+            if ((record.flags & JF_ADD) != 0 && HasObjectId(record.type)) {
+                record.dwOID = newOid_;
+            }
+            return;
+        }
+        if (record.state_number > object_.state_number && (record.flags & JF_DELETE) != 0 &&
+            (deletion_ == nullptr || record.state_number <= deletion_->state_number)) {
+            deletion_ = &record;
+        }
+    }
+
+    void Finish() {
+        if (deletion_ != nullptr) {
+            deletion_->dwOID = newOid_;
+        }
+    }
+
+private:
+    const ObjectRecord object_;
+    const std::uint32_t newOid_;
+    ObjectRecord* deletion_ = nullptr;  // of the lowest state so far; of two, the later walked
+};
+
+}  // namespace
+
+void JournalUpdater::BuildIndex() {
+    index_tried_ = true;
+    const std::size_t count = journal_->CountRecords();
+    std::size_t bucket_count = 64;
+    while (bucket_count < count) {
+        bucket_count *= 2;
+    }
+    std::unique_ptr<Entry[]> entries(new (std::nothrow) Entry[count + 1]);
+    std::unique_ptr<std::uint32_t[]> buckets(new (std::nothrow) std::uint32_t[bucket_count]);
+    if (entries == nullptr || buckets == nullptr) {
+        return;
+    }
+
+    std::uint32_t filled = 0;
+    ObjectList::Cursor cursor = journal_->First();
+    while (ObjectList::Next(cursor, nullptr, &entries[filled].record)) {
+        ++filled;
+    }
+    for (std::size_t i = 0; i < bucket_count; ++i) {
+        buckets[i] = kNoEntry;
+    }
+    // From the back, so that a bucket's first entry is the one that a walk meets first.
+    for (std::uint32_t i = filled; i-- > 0;) {
+        std::uint32_t& bucket = buckets[BucketOf(entries[i].record->propOffset, bucket_count)];
+        entries[i].next = bucket;
+        bucket = i;
+    }
+    entries_ = std::move(entries);
+    buckets_ = std::move(buckets);
+    bucket_count_ = bucket_count;
+}
+
+void JournalUpdater::UpdateJournalOid(const ObjectRecord& record, std::uint32_t newOid) {
+    if (newOid == 0 || journal_ == nullptr) {
+        return;
+    }
+    if (!index_tried_) {
+        BuildIndex();
+    }
+    IdChange change(record, newOid);
+    if (entries_ != nullptr) {
+        for (std::uint32_t i = buckets_[BucketOf(record.propOffset, bucket_count_)]; i != kNoEntry;
+             i = entries_[i].next) {
+            change.Visit(*entries_[i].record);
+        }
+    } else {
+        ObjectList::Cursor cursor = journal_->First();
+        ObjectRecord* visited = nullptr;
+        while (ObjectList::Next(cursor, nullptr, &visited)) {
+            change.Visit(*visited);
+        }
+    }
+    change.Finish();
+    Remember({newOid, record.propOffset});
+}
+
+void JournalUpdater::Remember(const NewId& id) {
+    if (new_id_count_ == new_id_room_) {
+        const std::size_t room = new_id_room_ == 0 ? 64 : 2 * new_id_room_;
+        std::unique_ptr<NewId[]> grown(new (std::nothrow) NewId[room]);
+        if (grown == nullptr) {
+            is_complete_ = false;
+            return;
+        }
+        std::copy_n(new_ids_.get(), new_id_count_, grown.get());
+        new_ids_ = std::move(grown);
+        new_id_room_ = room;
+    }
+    new_ids_[new_id_count_++] = id;
+}
+
+bool JournalUpdater::SeparateVersions() {
+    if (!is_complete_) {
+        return false;
+    }
+    if (new_id_count_ == 0) {
+        return true;
+    }
+    if (entries_ == nullptr) {
+        return false;
+    }
+    std::sort(new_ids_.get(), new_ids_.get() + new_id_count_,
+              [](const NewId& a, const NewId& b) { return a.oid < b.oid; });
+    std::uint32_t stale_id = LowestStaleId();
+    ObjectList::Cursor cursor = journal_->First();
+    ObjectRecord* record = nullptr;
+    while (ObjectList::Next(cursor, nullptr, &record)) {
+        const NewId* id = FindOtherVersion(*record);
+        if (id != nullptr && HasKeyOfNewId(*record, *id)) {
+            GiveId(*record, --stale_id);
+        }
+    }
+    return true;
+}
+
+// The new id that a record has although it belongs to another version; null when there is none.
+const JournalUpdater::NewId* JournalUpdater::FindOtherVersion(const ObjectRecord& record) const {
+    if (!HasObjectId(record.type)) {
+        return nullptr;
+    }
+    const NewId* begin = new_ids_.get();
+    const NewId* end = begin + new_id_count_;
+    const NewId* id = std::lower_bound(
+        begin, end, record.dwOID, [](const NewId& a, std::uint32_t oid) { return a.oid < oid; });
+    const NewId* first = id != end && id->oid == record.dwOID ? id : nullptr;
+    for (; id != end && id->oid == record.dwOID; ++id) {
+        if (id->propOffset == record.propOffset) {
+            return nullptr;
+        }
+    }
+    return first;
+}
+
+bool JournalUpdater::HasKeyOfNewId(const ObjectRecord& record, const NewId& id) const {
+    const ObjectKey key = KeyOf(record);
+    for (std::uint32_t i = buckets_[BucketOf(id.propOffset, bucket_count_)]; i != kNoEntry;
+         i = entries_[i].next) {
+        const ObjectRecord& fresh = *entries_[i].record;
+        if (fresh.propOffset == id.propOffset && KeyOf(fresh) == key) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void JournalUpdater::GiveId(const ObjectRecord& version, std::uint32_t oid) {
+    const ObjectRecord stale = version;
+    for (std::uint32_t i = buckets_[BucketOf(stale.propOffset, bucket_count_)]; i != kNoEntry;
+         i = entries_[i].next) {
+        if (IsSameVersion(*entries_[i].record, stale)) {
+            entries_[i].record->dwOID = oid;
+        }
+    }
+}
+
+std::uint32_t JournalUpdater::LowestStaleId() const {
+    std::uint32_t lowest = 0xFFFFFFFF;
+    ObjectList::Cursor cursor = journal_->First();
+    ObjectRecord* record = nullptr;
+    while (ObjectList::Next(cursor, nullptr, &record)) {
+        if (record->dwOID >= kFirstStaleId) {
+            lowest = std::min(lowest, record->dwOID);
+        }
+    }
+    return lowest;
+}
+
+void InvertPendingFlags(ObjectList& list) {
+    ObjectList::Cursor cursor = list.First();
+    while (cursor != nullptr) {
+        ObjectList::Node* node = cursor;
+        cursor = node->next;
+        if ((node->record->flags & kPendingFlags) != 0) {
+            node->record->flags ^= kPendingFlags;
+        }
+        if (node->record->flags == 0) {
+            list.Remove(node);
+        }
+    }
+}
+
+}  // namespace tolvenar

@@ -1,0 +1,144 @@
+#include "snapshot/compare/state_replay.h"
+
+#include <new>
+
+#include "snapshot/compare/record_info.h"
+
+namespace tolvenar {
+namespace {
+
+// The same block is the same object, also when the block can no longer be read: a damaged one must
+// not bring its object back as an old version in every later state.
+bool IsSameObject(const ObjectRecord& record, const ObjectRecord& candidate, InfoSource& info) {
+    if (!SameTolvOID(record, candidate)) {
+        return false;
+    }
+    const bool same_block = record.propOffset != 0 && record.propOffset == candidate.propOffset;
+    return same_block || IsEqualRegs(record, candidate, info);
+}
+
+}  // namespace
+
+bool RegistryIndex::Reserve(std::size_t additions) {
+    bucket_count_ = 1;
+    while (bucket_count_ < additions) {
+        bucket_count_ *= 2;
+    }
+    entries_.reset(new (std::nothrow) Entry[additions + 1]{});
+    buckets_.reset(new (std::nothrow) Entry* [bucket_count_] {});
+    used_ = 0;
+    return entries_ != nullptr && buckets_ != nullptr;
+}
+
+RegistryIndex::Entry*& RegistryIndex::BucketOf(const ObjectRecord& record) const {
+    const std::uint32_t hash = (record.TolvOID & kTolvOidMask) * 0x9E3779B1u;
+    return buckets_[(hash >> 8) & (bucket_count_ - 1)];
+}
+
+void RegistryIndex::Add(ObjectList::Node* node) {
+    if (!IsRegistryObject(*node->record)) {
+        return;
+    }
+    // A new node stands at the front of the list; one whose record was replaced kept its place.
+    Entry** link = &BucketOf(*node->record);
+    while (*link != nullptr && (*link)->node->serial > node->serial) {
+        link = &(*link)->next;
+    }
+    Entry& entry = entries_[used_++];
+    entry = {node, *link};
+    *link = &entry;
+}
+
+void RegistryIndex::Remove(const ObjectList::Node* node) {
+    if (!IsRegistryObject(*node->record)) {
+        return;
+    }
+    Entry** link = &BucketOf(*node->record);
+    while ((*link)->node != node) {
+        link = &(*link)->next;
+    }
+    *link = (*link)->next;
+}
+
+ObjectList::Node* RegistryIndex::FindSame(const ObjectRecord& record, InfoSource& info) const {
+    const Entry* entry = BucketOf(record);
+    while (entry != nullptr && !IsSameObject(record, *entry->node->record, info)) {
+        entry = entry->next;
+    }
+    return entry == nullptr ? nullptr : entry->node;
+}
+
+bool NodesByState::Build(const ObjectList& list, std::uint16_t first, std::uint16_t last) {
+    const std::size_t states = last - first + std::size_t{1};
+    std::unique_ptr<std::size_t[]> starts(new (std::nothrow) std::size_t[states + 1]{});
+    nodes_.reset(new (std::nothrow) const ObjectList::Node* [list.CountRecords() + 1] {});
+    if (starts == nullptr || nodes_ == nullptr) {
+        return false;
+    }
+
+    for (ObjectList::Cursor node = list.First(); node != nullptr; node = node->next) {
+        const std::uint16_t state = node->record->state_number;
+        if (state >= first && state <= last) {
+            ++starts[state - first + 1u];
+        }
+    }
+    for (std::size_t i = 0; i < states; ++i) {
+        starts[i + 1] += starts[i];
+    }
+    size_ = starts[states];
+    for (ObjectList::Cursor node = list.First(); node != nullptr; node = node->next) {
+        const std::uint16_t state = node->record->state_number;
+        if (state >= first && state <= last) {
+            nodes_[starts[state - first]++] = node;
+        }
+    }
+    return true;
+}
+
+bool StateReplay::Apply(const ObjectList::Node& source) {
+    // In a state's list an object is found whichever state it comes from.
+    ObjectKey key = source.key;
+    key.word1 &= 0xFFFF0000u;
+    const ObjectRecord& record = *source.record;
+    if ((record.flags & kAdditionFlags) && !Add(key, record)) {
+        return false;
+    }
+    if (record.flags & JF_DELETE) {
+        Delete(key, record);
+    }
+    return true;
+}
+
+bool StateReplay::Add(const ObjectKey& key, const ObjectRecord& record) {
+    std::unique_ptr<ObjectRecord> copy(NewObjectRecord(record));
+    if (copy == nullptr) {
+        return false;
+    }
+    copy->flags = 0;
+    if (const ObjectList::Node* present = out_.FindByKey(key)) {
+        if (record.type == ObjectType::kDatabase && (record.flags & kFlagAddition20)) {
+            copy->content_fingerprint = static_cast<std::uint16_t>(
+                copy->content_fingerprint + present->record->content_fingerprint);
+        }
+        registry_.Remove(present);
+    }
+    ObjectList::Node* node = out_.InsertByKey(key, copy.get());
+    if (node == nullptr) {
+        return false;
+    }
+    static_cast<void>(copy.release());
+    registry_.Add(node);
+    return true;
+}
+
+void StateReplay::Delete(const ObjectKey& key, const ObjectRecord& record) {
+    ObjectList::Node* counterpart =
+        IsRegistryObject(record) ? registry_.FindSame(record, info_) : out_.FindByKey(key);
+    if (counterpart == nullptr) {
+        return;
+    }
+    registry_.Remove(counterpart);
+    out_.Remove(counterpart);
+}
+
+}  // namespace tolvenar

@@ -1,0 +1,140 @@
+#include "snapshot/engine/difference_engine.h"
+
+#include "platform/text.h"
+#include "platform/unique_resource.h"
+#include "snapshot/compare/difference.h"
+#include "snapshot/compare/prune.h"
+#include "snapshot/scan/database_scanner.h"
+#include "snapshot/scan/file_scanner.h"
+#include "snapshot/scan/registry_scanner.h"
+#include "snapshot/text/log.h"
+#include "storage/files/block_io.h"
+#include "storage/format/storage_names.h"
+
+namespace tolvenar {
+namespace {
+
+// Steps of the item bar for a comparison with the device and of two states.
+constexpr std::size_t kDeviceSteps = 8;
+constexpr std::size_t kStateSteps = 4;
+
+// Spelled so; the log's readers know it.
+constexpr char16_t kNoList[] = u"Could't create journal";
+
+struct Hive {
+    std::uint32_t root;
+    const char16_t* progress_text;
+};
+
+constexpr Hive kHives[] = {
+    {kHiveClassesRoot, u"Scanning HKCR registry entry..."},
+    {kHiveCurrentUser, u"Scanning HKCU registry entry..."},
+    {kHiveLocalMachine, u"Scanning HKLM registry entry..."},
+    {kHiveUsers, u"Scanning HKU registry entry..."},
+};
+
+UniqueHandle OpenStorageFile(const StorageNames& names) {
+    return OpenFile(names.sav, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, OPEN_EXISTING);
+}
+
+void ScanObjectStoreFiles(Engine& engine) {
+    const StorageNames& names = engine.storage.names;
+    const StorageFileNames storage_files{{NameWithoutFolder(names.sav),
+                                          NameWithoutFolder(names.journal),
+                                          NameWithoutFolder(names.journal_temporary)}};
+    FileScan scan{*engine.storage.newer, engine.info, storage_files};
+    ScanFiles(scan, u"", MakeFileObject);
+}
+
+void ScanHives(Engine& engine) {
+    RegistryScan scan{*engine.storage.newer, engine.info, engine.storage.registry_objects};
+    for (const Hive& hive : kHives) {
+        engine.progress.ProgressStep(hive.progress_text);
+        ScanRegistry(scan, hive.root, u"", MakeRegistryObject);
+    }
+}
+
+// Scans the device into the newer list.
+void ScanDevice(Engine& engine) {
+    engine.progress.ProgressStep(u"Scanning files...");
+    ScanObjectStoreFiles(engine);
+    engine.storage.registry_objects.RegObjectClear();
+    ScanHives(engine);
+    engine.progress.ProgressStep(u"Scanning databases...");
+    DatabaseScan scan{*engine.storage.newer, engine.info, engine.databases};
+    ScanDatabases(scan, MakeDatabaseObject);
+}
+
+// Compares the older list with the newer into the difference list, which is empty.
+bool CompareLists(Engine& engine) {
+    OpenedStorage& storage = engine.storage;
+    engine.progress.ProgressStep(u"Finding differences...");
+    if (!CmpLists(storage.older.get(), storage.newer.get(), *storage.difference, engine.info)) {
+        return false;
+    }
+    PruneDifferences(*storage.difference, kBackupPruning, engine.info);
+    return true;
+}
+
+// Makes `list` the object list of a stored state; number 0 is an empty one.
+bool PrepareStateList(Engine& engine, std::unique_ptr<ObjectList>& list, std::uint32_t state) {
+    if (!ResetList(list)) {
+        return false;
+    }
+    return state == 0 || BuildStateList(*list, *engine.storage.journal, state, engine.info);
+}
+
+}  // namespace
+
+int FindDifference(Engine& engine, std::uint32_t state) {
+    OpenedStorage& storage = engine.storage;
+    UniqueHandle sav_file = OpenStorageFile(storage.names);
+    if (!sav_file || storage.journal == nullptr) {
+        return 0;
+    }
+    const StorageFileLoan loan(engine.info, sav_file.get());
+    engine.progress.ProgressBegin(kDeviceSteps);
+    engine.progress.ProgressStep(u"Preparing object list...");
+    if (!PrepareStateList(engine, storage.older, state)) {
+        return 0;
+    }
+    if (!ResetList(storage.newer)) {
+        sav_file.Reset();
+        LogMessage(kNoList, u"FindDifference", kLogError);
+        return 0;
+    }
+    ScanDevice(engine);
+    if (!ResetList(storage.difference)) {
+        sav_file.Reset();
+        ::MessageBoxW(nullptr, Wide(kNoList), L"FindDifference", MB_SETFOREGROUND);
+        return 0;
+    }
+    return CompareLists(engine) ? 1 : 0;
+}
+
+int FindDifferenceEx(Engine& engine, std::uint32_t state_a, std::uint32_t state_b) {
+    OpenedStorage& storage = engine.storage;
+    engine.progress.ProgressBegin(kStateSteps);
+    engine.progress.ProgressStep(u"Preparing object list...");
+    UniqueHandle sav_file = OpenStorageFile(storage.names);
+    if (!sav_file || storage.journal == nullptr) {
+        return 0;
+    }
+    const StorageFileLoan loan(engine.info, sav_file.get());
+    engine.progress.ProgressStep(u"Preparing list 1...");
+    if (!PrepareStateList(engine, storage.older, state_a)) {
+        return 0;
+    }
+    engine.progress.ProgressStep(u"Preparing list 2...");
+    if (!PrepareStateList(engine, storage.newer, state_b)) {
+        return 0;
+    }
+    if (!ResetList(storage.difference)) {
+        sav_file.Reset();
+        LogMessage(u"Can't create journal", u"FindDifferenceEx", kLogError);
+        return 0;
+    }
+    return CompareLists(engine) ? 1 : 0;
+}
+
+}  // namespace tolvenar

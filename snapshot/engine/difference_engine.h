@@ -1,0 +1,18 @@
+// Finds what differs between the device and a stored state, or between two stored states.
+#pragma once
+
+#include <cstdint>
+
+#include "storage/opened/engine.h"
+
+namespace tolvenar {
+
+// Compares the device now with stored state `state`: older, newer and difference of the open
+// storage are made anew, and the registry-object table is filled, which stays for as long as the
+// difference list is worked on. 1, or 0 when the storage file cannot be opened or memory is short.
+int FindDifference(Engine& engine, std::uint32_t state);
+
+// Compares stored states A (older) and B (newer); number 0 is an empty one. 1, or 0 as above.
+int FindDifferenceEx(Engine& engine, std::uint32_t state_a, std::uint32_t state_b);
+
+}  // namespace tolvenar

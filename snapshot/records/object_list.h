@@ -1,0 +1,81 @@
+// The keyed list of object records: a state, a scan, a difference or the journal. Platform-free.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+#include "snapshot/records/object_record.h"
+
+namespace tolvenar {
+
+// A doubly linked list that owns its records, newest insertion first. Order, replacement and search
+// results are those of a plain walk from the front; an index beside the links makes a lookup by key
+// constant time. Costs at most 128 bytes for each record, all of it on the private heap.
+class ObjectList {
+public:
+    struct Node {
+        ObjectKey key;
+        ObjectRecord* record;  // owned by the list
+        Node* previous;
+        Node* next;
+        Node* bucket_next;
+        // Insertions into this list before this one: the walk meets greater serials first.
+        std::uint32_t serial;
+    };
+    // A place in a walk from the front; null at the end.
+    using Cursor = Node*;
+
+    // An empty list; null when there is no memory.
+    static std::unique_ptr<ObjectList> CreateList();
+    ~ObjectList();
+    ObjectList(const ObjectList&) = delete;
+    ObjectList& operator=(const ObjectList&) = delete;
+
+    // The node under exactly this key, or null. The record is node->record.
+    Node* FindByKey(const ObjectKey& key) const;
+    // Enters `record`, which must be a block of its own from NewObjectRecord, and owns it from then
+    // on: in the place of the record that the key holds already, or in a new node at the front.
+    // Null when there is no memory; the record is then still the caller's.
+    Node* InsertByKey(const ObjectKey& key, ObjectRecord* record);
+    // InsertByKey with a copy of `record`; false when there is no memory, the list is as before.
+    bool InsertCopy(const ObjectKey& key, const ObjectRecord& record);
+    // Makes a record and inserts it under its own key. False when there is no memory.
+    bool AddObject(const ObjectRecord& record) { return InsertCopy(KeyOf(record), record); }
+    // Frees the node under this key and its record; 0 when there is none.
+    int RemoveByKey(const ObjectKey& key);
+    // The same for a node of this list.
+    void Remove(Node* node);
+
+    Cursor First() const { return first_; }
+    // Copies the cursor's key and record pointer (either may be null), moves on; 0 at the end.
+    static int Next(Cursor& cursor, ObjectKey* key_out, ObjectRecord** record_out);
+
+    void ClearList();
+    std::size_t CountRecords() const { return count_; }
+    // The greatest state number of the records; 0 for an empty list.
+    std::uint16_t MaxStateNumber() const;
+    // The least; all ones for an empty list.
+    std::uint32_t MinStateNumber() const;
+
+private:
+    ObjectList() = default;
+    bool Grow();
+    Node*& BucketOf(const ObjectKey& key) const;
+    Node* NewNode(const ObjectKey& key, ObjectRecord* record);
+
+    Node* first_ = nullptr;
+    Node** buckets_ = nullptr;
+    std::size_t bucket_count_ = 0;
+    std::size_t count_ = 0;
+    std::uint32_t next_serial_ = 0;
+};
+
+// A zero-filled copy on the private heap, to be given to InsertByKey or freed with `delete`. Null
+// when there is no memory.
+ObjectRecord* NewObjectRecord(const ObjectRecord& record);
+
+// Destroys the list in `cell`, if any, and puts a new empty one there. False when out of memory.
+bool ResetList(std::unique_ptr<ObjectList>& cell);
+
+}  // namespace tolvenar

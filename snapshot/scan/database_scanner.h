@@ -1,0 +1,39 @@
+// Walks the object store's databases and makes a record of every database and database record.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "snapshot/compare/info_source.h"
+#include "snapshot/records/object_list.h"
+#include "storage/objects/database_layer.h"
+
+namespace tolvenar {
+
+struct DatabaseScan {
+    ObjectList& list;
+    InfoSource& info;
+    DatabaseLayer& databases;
+};
+
+// A database or one of its records as the walk meets it.
+struct DatabaseEntry {
+    bool is_database;
+    CEOID oid;
+    WORD count;  // database: number of records; record: number of properties
+    // Record: the properties as the platform gives them, strings and blobs as pointers into this
+    // buffer; the maker may change it.
+    void* properties;
+    std::size_t buffer_bytes;
+};
+
+using DatabaseMaker = void (*)(DatabaseScan& scan, const DatabaseEntry& entry);
+
+// Visits every database, each before its records. Databases of the recycle bin and those that
+// cannot be opened are passed over with their records.
+void ScanDatabases(DatabaseScan& scan, DatabaseMaker maker);
+
+// Enters the record of one object; none when it cannot be described.
+void MakeDatabaseObject(DatabaseScan& scan, const DatabaseEntry& entry);
+
+}  // namespace tolvenar

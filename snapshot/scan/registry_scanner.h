@@ -1,0 +1,43 @@
+// Walks a registry hive and makes a record of every key and value.
+#pragma once
+
+#include "platform/win32.h"
+
+#include <cstdint>
+
+#include "snapshot/compare/info_source.h"
+#include "snapshot/records/object_list.h"
+#include "snapshot/records/registry_objects.h"
+
+namespace tolvenar {
+
+struct RegistryScan {
+    ObjectList& list;
+    InfoSource& info;  // describes what `objects` holds
+    RegistryObjects& objects;
+};
+
+// A key or a value as the walk meets it.
+struct RegistryEntry {
+    bool is_key;
+    std::uint32_t hive;          // root key handle value
+    const char16_t* key_path;    // empty for the hive's root
+    std::uint32_t a;             // key: number of subkeys; value: its type
+    std::uint32_t b;             // key: number of values; value: bytes of its data
+    const char16_t* value_name;  // null for a key
+    const void* data;            // null for a key
+};
+
+using RegistryMaker = void (*)(RegistryScan& scan, const RegistryEntry& entry);
+
+// Visits the key and everything below it: a key, its subkeys with all that is in them, its values.
+// What cannot be opened or queried is passed over with everything below it; so is what lies deeper
+// than a block can name.
+void ScanRegistry(RegistryScan& scan, std::uint32_t hive, const char16_t* key_path,
+                  RegistryMaker maker);
+
+// Enters an object in the registry-object table and its record in the list, or nothing: what is
+// excluded, has no free identifier or too long a name is left out.
+void MakeRegistryObject(RegistryScan& scan, const RegistryEntry& entry);
+
+}  // namespace tolvenar

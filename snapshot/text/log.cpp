@@ -1,0 +1,19 @@
+#include "snapshot/text/log.h"
+
+namespace tolvenar {
+namespace {
+
+LogSink installed_sink = nullptr;
+
+}  // namespace
+
+void InstallLogSink(LogSink sink) { installed_sink = sink; }
+
+int LogMessage(const char16_t* message, const char16_t* module, std::uint32_t flags) {
+    if (installed_sink != nullptr) {
+        installed_sink(message, module, flags);
+    }
+    return 1;
+}
+
+}  // namespace tolvenar

@@ -1,0 +1,138 @@
+#include "storage/format/property_encoding.h"
+
+#include <cstring>
+
+#include "snapshot/records/checksum.h"
+
+namespace tolvenar {
+namespace {
+
+// The buffer that holds the properties, their strings and their blobs.
+struct PropertyBuffer {
+    const std::uint8_t* bytes;
+    std::size_t size;
+
+    bool HoldsArray(std::size_t count) const { return count <= size / sizeof(StoredProperty); }
+
+    // Buffers may stand at any address.
+    StoredProperty At(std::size_t index) const {
+        StoredProperty property;
+        std::memcpy(&property, bytes + index * sizeof property, sizeof property);
+        return property;
+    }
+
+    // Bytes of the string at `offset` without terminator; false when it does not end in the buffer.
+    bool StringBytes(std::size_t offset, std::size_t& string_bytes) const {
+        for (std::size_t end = offset; end < size && size - end >= sizeof(char16_t);
+             end += sizeof(char16_t)) {
+            if (bytes[end] == 0 && bytes[end + 1] == 0) {
+                string_bytes = end - offset;
+                return true;
+            }
+        }
+        return false;
+    }
+
+    bool HoldsBlob(std::size_t offset, std::size_t blob_bytes) const {
+        return offset <= size && blob_bytes <= size - offset;
+    }
+};
+
+PropertyType TypeOf(const StoredProperty& property) {
+    return static_cast<PropertyType>(property.propid & 0xFFFF);
+}
+
+bool RelocateProperty(const PropertyBuffer& buffer, StoredProperty& property,
+                      std::uint32_t from_base, std::uint32_t to_base) {
+    if (TypeOf(property) == kPropertyString) {
+        const std::uint32_t offset = property.value - from_base;
+        std::size_t string_bytes = 0;
+        property.value = offset + to_base;
+        return buffer.StringBytes(offset, string_bytes);
+    }
+    if (TypeOf(property) == kPropertyBlob) {
+        // The place of an empty blob means nothing and may be null.
+        const std::uint32_t offset = property.value == 0 ? 0 : property.value_high - from_base;
+        property.value_high = offset + to_base;
+        return buffer.HoldsBlob(offset, property.value);
+    }
+    return true;
+}
+
+bool Relocate(void* bytes, std::size_t buffer_bytes, std::size_t count, std::uint32_t from_base,
+              std::uint32_t to_base) {
+    const PropertyBuffer buffer{static_cast<const std::uint8_t*>(bytes), buffer_bytes};
+    if (!buffer.HoldsArray(count)) {
+        return false;
+    }
+    for (std::size_t i = 0; i < count; ++i) {
+        StoredProperty property = buffer.At(i);
+        if (!RelocateProperty(buffer, property, from_base, to_base)) {
+            return false;
+        }
+        std::memcpy(static_cast<std::uint8_t*>(bytes) + i * sizeof property, &property,
+                    sizeof property);
+    }
+    return true;
+}
+
+// Where a property's value stands in the buffer and how much of it is looked at.
+bool LocateValue(const PropertyBuffer& buffer, const StoredProperty& property, std::size_t index,
+                 std::size_t& offset, std::size_t& value_bytes) {
+    offset = index * sizeof property + offsetof(StoredProperty, value);
+    switch (TypeOf(property)) {
+        case kPropertyI2:
+        case kPropertyUI2: value_bytes = 2; return true;
+        case kPropertyI4:
+        case kPropertyUI4: value_bytes = 4; return true;
+        case kPropertyFileTime: value_bytes = 8; return true;
+        case kPropertyString:
+            offset = property.value;
+            return buffer.StringBytes(offset, value_bytes);
+        case kPropertyBlob:
+            offset = property.value_high;
+            value_bytes = property.value;
+            return buffer.HoldsBlob(offset, value_bytes);
+        default:
+            // Booleans, doubles and unknown types count by their presence alone. Stored states rely
+            // on it: a change of such a value by itself is not seen.
+            value_bytes = 0;
+            return true;
+    }
+}
+
+}  // namespace
+
+bool PointersToOffsets(void* buffer, std::size_t buffer_bytes, std::size_t count,
+                       std::uint32_t base) {
+    return Relocate(buffer, buffer_bytes, count, base, 0);
+}
+
+bool OffsetsToPointers(void* buffer, std::size_t buffer_bytes, std::size_t count,
+                       std::uint32_t base) {
+    return Relocate(buffer, buffer_bytes, count, 0, base);
+}
+
+bool ChecksumOfProperties(const void* bytes, std::size_t buffer_bytes, std::size_t count,
+                          std::uint16_t& checksum) {
+    const PropertyBuffer buffer{static_cast<const std::uint8_t*>(bytes), buffer_bytes};
+    if (!buffer.HoldsArray(count)) {
+        return false;
+    }
+    std::uint16_t sum = kChecksumSeed;
+    for (std::size_t i = 0; i < count; ++i) {
+        const StoredProperty property = buffer.At(i);
+        std::size_t offset = 0;
+        std::size_t value_bytes = 0;
+        if (!LocateValue(buffer, property, i, offset, value_bytes)) {
+            return false;
+        }
+        sum = Checksum16(&property.propid, sizeof property.propid, sum);
+        sum = Checksum16(&property.flags, sizeof property.flags, sum);
+        sum = Checksum16(buffer.bytes + offset, value_bytes, sum);
+    }
+    checksum = sum;
+    return true;
+}
+
+}  // namespace tolvenar

@@ -1,0 +1,181 @@
+#include "storage/objects/object_data_writers.h"
+
+#include <algorithm>
+#include <memory>
+#include <new>
+
+#include "platform/file_mapping.h"
+#include "platform/text.h"
+#include "platform/unique_resource.h"
+#include "snapshot/records/checksum.h"
+#include "storage/files/block_io.h"
+#include "storage/format/property_encoding.h"
+
+namespace tolvenar {
+namespace {
+
+constexpr std::uint16_t kNoContents = 0xFFFF;  // fingerprint of keys and empty files
+constexpr std::uint32_t kWithoutContents =
+    FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_INROM | FILE_ATTRIBUTE_ROMMODULE;
+
+bool Append(const DataWriter& writer, const void* bytes, StoredData& data) {
+    return WriteBlock(writer.sav_file, bytes, writer.block.head().data_bytes, data.offset, false) !=
+           0;
+}
+
+// The names come from the table: a key path may hold the character that joins them in a block.
+bool ReadRegistryValue(const RegistryObject& object, std::uint8_t* buffer, DWORD bytes) {
+    UniqueHkey key;
+    const HKEY root = reinterpret_cast<HKEY>(static_cast<std::uintptr_t>(object.hive));
+    if (::RegOpenKeyExW(root, Wide(object.key_path), 0, KEY_ALL_ACCESS, key.Put()) !=
+        ERROR_SUCCESS) {
+        return false;
+    }
+    DWORD read = bytes;
+    return ::RegQueryValueExW(key.get(), Wide(object.value_name), nullptr, nullptr, buffer,
+                              &read) == ERROR_SUCCESS &&
+           read == bytes;
+}
+
+bool BackupSortOrders(const DataWriter& writer, StoredData& data) {
+    CEOIDINFO info;
+    if (!writer.databases.GetObjectInfo(writer.oid, info) || info.wObjType != OBJTYPE_DATABASE) {
+        return false;
+    }
+    const std::uint32_t bytes = writer.block.head().data_bytes;
+    const auto& sort_specs = info.infDatabase.rgSortSpecs;
+    if (bytes != sizeof sort_specs) {
+        return false;
+    }
+    data.checksum = Checksum16(sort_specs, bytes);
+    return Append(writer, sort_specs, data);
+}
+
+bool ReadRecord(const DataWriter& writer, RecordBuffer& record) {
+    DatabaseLayer& databases = writer.databases;
+    CEOID database_oid = 0;
+    const UniqueHandle database(
+        databases.OpenDatabase(database_oid, writer.block.name(), 0, 0, nullptr));
+    if (!database || databases.SeekRecord(database.get(), CEDB_SEEK_CEOID, writer.oid) == 0) {
+        return false;
+    }
+    // A record without properties may read as "no data".
+    return databases.ReadRecordProps(database.get(), record) != 0 ||
+           ::GetLastError() == ERROR_NO_DATA;
+}
+
+bool BackupRecordProperties(const DataWriter& writer, StoredData& data) {
+    RecordBuffer record;
+    if (!ReadRecord(writer, record) || record.count() != writer.block.head().property_count) {
+        return false;
+    }
+    if (record.count() == 0) {
+        // No byte of it is written.
+        return writer.block.head().data_bytes == 0 && Append(writer, writer.block.bytes(), data);
+    }
+    const auto base = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(record.bytes()));
+    return record.size() == writer.block.head().data_bytes &&
+           PointersToOffsets(record.bytes(), record.size(), record.count(), base) &&
+           ChecksumOfProperties(record.bytes(), record.size(), record.count(), data.checksum) &&
+           Append(writer, record.bytes(), data);
+}
+
+// The most that is mapped at once: the free memory in whole granules; 0 when there is not one.
+DWORD ChunkBytes() {
+    MEMORYSTATUS memory{};
+    memory.dwLength = sizeof memory;
+    ::GlobalMemoryStatus(&memory);
+    const DWORD available = static_cast<DWORD>(memory.dwAvailPhys);
+    return available - available % AllocationGranularity();
+}
+
+bool CopyChunk(const DataWriter& writer, HANDLE mapping, DWORD offset, DWORD bytes,
+               std::uint16_t& checksum) {
+    UniqueView view(::MapViewOfFile(mapping, FILE_MAP_READ, 0, offset, bytes));
+    if (!view) {
+        return false;
+    }
+    checksum = Checksum16(view.get(), bytes, checksum);
+    return WriteAll(writer.sav_file, view.get(), bytes) && ::UnmapViewOfFile(view.Release());
+}
+
+bool CopyFileContents(const DataWriter& writer, StoredData& data) {
+    const UniqueHandle mapping = MapFileForReading(Wide(writer.block.name()), 0,
+                                                   FILE_ATTRIBUTE_NORMAL | FILE_FLAG_RANDOM_ACCESS);
+    if (!mapping || !FilePosition(writer.sav_file, data.offset)) {
+        return false;
+    }
+    const DWORD chunk = ChunkBytes();
+    if (chunk == 0) {
+        return false;
+    }
+    data.checksum = kChecksumSeed;
+    const DWORD total = writer.block.head().data_bytes;
+    for (DWORD done = 0; done < total;) {
+        const DWORD bytes = std::min(chunk, total - done);
+        if (!CopyChunk(writer, mapping.get(), done, bytes, data.checksum)) {
+            return false;
+        }
+        done += bytes;
+    }
+    return true;
+}
+
+}  // namespace
+
+bool BackupRegistryData(const DataWriter& writer, StoredData& data) {
+    if (writer.block.type() == ObjectType::kRegistryKey) {
+        data.checksum = kNoContents;
+        return true;
+    }
+    const RegistryObject* object = writer.registry_objects.RegObjectFind(writer.TolvOID);
+    const std::uint32_t bytes = writer.block.head().data_bytes;
+    if (object == nullptr) {
+        return false;
+    }
+    // A value may have no data; reading it still wants a buffer.
+    const std::unique_ptr<std::uint8_t[]> buffer(
+        new (std::nothrow) std::uint8_t[std::max<std::uint32_t>(bytes, 1)]);
+    if (buffer == nullptr || !ReadRegistryValue(*object, buffer.get(), bytes)) {
+        return false;
+    }
+    data.checksum = Checksum16(buffer.get(), bytes);
+    return Append(writer, buffer.get(), data);
+}
+
+bool BackupDatabaseData(const DataWriter& writer, StoredData& data) {
+    return writer.block.type() == ObjectType::kDatabase ? BackupSortOrders(writer, data)
+                                                        : BackupRecordProperties(writer, data);
+}
+
+bool BackupFileData(const DataWriter& writer, StoredData& data) {
+    data = {};
+    if ((writer.block.head().attributes & kWithoutContents) != 0) {
+        return true;
+    }
+    if (writer.block.head().data_bytes != 0 && CopyFileContents(writer, data)) {
+        return true;
+    }
+    data.offset = kNoData;
+    data.checksum = kNoContents;
+    return writer.block.head().data_bytes == 0;
+}
+
+bool BackupStateData(const DataWriter& writer, StoredData& data) {
+    data.checksum = 0;
+    return Append(writer, writer.state_description, data);
+}
+
+bool BackupObjectData(const DataWriter& writer, StoredData& data) {
+    switch (writer.block.type()) {
+        case ObjectType::kRegistryValue:
+        case ObjectType::kRegistryKey: return BackupRegistryData(writer, data);
+        case ObjectType::kDatabase:
+        case ObjectType::kDatabaseRecord: return BackupDatabaseData(writer, data);
+        case ObjectType::kFile: return BackupFileData(writer, data);
+        case ObjectType::kState: return BackupStateData(writer, data);
+        default: return false;
+    }
+}
+
+}  // namespace tolvenar

@@ -1,0 +1,46 @@
+// Writes the data that belongs to an object's block, by the type of the object.
+#pragma once
+
+#include "platform/win32.h"
+
+#include <cstdint>
+
+#include "snapshot/records/registry_objects.h"
+#include "storage/format/info_block.h"
+#include "storage/objects/database_layer.h"
+
+namespace tolvenar {
+
+// What a writer leaves for the object's record.
+struct StoredData {
+    std::uint32_t offset = kNoData;
+    std::uint16_t checksum = 0;
+};
+
+// The object of `block`: `TolvOID` for registry objects, `oid` for those of the object store. The
+// writers append the block's data_bytes bytes at the position of `sav_file`; they fail when the
+// object has not exactly as many any more.
+struct DataWriter {
+    DatabaseLayer& databases;
+    const RegistryObjects& registry_objects;
+    const char16_t* state_description;  // of the state that is written
+    HANDLE sav_file;
+    const InfoBlock& block;
+    std::uint32_t TolvOID;
+    CEOID oid;
+};
+
+// A key has no data and the checksum 0xFFFF.
+bool BackupRegistryData(const DataWriter& writer, StoredData& data);
+// A database's sort orders, a record's properties.
+bool BackupDatabaseData(const DataWriter& writer, StoredData& data);
+// A folder and a file in ROM have no data and the checksum 0, an empty file none and 0xFFFF. On
+// failure `data` is that of an empty file.
+bool BackupFileData(const DataWriter& writer, StoredData& data);
+// The description of the state being written.
+bool BackupStateData(const DataWriter& writer, StoredData& data);
+
+// Calls the writer of the block's type; any other type fails.
+bool BackupObjectData(const DataWriter& writer, StoredData& data);
+
+}  // namespace tolvenar

@@ -1,0 +1,22 @@
+// Writes databases and their records back to the device and deletes them from it.
+#pragma once
+
+#include "platform/win32.h"
+
+#include "snapshot/compare/written_records.h"
+#include "storage/files/storage_view.h"
+#include "storage/format/info_block.h"
+#include "storage/objects/database_layer.h"
+#include "storage/objects/restore_outcome.h"
+
+namespace tolvenar {
+
+// `block` describes a database or a record of the database that it names; `data` holds the sort
+// orders or the properties. `record_oid` is the record's stored id. `newOid` is the id of what was
+// written; a record's is entered in `written` too. Fails, touching nothing, when description and
+// data do not fit one another.
+RestoreOutcome RestoreDatabaseObject(DatabaseLayer& databases, WrittenRecords& written,
+                                     const StoredBytes& data, const InfoBlock& block,
+                                     CEOID record_oid, CEOID& newOid, RestoreMode mode);
+
+}  // namespace tolvenar

@@ -1,0 +1,126 @@
+#include "storage/objects/restore_record.h"
+
+#include <algorithm>
+
+#include "snapshot/text/log.h"
+#include "snapshot/text/text_buffer.h"
+#include "storage/objects/restore_database.h"
+#include "storage/objects/restore_file.h"
+#include "storage/objects/restore_registry.h"
+
+namespace tolvenar {
+namespace {
+
+constexpr char16_t kModule[] = u"DoRestoreRecord";
+
+// Called on the line after the failure, while the last error is still its own.
+void LogMapFailure(const ObjectRecord& record) {
+    const DWORD error = ::GetLastError();
+    TextBuffer<96> message;
+    message.Append(u"MapView..Err:")
+        .AppendNumber(static_cast<std::int32_t>(error))
+        .Append(u" ObjType:")
+        .AppendNumber(static_cast<std::int32_t>(record.type))
+        .Append(u" JrnOffs:")
+        .AppendNumber(static_cast<std::int32_t>(record.propOffset));
+    LogMessage(message.text(), kModule, kLogError);
+}
+
+// The kinds that a restore knows; a state has nothing to restore.
+bool IsKnownType(ObjectType type) {
+    switch (type) {
+        case ObjectType::kRegistryValue:
+        case ObjectType::kRegistryKey:
+        case ObjectType::kDatabase:
+        case ObjectType::kDatabaseRecord:
+        case ObjectType::kFile:
+        case ObjectType::kState: return true;
+        default: return false;
+    }
+}
+
+bool ReadStoredBlock(const StorageMapping& storage, const ObjectRecord& record, InfoBlock& block) {
+    const std::uint32_t behind =
+        record.propOffset < storage.size() ? storage.size() - record.propOffset : 1;
+    const std::uint32_t length = std::min<std::uint32_t>(kInfoBlockBytes, behind);
+    const StoredBytes stored = MapStoredBytes(storage, record.propOffset, length);
+    if (stored.bytes == nullptr) {
+        LogMapFailure(record);
+        return false;
+    }
+    if (!ParseInfoBlock(stored.bytes, length, block) || block.type() != record.type ||
+        !IsKnownType(record.type)) {
+        LogMessage(u"Fail GetInfoFromStorage", kModule, kLogError);
+        return false;
+    }
+    return true;
+}
+
+// Whether the object of a record that was never stored is on the device.
+bool ReadLiveBlock(InfoSource& info, const ObjectRecord& record, InfoBlock& block) {
+    return info.GetOIDInfo(record.TolvOID, record.dwOID, block) && block.type() == record.type;
+}
+
+// An object that was never stored can only be deleted. One that is to be written back is on the
+// device already: it could not be deleted, and its list's sense was turned round.
+RestoreOutcome WithoutStoredBlock(InfoSource& info, const ObjectRecord& record, RestoreMode mode,
+                                  InfoBlock& block, bool& decided) {
+    decided = true;
+    if (!ReadLiveBlock(info, record, block)) {
+        if (mode == RestoreMode::kDelete) {
+            return RestoreOutcome::kDone;
+        }
+        LogMessage(u"Fail GetOIDInfo", kModule, kLogError);
+        return RestoreOutcome::kFailed;
+    }
+    decided = mode == RestoreMode::kWriteBack;
+    return RestoreOutcome::kDone;
+}
+
+RestoreOutcome RestoreDescribed(RestoreTools& tools, const ObjectRecord& record,
+                                const InfoBlock& block, RestoreMode mode, CEOID& newOid) {
+    if (record.type == ObjectType::kFile) {
+        return RestoreFileObject(tools.storage, record.data_offset, block, newOid, mode);
+    }
+    if (record.type == ObjectType::kState) {
+        return RestoreOutcome::kDone;
+    }
+    const bool is_registry = IsRegistryObject(record);
+    if (!is_registry && tools.skip_databases) {
+        return RestoreOutcome::kDone;
+    }
+    const StoredBytes data =
+        mode == RestoreMode::kWriteBack
+            ? MapStoredBytes(tools.storage, record.data_offset, block.head().data_bytes)
+            : StoredBytes();
+    if (is_registry) {
+        const RegistryObject* live =
+            record.propOffset == 0 ? tools.info.FindRegistryObject(record.TolvOID) : nullptr;
+        return RestoreRegistryObject(data, block, live, mode);
+    }
+    return RestoreDatabaseObject(tools.databases, tools.written, data, block, record.dwOID, newOid,
+                                 mode);
+}
+
+}  // namespace
+
+RestoreOutcome DoRestoreRecord(RestoreTools& tools, const ObjectRecord& record, CEOID& newOid) {
+    newOid = 0;
+    const RestoreMode mode =
+        (record.flags & JF_ADD) != 0 ? RestoreMode::kDelete : RestoreMode::kWriteBack;
+    InfoBlock block;
+    if (record.propOffset != 0) {
+        if (!ReadStoredBlock(tools.storage, record, block)) {
+            return RestoreOutcome::kFailed;
+        }
+    } else {
+        bool decided = false;
+        const RestoreOutcome outcome = WithoutStoredBlock(tools.info, record, mode, block, decided);
+        if (decided) {
+            return outcome;
+        }
+    }
+    return RestoreDescribed(tools, record, block, mode, newOid);
+}
+
+}  // namespace tolvenar

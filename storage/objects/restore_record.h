@@ -1,0 +1,28 @@
+// Restores one object of a difference list: finds out what it is and hands it to its kind's module.
+#pragma once
+
+#include "platform/win32.h"
+
+#include "snapshot/compare/info_source.h"
+#include "snapshot/compare/written_records.h"
+#include "storage/files/storage_view.h"
+#include "storage/objects/database_layer.h"
+#include "storage/objects/restore_outcome.h"
+
+namespace tolvenar {
+
+// What restoring an object works with.
+struct RestoreTools {
+    InfoSource& info;
+    DatabaseLayer& databases;
+    const StorageMapping& storage;
+    bool skip_databases;  // databases and records count as done, untouched
+    WrittenRecords written;
+};
+
+// Deletes the object of a record with JF_ADD from the device, writes any other back. `newOid` is
+// the device's id of a re-created file, folder, database or record, else 0. A record whose block is
+// damaged fails after a line in the log.
+RestoreOutcome DoRestoreRecord(RestoreTools& tools, const ObjectRecord& record, CEOID& newOid);
+
+}  // namespace tolvenar

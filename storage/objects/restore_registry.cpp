@@ -1,0 +1,144 @@
+#include "storage/objects/restore_registry.h"
+
+#include <cstring>
+#include <string_view>
+
+#include "platform/text.h"
+#include "platform/unique_resource.h"
+#include "snapshot/compare/exclusion.h"
+
+namespace tolvenar {
+namespace {
+
+// Key path and value name of one object, with terminators.
+struct RegistryName {
+    InfoBlock split;  // a stored name, with a terminator in the separator's place
+    const char16_t* key_path = nullptr;
+    const char16_t* value_name = nullptr;  // null for a key
+};
+
+bool TakeName(const InfoBlock& block, const RegistryObject* live, RegistryName& name) {
+    const bool is_value = block.type() == ObjectType::kRegistryValue;
+    if (live != nullptr) {
+        name.key_path = live->key_path;
+        name.value_name = is_value ? live->value_name : nullptr;
+        return !is_value || name.value_name != nullptr;
+    }
+    name.split = block;
+    name.key_path = name.split.name();
+    if (!is_value) {
+        return true;
+    }
+    const std::size_t separator = std::u16string_view(name.key_path).find(kNameSeparator);
+    if (separator == std::u16string_view::npos) {
+        return false;
+    }
+    name.split.name()[separator] = 0;
+    name.value_name = name.key_path + separator + 1;
+    return true;
+}
+
+bool IsHive(std::uint32_t root) { return root >= kHiveClassesRoot && root <= kHiveUsers; }
+
+HKEY RootKey(const InfoBlock& block) {
+    return reinterpret_cast<HKEY>(static_cast<std::uintptr_t>(block.head().hive));
+}
+
+RestoreOutcome Outcome(LONG status) {
+    return status == ERROR_SUCCESS ? RestoreOutcome::kDone : RestoreOutcome::kFailed;
+}
+
+RestoreOutcome RestoreKey(HKEY root, const char16_t* key_path, RestoreMode mode) {
+    if (mode == RestoreMode::kDelete) {
+        // A key that cannot be deleted, as one that is open, does not hold the restore up.
+        ::RegDeleteKeyW(root, Wide(key_path));
+        return RestoreOutcome::kDone;
+    }
+    UniqueHkey key;
+    return Outcome(::RegCreateKeyExW(root, Wide(key_path), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
+                                     key.Put(), nullptr));
+}
+
+bool EqualIgnoringCase(const char16_t* a, const char16_t* b) {
+    return ::CompareStringW(LOCALE_USER_DEFAULT, NORM_IGNORECASE, Wide(a), -1, Wide(b), -1) ==
+           CSTR_EQUAL;
+}
+
+BOOL IsInstalledLocale(DWORD value) { return ::IsValidLocale(value, LCID_INSTALLED); }
+BOOL IsKnownCodePage(DWORD value) { return ::IsValidCodePage(value); }
+
+// Values that keep the device from starting when they name what it does not have.
+struct LocaleValue {
+    const char16_t* name;
+    BOOL (*is_valid)(DWORD value);
+};
+constexpr LocaleValue kLocaleValues[] = {
+    {u"DefaultLCID", IsInstalledLocale},
+    {u"DefaultACP", IsKnownCodePage},
+};
+
+const LocaleValue* FindLocaleValue(std::uint32_t hive, const RegistryName& name) {
+    if (hive != kHiveLocalMachine || !EqualIgnoringCase(name.key_path, u"nls")) {
+        return nullptr;
+    }
+    for (const LocaleValue& row : kLocaleValues) {
+        if (EqualIgnoringCase(name.value_name, row.name)) {
+            return &row;
+        }
+    }
+    return nullptr;
+}
+
+bool MayChange(const LocaleValue& guarded, const StoredBytes& data, RestoreMode mode) {
+    std::uint32_t value = 0;
+    if (mode == RestoreMode::kDelete || data.bytes == nullptr || data.length != sizeof value) {
+        return false;
+    }
+    std::memcpy(&value, data.bytes, sizeof value);
+    return guarded.is_valid(value) != FALSE;
+}
+
+// Some releases answer 87 for a value that is not there, as the result or as the last error.
+RestoreOutcome DeleteValue(HKEY key, const char16_t* value_name) {
+    ::SetLastError(ERROR_SUCCESS);
+    const LONG status = ::RegDeleteValueW(key, Wide(value_name));
+    const DWORD error = ::GetLastError();
+    return status == ERROR_INVALID_PARAMETER || error == ERROR_INVALID_PARAMETER
+               ? RestoreOutcome::kDone
+               : Outcome(status);
+}
+
+RestoreOutcome RestoreValue(const StoredBytes& data, const InfoBlock& block,
+                            const RegistryName& name, RestoreMode mode) {
+    UniqueHkey key;
+    if (::RegOpenKeyExW(RootKey(block), Wide(name.key_path), 0, 0, key.Put()) != ERROR_SUCCESS) {
+        return mode == RestoreMode::kDelete ? RestoreOutcome::kDone : RestoreOutcome::kFailed;
+    }
+    const LocaleValue* guarded = FindLocaleValue(block.head().hive, name);
+    if (guarded != nullptr && !MayChange(*guarded, data, mode)) {
+        return RestoreOutcome::kDone;
+    }
+    if (mode == RestoreMode::kDelete) {
+        return DeleteValue(key.get(), name.value_name);
+    }
+    if (!data.complete()) {
+        return RestoreOutcome::kFailed;
+    }
+    return Outcome(::RegSetValueExW(key.get(), Wide(name.value_name), 0, block.head().value_type,
+                                    data.bytes, data.length));
+}
+
+}  // namespace
+
+RestoreOutcome RestoreRegistryObject(const StoredBytes& data, const InfoBlock& block,
+                                     const RegistryObject* live, RestoreMode mode) {
+    RegistryName name;
+    if (!IsHive(block.head().hive) || !TakeName(block, live, name)) {
+        return RestoreOutcome::kFailed;
+    }
+    return block.type() == ObjectType::kRegistryKey
+               ? RestoreKey(RootKey(block), name.key_path, mode)
+               : RestoreValue(data, block, name, mode);
+}
+
+}  // namespace tolvenar

@@ -1,0 +1,20 @@
+#include "storage/opened/opened_storage.h"
+
+namespace tolvenar {
+
+void FreeWorkingLists(OpenedStorage& storage, bool all) {
+    storage.older.reset();
+    storage.newer.reset();
+    if (all) {
+        storage.difference.reset();
+    }
+}
+
+void CloseStorage(OpenedStorage& storage) {
+    FreeWorkingLists(storage, true);
+    storage.journal.reset();
+    storage.registry_objects.RegObjectClear();
+    storage.header.reset();
+}
+
+}  // namespace tolvenar

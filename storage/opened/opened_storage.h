@@ -1,0 +1,31 @@
+// The open storage: its names, header, journal and the lists of the operation that runs. The
+// application owns one and hands it on by reference.
+#pragma once
+
+#include <memory>
+
+#include "snapshot/records/object_list.h"
+#include "snapshot/records/registry_objects.h"
+#include "storage/files/journal_stamp.h"
+#include "storage/format/storage_header.h"
+#include "storage/format/storage_names.h"
+
+namespace tolvenar {
+
+struct OpenedStorage {
+    StorageNames names;
+    std::unique_ptr<StorageHeader> header;   // null while no storage is open
+    std::unique_ptr<ObjectList> journal;     // every record of every state; null when not loaded
+    JournalStamp journal_stamp;              // the journal file's when it was loaded
+    std::unique_ptr<ObjectList> older;       // the older state
+    std::unique_ptr<ObjectList> newer;       // the newer state or the device
+    std::unique_ptr<ObjectList> difference;  // what differs, for writer, restore and tree
+    RegistryObjects registry_objects;        // what the last registry scan met
+};
+
+// Frees the working lists without saving, the difference list too when `all` is set.
+void FreeWorkingLists(OpenedStorage& storage, bool all);
+// Frees every list without saving, and the header: no storage is open afterwards. The names stay.
+void CloseStorage(OpenedStorage& storage);
+
+}  // namespace tolvenar

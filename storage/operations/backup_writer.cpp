@@ -1,0 +1,236 @@
+#include "storage/operations/backup_writer.h"
+
+#include <algorithm>
+
+#include "platform/text.h"
+#include "platform/unique_resource.h"
+#include "snapshot/engine/difference_engine.h"
+#include "snapshot/records/checksum.h"
+#include "snapshot/text/log.h"
+#include "snapshot/text/text_buffer.h"
+#include "storage/files/block_io.h"
+#include "storage/files/card_space.h"
+#include "storage/objects/object_data_writers.h"
+#include "storage/opened/journal.h"
+
+namespace tolvenar {
+namespace {
+
+constexpr int kCompleteSteps = 4;
+// Room that is left on the card beside the new blocks and the rewritten journal.
+constexpr std::uint64_t kSpareBytes = 10000;
+constexpr std::uint32_t kMaxStateNumber = 0xFFFF;
+constexpr std::size_t kFailureTextUnits = 400;
+
+bool Fail(ResultCode code, ResultCode& result_code) {
+    result_code = code;
+    return false;
+}
+
+UniqueHandle OpenForAppending(const StorageNames& names) {
+    UniqueHandle sav_file =
+        OpenFile(names.sav, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, OPEN_EXISTING);
+    if (sav_file && !MoveToEnd(sav_file.get())) {
+        sav_file.Reset();
+    }
+    return sav_file;
+}
+
+// Enters the record that makes the state visible. It goes to the front of the list, so that the
+// state's block is the first of every backup.
+bool AddStateRecord(ObjectList& difference, std::uint32_t state_number) {
+    ObjectRecord record{};
+    record.state_number = static_cast<std::uint16_t>(state_number);
+    record.flags = JF_ADD;
+    record.type = ObjectType::kState;
+    return difference.AddObject(record);
+}
+
+// Gives every record the new state's number; the list's keys stay as they are. Answers the room
+// that blocks and records will take.
+std::uint64_t NumberAndEstimate(Engine& engine, std::uint32_t state_number) {
+    std::uint64_t total = 0;
+    ObjectRecord* record = nullptr;
+    ObjectList::Cursor cursor = engine.storage.difference->First();
+    while (ObjectList::Next(cursor, nullptr, &record)) {
+        record->state_number = static_cast<std::uint16_t>(state_number);
+        total += std::uint64_t{EstimateBlockSize(engine, *record)} + sizeof(ObjectRecord);
+    }
+    return total;
+}
+
+bool CheckRoom(Engine& engine, std::uint64_t estimate, ResultCode& result_code,
+               std::uint32_t& bytes_needed) {
+    const StorageNames& names = engine.storage.names;
+    std::uint64_t free_on_card = 0;
+    if (!FreeBytesOfCard(names, free_on_card)) {
+        return Fail(ResultCode::kFailed, result_code);
+    }
+    // Only the low half is looked at, on purpose: offsets in a storage file have 32 bits.
+    const auto free_bytes = static_cast<std::uint32_t>(free_on_card);
+    const std::uint32_t journal_bytes = JournalFileSize(names);
+    if (journal_bytes == kNoFileSize) {
+        return Fail(ResultCode::kFailed, result_code);
+    }
+    const std::uint64_t needed = journal_bytes + estimate + kSpareBytes;
+    bytes_needed = static_cast<std::uint32_t>(std::min<std::uint64_t>(needed, 0xFFFFFFFF));
+    return free_bytes >= needed || Fail(ResultCode::kNoSpace, result_code);
+}
+
+// Appends the blocks of the difference list to the storage file.
+bool WriteState(Engine& engine, std::uint32_t state_number, const char16_t* description,
+                ResultCode& result_code, std::uint32_t& bytes_needed) {
+    const UniqueHandle sav_file = OpenForAppending(engine.storage.names);
+    ObjectList& difference = *engine.storage.difference;
+    engine.info.SetStateDescription(description);
+    if (!sav_file || !AddStateRecord(difference, state_number)) {
+        return Fail(ResultCode::kFailed, result_code);
+    }
+    const std::uint64_t estimate = NumberAndEstimate(engine, state_number);
+    if (!CheckRoom(engine, estimate, result_code, bytes_needed)) {
+        return false;
+    }
+    std::size_t failed_count = 0;
+    if (!BackupItems(engine, sav_file.get(), difference, failed_count) ||
+        !::FlushFileBuffers(sav_file.get())) {
+        return Fail(ResultCode::kFailed, result_code);
+    }
+    return true;
+}
+
+// Records that failed stay out: their objects are not in the new state and the next backup meets
+// them again.
+bool MergeIntoJournal(const ObjectList& difference, ObjectList& journal) {
+    ObjectRecord* record = nullptr;
+    ObjectList::Cursor cursor = difference.First();
+    while (ObjectList::Next(cursor, nullptr, &record)) {
+        if ((record->flags & JF_FAILED) == 0 && !journal.AddObject(*record)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// Writes the journal with the new state and loads it again. A journal that could not be merged
+// whole is not written: the state would lack objects, and its restore would delete them.
+bool SaveJournal(Engine& engine, bool keep_journal_closed, ResultCode& result_code) {
+    OpenedStorage& storage = engine.storage;
+    const bool merged = MergeIntoJournal(*storage.difference, *storage.journal);
+    const int written = CloseJournal(storage.names, storage.journal, merged, &engine.progress);
+    FreeWorkingLists(storage, true);
+    if (!keep_journal_closed && !OpenJournal(storage, &engine.progress)) {
+        return Fail(ResultCode::kJournalUnreadable, result_code);
+    }
+    return written != 0 || Fail(ResultCode::kFailed, result_code);
+}
+
+bool RunBackup(Engine& engine, std::uint32_t state_number, const char16_t* description,
+               bool keep_journal_closed, ResultCode& result_code, std::uint32_t& bytes_needed) {
+    if (state_number == 0 || state_number > kMaxStateNumber) {
+        return Fail(ResultCode::kFailed, result_code);
+    }
+    if (!FindDifference(engine, state_number - 1)) {
+        return Fail(ResultCode::kNoDifferenceList, result_code);
+    }
+    if (engine.storage.difference->CountRecords() == 0) {
+        result_code = ResultCode::kNoDifference;
+        for (int i = 0; i < kCompleteSteps; ++i) {
+            engine.progress.ProgressStep(u"Complete.");
+        }
+        return true;
+    }
+    return WriteState(engine, state_number, description, result_code, bytes_needed) &&
+           SaveJournal(engine, keep_journal_closed, result_code);
+}
+
+void LogFailedItem(Engine& engine, const ObjectRecord& record) {
+    TextBuffer<kFailureTextUnits> text;
+    InfoBlock block;
+    if (engine.info.GetOIDInfo(record.TolvOID, record.dwOID, block)) {
+        text.Append(u"dwOID = ").AppendHex(record.dwOID);
+        text.Append(u", TolvOID = ").AppendHex(record.TolvOID);
+        text.Append(u"\r\nObj Name: ").Append(block.name());
+        text.Append(u"\r\nObj Type: ").AppendHex(block.head().type);
+    } else {
+        text.Append(u"unavailable info from dwOID = ").AppendHex(record.dwOID);
+        text.Append(u", TolvOID = ").AppendHex(record.TolvOID);
+    }
+    LogMessage(text.text(), u"backup item failed", kLogError);
+}
+
+// Keys have no data and the fingerprint of a database is its number of records.
+bool CarriesDataChecksum(ObjectType type) { return (static_cast<unsigned>(type) & 6) == 0; }
+
+}  // namespace
+
+bool DoBackup(Engine& engine, std::uint32_t state_number, const char16_t* description,
+              bool keep_journal_closed, ResultCode& result_code, std::uint32_t& bytes_needed) {
+    result_code = ResultCode::kSuccess;
+    bytes_needed = 0;
+    const bool done = RunBackup(engine, state_number, description, keep_journal_closed, result_code,
+                                bytes_needed);
+    // The difference list of a backup must not be met by the advanced page's buttons.
+    FreeWorkingLists(engine.storage, true);
+    engine.storage.registry_objects.RegObjectClear();
+    return done;
+}
+
+int BackupItems(Engine& engine, HANDLE sav_file, ObjectList& list, std::size_t& failed_count) {
+    engine.progress.ProgressBegin(list.CountRecords());
+    engine.progress.ProgressStep(u"Backing Up...");
+    failed_count = 0;
+    ObjectRecord* record = nullptr;
+    ObjectList::Cursor cursor = list.First();
+    while (ObjectList::Next(cursor, nullptr, &record)) {
+        if (!BackupItem(engine, sav_file, *record)) {
+            record->flags |= JF_FAILED;
+            LogFailedItem(engine, *record);
+            ++failed_count;
+        }
+        engine.progress.ProgressStep();
+    }
+    return 1;
+}
+
+bool BackupItem(Engine& engine, HANDLE sav_file, ObjectRecord& record) {
+    if ((record.flags & JF_ADD) == 0) {
+        return true;
+    }
+    InfoBlock block;
+    std::uint32_t block_offset = 0;
+    if (!engine.info.GetOIDInfo(record.TolvOID, record.dwOID, block) ||
+        !FilePosition(sav_file, block_offset)) {
+        return false;
+    }
+    StoredData data;
+    const DataWriter writer{engine.databases,
+                            engine.storage.registry_objects,
+                            engine.info.state_description(),
+                            sav_file,
+                            block,
+                            record.TolvOID,
+                            record.dwOID};
+    if (!WriteBlock(sav_file, block.bytes(), kInfoHeadBytes, block_offset, true) ||
+        !BackupObjectData(writer, data)) {
+        MoveTo(sav_file, block_offset);
+        return false;
+    }
+    record.info_checksum = Checksum16(block.bytes(), block.size());
+    record.data_offset = data.offset;
+    if (CarriesDataChecksum(record.type)) {
+        record.content_fingerprint = data.checksum;
+    }
+    record.propOffset = block_offset;
+    return true;
+}
+
+std::uint32_t EstimateBlockSize(Engine& engine, const ObjectRecord& record) {
+    InfoBlock block;
+    if ((record.flags & JF_ADD) == 0 ||
+        !engine.info.GetOIDInfo(record.TolvOID, record.dwOID, block)) {
+        return 0;
+    }
+    return static_cast<std::uint32_t>(block.size()) + block.head().data_bytes;
+}
+
+}  // namespace tolvenar

@@ -1,0 +1,30 @@
+// Writes a new state: finds what changed, appends it to the storage file, enters it in the journal.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "storage/opened/engine.h"
+#include "storage/operations/result_code.h"
+
+namespace tolvenar {
+
+// Makes state `state_number`. On success the code is kSuccess or kNoDifference. `bytes_needed` is
+// the room on the card that the backup asks for, once it is known. The journal in memory is written
+// and loaded again, or left closed when `keep_journal_closed`.
+bool DoBackup(Engine& engine, std::uint32_t state_number, const char16_t* description,
+              bool keep_journal_closed, ResultCode& result_code, std::uint32_t& bytes_needed);
+
+// Writes every record of `list` at the file's position. A record that cannot be written is marked
+// JF_FAILED, logged and counted. Returns 1.
+int BackupItems(Engine& engine, HANDLE sav_file, ObjectList& list, std::size_t& failed_count);
+
+// Writes one object and enters its offsets and checksums in `record`; a record without JF_ADD needs
+// nothing. On failure the file position is back where it was, so that the next block overwrites
+// what was written.
+bool BackupItem(Engine& engine, HANDLE sav_file, ObjectRecord& record);
+
+// Bytes that the object will take in the storage file; 0 when it needs none or cannot be described.
+std::uint32_t EstimateBlockSize(Engine& engine, const ObjectRecord& record);
+
+}  // namespace tolvenar

@@ -1,0 +1,22 @@
+// Brings the device back to a stored state, or applies a list of differences between two states.
+#pragma once
+
+#include <cstdint>
+
+#include "storage/opened/engine.h"
+#include "storage/operations/result_code.h"
+
+namespace tolvenar {
+
+// Restores state `state_number` in full. True with kSuccess, kNoDifference (nothing was to be
+// done), kFailed or kDriver (what could be restored is) when the journal is loaded again at the
+// end; false otherwise. After kFailed the difference list holds what could not be restored, its
+// sense reversed.
+bool DoRestore(Engine& engine, std::uint32_t state_number, ResultCode& result_code);
+
+// Restores the difference list of the open storage, its sense reversed first with `invert_first`.
+// Databases are left alone unless the setting AdvancedDBRestoring is on. New object ids are not
+// kept.
+bool DoAdvancedRestore(Engine& engine, bool invert_first, ResultCode& result_code);
+
+}  // namespace tolvenar

@@ -1,0 +1,150 @@
+#include "storage/operations/restore_list.h"
+
+#include "platform/win32.h"
+
+#include "snapshot/compare/journal_update.h"
+#include "storage/objects/restore_record.h"
+
+namespace tolvenar {
+namespace {
+
+// Between the files and everything else, for the object store to settle.
+constexpr DWORD kSettleMs = 100;
+
+bool IsDeletion(const ObjectRecord& record) { return (record.flags & JF_ADD) != 0; }
+bool IsFileToWrite(const ObjectRecord& record) {
+    return (record.flags & JF_DELETE) != 0 && record.type == ObjectType::kFile;
+}
+bool IsOtherToWrite(const ObjectRecord& record) {
+    return (record.flags & JF_DELETE) != 0 && record.type != ObjectType::kFile;
+}
+
+// The passes over one list. Repeating them settles the order of objects that depend on one another
+// without sorting: a folder comes before its files after a pass in which they failed.
+class Passes {
+public:
+    Passes(Engine& engine, RestoreTools& tools, ObjectList& list)
+        : progress_(engine.progress),
+          tools_(tools),
+          list_(list),
+          journal_(engine.storage.journal.get()) {}
+
+    // Repeats passes over the chosen records until one has no failures, or as many as the one
+    // before it. The count of the pass before goes from one phase into the next, on purpose: a
+    // phase whose first pass fails as often as the last pass of the phase before it ends at once.
+    void RunPhase(bool (*chosen)(const ObjectRecord&)) {
+        for (;;) {
+            const std::size_t failures = RunPass(chosen);
+            const bool stuck = failures != 0 && failures == failures_before_;
+            failures_before_ = failures;
+            if (stuck) {
+                failed_ = true;
+            }
+            if (stuck || failures == 0) {
+                return;
+            }
+        }
+    }
+    bool failed() const { return failed_; }
+    bool FinishJournal() { return journal_.SeparateVersions(); }
+
+private:
+    std::size_t RunPass(bool (*chosen)(const ObjectRecord&)) {
+        std::size_t failures = 0;
+        ObjectList::Cursor cursor = list_.First();
+        ObjectRecord* record = nullptr;
+        while (ObjectList::Next(cursor, nullptr, &record)) {
+            if (!chosen(*record)) {
+                continue;
+            }
+            if (!Restore(*record)) {
+                ++failures;
+            }
+            progress_.ProgressStep();
+        }
+        return failures;
+    }
+
+    bool Restore(ObjectRecord& record) {
+        CEOID newOid = 0;
+        if (DoRestoreRecord(tools_, record, newOid) == RestoreOutcome::kFailed) {
+            return false;
+        }
+        record.flags = 0;
+        journal_.UpdateJournalOid(record, newOid);
+        return true;
+    }
+
+    Progress& progress_;
+    RestoreTools& tools_;
+    ObjectList& list_;
+    JournalUpdater journal_;
+    std::size_t failures_before_ = 0;
+    bool failed_ = false;
+};
+
+// The handles of the databases that a restore uses, closed at its end.
+class DatabaseCacheScope {
+public:
+    explicit DatabaseCacheScope(DatabaseLayer& databases) : databases_(databases) {
+        databases_.ResetDatabaseCache();
+    }
+    ~DatabaseCacheScope() { databases_.CloseDatabaseCache(); }
+    DatabaseCacheScope(const DatabaseCacheScope&) = delete;
+    DatabaseCacheScope& operator=(const DatabaseCacheScope&) = delete;
+
+private:
+    DatabaseLayer& databases_;
+};
+
+// Enters the device's records that the state holds as they are among those that are never
+// overwritten: on a device that was reset one of them may have the id that another stored record
+// had before. False when there is no memory.
+bool ProtectMatchedRecords(const ObjectList* device, WrittenRecords& written) {
+    ObjectRecord* record = nullptr;
+    ObjectList::Cursor cursor = device == nullptr ? nullptr : device->First();
+    while (ObjectList::Next(cursor, nullptr, &record)) {
+        const bool is_matched = (record->flags & JF_MATCHED) != 0;
+        if (is_matched && record->type == ObjectType::kDatabaseRecord && record->dwOID != 0 &&
+            !written.Add(record->dwOID)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace
+
+bool RestoreList(Engine& engine, ObjectList& list, bool skip_databases, ResultCode& result_code) {
+    StorageMapping storage;
+    if (!storage.Open(engine.storage.names.sav)) {
+        result_code = ResultCode::kDriver;
+        return false;
+    }
+    engine.progress.ProgressBegin(2 * list.CountRecords());
+    engine.progress.ProgressStep(u"Restoring...");
+    const DatabaseCacheScope cache(engine.databases);
+    RestoreTools tools{engine.info, engine.databases, storage, skip_databases, {}};
+    if (!ProtectMatchedRecords(engine.storage.newer.get(), tools.written)) {
+        InvertPendingFlags(list);
+        result_code = ResultCode::kFailed;
+        return false;
+    }
+    Passes passes(engine, tools, list);
+    passes.RunPhase(IsDeletion);
+    passes.RunPhase(IsFileToWrite);
+    ::Sleep(kSettleMs);
+    passes.RunPhase(IsOtherToWrite);
+    if (!passes.FinishJournal()) {
+        // The file keeps the ids of before; the next backup finds the objects changed.
+        engine.storage.journal.reset();
+    }
+    if (!passes.failed()) {
+        return true;
+    }
+    InvertPendingFlags(list);
+    result_code = ResultCode::kFailed;
+    return false;
+}
+
+}  // namespace tolvenar

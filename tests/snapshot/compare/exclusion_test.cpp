@@ -1,0 +1,139 @@
+#include "snapshot/compare/exclusion.h"
+
+#include <gtest/gtest.h>
+
+namespace tolvenar {
+namespace {
+
+constexpr StorageFileNames kStorage = {{u"mine.sav", u"mine.jrn", u"mine.jrn_1"}};
+
+bool File(const char16_t* folder, const char16_t* name) {
+    return IsExcluded(ExclusionKind::kFile, folder, name, &kStorage);
+}
+bool Key(const char16_t* path) {
+    return IsExcluded(ExclusionKind::kRegistryKey, path, nullptr, nullptr);
+}
+bool Value(const char16_t* path, const char16_t* name) {
+    return IsExcluded(ExclusionKind::kRegistryValue, path, name, nullptr);
+}
+
+TEST(ExclusionTest, FilesByNameAndFolder) {
+    EXPECT_TRUE(File(u"\\Windows", u"wince.nls"));
+    EXPECT_FALSE(File(u"\\Temp", u"wince.nls"));
+    EXPECT_FALSE(File(u"", u"wince.nls"));
+    EXPECT_FALSE(File(u"\\Windows\\Sub", u"wince.nls"));
+    EXPECT_TRUE(File(u"\\Windows\\Activesync", u"SchedSync.dat"));
+    EXPECT_FALSE(File(u"\\Windows", u"SchedSync.dat"));
+    EXPECT_FALSE(File(u"\\Windows\\Activesync\\x", u"SchedSync.dat"));
+}
+
+TEST(ExclusionTest, FilesByNameInAnyFolder) {
+    for (const char16_t* name : {u"Storage.bkp", u"Journal.bkp", u"Journal1.bkp", u"Recycled",
+                                 u"new_expl.exe", u"mine.sav", u"mine.jrn", u"mine.jrn_1"}) {
+        EXPECT_TRUE(File(u"", name));
+        EXPECT_TRUE(File(u"\\My Documents", name));
+    }
+    EXPECT_FALSE(File(u"", u"Storage.bkp2"));
+    EXPECT_FALSE(File(u"", u"aStorage.bkp"));
+    EXPECT_FALSE(File(u"", u"other.sav"));
+    EXPECT_FALSE(File(u"", u""));
+}
+
+TEST(ExclusionTest, FilesByTheBeginningOfTheirFolder) {
+    EXPECT_TRUE(File(u"\\Recycled", u"a.txt"));
+    EXPECT_TRUE(File(u"\\Recycled\\deep\\down", u"a.txt"));
+    // No separator is asked for behind the name.
+    EXPECT_TRUE(File(u"\\RecycledStuff", u"a.txt"));
+    EXPECT_FALSE(File(u"\\My Documents\\Recycled", u"a.txt"));
+    EXPECT_FALSE(File(u"Recycled", u"a.txt"));
+    EXPECT_FALSE(File(u"\\Recycle", u"a.txt"));
+    for (const char16_t* folder :
+         {u"\\mine.sav", u"\\mine.sav\\x", u"\\mine.savings", u"\\mine.jrn", u"\\mine.jrn_1"}) {
+        EXPECT_TRUE(File(folder, u"a.txt"));
+    }
+    EXPECT_FALSE(File(u"\\My Documents\\mine.sav", u"a.txt"));
+    EXPECT_FALSE(File(u"mine.sav", u"a.txt"));
+    EXPECT_FALSE(File(u"/mine.sav", u"a.txt"));
+    EXPECT_FALSE(File(u"\\mine.sa", u"a.txt"));
+}
+
+TEST(ExclusionTest, TheCaseOfLettersMatters) {
+    EXPECT_FALSE(File(u"\\windows", u"wince.nls"));
+    EXPECT_FALSE(File(u"\\Windows", u"Wince.nls"));
+    EXPECT_FALSE(File(u"", u"recycled"));
+    EXPECT_FALSE(File(u"\\recycled", u"a.txt"));
+    EXPECT_FALSE(File(u"", u"Mine.sav"));
+    EXPECT_FALSE(Key(u"drivers\\active"));
+    EXPECT_FALSE(Value(u"Comm\\SecurityProviders\\Schannel", u"Seed"));
+    EXPECT_FALSE(IsExcludedDatabase(u"\\recycleinfo"));
+}
+
+TEST(ExclusionTest, StorageNamesAreReadAtEveryCall) {
+    const StorageFileNames other = {{u"other.sav", u"other.jrn", u"other.jrn_1"}};
+    EXPECT_TRUE(IsExcluded(ExclusionKind::kFile, u"", u"other.sav", &other));
+    EXPECT_FALSE(IsExcluded(ExclusionKind::kFile, u"", u"mine.sav", &other));
+}
+
+TEST(ExclusionTest, AbsentOrEmptyStorageNamesExcludeNothing) {
+    const StorageFileNames none = {{nullptr, u"", u""}};
+    EXPECT_FALSE(IsExcluded(ExclusionKind::kFile, u"\\My Documents", u"a.txt", &none));
+    EXPECT_FALSE(IsExcluded(ExclusionKind::kFile, u"\\My Documents", u"", &none));
+    EXPECT_FALSE(IsExcluded(ExclusionKind::kFile, u"\\My Documents", u"a.txt", nullptr));
+    EXPECT_TRUE(IsExcluded(ExclusionKind::kFile, u"", u"Recycled", nullptr));
+}
+
+TEST(ExclusionTest, KeysThatContainARulesText) {
+    EXPECT_TRUE(Key(u"Drivers\\Active"));
+    EXPECT_TRUE(Key(u"Drivers\\Active\\07"));
+    EXPECT_TRUE(Key(u"My\\Drivers\\ActiveThings"));
+    EXPECT_TRUE(Key(u"Comm\\Tcpip\\Hosts\\ppp_peer"));
+    EXPECT_TRUE(Key(u"Comm\\Tcpip\\Hosts\\ppp_peer\\x"));
+    EXPECT_FALSE(Key(u"Drivers"));
+    EXPECT_FALSE(Key(u"Comm\\Tcpip\\Hosts"));
+    EXPECT_FALSE(Key(u""));
+}
+
+TEST(ExclusionTest, MachineValuesByKeyPathAndName) {
+    EXPECT_TRUE(Value(u"Comm\\SecurityProviders\\SCHANNEL", u"Seed"));
+    EXPECT_TRUE(Value(u"Comm\\SecurityProviders\\SCHANNEL", u"RNG"));
+    EXPECT_FALSE(Value(u"Comm\\SecurityProviders\\SCHANNEL", u"Other"));
+    EXPECT_FALSE(Value(u"Comm\\SecurityProviders\\SCHANNEL\\x", u"Seed"));
+    EXPECT_FALSE(Value(u"Comm\\SecurityProviders\\SCHANNEL", nullptr));
+    EXPECT_FALSE(Value(nullptr, u"Seed"));
+}
+
+TEST(ExclusionTest, TheMachinesValuesAreNotInTheTableForAllHives) {
+    EXPECT_FALSE(IsExcludedValue(kHiveCurrentUser, u"Comm\\SecurityProviders\\SCHANNEL", u"Seed"));
+    EXPECT_FALSE(IsExcludedValue(kHiveLocalMachine, u"Comm\\SecurityProviders\\SCHANNEL", u"Seed"));
+}
+
+TEST(ExclusionTest, ValuesOfTheTableForAllHives) {
+    const struct {
+        std::uint32_t hive;
+        const char16_t* key_path;
+        const char16_t* name;
+    } rows[] = {{0x80000001, u"Software\\Microsoft\\AirSync\\Connection", u"LastAutoSyncTime"},
+                {0x80000002, u"SOFTWARE\\Microsoft\\Shell\\Rai\\:MSSHELL32", u"4"}};
+    for (const auto& row : rows) {
+        EXPECT_TRUE(IsExcludedValue(row.hive, row.key_path, row.name));
+        EXPECT_FALSE(IsExcludedValue(0x80000003, row.key_path, row.name));
+        EXPECT_FALSE(IsExcludedValue(row.hive, u"Software", row.name));
+        EXPECT_FALSE(IsExcludedValue(row.hive, row.key_path, u"other"));
+        // A key has no value name.
+        EXPECT_FALSE(IsExcludedValue(row.hive, row.key_path, nullptr));
+        EXPECT_FALSE(IsExcludedValue(row.hive, nullptr, row.name));
+        EXPECT_FALSE(IsExcludedValue(0, row.key_path, row.name));
+    }
+}
+
+TEST(ExclusionTest, DatabasesOfTheRecycleBin) {
+    EXPECT_TRUE(IsExcludedDatabase(u"\\RecycleInfo"));
+    EXPECT_TRUE(IsExcludedDatabase(u"My\\RecycleInfo2"));
+    EXPECT_FALSE(IsExcludedDatabase(u"RecycleInfo"));
+    EXPECT_FALSE(IsExcludedDatabase(u"Contacts Database"));
+    EXPECT_FALSE(IsExcludedDatabase(u""));
+    EXPECT_FALSE(IsExcludedDatabase(nullptr));
+}
+
+}  // namespace
+}  // namespace tolvenar

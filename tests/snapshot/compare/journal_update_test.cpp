@@ -1,0 +1,320 @@
+// New object ids in the journal and the turning of a list's sense, on plain lists.
+#include "snapshot/compare/journal_update.h"
+
+#include <gtest/gtest.h>
+#include <random>
+#include <vector>
+
+namespace tolvenar {
+namespace {
+
+ObjectRecord FileRecord(std::uint32_t dwOID, std::uint16_t state, std::uint16_t flags,
+                        std::uint32_t propOffset) {
+    ObjectRecord record{};
+    record.dwOID = dwOID;
+    record.info_checksum = 0x1234;
+    record.content_fingerprint = 0x5678;
+    record.propOffset = propOffset;
+    record.data_offset = propOffset + 60;
+    record.state_number = state;
+    record.flags = flags;
+    record.type = ObjectType::kFile;
+    return record;
+}
+
+// Records in the order of a walk. The list puts each insertion in front.
+std::unique_ptr<ObjectList> MakeJournal(const std::vector<ObjectRecord>& walked) {
+    auto journal = ObjectList::CreateList();
+    std::uint32_t serial = 0;
+    for (auto record = walked.rbegin(); record != walked.rend(); ++record) {
+        // Keys of their own, so that records which are equal but for their place can be told apart.
+        EXPECT_TRUE(journal->InsertCopy(ObjectKey{++serial, 0, 0, 0}, *record));
+    }
+    return journal;
+}
+
+std::vector<std::uint32_t> IdsOf(const ObjectList& list) {
+    std::vector<std::uint32_t> ids;
+    ObjectList::Cursor cursor = list.First();
+    ObjectRecord* record = nullptr;
+    while (ObjectList::Next(cursor, nullptr, &record)) {
+        ids.push_back(record->dwOID);
+    }
+    return ids;
+}
+
+// What the result is defined by: every record is looked at for every object.
+void PlainWalk(ObjectList& journal, const ObjectRecord& object, std::uint32_t newOid) {
+    if (newOid == 0) {
+        return;
+    }
+    ObjectRecord* deletion = nullptr;
+    ObjectList::Cursor cursor = journal.First();
+    ObjectRecord* record = nullptr;
+    while (ObjectList::Next(cursor, nullptr, &record)) {
+        if (record->dwOID != object.dwOID || record->info_checksum != object.info_checksum ||
+            record->content_fingerprint != object.content_fingerprint ||
+            record->propOffset != object.propOffset || record->data_offset != object.data_offset ||
+            record->type != object.type) {
+            continue;
+        }
+        const bool has_id = record->type != ObjectType::kRegistryValue &&
+                            record->type != ObjectType::kRegistryKey &&
+                            record->type != ObjectType::kState;
+        if (record->state_number == object.state_number) {
+            if (has_id && (record->flags & JF_ADD) != 0) {
+                record->dwOID = newOid;
+            }
+        } else if (record->state_number > object.state_number && (record->flags & JF_DELETE) != 0 &&
+                   (deletion == nullptr || record->state_number <= deletion->state_number)) {
+            deletion = record;
+        }
+    }
+    if (deletion != nullptr) {
+        deletion->dwOID = newOid;
+    }
+}
+
+TEST(JournalUpdateTest, TheAdditionOfTheSameStateGetsTheNewId) {
+    auto journal = MakeJournal({FileRecord(7, 1, JF_ADD, 500), FileRecord(8, 1, JF_ADD, 900)});
+    JournalUpdater updater(journal.get());
+    updater.UpdateJournalOid(FileRecord(7, 1, 0, 500), 40);
+    EXPECT_EQ((std::vector<std::uint32_t>{40, 8}), IdsOf(*journal));
+}
+
+TEST(JournalUpdateTest, ANewIdOfZeroChangesNothing) {
+    auto journal = MakeJournal({FileRecord(7, 1, JF_ADD, 500)});
+    JournalUpdater updater(journal.get());
+    updater.UpdateJournalOid(FileRecord(7, 1, 0, 500), 0);
+    EXPECT_EQ((std::vector<std::uint32_t>{7}), IdsOf(*journal));
+}
+
+TEST(JournalUpdateTest, WithoutAJournalNothingHappens) {
+    JournalUpdater updater(nullptr);
+    updater.UpdateJournalOid(FileRecord(7, 1, 0, 500), 40);
+}
+
+TEST(JournalUpdateTest, AnAdditionOfAnotherStateKeepsItsId) {
+    auto journal = MakeJournal({FileRecord(7, 2, JF_ADD, 500)});
+    JournalUpdater updater(journal.get());
+    updater.UpdateJournalOid(FileRecord(7, 1, 0, 500), 40);
+    EXPECT_EQ((std::vector<std::uint32_t>{7}), IdsOf(*journal));
+}
+
+TEST(JournalUpdateTest, ARecordOfTheSameStateWithoutAdditionKeepsItsId) {
+    auto journal = MakeJournal({FileRecord(7, 1, JF_DELETE, 500), FileRecord(7, 1, 0, 500)});
+    JournalUpdater updater(journal.get());
+    updater.UpdateJournalOid(FileRecord(7, 1, 0, 500), 40);
+    EXPECT_EQ((std::vector<std::uint32_t>{7, 7}), IdsOf(*journal));
+}
+
+TEST(JournalUpdateTest, EveryFieldOfTheVersionMustAgree) {
+    const ObjectRecord object = FileRecord(7, 1, JF_ADD, 500);
+    std::vector<ObjectRecord> walked(6, object);
+    walked[0].dwOID = 6;
+    walked[1].info_checksum ^= 1;
+    walked[2].content_fingerprint ^= 1;
+    walked[3].propOffset ^= 1;
+    walked[4].data_offset ^= 1;
+    walked[5].type = ObjectType::kDatabase;
+    auto journal = MakeJournal(walked);
+    JournalUpdater updater(journal.get());
+    updater.UpdateJournalOid(object, 40);
+    EXPECT_EQ((std::vector<std::uint32_t>{6, 7, 7, 7, 7, 7}), IdsOf(*journal));
+}
+
+TEST(JournalUpdateTest, RegistryAndStateRecordsOfTheSameStateKeepTheirIds) {
+    for (const ObjectType type :
+         {ObjectType::kRegistryValue, ObjectType::kRegistryKey, ObjectType::kState}) {
+        ObjectRecord object = FileRecord(7, 1, JF_ADD, 500);
+        object.type = type;
+        auto journal = MakeJournal({object});
+        JournalUpdater updater(journal.get());
+        updater.UpdateJournalOid(object, 40);
+        EXPECT_EQ((std::vector<std::uint32_t>{7}), IdsOf(*journal));
+    }
+}
+
+TEST(JournalUpdateTest, DatabasesAndRecordsGetTheirNewIds) {
+    for (const ObjectType type : {ObjectType::kDatabase, ObjectType::kDatabaseRecord}) {
+        ObjectRecord object = FileRecord(7, 1, JF_ADD, 500);
+        object.type = type;
+        auto journal = MakeJournal({object});
+        JournalUpdater updater(journal.get());
+        updater.UpdateJournalOid(object, 40);
+        EXPECT_EQ((std::vector<std::uint32_t>{40}), IdsOf(*journal));
+    }
+}
+
+TEST(JournalUpdateTest, OnlyTheNearestLaterDeletionGetsTheNewId) {
+    auto journal =
+        MakeJournal({FileRecord(7, 5, JF_DELETE, 500), FileRecord(7, 3, JF_DELETE, 500),
+                     FileRecord(7, 4, JF_DELETE, 500), FileRecord(7, 1, JF_DELETE, 500)});
+    JournalUpdater updater(journal.get());
+    updater.UpdateJournalOid(FileRecord(7, 2, 0, 500), 40);
+    EXPECT_EQ((std::vector<std::uint32_t>{7, 40, 7, 7}), IdsOf(*journal));
+}
+
+TEST(JournalUpdateTest, OfTwoDeletionsInOneStateTheLastWalkedGetsTheNewId) {
+    auto journal = MakeJournal({FileRecord(7, 3, JF_DELETE, 500), FileRecord(7, 3, JF_DELETE, 500),
+                                FileRecord(7, 4, JF_DELETE, 500)});
+    JournalUpdater updater(journal.get());
+    updater.UpdateJournalOid(FileRecord(7, 2, 0, 500), 40);
+    EXPECT_EQ((std::vector<std::uint32_t>{7, 40, 7}), IdsOf(*journal));
+}
+
+TEST(JournalUpdateTest, ALaterAdditionIsNoDeletion) {
+    auto journal = MakeJournal({FileRecord(7, 3, JF_ADD, 500)});
+    JournalUpdater updater(journal.get());
+    updater.UpdateJournalOid(FileRecord(7, 2, 0, 500), 40);
+    EXPECT_EQ((std::vector<std::uint32_t>{7}), IdsOf(*journal));
+}
+
+TEST(JournalUpdateTest, NodesKeepTheKeysUnderWhichTheyStand) {
+    auto journal = ObjectList::CreateList();
+    const ObjectRecord record = FileRecord(7, 1, JF_ADD, 500);
+    ASSERT_TRUE(journal->AddObject(record));
+    JournalUpdater updater(journal.get());
+    updater.UpdateJournalOid(record, 40);
+    const ObjectList::Node* node = journal->FindByKey(KeyOf(record));
+    ASSERT_NE(nullptr, node);
+    EXPECT_EQ(40u, node->record->dwOID);
+}
+
+TEST(JournalUpdateTest, AnIdThatWasGivenOutInThisRestoreIsFoundUnderItsNewNumber) {
+    auto journal = MakeJournal({FileRecord(7, 1, JF_ADD, 500), FileRecord(7, 3, JF_DELETE, 500)});
+    JournalUpdater updater(journal.get());
+    updater.UpdateJournalOid(FileRecord(7, 1, 0, 500), 40);
+    updater.UpdateJournalOid(FileRecord(40, 1, 0, 500), 41);
+    EXPECT_EQ((std::vector<std::uint32_t>{41, 41}), IdsOf(*journal));
+}
+
+TEST(JournalUpdateTest, RandomJournalsComeOutAsFromThePlainWalk) {
+    std::mt19937 random(20261121);
+    const auto below = [&](std::uint32_t bound) {
+        return static_cast<std::uint32_t>(random() % bound);
+    };
+    for (int round = 0; round < 60; ++round) {
+        std::vector<ObjectRecord> walked;
+        for (std::uint32_t i = 0; i < 150; ++i) {
+            ObjectRecord record =
+                FileRecord(below(6), static_cast<std::uint16_t>(1 + below(5)),
+                           static_cast<std::uint16_t>(below(16)), 500 + below(4) * 0x40);
+            constexpr ObjectType kTypes[] = {ObjectType::kFile, ObjectType::kDatabase,
+                                             ObjectType::kState, ObjectType::kRegistryKey};
+            record.type = kTypes[below(8) < 5 ? 0 : below(4)];
+            walked.push_back(record);
+        }
+        auto indexed = MakeJournal(walked);
+        auto plain = MakeJournal(walked);
+        JournalUpdater updater(indexed.get());
+        for (int change = 0; change < 60; ++change) {
+            const ObjectRecord object = walked[below(150)];
+            const std::uint32_t newOid = below(9);
+            updater.UpdateJournalOid(object, newOid);
+            PlainWalk(*plain, object, newOid);
+        }
+        ASSERT_EQ(IdsOf(*plain), IdsOf(*indexed)) << "round " << round;
+    }
+}
+
+std::vector<std::uint16_t> FlagsOf(const ObjectList& list) {
+    std::vector<std::uint16_t> flags;
+    ObjectList::Cursor cursor = list.First();
+    ObjectRecord* record = nullptr;
+    while (ObjectList::Next(cursor, nullptr, &record)) {
+        flags.push_back(record->flags);
+    }
+    return flags;
+}
+
+TEST(InvertPendingFlagsTest, AdditionsAndDeletionsAreExchanged) {
+    auto list = MakeJournal({FileRecord(1, 0, JF_ADD, 0), FileRecord(2, 0, JF_DELETE, 0)});
+    InvertPendingFlags(*list);
+    EXPECT_EQ((std::vector<std::uint16_t>{JF_DELETE, JF_ADD}), FlagsOf(*list));
+}
+
+TEST(InvertPendingFlagsTest, HandledRecordsAreRemoved) {
+    auto list = MakeJournal({FileRecord(1, 0, 0, 0), FileRecord(2, 0, JF_ADD, 0),
+                             FileRecord(3, 0, 0, 0), FileRecord(4, 0, 0, 0)});
+    InvertPendingFlags(*list);
+    EXPECT_EQ((std::vector<std::uint32_t>{2}), IdsOf(*list));
+}
+
+TEST(InvertPendingFlagsTest, ARecordWithBothFlagsIsRemoved) {
+    auto list = MakeJournal({FileRecord(1, 0, JF_ADD | JF_DELETE, 0)});
+    InvertPendingFlags(*list);
+    EXPECT_EQ(0u, list->CountRecords());
+}
+
+TEST(InvertPendingFlagsTest, OtherFlagsStayAsTheyAre) {
+    auto list =
+        MakeJournal({FileRecord(1, 0, JF_FAILED, 0), FileRecord(2, 0, JF_FAILED | JF_ADD, 0),
+                     FileRecord(3, 0, kFlagAddition10 | JF_ADD | JF_DELETE, 0)});
+    InvertPendingFlags(*list);
+    EXPECT_EQ((std::vector<std::uint16_t>{JF_FAILED, JF_FAILED | JF_DELETE, kFlagAddition10}),
+              FlagsOf(*list));
+}
+
+TEST(InvertPendingFlagsTest, InvertingTwiceGivesTheListBack) {
+    auto list = MakeJournal({FileRecord(1, 0, JF_ADD, 0), FileRecord(2, 0, JF_DELETE, 0)});
+    InvertPendingFlags(*list);
+    InvertPendingFlags(*list);
+    EXPECT_EQ((std::vector<std::uint16_t>{JF_ADD, JF_DELETE}), FlagsOf(*list));
+}
+
+// State 1 holds a folder; in state 2 it is gone and another of the same name is there. A device
+// that gives out ids again may give the first the id that the second had.
+class SeparateVersionsTest : public testing::Test {
+protected:
+    static constexpr std::uint32_t kFirstBlock = 500;
+    static constexpr std::uint32_t kSecondBlock = 900;
+
+    const ObjectRecord first_ = FileRecord(100, 1, JF_ADD, kFirstBlock);
+    const ObjectRecord first_gone_ = FileRecord(100, 2, JF_DELETE, kFirstBlock);
+    const ObjectRecord second_ = FileRecord(200, 2, JF_ADD, kSecondBlock);
+    const ObjectRecord second_gone_ = FileRecord(200, 3, JF_DELETE, kSecondBlock);
+    const std::unique_ptr<ObjectList> journal_ =
+        MakeJournal({first_, first_gone_, second_, second_gone_});
+};
+
+TEST_F(SeparateVersionsTest, AStaleIdThatMakesTwoRecordsOneIsGivenUp) {
+    JournalUpdater updater(journal_.get());
+    updater.UpdateJournalOid(first_, 200);
+    EXPECT_TRUE(updater.SeparateVersions());
+    EXPECT_EQ((std::vector<std::uint32_t>{200, 200, 0xFFFFFFFE, 0xFFFFFFFE}), IdsOf(*journal_));
+}
+
+TEST_F(SeparateVersionsTest, AnIdThatMakesNoKeyTwiceStays) {
+    JournalUpdater updater(journal_.get());
+    updater.UpdateJournalOid(first_, 300);
+    EXPECT_TRUE(updater.SeparateVersions());
+    EXPECT_EQ((std::vector<std::uint32_t>{300, 300, 200, 200}), IdsOf(*journal_));
+}
+
+TEST_F(SeparateVersionsTest, AVersionThatHasItsOwnNewIdByTheEndKeepsIt) {
+    JournalUpdater updater(journal_.get());
+    updater.UpdateJournalOid(first_, 200);
+    updater.UpdateJournalOid(second_, 300);
+    EXPECT_TRUE(updater.SeparateVersions());
+    EXPECT_EQ((std::vector<std::uint32_t>{200, 200, 300, 300}), IdsOf(*journal_));
+}
+
+TEST_F(SeparateVersionsTest, EachVersionThatGivesWayHasAnIdOfItsOwn) {
+    const auto journal = MakeJournal(
+        {first_, first_gone_, second_, second_gone_, FileRecord(0xFFFFFFFE, 1, JF_ADD, 1300)});
+    JournalUpdater updater(journal.get());
+    updater.UpdateJournalOid(first_, 200);
+    EXPECT_TRUE(updater.SeparateVersions());
+    EXPECT_EQ((std::vector<std::uint32_t>{200, 200, 0xFFFFFFFD, 0xFFFFFFFD, 0xFFFFFFFE}),
+              IdsOf(*journal));
+}
+
+TEST_F(SeparateVersionsTest, WithoutANewIdNothingHappens) {
+    JournalUpdater updater(journal_.get());
+    EXPECT_TRUE(updater.SeparateVersions());
+    EXPECT_EQ((std::vector<std::uint32_t>{100, 100, 200, 200}), IdsOf(*journal_));
+}
+
+}  // namespace
+}  // namespace tolvenar

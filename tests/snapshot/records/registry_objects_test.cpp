@@ -1,0 +1,125 @@
+#include "snapshot/records/registry_objects.h"
+
+#include <gtest/gtest.h>
+#include <string>
+
+#include "snapshot/records/checksum.h"
+
+namespace tolvenar {
+namespace {
+
+constexpr std::uint32_t kMachine = 0x80000002;
+
+class RegistryObjectsTest : public testing::Test {
+protected:
+    RegistryObjects table_;
+};
+
+TEST(TolvOidTest, PathWithTerminatorThenLowByteOfDataThenCounter) {
+    const char16_t path[] = u"80000002Software";
+    const std::uint32_t path_checksum = Checksum16(path, sizeof path);
+    const std::uint32_t data_byte = Checksum16("data", 4) & 0xFF;
+    EXPECT_EQ(path_checksum | data_byte << 16, MakeTolvOID(path, "data", 4, 0));
+    EXPECT_EQ(path_checksum | data_byte << 16 | 0x2A000000u, MakeTolvOID(path, "data", 4, 0x2A));
+    EXPECT_EQ(path_checksum | data_byte << 16 | 0xFF000000u, MakeTolvOID(path, "data", 4, 0xFF));
+}
+
+TEST(TolvOidTest, TheDataByteOfTheNineDigits) {
+    // Their checksum is 0x6F91; no data give 0xFFFF.
+    EXPECT_EQ(0x91u, MakeTolvOID(u"1", "123456789", 9, 0) >> 16);
+    EXPECT_EQ(0xFFu, MakeTolvOID(u"1", nullptr, 0, 0) >> 16);
+}
+
+TEST(TolvOidTest, AChangeOfDataShowsInBits16To23Alone) {
+    const std::uint32_t first = MakeTolvOID(u"name", "one", 3, 0);
+    const std::uint32_t second = MakeTolvOID(u"name", "two", 3, 0);
+    EXPECT_NE(first, second);
+    EXPECT_EQ(0u, (first ^ second) & 0xFF00FFFF);
+}
+
+TEST_F(RegistryObjectsTest, FindsWhatWasAdded) {
+    EXPECT_EQ(nullptr, table_.RegObjectFind(5));
+    ASSERT_EQ(1, table_.RegObjectAdd(5, false, kMachine, 4, 12, u"Software\\X", u"Name"));
+    const RegistryObject* object = table_.RegObjectFind(5);
+    ASSERT_NE(nullptr, object);
+    EXPECT_EQ(5u, object->TolvOID);
+    EXPECT_EQ(kMachine, object->hive);
+    EXPECT_FALSE(object->is_key);
+    EXPECT_EQ(4u, object->value_type);
+    EXPECT_EQ(12u, object->data_bytes);
+    EXPECT_EQ(u"Software\\X", std::u16string(object->key_path));
+    EXPECT_EQ(u"Name", std::u16string(object->value_name));
+    EXPECT_EQ(nullptr, table_.RegObjectFind(6));
+}
+
+TEST_F(RegistryObjectsTest, TheTextsAreCopies) {
+    char16_t key_path[] = u"Software";
+    char16_t name[] = u"Name";
+    table_.RegObjectAdd(1, false, kMachine, 1, 0, key_path, name);
+    key_path[0] = u'x';
+    name[0] = u'x';
+    EXPECT_EQ(u"Software", std::u16string(table_.RegObjectFind(1)->key_path));
+    EXPECT_EQ(u"Name", std::u16string(table_.RegObjectFind(1)->value_name));
+}
+
+TEST_F(RegistryObjectsTest, AKeyHasNoValueName) {
+    ASSERT_EQ(1, table_.RegObjectAdd(1, true, kMachine, 0, 0, u"", nullptr));
+    EXPECT_TRUE(table_.RegObjectFind(1)->is_key);
+    EXPECT_EQ(nullptr, table_.RegObjectFind(1)->value_name);
+    EXPECT_EQ(u"", std::u16string(table_.RegObjectFind(1)->key_path));
+}
+
+TEST_F(RegistryObjectsTest, AValueMayHaveAnEmptyName) {
+    ASSERT_EQ(1, table_.RegObjectAdd(1, false, kMachine, 1, 0, u"k", u""));
+    ASSERT_NE(nullptr, table_.RegObjectFind(1)->value_name);
+    EXPECT_EQ(u"", std::u16string(table_.RegObjectFind(1)->value_name));
+}
+
+TEST_F(RegistryObjectsTest, AnAbsentKeyPathIsRefused) {
+    EXPECT_EQ(0, table_.RegObjectAdd(1, true, kMachine, 0, 0, nullptr, nullptr));
+    EXPECT_EQ(nullptr, table_.RegObjectFind(1));
+}
+
+TEST_F(RegistryObjectsTest, OfEqualIdentifiersTheNewestIsFound) {
+    // Enough others to make the table grow between and behind the two.
+    table_.RegObjectAdd(7, true, kMachine, 0, 0, u"old", nullptr);
+    for (std::uint32_t id = 1000; id < 1400; ++id) {
+        table_.RegObjectAdd(id, true, kMachine, 0, 0, u"k", nullptr);
+    }
+    table_.RegObjectAdd(7, true, kMachine, 0, 0, u"new", nullptr);
+    for (std::uint32_t id = 2000; id < 4000; ++id) {
+        table_.RegObjectAdd(id, true, kMachine, 0, 0, u"k", nullptr);
+        ASSERT_EQ(u"new", std::u16string(table_.RegObjectFind(7)->key_path)) << id;
+    }
+    for (std::uint32_t id = 1000; id < 1400; ++id) {
+        ASSERT_NE(nullptr, table_.RegObjectFind(id)) << id;
+    }
+}
+
+TEST_F(RegistryObjectsTest, ClearForgetsEverything) {
+    table_.RegObjectAdd(1, false, kMachine, 1, 0, u"k", u"v");
+    table_.RegObjectClear();
+    EXPECT_EQ(nullptr, table_.RegObjectFind(1));
+    EXPECT_EQ(1, table_.RegObjectAdd(1, false, kMachine, 1, 0, u"k2", u"v"));
+    EXPECT_EQ(u"k2", std::u16string(table_.RegObjectFind(1)->key_path));
+}
+
+TEST_F(RegistryObjectsTest, GenerateTakesTheFirstIdentifierAndEntersTheObject) {
+    const char16_t full_name[] = u"80000002k\u00FFv";
+    std::uint32_t id = 0;
+    ASSERT_EQ(1, table_.Generate(full_name, "data", 4, false, kMachine, 3, 4, u"k", u"v", id));
+    EXPECT_EQ(MakeTolvOID(full_name, "data", 4, 0), id);
+    const RegistryObject* object = table_.RegObjectFind(id);
+    ASSERT_NE(nullptr, object);
+    EXPECT_EQ(3u, object->value_type);
+    EXPECT_EQ(4u, object->data_bytes);
+    EXPECT_EQ(u"v", std::u16string(object->value_name));
+}
+
+TEST_F(RegistryObjectsTest, GenerateRefusesAnAbsentKeyPath) {
+    std::uint32_t id = 0;
+    EXPECT_EQ(0, table_.Generate(u"x", nullptr, 0, true, kMachine, 0, 0, nullptr, nullptr, id));
+}
+
+}  // namespace
+}  // namespace tolvenar

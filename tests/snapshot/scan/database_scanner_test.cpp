@@ -1,0 +1,207 @@
+#include "snapshot/scan/database_scanner.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/text.h"
+#include "snapshot/records/checksum.h"
+#include "tests/support/engine_test.h"
+
+namespace tolvenar {
+namespace {
+
+constexpr CEPROPID kName = 0x0001001F;
+constexpr CEPROPID kNumber = 0x00020003;
+constexpr CEPROPID kBool = 0x0003000B;
+constexpr CEPROPID kDouble = 0x00040005;
+constexpr CEPROPID kBlob = 0x00050041;
+
+std::vector<CEOID> visited;
+
+void NoteEntry(DatabaseScan&, const DatabaseEntry& entry) { visited.push_back(entry.oid); }
+
+class DatabaseScannerTest : public EngineTest {
+protected:
+    void SetUp() override {
+        EngineTest::SetUp();
+        ASSERT_TRUE(ResetList(list_));
+    }
+
+    void Scan() {
+        list_->ClearList();
+        DatabaseScan whole{*list_, info_, databases_};
+        ScanDatabases(whole, MakeDatabaseObject);
+    }
+
+    std::vector<CEOID> Walk() {
+        visited.clear();
+        DatabaseScan whole{*list_, info_, databases_};
+        ScanDatabases(whole, NoteEntry);
+        return visited;
+    }
+
+    // The record of the object; null when there is none.
+    const ObjectRecord* RecordOf(CEOID oid) {
+        ObjectRecord* record = nullptr;
+        ObjectList::Cursor cursor = list_->First();
+        while (ObjectList::Next(cursor, nullptr, &record)) {
+            if (record->dwOID == oid) {
+                return record;
+            }
+        }
+        return nullptr;
+    }
+
+    std::unique_ptr<ObjectList> list_;
+};
+
+TEST_F(DatabaseScannerTest, ADatabaseComesBeforeItsRecords) {
+    const CEOID first = MakeDatabase(L"First");
+    const CEOID one = AddRecord(L"First", {{kNumber, 1}});
+    const CEOID two = AddRecord(L"First", {{kNumber, 2}});
+    EXPECT_EQ((std::vector<CEOID>{first, one, two}), Walk());
+}
+
+TEST_F(DatabaseScannerTest, ADatabasesRecordHasItsNumberOfRecordsAsFingerprint) {
+    const CEOID oid = MakeDatabase(L"First");
+    AddRecord(L"First", {{kNumber, 1}});
+    AddRecord(L"First", {{kNumber, 2}});
+    Scan();
+    const ObjectRecord* record = RecordOf(oid);
+    ASSERT_NE(nullptr, record);
+    InfoBlock block;
+    ASSERT_TRUE(info_.GetOIDInfo(0, oid, block));
+    EXPECT_EQ(28u + 10u, block.size());
+    EXPECT_EQ(Checksum16(block.bytes(), 38), record->info_checksum);
+    EXPECT_EQ(2, record->content_fingerprint);
+    EXPECT_EQ(0u, record->TolvOID);
+    EXPECT_EQ(0u, record->propOffset);
+    EXPECT_EQ(0u, record->data_offset);
+    EXPECT_EQ(0, record->state_number);
+    EXPECT_EQ(JF_PRESENT, record->flags);
+    EXPECT_EQ(ObjectType::kDatabase, record->type);
+}
+
+TEST_F(DatabaseScannerTest, ARecordsFingerprintIsTheChecksumOfItsCanonicalForm) {
+    MakeDatabase(L"First");
+    const CEOID oid = AddRecord(L"First", {{kName, 0, L"ab"}});
+    Scan();
+    ASSERT_NE(nullptr, RecordOf(oid));
+    const unsigned char canonical[] = {0x1F, 0, 1, 0, 0, 0, 'a', 0, 'b', 0};
+    EXPECT_EQ(Checksum16(canonical, sizeof canonical), RecordOf(oid)->content_fingerprint);
+    EXPECT_EQ(ObjectType::kDatabaseRecord, RecordOf(oid)->type);
+    EXPECT_EQ(0, RecordOf(oid)->state_number);
+    EXPECT_EQ(JF_PRESENT, RecordOf(oid)->flags);
+}
+
+TEST_F(DatabaseScannerTest, ARecordWithoutPropertiesHasTheFingerprintZero) {
+    MakeDatabase(L"First");
+    const CEOID oid = AddEmptyRecord(L"First");
+    Scan();
+    ASSERT_NE(nullptr, RecordOf(oid));
+    EXPECT_EQ(0, RecordOf(oid)->content_fingerprint);
+}
+
+// Whether such a record reads as "no data", and whether that read moves on, is not told.
+TEST_F(DatabaseScannerTest, AnEmptyRecordDoesNotHideTheRecordsBehindIt) {
+    const struct {
+        const char* empty_record;
+        const char* no_data;
+    } rows[] = {{"", "advances"}, {"no-data", "advances"}, {"no-data", "stays"}};
+    for (const auto& row : rows) {
+        device().Set("database.empty.record", row.empty_record);
+        device().Set("database.no.data", row.no_data);
+        const CEOID database = MakeDatabase(L"First");
+        const CEOID one = AddRecord(L"First", {{kNumber, 1}});
+        const CEOID empty = AddEmptyRecord(L"First");
+        const CEOID two = AddRecord(L"First", {{kNumber, 2}});
+        EXPECT_EQ((std::vector<CEOID>{database, one, empty, two}), Walk()) << row.no_data;
+        EXPECT_TRUE(databases_.DeleteDatabase(database));
+    }
+}
+
+// Kept so: only the identifier of such a property counts.
+TEST_F(DatabaseScannerTest, AChangedBooleanOrDoubleIsNotSeen) {
+    MakeDatabase(L"First");
+    const CEOID oid = AddRecord(L"First", {{kBool, 1}, {kDouble, 0, {}, {}, 1.5}});
+    Scan();
+    ASSERT_NE(nullptr, RecordOf(oid));
+    const ObjectRecord before = *RecordOf(oid);
+    WriteRecord(L"First", oid, {{kBool, 0}, {kDouble, 0, {}, {}, 2.5}});
+    Scan();
+    ASSERT_NE(nullptr, RecordOf(oid));
+    EXPECT_EQ(before.content_fingerprint, RecordOf(oid)->content_fingerprint);
+    EXPECT_EQ(before.info_checksum, RecordOf(oid)->info_checksum);
+}
+
+TEST_F(DatabaseScannerTest, AChangedNumberStringOrBlobIsSeen) {
+    MakeDatabase(L"First");
+    const CEOID oid = AddRecord(L"First", {{kNumber, 1}, {kName, 0, L"ab"}, {kBlob, 0, {}, "xy"}});
+    Scan();
+    const std::uint16_t before = RecordOf(oid)->content_fingerprint;
+    const std::vector<TestProperty> changes = {
+        {kNumber, 2}, {kName, 0, L"ac"}, {kBlob, 0, {}, "xz"}};
+    std::uint16_t last = before;
+    for (const TestProperty& change : changes) {
+        WriteRecord(L"First", oid, {change});
+        Scan();
+        EXPECT_NE(last, RecordOf(oid)->content_fingerprint);
+        last = RecordOf(oid)->content_fingerprint;
+    }
+}
+
+TEST_F(DatabaseScannerTest, ADatabaseOfTheRecycleBinIsNeverScanned) {
+    MakeDatabase(L"a\\RecycleInfo1");
+    AddRecord(L"a\\RecycleInfo1", {{kNumber, 1}});
+    const CEOID other = MakeDatabase(L"\\recycleinfo");
+    EXPECT_EQ(std::vector<CEOID>{other}, Walk());
+}
+
+TEST_F(DatabaseScannerTest, AnEnumerationThatDoesNotStartGivesNothing) {
+    MakeDatabase(L"First");
+    device().Fault("CeFindFirstDatabaseEx", 1, 1, 8);
+    EXPECT_TRUE(Walk().empty());
+}
+
+TEST_F(DatabaseScannerTest, ADatabaseThatCannotBeOpenedIsLeftOutAndTheNextIsNot) {
+    const CEOID first = MakeDatabase(L"First");
+    AddRecord(L"First", {{kNumber, 1}});
+    const CEOID second = MakeDatabase(L"Second");
+    const CEOID record = AddRecord(L"Second", {{kNumber, 1}});
+    device().Fault("CeOpenDatabaseEx", 1, 1, 8);
+    const std::vector<CEOID> all = Walk();
+    ASSERT_FALSE(all.empty());
+    EXPECT_EQ(second, all.front());
+    EXPECT_EQ(record, all.back());
+    EXPECT_NE(first, all.front());
+}
+
+TEST_F(DatabaseScannerTest, AReadThatFailsEndsItsDatabaseAndNotTheScan) {
+    const CEOID first = MakeDatabase(L"First");
+    const CEOID one = AddRecord(L"First", {{kNumber, 1}});
+    AddRecord(L"First", {{kNumber, 2}});
+    AddRecord(L"First", {{kNumber, 3}});
+    const CEOID second = MakeDatabase(L"Second");
+    const CEOID other = AddRecord(L"Second", {{kNumber, 1}});
+    device().Fault("CeReadRecordPropsEx", 2, 1, ERROR_NOT_ENOUGH_MEMORY);
+    EXPECT_EQ((std::vector<CEOID>{first, one, second, other}), Walk());
+}
+
+TEST_F(DatabaseScannerTest, ARecordThatCannotBeDescribedIsLeftOut) {
+    MakeDatabase(L"First");
+    const CEOID oid = AddRecord(L"First", {{kNumber, 1}});
+    DatabaseScan whole{*list_, info_, databases_};
+    MakeDatabaseObject(whole, {false, oid + 1000, 0, nullptr, 0});
+    EXPECT_EQ(0u, list_->CountRecords());
+    MakeDatabaseObject(whole, {false, oid, 0, nullptr, 0});
+    EXPECT_EQ(1u, list_->CountRecords());
+}
+
+TEST_F(DatabaseScannerTest, TheScanClosesWhatItOpens) {
+    const CEOID database = MakeDatabase(L"First");
+    AddRecord(L"First", {{kNumber, 1}});
+    Scan();
+    EXPECT_TRUE(databases_.DeleteDatabase(database)) << ::GetLastError();
+}
+
+}  // namespace
+}  // namespace tolvenar

@@ -1,0 +1,324 @@
+#include "storage/objects/object_info.h"
+
+#include <cstring>
+#include <gtest/gtest.h>
+
+#include "platform/text.h"
+#include "platform/unique_resource.h"
+#include "simulator/gate/counters.h"
+#include "tests/support/engine_test.h"
+
+namespace tolvenar {
+namespace {
+
+using Text = std::u16string;
+
+constexpr CEPROPID kNumber = 0x00010003;
+
+class ObjectInfoTest : public EngineTest {
+protected:
+    InfoBlock Describe(std::uint32_t TolvOID, CEOID oid) {
+        InfoBlock block;
+        EXPECT_TRUE(info_.GetOIDInfo(TolvOID, oid, block));
+        EXPECT_EQ(0, block.head().zero);
+        EXPECT_EQ(Text(block.name()).size() * 2, block.head().name_bytes);
+        return block;
+    }
+
+    UniqueHandle OpenSav() {
+        return UniqueHandle(::CreateFileW(kSavPath, GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                          OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    }
+
+    // Puts one block behind the storage's head.
+    void PutBlock(const std::string& block) {
+        device().PutFile(kSavPath, device().FileBytes(kSavPath).substr(0, 236) + block);
+    }
+
+    static std::string Block(std::uint16_t name_bytes, const std::string& name) {
+        std::string block(22, 'h');
+        block += static_cast<char>(name_bytes & 0xFF);
+        block += static_cast<char>(name_bytes >> 8);
+        return block + std::string(2, 0) + name;
+    }
+};
+
+TEST_F(ObjectInfoTest, AFileHasAttributesTimeSizeAndFullPath) {
+    device().PutFile(L"\\A\\b.txt", "12345");
+    device().Touch(L"\\A\\b.txt", 0x01C0FFEE12345680);
+    device().SetAttributes(L"\\A\\b.txt", FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_ARCHIVE);
+    const InfoBlock block = Describe(0, OidOfPath(L"\\A\\b.txt"));
+    EXPECT_EQ(0x21u, block.head().attributes);
+    EXPECT_EQ(0u, block.head().value_type);
+    EXPECT_EQ(0x12345680u, block.head().time_low);
+    EXPECT_EQ(0x01C0FFEEu, block.head().time_high);
+    EXPECT_EQ(5u, block.head().data_bytes);
+    EXPECT_EQ(ObjectType::kFile, block.type());
+    EXPECT_EQ(Text(u"\\A\\b.txt"), block.name());
+}
+
+TEST_F(ObjectInfoTest, AFolderHasTheFolderBitNoTimeAndNoData) {
+    device().MakeFolder(L"\\A");
+    const InfoBlock block = Describe(0, OidOfPath(L"\\A"));
+    EXPECT_EQ(0x10u, block.head().attributes & 0x10u);
+    EXPECT_EQ(0u, block.head().value_type);
+    EXPECT_EQ(0u, block.head().time_low);
+    EXPECT_EQ(0u, block.head().time_high);
+    EXPECT_EQ(0u, block.head().data_bytes);
+    EXPECT_EQ(ObjectType::kFile, block.type());
+    EXPECT_EQ(Text(u"\\A"), block.name());
+}
+
+TEST_F(ObjectInfoTest, ADatabaseHasTypeNumberOfSortOrdersAndItsFourSpecifications) {
+    const CEOID oid = MakeDatabase(L"First", 77);
+    const InfoBlock block = Describe(0, oid);
+    EXPECT_EQ(77u, block.head().database_type);
+    EXPECT_EQ(0u, block.head().sort_order_count);
+    EXPECT_EQ(0u, block.head().time_low);
+    EXPECT_EQ(32u, block.head().data_bytes);
+    EXPECT_EQ(ObjectType::kDatabase, block.type());
+    EXPECT_EQ(Text(u"First"), block.name());
+}
+
+TEST_F(ObjectInfoTest, ARecordHasItsPropertiesAndTheNameOfItsDatabase) {
+    MakeDatabase(L"First");
+    const CEOID oid = AddRecord(L"First", {{kNumber, 1}, {0x0002001F, 0, L"ab"}});
+    const InfoBlock block = Describe(0, oid);
+    EXPECT_EQ(2u, block.head().property_count);
+    EXPECT_EQ(0u, block.head().value_type);
+    EXPECT_EQ(0u, block.head().time_low);
+    EXPECT_LE(2 * sizeof(CEPROPVAL) + 6, block.head().data_bytes);
+    EXPECT_EQ(ObjectType::kDatabaseRecord, block.type());
+    EXPECT_EQ(Text(u"First"), block.name());
+}
+
+TEST_F(ObjectInfoTest, ARecordWhoseDatabaseCannotBeOpenedHasZeroValues) {
+    MakeDatabase(L"First");
+    const CEOID oid = AddRecord(L"First", {{kNumber, 1}});
+    device().Fault("CeOpenDatabaseEx", 1, 1, ERROR_NOT_ENOUGH_MEMORY);
+    const InfoBlock block = Describe(0, oid);
+    EXPECT_EQ(0u, block.head().property_count);
+    EXPECT_EQ(0u, block.head().data_bytes);
+    EXPECT_EQ(ObjectType::kDatabaseRecord, block.type());
+    EXPECT_EQ(Text(u"First"), block.name());
+}
+
+TEST_F(ObjectInfoTest, ADatabaseTellsHowManySortOrdersItHas) {
+    const CEOID oid = MakeDatabase(L"First", 77);
+    CEDBASEINFO info{};
+    info.dwFlags = CEDB_VALIDSORTSPEC;
+    info.wNumSortOrder = 2;
+    info.rgSortSpecs[0].propid = kNumber;
+    info.rgSortSpecs[1].propid = 0x0002001F;
+    ASSERT_TRUE(databases_.SetDatabaseInfo(oid, info));
+    EXPECT_EQ(2u, Describe(0, oid).head().sort_order_count);
+}
+
+TEST_F(ObjectInfoTest, ARecordThatCannotBeFoundInItsDatabaseHasZeroValues) {
+    MakeDatabase(L"First");
+    AddRecord(L"First", {{kNumber, 1}});
+    const CEOID oid = AddRecord(L"First", {{kNumber, 2}});
+    device().Fault("CeSeekDatabase", 1, 1, ERROR_INVALID_PARAMETER);
+    const InfoBlock block = Describe(0, oid);
+    EXPECT_EQ(0u, block.head().property_count);
+    EXPECT_EQ(0u, block.head().data_bytes);
+}
+
+TEST_F(ObjectInfoTest, ARecordWhoseDatabaseCannotBeDescribedFails) {
+    MakeDatabase(L"First");
+    const CEOID oid = AddRecord(L"First", {{kNumber, 1}});
+    device().Fault("CeOidGetInfoEx", 2, 10, ERROR_INVALID_HANDLE);
+    InfoBlock block;
+    EXPECT_FALSE(info_.GetOIDInfo(0, oid, block));
+}
+
+TEST_F(ObjectInfoTest, ABlockThatIsUsedAgainKeepsNothing) {
+    ASSERT_TRUE(
+        storage_.registry_objects.RegObjectAdd(5, false, 0x80000001, REG_DWORD, 4, u"A", u"v"));
+    device().MakeFolder(L"\\A");
+    InfoBlock block;
+    std::memset(block.bytes(), 0xFF, kInfoHeadBytes);
+    ASSERT_TRUE(info_.GetOIDInfo(5, 0, block));
+    ASSERT_TRUE(info_.GetOIDInfo(0, OidOfPath(L"\\A"), block));
+    for (std::size_t i = 4; i < 20; ++i) {
+        EXPECT_EQ(0, block.bytes()[i]) << i;
+    }
+    EXPECT_EQ(0, block.head().zero);
+}
+
+TEST_F(ObjectInfoTest, ARegistryKeyHasItsRootAndPath) {
+    ASSERT_TRUE(
+        storage_.registry_objects.RegObjectAdd(0x1234, true, 0x80000002, 0, 3, u"A\\B", nullptr));
+    const InfoBlock block = Describe(0x1234, 0);
+    EXPECT_EQ(0x80000002u, block.head().hive);
+    EXPECT_EQ(0u, block.head().value_type);
+    EXPECT_EQ(0u, block.head().time_low);
+    EXPECT_EQ(0u, block.head().data_bytes);
+    EXPECT_EQ(ObjectType::kRegistryKey, block.type());
+    EXPECT_EQ(Text(u"A\\B"), block.name());
+}
+
+TEST_F(ObjectInfoTest, ARegistryValueHasItsTypeSizeAndBothNames) {
+    ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(0x1234, false, 0x80000001, REG_DWORD, 4,
+                                                       u"A\\B", u"v"));
+    const InfoBlock block = Describe(0x1234, 0);
+    EXPECT_EQ(0x80000001u, block.head().hive);
+    EXPECT_EQ(4u, block.head().value_type);
+    EXPECT_EQ(0u, block.head().time_low);
+    EXPECT_EQ(0u, block.head().time_high);
+    EXPECT_EQ(4u, block.head().data_bytes);
+    EXPECT_EQ(ObjectType::kRegistryValue, block.type());
+    EXPECT_EQ(Text(u"A\\B\u00FFv"), block.name());
+}
+
+TEST_F(ObjectInfoTest, ARegistryNameThatABlockCannotHoldFails) {
+    const Text path(259, u'k');
+    ASSERT_TRUE(
+        storage_.registry_objects.RegObjectAdd(1, false, 0x80000001, 1, 0, path.c_str(), u""));
+    ASSERT_TRUE(
+        storage_.registry_objects.RegObjectAdd(2, false, 0x80000001, 1, 0, path.c_str(), u"v"));
+    InfoBlock block;
+    EXPECT_TRUE(info_.GetOIDInfo(1, 0, block));
+    EXPECT_EQ(548u, block.size());
+    EXPECT_FALSE(info_.GetOIDInfo(2, 0, block));
+    ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(3, true, 0x80000001, 0, 0,
+                                                       Text(261, u'k').c_str(), nullptr));
+    EXPECT_FALSE(info_.GetOIDInfo(3, 0, block));
+}
+
+TEST_F(ObjectInfoTest, AnUnknownRegistryObjectAndOneWithBothIdsFail) {
+    ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(1, true, 0x80000001, 0, 0, u"A", nullptr));
+    InfoBlock block;
+    EXPECT_FALSE(info_.GetOIDInfo(2, 0, block));
+    EXPECT_FALSE(info_.GetOIDInfo(1, 1, block));
+}
+
+TEST_F(ObjectInfoTest, TheStateBeingWrittenIsCalledTitleAndHasTheTimeOfNow) {
+    device().Command("set clock 2001-02-03T04:05:06");
+    info_.SetStateDescription(u"before the trip");
+    const InfoBlock block = Describe(0, 0);
+    SYSTEMTIME time{};
+    const FILETIME written{block.head().time_low, block.head().time_high};
+    ASSERT_TRUE(::FileTimeToSystemTime(&written, &time));
+    EXPECT_EQ(2001, time.wYear);
+    EXPECT_EQ(6, time.wSecond);
+    EXPECT_EQ(0u, block.head().attributes);
+    EXPECT_EQ(0u, block.head().value_type);
+    EXPECT_EQ(30u, block.head().data_bytes);
+    EXPECT_EQ(ObjectType::kState, block.type());
+    EXPECT_EQ(Text(u"Title"), block.name());
+}
+
+TEST_F(ObjectInfoTest, AStatesDescriptionIsCutTo199Units) {
+    info_.SetStateDescription(Text(300, u'd').c_str());
+    EXPECT_EQ(398u, Describe(0, 0).head().data_bytes);
+    info_.SetStateDescription(nullptr);
+    EXPECT_EQ(0u, Describe(0, 0).head().data_bytes);
+}
+
+TEST_F(ObjectInfoTest, AnObjectThatIsUnavailableForAMomentIsAskedTenTimes) {
+    device().PutFile(L"\\a.txt", "a");
+    const CEOID oid = OidOfPath(L"\\a.txt");
+    InfoBlock block;
+    device().Fault("CeOidGetInfoEx", 1, 9, ERROR_INVALID_HANDLE);
+    EXPECT_TRUE(info_.GetOIDInfo(0, oid, block));
+    device().Command("faults clear");
+    const long before = sim::TotalCalls(device().sim())["CeOidGetInfoEx"];
+    device().Fault("CeOidGetInfoEx", 1, 10, ERROR_INVALID_HANDLE);
+    EXPECT_FALSE(info_.GetOIDInfo(0, oid, block));
+    EXPECT_EQ(before + 10, sim::TotalCalls(device().sim())["CeOidGetInfoEx"]);
+}
+
+TEST_F(ObjectInfoTest, TenMillisecondsPassBehindEveryFailure) {
+    device().PutFile(L"\\a.txt", "a");
+    const CEOID oid = OidOfPath(L"\\a.txt");
+    InfoBlock block;
+    device().Command("trace on");
+    device().Fault("CeOidGetInfoEx", 1, 3, ERROR_INVALID_HANDLE);
+    EXPECT_TRUE(info_.GetOIDInfo(0, oid, block));
+    const std::string sleeps = device().Command("trace show Sleep");
+    device().Command("trace off");
+    std::size_t count = 0;
+    const std::string sleep = "\"arguments\":\"10\"";
+    for (std::size_t at = 0; (at = sleeps.find(sleep, at)) != std::string::npos; ++at) {
+        ++count;
+    }
+    EXPECT_EQ(3u, count) << sleeps;
+}
+
+TEST_F(ObjectInfoTest, AStoredBlockIsReadWithItsName) {
+    PutBlock(Block(4, std::string("a\0b\0\0\0", 6)));
+    const UniqueHandle sav = OpenSav();
+    InfoBlock block;
+    ASSERT_TRUE(ReadBlockFromStorage(236, block, sav.get()));
+    EXPECT_EQ(Text(u"ab"), block.name());
+    EXPECT_EQ(32u, block.size());
+    EXPECT_EQ(0x68686868u, block.head().attributes);
+}
+
+TEST_F(ObjectInfoTest, ABlockThatCannotBeReachedOrReadFails) {
+    PutBlock(Block(0, std::string(2, 0)));
+    const UniqueHandle sav = OpenSav();
+    InfoBlock block;
+    for (const char* function : {"SetFilePointer", "ReadFile"}) {
+        device().Fault(function, 1, 1, ERROR_READ_FAULT);
+        EXPECT_FALSE(ReadBlockFromStorage(236, block, sav.get())) << function;
+        device().Command("faults clear");
+        EXPECT_TRUE(ReadBlockFromStorage(236, block, sav.get())) << function;
+    }
+}
+
+TEST_F(ObjectInfoTest, AStoredBlockWithoutANameHasAnEmptyOne) {
+    PutBlock(Block(0, std::string(2, 0)));
+    const UniqueHandle sav = OpenSav();
+    InfoBlock block;
+    ASSERT_TRUE(ReadBlockFromStorage(236, block, sav.get()));
+    EXPECT_EQ(Text(), block.name());
+    EXPECT_EQ(28u, block.size());
+}
+
+TEST_F(ObjectInfoTest, TheNameEndsAtItsLengthWhateverFollows) {
+    PutBlock(Block(4, std::string("a\0b\0c\0d\0", 8)));
+    const UniqueHandle sav = OpenSav();
+    InfoBlock block;
+    ASSERT_TRUE(ReadBlockFromStorage(236, block, sav.get()));
+    EXPECT_EQ(Text(u"ab"), block.name());
+}
+
+TEST_F(ObjectInfoTest, ABlockThatIsNotWholeInTheFileFails) {
+    PutBlock(Block(4, std::string("a\0b\0", 4)));
+    const UniqueHandle sav = OpenSav();
+    InfoBlock block;
+    EXPECT_FALSE(ReadBlockFromStorage(236, block, sav.get()));
+    EXPECT_FALSE(ReadBlockFromStorage(236 + 10, block, sav.get()));
+    EXPECT_FALSE(ReadBlockFromStorage(100000, block, sav.get()));
+    EXPECT_FALSE(ReadBlockFromStorage(0xFFFFFFF0, block, sav.get()));
+}
+
+TEST_F(ObjectInfoTest, ANameThatDoesNotFitABlockFails) {
+    const struct {
+        std::uint16_t name_bytes;
+        bool fits;
+    } rows[] = {{520, true}, {522, false}, {0xFFFE, false}};
+    for (const auto& row : rows) {
+        PutBlock(Block(row.name_bytes, std::string(0x10000, 'n')));
+        const UniqueHandle sav = OpenSav();
+        InfoBlock block;
+        EXPECT_EQ(row.fits, ReadBlockFromStorage(236, block, sav.get())) << row.name_bytes;
+    }
+}
+
+TEST_F(ObjectInfoTest, WithoutAnOpenStorageFileNoBlockIsRead) {
+    PutBlock(Block(0, std::string(2, 0)));
+    InfoBlock block;
+    EXPECT_FALSE(info_.GetInfoFromStorage(236, block));
+    const UniqueHandle sav = OpenSav();
+    {
+        const StorageFileLoan loan(info_, sav.get());
+        EXPECT_TRUE(info_.GetInfoFromStorage(236, block));
+    }
+    EXPECT_FALSE(info_.GetInfoFromStorage(236, block));
+}
+
+}  // namespace
+}  // namespace tolvenar

@@ -1,0 +1,120 @@
+#include "storage/opened/state_details.h"
+
+#include "tests/storage/opened/storage_fixture.h"
+
+namespace tolvenar {
+namespace {
+
+class StateDetailsTest : public StorageTest {
+protected:
+    void SetUp() override {
+        StorageTest::SetUp();
+        record_.propOffset = 236;
+        record_.data_offset = 274;
+        record_.state_number = 1;
+        record_.type = ObjectType::kState;
+    }
+    // 236 bytes of head, the block of a state made at 16.11.2026 04:33:10, and its description.
+    static Bytes File(const Text& description, std::uint32_t claimed_bytes) {
+        Bytes bytes(236, 0);
+        const Bytes block = {0,    0,    0,    0, 0,   0, 0,   0,  0x00, 0xC7, 0x7A, 0x95, 0x83,
+                             0x75, 0xDD, 0x01, 0, 0,   0, 0,   32, 0,    10,   0,    0,    0,
+                             'T',  0,    'i',  0, 't', 0, 'l', 0,  'e',  0,    0,    0};
+        bytes.insert(bytes.end(), block.begin(), block.end());
+        for (int i = 0; i < 4; ++i) {
+            bytes[236 + 16 + static_cast<std::size_t>(i)] =
+                static_cast<std::uint8_t>(claimed_bytes >> (8 * i));
+        }
+        for (const char16_t unit : description) {
+            bytes.push_back(static_cast<std::uint8_t>(unit));
+            bytes.push_back(static_cast<std::uint8_t>(unit >> 8));
+        }
+        return bytes;
+    }
+    bool Read() { return ReadStateDetails(storage_.names, record_, details_); }
+
+    ObjectRecord record_{};
+    StateDetails details_{};
+};
+
+TEST_F(StateDetailsTest, AStateHasItsLocalTimeAndDescription) {
+    device().Command("set zone UTC-5");
+    Put(kSav, File(u"before the journey", 36));
+    ASSERT_TRUE(Read());
+    EXPECT_EQ(Text(u"11/16/26, 9:33:10 AM"), details_.time);
+    EXPECT_EQ(Text(u"before the journey"), details_.description);
+    EXPECT_TRUE(IsFree(kSav));
+}
+
+TEST_F(StateDetailsTest, TheDescriptionEndsWhereTheBlockSays) {
+    Put(kSav, File(u"before the journey", 12));
+    ASSERT_TRUE(Read());
+    EXPECT_EQ(Text(u"before"), details_.description);
+}
+
+TEST_F(StateDetailsTest, AStateWithoutDescriptionHasAnEmptyOne) {
+    Put(kSav, File(u"xyz", 6));
+    record_.data_offset = kNoData;
+    ASSERT_TRUE(Read());
+    EXPECT_EQ(Text(), details_.description);
+}
+
+TEST_F(StateDetailsTest, ADescriptionOf199UnitsIsWhole) {
+    Put(kSav, File(Text(199, u'd'), 398));
+    ASSERT_TRUE(Read());
+    EXPECT_EQ(Text(199, u'd'), details_.description);
+}
+
+TEST_F(StateDetailsTest, ALongerDescriptionIsCut) {
+    for (const std::uint32_t claim : {400u, 2000u, 0xFFFFFFFFu}) {
+        Put(kSav, File(Text(1000, u'd'), claim));
+        ASSERT_TRUE(Read());
+        EXPECT_EQ(Text(199, u'd'), details_.description) << claim;
+    }
+}
+
+TEST_F(StateDetailsTest, ADescriptionBehindTheFilesEndIsWhatIsThere) {
+    Put(kSav, File(u"abc", 100));
+    ASSERT_TRUE(Read());
+    EXPECT_EQ(Text(u"abc"), details_.description);
+    record_.data_offset = 0x10000;
+    ASSERT_TRUE(Read());
+    EXPECT_EQ(Text(), details_.description);
+}
+
+TEST_F(StateDetailsTest, ABlockBehindTheFilesEndShowsNothing) {
+    Put(kSav, File(u"abc", 6));
+    for (const std::uint32_t offset : {260u, 0x10000u, 0x80000000u, 0xFFFFFFFFu}) {
+        record_.propOffset = offset;
+        details_.time[0] = u'x';
+        EXPECT_FALSE(Read()) << offset;
+        EXPECT_EQ(Text(), details_.time);
+        EXPECT_EQ(Text(), details_.description);
+    }
+}
+
+TEST_F(StateDetailsTest, ATimeThatIsNoDateIsEmpty) {
+    Bytes bytes = File(u"abc", 6);
+    std::fill(bytes.begin() + 244, bytes.begin() + 252, std::uint8_t{0xFF});
+    Put(kSav, bytes);
+    ASSERT_TRUE(Read());
+    EXPECT_EQ(Text(), details_.time);
+    EXPECT_EQ(Text(u"abc"), details_.description);
+}
+
+TEST_F(StateDetailsTest, WithoutTheStorageFileNothingIsShown) {
+    EXPECT_FALSE(Read());
+    Put(kSav, File(u"abc", 6));
+    const UniqueHandle held = Hold(kSav);
+    EXPECT_FALSE(Read());
+}
+
+TEST_F(StateDetailsTest, ADescriptionThatCannotBeReadIsEmpty) {
+    Put(kSav, File(u"abc", 6));
+    Fail("ReadFile", 2, ERROR_READ_FAULT);
+    ASSERT_TRUE(Read());
+    EXPECT_EQ(Text(), details_.description);
+}
+
+}  // namespace
+}  // namespace tolvenar

@@ -1,0 +1,323 @@
+#include "storage/opened/storage_file.h"
+
+#include <cstring>
+
+#include "tests/storage/opened/storage_fixture.h"
+
+namespace tolvenar {
+namespace {
+
+// Answers what it is given; remembers what was offered.
+class ScriptedPrompt : public DescriptionPrompt {
+public:
+    ScriptedPrompt(bool confirm, Text text) : confirm_(confirm), text_(std::move(text)) {}
+    bool AskDescription(const char16_t* proposed, char16_t (&answer)[kMaxDescriptionUnits],
+                        std::size_t& units) override {
+        offered = proposed;
+        units = text_.size();
+        text_.copy(answer, kMaxDescriptionUnits);
+        return confirm_;
+    }
+    Text offered;
+
+private:
+    bool confirm_;
+    Text text_;
+};
+
+class StorageFileTest : public StorageTest {
+protected:
+    void SetUp() override {
+        StorageTest::SetUp();
+        SetOrigName(u"Handheld");
+        device().Command("set processor 4000");
+        device().Command("set os.version 2.11");
+        device().Command("set clock 2026-11-16T04:33:10Z");
+    }
+    static void SetOrigName(const Text& name) {
+        HKEY hkey = nullptr;
+        DWORD disposition = 0;
+        ::RegCreateKeyExW(HKEY_LOCAL_MACHINE, L"Ident", 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
+                          &hkey, &disposition);
+        const UniqueHkey owner(hkey);
+        ASSERT_EQ(ERROR_SUCCESS, ::RegSetValueExW(hkey, L"OrigName", 0, REG_SZ,
+                                                  reinterpret_cast<const BYTE*>(name.c_str()),
+                                                  static_cast<DWORD>((name.size() + 1) * 2)));
+    }
+    // The head of a storage made on this device, without description.
+    static Bytes Head() {
+        Bytes head(236, 0);
+        const std::uint8_t name[] = {'H', 0, 'a', 0, 'n', 0, 'd', 0, 'h', 0, 'e', 0, 'l', 0, 'd'};
+        const std::uint8_t fields[] = {0xA0, 0x0F, 0,    0,    2,    0,    0, 0, 11, 0, 0,
+                                       0,    1,    0,    0,    0,    4,    0, 0, 0,  0, 0xC7,
+                                       0x7A, 0x95, 0x83, 0x75, 0xDD, 0x01, 0, 0, 0,  0};
+        std::memcpy(head.data(), name, sizeof name);
+        std::memcpy(head.data() + 200, fields, sizeof fields);
+        return head;
+    }
+    OpenStorageResult Open() {
+        OpenStorageResult result = OpenStorageResult::kOutOfMemory;
+        const bool opened = OpenStorage(kSav, storage_, result);
+        EXPECT_EQ(opened, result == OpenStorageResult::kOpened);
+        return result;
+    }
+};
+
+TEST_F(StorageFileTest, ASilentStorageHas236BytesWithoutDescription) {
+    const auto header = CreateStorage(u"\\Backups\\Home", nullptr);
+    ASSERT_TRUE(header);
+    EXPECT_EQ(Head(), Content(kSav));
+    EXPECT_EQ(Text(u"Handheld"), header->deviceName);
+    EXPECT_EQ(0u, header->descriptionBytes);
+    EXPECT_TRUE(IsFree(kSav));
+}
+
+TEST_F(StorageFileTest, AnExistingStorageIsReset) {
+    Put(kSav, Bytes(5000, 1));
+    ASSERT_TRUE(CreateStorage(kSav, nullptr));
+    EXPECT_EQ(Head(), Content(kSav));
+}
+
+TEST_F(StorageFileTest, AChosenJournalsPathMakesTheStorageBesideIt) {
+    ASSERT_TRUE(CreateStorage(kJournal, nullptr));
+    EXPECT_TRUE(Exists(kSav));
+    EXPECT_FALSE(Exists(kJournal));
+}
+
+TEST_F(StorageFileTest, AStorageIsCreatedAtTheFirstDotOfItsPath) {
+    ASSERT_TRUE(CreateStorage(u"\\Backups\\my.backup\\data", nullptr));
+    EXPECT_TRUE(Exists(u"\\Backups\\my.sav"));
+}
+
+TEST_F(StorageFileTest, AStorageThatCannotBeCreatedIsNull) {
+    EXPECT_FALSE(CreateStorage(u"\\No Card\\Home", nullptr));
+    Put(kSav, {1, 2, 3});
+    {
+        const UniqueHandle held = Hold(kSav);
+        EXPECT_FALSE(CreateStorage(kSav, nullptr));
+    }
+    EXPECT_EQ((Bytes{1, 2, 3}), Content(kSav));
+}
+
+TEST_F(StorageFileTest, ADescriptionOfTenUnitsMakesAHeadOf252Bytes) {
+    ScriptedPrompt prompt(true, u"ten units!");
+    const auto header = CreateStorage(kSav, &prompt);
+    ASSERT_TRUE(header);
+    Bytes expected = Head();
+    expected.resize(232);
+    expected[228] = 20;
+    for (const char c : std::string("ten units!")) {
+        expected.push_back(static_cast<std::uint8_t>(c));
+        expected.push_back(0);
+    }
+    EXPECT_EQ(expected, Content(kSav));
+    EXPECT_EQ(Text(u"ten units!"), header->description);
+    const auto read = ReadStorageHeader(kSav);
+    ASSERT_TRUE(read);
+    EXPECT_EQ(0, std::memcmp(header.get(), read.get(), sizeof *read));
+}
+
+TEST_F(StorageFileTest, ADescriptionOfOneUnitCanBeOpened) {
+    ScriptedPrompt prompt(true, u"x");
+    ASSERT_TRUE(CreateStorage(kSav, &prompt));
+    EXPECT_EQ(234u, Content(kSav).size());
+    EXPECT_EQ(OpenStorageResult::kOpened, Open());
+    EXPECT_EQ(Text(u"x"), storage_.header->description);
+}
+
+TEST_F(StorageFileTest, TwoHundredUnitsAreWrittenAndOneFewerKept) {
+    ScriptedPrompt prompt(true, Text(200, u'd'));
+    const auto header = CreateStorage(kSav, &prompt);
+    ASSERT_TRUE(header);
+    EXPECT_EQ(632u, Content(kSav).size());
+    EXPECT_EQ(400u, header->descriptionBytes);
+    EXPECT_EQ(Text(199, u'd'), header->description);
+    const auto read = ReadStorageHeader(kSav);
+    ASSERT_TRUE(read);
+    EXPECT_EQ(Text(199, u'd'), read->description);
+}
+
+TEST_F(StorageFileTest, ACancelledDescriptionIsNone) {
+    ScriptedPrompt prompt(false, u"not this");
+    ASSERT_TRUE(CreateStorage(kSav, &prompt));
+    EXPECT_EQ(Head(), Content(kSav));
+}
+
+// The head would end before its last four bytes and could not be read again.
+TEST_F(StorageFileTest, AnEmptyDescriptionIsNone) {
+    ScriptedPrompt prompt(true, u"");
+    ASSERT_TRUE(CreateStorage(kSav, &prompt));
+    EXPECT_EQ(Head(), Content(kSav));
+}
+
+TEST_F(StorageFileTest, TheOfferedDescriptionTellsDeviceAndLocalTime) {
+    device().Command("set zone UTC-5");
+    device().Command("set clock 2026-11-16T04:33:10Z");
+    ScriptedPrompt prompt(false, u"");
+    ASSERT_TRUE(CreateStorage(kSav, &prompt));
+    EXPECT_EQ(Text(u"Device: Handheld, Processor:MIPS(4000)\r\nWindows CE v2.11\r\nStorage created "
+                   u"at Monday, November 16, 2026, 9:33:10 AM\r\n----------\r\n"),
+              prompt.offered);
+}
+
+TEST_F(StorageFileTest, AMinorVersionHasTwoDigits) {
+    StorageHeader header{};
+    header.osMajor = 3;
+    char16_t text[kDeviceTextUnits];
+    const std::size_t length = FormatDeviceText(header, text);
+    EXPECT_EQ(length, Text(text).size());
+    EXPECT_NE(Text::npos, Text(text).find(u"Processor:Unknown(0)\r\nWindows CE v3.00\r\n"));
+}
+
+TEST_F(StorageFileTest, ADeviceWithoutANameIsUnknown) {
+    ASSERT_EQ(ERROR_SUCCESS, ::RegDeleteKeyW(HKEY_LOCAL_MACHINE, L"Ident"));
+    StorageHeader header{};
+    ReadDeviceIdent(header);
+    EXPECT_EQ(Text(u"Unknown"), header.deviceName);
+    EXPECT_EQ(4000u, header.processorType);
+    EXPECT_EQ(2u, header.osMajor);
+    EXPECT_EQ(11u, header.osMinor);
+    EXPECT_EQ(1u, header.formatFamily);
+    EXPECT_EQ(4u, header.formatRevision);
+}
+
+TEST_F(StorageFileTest, ANameIsReadUpTo200Bytes) {
+    SetOrigName(Text(99, u'n'));
+    StorageHeader header{};
+    ReadDeviceIdent(header);
+    EXPECT_EQ(Text(99, u'n'), header.deviceName);
+    SetOrigName(Text(100, u'n'));
+    header = {};
+    ReadDeviceIdent(header);
+    EXPECT_EQ(Text(u"Unknown"), header.deviceName);
+}
+
+TEST_F(StorageFileTest, AnOpenedStorageHasItsHeaderAndTwoEmptyLists) {
+    Put(kSav, Head());
+    EXPECT_EQ(OpenStorageResult::kOpened, Open());
+    ASSERT_TRUE(storage_.header && storage_.older && storage_.newer);
+    EXPECT_EQ(Text(u"Handheld"), storage_.header->deviceName);
+    EXPECT_EQ(0u, storage_.older->CountRecords());
+    EXPECT_EQ(0u, storage_.newer->CountRecords());
+    EXPECT_FALSE(storage_.journal);
+    EXPECT_FALSE(storage_.difference);
+    EXPECT_TRUE(IsFree(kSav));
+    EXPECT_EQ(Head(), Content(kSav));
+}
+
+// The dialog hands over what was chosen: a journal.
+TEST_F(StorageFileTest, AChosenJournalOpensTheStorageBesideIt) {
+    Put(kSav, Head());
+    OpenStorageResult result;
+    EXPECT_FALSE(OpenStorage(kJournal, storage_, result));
+    EXPECT_EQ(OpenStorageResult::kFileMissing, result);
+    Put(kJournal, {});
+    EXPECT_TRUE(OpenStorage(kJournal, storage_, result));
+}
+
+TEST_F(StorageFileTest, BlocksBehindTheHeadDoNotMatter) {
+    Bytes bytes = Head();
+    bytes.insert(bytes.end(), 100, 0x78);
+    Put(kSav, bytes);
+    EXPECT_EQ(OpenStorageResult::kOpened, Open());
+    EXPECT_EQ(Text(), storage_.header->description);
+}
+
+TEST_F(StorageFileTest, OpeningForgetsWhatTheLastRegistryScanMet) {
+    Put(kSav, Head());
+    ASSERT_EQ(1,
+              storage_.registry_objects.RegObjectAdd(5, true, 0x80000001, 0, 0, u"Key", nullptr));
+    EXPECT_EQ(OpenStorageResult::kOpened, Open());
+    EXPECT_EQ(nullptr, storage_.registry_objects.RegObjectFind(5));
+}
+
+struct RefusedRow {
+    std::size_t offset;
+    std::uint8_t value;
+    OpenStorageResult result;
+};
+
+TEST_F(StorageFileTest, ARefusedStorageLeavesTheOpenOneAndItsFile) {
+    Put(kSav, Head());
+    ASSERT_EQ(OpenStorageResult::kOpened, Open());
+    const StorageHeader* const header = storage_.header.get();
+    const ObjectList* const list = storage_.older.get();
+    const RefusedRow rows[] = {
+        {200, 0xA1, OpenStorageResult::kOtherDevice},
+        {216, 5, OpenStorageResult::kOtherDevice},
+        {216, 0, OpenStorageResult::kUnsupportedRevision},
+    };
+    for (const RefusedRow& row : rows) {
+        Bytes bytes = Head();
+        bytes[row.offset] = row.value;
+        Put(kSav, bytes);
+        EXPECT_EQ(row.result, Open());
+        EXPECT_EQ(header, storage_.header.get());
+        EXPECT_EQ(list, storage_.older.get());
+        EXPECT_EQ(bytes, Content(kSav));
+    }
+    device().Remove(L"\\Backups\\Home.sav");
+    EXPECT_EQ(OpenStorageResult::kFileMissing, Open());
+    EXPECT_EQ(header, storage_.header.get());
+}
+
+TEST_F(StorageFileTest, AnOlderRevisionIsOpened) {
+    Bytes bytes = Head();
+    bytes[216] = 3;
+    Put(kSav, bytes);
+    EXPECT_EQ(OpenStorageResult::kOpened, Open());
+    EXPECT_EQ(3u, storage_.header->formatRevision);
+}
+
+TEST_F(StorageFileTest, AHeadThatIsBeingReadCanBeReadAndAMissingOneIsNotMade) {
+    ASSERT_TRUE(CreateStorage(kSav, nullptr));
+    const UniqueHandle reader(::CreateFileW(Wide(kSav), GENERIC_READ,
+                                            FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                            OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    ASSERT_TRUE(reader);
+    EXPECT_TRUE(ReadStorageHeader(kSav));
+    EXPECT_EQ(OpenStorageResult::kFileMissing, Open()) << "opened without sharing";
+    EXPECT_FALSE(ReadStorageHeader(u"\\Backups\\None.sav"));
+    EXPECT_FALSE(Exists(u"\\Backups\\None.sav"));
+}
+
+TEST_F(StorageFileTest, AStorageThatCannotBeWrittenIsNotOpened) {
+    ASSERT_TRUE(CreateStorage(kSav, nullptr));
+    device().SetAttributes(Wide(kSav), FILE_ATTRIBUTE_READONLY);
+    EXPECT_EQ(OpenStorageResult::kFileMissing, Open());
+}
+
+TEST_F(StorageFileTest, OnlyAFileThatIsNotThereIsReallyAbsent) {
+    EXPECT_TRUE(IsReallyAbsent(kSav));
+    EXPECT_TRUE(IsReallyAbsent(u"\\No Card\\Home.sav"));
+    Put(kSav, Head());
+    EXPECT_FALSE(IsReallyAbsent(kSav));
+    const tests::FileLock lock = device().Lock(L"\\Backups\\Home.sav", "write");
+    EXPECT_EQ(OpenStorageResult::kFileMissing, Open());
+    EXPECT_FALSE(IsReallyAbsent(kSav));
+}
+
+TEST_F(StorageFileTest, AFileWhoseAttributesCannotBeReadIsNotAbsent) {
+    Fail("GetFileAttributesW", 1, ERROR_NOT_READY);
+    EXPECT_FALSE(IsReallyAbsent(kSav));
+    Fail("GetFileAttributesW", 1, ERROR_PATH_NOT_FOUND);
+    EXPECT_TRUE(IsReallyAbsent(kSav));
+}
+
+TEST_F(StorageFileTest, ClosingFreesListsAndHeader) {
+    Put(kSav, Head());
+    ASSERT_EQ(OpenStorageResult::kOpened, Open());
+    storage_.journal = ObjectList::CreateList();
+    storage_.difference = ObjectList::CreateList();
+    FreeWorkingLists(storage_, false);
+    EXPECT_FALSE(storage_.older || storage_.newer);
+    EXPECT_TRUE(storage_.difference && storage_.journal && storage_.header);
+    FreeWorkingLists(storage_, true);
+    EXPECT_FALSE(storage_.difference);
+    EXPECT_TRUE(storage_.journal && storage_.header);
+    CloseStorage(storage_);
+    EXPECT_FALSE(storage_.journal || storage_.header);
+}
+
+}  // namespace
+}  // namespace tolvenar

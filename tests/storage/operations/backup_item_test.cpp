@@ -1,0 +1,380 @@
+// The objects of a backup, one by one: their blocks and data in the storage file, their records.
+#include <cstring>
+
+#include "platform/text.h"
+#include "snapshot/records/checksum.h"
+#include "storage/files/block_io.h"
+#include "storage/format/property_encoding.h"
+#include "storage/objects/object_data_writers.h"
+#include "tests/storage/operations/backup_fixture.h"
+
+namespace tolvenar {
+namespace {
+
+constexpr CEPROPID kNumber = 0x00010003;
+
+class BackupItemTest : public BackupTest {
+protected:
+    UniqueHandle OpenSavAtEnd() {
+        UniqueHandle sav(::CreateFileW(kSavPath, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ,
+                                       nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+        EXPECT_TRUE(MoveToEnd(sav.get()));
+        return sav;
+    }
+
+    // The record of an object that is to be stored.
+    static ObjectRecord Added(ObjectType type, CEOID oid) {
+        ObjectRecord record{};
+        record.dwOID = oid;
+        record.flags = JF_ADD;
+        record.type = type;
+        return record;
+    }
+    static ObjectRecord AddedFile(CEOID oid) { return Added(ObjectType::kFile, oid); }
+
+    // The record fails, and the place behind the head is taken by the next one.
+    void ExpectFailure(ObjectRecord record) {
+        device().PutFile(L"\\n.txt", "123456789");
+        const UniqueHandle sav = OpenSavAtEnd();
+        EXPECT_FALSE(BackupItem(engine_, sav.get(), record));
+        EXPECT_EQ(0u, record.propOffset);
+        ObjectRecord next = AddedFile(OidOfPath(L"\\n.txt"));
+        EXPECT_TRUE(BackupItem(engine_, sav.get(), next));
+        EXPECT_EQ(kHead, next.propOffset);
+    }
+};
+
+TEST_F(BackupItemTest, AFilesRecordLeadsToItsBlockAndData) {
+    BackupFreshDevice();
+    device().PutFile(L"\\n.txt", "123456789");
+    ASSERT_TRUE(Backup(2));
+    const ObjectRecord* record = JournalRecord(2, OidOfPath(L"\\n.txt"), ObjectType::kFile);
+    ASSERT_NE(nullptr, record);
+    EXPECT_EQ(Checksum16(Sav().data() + record->propOffset, 40), record->info_checksum);
+    EXPECT_EQ(record->propOffset + 40, record->data_offset);
+    EXPECT_EQ("123456789", Sav().substr(record->data_offset, 9));
+    EXPECT_EQ(0x6F91, record->content_fingerprint);
+    EXPECT_EQ(JF_ADD, record->flags);
+}
+
+TEST_F(BackupItemTest, AnEmptyFileHasNoDataAndTheFingerprintFfff) {
+    device().PutFile(L"\\empty", "");
+    BackupFreshDevice();
+    const ObjectRecord* record = JournalRecord(1, OidOfPath(L"\\empty"), ObjectType::kFile);
+    ASSERT_NE(nullptr, record);
+    EXPECT_EQ(kNoData, record->data_offset);
+    EXPECT_EQ(0xFFFF, record->content_fingerprint);
+}
+
+TEST_F(BackupItemTest, AFolderHasABlockWithoutDataAndTheFingerprintZero) {
+    device().MakeFolder(L"\\A");
+    BackupFreshDevice();
+    const ObjectRecord* record = JournalRecord(1, OidOfPath(L"\\A"), ObjectType::kFile);
+    ASSERT_NE(nullptr, record);
+    EXPECT_NE(0u, record->propOffset);
+    EXPECT_EQ(kNoData, record->data_offset);
+    EXPECT_EQ(0, record->content_fingerprint);
+}
+
+TEST_F(BackupItemTest, AKeyHasNoDataAndAValueItsBytes) {
+    BackupFreshDevice();
+    SetValue(HKEY_CURRENT_USER, L"T", L"v", REG_BINARY, "123456789");
+    ASSERT_TRUE(Backup(2));
+    const std::string key = Block(0x80000001, 0, 0, 0, 2, "T");
+    const std::string value = Block(0x80000001, REG_BINARY, 0, 9, 1, "T\xFFv") + "123456789";
+    const std::string sav = Sav();
+    EXPECT_NE(std::string::npos, sav.find(key));
+    EXPECT_NE(std::string::npos, sav.find(value));
+    for (const ObjectRecord& record : RecordsOf(*storage_.journal)) {
+        if (record.state_number == 2 && record.type == ObjectType::kRegistryKey) {
+            EXPECT_EQ(kNoData, record.data_offset);
+            EXPECT_EQ(0xFFFF, record.content_fingerprint);
+        }
+        if (record.state_number == 2 && record.type == ObjectType::kRegistryValue) {
+            EXPECT_EQ("123456789", sav.substr(record.data_offset, 9));
+            EXPECT_EQ(0x6F91, record.content_fingerprint);
+        }
+    }
+}
+
+TEST_F(BackupItemTest, AValueOfAKeyWhoseNameHoldsTheSeparatorIsStored) {
+    SetValue(HKEY_CURRENT_USER, L"T\\a\u00FFb", L"v", REG_SZ, "123456789");
+    BackupFreshDevice();
+    EXPECT_EQ(u"", Log());
+    EXPECT_NE(std::string::npos, Sav().find("123456789"));
+}
+
+TEST_F(BackupItemTest, AnEmptyValueIsStored) {
+    SetValue(HKEY_CURRENT_USER, L"T", L"", REG_SZ, "");
+    BackupFreshDevice();
+    EXPECT_EQ(u"", Log());
+    EXPECT_NE(std::string::npos, Sav().find(Block(0x80000001, REG_SZ, 0, 0, 1, "T\xFF")));
+}
+
+TEST_F(BackupItemTest, AValueThatIsGoneOrHasAnotherLengthFails) {
+    SetValue(HKEY_CURRENT_USER, L"T", L"v", REG_BINARY, "123456789");
+    const struct {
+        const char16_t* key_path;
+        const char16_t* value_name;
+        std::uint32_t data_bytes;
+    } rows[] = {{u"Gone", u"v", 9}, {u"T", u"gone", 9}, {u"T", u"v", 8}, {u"T", u"v", 10}};
+    for (const auto& row : rows) {
+        device().PutFile(kSavPath, Sav().substr(0, kHead));
+        storage_.registry_objects.RegObjectClear();
+        ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(
+            5, false, 0x80000001, REG_BINARY, row.data_bytes, row.key_path, row.value_name));
+        ObjectRecord record = Added(ObjectType::kRegistryValue, 0);
+        record.TolvOID = 5;
+        ExpectFailure(record);
+    }
+}
+
+TEST_F(BackupItemTest, ADatabaseThatVanishesBehindItsBlockFails) {
+    const CEOID oid = MakeDatabase(L"First");
+    // Asked for the block first.
+    device().Fault("CeOidGetInfoEx", 2, 1, ERROR_INVALID_HANDLE);
+    ExpectFailure(Added(ObjectType::kDatabase, oid));
+    EXPECT_EQ("[]", device().Faults());
+}
+
+// The first write is the block's.
+TEST_F(BackupItemTest, AnObjectWhoseDataCannotBeWrittenFails) {
+    device().PutFile(L"\\a.txt", "a");
+    const CEOID database = MakeDatabase(L"First");
+    const CEOID record = AddRecord(L"First", {{kNumber, 1}});
+    SetValue(HKEY_CURRENT_USER, L"T", L"v", REG_BINARY, "x");
+    ASSERT_TRUE(
+        storage_.registry_objects.RegObjectAdd(5, false, 0x80000001, REG_BINARY, 1, u"T", u"v"));
+    ObjectRecord value = Added(ObjectType::kRegistryValue, 0);
+    value.TolvOID = 5;
+    for (const ObjectRecord& object :
+         {AddedFile(OidOfPath(L"\\a.txt")), Added(ObjectType::kDatabase, database),
+          Added(ObjectType::kDatabaseRecord, record), value, Added(ObjectType::kState, 0)}) {
+        device().PutFile(kSavPath, Sav().substr(0, kHead));
+        device().Fault("WriteFile", 2, 1, ERROR_WRITE_FAULT);
+        ExpectFailure(object);
+        EXPECT_EQ("[]", device().Faults()) << static_cast<int>(object.type);
+        device().Command("faults clear");
+    }
+}
+
+TEST_F(BackupItemTest, AFileIsOpenedWithoutSharingAndForRandomAccess) {
+    device().PutFile(L"\\a.txt", "a");
+    ObjectRecord record = AddedFile(OidOfPath(L"\\a.txt"));
+    const UniqueHandle sav = OpenSavAtEnd();
+    device().Command("trace on");
+    EXPECT_TRUE(BackupItem(engine_, sav.get(), record));
+    const std::string calls = device().Command("trace show CreateFileForMappingW");
+    device().Command("trace off");
+    // Reading, no sharing, the file must exist; 0x10000080.
+    EXPECT_NE(std::string::npos, calls.find("a.txt, 2147483648, 0, 3, 268435584\"")) << calls;
+}
+
+TEST_F(BackupItemTest, AChunkThatCannotBeUnmappedFailsItsItem) {
+    device().PutFile(L"\\a.txt", "a");
+    ObjectRecord record = AddedFile(OidOfPath(L"\\a.txt"));
+    const UniqueHandle sav = OpenSavAtEnd();
+    device().Fault("UnmapViewOfFile", 1, 1, ERROR_INVALID_PARAMETER);
+    device().Command("trace on");
+    EXPECT_FALSE(BackupItem(engine_, sav.get(), record));
+    const std::string calls = device().Command("trace show UnmapViewOfFile");
+    device().Command("trace off");
+    // The fault left the view open.
+    const std::size_t view = calls.find("0x");
+    ASSERT_NE(std::string::npos, view);
+    EXPECT_TRUE(::UnmapViewOfFile(
+        reinterpret_cast<void*>(std::stoul(calls.substr(view + 2), nullptr, 16))));
+}
+
+TEST_F(BackupItemTest, ADatabaseStoresItsSortOrdersAndKeepsItsRecordCount) {
+    BackupFreshDevice();
+    const CEOID oid = MakeDatabase(L"First", 77);
+    AddRecord(L"First", {{kNumber, 1}});
+    ASSERT_TRUE(Backup(2));
+    const ObjectRecord* record = JournalRecord(2, oid, ObjectType::kDatabase);
+    ASSERT_NE(nullptr, record);
+    EXPECT_EQ(1, record->content_fingerprint);
+    EXPECT_EQ(Block(77, 0, 0, 32, 4, "First"), Sav().substr(record->propOffset, 38));
+    EXPECT_EQ(record->propOffset + 38, record->data_offset);
+    CEOIDINFO info;
+    ASSERT_TRUE(databases_.GetObjectInfo(oid, info));
+    EXPECT_EQ(0, std::memcmp(info.infDatabase.rgSortSpecs, Sav().data() + record->data_offset, 32));
+}
+
+TEST_F(BackupItemTest, ARecordStoresItsPropertiesWithOffsetsForPointers) {
+    MakeDatabase(L"First");
+    const CEOID oid = AddRecord(
+        L"First", {{kNumber, 0x11223344}, {0x0002001F, 0, L"ab"}, {0x00030041, 0, {}, "xyz"}});
+    BackupFreshDevice();
+    const ObjectRecord* record = JournalRecord(1, oid, ObjectType::kDatabaseRecord);
+    ASSERT_NE(nullptr, record);
+    InfoBlock block;
+    ASSERT_TRUE(info_.GetOIDInfo(0, oid, block));
+    const std::string data = Sav().substr(record->data_offset, block.head().data_bytes);
+    StoredProperty properties[3];
+    ASSERT_LE(sizeof properties, data.size());
+    std::memcpy(properties, data.data(), sizeof properties);
+    for (const StoredProperty& property : properties) {
+        switch (property.propid & 0xFFFF) {
+            case CEVT_I4: EXPECT_EQ(0x11223344u, property.value); break;
+            case CEVT_LPWSTR:
+                EXPECT_EQ(Wide8("ab") + Half(0), data.substr(property.value, 6));
+                break;
+            default:
+                EXPECT_EQ(3u, property.value);
+                EXPECT_EQ("xyz", data.substr(property.value_high, 3));
+        }
+    }
+    std::uint16_t checksum = 0;
+    EXPECT_TRUE(ChecksumOfProperties(data.data(), data.size(), 3, checksum));
+    EXPECT_EQ(checksum, record->content_fingerprint);
+}
+
+// Such a record may read as "no data".
+TEST_F(BackupItemTest, ARecordWithoutPropertiesHasTheFingerprintZeroAndIsNoDifferenceLater) {
+    MakeDatabase(L"First");
+    std::uint32_t state = 1;
+    for (const char* read_as : {"", "no-data"}) {
+        device().Set("database.empty.record", read_as);
+        const CEOID oid = AddEmptyRecord(L"First");
+        const auto number = static_cast<std::uint16_t>(state);
+        ASSERT_TRUE(Backup(state++));
+        EXPECT_EQ(u"", Log()) << read_as;
+        const ObjectRecord* record = JournalRecord(number, oid, ObjectType::kDatabaseRecord);
+        ASSERT_NE(nullptr, record) << read_as;
+        EXPECT_EQ(0, record->content_fingerprint);
+        EXPECT_EQ(record->propOffset + 38, record->data_offset);
+        EXPECT_TRUE(Backup(state));
+        EXPECT_EQ(ResultCode::kNoDifference, code_) << read_as;
+    }
+}
+
+// The first call is for the block, the second for the data.
+TEST_F(BackupItemTest, ARecordThatCannotBeReadIsNotStoredAsAnotherOneOrAsAnEmptyOne) {
+    MakeDatabase(L"First");
+    AddRecord(L"First", {{kNumber, 1}});
+    const CEOID oid = AddRecord(L"First", {{kNumber, 2}});
+    const struct {
+        const char* function;
+        int n;
+        int count;
+    } rows[] = {{"CeSeekDatabase", 2, 1},      {"CeSeekDatabase", 1, 2},
+                {"CeOpenDatabaseEx", 2, 1},    {"CeOpenDatabaseEx", 1, 2},
+                {"CeReadRecordPropsEx", 2, 1}, {"CeReadRecordPropsEx", 1, 2}};
+    for (const auto& row : rows) {
+        device().PutFile(kSavPath, Sav().substr(0, kHead));
+        device().Fault(row.function, row.n, row.count, ERROR_NOT_ENOUGH_MEMORY);
+        ExpectFailure(Added(ObjectType::kDatabaseRecord, oid));
+        EXPECT_EQ("[]", device().Faults()) << row.function << " " << row.n;
+        device().Command("faults clear");
+    }
+}
+
+TEST_F(BackupItemTest, AnEstimateIsBlockAndDataOfAdditionsOnly) {
+    device().PutFile(L"\\n.txt", "123456789");
+    ObjectRecord record = AddedFile(OidOfPath(L"\\n.txt"));
+    EXPECT_EQ(28u + 12u + 9u, EstimateBlockSize(engine_, record));
+    record.flags = JF_DELETE;
+    EXPECT_EQ(0u, EstimateBlockSize(engine_, record));
+    record.flags = JF_ADD;
+    record.dwOID += 1000;
+    EXPECT_EQ(0u, EstimateBlockSize(engine_, record));
+}
+
+TEST_F(BackupItemTest, ARecordThatIsNoAdditionNeedsNothing) {
+    const UniqueHandle sav = OpenSavAtEnd();
+    ObjectRecord record{};
+    record.dwOID = 0x00ABCDEF;
+    record.flags = JF_DELETE;
+    EXPECT_TRUE(BackupItem(engine_, sav.get(), record));
+    EXPECT_EQ(kHead, Sav().size());
+}
+
+TEST_F(BackupItemTest, AFailedItemsPlaceIsTakenByTheNextOne) {
+    device().PutFile(L"\\held.txt", "held");
+    device().PutFile(L"\\n.txt", "123456789");
+    ObjectRecord held = AddedFile(OidOfPath(L"\\held.txt"));
+    ObjectRecord next = AddedFile(OidOfPath(L"\\n.txt"));
+    const auto lock = device().Lock(L"\\held.txt");
+    const UniqueHandle sav = OpenSavAtEnd();
+    EXPECT_FALSE(BackupItem(engine_, sav.get(), held));
+    EXPECT_EQ(0u, held.propOffset);
+    EXPECT_TRUE(BackupItem(engine_, sav.get(), next));
+    EXPECT_EQ(kHead, next.propOffset);
+    EXPECT_EQ("123456789", Sav().substr(kHead + 40, 9));
+}
+
+TEST_F(BackupItemTest, AFailedItemIsMarkedCountedAndLogged) {
+    device().PutFile(L"\\held.txt", "held");
+    const CEOID oid = OidOfPath(L"\\held.txt");
+    auto list = ObjectList::CreateList();
+    for (const CEOID id : {oid, CEOID{0x00ABCDEF}}) {
+        ASSERT_TRUE(list->AddObject(AddedFile(id)));
+    }
+    const auto lock = device().Lock(L"\\held.txt");
+    const UniqueHandle sav = OpenSavAtEnd();
+    std::size_t failed = 99;
+    EXPECT_EQ(1, BackupItems(engine_, sav.get(), *list, failed));
+    EXPECT_EQ(2u, failed);
+    for (const ObjectRecord& record : RecordsOf(*list)) {
+        EXPECT_EQ(JF_ADD | JF_FAILED, record.flags);
+    }
+    EXPECT_EQ(std::vector<std::size_t>{2}, progress_.begins);
+    EXPECT_EQ(2u, progress_.steps);
+    char16_t line[100];
+    ::wsprintfW(Wide(line), L"dwOID = %x, TolvOID = 0\r\nObj Name: \\held.txt\r\nObj Type: 10",
+                oid);
+    EXPECT_NE(Text::npos, Log().find(Text(u"backup item failed; Message: ") + line)) << "named";
+    EXPECT_NE(Text::npos,
+              Log().find(u"Message: unavailable info from dwOID = abcdef, TolvOID = 0"));
+    EXPECT_EQ(0u, Log().find(u"E - "));
+}
+
+TEST_F(BackupItemTest, AFileInRomHasABlockWithoutDataAndTheFingerprintZero) {
+    for (const DWORD attribute : {FILE_ATTRIBUTE_INROM, FILE_ATTRIBUTE_ROMMODULE}) {
+        device().PutFile(L"\\rom.dll", "123456789");
+        device().SetAttributes(L"\\rom.dll", attribute);
+        ObjectRecord record = AddedFile(OidOfPath(L"\\rom.dll"));
+        record.content_fingerprint = 0x1234;
+        const UniqueHandle sav = OpenSavAtEnd();
+        ASSERT_TRUE(BackupItem(engine_, sav.get(), record));
+        EXPECT_EQ(kNoData, record.data_offset);
+        EXPECT_EQ(0, record.content_fingerprint);
+    }
+}
+
+TEST_F(BackupItemTest, AnObjectOfAnUnknownTypeFails) {
+    const UniqueHandle sav = OpenSavAtEnd();
+    InfoBlock block;
+    block.head().type = 64;
+    StoredData data;
+    EXPECT_FALSE(BackupObjectData(
+        {databases_, storage_.registry_objects, u"", sav.get(), block, 0, 5}, data));
+    EXPECT_EQ(kHead, Sav().size());
+}
+
+// Free memory of a little more than one granule: the copy is made of four views.
+TEST_F(BackupItemTest, ALargeFileIsCopiedInChunksOfTheFreeMemory) {
+    std::string contents(3 * 0x10000 + 5, 0);
+    for (std::size_t i = 0; i < contents.size(); ++i) {
+        contents[i] = static_cast<char>(i * 7 + i / 251);
+    }
+    device().PutFile(L"\\big", contents);
+    device().Set("memory.free", std::to_string(0x10000 + 100));
+    ObjectRecord record = AddedFile(OidOfPath(L"\\big"));
+    const UniqueHandle sav = OpenSavAtEnd();
+    ASSERT_TRUE(BackupItem(engine_, sav.get(), record));
+    EXPECT_EQ(contents, Sav().substr(record.data_offset));
+    EXPECT_EQ(Checksum16(contents.data(), contents.size()), record.content_fingerprint);
+}
+
+TEST_F(BackupItemTest, WithLessThanAGranuleOfMemoryAFileFails) {
+    device().PutFile(L"\\n.txt", "123456789");
+    device().Set("memory.free", std::to_string(0xFFFF));
+    ObjectRecord record = AddedFile(OidOfPath(L"\\n.txt"));
+    const UniqueHandle sav = OpenSavAtEnd();
+    EXPECT_FALSE(BackupItem(engine_, sav.get(), record));
+}
+
+}  // namespace
+}  // namespace tolvenar
