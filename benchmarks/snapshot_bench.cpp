@@ -152,14 +152,17 @@ void BenchMemory() {
 }
 
 // Names that depend on the identifier alone: a stored block's offset is the identifier it is for.
-class NumberedNames : public InfoSource {
+class NumberedNames : public StoredObjects, public LiveObjects, public InfoSource {
 public:
+    NumberedNames()
+        : InfoSource(static_cast<StoredObjects&>(*this), static_cast<LiveObjects&>(*this)) {}
     bool GetOIDInfo(std::uint32_t TolvOID, std::uint32_t dwOID, InfoBlock& block) override {
         return Fill(TolvOID + dwOID, block);
     }
     bool GetInfoFromStorage(std::uint32_t offset, InfoBlock& block) override {
         return Fill(offset, block);
     }
+    const RegistryObject* FindRegistryObject(std::uint32_t) override { return nullptr; }
 
 private:
     static bool Fill(std::uint32_t number, InfoBlock& block) {

@@ -47,6 +47,22 @@ public:
     // The same for a node of this list.
     void Remove(Node* node);
 
+    // Walks the nodes from the front: for (ObjectList::Node& node : list).
+    class Iterator {
+    public:
+        explicit Iterator(Node* node) : node_(node) {}
+        Node& operator*() const { return *node_; }
+        Iterator& operator++() {
+            node_ = node_->next;
+            return *this;
+        }
+        bool operator!=(const Iterator& other) const { return node_ != other.node_; }
+
+    private:
+        Node* node_;
+    };
+    Iterator begin() const { return Iterator(first_); }
+    Iterator end() const { return Iterator(nullptr); }
     Cursor First() const { return first_; }
     // Copies the cursor's key and record pointer (either may be null), moves on; 0 at the end.
     static int Next(Cursor& cursor, ObjectKey* key_out, ObjectRecord** record_out);

@@ -13,7 +13,7 @@ namespace tolvenar {
 
 struct RegistryScan {
     ObjectList& list;
-    InfoSource& info;  // describes what `objects` holds
+    LiveObjects& info;  // describes what `objects` holds
     RegistryObjects& objects;
 };
 

@@ -42,7 +42,7 @@ protected:
 
 private:
     void Prepare();
-    std::string LineOf(const ObjectRecord& record);
+    std::string LineOf(const ObjectRecord& record, InfoSource& info);
     Names LinesOf(const ObjectList* list, std::uint16_t state_number);
     tests::AdvancedModel ModelOf(std::size_t state, Button button) const;
     void RetryWhileItHelps();

@@ -232,9 +232,10 @@ RestoreTools& RestoreFixture::Run() {
         mapping_ = StorageMapping();
         SaveStorage();
         EXPECT_TRUE(mapping_.Open(storage_.names.sav));
+        reader_.emplace(mapped_);
     }
     if (!run_) {
-        run_.reset(new RestoreTools{info_, databases_, mapping_, false, {}});
+        run_.reset(new RestoreTools{info_, *reader_, databases_, mapping_, false, {}});
     }
     return *run_;
 }

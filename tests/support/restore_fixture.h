@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <gtest/gtest.h>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -125,6 +126,8 @@ protected:
     Engine engine_;
     std::string sav_ = std::string(236, '\0');
     StorageMapping mapping_;
+    MappedBytes mapped_{mapping_};
+    std::optional<StorageReader> reader_;
     std::unique_ptr<RestoreTools> run_;
 
 private:

@@ -141,8 +141,6 @@ TEST_F(DifferenceEngineTest, TheStorageFileIsClosedAfterwards) {
     EXPECT_TRUE(StorageFileIsFree());
     ASSERT_EQ(1, FindDifferenceEx(engine_, 0, 1));
     EXPECT_TRUE(StorageFileIsFree());
-    InfoBlock block;
-    EXPECT_FALSE(info_.GetInfoFromStorage(0, block)) << "a closed file is still lent";
 }
 
 TEST_F(DifferenceEngineTest, TheStepsOfAComparisonOfTwoStatesAreAnnouncedInOrder) {

@@ -24,23 +24,6 @@ protected:
         EXPECT_EQ(Text(block.name()).size() * 2, block.head().name_bytes);
         return block;
     }
-
-    UniqueHandle OpenSav() {
-        return UniqueHandle(::CreateFileW(kSavPath, GENERIC_READ, FILE_SHARE_READ, nullptr,
-                                          OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-    }
-
-    // Puts one block behind the storage's head.
-    void PutBlock(const std::string& block) {
-        device().PutFile(kSavPath, device().FileBytes(kSavPath).substr(0, 236) + block);
-    }
-
-    static std::string Block(std::uint16_t name_bytes, const std::string& name) {
-        std::string block(22, 'h');
-        block += static_cast<char>(name_bytes & 0xFF);
-        block += static_cast<char>(name_bytes >> 8);
-        return block + std::string(2, 0) + name;
-    }
 };
 
 TEST_F(ObjectInfoTest, AFileHasAttributesTimeSizeAndFullPath) {
@@ -244,80 +227,6 @@ TEST_F(ObjectInfoTest, TenMillisecondsPassBehindEveryFailure) {
         ++count;
     }
     EXPECT_EQ(3u, count) << sleeps;
-}
-
-TEST_F(ObjectInfoTest, AStoredBlockIsReadWithItsName) {
-    PutBlock(Block(4, std::string("a\0b\0\0\0", 6)));
-    const UniqueHandle sav = OpenSav();
-    InfoBlock block;
-    ASSERT_TRUE(ReadBlockFromStorage(236, block, sav.get()));
-    EXPECT_EQ(Text(u"ab"), block.name());
-    EXPECT_EQ(32u, block.size());
-    EXPECT_EQ(0x68686868u, block.head().attributes);
-}
-
-TEST_F(ObjectInfoTest, ABlockThatCannotBeReachedOrReadFails) {
-    PutBlock(Block(0, std::string(2, 0)));
-    const UniqueHandle sav = OpenSav();
-    InfoBlock block;
-    for (const char* function : {"SetFilePointer", "ReadFile"}) {
-        device().Fault(function, 1, 1, ERROR_READ_FAULT);
-        EXPECT_FALSE(ReadBlockFromStorage(236, block, sav.get())) << function;
-        device().Command("faults clear");
-        EXPECT_TRUE(ReadBlockFromStorage(236, block, sav.get())) << function;
-    }
-}
-
-TEST_F(ObjectInfoTest, AStoredBlockWithoutANameHasAnEmptyOne) {
-    PutBlock(Block(0, std::string(2, 0)));
-    const UniqueHandle sav = OpenSav();
-    InfoBlock block;
-    ASSERT_TRUE(ReadBlockFromStorage(236, block, sav.get()));
-    EXPECT_EQ(Text(), block.name());
-    EXPECT_EQ(28u, block.size());
-}
-
-TEST_F(ObjectInfoTest, TheNameEndsAtItsLengthWhateverFollows) {
-    PutBlock(Block(4, std::string("a\0b\0c\0d\0", 8)));
-    const UniqueHandle sav = OpenSav();
-    InfoBlock block;
-    ASSERT_TRUE(ReadBlockFromStorage(236, block, sav.get()));
-    EXPECT_EQ(Text(u"ab"), block.name());
-}
-
-TEST_F(ObjectInfoTest, ABlockThatIsNotWholeInTheFileFails) {
-    PutBlock(Block(4, std::string("a\0b\0", 4)));
-    const UniqueHandle sav = OpenSav();
-    InfoBlock block;
-    EXPECT_FALSE(ReadBlockFromStorage(236, block, sav.get()));
-    EXPECT_FALSE(ReadBlockFromStorage(236 + 10, block, sav.get()));
-    EXPECT_FALSE(ReadBlockFromStorage(100000, block, sav.get()));
-    EXPECT_FALSE(ReadBlockFromStorage(0xFFFFFFF0, block, sav.get()));
-}
-
-TEST_F(ObjectInfoTest, ANameThatDoesNotFitABlockFails) {
-    const struct {
-        std::uint16_t name_bytes;
-        bool fits;
-    } rows[] = {{520, true}, {522, false}, {0xFFFE, false}};
-    for (const auto& row : rows) {
-        PutBlock(Block(row.name_bytes, std::string(0x10000, 'n')));
-        const UniqueHandle sav = OpenSav();
-        InfoBlock block;
-        EXPECT_EQ(row.fits, ReadBlockFromStorage(236, block, sav.get())) << row.name_bytes;
-    }
-}
-
-TEST_F(ObjectInfoTest, WithoutAnOpenStorageFileNoBlockIsRead) {
-    PutBlock(Block(0, std::string(2, 0)));
-    InfoBlock block;
-    EXPECT_FALSE(info_.GetInfoFromStorage(236, block));
-    const UniqueHandle sav = OpenSav();
-    {
-        const StorageFileLoan loan(info_, sav.get());
-        EXPECT_TRUE(info_.GetInfoFromStorage(236, block));
-    }
-    EXPECT_FALSE(info_.GetInfoFromStorage(236, block));
 }
 
 }  // namespace

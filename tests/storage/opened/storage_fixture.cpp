@@ -1,7 +1,7 @@
 #include "tests/storage/opened/storage_fixture.h"
 
 #include "simulator/gate/rules.h"
-#include "storage/files/block_io.h"
+#include "storage/files/handle_bytes.h"
 
 namespace tolvenar {
 
@@ -45,16 +45,19 @@ long StorageTest::SeenAllocations() {
 void StorageTest::Put(const char16_t* path, const Bytes& bytes) {
     const UniqueHandle file = OpenFile(path, GENERIC_WRITE, 0, CREATE_ALWAYS);
     ASSERT_TRUE(file);
-    ASSERT_TRUE(WriteAll(file.get(), bytes.data(), static_cast<std::uint32_t>(bytes.size())));
+    ASSERT_TRUE(
+        HandleBytes(file.get()).Append(bytes.data(), static_cast<std::uint32_t>(bytes.size())));
 }
 
 Bytes StorageTest::Content(const char16_t* path) {
     const UniqueHandle file =
         OpenFile(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING);
+    HandleBytes content(file.get());
     std::uint32_t size = 0;
-    EXPECT_TRUE(file && FileBytes(file.get(), size));
+    EXPECT_TRUE(file && content.Size(size));
     Bytes bytes(size);
-    EXPECT_TRUE(ReadAll(file.get(), bytes.data(), size));
+    std::uint32_t read = 0;
+    EXPECT_TRUE(content.ReadAt(0, bytes.data(), size, read) && read == size);
     return bytes;
 }
 

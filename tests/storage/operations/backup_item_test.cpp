@@ -3,7 +3,7 @@
 
 #include "platform/text.h"
 #include "snapshot/records/checksum.h"
-#include "storage/files/block_io.h"
+#include "storage/files/handle_bytes.h"
 #include "storage/format/property_encoding.h"
 #include "storage/objects/object_data_writers.h"
 #include "tests/storage/operations/backup_fixture.h"
@@ -15,12 +15,14 @@ constexpr CEPROPID kNumber = 0x00010003;
 
 class BackupItemTest : public BackupTest {
 protected:
-    UniqueHandle OpenSavAtEnd() {
-        UniqueHandle sav(::CreateFileW(kSavPath, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ,
-                                       nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-        EXPECT_TRUE(MoveToEnd(sav.get()));
-        return sav;
-    }
+    // The storage file, open for appending.
+    struct OpenedSav {
+        explicit OpenedSav(const StorageNames& names)
+            : file(OpenSavFile(names)), storage(bytes, ::GetFileSize(file.get(), nullptr)) {}
+        UniqueHandle file;
+        HandleBytes bytes{file.get()};
+        StorageAppender storage;
+    };
 
     // The record of an object that is to be stored.
     static ObjectRecord Added(ObjectType type, CEOID oid) {
@@ -35,11 +37,11 @@ protected:
     // The record fails, and the place behind the head is taken by the next one.
     void ExpectFailure(ObjectRecord record) {
         device().PutFile(L"\\n.txt", "123456789");
-        const UniqueHandle sav = OpenSavAtEnd();
-        EXPECT_FALSE(BackupItem(engine_, sav.get(), record));
+        OpenedSav sav(storage_.names);
+        EXPECT_FALSE(BackupItem(engine_, sav.storage, record));
         EXPECT_EQ(0u, record.propOffset);
         ObjectRecord next = AddedFile(OidOfPath(L"\\n.txt"));
-        EXPECT_TRUE(BackupItem(engine_, sav.get(), next));
+        EXPECT_TRUE(BackupItem(engine_, sav.storage, next));
         EXPECT_EQ(kHead, next.propOffset);
     }
 };
@@ -137,7 +139,13 @@ TEST_F(BackupItemTest, ADatabaseThatVanishesBehindItsBlockFails) {
     EXPECT_EQ("[]", device().Faults());
 }
 
-// The first write is the block's.
+TEST_F(BackupItemTest, ALargeFileOfWhichTheBlockAloneWasWrittenFails) {
+    device().PutFile(L"\\large.txt", std::string(10000, 'l'));
+    device().Fault("WriteFile", 2, 1, ERROR_WRITE_FAULT);
+    ExpectFailure(AddedFile(OidOfPath(L"\\large.txt")));
+}
+
+// Block and data go out in one write, those of a large file in two.
 TEST_F(BackupItemTest, AnObjectWhoseDataCannotBeWrittenFails) {
     device().PutFile(L"\\a.txt", "a");
     const CEOID database = MakeDatabase(L"First");
@@ -151,7 +159,7 @@ TEST_F(BackupItemTest, AnObjectWhoseDataCannotBeWrittenFails) {
          {AddedFile(OidOfPath(L"\\a.txt")), Added(ObjectType::kDatabase, database),
           Added(ObjectType::kDatabaseRecord, record), value, Added(ObjectType::kState, 0)}) {
         device().PutFile(kSavPath, Sav().substr(0, kHead));
-        device().Fault("WriteFile", 2, 1, ERROR_WRITE_FAULT);
+        device().Fault("WriteFile", 1, 1, ERROR_WRITE_FAULT);
         ExpectFailure(object);
         EXPECT_EQ("[]", device().Faults()) << static_cast<int>(object.type);
         device().Command("faults clear");
@@ -161,9 +169,9 @@ TEST_F(BackupItemTest, AnObjectWhoseDataCannotBeWrittenFails) {
 TEST_F(BackupItemTest, AFileIsOpenedWithoutSharingAndForRandomAccess) {
     device().PutFile(L"\\a.txt", "a");
     ObjectRecord record = AddedFile(OidOfPath(L"\\a.txt"));
-    const UniqueHandle sav = OpenSavAtEnd();
+    OpenedSav sav(storage_.names);
     device().Command("trace on");
-    EXPECT_TRUE(BackupItem(engine_, sav.get(), record));
+    EXPECT_TRUE(BackupItem(engine_, sav.storage, record));
     const std::string calls = device().Command("trace show CreateFileForMappingW");
     device().Command("trace off");
     // Reading, no sharing, the file must exist; 0x10000080.
@@ -173,10 +181,10 @@ TEST_F(BackupItemTest, AFileIsOpenedWithoutSharingAndForRandomAccess) {
 TEST_F(BackupItemTest, AChunkThatCannotBeUnmappedFailsItsItem) {
     device().PutFile(L"\\a.txt", "a");
     ObjectRecord record = AddedFile(OidOfPath(L"\\a.txt"));
-    const UniqueHandle sav = OpenSavAtEnd();
+    OpenedSav sav(storage_.names);
     device().Fault("UnmapViewOfFile", 1, 1, ERROR_INVALID_PARAMETER);
     device().Command("trace on");
-    EXPECT_FALSE(BackupItem(engine_, sav.get(), record));
+    EXPECT_FALSE(BackupItem(engine_, sav.storage, record));
     const std::string calls = device().Command("trace show UnmapViewOfFile");
     device().Command("trace off");
     // The fault left the view open.
@@ -282,11 +290,11 @@ TEST_F(BackupItemTest, AnEstimateIsBlockAndDataOfAdditionsOnly) {
 }
 
 TEST_F(BackupItemTest, ARecordThatIsNoAdditionNeedsNothing) {
-    const UniqueHandle sav = OpenSavAtEnd();
+    OpenedSav sav(storage_.names);
     ObjectRecord record{};
     record.dwOID = 0x00ABCDEF;
     record.flags = JF_DELETE;
-    EXPECT_TRUE(BackupItem(engine_, sav.get(), record));
+    EXPECT_TRUE(BackupItem(engine_, sav.storage, record));
     EXPECT_EQ(kHead, Sav().size());
 }
 
@@ -296,10 +304,10 @@ TEST_F(BackupItemTest, AFailedItemsPlaceIsTakenByTheNextOne) {
     ObjectRecord held = AddedFile(OidOfPath(L"\\held.txt"));
     ObjectRecord next = AddedFile(OidOfPath(L"\\n.txt"));
     const auto lock = device().Lock(L"\\held.txt");
-    const UniqueHandle sav = OpenSavAtEnd();
-    EXPECT_FALSE(BackupItem(engine_, sav.get(), held));
+    OpenedSav sav(storage_.names);
+    EXPECT_FALSE(BackupItem(engine_, sav.storage, held));
     EXPECT_EQ(0u, held.propOffset);
-    EXPECT_TRUE(BackupItem(engine_, sav.get(), next));
+    EXPECT_TRUE(BackupItem(engine_, sav.storage, next));
     EXPECT_EQ(kHead, next.propOffset);
     EXPECT_EQ("123456789", Sav().substr(kHead + 40, 9));
 }
@@ -312,9 +320,9 @@ TEST_F(BackupItemTest, AFailedItemIsMarkedCountedAndLogged) {
         ASSERT_TRUE(list->AddObject(AddedFile(id)));
     }
     const auto lock = device().Lock(L"\\held.txt");
-    const UniqueHandle sav = OpenSavAtEnd();
+    OpenedSav sav(storage_.names);
     std::size_t failed = 99;
-    EXPECT_EQ(1, BackupItems(engine_, sav.get(), *list, failed));
+    EXPECT_EQ(1, BackupItems(engine_, sav.storage, *list, failed));
     EXPECT_EQ(2u, failed);
     for (const ObjectRecord& record : RecordsOf(*list)) {
         EXPECT_EQ(JF_ADD | JF_FAILED, record.flags);
@@ -336,20 +344,20 @@ TEST_F(BackupItemTest, AFileInRomHasABlockWithoutDataAndTheFingerprintZero) {
         device().SetAttributes(L"\\rom.dll", attribute);
         ObjectRecord record = AddedFile(OidOfPath(L"\\rom.dll"));
         record.content_fingerprint = 0x1234;
-        const UniqueHandle sav = OpenSavAtEnd();
-        ASSERT_TRUE(BackupItem(engine_, sav.get(), record));
+        OpenedSav sav(storage_.names);
+        ASSERT_TRUE(BackupItem(engine_, sav.storage, record));
         EXPECT_EQ(kNoData, record.data_offset);
         EXPECT_EQ(0, record.content_fingerprint);
     }
 }
 
 TEST_F(BackupItemTest, AnObjectOfAnUnknownTypeFails) {
-    const UniqueHandle sav = OpenSavAtEnd();
+    OpenedSav sav(storage_.names);
     InfoBlock block;
     block.head().type = 64;
     StoredData data;
     EXPECT_FALSE(BackupObjectData(
-        {databases_, storage_.registry_objects, u"", sav.get(), block, 0, 5}, data));
+        {databases_, storage_.registry_objects, u"", sav.storage, block, 0, 5}, data));
     EXPECT_EQ(kHead, Sav().size());
 }
 
@@ -362,8 +370,8 @@ TEST_F(BackupItemTest, ALargeFileIsCopiedInChunksOfTheFreeMemory) {
     device().PutFile(L"\\big", contents);
     device().Set("memory.free", std::to_string(0x10000 + 100));
     ObjectRecord record = AddedFile(OidOfPath(L"\\big"));
-    const UniqueHandle sav = OpenSavAtEnd();
-    ASSERT_TRUE(BackupItem(engine_, sav.get(), record));
+    OpenedSav sav(storage_.names);
+    ASSERT_TRUE(BackupItem(engine_, sav.storage, record));
     EXPECT_EQ(contents, Sav().substr(record.data_offset));
     EXPECT_EQ(Checksum16(contents.data(), contents.size()), record.content_fingerprint);
 }
@@ -372,8 +380,8 @@ TEST_F(BackupItemTest, WithLessThanAGranuleOfMemoryAFileFails) {
     device().PutFile(L"\\n.txt", "123456789");
     device().Set("memory.free", std::to_string(0xFFFF));
     ObjectRecord record = AddedFile(OidOfPath(L"\\n.txt"));
-    const UniqueHandle sav = OpenSavAtEnd();
-    EXPECT_FALSE(BackupItem(engine_, sav.get(), record));
+    OpenedSav sav(storage_.names);
+    EXPECT_FALSE(BackupItem(engine_, sav.storage, record));
 }
 
 }  // namespace

@@ -41,7 +41,10 @@ TEST_F(BackupWriterFaultTest, AStorageFileThatCannotBeOpenedForWritingGives4) {
 
 // Its blocks would otherwise stand over the head.
 TEST_F(BackupWriterFaultTest, AStorageFileWhoseEndCannotBeReachedGives4) {
-    device().Fault("SetFilePointer", 1, 1, ERROR_READ_FAULT, ", 0, 2");
+    device().Fault("GetFileSize", 1, 1, ERROR_READ_FAULT);
+    ExpectUntouched(ResultCode::kFailed);
+    const std::string end = ", " + std::to_string(Sav().size()) + ", ";
+    device().Fault("SetFilePointer", 1, 1, ERROR_READ_FAULT, end);
     ExpectUntouched(ResultCode::kFailed);
 }
 
@@ -102,8 +105,8 @@ TEST_F(BackupWriterFaultTest, AJournalThatCannotBeLoadedAgainGives5AndNoJournal)
 // the object's older version, and the next backup heals it.
 TEST_F(BackupWriterFaultTest, AnObjectWhoseBlockCannotBeWrittenIsLeftOutOfTheJournal) {
     const std::size_t before = Sav().size();
-    // The state's block and its empty description are written first.
-    device().Fault("WriteFile", 3, 1, ERROR_WRITE_FAULT);
+    // The state's block is written first.
+    device().Fault("WriteFile", 2, 1, ERROR_WRITE_FAULT);
     ASSERT_TRUE(Backup(2));
     EXPECT_EQ(ResultCode::kSuccess, code_);
     device().Command("faults clear");

@@ -45,7 +45,8 @@ TEST_F(RestoreCorruptTest, ABlockBeyondTheFileIsLogged) {
 TEST_F(RestoreCorruptTest, ABlockThatCannotBeMappedIsLoggedWithTheError) {
     const ObjectRecord record = StoreFile(u"\\a.txt", "x");
     Run();
-    device().Fault("MapViewOfFile", 1, 1, ERROR_NOT_ENOUGH_MEMORY);
+    // The page that holds the block, then the block alone.
+    device().Fault("MapViewOfFile", 1, 2, ERROR_NOT_ENOUGH_MEMORY);
     EXPECT_EQ(RestoreOutcome::kFailed, WriteBack(record));
     EXPECT_EQ(
         (std::vector<std::string>{"E DoRestoreRecord: MapView..Err:8 ObjType:16 JrnOffs:236"}),

@@ -1,5 +1,5 @@
 // The difference list's objects as the tree gets them, stored ones and live ones.
-#include "difftree/window/list_enumerator.h"
+#include "difftree/window/opened_differences.h"
 
 #include <optional>
 
@@ -11,12 +11,12 @@ namespace {
 constexpr std::uint32_t kTitle = 0x4013001F;
 using Lines = std::vector<std::string>;
 
-class ListEnumeratorTest : public RestoreFixture {
+class OpenedDifferencesTest : public RestoreFixture {
 protected:
     using Text = std::u16string;
 
     void TearDown() override {
-        enumerator_.reset();
+        differences_.reset();
         RestoreFixture::TearDown();
     }
     static ObjectRecord Added(ObjectRecord record) {
@@ -24,32 +24,33 @@ protected:
         return record;
     }
     // The list as it stands, in the order of the records, with the storage file's bytes.
-    ListEnumerator& Enumerate(const std::vector<ObjectRecord>& records) {
+    DifferenceEnumerator& Enumerate(const std::vector<ObjectRecord>& records) {
         SaveStorage();
         MakeDifference(records);
-        enumerator_.emplace(engine_);
-        return *enumerator_;
+        differences_.emplace(engine_);
+        return differences_->enumerator();
     }
-    int Next() { return enumerator_->Next(object_); }
+    int Next() { return differences_->enumerator().Next(object_); }
     Text Name() const { return object_.name; }
     Text Property(std::uint32_t propid) {
         TextBuffer<kObjectNameUnits> text;
-        return enumerator_->ReadTextProperty(propid, text) ? Text(u"=") + text.text()
-                                                           : Text(u"none");
+        return differences_->enumerator().ReadTextProperty(propid, text) ? Text(u"=") + text.text()
+                                                                         : Text(u"none");
     }
     Text Value() {
         TextBuffer<kObjectNameUnits> text;
-        return enumerator_->ReadValueText(text) ? Text(u"=") + text.text() : Text(u"none");
+        return differences_->enumerator().ReadValueText(text) ? Text(u"=") + text.text()
+                                                              : Text(u"none");
     }
     static std::string Bytes(const Text& text) {
         return {reinterpret_cast<const char*>(text.c_str()), (text.size() + 1) * sizeof(char16_t)};
     }
 
-    std::optional<ListEnumerator> enumerator_;
+    std::optional<OpenedDifferences> differences_;
     EnumeratedObject object_{};
 };
 
-TEST_F(ListEnumeratorTest, StoredObjectsAreDescribedByTheirBlocks) {
+TEST_F(OpenedDifferencesTest, StoredObjectsAreDescribedByTheirBlocks) {
     Enumerate({Added(StoreFile(u"\\a.txt", "hello", FILE_ATTRIBUTE_ARCHIVE, 77)),
                ToWriteBack(StoreKey(HKEY_USERS, u"Some\\Key")),
                Added(StoreValue(HKEY_CURRENT_USER, u"Some\\Key", u"v", REG_DWORD, Dword(1))),
@@ -79,12 +80,12 @@ TEST_F(ListEnumeratorTest, StoredObjectsAreDescribedByTheirBlocks) {
     EXPECT_EQ(DifferenceEnumerator::kEndOfList, Next());
 }
 
-TEST_F(ListEnumeratorTest, WithoutAListThereIsNothing) {
-    enumerator_.emplace(engine_);
+TEST_F(OpenedDifferencesTest, WithoutAListThereIsNothing) {
+    differences_.emplace(engine_);
     EXPECT_EQ(DifferenceEnumerator::kEndOfList, Next());
 }
 
-TEST_F(ListEnumeratorTest, AStateIsNoObject) {
+TEST_F(OpenedDifferencesTest, AStateIsNoObject) {
     ObjectRecord state{};
     state.type = ObjectType::kState;
     Enumerate({state, Added(StoreFile(u"\\a.txt", ""))});
@@ -92,7 +93,7 @@ TEST_F(ListEnumeratorTest, AStateIsNoObject) {
     EXPECT_EQ(DifferenceEnumerator::kObject, Next());
 }
 
-TEST_F(ListEnumeratorTest, WhatCannotBeDescribedIsLoggedAndLeftOut) {
+TEST_F(OpenedDifferencesTest, WhatCannotBeDescribedIsLoggedAndLeftOut) {
     ObjectRecord beyond = Added(StoreFile(u"\\a.txt", ""));
     beyond.propOffset = 1000000;
     ObjectRecord other = Added(StoreFile(u"\\b.txt", ""));
@@ -110,7 +111,7 @@ TEST_F(ListEnumeratorTest, WhatCannotBeDescribedIsLoggedAndLeftOut) {
               LogLines());
 }
 
-TEST_F(ListEnumeratorTest, WithoutTheStorageFileTheFirstStoredObjectAborts) {
+TEST_F(OpenedDifferencesTest, WithoutTheStorageFileTheFirstStoredObjectAborts) {
     device().PutFile(L"\\live.txt", "x");
     const ObjectRecord live = LiveFile(L"\\live.txt");
     device().Fault("CreateFileForMappingW", 1, 1, ERROR_SHARING_VIOLATION, "t.sav");
@@ -120,7 +121,7 @@ TEST_F(ListEnumeratorTest, WithoutTheStorageFileTheFirstStoredObjectAborts) {
     EXPECT_EQ(DifferenceEnumerator::kAbort, Next());
 }
 
-TEST_F(ListEnumeratorTest, LiveRegistryObjectsAreDescribedByTheTable) {
+TEST_F(OpenedDifferencesTest, LiveRegistryObjectsAreDescribedByTheTable) {
     SetValue(HKEY_LOCAL_MACHINE, L"Live", L"v", REG_SZ, Bytes(u"text of it"));
     SetValue(HKEY_LOCAL_MACHINE, L"Live", L"n", REG_DWORD, Dword(4));
     Enumerate({LiveKey(HKEY_LOCAL_MACHINE, u"Live"), LiveValue(HKEY_LOCAL_MACHINE, u"Live", u"v"),
@@ -139,7 +140,7 @@ TEST_F(ListEnumeratorTest, LiveRegistryObjectsAreDescribedByTheTable) {
 }
 
 // Nothing but its length ends it.
-TEST_F(ListEnumeratorTest, ALiveValueWithoutATerminatorIsReadToItsEnd) {
+TEST_F(OpenedDifferencesTest, ALiveValueWithoutATerminatorIsReadToItsEnd) {
     SetValue(HKEY_LOCAL_MACHINE, L"Live", L"long", REG_SZ, Bytes(Text(200, u'x')));
     SetValue(HKEY_LOCAL_MACHINE, L"Live", L"v", REG_SZ, std::string("a\0b\0", 4));
     Enumerate({LiveValue(HKEY_LOCAL_MACHINE, u"Live", u"long"),
@@ -150,13 +151,13 @@ TEST_F(ListEnumeratorTest, ALiveValueWithoutATerminatorIsReadToItsEnd) {
     EXPECT_EQ(u"=ab", Value());
 }
 
-TEST_F(ListEnumeratorTest, AnIdThatLeadsToAnotherKindOfObjectIsLeftOut) {
+TEST_F(OpenedDifferencesTest, AnIdThatLeadsToAnotherKindOfObjectIsLeftOut) {
     MakeDatabase(u"People");
     Enumerate({Live(ObjectType::kFile, AddRecord(u"People", L"Ann", 1))});
     EXPECT_EQ(DifferenceEnumerator::kNoObject, Next());
 }
 
-TEST_F(ListEnumeratorTest, ALiveRecordsTitleIsReadFromItsDatabase) {
+TEST_F(OpenedDifferencesTest, ALiveRecordsTitleIsReadFromItsDatabase) {
     MakeDatabase(u"People");
     const CEOID ann = AddRecord(u"People", L"Ann", 1);
     Enumerate({Live(ObjectType::kDatabaseRecord, ann)});
@@ -166,7 +167,7 @@ TEST_F(ListEnumeratorTest, ALiveRecordsTitleIsReadFromItsDatabase) {
     EXPECT_EQ(u"none", Property(kTitle));
 }
 
-TEST_F(ListEnumeratorTest, AStoredRecordsTitleIsReadFromItsData) {
+TEST_F(OpenedDifferencesTest, AStoredRecordsTitleIsReadFromItsData) {
     ObjectRecord damaged = Added(StoreRecord(u"People", 3, {{kTitle, 0, u"Cid", ""}}));
     damaged.data_offset = 1000000;
     Enumerate({Added(StoreRecord(u"People", 1, {{kNumber, 5, u"", ""}, {kTitle, 0, u"Ann", ""}})),
@@ -180,7 +181,7 @@ TEST_F(ListEnumeratorTest, AStoredRecordsTitleIsReadFromItsData) {
     EXPECT_EQ(u"none", Property(kTitle));
 }
 
-TEST_F(ListEnumeratorTest, OnlyTextsOfStoredValuesAreRead) {
+TEST_F(OpenedDifferencesTest, OnlyTextsOfStoredValuesAreRead) {
     const Text longer(300, u'x');
     Enumerate({Added(StoreValue(HKEY_CURRENT_USER, u"k", u"a", REG_SZ, Bytes(u"\\Program Files"))),
                Added(StoreValue(HKEY_CURRENT_USER, u"k", u"b", REG_EXPAND_SZ, Bytes(longer))),
@@ -194,7 +195,7 @@ TEST_F(ListEnumeratorTest, OnlyTextsOfStoredValuesAreRead) {
 }
 
 // Blocks that stand far apart, in both directions, one of them across the views' borders.
-TEST_F(ListEnumeratorTest, BlocksAreFoundAnywhereInALargeFile) {
+TEST_F(OpenedDifferencesTest, BlocksAreFoundAnywhereInALargeFile) {
     std::vector<ObjectRecord> records = {Added(StoreFile(u"\\first", ""))};
     sav_.resize(0x40000 - 30);
     records.push_back(Added(StoreFile(u"\\across the border", "")));
