@@ -140,7 +140,8 @@ GateEntry::GateEntry(Call call, bool can_fail) : call_(call), can_fail_(can_fail
     const auto index = static_cast<std::size_t>(call);
     ::InterlockedIncrement(&here->process->calls[index]);
     watched_ = (here->gate->watch_all | here->gate->watch[index]) != 0;
-    traces_ = here->gate->trace != 0;
+    traces_ = here->gate->trace != 0 &&
+              here->gate->untraced_thread != static_cast<long>(::GetCurrentThreadId());
 }
 
 void GateEntry::AddArgument(const std::string& text) {
