@@ -5,7 +5,7 @@
 #include <notify.h>
 
 #include "simulator/processes/process_handles.h"
-#include "simulator/processes/rest.h"
+#include "simulator/programs/rest.h"
 #include "tests/support/programs.h"
 
 namespace tests {
