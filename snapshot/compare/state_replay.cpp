@@ -17,54 +17,44 @@ bool IsSameObject(const ObjectRecord& record, const ObjectRecord& candidate, Inf
     return same_block || IsEqualRegs(record, candidate, info);
 }
 
-}  // namespace
-
-bool RegistryIndex::Reserve(std::size_t additions) {
-    bucket_count_ = 1;
-    while (bucket_count_ < additions) {
-        bucket_count_ *= 2;
-    }
-    entries_.reset(new (std::nothrow) Entry[additions + 1]{});
-    buckets_.reset(new (std::nothrow) Entry* [bucket_count_] {});
-    used_ = 0;
-    return entries_ != nullptr && buckets_ != nullptr;
+std::uint32_t HashOf(const ObjectRecord& record) {
+    return MixBits(0, record.TolvOID & kTolvOidMask);
 }
 
-RegistryIndex::Entry*& RegistryIndex::BucketOf(const ObjectRecord& record) const {
-    const std::uint32_t hash = (record.TolvOID & kTolvOidMask) * 0x9E3779B1u;
-    return buckets_[(hash >> 8) & (bucket_count_ - 1)];
+}  // namespace
+
+std::uint32_t RegistryIndex::Entry::Hash() const { return HashOf(*node->record); }
+
+bool RegistryIndex::Reserve(std::size_t additions) {
+    entries_.reset(new (std::nothrow) Entry[additions + 1]{});
+    used_ = 0;
+    index_.Clear();
+    return entries_ != nullptr && index_.Reserve(additions);
 }
 
 void RegistryIndex::Add(ObjectList::Node* node) {
     if (!IsRegistryObject(*node->record)) {
         return;
     }
-    // A new node stands at the front of the list; one whose record was replaced kept its place.
-    Entry** link = &BucketOf(*node->record);
-    while (*link != nullptr && (*link)->node->serial > node->serial) {
-        link = &(*link)->next;
-    }
     Entry& entry = entries_[used_++];
-    entry = {node, *link};
-    *link = &entry;
+    entry.node = node;
+    // A new node stands at the front of the list; one whose record was replaced kept its place.
+    index_.AddBehind(entry,
+                     [node](const Entry& present) { return present.node->serial > node->serial; });
 }
 
 void RegistryIndex::Remove(const ObjectList::Node* node) {
     if (!IsRegistryObject(*node->record)) {
         return;
     }
-    Entry** link = &BucketOf(*node->record);
-    while ((*link)->node != node) {
-        link = &(*link)->next;
-    }
-    *link = (*link)->next;
+    index_.Remove(*index_.Find(HashOf(*node->record),
+                               [node](const Entry& entry) { return entry.node == node; }));
 }
 
 ObjectList::Node* RegistryIndex::FindSame(const ObjectRecord& record, InfoSource& info) const {
-    const Entry* entry = BucketOf(record);
-    while (entry != nullptr && !IsSameObject(record, *entry->node->record, info)) {
-        entry = entry->next;
-    }
+    const Entry* entry = index_.Find(HashOf(record), [&record, &info](const Entry& present) {
+        return IsSameObject(record, *present.node->record, info);
+    });
     return entry == nullptr ? nullptr : entry->node;
 }
 

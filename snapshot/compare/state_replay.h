@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "snapshot/compare/info_source.h"
+#include "snapshot/records/hash_index.h"
 #include "snapshot/records/object_list.h"
 
 namespace tolvenar {
@@ -24,15 +25,14 @@ public:
 private:
     struct Entry {
         ObjectList::Node* node;
-        Entry* next;
+        Entry* bucket_next;
+
+        std::uint32_t Hash() const;
     };
 
-    Entry*& BucketOf(const ObjectRecord& record) const;
-
     std::unique_ptr<Entry[]> entries_;
-    std::unique_ptr<Entry*[]> buckets_;
-    std::size_t bucket_count_ = 0;
     std::size_t used_ = 0;
+    HashIndex<Entry> index_;  // every chain in the order of the list
 };
 
 // The nodes of a list whose records belong to the states `first` to `last`, ordered by state and

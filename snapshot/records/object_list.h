@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "snapshot/records/hash_index.h"
 #include "snapshot/records/object_record.h"
 
 namespace tolvenar {
@@ -22,6 +23,8 @@ public:
         Node* bucket_next;
         // Insertions into this list before this one: the walk meets greater serials first.
         std::uint32_t serial;
+
+        std::uint32_t Hash() const;  // of the key
     };
     // A place in a walk from the front; null at the end.
     using Cursor = Node*;
@@ -52,7 +55,7 @@ public:
     static int Next(Cursor& cursor, ObjectKey* key_out, ObjectRecord** record_out);
 
     void ClearList();
-    std::size_t CountRecords() const { return count_; }
+    std::size_t CountRecords() const { return index_.count(); }
     // The greatest state number of the records; 0 for an empty list.
     std::uint16_t MaxStateNumber() const;
     // The least; all ones for an empty list.
@@ -60,14 +63,10 @@ public:
 
 private:
     ObjectList() = default;
-    bool Grow();
-    Node*& BucketOf(const ObjectKey& key) const;
     Node* NewNode(const ObjectKey& key, ObjectRecord* record);
 
     Node* first_ = nullptr;
-    Node** buckets_ = nullptr;
-    std::size_t bucket_count_ = 0;
-    std::size_t count_ = 0;
+    HashIndex<Node> index_;
     std::uint32_t next_serial_ = 0;
 };
 

@@ -11,7 +11,6 @@
 namespace tolvenar {
 namespace {
 
-constexpr std::size_t kFirstBucketCount = 256;
 constexpr std::uint16_t kCounterValues = 256;  // the identifier has 8 bits for the counter
 
 // Null for an absent text and without memory.
@@ -41,11 +40,6 @@ void LogCollision(const char16_t* full_name, const RegistryObject& present) {
     LogMessage(text.text(), u"OID generation", kLogNote);
 }
 
-// The identifier's bits are checksums and spread well; the counter has bits of its own.
-std::size_t BucketOf(std::uint32_t TolvOID, std::size_t bucket_count) {
-    return (TolvOID ^ TolvOID >> 16) & (bucket_count - 1);
-}
-
 }  // namespace
 
 std::uint32_t MakeTolvOID(const char16_t* path, const void* data, std::size_t data_bytes,
@@ -62,7 +56,7 @@ int RegistryObjects::RegObjectAdd(std::uint32_t TolvOID, bool is_key, std::uint3
     if (key_path == nullptr) {
         return 0;
     }
-    if (count_ >= bucket_count_ && !Grow() && bucket_count_ == 0) {
+    if (!index_.ReserveOneMore()) {
         return 0;
     }
     auto* object = new (std::nothrow) RegistryObject{};
@@ -82,44 +76,14 @@ int RegistryObjects::RegObjectAdd(std::uint32_t TolvOID, bool is_key, std::uint3
     object->data_bytes = data_bytes;
     object->next = first_;
     first_ = object;
-    RegistryObject*& bucket = buckets_[BucketOf(TolvOID, bucket_count_)];
-    object->bucket_next = bucket;
-    bucket = object;
-    ++count_;
+    index_.Add(*object);
     return 1;
 }
 
-// Doubles the buckets, which are a power of two. False, with the table as it was, without memory.
-bool RegistryObjects::Grow() {
-    const std::size_t larger = bucket_count_ == 0 ? kFirstBucketCount : bucket_count_ * 2;
-    auto* buckets = new (std::nothrow) RegistryObject* [larger] {};
-    if (buckets == nullptr) {
-        return false;
-    }
-    delete[] buckets_;
-    buckets_ = buckets;
-    bucket_count_ = larger;
-    for (RegistryObject* object = first_; object != nullptr; object = object->next) {
-        // At the end, so that the newest stays first.
-        RegistryObject** link = &buckets_[BucketOf(object->TolvOID, bucket_count_)];
-        while (*link != nullptr) {
-            link = &(*link)->bucket_next;
-        }
-        *link = object;
-        object->bucket_next = nullptr;
-    }
-    return true;
-}
-
 const RegistryObject* RegistryObjects::RegObjectFind(std::uint32_t TolvOID) const {
-    if (bucket_count_ == 0) {
-        return nullptr;
-    }
-    const RegistryObject* object = buckets_[BucketOf(TolvOID, bucket_count_)];
-    while (object != nullptr && object->TolvOID != TolvOID) {
-        object = object->bucket_next;
-    }
-    return object;
+    return index_.Find(MixBits(0, TolvOID), [TolvOID](const RegistryObject& object) {
+        return object.TolvOID == TolvOID;
+    });
 }
 
 void RegistryObjects::RegObjectClear() {
@@ -128,10 +92,7 @@ void RegistryObjects::RegObjectClear() {
         first_ = object->next;
         Free(object);
     }
-    delete[] buckets_;
-    buckets_ = nullptr;
-    bucket_count_ = 0;
-    count_ = 0;
+    index_.Clear();
 }
 
 int RegistryObjects::Generate(const char16_t* full_name, const void* data, std::size_t data_length,

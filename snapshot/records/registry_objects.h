@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "snapshot/records/hash_index.h"
+
 namespace tolvenar {
 
 constexpr char16_t kNameSeparator = 0x00FF;  // between key path and value name
@@ -27,6 +29,8 @@ struct RegistryObject {
     char16_t* value_name;  // owned; null for a key
     RegistryObject* next;  // newest first
     RegistryObject* bucket_next;
+
+    std::uint32_t Hash() const { return MixBits(0, TolvOID); }
 };
 
 class RegistryObjects {
@@ -53,12 +57,8 @@ public:
                  const char16_t* key_path, const char16_t* value_name, std::uint32_t& TolvOID_out);
 
 private:
-    bool Grow();
-
     RegistryObject* first_ = nullptr;
-    RegistryObject** buckets_ = nullptr;
-    std::size_t bucket_count_ = 0;
-    std::size_t count_ = 0;
+    HashIndex<RegistryObject> index_;  // of equal identifiers the newest stands first
 };
 
 }  // namespace tolvenar
