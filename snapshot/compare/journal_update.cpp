@@ -20,11 +20,6 @@ bool IsSameVersion(const ObjectRecord& a, const ObjectRecord& b) {
            a.data_offset == b.data_offset && a.type == b.type;
 }
 
-bool HasObjectId(ObjectType type) {
-    return type != ObjectType::kRegistryValue && type != ObjectType::kRegistryKey &&
-           type != ObjectType::kState;
-}
-
 // Takes the records of a journal in the order of a walk and changes ids as they come by.
 class IdChange {
 public:
@@ -35,7 +30,7 @@ public:
             return;
         }
         if (record.state_number == object_.state_number) {
-            if ((record.flags & JF_ADD) != 0 && HasObjectId(record.type)) {
+            if ((record.flags & JF_ADD) != 0 && HasObjectStoreId(record.type)) {
                 record.dwOID = newOid_;
             }
             return;
@@ -70,9 +65,8 @@ void JournalUpdater::BuildIndex() {
         return;
     }
     std::size_t filled = 0;
-    ObjectList::Cursor cursor = journal_->First();
-    while (ObjectList::Next(cursor, nullptr, &entries[filled].record)) {
-        ++filled;
+    for (const ObjectList::Node& node : *journal_) {
+        entries[filled++].record = node.record;
     }
     // From the back, since each is put in front of its chain.
     while (filled != 0) {
@@ -95,10 +89,8 @@ void JournalUpdater::UpdateJournalOid(const ObjectRecord& record, std::uint32_t 
             change.Visit(*entry->record);
         }
     } else {
-        ObjectList::Cursor cursor = journal_->First();
-        ObjectRecord* visited = nullptr;
-        while (ObjectList::Next(cursor, nullptr, &visited)) {
-            change.Visit(*visited);
+        for (const ObjectList::Node& node : *journal_) {
+            change.Visit(*node.record);
         }
     }
     change.Finish();
@@ -133,12 +125,10 @@ bool JournalUpdater::SeparateVersions() {
     std::sort(new_ids_.get(), new_ids_.get() + new_id_count_,
               [](const NewId& a, const NewId& b) { return a.oid < b.oid; });
     std::uint32_t stale_id = LowestStaleId();
-    ObjectList::Cursor cursor = journal_->First();
-    ObjectRecord* record = nullptr;
-    while (ObjectList::Next(cursor, nullptr, &record)) {
-        const NewId* id = FindOtherVersion(*record);
-        if (id != nullptr && HasKeyOfNewId(*record, *id)) {
-            GiveId(*record, --stale_id);
+    for (const ObjectList::Node& node : *journal_) {
+        const NewId* id = FindOtherVersion(*node.record);
+        if (id != nullptr && HasKeyOfNewId(*node.record, *id)) {
+            GiveId(*node.record, --stale_id);
         }
     }
     return true;
@@ -146,7 +136,7 @@ bool JournalUpdater::SeparateVersions() {
 
 // The new id that a record has although it belongs to another version; null when there is none.
 const JournalUpdater::NewId* JournalUpdater::FindOtherVersion(const ObjectRecord& record) const {
-    if (!HasObjectId(record.type)) {
+    if (!HasObjectStoreId(record.type)) {
         return nullptr;
     }
     const NewId* begin = new_ids_.get();
@@ -181,28 +171,21 @@ void JournalUpdater::GiveId(const ObjectRecord& version, std::uint32_t oid) {
 
 std::uint32_t JournalUpdater::LowestStaleId() const {
     std::uint32_t lowest = 0xFFFFFFFF;
-    ObjectList::Cursor cursor = journal_->First();
-    ObjectRecord* record = nullptr;
-    while (ObjectList::Next(cursor, nullptr, &record)) {
-        if (record->dwOID >= kFirstStaleId) {
-            lowest = std::min(lowest, record->dwOID);
+    for (const ObjectList::Node& node : *journal_) {
+        if (node.record->dwOID >= kFirstStaleId) {
+            lowest = std::min(lowest, node.record->dwOID);
         }
     }
     return lowest;
 }
 
 void InvertPendingFlags(ObjectList& list) {
-    ObjectList::Cursor cursor = list.First();
-    while (cursor != nullptr) {
-        ObjectList::Node* node = cursor;
-        cursor = node->next;
-        if ((node->record->flags & kPendingFlags) != 0) {
-            node->record->flags ^= kPendingFlags;
-        }
-        if (node->record->flags == 0) {
-            list.Remove(node);
+    for (ObjectList::Node& node : list) {
+        if ((node.record->flags & kPendingFlags) != 0) {
+            node.record->flags ^= kPendingFlags;
         }
     }
+    list.RemoveIf([](const ObjectList::Node& node) { return node.record->flags == 0; });
 }
 
 }  // namespace tolvenar

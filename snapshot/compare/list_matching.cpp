@@ -31,9 +31,8 @@ bool IsMatch(const ObjectRecord& a, const ObjectRecord& b, InfoSource& info) {
     if (a.dwOID != b.dwOID || a.TolvOID != b.TolvOID || a.info_checksum != b.info_checksum) {
         return false;
     }
-    // The number of a database's records is no property of the database.
-    const bool databases = a.type == ObjectType::kDatabase && b.type == ObjectType::kDatabase;
-    return databases || a.content_fingerprint == b.content_fingerprint;
+    return (CountsRecords(a.type) && CountsRecords(b.type)) ||
+           a.content_fingerprint == b.content_fingerprint;
 }
 
 std::uint32_t CandidateIndex::Entry::Hash() const {
@@ -47,9 +46,9 @@ bool CandidateIndex::Build(const ObjectList& against) {
         return false;
     }
     std::size_t used = 0;
-    for (ObjectList::Cursor node = against.First(); node != nullptr; node = node->next) {
-        if (!(node->record->flags & JF_MATCHED)) {
-            entries_[used++] = {node->record, nullptr};
+    for (const ObjectList::Node& node : against) {
+        if (!(node.record->flags & JF_MATCHED)) {
+            entries_[used++] = {node.record, nullptr};
         }
     }
     // From the back, since each is put in front of its chain.

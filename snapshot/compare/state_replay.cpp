@@ -32,23 +32,23 @@ bool RegistryIndex::Reserve(std::size_t additions) {
     return entries_ != nullptr && index_.Reserve(additions);
 }
 
-void RegistryIndex::Add(ObjectList::Node* node) {
-    if (!IsRegistryObject(*node->record)) {
+void RegistryIndex::Add(ObjectList::Node& node) {
+    if (!IsRegistryObject(*node.record)) {
         return;
     }
     Entry& entry = entries_[used_++];
-    entry.node = node;
+    entry.node = &node;
     // A new node stands at the front of the list; one whose record was replaced kept its place.
     index_.AddBehind(entry,
-                     [node](const Entry& present) { return present.node->serial > node->serial; });
+                     [&node](const Entry& present) { return present.node->serial > node.serial; });
 }
 
-void RegistryIndex::Remove(const ObjectList::Node* node) {
-    if (!IsRegistryObject(*node->record)) {
+void RegistryIndex::Remove(const ObjectList::Node& node) {
+    if (!IsRegistryObject(*node.record)) {
         return;
     }
-    index_.Remove(*index_.Find(HashOf(*node->record),
-                               [node](const Entry& entry) { return entry.node == node; }));
+    index_.Remove(*index_.Find(HashOf(*node.record),
+                               [&node](const Entry& entry) { return entry.node == &node; }));
 }
 
 ObjectList::Node* RegistryIndex::FindSame(const ObjectRecord& record, InfoSource& info) const {
@@ -66,8 +66,8 @@ bool NodesByState::Build(const ObjectList& list, std::uint16_t first, std::uint1
         return false;
     }
 
-    for (ObjectList::Cursor node = list.First(); node != nullptr; node = node->next) {
-        const std::uint16_t state = node->record->state_number;
+    for (const ObjectList::Node& node : list) {
+        const std::uint16_t state = node.record->state_number;
         if (state >= first && state <= last) {
             ++starts[state - first + 1u];
         }
@@ -76,19 +76,17 @@ bool NodesByState::Build(const ObjectList& list, std::uint16_t first, std::uint1
         starts[i + 1] += starts[i];
     }
     size_ = starts[states];
-    for (ObjectList::Cursor node = list.First(); node != nullptr; node = node->next) {
-        const std::uint16_t state = node->record->state_number;
+    for (const ObjectList::Node& node : list) {
+        const std::uint16_t state = node.record->state_number;
         if (state >= first && state <= last) {
-            nodes_[starts[state - first]++] = node;
+            nodes_[starts[state - first]++] = &node;
         }
     }
     return true;
 }
 
 bool StateReplay::Apply(const ObjectList::Node& source) {
-    // In a state's list an object is found whichever state it comes from.
-    ObjectKey key = source.key;
-    key.word1 &= 0xFFFF0000u;
+    const ObjectKey key = source.key.Stateless();
     const ObjectRecord& record = *source.record;
     if ((record.flags & kAdditionFlags) && !Add(key, record)) {
         return false;
@@ -106,18 +104,18 @@ bool StateReplay::Add(const ObjectKey& key, const ObjectRecord& record) {
     }
     copy->flags = 0;
     if (const ObjectList::Node* present = out_.FindByKey(key)) {
-        if (record.type == ObjectType::kDatabase && (record.flags & kFlagAddition20)) {
+        if (CountsRecords(record.type) && (record.flags & kFlagAddition20)) {
             copy->content_fingerprint = static_cast<std::uint16_t>(
                 copy->content_fingerprint + present->record->content_fingerprint);
         }
-        registry_.Remove(present);
+        registry_.Remove(*present);
     }
     ObjectList::Node* node = out_.InsertByKey(key, copy.get());
     if (node == nullptr) {
         return false;
     }
     static_cast<void>(copy.release());
-    registry_.Add(node);
+    registry_.Add(*node);
     return true;
 }
 
@@ -127,8 +125,8 @@ void StateReplay::Delete(const ObjectKey& key, const ObjectRecord& record) {
     if (counterpart == nullptr) {
         return;
     }
-    registry_.Remove(counterpart);
-    out_.Remove(counterpart);
+    registry_.Remove(*counterpart);
+    out_.Remove(*counterpart);
 }
 
 }  // namespace tolvenar

@@ -17,8 +17,8 @@ public:
     // Room for as many calls of Add. False when there is no memory.
     bool Reserve(std::size_t additions);
     // Enters and takes out a node of the list; one that holds no registry record is passed over.
-    void Add(ObjectList::Node* node);
-    void Remove(const ObjectList::Node* node);
+    void Add(ObjectList::Node& node);
+    void Remove(const ObjectList::Node& node);
     // The first node of the list that is the same registry object as `record`, or null.
     ObjectList::Node* FindSame(const ObjectRecord& record, InfoSource& info) const;
 

@@ -1,12 +1,15 @@
 #include "snapshot/records/object_list.h"
 
+#include <algorithm>
 #include <new>
 
 namespace tolvenar {
 namespace {
 
 std::uint32_t HashOf(const ObjectKey& key) {
-    return MixBits(MixBits(MixBits(MixBits(0, key.word1), key.word2), key.dwOID), key.TolvOID);
+    const std::uint32_t version = key.state_number | static_cast<std::uint32_t>(key.info_checksum)
+                                                         << 16;
+    return MixBits(MixBits(MixBits(MixBits(0, version), key.fingerprint), key.dwOID), key.TolvOID);
 }
 
 }  // namespace
@@ -66,18 +69,18 @@ int ObjectList::RemoveByKey(const ObjectKey& key) {
     if (node == nullptr) {
         return 0;
     }
-    Remove(node);
+    Remove(*node);
     return 1;
 }
 
-void ObjectList::Remove(Node* node) {
-    index_.Remove(*node);
-    (node->previous == nullptr ? first_ : node->previous->next) = node->next;
-    if (node->next != nullptr) {
-        node->next->previous = node->previous;
+void ObjectList::Remove(Node& node) {
+    index_.Remove(node);
+    (node.previous == nullptr ? first_ : node.previous->next) = node.next;
+    if (node.next != nullptr) {
+        node.next->previous = node.previous;
     }
-    delete node->record;
-    delete node;
+    delete node.record;
+    delete &node;
 }
 
 int ObjectList::Next(Cursor& cursor, ObjectKey* key_out, ObjectRecord** record_out) {
@@ -106,20 +109,16 @@ void ObjectList::ClearList() {
 
 std::uint16_t ObjectList::MaxStateNumber() const {
     std::uint16_t greatest = 0;
-    for (const Node* node = first_; node != nullptr; node = node->next) {
-        if (node->record->state_number > greatest) {
-            greatest = node->record->state_number;
-        }
+    for (const Node& node : *this) {
+        greatest = std::max(greatest, node.record->state_number);
     }
     return greatest;
 }
 
 std::uint32_t ObjectList::MinStateNumber() const {
     std::uint32_t least = 0xFFFFFFFF;
-    for (const Node* node = first_; node != nullptr; node = node->next) {
-        if (node->record->state_number < least) {
-            least = node->record->state_number;
-        }
+    for (const Node& node : *this) {
+        least = std::min<std::uint32_t>(least, node.record->state_number);
     }
     return least;
 }

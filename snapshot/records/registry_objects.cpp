@@ -50,30 +50,26 @@ std::uint32_t MakeTolvOID(const char16_t* path, const void* data, std::size_t da
     return (high << 16) + low;
 }
 
-int RegistryObjects::RegObjectAdd(std::uint32_t TolvOID, bool is_key, std::uint32_t hive,
-                                  std::uint32_t value_type, std::uint32_t data_bytes,
-                                  const char16_t* key_path, const char16_t* value_name) {
-    if (key_path == nullptr) {
-        return 0;
-    }
-    if (!index_.ReserveOneMore()) {
+int RegistryObjects::RegObjectAdd(std::uint32_t TolvOID, const RegistryEntry& entry) {
+    if (entry.key_path == nullptr || !index_.ReserveOneMore()) {
         return 0;
     }
     auto* object = new (std::nothrow) RegistryObject{};
     if (object == nullptr) {
         return 0;
     }
-    object->key_path = CopyText(key_path);
-    object->value_name = CopyText(value_name);
-    if (object->key_path == nullptr || (value_name != nullptr && object->value_name == nullptr)) {
+    object->key_path = CopyText(entry.key_path);
+    object->value_name = CopyText(entry.value_name);
+    if (object->key_path == nullptr ||
+        (entry.value_name != nullptr && object->value_name == nullptr)) {
         Free(object);
         return 0;
     }
     object->TolvOID = TolvOID;
-    object->hive = hive;
-    object->is_key = is_key;
-    object->value_type = value_type;
-    object->data_bytes = data_bytes;
+    object->hive = entry.hive;
+    object->is_key = entry.is_key;
+    object->value_type = entry.value_type;
+    object->data_bytes = entry.data_bytes;
     object->next = first_;
     first_ = object;
     index_.Add(*object);
@@ -95,21 +91,25 @@ void RegistryObjects::RegObjectClear() {
     index_.Clear();
 }
 
-int RegistryObjects::Generate(const char16_t* full_name, const void* data, std::size_t data_length,
-                              bool is_key, std::uint32_t hive, std::uint32_t value_type,
-                              std::uint32_t data_bytes, const char16_t* key_path,
-                              const char16_t* value_name, std::uint32_t& TolvOID_out) {
+bool RegistryObjects::Generate(const char16_t* full_name, const RegistryEntry& entry,
+                               std::uint32_t& TolvOID_out) {
+    if (entry.key_path == nullptr) {
+        return false;
+    }
+    const void* data = entry.is_key ? entry.key_path : entry.data;
+    const std::size_t data_bytes =
+        entry.is_key ? std::u16string_view(entry.key_path).size() * sizeof(char16_t)
+                     : entry.data_bytes;
     for (std::uint16_t counter = 0; counter < kCounterValues; ++counter) {
-        const std::uint32_t TolvOID = MakeTolvOID(full_name, data, data_length, counter);
+        const std::uint32_t TolvOID = MakeTolvOID(full_name, data, data_bytes, counter);
         const RegistryObject* present = RegObjectFind(TolvOID);
         if (present == nullptr) {
             TolvOID_out = TolvOID;
-            return RegObjectAdd(TolvOID, is_key, hive, value_type, data_bytes, key_path,
-                                value_name);
+            return RegObjectAdd(TolvOID, entry) != 0;
         }
         LogCollision(full_name, *present);
     }
-    return 0;
+    return false;
 }
 
 }  // namespace tolvenar
