@@ -23,7 +23,7 @@ bool ListEnumerator::Describe() {
 }
 
 int ListEnumerator::Next(EnumeratedObject& object) {
-    if (!(next_ != ObjectList::Iterator(nullptr))) {
+    if (!(next_ != Place(nullptr))) {
         return kEndOfList;
     }
     record_ = (*next_).record;

@@ -19,7 +19,7 @@ public:
         : storage_(storage),
           live_(live),
           contents_(contents),
-          next_(differences != nullptr ? differences->begin() : ObjectList::Iterator(nullptr)) {}
+          next_(differences != nullptr ? differences->begin() : Place(nullptr)) {}
     ListEnumerator(const ListEnumerator&) = delete;
     ListEnumerator& operator=(const ListEnumerator&) = delete;
 
@@ -30,12 +30,14 @@ public:
     bool ReadValueText(TextBuilder& text) override;
 
 private:
+    using Place = ObjectList::Iterator<const ObjectList::Node>;
+
     bool Describe();
 
     StorageReader* storage_;
     LiveObjects& live_;
     LiveContents& contents_;
-    ObjectList::Iterator next_;
+    Place next_;
     const ObjectRecord* record_ = nullptr;  // of the object that was given last
     InfoBlock block_;                       // what describes it
 };

@@ -146,9 +146,6 @@ void LogFailedItem(Engine& engine, const ObjectRecord& record) {
     LogMessage(text.text(), u"backup item failed", kLogError);
 }
 
-// Keys have no data and the fingerprint of a database is its number of records.
-bool CarriesDataChecksum(ObjectType type) { return (static_cast<unsigned>(type) & 6) == 0; }
-
 }  // namespace
 
 bool DoBackup(Engine& engine, std::uint32_t state_number, const char16_t* description,

@@ -13,10 +13,10 @@ constexpr DWORD kSettleMs = 100;
 
 bool IsDeletion(const ObjectRecord& record) { return (record.flags & JF_ADD) != 0; }
 bool IsFileToWrite(const ObjectRecord& record) {
-    return (record.flags & JF_DELETE) != 0 && record.type == ObjectType::kFile;
+    return (record.flags & JF_DELETE) != 0 && TraitsOf(record.type).phase == RestorePhase::kFiles;
 }
 bool IsOtherToWrite(const ObjectRecord& record) {
-    return (record.flags & JF_DELETE) != 0 && record.type != ObjectType::kFile;
+    return (record.flags & JF_DELETE) != 0 && TraitsOf(record.type).phase == RestorePhase::kOthers;
 }
 
 // The passes over one list. Repeating them settles the order of objects that depend on one another

@@ -211,8 +211,8 @@ ObjectRecord RestoreFixture::LiveFile(const std::wstring& path) {
 ObjectRecord RestoreFixture::LiveKey(HKEY root, const std::u16string& key_path) {
     ObjectRecord record = Live(ObjectType::kRegistryKey, 0);
     const auto hive = static_cast<std::uint32_t>(reinterpret_cast<UINT_PTR>(root));
-    EXPECT_TRUE(storage_.registry_objects.Generate(key_path.c_str(), "", 0, true, hive, 0, 0,
-                                                   key_path.c_str(), nullptr, record.TolvOID));
+    EXPECT_TRUE(storage_.registry_objects.Generate(key_path.c_str(), {true, hive, key_path.c_str()},
+                                                   record.TolvOID));
     return record;
 }
 
@@ -221,9 +221,9 @@ ObjectRecord RestoreFixture::LiveValue(HKEY root, const std::u16string& key_path
     ObjectRecord record = Live(ObjectType::kRegistryValue, 0);
     const auto hive = static_cast<std::uint32_t>(reinterpret_cast<UINT_PTR>(root));
     const std::u16string full = key_path + kNameSeparator + value_name;
-    EXPECT_TRUE(storage_.registry_objects.Generate(full.c_str(), "", 0, false, hive, REG_SZ, 0,
-                                                   key_path.c_str(), value_name.c_str(),
-                                                   record.TolvOID));
+    EXPECT_TRUE(storage_.registry_objects.Generate(
+        full.c_str(), {false, hive, key_path.c_str(), value_name.c_str(), REG_SZ, "", 0},
+        record.TolvOID));
     return record;
 }
 

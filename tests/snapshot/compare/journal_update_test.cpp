@@ -28,17 +28,15 @@ std::unique_ptr<ObjectList> MakeJournal(const std::vector<ObjectRecord>& walked)
     std::uint32_t serial = 0;
     for (auto record = walked.rbegin(); record != walked.rend(); ++record) {
         // Keys of their own, so that records which are equal but for their place can be told apart.
-        EXPECT_TRUE(journal->InsertCopy(ObjectKey{++serial, 0, 0, 0}, *record));
+        EXPECT_TRUE(journal->InsertCopy(ObjectKey{0, 0, 0, ++serial, 0}, *record));
     }
     return journal;
 }
 
 std::vector<std::uint32_t> IdsOf(const ObjectList& list) {
     std::vector<std::uint32_t> ids;
-    ObjectList::Cursor cursor = list.First();
-    ObjectRecord* record = nullptr;
-    while (ObjectList::Next(cursor, nullptr, &record)) {
-        ids.push_back(record->dwOID);
+    for (const ObjectList::Node& node : list) {
+        ids.push_back(node.record->dwOID);
     }
     return ids;
 }
@@ -49,9 +47,8 @@ void PlainWalk(ObjectList& journal, const ObjectRecord& object, std::uint32_t ne
         return;
     }
     ObjectRecord* deletion = nullptr;
-    ObjectList::Cursor cursor = journal.First();
-    ObjectRecord* record = nullptr;
-    while (ObjectList::Next(cursor, nullptr, &record)) {
+    for (ObjectList::Node& node : journal) {
+        ObjectRecord* const record = node.record;
         if (record->dwOID != object.dwOID || record->info_checksum != object.info_checksum ||
             record->content_fingerprint != object.content_fingerprint ||
             record->propOffset != object.propOffset || record->data_offset != object.data_offset ||

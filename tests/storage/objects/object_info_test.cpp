@@ -116,8 +116,8 @@ TEST_F(ObjectInfoTest, ARecordWhoseDatabaseCannotBeDescribedFails) {
 }
 
 TEST_F(ObjectInfoTest, ABlockThatIsUsedAgainKeepsNothing) {
-    ASSERT_TRUE(
-        storage_.registry_objects.RegObjectAdd(5, false, 0x80000001, REG_DWORD, 4, u"A", u"v"));
+    ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(
+        5, {false, 0x80000001, u"A", u"v", REG_DWORD, nullptr, 4}));
     device().MakeFolder(L"\\A");
     InfoBlock block;
     std::memset(block.bytes(), 0xFF, kInfoHeadBytes);
@@ -130,8 +130,8 @@ TEST_F(ObjectInfoTest, ABlockThatIsUsedAgainKeepsNothing) {
 }
 
 TEST_F(ObjectInfoTest, ARegistryKeyHasItsRootAndPath) {
-    ASSERT_TRUE(
-        storage_.registry_objects.RegObjectAdd(0x1234, true, 0x80000002, 0, 3, u"A\\B", nullptr));
+    ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(
+        0x1234, {true, 0x80000002, u"A\\B", nullptr, 0, nullptr, 3}));
     const InfoBlock block = Describe(0x1234, 0);
     EXPECT_EQ(0x80000002u, block.head().hive);
     EXPECT_EQ(0u, block.head().value_type);
@@ -142,8 +142,8 @@ TEST_F(ObjectInfoTest, ARegistryKeyHasItsRootAndPath) {
 }
 
 TEST_F(ObjectInfoTest, ARegistryValueHasItsTypeSizeAndBothNames) {
-    ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(0x1234, false, 0x80000001, REG_DWORD, 4,
-                                                       u"A\\B", u"v"));
+    ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(
+        0x1234, {false, 0x80000001, u"A\\B", u"v", REG_DWORD, nullptr, 4}));
     const InfoBlock block = Describe(0x1234, 0);
     EXPECT_EQ(0x80000001u, block.head().hive);
     EXPECT_EQ(4u, block.head().value_type);
@@ -156,21 +156,21 @@ TEST_F(ObjectInfoTest, ARegistryValueHasItsTypeSizeAndBothNames) {
 
 TEST_F(ObjectInfoTest, ARegistryNameThatABlockCannotHoldFails) {
     const Text path(259, u'k');
-    ASSERT_TRUE(
-        storage_.registry_objects.RegObjectAdd(1, false, 0x80000001, 1, 0, path.c_str(), u""));
-    ASSERT_TRUE(
-        storage_.registry_objects.RegObjectAdd(2, false, 0x80000001, 1, 0, path.c_str(), u"v"));
+    ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(
+        1, {false, 0x80000001, path.c_str(), u"", 1, nullptr, 0}));
+    ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(
+        2, {false, 0x80000001, path.c_str(), u"v", 1, nullptr, 0}));
     InfoBlock block;
     EXPECT_TRUE(info_.GetOIDInfo(1, 0, block));
     EXPECT_EQ(548u, block.size());
     EXPECT_FALSE(info_.GetOIDInfo(2, 0, block));
-    ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(3, true, 0x80000001, 0, 0,
-                                                       Text(261, u'k').c_str(), nullptr));
+    ASSERT_TRUE(
+        storage_.registry_objects.RegObjectAdd(3, {true, 0x80000001, Text(261, u'k').c_str()}));
     EXPECT_FALSE(info_.GetOIDInfo(3, 0, block));
 }
 
 TEST_F(ObjectInfoTest, AnUnknownRegistryObjectAndOneWithBothIdsFail) {
-    ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(1, true, 0x80000001, 0, 0, u"A", nullptr));
+    ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(1, {true, 0x80000001, u"A"}));
     InfoBlock block;
     EXPECT_FALSE(info_.GetOIDInfo(2, 0, block));
     EXPECT_FALSE(info_.GetOIDInfo(1, 1, block));

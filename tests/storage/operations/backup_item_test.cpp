@@ -124,7 +124,8 @@ TEST_F(BackupItemTest, AValueThatIsGoneOrHasAnotherLengthFails) {
         device().PutFile(kSavPath, Sav().substr(0, kHead));
         storage_.registry_objects.RegObjectClear();
         ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(
-            5, false, 0x80000001, REG_BINARY, row.data_bytes, row.key_path, row.value_name));
+            5, {false, 0x80000001, row.key_path, row.value_name, REG_BINARY, nullptr,
+                row.data_bytes}));
         ObjectRecord record = Added(ObjectType::kRegistryValue, 0);
         record.TolvOID = 5;
         ExpectFailure(record);
@@ -151,8 +152,8 @@ TEST_F(BackupItemTest, AnObjectWhoseDataCannotBeWrittenFails) {
     const CEOID database = MakeDatabase(L"First");
     const CEOID record = AddRecord(L"First", {{kNumber, 1}});
     SetValue(HKEY_CURRENT_USER, L"T", L"v", REG_BINARY, "x");
-    ASSERT_TRUE(
-        storage_.registry_objects.RegObjectAdd(5, false, 0x80000001, REG_BINARY, 1, u"T", u"v"));
+    ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(
+        5, {false, 0x80000001, u"T", u"v", REG_BINARY, nullptr, 1}));
     ObjectRecord value = Added(ObjectType::kRegistryValue, 0);
     value.TolvOID = 5;
     for (const ObjectRecord& object :
