@@ -24,6 +24,7 @@ public:
 
 private:
     using Function = BOOL(WINAPI*)(PSYSTEM_POWER_STATUS_EX, BOOL);
+    void LoadLibraryOnce();
     void Load();
 
     HMODULE library_ = nullptr;

@@ -3,6 +3,7 @@
 #include "app/operations/messages.h"
 #include "app/operations/requests.h"
 #include "app/operations/window_messages.h"
+#include "platform/dialog.h"
 #include "res/resource.h"
 
 namespace tolvenar {
@@ -37,76 +38,66 @@ bool Post(Application& app, Confirmation kind, bool go_on, LPARAM lparam) {
     return PostAnswer(app, kAnswerBase + static_cast<UINT>(kind), go_on, lparam);
 }
 
-class ReminderDialog {
+class ReminderDialog final : private Dialog {
 public:
     ReminderDialog(Application& app, Confirmation kind, LPARAM lparam)
         : app_(app), kind_(kind), lparam_(lparam) {}
 
     // False when the user went on and nobody was there to hear it.
     bool Run() {
-        ::DialogBoxParamW(app_.instance, MAKEINTRESOURCEW(IDD_REMINDER), app_.main_dialog,
-                          DialogProcedure, reinterpret_cast<LPARAM>(this));
+        RunModal(app_.instance, IDD_REMINDER, app_.main_dialog);
         return posted_;
     }
 
 private:
-    INT_PTR OnInit(HWND dialog) {
+    INT_PTR OnInit() {
         if (kind_ == Confirmation::kRestored) {
-            ::ShowWindow(::GetDlgItem(dialog, IDC_REMINDER_OFF), SW_HIDE);
+            ::ShowWindow(Control(IDC_REMINDER_OFF), SW_HIDE);
         }
-        ::SetDlgItemTextW(dialog, IDC_REMINDER_TEXT, TextOf(kind_));
+        ::SetDlgItemTextW(window(), IDC_REMINDER_TEXT, TextOf(kind_));
         // A restore overwrites the device: Enter must not start one by accident.
         const int first = kind_ == Confirmation::kRestore ? IDCANCEL : IDOK;
         // The dialog manager's way: a focus that is merely set leaves OK to be what Enter presses.
-        ::SendMessageW(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(::GetDlgItem(dialog, first)),
-                       TRUE);
-        ::ShowWindow(dialog, SW_SHOW);
-        ::UpdateWindow(dialog);
+        ::SendMessageW(window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Control(first)), TRUE);
+        ::ShowWindow(window(), SW_SHOW);
+        ::UpdateWindow(window());
         return FALSE;
     }
 
     // The hidden box of kRestored is never checked, so that its OK sets the bit; on purpose.
-    void KeepChoice(HWND dialog) {
+    void KeepChoice() {
         const bool is_off =
-            ::SendDlgItemMessageW(dialog, IDC_REMINDER_OFF, BM_GETCHECK, 0, 0) == BST_CHECKED;
+            ::SendMessageW(Control(IDC_REMINDER_OFF), BM_GETCHECK, 0, 0) == BST_CHECKED;
         const auto bit = static_cast<std::uint32_t>(kind_);
         const std::uint32_t reminders = ReadReminders();
         WriteSetting(setting::kReminders, is_off ? reminders & ~bit : reminders | bit);
     }
 
-    void OnOk(HWND dialog) {
+    void OnOk() {
         RefreshStates(app_);
-        KeepChoice(dialog);
+        KeepChoice();
         posted_ = Post(app_, kind_, true, lparam_);
-        ::EndDialog(dialog, 1);
+        End(1);
     }
 
-    void OnCancel(HWND dialog) {
+    void OnCancel() {
         Post(app_, kind_, false, lparam_);
-        ::EndDialog(dialog, 0);
+        End(0);
     }
 
-    INT_PTR OnCommand(HWND dialog, WORD id) {
+    INT_PTR OnCommand(WORD id) {
         switch (id) {
-            case IDOK: OnOk(dialog); return TRUE;
-            case IDCANCEL: OnCancel(dialog); return TRUE;
+            case IDOK: OnOk(); return TRUE;
+            case IDCANCEL: OnCancel(); return TRUE;
             default: return FALSE;
         }
     }
 
-    static INT_PTR CALLBACK DialogProcedure(HWND dialog, UINT message, WPARAM wparam,
-                                            LPARAM lparam) {
-        if (message == WM_INITDIALOG) {
-            ::SetWindowLongW(dialog, DWL_USER, lparam);
-        }
-        auto* reminder = reinterpret_cast<ReminderDialog*>(::GetWindowLongW(dialog, DWL_USER));
-        if (reminder == nullptr) {
-            return FALSE;
-        }
+    INT_PTR Dispatch(UINT message, WPARAM wparam, LPARAM) override {
         switch (message) {
-            case WM_INITDIALOG: return reminder->OnInit(dialog);
-            case WM_COMMAND: return reminder->OnCommand(dialog, LOWORD(wparam));
-            case WM_CLOSE: reminder->OnCancel(dialog); return TRUE;
+            case WM_INITDIALOG: return OnInit();
+            case WM_COMMAND: return OnCommand(LOWORD(wparam));
+            case WM_CLOSE: OnCancel(); return TRUE;
             default: return FALSE;
         }
     }

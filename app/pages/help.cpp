@@ -2,6 +2,7 @@
 
 #include "app/operations/messages.h"
 #include "app/pages/page.h"
+#include "platform/processes.h"
 
 namespace tolvenar {
 namespace {
@@ -43,14 +44,7 @@ void ShowHelp(const Application& app, int index) {
         ShowInstallationMissing(app.main_dialog);
         return;
     }
-    PROCESS_INFORMATION process{};
-    wchar_t text[64];
-    ::wcscpy(text, argument);
-    if (::CreateProcessW(kViewer, text, nullptr, nullptr, FALSE, 0, nullptr, nullptr, nullptr,
-                         &process)) {
-        ::CloseHandle(process.hThread);
-        ::CloseHandle(process.hProcess);
-    }
+    StartProgram(kViewer, argument);
 }
 
 }  // namespace tolvenar

@@ -28,14 +28,10 @@ LRESULT OnDestroy(Application& app) {
     return 0;
 }
 
-LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
-    Application* app = ApplicationOf(window, message, lparam);
-    if (app == nullptr) {
-        return ::DefWindowProcW(window, message, wparam, lparam);
-    }
+LRESULT OnMessage(Application& app, HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
     switch (message) {
-        case WM_CLOSE: return OnClose(*app, window);
-        case WM_DESTROY: return OnDestroy(*app);
+        case WM_CLOSE: return OnClose(app, window);
+        case WM_DESTROY: return OnDestroy(app);
         default: return ::DefWindowProcW(window, message, wparam, lparam);
     }
 }
@@ -43,7 +39,7 @@ LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wparam, L
 }  // namespace
 
 bool RegisterMainWindowClass(HINSTANCE instance) {
-    return RegisterHiddenClass(instance, kMainWindowClass, MainWindowProcedure);
+    return RegisterHiddenClass(instance, kMainWindowClass, HiddenProcedure<OnMessage>);
 }
 
 bool CreateMainWindow(Application& app) {

@@ -7,6 +7,7 @@
 #include "app/start/unattended.h"
 #include "autobackup/autobackup_prompt.h"
 #include "autobackup/launch_check.h"
+#include "platform/processes.h"
 #include "storage/log/operation_log.h"
 
 namespace tolvenar {
@@ -34,11 +35,11 @@ void SetReason(Application& app, const wchar_t* text) {
 // Scheduled launches alone take the mutex; `mutex` is kept for the life of the process.
 bool PassSchedule(Application& app, LaunchCheckResult launch, UniqueHandle& mutex) {
     SetReason(app, launch == LaunchCheckResult::kBattery ? kReasonBattery : kReasonTime);
-    mutex.Reset(::CreateMutexW(nullptr, FALSE, kMutexName));
+    mutex = NamedMutex(kMutexName);
     if (::GetLastError() == ERROR_ALREADY_EXISTS) {
         return false;
     }
-    return ShowAutoBackupPrompt(app.instance, launch) == 1;
+    return ShowAutoBackupPrompt(app.instance, launch) == PromptAnswer::kGoOn;
 }
 
 }  // namespace
