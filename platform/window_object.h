@@ -17,8 +17,7 @@ Object* ObjectOf(HWND window, int place) {
 
 // The procedure of a window class whose windows keep their object at `place`. A window without one
 // behaves as the platform has it.
-template <int place, typename Object,
-          LRESULT (*on_message)(Object&, HWND, UINT, WPARAM, LPARAM)>
+template <int place, typename Object, LRESULT (*on_message)(Object&, HWND, UINT, WPARAM, LPARAM)>
 LRESULT CALLBACK WindowProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
     auto* const object = ObjectOf<Object>(window, place);
     return object != nullptr ? on_message(*object, window, message, wparam, lparam)

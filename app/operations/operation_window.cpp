@@ -41,7 +41,7 @@ LRESULT OnMessage(Application& app, HWND window, UINT message, WPARAM wparam, LP
         case WM_OPCONFIRMED_RESTORED: return OnRestoredAnswer(app, wparam);
         case WM_OPCONFIRMED_BACKUP: return OnBackupAnswer(app, wparam);
         case WM_OPCONFIRMED_RESTORE: return OnRestoreAnswer(app, wparam, lparam);
-        case WM_QUERYBUSY: return app.operationBusy;
+        case WM_QUERYBUSY: return app.gate.IsBusy() ? 1 : 0;
         case WM_DESTROY: return OnDestroy();
         default: return ::DefWindowProcW(window, message, wparam, lparam);
     }

@@ -1,6 +1,7 @@
 #include "app/pages/help.h"
 
 #include "app/operations/messages.h"
+#include "app/operations/requests.h"
 #include "app/pages/page.h"
 #include "platform/processes.h"
 
@@ -40,7 +41,7 @@ void ShowHelp(const Application& app, int index) {
     if (argument == nullptr) {
         return;
     }
-    if (app.installationMissing) {
+    if (WhyRefused(app, Wish::kShowHelp) != Refusal::kNone) {
         ShowInstallationMissing(app.main_dialog);
         return;
     }

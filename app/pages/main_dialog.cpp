@@ -1,6 +1,5 @@
 #include "app/pages/main_dialog.h"
 
-#include "app/operations/requests.h"
 #include "app/operations/window_messages.h"
 #include "app/pages/help.h"
 #include "app/pages/page_table.h"
@@ -283,7 +282,7 @@ INT_PTR MainDialog::OnActivate(WPARAM wparam, LPARAM lparam) {
 }
 
 INT_PTR MainDialog::OnClose() {
-    if (IsOccupied(app_)) {
+    if (app_.gate.IsOccupied()) {
         return TRUE;
     }
     ApplyNow();

@@ -1,5 +1,6 @@
 #include "app/pages/page.h"
 
+#include "app/operations/messages.h"
 #include "app/operations/window_messages.h"
 
 namespace tolvenar {
@@ -19,6 +20,17 @@ void Page::Show(int index, const RECT& place) {
 void Page::Hide() {
     ::ShowWindow(window(), SW_HIDE);
     OnHide();
+}
+
+bool Page::Refuses(Wish wish) {
+    const Refusal refusal = WhyRefused(app_, wish);
+    if (refusal == Refusal::kNoStorage) {
+        frame_.SelectPage(kStoragePage);
+    }
+    if (refusal == Refusal::kNoInstallation) {
+        ShowInstallationMissing(app_.main_dialog);
+    }
+    return refusal != Refusal::kNone;
 }
 
 // Tab in an edit control of several lines asks its own dialog for the next control, which knows

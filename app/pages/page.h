@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "app/operations/application.h"
+#include "app/operations/requests.h"
 #include "app/operations/window_messages.h"
 #include "platform/dialog.h"
 
@@ -22,8 +23,8 @@ protected:
 };
 
 // A child dialog. Created when its tab is first shown and kept until the main dialog goes; all of
-// it belongs to the main thread. While IsOccupied (app/requests.h) a page refuses what would change
-// or start anything.
+// it belongs to the main thread. While the application's gate is occupied a page refuses what would
+// change or start anything.
 class Page : public Dialog {
 public:
     Page(Application& app, Frame& frame, int template_id)
@@ -60,6 +61,10 @@ protected:
     virtual bool OnCommand(int /*id*/, int /*notification*/) { return false; }
     // Any other message; what a dialog procedure returns.
     virtual INT_PTR OnMessage(UINT /*message*/, WPARAM, LPARAM) { return FALSE; }
+
+    // Whether something stands against the user's wish; if so, the user is told or led to what
+    // helps.
+    bool Refuses(Wish wish);
 
     Application& app_;
     Frame& frame_;

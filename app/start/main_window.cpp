@@ -1,7 +1,6 @@
 #include "app/start/main_window.h"
 
 #include "app/operations/hidden_window.h"
-#include "app/operations/requests.h"
 #include "app/operations/window_messages.h"
 
 namespace tolvenar {
@@ -9,7 +8,7 @@ namespace {
 
 LRESULT OnClose(Application& app, HWND window) {
     // The lists belong to the operation until it ends; whoever asked asks again.
-    if (IsOccupied(app)) {
+    if (app.gate.IsOccupied()) {
         return 0;
     }
     RefreshAutoBackup();
