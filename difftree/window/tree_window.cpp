@@ -119,14 +119,14 @@ void TreeWindow::DestroyTreeWindowClass() {
     }
 }
 
-int TreeWindow::BuildDifferenceTree(DifferenceEnumerator& enumerator, const TreeBuild& build) {
+bool TreeWindow::BuildDifferenceTree(DifferenceEnumerator& enumerator, const TreeBuild& build) {
     if (tree_view() == nullptr) {
-        return 0;
+        return false;
     }
     painter_.UseBuild(build);
     const DrawingPause pause(tree_view());
     TreeView control(tree_view());
-    return tolvenar::BuildDifferenceTree(control, texts_, enumerator, build);
+    return tolvenar::BuildDifferenceTree(control, texts_, enumerator, build) != 0;
 }
 
 void TreeWindow::Clear() {

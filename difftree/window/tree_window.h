@@ -24,8 +24,8 @@ public:
     // Destroys the dialog and the class and deletes the font. Allowed at any time.
     void DestroyTreeWindowClass();
 
-    // Fills the tree; 1, or 0 when there is no tree, the enumerator aborted or memory was short.
-    int BuildDifferenceTree(DifferenceEnumerator& enumerator, const TreeBuild& build);
+    // Fills the tree. False when there is no tree, the enumerator aborted or memory was short.
+    bool BuildDifferenceTree(DifferenceEnumerator& enumerator, const TreeBuild& build);
     // Deletes every item.
     void Clear();
 
