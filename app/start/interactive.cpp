@@ -37,7 +37,7 @@ bool LoadStorage(Application& app) {
         }
         return true;
     }
-    if (!LoadWithWaitDisplay(app, L"Loading List", true)) {
+    if (!LoadUnderPopup(app)) {
         return false;
     }
     app.storageStatus = StorageStatus::kOpen;

@@ -50,11 +50,11 @@ bool HandleBytes::MoveTo(std::uint32_t offset) {
     if (is_position_known_ && position_ == offset) {
         return true;
     }
-    // With the high word given, the low one is an unsigned distance: places over 2 GB can be reached.
+    // With the high word given, the low one is an unsigned distance: places over 2 GB can be
+    // reached.
     LONG high = 0;
     ::SetLastError(ERROR_SUCCESS);
-    const DWORD reached =
-        ::SetFilePointer(file_, static_cast<LONG>(offset), &high, FILE_BEGIN);
+    const DWORD reached = ::SetFilePointer(file_, static_cast<LONG>(offset), &high, FILE_BEGIN);
     const bool failed = reached == 0xFFFFFFFF && ::GetLastError() != ERROR_SUCCESS;
     is_position_known_ = !failed && high == 0;
     if (is_position_known_) {

@@ -14,8 +14,8 @@ class JournalRecordReader {
 public:
     explicit JournalRecordReader(ByteReader& file) : file_(file) {}
 
-    // The next record; false at the end and when a read fails. A short last record keeps the bytes of
-    // the one before it behind its own (docs/oddities.md, 1).
+    // The next record; false at the end and when a read fails. A short last record keeps the bytes
+    // of the one before it behind its own (docs/oddities.md, 1).
     bool Next(ObjectRecord& record);
 
 private:
@@ -29,12 +29,12 @@ constexpr std::uint32_t JournalRecordCount(std::uint32_t bytes) {
     return bytes / sizeof(ObjectRecord) + (bytes % sizeof(ObjectRecord) != 0 ? 1 : 0);
 }
 
-// Enters every record of `file` in `list` under its key and counts them in `taken`; stops at a failed
-// read, which only the count tells. False when memory is short. `progress` may be null.
+// Enters every record of `file` in `list` under its key and counts them in `taken`; stops at a
+// failed read, which only the count tells. False when memory is short. `progress` may be null.
 bool ReadJournalRecords(ByteReader& file, ObjectList& list, Progress* progress,
                         std::uint32_t& taken);
-// Appends the records of `list` in the order of a walk and stops at the first failed write. The result
-// of the last write; false for an empty list. A deletion without a stored block is logged.
+// Appends the records of `list` in the order of a walk and stops at the first failed write. The
+// result of the last write; false for an empty list. A deletion without a stored block is logged.
 bool WriteJournalRecords(ByteAppender& file, const ObjectList& list, Progress* progress);
 
 }  // namespace tolvenar

@@ -1,5 +1,5 @@
-// Reads a file by pages and keeps those that were read last: one small block after the other costs no
-// read for most of them. Platform-free.
+// Reads a file by pages and keeps those that were read last: one small block after the other costs
+// no read for most of them. Platform-free.
 #pragma once
 
 #include <cstddef>
@@ -10,17 +10,17 @@
 
 namespace tolvenar {
 
-// A jump reads one page of 4 KB. Reads that go on behind the page that was read last take twice as many
-// each time, up to 256 KB, which is also the most that is kept; what was read first goes first. The file
-// must not change meanwhile.
+// A jump reads one page of 4 KB. Reads that go on behind the page that was read last take twice as
+// many each time, up to 256 KB, which is also the most that is kept; what was read first goes
+// first. The file must not change meanwhile.
 class PageCache {
 public:
     explicit PageCache(ByteReader& file) : file_(file) {}
     PageCache(const PageCache&) = delete;
     PageCache& operator=(const PageCache&) = delete;
 
-    // As ByteReader::ReadAt. Where a page cannot be read or kept the bytes alone are read: a bad place
-    // of the file costs no neighbour.
+    // As ByteReader::ReadAt. Where a page cannot be read or kept the bytes alone are read: a bad
+    // place of the file costs no neighbour.
     bool ReadAt(std::uint32_t offset, void* buffer, std::uint32_t bytes, std::uint32_t& read);
 
     static constexpr std::uint32_t kPageBytes = 4096;

@@ -8,8 +8,8 @@
 
 namespace tolvenar {
 
-// Knows its position. What is small waits in a buffer until Flush, so that head, name and data of an
-// object go out in one write.
+// Knows its position. What is small waits in a buffer until Flush, so that head, name and data of
+// an object go out in one write.
 class StorageAppender {
 public:
     // `file` is borrowed; `end` is behind everything that it holds.
@@ -19,9 +19,9 @@ public:
 
     // Where the next byte goes.
     std::uint32_t position() const { return file_end_ + held_; }
-    // Puts the position into `offset_out`, then appends `length` bytes of `buffer`, and as many more as
-    // the name length at its bytes 22 and 23 says when `with_name` is set. This and the following are
-    // false when the file refused; what was appended must be taken back then.
+    // Puts the position into `offset_out`, then appends `length` bytes of `buffer`, and as many
+    // more as the name length at its bytes 22 and 23 says when `with_name` is set. This and the
+    // following are false when the file refused; what was appended must be taken back then.
     bool WriteBlock(const void* buffer, std::uint32_t length, std::uint32_t& offset_out,
                     bool with_name);
     bool Write(const void* bytes, std::uint32_t length);

@@ -54,8 +54,8 @@ public:
     int writes = 0;
     int moves = 0;
     bool refuses_moves = false;
-    std::uint32_t room = 0xFFFFFFFF;    // bytes that may still be written
-    std::uint32_t bad_begin = 0;        // what touches these bytes cannot be read
+    std::uint32_t room = 0xFFFFFFFF;  // bytes that may still be written
+    std::uint32_t bad_begin = 0;      // what touches these bytes cannot be read
     std::uint32_t bad_end = 0;
 
 private:

@@ -33,7 +33,7 @@ TEST_F(ChosenLocationTest, FolderAndStemAreKept) {
     EXPECT_EQ(236u, device().FileBytes(L"\\Root.sav").size());
 }
 
-// The first dot of the whole path ends the storage file's name, a folder's too, on purpose.
+// The first dot of the whole path ends the storage file's name, a folder's too (oddity 4).
 TEST_F(ChosenLocationTest, ADotInAFolderCutsTheStorageFilesPath) {
     device().MakeFolder(L"\\Storage Card\\my.backup");
     OpenPage();

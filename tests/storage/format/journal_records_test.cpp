@@ -8,8 +8,18 @@ namespace tolvenar {
 namespace {
 
 // A record as it stands in the file, every byte by hand.
-const std::string kRecord("\x4d\0\0\1" "\0\0\0\0" "\xe5\xe7" "\x42\xcb" "\x3a\1\0\0"
-                          "\x7c\1\0\0" "\1\0" "\4\0" "\x10" "\0\0\0\0\0\0\0", 32);
+const std::string kRecord(
+    "\x4d\0\0\1"
+    "\0\0\0\0"
+    "\xe5\xe7"
+    "\x42\xcb"
+    "\x3a\1\0\0"
+    "\x7c\1\0\0"
+    "\1\0"
+    "\4\0"
+    "\x10"
+    "\0\0\0\0\0\0\0",
+    32);
 
 TEST(JournalRecordsTest, ARecordIsThirtyTwoBytesFieldByField) {
     MemoryBytes file(kRecord);

@@ -76,7 +76,7 @@ TEST_F(AdvancedRestoreTest, AFullRestoreTakesDatabasesWhateverTheSettingSays) {
     EXPECT_EQ((std::vector<std::string>{"Ann=1"}), Records(u"People"));
 }
 
-// Kept so: ids of objects that an advanced restore made anew are not in the journal.
+// Oddity 32: ids of objects that an advanced restore made anew are not in the journal.
 TEST_F(AdvancedRestoreTest, TheJournalIsFreedWithoutSavingAndLoadedAgain) {
     MakeTwoStates();
     const std::string journal = device().FileBytes(L"\\Storage Card\\t.jrn");
@@ -103,7 +103,7 @@ TEST_F(AdvancedRestoreTest, WithoutAListNothingIsDone) {
     EXPECT_EQ(ResultCode::kSuccess, code_);  // the number of an early failure too
 }
 
-// Kept so: the newer value is looked for on the device, which was not scanned.
+// Oddity 33: the newer value is looked for on the device, which was not scanned.
 TEST_F(AdvancedRestoreTest, NoPairIsPrunedFromTheDifferencesOfTwoStates) {
     ObjectRecord older = StoreValue(HKEY_CURRENT_USER, u"Software\\Kestrin2\\Tolvenar", u"onTime",
                                     REG_DWORD, Dword(0));

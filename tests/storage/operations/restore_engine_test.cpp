@@ -300,7 +300,7 @@ TEST_F(RestoreEngineTest, AnUrlCacheDatabaseThatIsGoneComesBack) {
     EXPECT_TRUE(DatabaseExists(u"\\URL Cache"));
 }
 
-// Kept so: reported, with the contents and everything else restored.
+// Oddity 14: reported, with the contents and everything else restored.
 TEST_F(RestoreEngineTest, AFolderWithContentsWhoseAttributesChangedIsReported) {
     device().PutFile(L"\\Sub\\a.txt", "stored");
     ASSERT_EQ(ResultCode::kSuccess, Backup(1));
@@ -363,7 +363,7 @@ TEST_F(RestoreEngineTest, AFolderThatRomFilesKeepIsReported) {
     EXPECT_TRUE(device().Exists(L"\\New\\rom.dll"));
 }
 
-// Kept so: a file that the scan could not open is in no state.
+// Oddity 13: a file that the scan could not open is in no state.
 TEST_F(RestoreEngineTest, AFileThatWasLockedAtTheBackupIsDeletedByARestoreOfThatState) {
     device().PutFile(L"\\a.txt", "x");
     {
