@@ -20,8 +20,8 @@ void KeepStatus(Application& app, ResultCode result) {
     }
 }
 
-// False without a journal, with which the storage would pass for empty, and when the card was
-// changed for another since it was loaded: its storage would be overwritten with this one's states.
+// False if no journal is loaded (the storage would look empty) or the card was swapped (its storage
+// would be overwritten with this one's states).
 bool StorageIsReady(Application& app) {
     if (HasStorage(app) && JournalIsAsLoaded(app.storage)) {
         return true;

@@ -21,7 +21,7 @@ constexpr Tab kTabs[] = {
     {kStoragePage, L"Storage file"}, {kOptionsPage, L"Options"},           {kAboutPage, L"About"},
 };
 
-// The tabs are this much wider and higher than their texts alone: they are for a finger.
+// The tabs are padded so that a finger can hit them.
 constexpr LPARAM kTabPadding = MAKELPARAM(9, 3);
 constexpr LPARAM kTabSize = MAKELPARAM(0, 29);
 
