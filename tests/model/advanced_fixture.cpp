@@ -41,6 +41,11 @@ void AdvancedModelTest::SetUp() {
     RestoreDatabases(true);
 }
 
+void AdvancedModelTest::TearDown() {
+    device().DropFaults();
+    EngineTest::TearDown();
+}
+
 // Time moves at every write; a restore does not wait for the store to settle.
 void AdvancedModelTest::Prepare() {
     device().Set("clock", "2002-05-06T07:08:09");
@@ -129,7 +134,7 @@ void AdvancedModelTest::ExchangeDevice(std::uint32_t first_id) {
     const std::wstring empty = folder() + L"\\empty";
     sim::host::MakeFolder(empty);
     device().Command("create \"" + sim::host::Utf8(empty) + "\"");
-    device().Command("faults clear");
+    device().DropFaults();
     Prepare();
     device().Set("oid.next", std::to_string(first_id));
     SetStorageSettings();

@@ -19,6 +19,7 @@ protected:
     using Names = std::multiset<std::string>;
 
     void SetUp() override;
+    void TearDown() override;
     void RestoreDatabases(bool on);
 
     // A backup that must add what the model says, or find no difference.

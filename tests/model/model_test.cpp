@@ -35,6 +35,11 @@ protected:
         device_model_.model().keys[u"HKCU\\Software"];  // of the program's own settings
     }
 
+    void TearDown() override {
+        device().DropFaults();
+        EngineTest::TearDown();
+    }
+
     // Time moves at every write; a restore does not wait for the store to settle.
     void Prepare() {
         device().Set("clock", "2002-05-06T07:08:09");
@@ -103,7 +108,7 @@ protected:
         const std::wstring empty = folder() + L"\\empty";
         sim::host::MakeFolder(empty);
         device().Command("create \"" + sim::host::Utf8(empty) + "\"");
-        device().Command("faults clear");
+        device().DropFaults();
         Prepare();
         // The ids that it gives out are new ones, or those of objects that were stored.
         const std::uint32_t first_id = changes_.Below(2) == 0 ? 100 : first_id_;

@@ -195,7 +195,7 @@ TEST_F(DifferenceEngineTest, AListThatCannotBeMadeIsLoggedAndTheStorageFileClose
         FailCall("HeapAlloc", n, ERROR_NOT_ENOUGH_MEMORY);
         const int result = FindDifferenceEx(engine_, 0, 1);
         all_met = TakePendingFault(n);
-        device().Command("faults clear");
+        device().DropFaults();
         EXPECT_TRUE(result == 0 || storage_.difference->CountRecords() == 1) << n;
         EXPECT_TRUE(StorageFileIsFree());
     }
@@ -215,7 +215,7 @@ TEST_F(DifferenceEngineTest, AListOfTheDeviceThatCannotBeMadeIsTold) {
         FindDifference(engine_, 0);
         all_met = TakePendingFault(n);
         shown = shown || device().Faults().find("MessageBoxW") == std::string::npos;
-        device().Command("faults clear");
+        device().DropFaults();
         ASSERT_TRUE(StorageFileIsFree());
     }
     EXPECT_TRUE(all_met);

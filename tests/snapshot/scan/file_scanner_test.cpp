@@ -241,7 +241,7 @@ TEST_F(FileScannerTest, AFolderThatCannotBeListedIsRecordedWithoutItsContents) {
     device().PutFile(L"\\A\\d.txt", "d");
     device().Fault("FindFirstFileW", 1, 1, 5, "B\\*.*");
     Scan();
-    device().Command("faults clear");
+    device().EndFaults();
     EXPECT_NE(nullptr, RecordOf(L"\\A\\B"));
     EXPECT_EQ(nullptr, RecordOf(L"\\A\\B\\c.txt"));
     EXPECT_NE(nullptr, RecordOf(L"\\A\\d.txt"));
@@ -253,7 +253,7 @@ TEST_F(FileScannerTest, AFileThatCannotBeMappedGetsNoRecordAndStaysUsable) {
         list_->ClearList();
         device().Fault(call, 1, 1000, 8);
         Scan();
-        device().Command("faults clear");
+        device().EndFaults();
         EXPECT_EQ(nullptr, RecordOf(L"\\A\\x.txt")) << call;
         EXPECT_NE(nullptr, RecordOf(L"\\A")) << call;
     }

@@ -94,7 +94,7 @@ TEST_F(RegistryScannerTest, AKeyThatCannotBeQueriedIsPassedOverAndClosed) {
     SetValue(HKEY_CURRENT_USER, L"T", L"v", REG_SZ, "");
     device().Fault("RegQueryInfoKeyW", 1, 1, 8);
     EXPECT_TRUE(Walk(u"T").empty());
-    device().Command("faults clear");
+    device().EndFaults();
     EXPECT_EQ(ERROR_SUCCESS, ::RegDeleteKeyW(HKEY_CURRENT_USER, L"T"));
 }
 
@@ -123,7 +123,6 @@ TEST_F(RegistryScannerTest, DataThatMemoryIsShortForHidesNoOtherKeysValues) {
     SetValue(HKEY_CURRENT_USER, L"T\\3", L"v", REG_BINARY, "123456789");
     device().Fault("HeapAlloc", 1, 1, ERROR_NOT_ENOUGH_MEMORY, ", 7002");
     Scan();
-    EXPECT_EQ("[]", device().Faults());
     EXPECT_NE(nullptr, RecordOf(u"T\\2"));
     EXPECT_EQ(nullptr, RecordOf(u"T\\2\u00FFv"));
     ASSERT_NE(nullptr, RecordOf(u"T\\3\u00FFv"));

@@ -77,7 +77,6 @@ TEST_F(StorageViewTest, AFileWhoseSizeIsNotToBeHadCannotBeMapped) {
     SaveStorage();
     device().Fault("GetFileSize", 1, 1, ERROR_GEN_FAILURE);
     EXPECT_FALSE(mapping_.Open(storage_.names.sav));
-    EXPECT_EQ("[]", device().Faults());
 }
 
 TEST_F(StorageViewTest, StoredBytesTellWhetherTheyAreAllThere) {
@@ -160,7 +159,6 @@ TEST_F(StorageViewTest, AFailedMapFailsTheCopy) {
     Open();
     device().Fault("MapViewOfFile", 1, 1, ERROR_NOT_ENOUGH_MEMORY);
     EXPECT_FALSE(Copy(0, 16));
-    EXPECT_EQ("[]", device().Faults());
 }
 
 TEST_F(StorageViewTest, AFailedWriteFailsTheCopyAfterWhatWasWritten) {
@@ -169,7 +167,6 @@ TEST_F(StorageViewTest, AFailedWriteFailsTheCopyAfterWhatWasWritten) {
     device().Fault("WriteFile", 2, 1, ERROR_DISK_FULL);
     EXPECT_FALSE(Copy(0, 0x28000));
     EXPECT_EQ(0x10000u, written_);
-    EXPECT_EQ("[]", device().Faults());
 }
 
 TEST_F(StorageViewTest, AStoreThatIsFullAfterAChunkFailsTheCopy) {

@@ -161,6 +161,7 @@ TEST_F(DatabaseLayerTest, ADeviceWithTheOlderSeekOnlyIsServedByIt) {
     device().Fault("CeSeekDatabaseEx", 1, 1, ERROR_CALL_NOT_IMPLEMENTED);
     EXPECT_EQ(record, older.SeekRecord(database.get(), CEDB_SEEK_CEOID, record));
     EXPECT_NE("[]", device().Faults()) << "the newer seek was called";
+    device().DropFaults();
 }
 
 TEST_F(DatabaseLayerTest, ADatabaseThatIsOpenInTheCacheGivesTheSameHandle) {

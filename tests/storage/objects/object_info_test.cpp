@@ -222,7 +222,7 @@ TEST_F(ObjectInfoTest, AnObjectThatIsUnavailableForAMomentIsAskedTenTimes) {
     InfoBlock block;
     device().Fault("CeOidGetInfoEx", 1, 9, ERROR_INVALID_HANDLE);
     EXPECT_TRUE(info_.GetOIDInfo(0, oid, block));
-    device().Command("faults clear");
+    device().EndFaults();
     const long before = sim::TotalCalls(device().sim())["CeOidGetInfoEx"];
     device().Fault("CeOidGetInfoEx", 1, 10, ERROR_INVALID_HANDLE);
     EXPECT_FALSE(info_.GetOIDInfo(0, oid, block));
@@ -263,7 +263,7 @@ TEST_F(ObjectInfoTest, ABlockThatCannotBeReachedOrReadFails) {
     for (const char* function : {"SetFilePointer", "ReadFile"}) {
         device().Fault(function, 1, 1, ERROR_READ_FAULT);
         EXPECT_FALSE(ReadBlockFromStorage(236, block, sav.get())) << function;
-        device().Command("faults clear");
+        device().EndFaults();
         EXPECT_TRUE(ReadBlockFromStorage(236, block, sav.get())) << function;
     }
 }

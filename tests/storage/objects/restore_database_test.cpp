@@ -65,7 +65,6 @@ TEST_F(RestoreDatabaseTest, ADatabaseThatCannotBeMadeFails) {
     Run();
     device().Fault("CeCreateDatabaseEx", 1, 1, ERROR_DISK_FULL);
     EXPECT_EQ(RestoreOutcome::kFailed, Restore(ToWriteBack(stored)));
-    EXPECT_EQ("[]", device().Faults());
 }
 
 TEST_F(RestoreDatabaseTest, ADatabaseWhoseSortOrdersCannotBeSetFails) {
@@ -73,7 +72,6 @@ TEST_F(RestoreDatabaseTest, ADatabaseWhoseSortOrdersCannotBeSetFails) {
     Run();
     device().Fault("CeSetDatabaseInfoEx", 1, 1, ERROR_DISK_FULL);
     EXPECT_EQ(RestoreOutcome::kFailed, Restore(ToWriteBack(stored)));
-    EXPECT_EQ("[]", device().Faults());
 }
 
 TEST_F(RestoreDatabaseTest, AnEmptyDatabaseIsDeletedThoughARecordOfItWasDeletedBefore) {
@@ -110,7 +108,6 @@ TEST_F(RestoreDatabaseTest, ADatabaseThatIsGoneAfterAFailedDeletionCountsAsDelet
     device().Fault("CeDeleteDatabaseEx", 1, 1, ERROR_ACCESS_DENIED);
     device().Fault("CeOpenDatabaseEx", 2, 1, ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(RestoreOutcome::kDone, Restore(live));
-    EXPECT_EQ("[]", device().Faults());
 }
 
 TEST_F(RestoreDatabaseTest, ADatabaseThatCannotBeDescribedIsNotDeleted) {
@@ -120,7 +117,6 @@ TEST_F(RestoreDatabaseTest, ADatabaseThatCannotBeDescribedIsNotDeleted) {
     device().Fault("CeOidGetInfoEx", 1, 1, ERROR_NOT_ENOUGH_MEMORY);
     EXPECT_EQ(RestoreOutcome::kFailed, Restore(ToDelete(stored)));
     EXPECT_TRUE(DatabaseExists(u"People"));
-    EXPECT_EQ("[]", device().Faults());
 }
 
 TEST_F(RestoreDatabaseTest, ARecordComesBackWithEveryKindOfProperty) {
@@ -198,7 +194,6 @@ TEST_F(RestoreDatabaseTest, ARecordThatCannotBeWrittenFails) {
     device().Fault("CeWriteRecordProps", 1, 1, ERROR_DISK_FULL);
     EXPECT_EQ(RestoreOutcome::kFailed, Restore(ToWriteBack(stored)));
     EXPECT_EQ(RestoreOutcome::kDone, Restore(ToWriteBack(stored)));
-    EXPECT_EQ("[]", device().Faults());
 }
 
 TEST_F(RestoreDatabaseTest, ARecordIsDeleted) {
@@ -223,7 +218,6 @@ TEST_F(RestoreDatabaseTest, ARecordThatCannotBeDeletedFails) {
     Run();
     device().Fault("CeDeleteRecord", 1, 1, ERROR_NOT_ENOUGH_MEMORY);
     EXPECT_EQ(RestoreOutcome::kFailed, Restore(Live(ObjectType::kDatabaseRecord, ann)));
-    EXPECT_EQ("[]", device().Faults());
 }
 
 TEST_F(RestoreDatabaseTest, DatabasesAreSkippedWhenAskedSo) {

@@ -122,7 +122,6 @@ TEST_F(RestoreFileTest, AFileWhoseIdCannotBeToldIsDoneWithoutOne) {
     device().Fault("FindFirstFileW", 1, 1, ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(RestoreOutcome::kDone, Restore(ToWriteBack(stored)));
     EXPECT_EQ(0u, newOid());
-    EXPECT_EQ("[]", device().Faults());
 }
 
 TEST_F(RestoreFileTest, AFileInAnAbsentFolderFails) {

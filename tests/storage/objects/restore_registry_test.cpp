@@ -51,7 +51,6 @@ TEST_F(RestoreRegistryTest, AKeyThatCannotBeMadeFails) {
     Run();
     device().Fault("RegCreateKeyExW", 1, 1, ERROR_DISK_FULL);
     EXPECT_EQ(RestoreOutcome::kFailed, Restore(ToWriteBack(stored)));
-    EXPECT_EQ("[]", device().Faults());
 }
 
 TEST_F(RestoreRegistryTest, AKeyIsDeletedWithAllBelowIt) {
@@ -67,7 +66,6 @@ TEST_F(RestoreRegistryTest, DeletingAKeyAlwaysSucceeds) {
     device().Fault("RegDeleteKeyW", 1, 1, ERROR_ACCESS_DENIED);
     EXPECT_EQ(RestoreOutcome::kDone, Restore(LiveKey(HKEY_CURRENT_USER, u"Old")));
     EXPECT_TRUE(KeyExists(HKEY_CURRENT_USER, L"Old"));
-    EXPECT_EQ("[]", device().Faults());
 }
 
 TEST_F(RestoreRegistryTest, AValueComesBackWithTypeAndData) {
@@ -107,7 +105,6 @@ TEST_F(RestoreRegistryTest, AValueThatCannotBeSetFails) {
     device().Fault("RegSetValueExW", 1, 1, ERROR_DISK_FULL);
     EXPECT_EQ(RestoreOutcome::kFailed, Restore(ToWriteBack(stored)));
     EXPECT_EQ("4:" + Dword(1), Value(HKEY_CURRENT_USER, L"Key", L"v"));
-    EXPECT_EQ("[]", device().Faults());
 }
 
 TEST_F(RestoreRegistryTest, AValueWhoseDataCannotBeMappedFails) {
@@ -119,7 +116,6 @@ TEST_F(RestoreRegistryTest, AValueWhoseDataCannotBeMappedFails) {
     EXPECT_EQ(RestoreOutcome::kFailed, Restore(ToWriteBack(stored)));
     EXPECT_EQ(before, Calls("RegSetValueExW"));
     EXPECT_EQ("4:" + Dword(1), Value(HKEY_CURRENT_USER, L"Key", L"v"));
-    EXPECT_EQ("[]", device().Faults());
 }
 
 TEST_F(RestoreRegistryTest, AValueIsDeletedAndItsKeyStays) {
@@ -144,7 +140,6 @@ TEST_F(RestoreRegistryTest, AnInvalidParameterCountsAsDeleted) {
     Run();
     device().Fault("RegDeleteValueW", 1, 1, ERROR_INVALID_PARAMETER);
     EXPECT_EQ(RestoreOutcome::kDone, Restore(live));
-    EXPECT_EQ("[]", device().Faults());
 }
 
 TEST_F(RestoreRegistryTest, AnErrorOfAnEarlierCallDoesNotPassForADeletion) {
@@ -154,7 +149,6 @@ TEST_F(RestoreRegistryTest, AnErrorOfAnEarlierCallDoesNotPassForADeletion) {
     device().Fault("RegDeleteValueW", 1, 1, ERROR_ACCESS_DENIED);
     ::SetLastError(ERROR_INVALID_PARAMETER);
     EXPECT_EQ(RestoreOutcome::kFailed, Restore(live));
-    EXPECT_EQ("[]", device().Faults());
 }
 
 TEST_F(RestoreRegistryTest, AStoredNameIsSplitAtTheFirstSeparator) {

@@ -21,12 +21,9 @@ void StorageTest::SetUp() {
 }
 
 void StorageTest::TearDown() {
-    EXPECT_EQ("[]", device().Faults());
     CloseStorage(storage_);
     DeviceTest::TearDown();
 }
-
-void StorageTest::ClearFaults() { sim::ClearRules(device().sim()); }
 
 void StorageTest::FailAllocation(int n) {
     sim::Rule rule;
@@ -38,7 +35,7 @@ void StorageTest::FailAllocation(int n) {
 
 long StorageTest::SeenAllocations() {
     const long seen = sim::Rules(device().sim()).at(0).seen;
-    ClearFaults();
+    device().DropFaults();
     return seen;
 }
 

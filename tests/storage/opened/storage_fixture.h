@@ -44,7 +44,6 @@ protected:
 
     // The `n`th call of `function` from now on fails with `error`.
     void Fail(const char* function, int n, DWORD error) { device().Fault(function, n, 1, error); }
-    void ClearFaults();
     // The `n`th allocation from now on fails. The test's own come from the same heap, so the code
     // under test must follow at once and make at least as many.
     void FailAllocation(int n);

@@ -20,8 +20,7 @@ protected:
         const std::string journal = Journal();
         EXPECT_FALSE(Backup(2));
         EXPECT_EQ(code, code_);
-        EXPECT_EQ("[]", device().Faults()) << "the fault never fired";
-        device().Command("faults clear");
+        device().EndFaults();
         EXPECT_EQ(sav, Sav());
         EXPECT_EQ(journal, Journal());
         ExpectEverythingClosed();
@@ -83,7 +82,7 @@ TEST_F(BackupWriterFaultTest, ATemporaryJournalThatCannotBeMadeGives4AndTheJourn
     ASSERT_NE(nullptr, storage_.journal);
     EXPECT_EQ(1, storage_.journal->MaxStateNumber());
     ExpectEverythingClosed();
-    device().Command("faults clear");
+    device().EndFaults();
     EXPECT_TRUE(Backup(2)) << "the next backup stores what this one could not";
 }
 
@@ -92,8 +91,7 @@ TEST_F(BackupWriterFaultTest, AJournalThatCannotBeLoadedAgainGives5AndNoJournal)
     device().Fault("CreateFileW", 3, 1, ERROR_SHARING_VIOLATION, "Home.jrn");
     EXPECT_FALSE(Backup(2));
     EXPECT_EQ(ResultCode::kJournalUnreadable, code_);
-    EXPECT_EQ("[]", device().Faults());
-    device().Command("faults clear");
+    device().EndFaults();
     EXPECT_EQ(nullptr, storage_.journal);
     ExpectEverythingClosed();
 }
@@ -106,7 +104,7 @@ TEST_F(BackupWriterFaultTest, AnObjectWhoseBlockCannotBeWrittenIsLeftOutOfTheJou
     device().Fault("WriteFile", 3, 1, ERROR_WRITE_FAULT);
     ASSERT_TRUE(Backup(2));
     EXPECT_EQ(ResultCode::kSuccess, code_);
-    device().Command("faults clear");
+    device().EndFaults();
     EXPECT_NE(Text::npos, Log().find(u"backup item failed"));
     const CEOID oid = OidOfPath(L"\\n.txt");
     for (const ObjectRecord& record : RecordsOf(*storage_.journal)) {
@@ -121,7 +119,7 @@ TEST_F(BackupWriterFaultTest, AnObjectWhoseBlockCannotBeWrittenIsLeftOutOfTheJou
 TEST_F(BackupWriterFaultTest, AStateWhoseOwnBlockCannotBeWrittenStillHoldsItsObjects) {
     device().Fault("WriteFile", 1, 1, ERROR_WRITE_FAULT);
     ASSERT_TRUE(Backup(2));
-    device().Command("faults clear");
+    device().EndFaults();
     bool has_state_record = false;
     for (const ObjectRecord& record : RecordsOf(*storage_.journal)) {
         has_state_record =
@@ -135,7 +133,6 @@ TEST_F(BackupWriterFaultTest, AChunkThatCannotBeMappedFailsItsItem) {
     // The scan maps the two files first.
     device().Fault("MapViewOfFile", 3, 1, ERROR_NOT_ENOUGH_MEMORY);
     ASSERT_TRUE(Backup(2));
-    EXPECT_EQ("[]", device().Faults());
     EXPECT_NE(Text::npos, Log().find(u"Obj Name: \\n.txt"));
 }
 
@@ -151,7 +148,7 @@ TEST_F(BackupWriterFaultTest, AJournalThatAStoredObjectCannotBeEnteredInIsNotWri
         FailCall("HeapAlloc", n, ERROR_NOT_ENOUGH_MEMORY);
         Backup(2, u"", true);
         const bool pending = TakePendingFault(n);
-        device().Command("faults clear");
+        device().DropFaults();
         return !pending;
     };
     int last = 1;
@@ -184,7 +181,7 @@ TEST_F(BackupWriterFaultTest, WhateverCallFailsTheStatesBeforeAreIntact) {
             FailCall(function, n, ERROR_GEN_FAILURE);
             Backup(NextStateNumber(storage_.journal.get()));
             fired = device().Faults() == "[]";
-            device().Command("faults clear");
+            device().DropFaults();
             ASSERT_EQ(sav, Sav().substr(0, sav.size())) << function << " " << n;
             if (storage_.journal == nullptr) {
                 ASSERT_TRUE(OpenJournal(storage_, nullptr)) << function << " " << n;
