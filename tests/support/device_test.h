@@ -55,7 +55,7 @@ public:
     void EndFaults();
     // The same for rules that need not fire.
     void DropFaults();
-    // How often this process has called `function`.
+    // How often the processes of the device have called `function`.
     long Calls(const std::string& function);
     // The calls of `function`, or all with "", that `body` makes: their trace as JSON.
     std::string Traced(const std::string& function, const std::function<void()>& body);

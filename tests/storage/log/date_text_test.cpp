@@ -1,6 +1,6 @@
 #include "storage/log/date_text.h"
 
-#include "tests/storage/opened/storage_fixture.h"
+#include "tests/support/engine_test.h"
 
 namespace tolvenar {
 namespace {
