@@ -6,10 +6,10 @@
 #include <vector>
 
 #include "benchmarks/on_new_device.h"
-#include "difftree/window/list_enumerator.h"
+#include "difftree/window/opened_differences.h"
 #include "difftree/window/tree_window.h"
 #include "platform/text.h"
-#include "storage/files/block_io.h"
+#include "storage/files/handle_bytes.h"
 #include "storage/format/property_encoding.h"
 
 namespace tolvenar {
@@ -74,7 +74,7 @@ public:
     bool Save() const {
         const UniqueHandle file = OpenFile(storage_.names.sav, GENERIC_WRITE, 0, CREATE_ALWAYS);
         return file && storage_.difference->CountRecords() == count_ &&
-               WriteAll(file.get(), sav_.data(), static_cast<std::uint32_t>(sav_.size()));
+               HandleBytes(file.get()).Append(sav_.data(), static_cast<std::uint32_t>(sav_.size()));
     }
 
 private:
@@ -265,8 +265,8 @@ private:
     void BuildTree(bool advanced) {
         TreeBuild build;
         build.advanced_view = advanced;
-        ListEnumerator enumerator(engine_);
-        built_ = window_.BuildDifferenceTree(enumerator, build) == 1 && built_;
+        OpenedDifferences differences(engine_);
+        built_ = window_.BuildDifferenceTree(differences.enumerator(), build) == 1 && built_;
         items_ = Ask(window_.tree_view(), TVM_GETCOUNT);
     }
 

@@ -7,7 +7,7 @@
 #include "platform/text.h"
 #include "platform/unique_resource.h"
 #include "simulator/store/device.h"
-#include "storage/files/block_io.h"
+#include "storage/files/handle_bytes.h"
 #include "storage/opened/journal.h"
 
 namespace tolvenar {
@@ -50,7 +50,8 @@ bool WritePlainly(const StorageNames& names) {
     const UniqueHandle file = OpenFile(names.journal_temporary, GENERIC_WRITE, 0, CREATE_ALWAYS);
     const ObjectRecord record = RecordOf(1);
     for (std::uint32_t i = 0; i < kRecords; ++i) {
-        if (!WriteAll(file.get(), &record, sizeof record)) {
+        DWORD done = 0;
+        if (!::WriteFile(file.get(), &record, sizeof record, &done, nullptr)) {
             return false;
         }
     }
@@ -62,7 +63,8 @@ bool ReadPlainly(const StorageNames& names) {
         OpenFile(names.journal_temporary, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING);
     ObjectRecord record;
     std::uint32_t count = 0;
-    while (ReadAll(file.get(), &record, sizeof record)) {
+    DWORD done = 0;
+    while (::ReadFile(file.get(), &record, sizeof record, &done, nullptr) && done != 0) {
         ++count;
     }
     return count == kRecords;

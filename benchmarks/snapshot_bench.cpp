@@ -86,7 +86,9 @@ ListTimes TimeList(std::uint32_t records) {
         double sums[3] = {};
         for (std::uint32_t repeat = 0; repeat < repeats; ++repeat) {
             auto list = ObjectList::CreateList();
-            const auto key = [](std::uint32_t i) { return ObjectKey{(i * 40503u) << 16, 0, i, 0}; };
+            const auto key = [](std::uint32_t i) {
+                return ObjectKey{0, static_cast<std::uint16_t>(i * 40503u), 0, i, 0};
+            };
             const ObjectRecord record{};
             sums[0] += Fastest(1, [&] {
                 for (std::uint32_t i = 0; i < records; ++i) {
@@ -139,12 +141,12 @@ void BenchMemory() {
     constexpr std::uintptr_t kPage = 4096;
     const auto list = ObjectList::CreateList();
     for (std::uint32_t i = 0; i < kRecords; ++i) {
-        list->InsertCopy({i << 16, 0, i, 0}, {});
+        list->InsertCopy({0, static_cast<std::uint16_t>(i), 0, i, 0}, {});
     }
     std::set<std::uintptr_t> pages;
-    for (ObjectList::Cursor node = list->First(); node != nullptr; node = node->next) {
-        pages.insert(reinterpret_cast<std::uintptr_t>(node) / kPage);
-        pages.insert(reinterpret_cast<std::uintptr_t>(node->record) / kPage);
+    for (const ObjectList::Node& node : *list) {
+        pages.insert(reinterpret_cast<std::uintptr_t>(&node) / kPage);
+        pages.insert(reinterpret_cast<std::uintptr_t>(node.record) / kPage);
     }
     const double bytes = double(pages.size()) * kPage / kRecords + 2 * sizeof(void*);
     Row("list: memory of a record, index included", bytes, "bytes", bytes / 128,
@@ -152,14 +154,17 @@ void BenchMemory() {
 }
 
 // Names that depend on the identifier alone: a stored block's offset is the identifier it is for.
-class NumberedNames : public InfoSource {
+class NumberedNames : public StoredObjects, public LiveObjects, public InfoSource {
 public:
+    NumberedNames()
+        : InfoSource(static_cast<StoredObjects&>(*this), static_cast<LiveObjects&>(*this)) {}
     bool GetOIDInfo(std::uint32_t TolvOID, std::uint32_t dwOID, InfoBlock& block) override {
         return Fill(TolvOID + dwOID, block);
     }
     bool GetInfoFromStorage(std::uint32_t offset, InfoBlock& block) override {
         return Fill(offset, block);
     }
+    const RegistryObject* FindRegistryObject(std::uint32_t) override { return nullptr; }
 
 private:
     static bool Fill(std::uint32_t number, InfoBlock& block) {

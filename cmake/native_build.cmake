@@ -3,7 +3,7 @@
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 add_library(sanitized INTERFACE)
 target_compile_options(sanitized INTERFACE -g -O1 -fno-omit-frame-pointer -fno-strict-aliasing
-  -fsanitize=address,undefined -fno-sanitize-recover=all)
+  -fsanitize=address,undefined -fno-sanitize=vptr -fno-sanitize-recover=all)
 add_link_options(-fsanitize=address,undefined)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
   target_compile_options(sanitized INTERFACE -fsanitize=fuzzer-no-link)
@@ -30,6 +30,12 @@ if(BUILD_TESTING)
   add_executable(native_test ${bytes_tests} ${native_tests})
   target_link_libraries(native_test PRIVATE recording_log GTest::gtest_main)
   gtest_discover_tests(native_test TEST_PREFIX native. NO_PRETTY_VALUES DISCOVERY_MODE PRE_TEST)
+  # A storage of three states that a device wrote, read on this machine.
+  add_executable(read_storage tests/native/programs/read_storage.cpp)
+  target_link_libraries(read_storage PRIVATE recording_log warnings)
+  set(pair ${CMAKE_SOURCE_DIR}/tests/data/three_states)
+  add_test(NAME read_storage COMMAND sh -c
+    "$<TARGET_FILE:read_storage> ${pair}/Home 1 3 | diff -u ${pair}/expected.txt -")
   file(GLOB fuzzers CONFIGURE_DEPENDS tests/fuzz/*_fuzz.cpp)
   if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
     foreach(source IN LISTS fuzzers)

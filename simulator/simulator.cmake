@@ -1,5 +1,7 @@
 # The simulated device: `simcore` (the host's side, ordinary Win32 code), the three DLLs that a program
-# sees, and `cedev`, the command that makes, fills, inspects, drives and breaks a device.
+# sees, and `cedev`, the command that makes, fills, inspects, drives and breaks a device. Its rooms are of the
+# kind `host` in cmake/rooms.txt. They share the one library `simcore`, since every user of one needs nearly
+# all; scripts/check_includes holds them in their order.
 set(SIM ${CMAKE_CURRENT_LIST_DIR})
 ce_call_ids(${GENERATED}/call_ids.h ${P}/coredll.def ${P}/commctrl.def ${P}/commdlg.def)
 set(SIM_HOST_LIBRARIES comctl32 comdlg32 gdi32 user32 advapi32 kernel32)

@@ -1,6 +1,6 @@
 #include "app/pages/difference_view.h"
 
-#include "difftree/window/list_enumerator.h"
+#include "difftree/window/opened_differences.h"
 #include "platform/text.h"
 
 namespace tolvenar {
@@ -22,11 +22,11 @@ void DifferenceView::Create(HINSTANCE instance, HWND place_holder) {
 }
 
 void DifferenceView::Build(Application& app, const wchar_t* caption) {
-    ListEnumerator enumerator(app.engine);
+    OpenedDifferences differences(app.engine);
     TreeBuild build;
     build.advanced_view = app.settings.AdvancedTreeView != 0;
     build.root_caption = Utf16(caption);
-    tree_.BuildDifferenceTree(enumerator, build);
+    tree_.BuildDifferenceTree(differences.enumerator(), build);
 }
 
 void DifferenceView::OnLayout(bool is_shown) {

@@ -6,8 +6,6 @@
 namespace tolvenar {
 namespace {
 
-constexpr std::size_t kFirstBucketCount = 256;
-
 // False when a unit is none of ASCII, whose letters are folded here: most captions have no other.
 bool FoldAscii(char16_t* text, std::size_t units) {
     bool is_ascii = true;
@@ -30,9 +28,9 @@ FoldedCaption::FoldedCaption(TreeControl& control, std::u16string_view caption)
 }
 
 std::uint32_t FoldedCaption::hash() const {
-    std::uint32_t hash = 0x811C9DC5u;
+    std::uint32_t hash = 0;
     for (const char16_t unit : text()) {
-        hash = (hash ^ unit) * 0x01000193u;
+        hash = MixBits(hash, unit);
     }
     return hash;
 }
@@ -52,56 +50,21 @@ std::unique_ptr<char16_t[]> CopyCaption(std::u16string_view text) {
     return copy;
 }
 
-IndexedCaption*& CaptionIndex::BucketOf(const void* scope, std::uint32_t hash) const {
-    const auto place = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(scope) >> 3);
-    const std::uint32_t mixed = (hash ^ place) * 0x9E3779B1u;
-    return buckets_[(mixed ^ (mixed >> 15)) & (bucket_count_ - 1)];
-}
-
 IndexedCaption* CaptionIndex::Find(const void* scope, const FoldedCaption& caption) const {
-    if (bucket_count_ == 0) {
-        return nullptr;
-    }
     const std::uint32_t hash = caption.hash();
-    IndexedCaption* entry = BucketOf(scope, hash);
-    while (entry != nullptr && (entry->scope != scope || entry->hash != hash ||
-                                FoldedCaption(control_, entry->caption).text() != caption.text())) {
-        entry = entry->bucket_next;
-    }
-    return entry;
-}
-
-// Doubles the buckets, which are a power of two. False, with everything as it was, without memory.
-bool CaptionIndex::Grow() {
-    const std::size_t larger = bucket_count_ == 0 ? kFirstBucketCount : bucket_count_ * 2;
-    std::unique_ptr<IndexedCaption*[]> buckets(new (std::nothrow) IndexedCaption* [larger] {});
-    if (buckets == nullptr) {
-        return false;
-    }
-    const std::size_t smaller = bucket_count_;
-    std::swap(buckets_, buckets);
-    bucket_count_ = larger;
-    for (std::size_t i = 0; i < smaller; ++i) {
-        for (IndexedCaption* entry = buckets[i]; entry != nullptr;) {
-            IndexedCaption* const next = entry->bucket_next;
-            IndexedCaption*& bucket = BucketOf(entry->scope, entry->hash);
-            entry->bucket_next = bucket;
-            bucket = entry;
-            entry = next;
-        }
-    }
-    return true;
+    return index_.Find(IndexedCaption::HashIn(scope, hash),
+                       [this, scope, hash, &caption](auto& entry) {
+                           return entry.scope == scope && entry.caption_hash == hash &&
+                                  FoldedCaption(control_, entry.caption).text() == caption.text();
+                       });
 }
 
 bool CaptionIndex::Add(IndexedCaption& entry, const FoldedCaption& caption) {
-    if (count_ >= bucket_count_ && !Grow()) {
+    if (!index_.ReserveOneMore()) {
         return false;
     }
-    entry.hash = caption.hash();
-    IndexedCaption*& bucket = BucketOf(entry.scope, entry.hash);
-    entry.bucket_next = bucket;
-    bucket = &entry;
-    ++count_;
+    entry.caption_hash = caption.hash();
+    index_.Add(entry);
     return true;
 }
 

@@ -34,8 +34,7 @@ bool EqualIgnoringCase(TreeControl& control, std::u16string_view a, std::u16stri
 // A copy of `text` with a terminator, cut to a caption's length; null when there is no memory.
 std::unique_ptr<char16_t[]> CopyCaption(std::u16string_view text);
 
-// A hash table over captions that somebody else owns, so that a lookup does not walk all of a
-// scope. The first that was added is found.
+// Captions that somebody else owns, found without a walk over all of a scope.
 class CaptionIndex {
 public:
     explicit CaptionIndex(TreeControl& control) : control_(control) {}
@@ -48,13 +47,8 @@ public:
     bool Add(IndexedCaption& entry, const FoldedCaption& caption);
 
 private:
-    bool Grow();
-    IndexedCaption*& BucketOf(const void* scope, std::uint32_t hash) const;
-
     TreeControl& control_;
-    std::unique_ptr<IndexedCaption*[]> buckets_;
-    std::size_t bucket_count_ = 0;
-    std::size_t count_ = 0;
+    HashIndex<IndexedCaption> index_;
 };
 
 }  // namespace tolvenar

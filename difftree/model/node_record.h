@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+#include "snapshot/records/hash_index.h"
+
 namespace tolvenar {
 
 using TreeItem = void*;  // the tree view's handle of an item
@@ -31,8 +33,14 @@ constexpr std::uint32_t kNoCategory = 0;
 struct IndexedCaption {
     char16_t* caption;  // owned by what derives from this; without marks
     const void* scope;  // among whose captions it is looked for
-    std::uint32_t hash;
+    std::uint32_t caption_hash;
     IndexedCaption* bucket_next;
+
+    std::uint32_t Hash() const { return HashIn(scope, caption_hash); }
+    static std::uint32_t HashIn(const void* scope, std::uint32_t caption_hash) {
+        return MixBits(caption_hash,
+                       static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(scope)));
+    }
 };
 
 struct NodeRecord : IndexedCaption {

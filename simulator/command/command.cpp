@@ -1,6 +1,7 @@
 #include "simulator/command/command.h"
 
 #include "simulator/command/command_row.h"
+#include "simulator/gate/trace.h"
 
 namespace sim {
 namespace {
@@ -45,6 +46,7 @@ std::string OneLine(std::string text) {
 
 CommandResult RunCommand(Device& device, const std::vector<std::string>& words) {
     try {
+        const UntracedThread thread(device);
         return {true, Run(device, words).dump(-1, ' ', false, Json::error_handler_t::replace)};
     } catch (const std::exception& error) {
         return {false, OneLine(error.what())};

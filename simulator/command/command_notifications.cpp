@@ -4,8 +4,8 @@
 #include "simulator/command/command_row.h"
 #include "simulator/notifications/notifications.h"
 #include "simulator/processes/process_handles.h"
-#include "simulator/processes/processes.h"
-#include "simulator/processes/rest.h"
+#include "simulator/programs/programs.h"
+#include "simulator/programs/rest.h"
 #include "simulator/system/date_text.h"
 #include "simulator/system/settings.h"
 #include "simulator/system/zone.h"
@@ -73,7 +73,7 @@ std::uint64_t UtcOf(Device& device, const notifications::Time& time) {
 // A clock that runs goes on running from the new time.
 void MoveClock(Device& device, const std::string& iso_time) {
     const bool stands = device.NumberSetting("clock.frozen", 0) != 0;
-    ApplySetting(device, "clock", (stands ? "" : "+") + iso_time);
+    ApplySystemSetting(device, "clock", (stands ? "" : "+") + iso_time);
 }
 
 // Goes from one time that a program is due at to the next, so that each finds the clock at its own

@@ -1,7 +1,7 @@
 // run, start, ps and kill: programs on the device.
 #include "simulator/command/command_row.h"
 #include "simulator/processes/process_handles.h"
-#include "simulator/processes/processes.h"
+#include "simulator/programs/programs.h"
 
 namespace sim {
 namespace {

@@ -1,4 +1,5 @@
 // set and show: the device's settings.
+#include "simulator/command/apply_setting.h"
 #include "simulator/command/command_row.h"
 #include "simulator/system/settings.h"
 

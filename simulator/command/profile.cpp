@@ -2,6 +2,7 @@
 
 #include <sstream>
 
+#include "simulator/command/apply_setting.h"
 #include "simulator/command/command_row.h"
 #include "simulator/databases/database_json.h"
 #include "simulator/files/file_profile.h"

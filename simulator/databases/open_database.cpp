@@ -3,14 +3,14 @@
 #include <algorithm>
 #include <windows.h>
 
-#include "simulator/windows/desktop.h"
+#include "simulator/store/device_name.h"
 
 namespace sim::databases {
 namespace {
 
 std::wstring InUseName(const Device& device, std::uint32_t oid) {
     const std::wstring name = L"open database " + std::to_wstring(oid);
-    return windows::ObjectName(device, name.c_str());
+    return ObjectName(device, name.c_str());
 }
 
 SortOrder SortOf(const Database& database, std::uint32_t propid) {

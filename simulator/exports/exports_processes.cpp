@@ -4,7 +4,7 @@
 
 #include "simulator/gate/gate.h"
 #include "simulator/processes/process_handles.h"
-#include "simulator/processes/processes.h"
+#include "simulator/programs/programs.h"
 
 namespace {
 

@@ -5,6 +5,7 @@
 #include <string>
 #include <windows.h>
 
+#include "simulator/store/device_name.h"
 #include "simulator/system/handles.h"
 
 namespace sim::files {
@@ -21,12 +22,6 @@ std::mutex views_mutex;
 std::map<const void*, ViewEntry> views;
 
 bool IsWritable(std::uint32_t protection) { return (protection & 0xFF) == PAGE_READWRITE; }
-
-// Named mappings belong to the device: two devices never meet.
-std::wstring HostName(Device& device, const wchar_t* name) {
-    const std::size_t folder = std::hash<std::wstring>()(device.folder());
-    return L"device-" + std::to_wstring(folder) + L"-" + name;
-}
 
 std::uint32_t CheckFile(OpenFile& file, std::uint32_t protection, std::uint32_t bytes) {
     if (file.is_folder()) {
@@ -52,7 +47,9 @@ std::uint32_t HostMapping(Device& device, OpenFile* file, std::uint32_t protecti
             return error;
         }
     }
-    const std::wstring host_name = name != nullptr ? HostName(device, name) : std::wstring();
+    const std::wstring host_name =
+        name != nullptr ? ObjectName(device, (std::wstring(L"mapping-") + name).c_str())
+                        : std::wstring();
     host =
         ::CreateFileMappingW(file != nullptr ? file->host() : INVALID_HANDLE_VALUE, nullptr,
                              protection, 0, bytes, name != nullptr ? host_name.c_str() : nullptr);

@@ -27,31 +27,31 @@ ProcessCounters Told(const GateProcess& process) {
 }  // namespace
 
 std::vector<ProcessCounters> CountersByProcess(Device& device) {
-    const MappedGate gate(device.folder());
+    GateFile& gate = GateOf(device);
     std::vector<ProcessCounters> all;
-    const auto started = static_cast<std::size_t>(gate->processes_started);
+    const auto started = static_cast<std::size_t>(gate.processes_started);
     const std::size_t oldest = started > kProcessCount ? started - kProcessCount : 0;
     for (std::size_t i = oldest; i < started; ++i) {
-        all.push_back(Told(gate->processes[i % kProcessCount]));
+        all.push_back(Told(gate.processes[i % kProcessCount]));
     }
     return all;
 }
 
 std::map<std::string, long> TotalCalls(Device& device) {
-    const MappedGate gate(device.folder());
+    GateFile& gate = GateOf(device);
     std::map<std::string, long> sums;
-    AddCalls(gate->earlier_calls, sums);
-    for (const GateProcess& process : gate->processes) {
+    AddCalls(gate.earlier_calls, sums);
+    for (const GateProcess& process : gate.processes) {
         AddCalls(process.calls, sums);
     }
     return sums;
 }
 
 void ClearCounters(Device& device) {
-    const MappedGate gate(device.folder());
+    GateFile& gate = GateOf(device);
     for (std::size_t i = 0; i < kCallCount; ++i) {
-        ::InterlockedExchange(&gate->earlier_calls[i], 0);
-        for (GateProcess& process : gate->processes) {
+        ::InterlockedExchange(&gate.earlier_calls[i], 0);
+        for (GateProcess& process : gate.processes) {
             ::InterlockedExchange(&process.calls[i], 0);
         }
     }

@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "simulator/gate/gate_file.h"
-#include "simulator/store/device.h"
 
 namespace sim {
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <atomic>
 #include <cstring>
-#include <memory>
 #include <mutex>
 #include <windows.h>
 
@@ -15,14 +14,16 @@
 namespace sim {
 namespace {
 
-// This process's part in the gate of its device.
+// This process's part in the gate of its device. It is a part of the Device and goes with it.
 struct Attachment {
-    explicit Attachment(const std::wstring& device_folder)
-        : gate(device_folder), trace(device_folder) {
+    explicit Attachment(const Device& device) : gate(device), trace(device.folder()) {
         const long number = ::InterlockedIncrement(&gate->processes_started) - 1;
         process = &gate->processes[static_cast<std::size_t>(number) % kProcessCount];
         TakeOver();
     }
+    ~Attachment();
+    Attachment(const Attachment&) = delete;
+    Attachment& operator=(const Attachment&) = delete;
 
     void TakeOver() {
         for (std::size_t i = 0; i < kCallCount; ++i) {
@@ -49,19 +50,23 @@ struct Attachment {
     GateProcess* process;
 };
 
-std::mutex attach_lock;
-std::unique_ptr<Attachment> attachment;
+std::mutex device_lock;
 std::atomic<Attachment*> attached{nullptr};
 thread_local bool half_write = false;
 
+// The next call asks for the device of this process again.
+Attachment::~Attachment() { attached = nullptr; }
+
+// The first call of several threads at once opens the device once.
+bool HasDevice() {
+    const std::lock_guard guard(device_lock);
+    return Device::HasCurrent();
+}
+
 Attachment* Attach() {
     const DWORD error = ::GetLastError();
-    {
-        const std::lock_guard guard(attach_lock);
-        if (attachment == nullptr && Device::HasCurrent()) {
-            attachment = std::make_unique<Attachment>(Device::Current().folder());
-            attached = attachment.get();
-        }
+    if (HasDevice()) {
+        attached = &Device::Current().Part<Attachment>();
     }
     ::SetLastError(error);
     return attached;
@@ -140,7 +145,8 @@ GateEntry::GateEntry(Call call, bool can_fail) : call_(call), can_fail_(can_fail
     const auto index = static_cast<std::size_t>(call);
     ::InterlockedIncrement(&here->process->calls[index]);
     watched_ = (here->gate->watch_all | here->gate->watch[index]) != 0;
-    traces_ = here->gate->trace != 0;
+    traces_ = here->gate->trace != 0 &&
+              here->gate->untraced_thread != static_cast<long>(::GetCurrentThreadId());
 }
 
 void GateEntry::AddArgument(const std::string& text) {
@@ -207,12 +213,6 @@ bool TakeHalfWrite() {
     const bool taken = half_write;
     half_write = false;
     return taken;
-}
-
-void DetachGate() {
-    const std::lock_guard guard(attach_lock);
-    attached = nullptr;
-    attachment.reset();
 }
 
 void SetHostError(std::uint32_t error) { ::SetLastError(error); }

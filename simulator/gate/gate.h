@@ -62,9 +62,6 @@ constexpr unsigned kCrashExitCode = 0xCD;
 // ends the process.
 bool TakeHalfWrite();
 
-// Forgets the device of this process; the next call asks for it again.
-void DetachGate();
-
 void SetHostError(std::uint32_t error);
 
 // Runs `body` as the platform call `call`. A failing rule sets the last error and gives `failure`.

@@ -40,4 +40,6 @@ MappedGate::MappedGate(const std::wstring& folder) {
 
 MappedGate::~MappedGate() { ::UnmapViewOfFile(file_); }
 
+GateFile& GateOf(Device& device) { return *device.Part<MappedGate>(); }
+
 }  // namespace sim

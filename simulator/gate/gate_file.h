@@ -8,6 +8,7 @@
 #include <string>
 
 #include "call_ids.h"
+#include "simulator/store/device.h"
 
 namespace sim {
 
@@ -54,9 +55,10 @@ constexpr std::size_t kProcessCount = 128;  // the oldest makes room for the nex
 
 struct GateFile {
     volatile long layout;
-    volatile long watch_all;    // rules for any call, plus 1 while a trace is on
-    volatile long trace;        // 1 while on
-    volatile long trace_bytes;  // given out in the trace file
+    volatile long watch_all;        // rules for any call, plus 1 while a trace is on
+    volatile long trace;            // 1 while on
+    volatile long trace_bytes;      // given out in the trace file
+    volatile long untraced_thread;  // runs a command: see UntracedThread; 0: none
     volatile long processes_started;
     volatile long watch[kCallCount];          // rules for each call
     volatile long earlier_calls[kCallCount];  // of processes that made room
@@ -68,6 +70,7 @@ struct GateFile {
 class MappedGate {
 public:
     explicit MappedGate(const std::wstring& folder);
+    explicit MappedGate(const Device& device) : MappedGate(device.folder()) {}
     ~MappedGate();
     MappedGate(const MappedGate&) = delete;
     MappedGate& operator=(const MappedGate&) = delete;
@@ -77,5 +80,8 @@ public:
 private:
     GateFile* file_ = nullptr;
 };
+
+// The file as tools and tests see it, mapped once for each device.
+GateFile& GateOf(Device& device);
 
 }  // namespace sim

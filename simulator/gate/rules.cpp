@@ -50,8 +50,8 @@ void AddRule(Device& device, const Rule& rule) {
     if (rule.match.size() >= sizeof GateRule::match) {
         throw std::runtime_error("the text to match is too long");
     }
-    const MappedGate gate(device.folder());
-    GateRule& row = TakeFreeRule(*gate);
+    GateFile& gate = GateOf(device);
+    GateRule& row = TakeFreeRule(gate);
     row.kind = static_cast<long>(rule.kind);
     row.call = call;
     row.first = rule.first;
@@ -62,13 +62,13 @@ void AddRule(Device& device, const Rule& rule) {
     std::memset(row.match, 0, sizeof row.match);
     std::memcpy(row.match, rule.match.data(), rule.match.size());
     ::InterlockedExchange(&row.state, kRuleLive);
-    ::InterlockedIncrement(call == kAnyCall ? &gate->watch_all : &gate->watch[call]);
+    ::InterlockedIncrement(call == kAnyCall ? &gate.watch_all : &gate.watch[call]);
 }
 
 std::vector<Rule> Rules(Device& device) {
-    const MappedGate gate(device.folder());
+    GateFile& gate = GateOf(device);
     std::vector<Rule> rules;
-    for (const GateRule& row : gate->rules) {
+    for (const GateRule& row : gate.rules) {
         if (row.state == kRuleLive) {
             rules.push_back(Told(row));
         }
@@ -77,12 +77,12 @@ std::vector<Rule> Rules(Device& device) {
 }
 
 void ClearRules(Device& device) {
-    const MappedGate gate(device.folder());
-    for (GateRule& row : gate->rules) {
+    GateFile& gate = GateOf(device);
+    for (GateRule& row : gate.rules) {
         if (::InterlockedCompareExchange(&row.state, kRuleFilling, kRuleLive) != kRuleLive) {
             continue;
         }
-        ::InterlockedDecrement(row.call == kAnyCall ? &gate->watch_all : &gate->watch[row.call]);
+        ::InterlockedDecrement(row.call == kAnyCall ? &gate.watch_all : &gate.watch[row.call]);
         ::InterlockedExchange(&row.state, kRuleFree);
     }
 }

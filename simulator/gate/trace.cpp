@@ -32,17 +32,17 @@ std::vector<std::string> Lines(const std::string& bytes) {
 void StartTrace(Device& device) {
     StopTrace(device);
     ::CloseHandle(OpenTrace(device.folder(), CREATE_ALWAYS));
-    const MappedGate gate(device.folder());
-    ::InterlockedExchange(&gate->trace_bytes, 0);
-    if (::InterlockedExchange(&gate->trace, 1) == 0) {
-        ::InterlockedIncrement(&gate->watch_all);
+    GateFile& gate = GateOf(device);
+    ::InterlockedExchange(&gate.trace_bytes, 0);
+    if (::InterlockedExchange(&gate.trace, 1) == 0) {
+        ::InterlockedIncrement(&gate.watch_all);
     }
 }
 
 void StopTrace(Device& device) {
-    const MappedGate gate(device.folder());
-    if (::InterlockedExchange(&gate->trace, 0) == 1) {
-        ::InterlockedDecrement(&gate->watch_all);
+    GateFile& gate = GateOf(device);
+    if (::InterlockedExchange(&gate.trace, 0) == 1) {
+        ::InterlockedDecrement(&gate.watch_all);
     }
 }
 
@@ -57,6 +57,16 @@ std::vector<std::string> TraceLines(Device& device) {
     ::CloseHandle(file);
     bytes.resize(count);
     return Lines(bytes);
+}
+
+// A thread that was killed leaves its id behind; the next command puts its own there.
+UntracedThread::UntracedThread(Device& device) : gate_(GateOf(device)) {
+    ::InterlockedExchange(&gate_.untraced_thread, static_cast<long>(::GetCurrentThreadId()));
+}
+
+UntracedThread::~UntracedThread() {
+    ::InterlockedCompareExchange(&gate_.untraced_thread, 0,
+                                 static_cast<long>(::GetCurrentThreadId()));
 }
 
 TraceFile::~TraceFile() {

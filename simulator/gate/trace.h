@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "simulator/gate/gate_file.h"
-#include "simulator/store/device.h"
 
 namespace sim {
 
@@ -15,6 +14,20 @@ void StartTrace(Device& device);
 void StopTrace(Device& device);
 // Its lines so far, oldest first.
 std::vector<std::string> TraceLines(Device& device);
+
+// While one lives, the calls of its thread are not traced: they are a command's and no program's.
+// In a test's process a command allocates with the program's `new`. A trace that held what showing
+// it allocates would grow by many lines for each line shown.
+class UntracedThread {
+public:
+    explicit UntracedThread(Device& device);
+    ~UntracedThread();
+    UntracedThread(const UntracedThread&) = delete;
+    UntracedThread& operator=(const UntracedThread&) = delete;
+
+private:
+    GateFile& gate_;
+};
 
 // What one process appends to the trace of the device in `folder`, opened at the first line.
 class TraceFile {

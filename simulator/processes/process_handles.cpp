@@ -2,13 +2,13 @@
 
 #include <windows.h>
 
-#include "simulator/windows/desktop.h"
+#include "simulator/store/device_name.h"
 
 namespace sim::processes {
 namespace {
 
 std::wstring NameOnDevice(const wchar_t* name) {
-    return name != nullptr ? windows::ObjectName(Device::Current(), name) : std::wstring();
+    return name != nullptr ? ObjectName(Device::Current(), name) : std::wstring();
 }
 
 }  // namespace

@@ -16,9 +16,6 @@ struct StartRequest {
     std::wstring desktop;
 };
 
-// The host file that holds the contents of the device's file `path`; empty when there is none.
-std::wstring HostFileOf(Device& device, const std::wstring& path);
-
 // The folder of the simulator's DLLs.
 std::wstring SimulatorFolder();
 

@@ -5,9 +5,6 @@
 #include <cwchar>
 #include <windows.h>
 
-#include "simulator/processes/process_start.h"
-#include "simulator/windows/desktop.h"
-
 namespace sim::processes {
 namespace {
 
@@ -91,43 +88,7 @@ bool SamePath(const std::wstring& a, const std::wstring& b) {
                                   static_cast<int>(b.size()), TRUE) == CSTR_EQUAL;
 }
 
-void RegisterHandle(Device& device, HANDLE process, const Running& program) {
-    std::vector<std::uint32_t> gone;
-    for (const Row& row : Rows(device)) {
-        if (!IsLive(row)) {
-            gone.push_back(row.program.pid);
-        }
-    }
-    LogStore::Change change(device.store());
-    for (const std::uint32_t pid : gone) {
-        change.Erase(KeyOf(pid));
-    }
-    change.Set(KeyOf(program.pid), Encode({CreationTime(process), program}));
-}
-
 }  // namespace
-
-Started Start(Device& device, const std::wstring& path, const std::wstring& arguments,
-              bool suspended) {
-    Started started;
-    const std::wstring program = FindProgram(device, path);
-    const std::wstring host_file = program.empty() ? std::wstring() : HostFileOf(device, program);
-    if (host_file.empty()) {
-        started.error = ERROR_FILE_NOT_FOUND;
-        return started;
-    }
-    const std::wstring desktop = windows::PrepareDesktop(device);
-    // Suspended until it stands in the table: whoever sees it run also finds it there.
-    started = StartHostFile({host_file, program, arguments, device.folder(), desktop});
-    if (started.error != 0) {
-        return started;
-    }
-    RegisterHandle(device, started.process, {started.pid, program, arguments});
-    if (!suspended) {
-        ::ResumeThread(started.thread);
-    }
-    return started;
-}
 
 std::optional<std::uint32_t> Wait(void* process, std::uint32_t timeout_ms) {
     DWORD code = 0;
@@ -138,33 +99,25 @@ std::optional<std::uint32_t> Wait(void* process, std::uint32_t timeout_ms) {
     return code;
 }
 
-std::optional<std::uint32_t> Run(Device& device, const std::wstring& path,
-                                 const std::wstring& arguments, std::uint32_t timeout_ms,
-                                 std::uint32_t* error) {
-    const Started started = Start(device, path, arguments);
-    if (started.error != 0) {
-        if (error != nullptr) {
-            *error = started.error;
-        }
-        return std::nullopt;
-    }
-    const auto code = Wait(started.process, timeout_ms);
-    if (!code && error != nullptr) {
-        *error = ERROR_TIMEOUT;
-    }
-    ::CloseHandle(started.thread);
-    ::CloseHandle(started.process);
-    return code;
-}
-
 void Register(Device& device, std::uint32_t pid, const std::wstring& path,
               const std::wstring& arguments) {
     HANDLE process = ::OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, pid);
     if (process == nullptr) {
         return;
     }
-    RegisterHandle(device, process, {pid, path, arguments});
+    const Row entry = {CreationTime(process), {pid, path, arguments}};
     ::CloseHandle(process);
+    std::vector<std::uint32_t> gone;
+    for (const Row& row : Rows(device)) {
+        if (!IsLive(row)) {
+            gone.push_back(row.program.pid);
+        }
+    }
+    LogStore::Change change(device.store());
+    for (const std::uint32_t ended : gone) {
+        change.Erase(KeyOf(ended));
+    }
+    change.Set(KeyOf(pid), Encode(entry));
 }
 
 std::vector<Running> List(Device& device) {

@@ -1,6 +1,6 @@
-// The programs that run on a device: started from the device's own files, remembered in the
-// device's state so that every process sees the same table, and found gone when they have ended in
-// any way. Keys of the store: p/<host process id>.
+// The programs that run on a device. Their table stands in the device's state, so every process
+// sees the same one. A program that has ended, in whatever way, counts as gone. Keys of the store:
+// p/<host process id>.
 #pragma once
 
 #include <cstdint>
@@ -27,26 +27,11 @@ struct Started {
     void* thread = nullptr;
 };
 
-// The device path that `name` means to a start: as given, then in \Windows, then in the root; a
-// bare name without extension gets ".exe". Empty when there is no such file.
-std::wstring FindProgram(Device& device, const std::wstring& name);
-
-// Starts the program `path` (found as above) with `arguments` as its whole command line, on the
-// device and its desktop. It lives on when the starter ends.
-Started Start(Device& device, const std::wstring& path, const std::wstring& arguments,
-              bool suspended = false);
-
 // Waits at most `timeout_ms` for the end of a process and gives its exit code; nothing in time:
 // none.
 std::optional<std::uint32_t> Wait(void* process, std::uint32_t timeout_ms);
 
-// Start and wait for the end, handles closed. None when it cannot be started or does not end in
-// time; then `error` tells which (1460 is the timeout).
-std::optional<std::uint32_t> Run(Device& device, const std::wstring& path,
-                                 const std::wstring& arguments, std::uint32_t timeout_ms,
-                                 std::uint32_t* error = nullptr);
-
-// Enters another process of the host's into the table, as if it ran `path`.
+// Enters a process of the host into the table as one that runs `path`.
 void Register(Device& device, std::uint32_t pid, const std::wstring& path,
               const std::wstring& arguments);
 

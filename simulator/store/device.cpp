@@ -4,8 +4,6 @@
 #include <cstdlib>
 #include <windows.h>
 
-#include "simulator/gate/gate.h"
-
 namespace sim {
 namespace {
 
@@ -62,7 +60,6 @@ bool Device::HasCurrent() {
 }
 
 void Device::Attach(const std::wstring& folder) {
-    DetachGate();
     ::SetEnvironmentVariableW(L"CEDEVICE", folder.c_str());
     current = folder.empty() ? nullptr : std::make_unique<Device>(folder);
 }

@@ -3,8 +3,6 @@
 #include <cstdlib>
 #include <stdexcept>
 
-#include "simulator/files/files.h"
-
 namespace sim {
 namespace {
 
@@ -124,13 +122,11 @@ std::map<std::string, std::string> AllSettings(Device& device) {
     return settings;
 }
 
-void ApplySetting(Device& device, const std::string& name, const std::string& value) {
+void ApplySystemSetting(Device& device, const std::string& name, const std::string& value) {
     CheckName(name);
     LogStore::Change change(device.store());
     if (name == "clock") {
         SetClock(device, change, value);
-    } else if (!value.empty() && files::ApplyFileSetting(device, name, value)) {
-        return;
     } else if (value.empty()) {
         change.Erase(KeyOf(name));
     } else if (name == "clock.step") {

@@ -19,10 +19,10 @@ std::map<std::string, std::string> AllSettings(Device& device);
 // Only those that were set, for writing a device out as a profile.
 std::map<std::string, std::string> OwnSettings(Device& device);
 
-// What `set NAME VALUE` does. "clock" takes a time at which the clock stands, "real", or "+" and a
-// time from which it runs on; "clock.step" takes milliseconds; "oid.next" the next object id; an
-// empty value takes a setting away. Throws std::runtime_error for a value that cannot be.
-void ApplySetting(Device& device, const std::string& name, const std::string& value);
+// Sets a setting that no other area has to act on; an empty value takes any setting away. "clock"
+// takes a time at which the clock stands, "real", or "+" and a time from which it runs on;
+// "clock.step" takes milliseconds. Throws std::runtime_error for a value that cannot be.
+void ApplySystemSetting(Device& device, const std::string& name, const std::string& value);
 
 Zone DeviceZone(const Device& device);
 

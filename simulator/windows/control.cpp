@@ -4,6 +4,7 @@
 #include <mutex>
 #include <set>
 
+#include "simulator/store/device_name.h"
 #include "simulator/windows/control_json.h"
 #include "simulator/windows/control_pipe.h"
 #include "simulator/windows/desktop.h"
@@ -125,7 +126,7 @@ std::optional<Window> FindIn(const std::vector<Window>& list, int id) {
 }
 
 std::optional<Window> FindHere(const Device& device, int id) {
-    return FindIn(ListHere(DesktopName(device)), id);
+    return FindIn(ListHere(DeviceName(device)), id);
 }
 
 bool AskControl(const Device& device, int id, const char* verb, const std::string& text) {
@@ -135,7 +136,7 @@ bool AskControl(const Device& device, int id, const char* verb, const std::strin
         if (!control) {
             return;
         }
-        const json answer = AskOwner(DesktopName(device), ToWindow(control->handle), verb, text);
+        const json answer = AskOwner(DeviceName(device), ToWindow(control->handle), verb, text);
         done = answer.is_boolean() && answer.get<bool>();
     });
     return done;
@@ -146,7 +147,7 @@ bool AskControl(const Device& device, int id, const char* verb, const std::strin
 void AnswerOutside(const Device& device) {
     static std::mutex mutex;
     static std::set<std::wstring> served;
-    const std::wstring name = PipeName(DesktopName(device), ::GetCurrentProcessId());
+    const std::wstring name = PipeName(DeviceName(device), ::GetCurrentProcessId());
     std::lock_guard guard(mutex);
     if (served.insert(name).second) {
         ServePipe(name, Answer);
@@ -155,7 +156,7 @@ void AnswerOutside(const Device& device) {
 
 std::vector<Window> List(const Device& device) {
     std::vector<Window> list;
-    OnDesktop(device, [&] { list = ListHere(DesktopName(device)); });
+    OnDesktop(device, [&] { list = ListHere(DeviceName(device)); });
     return list;
 }
 
@@ -191,11 +192,11 @@ bool Select(const Device& device, int id, const std::string& item) {
 std::vector<TreeItem> Tree(const Device& device) {
     std::vector<TreeItem> items;
     OnDesktop(device, [&] {
-        for (const Window& window : ListHere(DesktopName(device))) {
+        for (const Window& window : ListHere(DeviceName(device))) {
             if (window.class_name != "SysTreeView32" || !window.visible) {
                 continue;
             }
-            const json answer = AskOwner(DesktopName(device), ToWindow(window.handle), "tree", "");
+            const json answer = AskOwner(DeviceName(device), ToWindow(window.handle), "tree", "");
             items = answer.get<std::vector<TreeItem>>();
             return;
         }

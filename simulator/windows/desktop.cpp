@@ -6,30 +6,12 @@
 #include <mutex>
 #include <windows.h>
 
+#include "simulator/store/device_name.h"
+
 namespace sim::windows {
 namespace {
 
 constexpr ScreenSize kDefaultScreen = {640, 480};
-
-std::wstring CanonicalFolder(const Device& device) {
-    wchar_t full[MAX_PATH] = L"";
-    const DWORD length = ::GetFullPathNameW(device.folder().c_str(), MAX_PATH, full, nullptr);
-    std::wstring folder =
-        length != 0 && length < MAX_PATH ? std::wstring(full, length) : device.folder();
-    while (!folder.empty() && folder.back() == L'\\') {
-        folder.pop_back();
-    }
-    ::CharLowerBuffW(&folder[0], static_cast<DWORD>(folder.size()));
-    return folder;
-}
-
-std::uint64_t HashOf(const std::wstring& text) {  // FNV-1a
-    std::uint64_t hash = 0xCBF29CE484222325;
-    for (const wchar_t unit : text) {
-        hash = (hash ^ unit) * 0x100000001B3;
-    }
-    return hash;
-}
 
 void SetText(const wchar_t* key_path, DWORD options, const wchar_t* name,
              const std::wstring& text) {
@@ -95,26 +77,15 @@ ScreenSize ScreenSizeOf(const Device& device) {
     return size;
 }
 
-std::wstring DesktopName(const Device& device) {
-    wchar_t name[40];
-    std::swprintf(name, 40, L"device-%016llx",
-                  static_cast<unsigned long long>(HashOf(CanonicalFolder(device))));
-    return name;
-}
-
-std::wstring ObjectName(const Device& device, const wchar_t* name) {
-    return DesktopName(device) + L"-" + name;
-}
-
 std::wstring PrepareDesktop(const Device& device) {
-    std::wstring name = DesktopName(device);
+    std::wstring name = DeviceName(device);
     OpenKept(device, name);
     return name;
 }
 
 bool EnterDesktop(const Device& device) {
     const DWORD error = ::GetLastError();
-    const std::wstring name = DesktopName(device);
+    const std::wstring name = DeviceName(device);
     const bool on_it = IsOn(name) || MoveThread(device, name);
     ::SetLastError(error);
     return on_it;

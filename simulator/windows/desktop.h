@@ -1,5 +1,5 @@
-// The screen of a device: a desktop of its own in the host's window system, so that devices beside
-// one another never see each other's windows. Its name also keeps other named objects per device.
+// The screen of a device: a desktop of its own in the host's window system, named as the
+// device (DeviceName), so that devices beside one another never see each other's windows.
 #pragma once
 
 #include <string>
@@ -15,12 +15,6 @@ struct ScreenSize {
 
 // The setting "screen.size" ("640x240"); 640 x 480 when it is absent or makes no sense.
 ScreenSize ScreenSizeOf(const Device& device);
-
-// The device's desktop; the same for all processes, different for each device folder.
-std::wstring DesktopName(const Device& device);
-
-// `name` made this device's own: two devices' objects of one name never meet.
-std::wstring ObjectName(const Device& device, const wchar_t* name);
 
 // Makes the device's desktop when it is not there; it lasts at least as long as this process.
 // Returns its name, for the start of a program.

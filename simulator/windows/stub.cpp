@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include "simulator/processes/process_start.h"
+#include "simulator/store/device_name.h"
 #include "simulator/windows/control.h"
 #include "simulator/windows/desktop.h"
 #include "simulator/windows/window_calls.h"

@@ -34,7 +34,7 @@ bool AddToDifference(ObjectRecord& a, std::uint16_t mark, ObjectList& diff) {
 void Withdraw(const ObjectRecord& added, ObjectList& diff) {
     ObjectList::Node* node = diff.FindByKey(StatelessKeyOf(added));
     if (node != nullptr && (node->record->flags & JF_ADD)) {
-        diff.Remove(node);
+        diff.Remove(*node);
     }
 }
 
@@ -53,8 +53,8 @@ bool Match(const ObjectList& from, const ObjectList& against, ObjectList& diff, 
     if (!candidates.Build(against)) {
         return false;
     }
-    for (ObjectList::Cursor node = from.First(); node != nullptr; node = node->next) {
-        ObjectRecord& a = *node->record;
+    for (const ObjectList::Node& node : from) {
+        ObjectRecord& a = *node.record;
         if (a.flags & JF_MATCHED) {
             continue;
         }

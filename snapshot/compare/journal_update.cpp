@@ -7,26 +7,17 @@ namespace tolvenar {
 namespace {
 
 constexpr std::uint16_t kPendingFlags = JF_ADD | JF_DELETE;
-constexpr std::uint32_t kNoEntry = 0xFFFFFFFF;
 // Ids from here on are given to versions whose object is on no device; devices count from below.
 constexpr std::uint32_t kFirstStaleId = 0xF0000000;
 
 // A block belongs to one object version, and updating an id does not move it: what an index may be
 // made from.
-std::size_t BucketOf(std::uint32_t propOffset, std::size_t bucket_count) {
-    const std::uint32_t mixed = propOffset * 0x9E3779B1u;
-    return (mixed ^ (mixed >> 15)) & (bucket_count - 1);
-}
+std::uint32_t HashOf(std::uint32_t propOffset) { return MixBits(0, propOffset); }
 
 bool IsSameVersion(const ObjectRecord& a, const ObjectRecord& b) {
     return a.dwOID == b.dwOID && a.info_checksum == b.info_checksum &&
            a.content_fingerprint == b.content_fingerprint && a.propOffset == b.propOffset &&
            a.data_offset == b.data_offset && a.type == b.type;
-}
-
-bool HasObjectId(ObjectType type) {
-    return type != ObjectType::kRegistryValue && type != ObjectType::kRegistryKey &&
-           type != ObjectType::kState;
 }
 
 // Takes the records of a journal in the order of a walk and changes ids as they come by.
@@ -39,7 +30,7 @@ public:
             return;
         }
         if (record.state_number == object_.state_number) {
-            if ((record.flags & JF_ADD) != 0 && HasObjectId(record.type)) {
+            if ((record.flags & JF_ADD) != 0 && HasObjectStoreId(record.type)) {
                 record.dwOID = newOid_;
             }
             return;
@@ -64,36 +55,24 @@ private:
 
 }  // namespace
 
+std::uint32_t JournalUpdater::Entry::Hash() const { return HashOf(record->propOffset); }
+
 void JournalUpdater::BuildIndex() {
     index_tried_ = true;
     const std::size_t count = journal_->CountRecords();
-    std::size_t bucket_count = 64;
-    while (bucket_count < count) {
-        bucket_count *= 2;
-    }
     std::unique_ptr<Entry[]> entries(new (std::nothrow) Entry[count + 1]);
-    std::unique_ptr<std::uint32_t[]> buckets(new (std::nothrow) std::uint32_t[bucket_count]);
-    if (entries == nullptr || buckets == nullptr) {
+    if (entries == nullptr || !index_.Reserve(count)) {
         return;
     }
-
-    std::uint32_t filled = 0;
-    ObjectList::Cursor cursor = journal_->First();
-    while (ObjectList::Next(cursor, nullptr, &entries[filled].record)) {
-        ++filled;
+    std::size_t filled = 0;
+    for (const ObjectList::Node& node : *journal_) {
+        entries[filled++].record = node.record;
     }
-    for (std::size_t i = 0; i < bucket_count; ++i) {
-        buckets[i] = kNoEntry;
-    }
-    // From the back, so that a bucket's first entry is the one that a walk meets first.
-    for (std::uint32_t i = filled; i-- > 0;) {
-        std::uint32_t& bucket = buckets[BucketOf(entries[i].record->propOffset, bucket_count)];
-        entries[i].next = bucket;
-        bucket = i;
+    // From the back, since each is put in front of its chain.
+    while (filled != 0) {
+        index_.Add(entries[--filled]);
     }
     entries_ = std::move(entries);
-    buckets_ = std::move(buckets);
-    bucket_count_ = bucket_count;
 }
 
 void JournalUpdater::UpdateJournalOid(const ObjectRecord& record, std::uint32_t newOid) {
@@ -105,15 +84,13 @@ void JournalUpdater::UpdateJournalOid(const ObjectRecord& record, std::uint32_t 
     }
     IdChange change(record, newOid);
     if (entries_ != nullptr) {
-        for (std::uint32_t i = buckets_[BucketOf(record.propOffset, bucket_count_)]; i != kNoEntry;
-             i = entries_[i].next) {
-            change.Visit(*entries_[i].record);
+        for (Entry* entry = index_.ChainOf(HashOf(record.propOffset)); entry != nullptr;
+             entry = entry->bucket_next) {
+            change.Visit(*entry->record);
         }
     } else {
-        ObjectList::Cursor cursor = journal_->First();
-        ObjectRecord* visited = nullptr;
-        while (ObjectList::Next(cursor, nullptr, &visited)) {
-            change.Visit(*visited);
+        for (const ObjectList::Node& node : *journal_) {
+            change.Visit(*node.record);
         }
     }
     change.Finish();
@@ -148,12 +125,10 @@ bool JournalUpdater::SeparateVersions() {
     std::sort(new_ids_.get(), new_ids_.get() + new_id_count_,
               [](const NewId& a, const NewId& b) { return a.oid < b.oid; });
     std::uint32_t stale_id = LowestStaleId();
-    ObjectList::Cursor cursor = journal_->First();
-    ObjectRecord* record = nullptr;
-    while (ObjectList::Next(cursor, nullptr, &record)) {
-        const NewId* id = FindOtherVersion(*record);
-        if (id != nullptr && HasKeyOfNewId(*record, *id)) {
-            GiveId(*record, --stale_id);
+    for (const ObjectList::Node& node : *journal_) {
+        const NewId* id = FindOtherVersion(*node.record);
+        if (id != nullptr && HasKeyOfNewId(*node.record, *id)) {
+            GiveId(*node.record, --stale_id);
         }
     }
     return true;
@@ -161,7 +136,7 @@ bool JournalUpdater::SeparateVersions() {
 
 // The new id that a record has although it belongs to another version; null when there is none.
 const JournalUpdater::NewId* JournalUpdater::FindOtherVersion(const ObjectRecord& record) const {
-    if (!HasObjectId(record.type)) {
+    if (!HasObjectStoreId(record.type)) {
         return nullptr;
     }
     const NewId* begin = new_ids_.get();
@@ -179,50 +154,38 @@ const JournalUpdater::NewId* JournalUpdater::FindOtherVersion(const ObjectRecord
 
 bool JournalUpdater::HasKeyOfNewId(const ObjectRecord& record, const NewId& id) const {
     const ObjectKey key = KeyOf(record);
-    for (std::uint32_t i = buckets_[BucketOf(id.propOffset, bucket_count_)]; i != kNoEntry;
-         i = entries_[i].next) {
-        const ObjectRecord& fresh = *entries_[i].record;
-        if (fresh.propOffset == id.propOffset && KeyOf(fresh) == key) {
-            return true;
-        }
-    }
-    return false;
+    return index_.Find(HashOf(id.propOffset), [&key, &id](const Entry& entry) {
+        return entry.record->propOffset == id.propOffset && KeyOf(*entry.record) == key;
+    }) != nullptr;
 }
 
 void JournalUpdater::GiveId(const ObjectRecord& version, std::uint32_t oid) {
     const ObjectRecord stale = version;
-    for (std::uint32_t i = buckets_[BucketOf(stale.propOffset, bucket_count_)]; i != kNoEntry;
-         i = entries_[i].next) {
-        if (IsSameVersion(*entries_[i].record, stale)) {
-            entries_[i].record->dwOID = oid;
+    for (Entry* entry = index_.ChainOf(HashOf(stale.propOffset)); entry != nullptr;
+         entry = entry->bucket_next) {
+        if (IsSameVersion(*entry->record, stale)) {
+            entry->record->dwOID = oid;
         }
     }
 }
 
 std::uint32_t JournalUpdater::LowestStaleId() const {
     std::uint32_t lowest = 0xFFFFFFFF;
-    ObjectList::Cursor cursor = journal_->First();
-    ObjectRecord* record = nullptr;
-    while (ObjectList::Next(cursor, nullptr, &record)) {
-        if (record->dwOID >= kFirstStaleId) {
-            lowest = std::min(lowest, record->dwOID);
+    for (const ObjectList::Node& node : *journal_) {
+        if (node.record->dwOID >= kFirstStaleId) {
+            lowest = std::min(lowest, node.record->dwOID);
         }
     }
     return lowest;
 }
 
 void InvertPendingFlags(ObjectList& list) {
-    ObjectList::Cursor cursor = list.First();
-    while (cursor != nullptr) {
-        ObjectList::Node* node = cursor;
-        cursor = node->next;
-        if ((node->record->flags & kPendingFlags) != 0) {
-            node->record->flags ^= kPendingFlags;
-        }
-        if (node->record->flags == 0) {
-            list.Remove(node);
+    for (ObjectList::Node& node : list) {
+        if ((node.record->flags & kPendingFlags) != 0) {
+            node.record->flags ^= kPendingFlags;
         }
     }
+    list.RemoveIf([](const ObjectList::Node& node) { return node.record->flags == 0; });
 }
 
 }  // namespace tolvenar

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "snapshot/records/hash_index.h"
 #include "snapshot/records/object_list.h"
 
 namespace tolvenar {
@@ -39,7 +40,9 @@ private:
     };
     struct Entry {
         ObjectRecord* record;
-        std::uint32_t next;  // entry of the same bucket that a walk meets later
+        Entry* bucket_next;
+
+        std::uint32_t Hash() const;
     };
 
     void BuildIndex();
@@ -51,9 +54,8 @@ private:
 
     ObjectList* journal_;
     bool index_tried_ = false;
-    std::unique_ptr<Entry[]> entries_;
-    std::unique_ptr<std::uint32_t[]> buckets_;
-    std::size_t bucket_count_ = 0;
+    std::unique_ptr<Entry[]> entries_;  // null without an index
+    HashIndex<Entry> index_;            // every chain in the order of the journal
     std::unique_ptr<NewId[]> new_ids_;
     std::size_t new_id_count_ = 0;
     std::size_t new_id_room_ = 0;

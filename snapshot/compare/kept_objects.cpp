@@ -39,9 +39,9 @@ public:
         if (records_ == nullptr) {
             return false;
         }
-        for (ObjectList::Cursor node = diff.First(); node != nullptr; node = node->next) {
-            if (IsRegistryObjectWith(*node->record, JF_DELETE)) {
-                records_[count_++] = node->record;
+        for (const ObjectList::Node& node : diff) {
+            if (IsRegistryObjectWith(*node.record, JF_DELETE)) {
+                records_[count_++] = node.record;
             }
         }
         std::sort(begin(), end(),
@@ -76,8 +76,8 @@ bool KeepStoredObjects(ObjectList& diff, InfoSource& info) {
     if (!written_back.Build(diff)) {
         return false;
     }
-    for (ObjectList::Cursor node = diff.First(); node != nullptr; node = node->next) {
-        ObjectRecord& record = *node->record;
+    for (ObjectList::Node& node : diff) {
+        ObjectRecord& record = *node.record;
         if (IsRegistryObjectWith(record, JF_ADD) && written_back.MayHold(record, info)) {
             record.flags = 0;
         }

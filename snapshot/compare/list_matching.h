@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "snapshot/compare/info_source.h"
+#include "snapshot/records/hash_index.h"
 #include "snapshot/records/object_list.h"
 
 namespace tolvenar {
@@ -24,14 +25,18 @@ public:
 private:
     struct Entry {
         ObjectRecord* record;
-        std::uint32_t next;
+        Entry* bucket_next;
+
+        std::uint32_t Hash() const;
     };
 
-    std::uint32_t& BucketOf(std::uint32_t hash) { return buckets_[hash & (bucket_count_ - 1)]; }
+    // True when the list meets `a` before `b`; null stands for the list's end.
+    static bool IsEarlier(const Entry* a, const Entry* b) {
+        return b == nullptr || (a != nullptr && a < b);
+    }
 
-    std::unique_ptr<Entry[]> entries_;  // in the order of the list
-    std::unique_ptr<std::uint32_t[]> buckets_;
-    std::size_t bucket_count_ = 0;
+    std::unique_ptr<Entry[]> entries_;  // in the order of the list, and so is every chain
+    HashIndex<Entry> index_;
 };
 
 // True when `a` and `b`, a record of the other list, describe the same object in the same version.

@@ -31,7 +31,6 @@ using Node = ObjectList::Node;
 
 constexpr const char16_t* kDatabaseModule = u"RemoveDBOperationFromJournal";
 constexpr const char16_t* kRegistryModule = u"RemoveKestrinAddDeleteLQNRegValue";
-constexpr std::uint8_t kDatabaseBit = 4;
 
 struct ValueNames {
     Text key_path;
@@ -99,37 +98,41 @@ bool IsAddedValue(const ObjectRecord& record, const PruningRule& rule, Text valu
            names.value_name == value_name;
 }
 
-// When `deleted` is the old version of a changed value that the rule names, removes both versions.
-bool RemoveChangedValue(ObjectList& diff, Node* deleted, const PruningRule& rule,
-                        InfoSource& info) {
-    InfoBlock block;
-    ValueNames names;
-    if (!IsDeletedValue(*deleted->record, rule, info, block, names)) {
-        return false;
+// The first node of `diff` with the new version of the rule's value, or null.
+Node* FindAddedValue(ObjectList& diff, const PruningRule& rule, Text value_name, InfoSource& info) {
+    for (Node& node : diff) {
+        if (IsAddedValue(*node.record, rule, value_name, info)) {
+            return &node;
+        }
     }
-    Node* added = diff.First();
-    while (added != nullptr && !IsAddedValue(*added->record, rule, names.value_name, info)) {
-        added = added->next;
-    }
-    if (added == nullptr) {
-        return false;
-    }
-    if (added != deleted) {
-        diff.Remove(added);
-    }
-    diff.Remove(deleted);
-    return true;
+    return nullptr;
 }
 
-// A value that only appeared or only disappeared stays: its pair is what shows that it changed.
-void RemoveChangedValues(ObjectList& diff, const PruningRule& rule, InfoSource& info) {
-    Node* node = diff.First();
-    while (node != nullptr) {
-        node = RemoveChangedValue(diff, node, rule, info) ? diff.First() : node->next;
+// Removes both versions of the first changed value that the rule names; false when there is none. A
+// value that only appeared or only disappeared stays: its pair is what shows that it changed.
+bool RemoveChangedValue(ObjectList& diff, const PruningRule& rule, InfoSource& info) {
+    InfoBlock block;
+    ValueNames names;
+    for (Node& deleted : diff) {
+        if (!IsDeletedValue(*deleted.record, rule, info, block, names)) {
+            continue;
+        }
+        Node* const added = FindAddedValue(diff, rule, names.value_name, info);
+        if (added == nullptr) {
+            continue;
+        }
+        if (added != &deleted) {
+            diff.Remove(*added);
+        }
+        diff.Remove(deleted);
+        return true;
     }
+    return false;
 }
 
 bool IsRuledDatabase(const ObjectRecord& record, const PruningRule& rule, InfoSource& info) {
+    // A damaged type that has the database's bit among others counts as one.
+    constexpr auto kDatabaseBit = static_cast<std::uint8_t>(ObjectType::kDatabase);
     const bool is_database = (static_cast<std::uint8_t>(record.type) & kDatabaseBit) != 0;
     if (!is_database || !(record.flags & rule.flag_mask)) {
         return false;
@@ -142,24 +145,17 @@ bool IsRuledDatabase(const ObjectRecord& record, const PruningRule& rule, InfoSo
     return Text(block.name()) == rule.name;
 }
 
-void RemoveDatabases(ObjectList& diff, const PruningRule& rule, InfoSource& info) {
-    for (Node* node = diff.First(); node != nullptr;) {
-        Node* const next = node->next;
-        if (IsRuledDatabase(*node->record, rule, info)) {
-            diff.Remove(node);
-        }
-        node = next;
-    }
-}
-
 }  // namespace
 
 void PruneDifferences(ObjectList& diff, const PruningRule* table, InfoSource& info) {
     for (const PruningRule* rule = table; rule->kind != PruningRule::kEnd; ++rule) {
         if (rule->kind == PruningRule::kDatabase) {
-            RemoveDatabases(diff, *rule, info);
+            diff.RemoveIf([rule, &info](const Node& node) {
+                return IsRuledDatabase(*node.record, *rule, info);
+            });
         } else {
-            RemoveChangedValues(diff, *rule, info);
+            while (RemoveChangedValue(diff, *rule, info)) {
+            }
         }
     }
 }

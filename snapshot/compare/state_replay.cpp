@@ -17,54 +17,44 @@ bool IsSameObject(const ObjectRecord& record, const ObjectRecord& candidate, Inf
     return same_block || IsEqualRegs(record, candidate, info);
 }
 
+std::uint32_t HashOf(const ObjectRecord& record) {
+    return MixBits(0, record.TolvOID & kTolvOidMask);
+}
+
 }  // namespace
 
+std::uint32_t RegistryIndex::Entry::Hash() const { return HashOf(*node->record); }
+
 bool RegistryIndex::Reserve(std::size_t additions) {
-    bucket_count_ = 1;
-    while (bucket_count_ < additions) {
-        bucket_count_ *= 2;
-    }
     entries_.reset(new (std::nothrow) Entry[additions + 1]{});
-    buckets_.reset(new (std::nothrow) Entry* [bucket_count_] {});
     used_ = 0;
-    return entries_ != nullptr && buckets_ != nullptr;
+    index_.Clear();
+    return entries_ != nullptr && index_.Reserve(additions);
 }
 
-RegistryIndex::Entry*& RegistryIndex::BucketOf(const ObjectRecord& record) const {
-    const std::uint32_t hash = (record.TolvOID & kTolvOidMask) * 0x9E3779B1u;
-    return buckets_[(hash >> 8) & (bucket_count_ - 1)];
-}
-
-void RegistryIndex::Add(ObjectList::Node* node) {
-    if (!IsRegistryObject(*node->record)) {
+void RegistryIndex::Add(ObjectList::Node& node) {
+    if (!IsRegistryObject(*node.record)) {
         return;
-    }
-    // A new node stands at the front of the list; one whose record was replaced kept its place.
-    Entry** link = &BucketOf(*node->record);
-    while (*link != nullptr && (*link)->node->serial > node->serial) {
-        link = &(*link)->next;
     }
     Entry& entry = entries_[used_++];
-    entry = {node, *link};
-    *link = &entry;
+    entry.node = &node;
+    // A new node stands at the front of the list; one whose record was replaced kept its place.
+    index_.AddBehind(entry,
+                     [&node](const Entry& present) { return present.node->serial > node.serial; });
 }
 
-void RegistryIndex::Remove(const ObjectList::Node* node) {
-    if (!IsRegistryObject(*node->record)) {
+void RegistryIndex::Remove(const ObjectList::Node& node) {
+    if (!IsRegistryObject(*node.record)) {
         return;
     }
-    Entry** link = &BucketOf(*node->record);
-    while ((*link)->node != node) {
-        link = &(*link)->next;
-    }
-    *link = (*link)->next;
+    index_.Remove(*index_.Find(HashOf(*node.record),
+                               [&node](const Entry& entry) { return entry.node == &node; }));
 }
 
 ObjectList::Node* RegistryIndex::FindSame(const ObjectRecord& record, InfoSource& info) const {
-    const Entry* entry = BucketOf(record);
-    while (entry != nullptr && !IsSameObject(record, *entry->node->record, info)) {
-        entry = entry->next;
-    }
+    const Entry* entry = index_.Find(HashOf(record), [&record, &info](const Entry& present) {
+        return IsSameObject(record, *present.node->record, info);
+    });
     return entry == nullptr ? nullptr : entry->node;
 }
 
@@ -76,8 +66,8 @@ bool NodesByState::Build(const ObjectList& list, std::uint16_t first, std::uint1
         return false;
     }
 
-    for (ObjectList::Cursor node = list.First(); node != nullptr; node = node->next) {
-        const std::uint16_t state = node->record->state_number;
+    for (const ObjectList::Node& node : list) {
+        const std::uint16_t state = node.record->state_number;
         if (state >= first && state <= last) {
             ++starts[state - first + 1u];
         }
@@ -86,19 +76,17 @@ bool NodesByState::Build(const ObjectList& list, std::uint16_t first, std::uint1
         starts[i + 1] += starts[i];
     }
     size_ = starts[states];
-    for (ObjectList::Cursor node = list.First(); node != nullptr; node = node->next) {
-        const std::uint16_t state = node->record->state_number;
+    for (const ObjectList::Node& node : list) {
+        const std::uint16_t state = node.record->state_number;
         if (state >= first && state <= last) {
-            nodes_[starts[state - first]++] = node;
+            nodes_[starts[state - first]++] = &node;
         }
     }
     return true;
 }
 
 bool StateReplay::Apply(const ObjectList::Node& source) {
-    // In a state's list an object is found whichever state it comes from.
-    ObjectKey key = source.key;
-    key.word1 &= 0xFFFF0000u;
+    const ObjectKey key = source.key.Stateless();
     const ObjectRecord& record = *source.record;
     if ((record.flags & kAdditionFlags) && !Add(key, record)) {
         return false;
@@ -116,18 +104,18 @@ bool StateReplay::Add(const ObjectKey& key, const ObjectRecord& record) {
     }
     copy->flags = 0;
     if (const ObjectList::Node* present = out_.FindByKey(key)) {
-        if (record.type == ObjectType::kDatabase && (record.flags & kFlagAddition20)) {
+        if (CountsRecords(record.type) && (record.flags & kFlagAddition20)) {
             copy->content_fingerprint = static_cast<std::uint16_t>(
                 copy->content_fingerprint + present->record->content_fingerprint);
         }
-        registry_.Remove(present);
+        registry_.Remove(*present);
     }
     ObjectList::Node* node = out_.InsertByKey(key, copy.get());
     if (node == nullptr) {
         return false;
     }
     static_cast<void>(copy.release());
-    registry_.Add(node);
+    registry_.Add(*node);
     return true;
 }
 
@@ -137,8 +125,8 @@ void StateReplay::Delete(const ObjectKey& key, const ObjectRecord& record) {
     if (counterpart == nullptr) {
         return;
     }
-    registry_.Remove(counterpart);
-    out_.Remove(counterpart);
+    registry_.Remove(*counterpart);
+    out_.Remove(*counterpart);
 }
 
 }  // namespace tolvenar

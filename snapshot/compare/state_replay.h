@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "snapshot/compare/info_source.h"
+#include "snapshot/records/hash_index.h"
 #include "snapshot/records/object_list.h"
 
 namespace tolvenar {
@@ -16,23 +17,22 @@ public:
     // Room for as many calls of Add. False when there is no memory.
     bool Reserve(std::size_t additions);
     // Enters and takes out a node of the list; one that holds no registry record is passed over.
-    void Add(ObjectList::Node* node);
-    void Remove(const ObjectList::Node* node);
+    void Add(ObjectList::Node& node);
+    void Remove(const ObjectList::Node& node);
     // The first node of the list that is the same registry object as `record`, or null.
     ObjectList::Node* FindSame(const ObjectRecord& record, InfoSource& info) const;
 
 private:
     struct Entry {
         ObjectList::Node* node;
-        Entry* next;
+        Entry* bucket_next;
+
+        std::uint32_t Hash() const;
     };
 
-    Entry*& BucketOf(const ObjectRecord& record) const;
-
     std::unique_ptr<Entry[]> entries_;
-    std::unique_ptr<Entry*[]> buckets_;
-    std::size_t bucket_count_ = 0;
     std::size_t used_ = 0;
+    HashIndex<Entry> index_;  // every chain in the order of the list
 };
 
 // The nodes of a list whose records belong to the states `first` to `last`, ordered by state and

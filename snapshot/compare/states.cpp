@@ -7,11 +7,10 @@ const ObjectRecord* FindLastState(const ObjectList* journal) {
     if (journal == nullptr) {
         return nullptr;
     }
-    ObjectRecord* record = nullptr;
-    for (auto cursor = journal->First(); ObjectList::Next(cursor, nullptr, &record);) {
-        if (record->type == ObjectType::kState &&
-            (last == nullptr || record->state_number > last->state_number)) {
-            last = record;
+    for (const ObjectList::Node& node : *journal) {
+        if (node.record->type == ObjectType::kState &&
+            (last == nullptr || node.record->state_number > last->state_number)) {
+            last = node.record;
         }
     }
     return last;

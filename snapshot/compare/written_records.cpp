@@ -3,39 +3,29 @@
 #include <new>
 
 namespace tolvenar {
-namespace {
 
-constexpr std::size_t kFirstSlotCount = 64;
-
-// The slot that holds `oid`, or the free one where it belongs. `slot_count` is a power of two and
-// at least one slot is free.
-std::uint32_t& SlotOf(std::uint32_t* slots, std::size_t slot_count, std::uint32_t oid) {
-    std::size_t index = oid & (slot_count - 1);
-    while (slots[index] != 0 && slots[index] != oid) {
-        index = (index + 1) & (slot_count - 1);
+WrittenRecords::~WrittenRecords() {
+    while (newest_ != nullptr) {
+        delete std::exchange(newest_, newest_->next);
     }
-    return slots[index];
 }
 
-}  // namespace
-
-bool WrittenRecords::Grow() {
-    const std::size_t larger = slot_count_ == 0 ? kFirstSlotCount : slot_count_ * 2;
-    std::unique_ptr<std::uint32_t[]> slots(new (std::nothrow) std::uint32_t[larger]{});
-    if (slots == nullptr) {
+bool WrittenRecords::Reserve() {
+    if (!index_.ReserveOneMore()) {
         return false;
     }
-    for (std::size_t i = 0; i < slot_count_; ++i) {
-        if (slots_[i] != 0) {
-            SlotOf(slots.get(), larger, slots_[i]) = slots_[i];
-        }
+    if (used_ < kBlockIds) {
+        return true;
     }
-    slots_ = std::move(slots);
-    slot_count_ = larger;
+    auto* block = new (std::nothrow) Block;
+    if (block == nullptr) {
+        return false;
+    }
+    block->next = newest_;
+    newest_ = block;
+    used_ = 0;
     return true;
 }
-
-bool WrittenRecords::Reserve() { return used_ + 1 <= slot_count_ / 2 || Grow(); }
 
 bool WrittenRecords::Add(std::uint32_t oid) {
     if (Contains(oid)) {
@@ -44,13 +34,14 @@ bool WrittenRecords::Add(std::uint32_t oid) {
     if (!Reserve()) {
         return false;
     }
-    SlotOf(slots_.get(), slot_count_, oid) = oid;
-    ++used_;
+    Id& id = newest_->ids[used_++];
+    id.oid = oid;
+    index_.Add(id);
     return true;
 }
 
 bool WrittenRecords::Contains(std::uint32_t oid) const {
-    return slot_count_ != 0 && SlotOf(slots_.get(), slot_count_, oid) == oid;
+    return index_.Find(MixBits(0, oid), [oid](const Id& id) { return id.oid == oid; }) != nullptr;
 }
 
 }  // namespace tolvenar

@@ -8,8 +8,9 @@
 #include "snapshot/scan/file_scanner.h"
 #include "snapshot/scan/registry_scanner.h"
 #include "snapshot/text/log.h"
-#include "storage/files/block_io.h"
+#include "storage/files/handle_bytes.h"
 #include "storage/format/storage_names.h"
+#include "storage/format/storage_reader.h"
 
 namespace tolvenar {
 namespace {
@@ -33,9 +34,19 @@ constexpr Hive kHives[] = {
     {kHiveUsers, u"Scanning HKU registry entry..."},
 };
 
-UniqueHandle OpenStorageFile(const StorageNames& names) {
-    return OpenFile(names.sav, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, OPEN_EXISTING);
-}
+// The open storage file and what describes objects while it is open.
+struct Descriptions {
+    explicit Descriptions(Engine& engine)
+        : sav_file(OpenSavFile(engine.storage.names)),
+          bytes(sav_file.get()),
+          stored(bytes),
+          source(stored, engine.info) {}
+
+    UniqueHandle sav_file;
+    HandleBytes bytes;
+    StorageReader stored;
+    InfoSource source;
+};
 
 void ScanObjectStoreFiles(Engine& engine) {
     const StorageNames& names = engine.storage.names;
@@ -66,75 +77,74 @@ void ScanDevice(Engine& engine) {
 }
 
 // Compares the older list with the newer into the difference list, which is empty.
-bool CompareLists(Engine& engine) {
+bool CompareLists(Engine& engine, InfoSource& info) {
     OpenedStorage& storage = engine.storage;
     engine.progress.ProgressStep(u"Finding differences...");
-    if (!CmpLists(storage.older.get(), storage.newer.get(), *storage.difference, engine.info)) {
+    if (!CmpLists(storage.older.get(), storage.newer.get(), *storage.difference, info)) {
         return false;
     }
-    PruneDifferences(*storage.difference, kBackupPruning, engine.info);
+    PruneDifferences(*storage.difference, kBackupPruning, info);
     return true;
 }
 
 // Makes `list` the object list of a stored state; number 0 is an empty one.
-bool PrepareStateList(Engine& engine, std::unique_ptr<ObjectList>& list, std::uint32_t state) {
+bool PrepareStateList(Engine& engine, std::unique_ptr<ObjectList>& list, std::uint32_t state,
+                      InfoSource& info) {
     if (!ResetList(list)) {
         return false;
     }
-    return state == 0 || BuildStateList(*list, *engine.storage.journal, state, engine.info);
+    return state == 0 || BuildStateList(*list, *engine.storage.journal, state, info);
 }
 
 }  // namespace
 
 int FindDifference(Engine& engine, std::uint32_t state) {
     OpenedStorage& storage = engine.storage;
-    UniqueHandle sav_file = OpenStorageFile(storage.names);
-    if (!sav_file || storage.journal == nullptr) {
+    Descriptions descriptions(engine);
+    if (!descriptions.sav_file || storage.journal == nullptr) {
         return 0;
     }
-    const StorageFileLoan loan(engine.info, sav_file.get());
     engine.progress.ProgressBegin(kDeviceSteps);
     engine.progress.ProgressStep(u"Preparing object list...");
-    if (!PrepareStateList(engine, storage.older, state)) {
+    if (!PrepareStateList(engine, storage.older, state, descriptions.source)) {
         return 0;
     }
     if (!ResetList(storage.newer)) {
-        sav_file.Reset();
+        descriptions.sav_file.Reset();
         LogMessage(kNoList, u"FindDifference", kLogError);
         return 0;
     }
     ScanDevice(engine);
     if (!ResetList(storage.difference)) {
-        sav_file.Reset();
+        descriptions.sav_file.Reset();
         ::MessageBoxW(nullptr, Wide(kNoList), L"FindDifference", MB_SETFOREGROUND);
         return 0;
     }
-    return CompareLists(engine) ? 1 : 0;
+    return CompareLists(engine, descriptions.source) ? 1 : 0;
 }
 
 int FindDifferenceEx(Engine& engine, std::uint32_t state_a, std::uint32_t state_b) {
     OpenedStorage& storage = engine.storage;
     engine.progress.ProgressBegin(kStateSteps);
     engine.progress.ProgressStep(u"Preparing object list...");
-    UniqueHandle sav_file = OpenStorageFile(storage.names);
-    if (!sav_file || storage.journal == nullptr) {
+    Descriptions descriptions(engine);
+    if (!descriptions.sav_file || storage.journal == nullptr) {
         return 0;
     }
-    const StorageFileLoan loan(engine.info, sav_file.get());
     engine.progress.ProgressStep(u"Preparing list 1...");
-    if (!PrepareStateList(engine, storage.older, state_a)) {
+    if (!PrepareStateList(engine, storage.older, state_a, descriptions.source)) {
         return 0;
     }
     engine.progress.ProgressStep(u"Preparing list 2...");
-    if (!PrepareStateList(engine, storage.newer, state_b)) {
+    if (!PrepareStateList(engine, storage.newer, state_b, descriptions.source)) {
         return 0;
     }
     if (!ResetList(storage.difference)) {
-        sav_file.Reset();
+        descriptions.sav_file.Reset();
         LogMessage(u"Can't create journal", u"FindDifferenceEx", kLogError);
         return 0;
     }
-    return CompareLists(engine) ? 1 : 0;
+    return CompareLists(engine, descriptions.source) ? 1 : 0;
 }
 
 }  // namespace tolvenar

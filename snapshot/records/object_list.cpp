@@ -1,23 +1,20 @@
 #include "snapshot/records/object_list.h"
 
+#include <algorithm>
 #include <new>
 
 namespace tolvenar {
 namespace {
 
-constexpr std::size_t kFirstBucketCount = 64;
-
-std::uint32_t Mix(std::uint32_t hash, std::uint32_t word) {
-    hash = (hash ^ word) * 0x9E3779B1u;
-    return hash ^ (hash >> 15);
-}
-
-// Every bit of the key reaches the low bits, which choose the bucket.
 std::uint32_t HashOf(const ObjectKey& key) {
-    return Mix(Mix(Mix(Mix(0, key.word1), key.word2), key.dwOID), key.TolvOID);
+    const std::uint32_t version = key.state_number | static_cast<std::uint32_t>(key.info_checksum)
+                                                         << 16;
+    return MixBits(MixBits(MixBits(MixBits(0, version), key.fingerprint), key.dwOID), key.TolvOID);
 }
 
 }  // namespace
+
+inline std::uint32_t ObjectList::Node::Hash() const { return HashOf(key); }
 
 std::unique_ptr<ObjectList> ObjectList::CreateList() {
     return std::unique_ptr<ObjectList>(new (std::nothrow) ObjectList);
@@ -25,37 +22,8 @@ std::unique_ptr<ObjectList> ObjectList::CreateList() {
 
 ObjectList::~ObjectList() { ClearList(); }
 
-ObjectList::Node*& ObjectList::BucketOf(const ObjectKey& key) const {
-    return buckets_[HashOf(key) & (bucket_count_ - 1)];
-}
-
-// Doubles the buckets, which are a power of two. False, with the list as it was, without memory.
-bool ObjectList::Grow() {
-    const std::size_t larger = bucket_count_ == 0 ? kFirstBucketCount : bucket_count_ * 2;
-    auto* buckets = new (std::nothrow) Node* [larger] {};
-    if (buckets == nullptr) {
-        return false;
-    }
-    delete[] buckets_;
-    buckets_ = buckets;
-    bucket_count_ = larger;
-    for (Node* node = first_; node != nullptr; node = node->next) {
-        Node*& bucket = BucketOf(node->key);
-        node->bucket_next = bucket;
-        bucket = node;
-    }
-    return true;
-}
-
 ObjectList::Node* ObjectList::FindByKey(const ObjectKey& key) const {
-    if (bucket_count_ == 0) {
-        return nullptr;
-    }
-    Node* node = BucketOf(key);
-    while (node != nullptr && !(node->key == key)) {
-        node = node->bucket_next;
-    }
-    return node;
+    return index_.Find(HashOf(key), [&key](const Node& node) { return node.key == key; });
 }
 
 ObjectList::Node* ObjectList::InsertByKey(const ObjectKey& key, ObjectRecord* record) {
@@ -71,21 +39,18 @@ ObjectList::Node* ObjectList::InsertByKey(const ObjectKey& key, ObjectRecord* re
 }
 
 ObjectList::Node* ObjectList::NewNode(const ObjectKey& key, ObjectRecord* record) {
-    // Without memory for more buckets the chains get longer; without any there is no list.
-    if (count_ >= bucket_count_ && !Grow() && bucket_count_ == 0) {
+    if (!index_.ReserveOneMore()) {
         return nullptr;
     }
-    Node*& bucket = BucketOf(key);
-    auto* node = new (std::nothrow) Node{key, record, nullptr, first_, bucket, next_serial_};
+    auto* node = new (std::nothrow) Node{key, record, nullptr, first_, nullptr, next_serial_};
     if (node == nullptr) {
         return nullptr;
     }
-    bucket = node;
+    index_.Add(*node);
     if (first_ != nullptr) {
         first_->previous = node;
     }
     first_ = node;
-    ++count_;
     ++next_serial_;
     return node;
 }
@@ -104,23 +69,18 @@ int ObjectList::RemoveByKey(const ObjectKey& key) {
     if (node == nullptr) {
         return 0;
     }
-    Remove(node);
+    Remove(*node);
     return 1;
 }
 
-void ObjectList::Remove(Node* node) {
-    Node** link = &BucketOf(node->key);
-    while (*link != node) {
-        link = &(*link)->bucket_next;
+void ObjectList::Remove(Node& node) {
+    index_.Remove(node);
+    (node.previous == nullptr ? first_ : node.previous->next) = node.next;
+    if (node.next != nullptr) {
+        node.next->previous = node.previous;
     }
-    *link = node->bucket_next;
-    (node->previous == nullptr ? first_ : node->previous->next) = node->next;
-    if (node->next != nullptr) {
-        node->next->previous = node->previous;
-    }
-    --count_;
-    delete node->record;
-    delete node;
+    delete node.record;
+    delete &node;
 }
 
 int ObjectList::Next(Cursor& cursor, ObjectKey* key_out, ObjectRecord** record_out) {
@@ -144,28 +104,21 @@ void ObjectList::ClearList() {
         delete node->record;
         delete node;
     }
-    delete[] buckets_;
-    buckets_ = nullptr;
-    bucket_count_ = 0;
-    count_ = 0;
+    index_.Clear();
 }
 
 std::uint16_t ObjectList::MaxStateNumber() const {
     std::uint16_t greatest = 0;
-    for (const Node* node = first_; node != nullptr; node = node->next) {
-        if (node->record->state_number > greatest) {
-            greatest = node->record->state_number;
-        }
+    for (const Node& node : *this) {
+        greatest = std::max(greatest, node.record->state_number);
     }
     return greatest;
 }
 
 std::uint32_t ObjectList::MinStateNumber() const {
     std::uint32_t least = 0xFFFFFFFF;
-    for (const Node* node = first_; node != nullptr; node = node->next) {
-        if (node->record->state_number < least) {
-            least = node->record->state_number;
-        }
+    for (const Node& node : *this) {
+        least = std::min<std::uint32_t>(least, node.record->state_number);
     }
     return least;
 }

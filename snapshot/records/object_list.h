@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "snapshot/records/hash_index.h"
 #include "snapshot/records/object_record.h"
 
 namespace tolvenar {
@@ -22,8 +23,26 @@ public:
         Node* bucket_next;
         // Insertions into this list before this one: the walk meets greater serials first.
         std::uint32_t serial;
+
+        std::uint32_t Hash() const;  // of the key
     };
-    // A place in a walk from the front; null at the end.
+    // A walk from the front over nodes that may be changed, or `const` ones. A node is not removed
+    // while a walk stands on it.
+    template <typename AnyNode>
+    class Iterator {
+    public:
+        explicit Iterator(AnyNode* node) : node_(node) {}
+        AnyNode& operator*() const { return *node_; }
+        Iterator& operator++() {
+            node_ = node_->next;
+            return *this;
+        }
+        bool operator!=(const Iterator& other) const { return node_ != other.node_; }
+
+    private:
+        AnyNode* node_;
+    };
+    // A place in a walk that is not done in one go; null at the end.
     using Cursor = Node*;
 
     // An empty list; null when there is no memory.
@@ -45,14 +64,29 @@ public:
     // Frees the node under this key and its record; 0 when there is none.
     int RemoveByKey(const ObjectKey& key);
     // The same for a node of this list.
-    void Remove(Node* node);
+    void Remove(Node& node);
+    // Removes every node for which `is_removed` holds, asking each in a walk from the front.
+    template <typename Predicate>
+    void RemoveIf(Predicate is_removed) {
+        for (Node* node = first_; node != nullptr;) {
+            Node& asked = *node;
+            node = asked.next;
+            if (is_removed(asked)) {
+                Remove(asked);
+            }
+        }
+    }
 
+    Iterator<Node> begin() { return Iterator<Node>(first_); }
+    Iterator<Node> end() { return Iterator<Node>(nullptr); }
+    Iterator<const Node> begin() const { return Iterator<const Node>(first_); }
+    Iterator<const Node> end() const { return Iterator<const Node>(nullptr); }
     Cursor First() const { return first_; }
     // Copies the cursor's key and record pointer (either may be null), moves on; 0 at the end.
     static int Next(Cursor& cursor, ObjectKey* key_out, ObjectRecord** record_out);
 
     void ClearList();
-    std::size_t CountRecords() const { return count_; }
+    std::size_t CountRecords() const { return index_.count(); }
     // The greatest state number of the records; 0 for an empty list.
     std::uint16_t MaxStateNumber() const;
     // The least; all ones for an empty list.
@@ -60,14 +94,10 @@ public:
 
 private:
     ObjectList() = default;
-    bool Grow();
-    Node*& BucketOf(const ObjectKey& key) const;
     Node* NewNode(const ObjectKey& key, ObjectRecord* record);
 
     Node* first_ = nullptr;
-    Node** buckets_ = nullptr;
-    std::size_t bucket_count_ = 0;
-    std::size_t count_ = 0;
+    HashIndex<Node> index_;
     std::uint32_t next_serial_ = 0;
 };
 

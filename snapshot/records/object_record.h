@@ -5,18 +5,9 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace tolvenar {
+#include "snapshot/records/object_type.h"
 
-// Any value of the byte may be met in a damaged journal.
-enum class ObjectType : std::uint8_t {
-    kNone = 0,
-    kRegistryValue = 1,
-    kRegistryKey = 2,
-    kDatabase = 4,
-    kDatabaseRecord = 8,
-    kFile = 16,  // or folder
-    kState = 32,
-};
+namespace tolvenar {
 
 // Bits of ObjectRecord::flags.
 constexpr std::uint16_t JF_PRESENT = 0x0001;       // set by every scanner
@@ -48,37 +39,35 @@ struct ObjectRecord {
 static_assert(sizeof(ObjectRecord) == 32 && offsetof(ObjectRecord, propOffset) == 12 &&
               offsetof(ObjectRecord, state_number) == 20 && offsetof(ObjectRecord, type) == 24);
 
-inline bool IsRegistryObject(const ObjectRecord& record) {
-    return record.type == ObjectType::kRegistryValue || record.type == ObjectType::kRegistryKey;
-}
+inline bool IsRegistryObject(const ObjectRecord& record) { return IsRegistryType(record.type); }
 
 // What a list finds a record by. A node keeps its own copy, which may differ from its record's key.
 struct ObjectKey {
-    std::uint32_t word1;  // state number | info checksum << 16
-    std::uint32_t word2;  // content fingerprint of registry values and database records, else 0
+    std::uint16_t state_number;
+    std::uint16_t info_checksum;
+    std::uint32_t fingerprint;  // where the type has it in its key, else 0
     std::uint32_t dwOID;
     std::uint32_t TolvOID;
 
     bool operator==(const ObjectKey& other) const {
-        return word1 == other.word1 && word2 == other.word2 && dwOID == other.dwOID &&
-               TolvOID == other.TolvOID;
+        return dwOID == other.dwOID && TolvOID == other.TolvOID &&
+               state_number == other.state_number && info_checksum == other.info_checksum &&
+               fingerprint == other.fingerprint;
     }
+    // The key of the same object whichever state it comes from.
+    ObjectKey Stateless() const { return {0, info_checksum, fingerprint, dwOID, TolvOID}; }
 };
-static_assert(sizeof(ObjectKey) == 16);
+static_assert(sizeof(ObjectKey) == 16 && offsetof(ObjectKey, fingerprint) == 4 &&
+              offsetof(ObjectKey, TolvOID) == 12);
 
 // The key under which loading and merging enter a record.
 inline ObjectKey KeyOf(const ObjectRecord& record) {
-    const bool has_fingerprint =
-        record.type == ObjectType::kRegistryValue || record.type == ObjectType::kDatabaseRecord;
-    return {record.state_number | static_cast<std::uint32_t>(record.info_checksum) << 16,
-            has_fingerprint ? record.content_fingerprint : 0u, record.dwOID, record.TolvOID};
+    return {record.state_number, record.info_checksum,
+            TraitsOf(record.type).fingerprint_in_key ? record.content_fingerprint : 0u,
+            record.dwOID, record.TolvOID};
 }
 
-// The same with state number 0: the key of difference lists and of a rebuilt state's list.
-inline ObjectKey StatelessKeyOf(const ObjectRecord& record) {
-    ObjectKey key = KeyOf(record);
-    key.word1 &= 0xFFFF0000u;
-    return key;
-}
+// The key of difference lists and of a rebuilt state's list.
+inline ObjectKey StatelessKeyOf(const ObjectRecord& record) { return KeyOf(record).Stateless(); }
 
 }  // namespace tolvenar

@@ -11,7 +11,6 @@
 namespace tolvenar {
 namespace {
 
-constexpr std::size_t kFirstBucketCount = 256;
 constexpr std::uint16_t kCounterValues = 256;  // the identifier has 8 bits for the counter
 
 // Null for an absent text and without memory.
@@ -41,11 +40,6 @@ void LogCollision(const char16_t* full_name, const RegistryObject& present) {
     LogMessage(text.text(), u"OID generation", kLogNote);
 }
 
-// The identifier's bits are checksums and spread well; the counter has bits of its own.
-std::size_t BucketOf(std::uint32_t TolvOID, std::size_t bucket_count) {
-    return (TolvOID ^ TolvOID >> 16) & (bucket_count - 1);
-}
-
 }  // namespace
 
 std::uint32_t MakeTolvOID(const char16_t* path, const void* data, std::size_t data_bytes,
@@ -56,70 +50,36 @@ std::uint32_t MakeTolvOID(const char16_t* path, const void* data, std::size_t da
     return (high << 16) + low;
 }
 
-int RegistryObjects::RegObjectAdd(std::uint32_t TolvOID, bool is_key, std::uint32_t hive,
-                                  std::uint32_t value_type, std::uint32_t data_bytes,
-                                  const char16_t* key_path, const char16_t* value_name) {
-    if (key_path == nullptr) {
-        return 0;
-    }
-    if (count_ >= bucket_count_ && !Grow() && bucket_count_ == 0) {
+int RegistryObjects::RegObjectAdd(std::uint32_t TolvOID, const RegistryEntry& entry) {
+    if (entry.key_path == nullptr || !index_.ReserveOneMore()) {
         return 0;
     }
     auto* object = new (std::nothrow) RegistryObject{};
     if (object == nullptr) {
         return 0;
     }
-    object->key_path = CopyText(key_path);
-    object->value_name = CopyText(value_name);
-    if (object->key_path == nullptr || (value_name != nullptr && object->value_name == nullptr)) {
+    object->key_path = CopyText(entry.key_path);
+    object->value_name = CopyText(entry.value_name);
+    if (object->key_path == nullptr ||
+        (entry.value_name != nullptr && object->value_name == nullptr)) {
         Free(object);
         return 0;
     }
     object->TolvOID = TolvOID;
-    object->hive = hive;
-    object->is_key = is_key;
-    object->value_type = value_type;
-    object->data_bytes = data_bytes;
+    object->hive = entry.hive;
+    object->is_key = entry.is_key;
+    object->value_type = entry.value_type;
+    object->data_bytes = entry.data_bytes;
     object->next = first_;
     first_ = object;
-    RegistryObject*& bucket = buckets_[BucketOf(TolvOID, bucket_count_)];
-    object->bucket_next = bucket;
-    bucket = object;
-    ++count_;
+    index_.Add(*object);
     return 1;
 }
 
-// Doubles the buckets, which are a power of two. False, with the table as it was, without memory.
-bool RegistryObjects::Grow() {
-    const std::size_t larger = bucket_count_ == 0 ? kFirstBucketCount : bucket_count_ * 2;
-    auto* buckets = new (std::nothrow) RegistryObject* [larger] {};
-    if (buckets == nullptr) {
-        return false;
-    }
-    delete[] buckets_;
-    buckets_ = buckets;
-    bucket_count_ = larger;
-    for (RegistryObject* object = first_; object != nullptr; object = object->next) {
-        // At the end, so that the newest stays first.
-        RegistryObject** link = &buckets_[BucketOf(object->TolvOID, bucket_count_)];
-        while (*link != nullptr) {
-            link = &(*link)->bucket_next;
-        }
-        *link = object;
-        object->bucket_next = nullptr;
-    }
-    return true;
-}
-
 const RegistryObject* RegistryObjects::RegObjectFind(std::uint32_t TolvOID) const {
-    if (bucket_count_ == 0) {
-        return nullptr;
-    }
-    const RegistryObject* object = buckets_[BucketOf(TolvOID, bucket_count_)];
-    while (object != nullptr && object->TolvOID != TolvOID) {
-        object = object->bucket_next;
-    }
-    return object;
+    return index_.Find(MixBits(0, TolvOID), [TolvOID](const RegistryObject& object) {
+        return object.TolvOID == TolvOID;
+    });
 }
 
 void RegistryObjects::RegObjectClear() {
@@ -128,27 +88,28 @@ void RegistryObjects::RegObjectClear() {
         first_ = object->next;
         Free(object);
     }
-    delete[] buckets_;
-    buckets_ = nullptr;
-    bucket_count_ = 0;
-    count_ = 0;
+    index_.Clear();
 }
 
-int RegistryObjects::Generate(const char16_t* full_name, const void* data, std::size_t data_length,
-                              bool is_key, std::uint32_t hive, std::uint32_t value_type,
-                              std::uint32_t data_bytes, const char16_t* key_path,
-                              const char16_t* value_name, std::uint32_t& TolvOID_out) {
+bool RegistryObjects::Generate(const char16_t* full_name, const RegistryEntry& entry,
+                               std::uint32_t& TolvOID_out) {
+    if (entry.key_path == nullptr) {
+        return false;
+    }
+    const void* data = entry.is_key ? entry.key_path : entry.data;
+    const std::size_t data_bytes =
+        entry.is_key ? std::u16string_view(entry.key_path).size() * sizeof(char16_t)
+                     : entry.data_bytes;
     for (std::uint16_t counter = 0; counter < kCounterValues; ++counter) {
-        const std::uint32_t TolvOID = MakeTolvOID(full_name, data, data_length, counter);
+        const std::uint32_t TolvOID = MakeTolvOID(full_name, data, data_bytes, counter);
         const RegistryObject* present = RegObjectFind(TolvOID);
         if (present == nullptr) {
             TolvOID_out = TolvOID;
-            return RegObjectAdd(TolvOID, is_key, hive, value_type, data_bytes, key_path,
-                                value_name);
+            return RegObjectAdd(TolvOID, entry) != 0;
         }
         LogCollision(full_name, *present);
     }
-    return 0;
+    return false;
 }
 
 }  // namespace tolvenar

@@ -5,18 +5,33 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "snapshot/records/hash_index.h"
+
 namespace tolvenar {
 
 constexpr char16_t kNameSeparator = 0x00FF;  // between key path and value name
 
 // Identifier of a registry object: checksum of the full name with its terminator in bits 0-15, low
-// byte of the data's checksum in bits 16-23, collision counter in bits 24-31.
+// byte of the data's checksum in bits 16-23, collision counter in bits 24-31. The data of a key are
+// its path without terminator.
 std::uint32_t MakeTolvOID(const char16_t* path, const void* data, std::size_t data_bytes,
                           std::uint16_t counter);
 
 // Only these bits are compared between scans: the collision counter depends on the order of a scan.
 constexpr std::uint32_t kTolvOidMask = 0x00FFFFFF;
 
+// A key or a value as a walk of the registry meets it; text and data are the walk's.
+struct RegistryEntry {
+    bool is_key;
+    std::uint32_t hive;                    // root key handle value
+    const char16_t* key_path;              // empty for the hive's root
+    const char16_t* value_name = nullptr;  // this and the following are a value's
+    std::uint32_t value_type = 0;
+    const void* data = nullptr;
+    std::uint32_t data_bytes = 0;
+};
+
+// An entry of the table.
 struct RegistryObject {
     std::uint32_t TolvOID;
     std::uint32_t hive;  // root key handle value
@@ -27,6 +42,8 @@ struct RegistryObject {
     char16_t* value_name;  // owned; null for a key
     RegistryObject* next;  // newest first
     RegistryObject* bucket_next;
+
+    std::uint32_t Hash() const { return MixBits(0, TolvOID); }
 };
 
 class RegistryObjects {
@@ -38,27 +55,20 @@ public:
 
     // Enters an object with copies of the texts. 0 when the key path is absent or memory is short;
     // nothing is entered then.
-    int RegObjectAdd(std::uint32_t TolvOID, bool is_key, std::uint32_t hive,
-                     std::uint32_t value_type, std::uint32_t data_bytes, const char16_t* key_path,
-                     const char16_t* value_name);
+    int RegObjectAdd(std::uint32_t TolvOID, const RegistryEntry& entry);
     // The newest entry with this identifier, or null.
     const RegistryObject* RegObjectFind(std::uint32_t TolvOID) const;
     void RegObjectClear();
 
-    // Takes the first identifier that is free, logging each collision, and enters the object. 0
+    // Takes the first identifier that is free, logging each collision, and enters the object. False
     // when 256 tries found none (the counter has 8 bits) or memory is short; else the identifier is
     // in `TolvOID_out`.
-    int Generate(const char16_t* full_name, const void* data, std::size_t data_length, bool is_key,
-                 std::uint32_t hive, std::uint32_t value_type, std::uint32_t data_bytes,
-                 const char16_t* key_path, const char16_t* value_name, std::uint32_t& TolvOID_out);
+    bool Generate(const char16_t* full_name, const RegistryEntry& entry,
+                  std::uint32_t& TolvOID_out);
 
 private:
-    bool Grow();
-
     RegistryObject* first_ = nullptr;
-    RegistryObject** buckets_ = nullptr;
-    std::size_t bucket_count_ = 0;
-    std::size_t count_ = 0;
+    HashIndex<RegistryObject> index_;  // of equal identifiers the newest stands first
 };
 
 }  // namespace tolvenar

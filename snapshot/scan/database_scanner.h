@@ -12,7 +12,7 @@ namespace tolvenar {
 
 struct DatabaseScan {
     ObjectList& list;
-    InfoSource& info;
+    LiveObjects& info;
     DatabaseLayer& databases;
 };
 

@@ -11,7 +11,7 @@ namespace tolvenar {
 
 struct FileScan {
     ObjectList& list;
-    InfoSource& info;
+    LiveObjects& info;
     const StorageFileNames& storage_files;
 };
 

@@ -58,7 +58,7 @@ public:
             !QueryKey(key.get(), counts)) {
             return;
         }
-        maker_(scan_, {true, hive_, path_, counts.subkeys, counts.values, nullptr, nullptr});
+        maker_(scan_, {true, hive_, path_});
         const std::size_t key_length = length_;
         for (DWORD i = 0; i < counts.subkeys && EnterSubkey(key.get(), i); ++i) {
             if (length_ <= kMaxNameUnits) {
@@ -99,7 +99,7 @@ private:
             // A name that does not fit is longer than a block can name: such a value is left out.
             if (::RegEnumValueW(key, i, Wide(value_name_), &name_units, nullptr, &type, data_.get(),
                                 &data_bytes) == ERROR_SUCCESS) {
-                maker_(scan_, {false, hive_, path_, type, data_bytes, value_name_, data_.get()});
+                maker_(scan_, {false, hive_, path_, value_name_, type, data_.get(), data_bytes});
             }
         }
     }
@@ -152,14 +152,8 @@ std::uint32_t Identify(RegistryScan& scan, const RegistryEntry& entry) {
     if (full_name.cut()) {
         return 0;
     }
-    const void* data = entry.is_key ? entry.key_path : entry.data;
-    const std::size_t data_bytes =
-        entry.is_key ? std::u16string_view(entry.key_path).size() * sizeof(char16_t) : entry.b;
     std::uint32_t TolvOID = 0;
-    const int entered = scan.objects.Generate(full_name.text(), data, data_bytes, entry.is_key,
-                                              entry.hive, entry.is_key ? 0 : entry.a, entry.b,
-                                              entry.key_path, entry.value_name, TolvOID);
-    return entered ? TolvOID : 0;
+    return scan.objects.Generate(full_name.text(), entry, TolvOID) ? TolvOID : 0;
 }
 
 }  // namespace
@@ -185,7 +179,8 @@ void MakeRegistryObject(RegistryScan& scan, const RegistryEntry& entry) {
     ObjectRecord record{};
     record.TolvOID = TolvOID;
     record.info_checksum = Checksum16(block.bytes(), block.size());
-    record.content_fingerprint = entry.is_key ? kKeyFingerprint : Checksum16(entry.data, entry.b);
+    record.content_fingerprint =
+        entry.is_key ? kKeyFingerprint : Checksum16(entry.data, entry.data_bytes);
     record.flags = JF_PRESENT;
     record.type = entry.is_key ? ObjectType::kRegistryKey : ObjectType::kRegistryValue;
     scan.list.AddObject(record);

@@ -13,19 +13,8 @@ namespace tolvenar {
 
 struct RegistryScan {
     ObjectList& list;
-    InfoSource& info;  // describes what `objects` holds
+    LiveObjects& info;  // describes what `objects` holds
     RegistryObjects& objects;
-};
-
-// A key or a value as the walk meets it.
-struct RegistryEntry {
-    bool is_key;
-    std::uint32_t hive;          // root key handle value
-    const char16_t* key_path;    // empty for the hive's root
-    std::uint32_t a;             // key: number of subkeys; value: its type
-    std::uint32_t b;             // key: number of values; value: bytes of its data
-    const char16_t* value_name;  // null for a key
-    const void* data;            // null for a key
 };
 
 using RegistryMaker = void (*)(RegistryScan& scan, const RegistryEntry& entry);

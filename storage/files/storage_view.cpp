@@ -1,6 +1,7 @@
 #include "storage/files/storage_view.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "platform/file_mapping.h"
 #include "platform/text.h"
@@ -51,6 +52,30 @@ bool StorageMapping::Open(const char16_t* sav_path) {
         MapFileForReading(Wide(sav_path), FILE_SHARE_READ | FILE_SHARE_WRITE, kRandomAccess, &size);
     size_ = size;
     return static_cast<bool>(mapping_);
+}
+
+bool MappedBytes::ReadAt(std::uint32_t offset, void* buffer, std::uint32_t bytes,
+                         std::uint32_t& read) {
+    read = 0;
+    if (offset >= storage_.size()) {
+        ::SetLastError(ERROR_HANDLE_EOF);
+        return true;
+    }
+    const std::uint32_t length = std::min(bytes, storage_.size() - offset);
+    const StoredBytes mapped = MapStoredBytes(storage_, offset, length);
+    if (!mapped.complete()) {
+        return false;
+    }
+    if (length != 0) {
+        std::memcpy(buffer, mapped.bytes, length);
+    }
+    read = length;
+    return true;
+}
+
+bool MappedBytes::Size(std::uint32_t& bytes) {
+    bytes = storage_.size();
+    return storage_.handle() != nullptr;
 }
 
 UniqueView MapStorageView(const StorageMapping& storage, std::uint32_t offset, std::uint32_t length,

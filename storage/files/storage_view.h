@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "platform/unique_resource.h"
+#include "storage/format/byte_file.h"
 
 namespace tolvenar {
 
@@ -21,6 +22,20 @@ public:
 private:
     UniqueHandle mapping_;
     std::uint32_t size_ = 0;
+};
+
+// The mapped storage file as bytes at an offset.
+class MappedBytes final : public ByteReader {
+public:
+    explicit MappedBytes(const StorageMapping& storage) : storage_(storage) {}
+
+    // Behind the end nothing is read and the last error is ERROR_HANDLE_EOF.
+    bool ReadAt(std::uint32_t offset, void* buffer, std::uint32_t bytes,
+                std::uint32_t& read) override;
+    bool Size(std::uint32_t& bytes) override;
+
+private:
+    const StorageMapping& storage_;
 };
 
 // Maps `length` bytes of the storage file at `offset`. The view begins at `offset` rounded down to

@@ -14,6 +14,9 @@ namespace tolvenar {
 bool FindTextProperty(const void* buffer, std::size_t buffer_bytes, std::size_t count,
                       std::uint32_t propid, TextBuilder& text);
 
+// Whether a registry value of this type holds one text (REG_SZ, REG_EXPAND_SZ).
+constexpr bool IsTextValue(std::uint32_t value_type) { return value_type == 1 || value_type == 2; }
+
 // Appends UTF-16 bytes up to a terminator or the end; a last odd byte is left out.
 void AppendStoredText(const void* bytes, std::size_t size, TextBuilder& text);
 

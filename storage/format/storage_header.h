@@ -47,7 +47,7 @@ enum class OpenStorageResult {
     kOpened = 0,
     kHeaderUnreadable = 1,
     kObjectIdsNotReset = 2,
-    kOtherDevice = 3,  // or a newer revision, reported as another device on purpose
+    kOtherDevice = 3,  // or a newer revision (docs/oddities.md, 5)
     kFileMissing = 4,  // also when another program holds the file: see IsReallyAbsent
     kOutOfMemory = 5,
     kUnsupportedRevision = 6,

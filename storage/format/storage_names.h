@@ -19,7 +19,7 @@ struct StorageNames {
 // Makes all names from the full storage path. False, and all names empty, when it is empty or
 // longer than 259 units.
 bool MakeStorageNames(const char16_t* full_path, StorageNames& names);
-// The ".sav" name of `path`: cut at its first dot, a folder's too, on purpose.
+// The ".sav" name of `path`: cut at its first dot, a folder's too (docs/oddities.md, 4).
 bool MakeSavName(const char16_t* path, char16_t (&sav)[kStorageNameUnits]);
 
 // The part of a path behind its last backslash.

@@ -9,8 +9,8 @@
 namespace tolvenar {
 namespace {
 
-// A database has room for four sort orders, but a new one is given three at most. Kept so: stored
-// databases are set to all of theirs by SetDatabaseInfo afterwards.
+// Of the four sort orders that a database has room for, a new one is given three (docs/oddities.md,
+// 7). SetDatabaseInfo gives it all of them afterwards.
 constexpr WORD kMaxNewSortOrders = 3;
 
 }  // namespace

@@ -8,7 +8,6 @@
 #include "platform/text.h"
 #include "platform/unique_resource.h"
 #include "snapshot/records/checksum.h"
-#include "storage/files/block_io.h"
 #include "storage/format/property_encoding.h"
 
 namespace tolvenar {
@@ -19,8 +18,7 @@ constexpr std::uint32_t kWithoutContents =
     FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_INROM | FILE_ATTRIBUTE_ROMMODULE;
 
 bool Append(const DataWriter& writer, const void* bytes, StoredData& data) {
-    return WriteBlock(writer.sav_file, bytes, writer.block.head().data_bytes, data.offset, false) !=
-           0;
+    return writer.storage.WriteBlock(bytes, writer.block.head().data_bytes, data.offset, false);
 }
 
 // The names come from the table: a key path may hold the character that joins them in a block.
@@ -96,19 +94,20 @@ bool CopyChunk(const DataWriter& writer, HANDLE mapping, DWORD offset, DWORD byt
         return false;
     }
     checksum = Checksum16(view.get(), bytes, checksum);
-    return WriteAll(writer.sav_file, view.get(), bytes) && ::UnmapViewOfFile(view.Release());
+    return writer.storage.Write(view.get(), bytes) && view.Close();
 }
 
 bool CopyFileContents(const DataWriter& writer, StoredData& data) {
     const UniqueHandle mapping = MapFileForReading(Wide(writer.block.name()), 0,
                                                    FILE_ATTRIBUTE_NORMAL | FILE_FLAG_RANDOM_ACCESS);
-    if (!mapping || !FilePosition(writer.sav_file, data.offset)) {
+    if (!mapping) {
         return false;
     }
     const DWORD chunk = ChunkBytes();
     if (chunk == 0) {
         return false;
     }
+    data.offset = writer.storage.position();
     data.checksum = kChecksumSeed;
     const DWORD total = writer.block.head().data_bytes;
     for (DWORD done = 0; done < total;) {

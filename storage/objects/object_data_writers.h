@@ -7,6 +7,7 @@
 
 #include "snapshot/records/registry_objects.h"
 #include "storage/format/info_block.h"
+#include "storage/format/storage_appender.h"
 #include "storage/objects/database_layer.h"
 
 namespace tolvenar {
@@ -18,13 +19,13 @@ struct StoredData {
 };
 
 // The object of `block`: `TolvOID` for registry objects, `oid` for those of the object store. The
-// writers append the block's data_bytes bytes at the position of `sav_file`; they fail when the
+// writers append the block's data_bytes bytes to `storage`; they fail when the
 // object has not exactly as many any more.
 struct DataWriter {
     DatabaseLayer& databases;
     const RegistryObjects& registry_objects;
     const char16_t* state_description;  // of the state that is written
-    HANDLE sav_file;
+    StorageAppender& storage;
     const InfoBlock& block;
     std::uint32_t TolvOID;
     CEOID oid;

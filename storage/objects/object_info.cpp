@@ -4,7 +4,6 @@
 
 #include "platform/text.h"
 #include "platform/unique_resource.h"
-#include "storage/files/block_io.h"
 
 namespace tolvenar {
 namespace {
@@ -60,10 +59,6 @@ bool ObjectInfo::GetOIDInfo(std::uint32_t TolvOID, std::uint32_t dwOID, InfoBloc
         return dwOID == 0 && DescribeRegistryObject(TolvOID, block);
     }
     return dwOID == 0 ? DescribeState(block) : DescribeStoreObject(dwOID, block);
-}
-
-bool ObjectInfo::GetInfoFromStorage(std::uint32_t offset, InfoBlock& block) {
-    return sav_file_ != nullptr && ReadBlockFromStorage(offset, block, sav_file_);
 }
 
 void ObjectInfo::SetStateDescription(const char16_t* text) {
@@ -154,16 +149,6 @@ bool ObjectInfo::GetObjectInfoPatiently(CEOID oid, CEOIDINFO& info) {
         ::Sleep(kInfoRetryMs);
     }
     return false;
-}
-
-bool ReadBlockFromStorage(std::uint32_t offset, InfoBlock& block, HANDLE sav_file) {
-    if (!MoveTo(sav_file, offset)) {
-        return false;
-    }
-    std::uint8_t bytes[kInfoBlockBytes];
-    DWORD read = 0;
-    return ::ReadFile(sav_file, bytes, sizeof bytes, &read, nullptr) &&
-           ParseInfoBlock(bytes, read, block);
 }
 
 }  // namespace tolvenar

@@ -1,5 +1,4 @@
-// Describes any object as the head of its data block: a live one from the device, a stored one from
-// the storage file.
+// Describes any object of the device as the head of its data block.
 #pragma once
 
 #include "platform/win32.h"
@@ -14,7 +13,7 @@
 
 namespace tolvenar {
 
-class ObjectInfo final : public InfoSource {
+class ObjectInfo final : public LiveObjects {
 public:
     ObjectInfo(const RegistryObjects& registry_objects, DatabaseLayer& databases)
         : registry_objects_(registry_objects), databases_(databases) {}
@@ -23,14 +22,9 @@ public:
     // be unavailable for a moment. A record whose database cannot be read is described without its
     // properties. A name that does not fit a block fails.
     bool GetOIDInfo(std::uint32_t TolvOID, std::uint32_t dwOID, InfoBlock& block) override;
-    // From the file of UseStorageFile; false without one.
-    bool GetInfoFromStorage(std::uint32_t offset, InfoBlock& block) override;
     const RegistryObject* FindRegistryObject(std::uint32_t TolvOID) override {
         return registry_objects_.RegObjectFind(TolvOID);
     }
-
-    // Borrows the open storage file for GetInfoFromStorage, null when it is closed.
-    void UseStorageFile(HANDLE sav_file) { sav_file_ = sav_file; }
 
     // The description of the state being written, cut to 199 units; null is an empty one.
     void SetStateDescription(const char16_t* text);
@@ -46,26 +40,7 @@ private:
 
     const RegistryObjects& registry_objects_;
     DatabaseLayer& databases_;
-    HANDLE sav_file_ = nullptr;
     char16_t state_description_[kStateDescriptionUnits] = {};
 };
-
-// Lends an open storage file to an ObjectInfo for as long as this lives.
-class StorageFileLoan {
-public:
-    StorageFileLoan(ObjectInfo& info, HANDLE sav_file) : info_(info) {
-        info_.UseStorageFile(sav_file);
-    }
-    ~StorageFileLoan() { info_.UseStorageFile(nullptr); }
-    StorageFileLoan(const StorageFileLoan&) = delete;
-    StorageFileLoan& operator=(const StorageFileLoan&) = delete;
-
-private:
-    ObjectInfo& info_;
-};
-
-// Reads the block at `offset` of an open storage file; moves the file's position. False when it is
-// not whole there or its name does not fit.
-bool ReadBlockFromStorage(std::uint32_t offset, InfoBlock& block, HANDLE sav_file);
 
 }  // namespace tolvenar

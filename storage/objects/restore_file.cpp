@@ -28,8 +28,7 @@ void SetTimes(HANDLE file, const InfoBlock& block) {
     ::SetFileTime(file, &time, &time, &time);
 }
 
-// A folder that is there fails, also when only its attributes differ: it could not be deleted
-// before because it has contents. Kept so; the restore reports it.
+// A folder that is there fails, also when only its attributes differ (docs/oddities.md, 14).
 RestoreOutcome WriteFolder(const InfoBlock& block, CEOID& newOid) {
     const wchar_t* path = Wide(block.name());
     if (!::CreateDirectoryW(path, nullptr)) {
@@ -51,7 +50,7 @@ void LogWriteFailure() {
     const DWORD error = ::GetLastError();
     TextBuffer<32> message;
     message.Append(u"WriteFile:").AppendNumber(static_cast<std::int32_t>(error));
-    // Neither level nor module is a mistake: readers of the log look for this line.
+    // Neither level nor module is a mistake (docs/oddities.md, 18).
     LogMessage(message.text(), u"Error", kLogPlain);
 }
 

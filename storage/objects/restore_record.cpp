@@ -1,7 +1,5 @@
 #include "storage/objects/restore_record.h"
 
-#include <algorithm>
-
 #include "snapshot/text/log.h"
 #include "snapshot/text/text_buffer.h"
 #include "storage/objects/restore_database.h"
@@ -39,16 +37,14 @@ bool IsKnownType(ObjectType type) {
     }
 }
 
-bool ReadStoredBlock(const StorageMapping& storage, const ObjectRecord& record, InfoBlock& block) {
-    const std::uint32_t behind =
-        record.propOffset < storage.size() ? storage.size() - record.propOffset : 1;
-    const std::uint32_t length = std::min<std::uint32_t>(kInfoBlockBytes, behind);
-    const StoredBytes stored = MapStoredBytes(storage, record.propOffset, length);
-    if (stored.bytes == nullptr) {
+bool ReadStoredBlock(StorageReader& stored, const ObjectRecord& record, InfoBlock& block) {
+    std::uint8_t bytes[kInfoBlockBytes];
+    std::uint32_t read = 0;
+    if (!stored.ReadUpTo(record.propOffset, bytes, sizeof bytes, read) || read == 0) {
         LogMapFailure(record);
         return false;
     }
-    if (!ParseInfoBlock(stored.bytes, length, block) || block.type() != record.type ||
+    if (!ParseInfoBlock(bytes, read, block) || block.type() != record.type ||
         !IsKnownType(record.type)) {
         LogMessage(u"Fail GetInfoFromStorage", kModule, kLogError);
         return false;
@@ -57,16 +53,16 @@ bool ReadStoredBlock(const StorageMapping& storage, const ObjectRecord& record, 
 }
 
 // Whether the object of a record that was never stored is on the device.
-bool ReadLiveBlock(InfoSource& info, const ObjectRecord& record, InfoBlock& block) {
-    return info.GetOIDInfo(record.TolvOID, record.dwOID, block) && block.type() == record.type;
+bool ReadLiveBlock(LiveObjects& live, const ObjectRecord& record, InfoBlock& block) {
+    return live.GetOIDInfo(record.TolvOID, record.dwOID, block) && block.type() == record.type;
 }
 
 // An object that was never stored can only be deleted. One that is to be written back is on the
 // device already: it could not be deleted, and its list's sense was turned round.
-RestoreOutcome WithoutStoredBlock(InfoSource& info, const ObjectRecord& record, RestoreMode mode,
+RestoreOutcome WithoutStoredBlock(LiveObjects& live, const ObjectRecord& record, RestoreMode mode,
                                   InfoBlock& block, bool& decided) {
     decided = true;
-    if (!ReadLiveBlock(info, record, block)) {
+    if (!ReadLiveBlock(live, record, block)) {
         if (mode == RestoreMode::kDelete) {
             return RestoreOutcome::kDone;
         }
@@ -95,7 +91,7 @@ RestoreOutcome RestoreDescribed(RestoreTools& tools, const ObjectRecord& record,
             : StoredBytes();
     if (is_registry) {
         const RegistryObject* live =
-            record.propOffset == 0 ? tools.info.FindRegistryObject(record.TolvOID) : nullptr;
+            record.propOffset == 0 ? tools.live.FindRegistryObject(record.TolvOID) : nullptr;
         return RestoreRegistryObject(data, block, live, mode);
     }
     return RestoreDatabaseObject(tools.databases, tools.written, data, block, record.dwOID, newOid,
@@ -110,12 +106,12 @@ RestoreOutcome DoRestoreRecord(RestoreTools& tools, const ObjectRecord& record, 
         (record.flags & JF_ADD) != 0 ? RestoreMode::kDelete : RestoreMode::kWriteBack;
     InfoBlock block;
     if (record.propOffset != 0) {
-        if (!ReadStoredBlock(tools.storage, record, block)) {
+        if (!ReadStoredBlock(tools.stored, record, block)) {
             return RestoreOutcome::kFailed;
         }
     } else {
         bool decided = false;
-        const RestoreOutcome outcome = WithoutStoredBlock(tools.info, record, mode, block, decided);
+        const RestoreOutcome outcome = WithoutStoredBlock(tools.live, record, mode, block, decided);
         if (decided) {
             return outcome;
         }

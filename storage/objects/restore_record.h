@@ -6,6 +6,7 @@
 #include "snapshot/compare/info_source.h"
 #include "snapshot/compare/written_records.h"
 #include "storage/files/storage_view.h"
+#include "storage/format/storage_reader.h"
 #include "storage/objects/database_layer.h"
 #include "storage/objects/restore_outcome.h"
 
@@ -13,10 +14,11 @@ namespace tolvenar {
 
 // What restoring an object works with.
 struct RestoreTools {
-    InfoSource& info;
+    LiveObjects& live;
+    StorageReader& stored;
     DatabaseLayer& databases;
-    const StorageMapping& storage;
-    bool skip_databases;  // databases and records count as done, untouched
+    const StorageMapping& storage;  // what `stored` reads
+    bool skip_databases;            // databases and records count as done, untouched
     WrittenRecords written;
 };
 

@@ -3,12 +3,11 @@
 #include "platform/text.h"
 #include "platform/unique_resource.h"
 #include "snapshot/text/log.h"
-#include "storage/files/block_io.h"
+#include "storage/files/handle_bytes.h"
+#include "storage/format/journal_records.h"
 
 namespace tolvenar {
 namespace {
-
-constexpr std::uint32_t kRecordBytes = sizeof(ObjectRecord);
 
 UniqueHandle OpenJournalFile(const StorageNames& names) {
     return OpenFile(names.journal, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, OPEN_ALWAYS);
@@ -27,43 +26,6 @@ bool FinishInterruptedSave(const StorageNames& names) {
     return ::MoveFileW(Wide(names.journal_temporary), Wide(names.journal)) != FALSE;
 }
 
-// A short last record keeps the bytes of the one before it behind its own, on purpose: the buffer
-// is the same for all. False when memory is short.
-bool ReadRecords(HANDLE file, ObjectList& list, Progress* progress, std::uint32_t& taken) {
-    ObjectRecord record{};
-    DWORD done = 0;
-    while (::ReadFile(file, &record, kRecordBytes, &done, nullptr) && done != 0) {
-        if (!list.AddObject(record)) {
-            return false;
-        }
-        ++taken;
-        if (progress != nullptr) {
-            progress->ProgressStep();
-        }
-    }
-    return true;
-}
-
-// Stops at the first failed write. Returns the result of the last one.
-int WriteRecords(HANDLE file, const ObjectList& list, Progress* progress) {
-    int result = 0;
-    ObjectList::Cursor cursor = list.First();
-    ObjectRecord* record = nullptr;
-    while (ObjectList::Next(cursor, nullptr, &record)) {
-        if (record->propOffset == 0 && (record->flags & JF_DELETE) != 0) {
-            LogMessage(u"Empty propOffset, but JF_DELETE", u"CloseJournal", kLogError);
-        }
-        result = WriteAll(file, record, kRecordBytes) ? 1 : 0;
-        if (result == 0) {
-            break;
-        }
-        if (progress != nullptr) {
-            progress->ProgressStep();
-        }
-    }
-    return result;
-}
-
 int SaveObjectList(const StorageNames& names, const ObjectList& list, Progress* progress) {
     UniqueHandle file = OpenFile(names.journal_temporary, GENERIC_WRITE, 0, CREATE_ALWAYS);
     if (!file) {
@@ -73,7 +35,8 @@ int SaveObjectList(const StorageNames& names, const ObjectList& list, Progress* 
         progress->ProgressBegin(list.CountRecords());
         progress->ProgressStep(u"Saving object list...");
     }
-    const int result = WriteRecords(file.get(), list, progress);
+    HandleBytes bytes(file.get());
+    const int result = WriteJournalRecords(bytes, list, progress) ? 1 : 0;
     ::FlushFileBuffers(file.get());
     file.Reset();
     // A list that could be written in part only replaces the journal all the same: what it holds is
@@ -113,19 +76,20 @@ bool LoadObjectList(const StorageNames& names, ObjectList& list, Progress* progr
         return false;
     }
     const UniqueHandle file = OpenJournalFile(names);
-    std::uint32_t bytes = 0;
-    if (!file || !FileBytes(file.get(), bytes)) {
+    HandleBytes bytes(file.get());
+    std::uint32_t size = 0;
+    if (!file || !bytes.Size(size)) {
         return false;
     }
-    if (bytes == 0) {
+    if (size == 0) {
         return true;
     }
-    load.held = bytes / kRecordBytes + (bytes % kRecordBytes != 0 ? 1 : 0);
+    load.held = JournalRecordCount(size);
     if (progress != nullptr) {
-        progress->ProgressBegin(bytes / kRecordBytes);
+        progress->ProgressBegin(size / sizeof(ObjectRecord));
         progress->ProgressStep(u"Loading object list...");
     }
-    return ReadRecords(file.get(), list, progress, load.taken);
+    return ReadJournalRecords(bytes, list, progress, load.taken);
 }
 
 int CloseJournal(const StorageNames& names, std::unique_ptr<ObjectList>& list, bool save,
@@ -137,7 +101,7 @@ int CloseJournal(const StorageNames& names, std::unique_ptr<ObjectList>& list, b
 
 bool EmptyJournal(const StorageNames& names) {
     const UniqueHandle file = OpenJournalFile(names);
-    if (!file || !MoveTo(file.get(), 0) || !::SetEndOfFile(file.get())) {
+    if (!file || !::SetEndOfFile(file.get())) {
         return false;
     }
     return !Exists(names.journal_temporary) || ::DeleteFileW(Wide(names.journal_temporary));
@@ -155,8 +119,8 @@ std::uint32_t LowestStateNumber(const ObjectList* list) {
 
 std::uint32_t JournalFileSize(const StorageNames& names) {
     const UniqueHandle file = OpenFile(names.journal, GENERIC_READ, 0, OPEN_EXISTING);
-    std::uint32_t bytes = 0;
-    return file && FileBytes(file.get(), bytes) ? bytes : kNoFileSize;
+    std::uint32_t size = 0;
+    return file && HandleBytes(file.get()).Size(size) ? size : kNoFileSize;
 }
 
 }  // namespace tolvenar

@@ -1,9 +1,12 @@
 #include "storage/opened/state_details.h"
 
+#include <algorithm>
+
 #include "platform/text.h"
 #include "platform/unique_resource.h"
-#include "storage/files/block_io.h"
+#include "storage/files/handle_bytes.h"
 #include "storage/format/info_block.h"
+#include "storage/format/storage_reader.h"
 
 namespace tolvenar {
 namespace {
@@ -17,18 +20,14 @@ void FormatStateTime(const InfoBlockHead& head, char16_t (&text)[kDateTimeTextUn
 }
 
 // Takes what is there of the description: a block may claim more than the file holds.
-void ReadDescription(HANDLE file, const ObjectRecord& record, std::uint32_t data_bytes,
+void ReadDescription(StorageReader& storage, const ObjectRecord& record, std::uint32_t data_bytes,
                      char16_t (&text)[kStateDescriptionUnits]) {
     constexpr std::uint32_t kRoom = sizeof text - sizeof(char16_t);
-    if (record.data_offset == kNoData || !MoveTo(file, record.data_offset)) {
-        return;
+    std::uint32_t read = 0;
+    if (record.data_offset != kNoData) {
+        storage.ReadUpTo(record.data_offset, text, std::min(data_bytes, kRoom), read);
     }
-    DWORD done = 0;
-    const DWORD wanted = data_bytes < kRoom ? data_bytes : kRoom;
-    if (!::ReadFile(file, text, wanted, &done, nullptr)) {
-        done = 0;
-    }
-    text[done / sizeof(char16_t)] = 0;
+    text[read / sizeof(char16_t)] = 0;
 }
 
 }  // namespace
@@ -36,15 +35,17 @@ void ReadDescription(HANDLE file, const ObjectRecord& record, std::uint32_t data
 bool ReadStateDetails(const StorageNames& names, const ObjectRecord& record,
                       StateDetails& details) {
     details = {};
-    const UniqueHandle file =
-        OpenFile(names.sav, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, OPEN_EXISTING);
+    const UniqueHandle file = OpenSavFile(names);
+    HandleBytes bytes(file.get());
+    StorageReader storage(bytes);
     InfoBlockHead head{};
-    if (!file || !MoveTo(file.get(), record.propOffset) ||
-        !ReadAll(file.get(), &head, sizeof head)) {
+    std::uint32_t read = 0;
+    if (!file || !storage.ReadUpTo(record.propOffset, &head, sizeof head, read) ||
+        read != sizeof head) {
         return false;
     }
     FormatStateTime(head, details.time);
-    ReadDescription(file.get(), record, head.data_bytes, details.description);
+    ReadDescription(storage, record, head.data_bytes, details.description);
     return true;
 }
 

@@ -6,7 +6,8 @@
 #include "app/settings/settings.h"
 #include "platform/text.h"
 #include "platform/unique_resource.h"
-#include "storage/files/block_io.h"
+#include "storage/files/handle_bytes.h"
+#include "storage/format/storage_reader.h"
 #include "storage/log/date_text.h"
 
 namespace tolvenar {
@@ -15,11 +16,11 @@ namespace {
 constexpr std::size_t kDeviceNameUnits = sizeof(StorageHeader::deviceName) / sizeof(char16_t);
 
 // Head and description are two writes; whether they succeed shows at the next open.
-void WriteWithDescription(HANDLE file, StorageHeader& header, const char16_t* text,
+void WriteWithDescription(ByteAppender& file, StorageHeader& header, const char16_t* text,
                           std::size_t units) {
     SetDescription(header, text, units);
-    WriteAll(file, &header, kDescriptionOffset);
-    WriteAll(file, text, header.descriptionBytes);
+    file.Append(&header, kDescriptionOffset);
+    file.Append(text, header.descriptionBytes);
 }
 
 // An empty description is none: the head would end before its last four bytes.
@@ -48,23 +49,6 @@ void SetCreationTime(StorageHeader& header) {
     header.created_high = created.dwHighDateTime;
 }
 
-// Read once for the length of the description and again with it. Either may end early: the parser
-// decides what is enough.
-bool ReadHeader(HANDLE file, StorageHeader& header) {
-    StorageHeader raw{};
-    DWORD done = 0;
-    if (!::ReadFile(file, &raw, kStorageHeadBytes, &done, nullptr) ||
-        !ParseStorageHeader(&raw, done, header)) {
-        return false;
-    }
-    if (header.descriptionBytes == 0) {
-        return true;
-    }
-    const auto bytes = static_cast<DWORD>(StorageHeaderBytesToRead(header));
-    return MoveTo(file, 0) && ::ReadFile(file, &raw, bytes, &done, nullptr) &&
-           ParseStorageHeader(&raw, done, header);
-}
-
 }  // namespace
 
 std::unique_ptr<StorageHeader> CreateStorage(const char16_t* path, DescriptionPrompt* prompt) {
@@ -78,14 +62,15 @@ std::unique_ptr<StorageHeader> CreateStorage(const char16_t* path, DescriptionPr
         return nullptr;
     }
 
+    HandleBytes bytes(file.get());
     ReadDeviceIdent(*header);
     SetCreationTime(*header);
     char16_t answer[kMaxDescriptionUnits] = {};
     std::size_t units = 0;
     if (AskDescription(prompt, *header, answer, units)) {
-        WriteWithDescription(file.get(), *header, answer, units);
+        WriteWithDescription(bytes, *header, answer, units);
     } else {
-        WriteAll(file.get(), header.get(), kStorageHeadBytes);
+        bytes.Append(header.get(), kStorageHeadBytes);
     }
     return header;
 }
@@ -96,7 +81,8 @@ std::unique_ptr<StorageHeader> ReadStorageHeader(const char16_t* sav_path) {
         return nullptr;
     }
     std::unique_ptr<StorageHeader> header(new StorageHeader());
-    if (!header || !ReadHeader(file.get(), *header)) {
+    HandleBytes bytes(file.get());
+    if (!header || !StorageReader(bytes).ReadHead(*header)) {
         return nullptr;
     }
     return header;

@@ -8,8 +8,8 @@
 #include "snapshot/records/checksum.h"
 #include "snapshot/text/log.h"
 #include "snapshot/text/text_buffer.h"
-#include "storage/files/block_io.h"
 #include "storage/files/card_space.h"
+#include "storage/files/handle_bytes.h"
 #include "storage/objects/object_data_writers.h"
 #include "storage/opened/journal.h"
 
@@ -27,15 +27,6 @@ bool Fail(ResultCode code, ResultCode& result_code) {
     return false;
 }
 
-UniqueHandle OpenForAppending(const StorageNames& names) {
-    UniqueHandle sav_file =
-        OpenFile(names.sav, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, OPEN_EXISTING);
-    if (sav_file && !MoveToEnd(sav_file.get())) {
-        sav_file.Reset();
-    }
-    return sav_file;
-}
-
 // Enters the record that makes the state visible. It goes to the front of the list, so that the
 // state's block is the first of every backup.
 bool AddStateRecord(ObjectList& difference, std::uint32_t state_number) {
@@ -50,11 +41,9 @@ bool AddStateRecord(ObjectList& difference, std::uint32_t state_number) {
 // that blocks and records will take.
 std::uint64_t NumberAndEstimate(Engine& engine, std::uint32_t state_number) {
     std::uint64_t total = 0;
-    ObjectRecord* record = nullptr;
-    ObjectList::Cursor cursor = engine.storage.difference->First();
-    while (ObjectList::Next(cursor, nullptr, &record)) {
-        record->state_number = static_cast<std::uint16_t>(state_number);
-        total += std::uint64_t{EstimateBlockSize(engine, *record)} + sizeof(ObjectRecord);
+    for (const ObjectList::Node& node : *engine.storage.difference) {
+        node.record->state_number = static_cast<std::uint16_t>(state_number);
+        total += std::uint64_t{EstimateBlockSize(engine, *node.record)} + sizeof(ObjectRecord);
     }
     return total;
 }
@@ -66,7 +55,7 @@ bool CheckRoom(Engine& engine, std::uint64_t estimate, ResultCode& result_code,
     if (!FreeBytesOfCard(names, free_on_card)) {
         return Fail(ResultCode::kFailed, result_code);
     }
-    // Only the low half is looked at, on purpose: offsets in a storage file have 32 bits.
+    // Only the low half is looked at (docs/oddities.md, 6).
     const auto free_bytes = static_cast<std::uint32_t>(free_on_card);
     const std::uint32_t journal_bytes = JournalFileSize(names);
     if (journal_bytes == kNoFileSize) {
@@ -80,31 +69,30 @@ bool CheckRoom(Engine& engine, std::uint64_t estimate, ResultCode& result_code,
 // Appends the blocks of the difference list to the storage file.
 bool WriteState(Engine& engine, std::uint32_t state_number, const char16_t* description,
                 ResultCode& result_code, std::uint32_t& bytes_needed) {
-    const UniqueHandle sav_file = OpenForAppending(engine.storage.names);
+    const UniqueHandle sav_file = OpenSavFile(engine.storage.names);
+    HandleBytes sav_bytes(sav_file.get());
     ObjectList& difference = *engine.storage.difference;
     engine.info.SetStateDescription(description);
-    if (!sav_file || !AddStateRecord(difference, state_number)) {
+    std::uint32_t end = 0;
+    if (!sav_file || !sav_bytes.Size(end) || !sav_bytes.MoveTo(end) ||
+        !AddStateRecord(difference, state_number)) {
         return Fail(ResultCode::kFailed, result_code);
     }
     const std::uint64_t estimate = NumberAndEstimate(engine, state_number);
     if (!CheckRoom(engine, estimate, result_code, bytes_needed)) {
         return false;
     }
+    StorageAppender storage(sav_bytes, end);
     std::size_t failed_count = 0;
-    if (!BackupItems(engine, sav_file.get(), difference, failed_count) ||
-        !::FlushFileBuffers(sav_file.get())) {
-        return Fail(ResultCode::kFailed, result_code);
-    }
-    return true;
+    BackupItems(engine, storage, difference, failed_count);
+    return ::FlushFileBuffers(sav_file.get()) || Fail(ResultCode::kFailed, result_code);
 }
 
 // Records that failed stay out: their objects are not in the new state and the next backup meets
 // them again.
 bool MergeIntoJournal(const ObjectList& difference, ObjectList& journal) {
-    ObjectRecord* record = nullptr;
-    ObjectList::Cursor cursor = difference.First();
-    while (ObjectList::Next(cursor, nullptr, &record)) {
-        if ((record->flags & JF_FAILED) == 0 && !journal.AddObject(*record)) {
+    for (const ObjectList::Node& node : difference) {
+        if ((node.record->flags & JF_FAILED) == 0 && !journal.AddObject(*node.record)) {
             return false;
         }
     }
@@ -158,9 +146,6 @@ void LogFailedItem(Engine& engine, const ObjectRecord& record) {
     LogMessage(text.text(), u"backup item failed", kLogError);
 }
 
-// Keys have no data and the fingerprint of a database is its number of records.
-bool CarriesDataChecksum(ObjectType type) { return (static_cast<unsigned>(type) & 6) == 0; }
-
 }  // namespace
 
 bool DoBackup(Engine& engine, std::uint32_t state_number, const char16_t* description,
@@ -175,16 +160,15 @@ bool DoBackup(Engine& engine, std::uint32_t state_number, const char16_t* descri
     return done;
 }
 
-int BackupItems(Engine& engine, HANDLE sav_file, ObjectList& list, std::size_t& failed_count) {
+int BackupItems(Engine& engine, StorageAppender& storage, ObjectList& list,
+                std::size_t& failed_count) {
     engine.progress.ProgressBegin(list.CountRecords());
     engine.progress.ProgressStep(u"Backing Up...");
     failed_count = 0;
-    ObjectRecord* record = nullptr;
-    ObjectList::Cursor cursor = list.First();
-    while (ObjectList::Next(cursor, nullptr, &record)) {
-        if (!BackupItem(engine, sav_file, *record)) {
-            record->flags |= JF_FAILED;
-            LogFailedItem(engine, *record);
+    for (const ObjectList::Node& node : list) {
+        if (!BackupItem(engine, storage, *node.record)) {
+            node.record->flags |= JF_FAILED;
+            LogFailedItem(engine, *node.record);
             ++failed_count;
         }
         engine.progress.ProgressStep();
@@ -192,27 +176,26 @@ int BackupItems(Engine& engine, HANDLE sav_file, ObjectList& list, std::size_t& 
     return 1;
 }
 
-bool BackupItem(Engine& engine, HANDLE sav_file, ObjectRecord& record) {
+bool BackupItem(Engine& engine, StorageAppender& storage, ObjectRecord& record) {
     if ((record.flags & JF_ADD) == 0) {
         return true;
     }
     InfoBlock block;
-    std::uint32_t block_offset = 0;
-    if (!engine.info.GetOIDInfo(record.TolvOID, record.dwOID, block) ||
-        !FilePosition(sav_file, block_offset)) {
+    if (!engine.info.GetOIDInfo(record.TolvOID, record.dwOID, block)) {
         return false;
     }
     StoredData data;
     const DataWriter writer{engine.databases,
                             engine.storage.registry_objects,
                             engine.info.state_description(),
-                            sav_file,
+                            storage,
                             block,
                             record.TolvOID,
                             record.dwOID};
-    if (!WriteBlock(sav_file, block.bytes(), kInfoHeadBytes, block_offset, true) ||
-        !BackupObjectData(writer, data)) {
-        MoveTo(sav_file, block_offset);
+    std::uint32_t block_offset = 0;
+    if (!storage.WriteBlock(block.bytes(), kInfoHeadBytes, block_offset, true) ||
+        !BackupObjectData(writer, data) || !storage.Flush()) {
+        storage.TakeBack(block_offset);
         return false;
     }
     record.info_checksum = Checksum16(block.bytes(), block.size());

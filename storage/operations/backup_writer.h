@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "storage/format/storage_appender.h"
 #include "storage/opened/engine.h"
 #include "storage/operations/result_code.h"
 
@@ -15,14 +16,15 @@ namespace tolvenar {
 bool DoBackup(Engine& engine, std::uint32_t state_number, const char16_t* description,
               bool keep_journal_closed, ResultCode& result_code, std::uint32_t& bytes_needed);
 
-// Writes every record of `list` at the file's position. A record that cannot be written is marked
+// Appends every record of `list`. A record that cannot be written is marked
 // JF_FAILED, logged and counted. Returns 1.
-int BackupItems(Engine& engine, HANDLE sav_file, ObjectList& list, std::size_t& failed_count);
+int BackupItems(Engine& engine, StorageAppender& storage, ObjectList& list,
+                std::size_t& failed_count);
 
 // Writes one object and enters its offsets and checksums in `record`; a record without JF_ADD needs
-// nothing. On failure the file position is back where it was, so that the next block overwrites
-// what was written.
-bool BackupItem(Engine& engine, HANDLE sav_file, ObjectRecord& record);
+// nothing. On failure the writing end is back where it was, so that the next block overwrites what
+// was written.
+bool BackupItem(Engine& engine, StorageAppender& storage, ObjectRecord& record);
 
 // Bytes that the object will take in the storage file; 0 when it needs none or cannot be described.
 std::uint32_t EstimateBlockSize(Engine& engine, const ObjectRecord& record);

@@ -13,10 +13,10 @@ constexpr DWORD kSettleMs = 100;
 
 bool IsDeletion(const ObjectRecord& record) { return (record.flags & JF_ADD) != 0; }
 bool IsFileToWrite(const ObjectRecord& record) {
-    return (record.flags & JF_DELETE) != 0 && record.type == ObjectType::kFile;
+    return (record.flags & JF_DELETE) != 0 && TraitsOf(record.type).phase == RestorePhase::kFiles;
 }
 bool IsOtherToWrite(const ObjectRecord& record) {
-    return (record.flags & JF_DELETE) != 0 && record.type != ObjectType::kFile;
+    return (record.flags & JF_DELETE) != 0 && TraitsOf(record.type).phase == RestorePhase::kOthers;
 }
 
 // The passes over one list. Repeating them settles the order of objects that depend on one another
@@ -30,8 +30,7 @@ public:
           journal_(engine.storage.journal.get()) {}
 
     // Repeats passes over the chosen records until one has no failures, or as many as the one
-    // before it. The count of the pass before goes from one phase into the next, on purpose: a
-    // phase whose first pass fails as often as the last pass of the phase before it ends at once.
+    // before it. The failure count carries over between phases (docs/oddities.md, 12).
     void RunPhase(bool (*chosen)(const ObjectRecord&)) {
         for (;;) {
             const std::size_t failures = RunPass(chosen);
@@ -51,13 +50,11 @@ public:
 private:
     std::size_t RunPass(bool (*chosen)(const ObjectRecord&)) {
         std::size_t failures = 0;
-        ObjectList::Cursor cursor = list_.First();
-        ObjectRecord* record = nullptr;
-        while (ObjectList::Next(cursor, nullptr, &record)) {
-            if (!chosen(*record)) {
+        for (const ObjectList::Node& node : list_) {
+            if (!chosen(*node.record)) {
                 continue;
             }
-            if (!Restore(*record)) {
+            if (!Restore(*node.record)) {
                 ++failures;
             }
             progress_.ProgressStep();
@@ -101,12 +98,14 @@ private:
 // overwritten: on a device that was reset one of them may have the id that another stored record
 // had before. False when there is no memory.
 bool ProtectMatchedRecords(const ObjectList* device, WrittenRecords& written) {
-    ObjectRecord* record = nullptr;
-    ObjectList::Cursor cursor = device == nullptr ? nullptr : device->First();
-    while (ObjectList::Next(cursor, nullptr, &record)) {
-        const bool is_matched = (record->flags & JF_MATCHED) != 0;
-        if (is_matched && record->type == ObjectType::kDatabaseRecord && record->dwOID != 0 &&
-            !written.Add(record->dwOID)) {
+    if (device == nullptr) {
+        return true;
+    }
+    for (const ObjectList::Node& node : *device) {
+        const ObjectRecord& record = *node.record;
+        const bool is_matched = (record.flags & JF_MATCHED) != 0;
+        if (is_matched && record.type == ObjectType::kDatabaseRecord && record.dwOID != 0 &&
+            !written.Add(record.dwOID)) {
             return false;
         }
     }
@@ -124,7 +123,9 @@ bool RestoreList(Engine& engine, ObjectList& list, bool skip_databases, ResultCo
     engine.progress.ProgressBegin(2 * list.CountRecords());
     engine.progress.ProgressStep(u"Restoring...");
     const DatabaseCacheScope cache(engine.databases);
-    RestoreTools tools{engine.info, engine.databases, storage, skip_databases, {}};
+    MappedBytes bytes(storage);
+    StorageReader stored(bytes);
+    RestoreTools tools{engine.info, stored, engine.databases, storage, skip_databases, {}};
     if (!ProtectMatchedRecords(engine.storage.newer.get(), tools.written)) {
         InvertPendingFlags(list);
         result_code = ResultCode::kFailed;

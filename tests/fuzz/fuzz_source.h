@@ -5,28 +5,28 @@
 
 #include "snapshot/compare/info_source.h"
 #include "snapshot/records/object_list.h"
+#include "storage/format/storage_reader.h"
+#include "tests/support/memory_bytes.h"
 
 namespace tolvenar {
 
-// Parses stored blocks out of the input, as from a storage file; every live object has the name
-// that its low id bits choose.
-class FuzzSource : public InfoSource {
+// The input as a storage file; every live object has the block that its low id bits choose.
+class FuzzSource : public LiveObjects, public InfoSource {
 public:
-    FuzzSource(const std::uint8_t* data, std::size_t size) : data_(data), size_(size) {}
+    FuzzSource(const std::uint8_t* data, std::size_t size)
+        : InfoSource(storage_, static_cast<LiveObjects&>(*this)),
+          file_(std::string(reinterpret_cast<const char*>(data), size)) {}
 
     bool GetOIDInfo(std::uint32_t TolvOID, std::uint32_t dwOID, InfoBlock& block) override {
         block.Clear();
         return (TolvOID & 1) == 0 &&
-               GetInfoFromStorage((TolvOID >> 8 & 0xFF) + (dwOID & 0xFF), block);
+               storage_.GetInfoFromStorage((TolvOID >> 8 & 0xFF) + (dwOID & 0xFF), block);
     }
-    bool GetInfoFromStorage(std::uint32_t offset, InfoBlock& block) override {
-        block.Clear();
-        return offset <= size_ && ParseInfoBlock(data_ + offset, size_ - offset, block);
-    }
+    const RegistryObject* FindRegistryObject(std::uint32_t) override { return nullptr; }
 
 private:
-    const std::uint8_t* data_;
-    std::size_t size_;
+    MemoryBytes file_;
+    StorageReader storage_{file_};
 };
 
 // Every 32 bytes from `begin` on are a record; a rest is left.

@@ -14,7 +14,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     PruneDifferences(*diff, kBackupPruning, info);
     PruneDifferences(*diff, kRestorePruning, info);
     std::size_t left = 0;
-    for (ObjectList::Cursor node = diff->First(); node != nullptr; node = node->next) {
+    for ([[maybe_unused]] const ObjectList::Node& node : *diff) {
         ++left;
     }
     if (left != diff->CountRecords() || left > before) {

@@ -3,7 +3,8 @@
 #include "simulator/host/host_files.h"
 #include "snapshot/compare/record_info.h"
 #include "snapshot/engine/difference_engine.h"
-#include "storage/files/block_io.h"
+#include "storage/files/handle_bytes.h"
+#include "storage/format/storage_reader.h"
 
 namespace tolvenar {
 namespace {
@@ -43,9 +44,9 @@ void AdvancedModelTest::RestoreDatabases(bool on) {
 }
 
 // "+ file \a.txt": what a record of a list says about which object.
-std::string AdvancedModelTest::LineOf(const ObjectRecord& record) {
+std::string AdvancedModelTest::LineOf(const ObjectRecord& record, InfoSource& info) {
     InfoBlock block;
-    EXPECT_TRUE(FetchInfo(record, info_, block));
+    EXPECT_TRUE(FetchInfo(record, info, block));
     const std::string sign = (record.flags & JF_ADD) != 0 ? "+ " : "- ";
     const std::u16string name = HiveOf(record, block) + block.name();
     const std::size_t separator = name.find(kNameSeparator);
@@ -63,7 +64,9 @@ std::string AdvancedModelTest::LineOf(const ObjectRecord& record) {
 Names AdvancedModelTest::LinesOf(const ObjectList* list, std::uint16_t state_number) {
     const UniqueHandle sav =
         OpenFile(storage_.names.sav, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING);
-    const StorageFileLoan loan(info_, sav.get());
+    HandleBytes bytes(sav.get());
+    StorageReader stored(bytes);
+    InfoSource info(stored, info_);
     Names lines;
     if (list == nullptr) {
         return lines;
@@ -71,7 +74,7 @@ Names AdvancedModelTest::LinesOf(const ObjectList* list, std::uint16_t state_num
     for (const ObjectRecord& record : RecordsOf(*list)) {
         const bool is_asked = state_number == 0 || record.state_number == state_number;
         if (is_asked && record.type != ObjectType::kState) {
-            lines.insert(LineOf(record));
+            lines.insert(LineOf(record, info));
         }
     }
     return lines;

@@ -40,7 +40,7 @@ protected:
     std::vector<tests::DeviceImage> states_;  // state n stands at n - 1
 
 private:
-    std::string LineOf(const ObjectRecord& record);
+    std::string LineOf(const ObjectRecord& record, InfoSource& info);
     Names LinesOf(const ObjectList* list, std::uint16_t state_number);
     tests::AdvancedModel ModelOf(std::size_t state, Button button) const;
     void RetryWhileItHelps();

@@ -74,7 +74,7 @@ TEST_F(AllocationFailureTest, ARefusedRecordStaysTheCallers) {
     const auto list = ObjectList::CreateList();
     std::unique_ptr<ObjectRecord> record(NewObjectRecord(MakeRecord(ObjectType::kFile, 1, 0)));
     FailAllocationsFrom(1);
-    EXPECT_EQ(nullptr, list->InsertByKey({1, 0, 0, 0}, record.get()));
+    EXPECT_EQ(nullptr, list->InsertByKey({1, 0, 0, 0, 0}, record.get()));
     FailAllocationsFrom(0);
     EXPECT_EQ(1u, record->dwOID);
     EXPECT_EQ(0u, list->CountRecords());
@@ -141,8 +141,8 @@ TEST_F(AllocationFailureTest, NewIdsReachTheJournalAllTheSame) {
         updater.UpdateJournalOid(JournalRecord(file, 1, JF_ADD, 9), oid + 40);
     }
     FailAllocationsFrom(0);
-    for (ObjectList::Cursor node = journal->First(); node != nullptr; node = node->next) {
-        EXPECT_EQ(node->key.dwOID + 40, node->record->dwOID);
+    for (const ObjectList::Node& node : *journal) {
+        EXPECT_EQ(node.key.dwOID + 40, node.record->dwOID);
     }
 }
 
@@ -162,8 +162,7 @@ TEST_F(AllocationFailureTest, ARegistryObjectIsNotEntered) {
     EXPECT_EQ(4u, ForEachAllocation([] {
                   RegistryObjects table;
                   std::uint32_t id = 0;
-                  const bool entered =
-                      table.Generate(u"kv", "", 0, false, 1, 1, 0, u"k", u"v", id) != 0;
+                  const bool entered = table.Generate(u"kv", {false, 1, u"k", u"v", 1, "", 0}, id);
                   const std::uint32_t first = MakeTolvOID(u"kv", "", 0, 0);
                   EXPECT_EQ(entered, table.RegObjectFind(first) != nullptr);
                   return entered;
@@ -174,7 +173,7 @@ TEST_F(AllocationFailureTest, WithoutAnyIndexNothingIsEntered) {
     RegistryObjects table;
     const auto list = ObjectList::CreateList();
     FailAllocationsFrom(1, 1);
-    EXPECT_EQ(0, table.RegObjectAdd(1, true, 1, 0, 0, u"k", nullptr));
+    EXPECT_EQ(0, table.RegObjectAdd(1, {true, 1, u"k"}));
     FailAllocationsFrom(2, 1);  // behind the copy of the record
     EXPECT_FALSE(list->AddObject(MakeRecord(ObjectType::kFile, 1, 0)));
     FailAllocationsFrom(0);
@@ -186,10 +185,10 @@ TEST_F(AllocationFailureTest, ARegistryObjectIsEnteredThoughTheIndexCannotGrow) 
     RegistryObjects table;
     const std::uint32_t count = 256;
     for (std::uint32_t id = 0; id < count; ++id) {
-        ASSERT_EQ(1, table.RegObjectAdd(id, true, 1, 0, 0, u"k", nullptr));
+        ASSERT_EQ(1, table.RegObjectAdd(id, {true, 1, u"k"}));
     }
     FailAllocationsFrom(1, 1);
-    EXPECT_EQ(1, table.RegObjectAdd(count, true, 1, 0, 0, u"k", nullptr));
+    EXPECT_EQ(1, table.RegObjectAdd(count, {true, 1, u"k"}));
     const bool index_was_asked_for = CountedAllocations() == 3;  // index, entry and key path
     FailAllocationsFrom(0);
     EXPECT_TRUE(index_was_asked_for);

@@ -14,29 +14,29 @@ protected:
     // Every call makes the same first identifier.
     std::uint32_t Next() {
         std::uint32_t id = 0;
-        result_ = table_.Generate(u"80000001k\u0041v", "data", 4, false, 0x80000001, 1, 4, u"k",
-                                  u"v", id);
+        entered_ =
+            table_.Generate(u"80000001k\u0041v", {false, 0x80000001, u"k", u"v", 1, "data", 4}, id);
         return id;
     }
 
     RegistryObjects table_;
-    int result_ = 0;
+    bool entered_ = false;
 };
 
 TEST_F(CollisionTest, CollidingObjectsGetCountersInTheOrderOfTheScan) {
     const std::uint32_t first = Next();
-    EXPECT_EQ(1, result_);
+    EXPECT_TRUE(entered_);
     EXPECT_EQ(first + 0x01000000, Next());
     EXPECT_EQ(first + 0x02000000, Next());
     EXPECT_EQ(0u, first >> 24);
 }
 
 TEST_F(CollisionTest, EachCollisionIsLogged) {
-    table_.RegObjectAdd(MakeTolvOID(u"full name", "data", 4, 0), false, 1, 1, 4, u"key\\path",
-                        u"value");
-    table_.RegObjectAdd(MakeTolvOID(u"full name", "data", 4, 1), true, 1, 0, 0, u"key", nullptr);
+    table_.RegObjectAdd(MakeTolvOID(u"full name", "data", 4, 0),
+                        {false, 1, u"key\\path", u"value", 1, "data", 4});
+    table_.RegObjectAdd(MakeTolvOID(u"full name", "data", 4, 1), {true, 1, u"key"});
     std::uint32_t id = 0;
-    ASSERT_EQ(1, table_.Generate(u"full name", "data", 4, true, 1, 0, 0, u"k", nullptr, id));
+    ASSERT_TRUE(table_.Generate(u"full name", {false, 1, u"k", u"v", 1, "data", 4}, id));
     EXPECT_EQ(MakeTolvOID(u"full name", "data", 4, 2), id);
     char digits[2][9];
     std::snprintf(digits[0], 9, "%08x", id - 0x02000000);
@@ -55,7 +55,7 @@ TEST_F(CollisionTest, TheCounterHas8BitsAnd256TriesAreAll) {
     }
     ClearLog();
     Next();
-    EXPECT_EQ(0, result_);
+    EXPECT_FALSE(entered_);
     EXPECT_EQ(256u, LogLines().size());
 }
 
@@ -63,9 +63,10 @@ TEST_F(CollisionTest, LongNamesAreCutNotOverrun) {
     const std::u16string path(300, u'k');
     const std::u16string name(800, u'v');
     const std::uint32_t taken = MakeTolvOID(path.c_str(), nullptr, 0, 0);
-    table_.RegObjectAdd(taken, false, 1, 1, 0, path.c_str(), name.c_str());
+    const RegistryEntry value{false, 1, path.c_str(), name.c_str(), 1, nullptr, 0};
+    table_.RegObjectAdd(taken, value);
     std::uint32_t id = 0;
-    table_.Generate(path.c_str(), nullptr, 0, false, 1, 1, 0, path.c_str(), name.c_str(), id);
+    table_.Generate(path.c_str(), value, id);
     ASSERT_EQ(1u, LogLines().size());
     EXPECT_EQ(std::string("I OID generation: ").size() + 1023, LogLines()[0].size());
 }

@@ -12,6 +12,8 @@ low/bytes   bytes                          | lists
 platform    device                         | handles
 low/device  device    low/bytes platform   | files
 high        device    low/bytes low/device | windows
+simulator/low   host                       | the store
+simulator/high  host      platform simulator/low | the commands
 """
 FILES = {
     "low/bytes/list.h": "#pragma once\n",
@@ -20,7 +22,9 @@ FILES = {
     "low/device/file.cpp": '#include "low/bytes/list.h"\n#include "platform/handle.h"\n',
     "low/device/file.h": "#pragma once\n",
     "high/window.cpp": '#include "low/bytes/list.h"\n#include "low/device/file.h"\n',
-    "simulator/device.h": "#pragma once\n",
+    "simulator/low/device.h": "#pragma once\n",
+    "simulator/high/command.cpp": '#include "platform/handle.h"\n#include "simulator/low/device.h"\n',
+    "simulator/high/command.h": "#pragma once\n",
     "docs/architecture.md": "<!-- rooms -->\n<!-- /rooms -->\n",
 }
 
@@ -96,8 +100,17 @@ class SeededViolation(unittest.TestCase):
         self.assert_fails_with("low/new.cpp lies in no room")
 
     def test_an_include_of_the_simulator_fails(self):
-        self.add("high/window.cpp", '#include "simulator/device.h"\n')
+        self.add("high/window.cpp", '#include "simulator/low/device.h"\n')
         self.assert_fails_with("high/window.cpp knows the simulator")
+
+    def test_an_upward_include_of_the_simulator_fails(self):
+        self.add("simulator/low/device.h", '#include "simulator/high/command.h"\n')
+        self.assert_fails_with("simulator/low does not name that room")
+
+    def test_a_room_of_the_program_that_names_the_simulator_fails(self):
+        self.write("cmake/rooms.txt", ROOMS + "top  device  simulator/low | pages\n")
+        self.write("top/page.cpp", '#include "simulator/low/device.h"\n')
+        self.assert_fails_with("top/page.cpp knows the simulator")
 
     def test_a_cycle_fails(self):
         self.write("high/a.h", '#include "high/b.h"\n')

@@ -1,5 +1,5 @@
 // The captions of two windows of one program.
-#include "simulator/processes/processes.h"
+#include "simulator/programs/programs.h"
 #include "tests/support/programs.h"
 
 namespace tests {

@@ -5,7 +5,7 @@
 #include <notify.h>
 
 #include "simulator/processes/process_handles.h"
-#include "simulator/processes/rest.h"
+#include "simulator/programs/rest.h"
 #include "tests/support/programs.h"
 
 namespace tests {
@@ -129,7 +129,7 @@ TEST_F(CommandNotificationsTest, AProgramThatShowsAWindowIsNotAtRest) {
     ASSERT_TRUE(Eventually([] { return ::FindWindowW(L"Dialog", L"Probe") != nullptr; }));
     EXPECT_FALSE(watch.WaitForRest(dialog, 100));
     sim::processes::Kill(device().sim(), dialog.pid);
-    EXPECT_TRUE(watch.WaitForRest(dialog, 100));
+    EXPECT_TRUE(watch.WaitForRest(dialog, 5000));
     sim::processes::CloseStarted(dialog);
 }
 
@@ -137,8 +137,12 @@ TEST_F(CommandNotificationsTest, AProgramThatShowsAWindowIsNotAtRest) {
 TEST_F(CommandNotificationsTest, AProgramThatIsStillAboutToShowItsWindowIsNotAtRest) {
     sim::processes::Watch watch(device().sim());
     const auto dialog = sim::processes::Start(device().sim(), L"probe.exe", L"slow dialog");
-    EXPECT_FALSE(watch.WaitForRest(dialog, 1000));
-    EXPECT_NE(nullptr, ::FindWindowW(L"Dialog", L"Probe"));
+    bool rested = false;
+    EXPECT_TRUE(Eventually([&] {
+        rested = rested || watch.WaitForRest(dialog, 100);
+        return ::IsWindowVisible(::FindWindowW(L"Dialog", L"Probe")) != FALSE;
+    }));
+    EXPECT_FALSE(rested);
     sim::processes::Kill(device().sim(), dialog.pid);
     sim::processes::CloseStarted(dialog);
 }

@@ -5,6 +5,7 @@
 #include <optional>
 #include <thread>
 
+#include "simulator/store/device_name.h"
 #include "simulator/windows/control.h"
 #include "tests/support/programs.h"
 
@@ -75,9 +76,9 @@ TEST_F(DesktopTest, DialogsAndBoxesAreCentredOnTheirOwnDevicesScreen) {
 
 TEST_F(DesktopTest, DevicesHaveNamesOfTheirOwn) {
     SecondDevice second;
-    EXPECT_NE(sim::windows::DesktopName(sim()), sim::windows::DesktopName(second.sim()));
-    EXPECT_EQ(sim::windows::DesktopName(sim()) + L"-TolvenarMutexObject",
-              sim::windows::ObjectName(sim(), L"TolvenarMutexObject"));
+    EXPECT_NE(sim::DeviceName(sim()), sim::DeviceName(second.sim()));
+    EXPECT_EQ(sim::DeviceName(sim()) + L"-TolvenarMutexObject",
+              sim::ObjectName(sim(), L"TolvenarMutexObject"));
 }
 
 TEST_F(DesktopTest, OneFolderIsOneDeviceHoweverItIsWritten) {
@@ -86,7 +87,7 @@ TEST_F(DesktopTest, OneFolderIsOneDeviceHoweverItIsWritten) {
         unit = unit == L'd' ? L'D' : unit;
     }
     sim::Device same(shouting);
-    EXPECT_EQ(sim::windows::DesktopName(sim()), sim::windows::DesktopName(same));
+    EXPECT_EQ(sim::DeviceName(sim()), sim::DeviceName(same));
 }
 
 // The host closes a thread's desktop handle with the thread.

@@ -1,7 +1,6 @@
-#include "simulator/processes/processes.h"
-
 #include "platform/win32.h"
 
+#include "simulator/programs/programs.h"
 #include "tests/support/programs.h"
 
 namespace tests {

@@ -5,7 +5,7 @@
 
 #include "platform/unique_resource.h"
 #include "simulator/host/host_files.h"
-#include "simulator/processes/processes.h"
+#include "simulator/programs/programs.h"
 #include "tests/support/programs.h"
 
 namespace tests {

@@ -3,6 +3,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "simulator/command/command.h"
 #include "tests/support/device_test.h"
 
 namespace {
@@ -39,6 +40,17 @@ TEST_F(TraceTest, NothingIsTracedWhileItIsOff) {
     device().Command("trace off");
     ::DeleteFileW(L"\\b.txt");
     EXPECT_EQ(Json::array(), Shown("DeleteFileW"));
+}
+
+// In this process a command allocates through the gate.
+TEST_F(TraceTest, WhatACommandItselfCallsIsNotTraced) {
+    const std::vector<std::string> show{"trace", "show"};
+    device().Command("trace on");
+    ::DeleteFileW(L"\\a.txt");
+    const sim::CommandResult first = sim::RunCommand(device().sim(), show);
+    const sim::CommandResult second = sim::RunCommand(device().sim(), show);
+    EXPECT_NE(std::string::npos, first.text.find("DeleteFileW"));
+    EXPECT_EQ(first.text, second.text);
 }
 
 TEST_F(TraceTest, TurningItOnStartsAnew) {

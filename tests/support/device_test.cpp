@@ -3,13 +3,13 @@
 #include <stdexcept>
 #include <utility>
 
+#include "simulator/command/apply_setting.h"
 #include "simulator/command/command.h"
 #include "simulator/gate/counters.h"
 #include "simulator/gate/rules.h"
 #include "simulator/host/attach.h"
 #include "simulator/host/host_files.h"
 #include "simulator/processes/processes.h"
-#include "simulator/system/settings.h"
 #include "storage/log/operation_log.h"
 
 namespace tests {

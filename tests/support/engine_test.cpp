@@ -4,7 +4,7 @@
 
 #include "simulator/databases/database_store.h"
 #include "simulator/gate/rules.h"
-#include "storage/files/block_io.h"
+#include "storage/files/handle_bytes.h"
 #include "tests/support/text.h"
 
 namespace tolvenar {
@@ -78,22 +78,19 @@ Lines StorageTest::LogLines() {
 }
 
 const ObjectRecord* StorageTest::RecordOf(const ObjectList& list, CEOID oid) {
-    ObjectRecord* record = nullptr;
-    ObjectList::Cursor cursor = list.First();
-    while (ObjectList::Next(cursor, nullptr, &record)) {
-        if (record->dwOID == oid) {
-            return record;
+    for (const ObjectList::Node& node : list) {
+        if (node.record->dwOID == oid) {
+            return node.record;
         }
     }
     return nullptr;
 }
 
 const ObjectRecord* StorageTest::JournalRecord(std::uint16_t state, CEOID oid, ObjectType type) {
-    ObjectRecord* record = nullptr;
-    ObjectList::Cursor cursor = storage_.journal->First();
-    while (ObjectList::Next(cursor, nullptr, &record)) {
-        if (record->state_number == state && record->dwOID == oid && record->type == type) {
-            return record;
+    for (const ObjectList::Node& node : *storage_.journal) {
+        const ObjectRecord& record = *node.record;
+        if (record.state_number == state && record.dwOID == oid && record.type == type) {
+            return &record;
         }
     }
     return nullptr;

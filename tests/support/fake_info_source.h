@@ -12,8 +12,19 @@
 
 namespace tolvenar {
 
-class FakeInfoSource : public InfoSource {
+class FakeInfoSource : public StoredObjects, public LiveObjects, public InfoSource {
 public:
+    FakeInfoSource()
+        : InfoSource(static_cast<StoredObjects&>(*this), static_cast<LiveObjects&>(*this)) {}
+    FakeInfoSource(const FakeInfoSource&) = delete;
+    // Takes the objects, not what was asked.
+    FakeInfoSource& operator=(const FakeInfoSource& other) {
+        stored = other.stored;
+        live = other.live;
+        registry = other.registry;
+        return *this;
+    }
+
     struct Object {
         std::u16string name;
         ObjectType type = ObjectType::kRegistryValue;

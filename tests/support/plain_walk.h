@@ -86,8 +86,8 @@ inline void AddToDifference(ObjectRecord& a, std::uint16_t mark, List& diff, Ref
     if (type == 32) {
         return;
     }
-    const std::uint32_t word2 = type == 1 || type == 8 ? a.content_fingerprint : 0;
-    const ObjectKey key{a.info_checksum * 0x10000u, word2, a.dwOID, a.TolvOID};
+    const std::uint32_t fingerprint = type == 1 || type == 8 ? a.content_fingerprint : 0;
+    const ObjectKey key{0, a.info_checksum, fingerprint, a.dwOID, a.TolvOID};
     if (Find(diff, key) != diff.end()) {
         reference.log.push_back("CmpLists: Key is equal");
     }
@@ -151,7 +151,7 @@ inline void DeleteCounterpart(List& out, const ObjectKey& key, const ObjectRecor
 inline void Replay(List& out, const KeyedRecord& source, Reference& reference) {
     const ObjectRecord& r = source.record;
     ObjectKey key = source.key;
-    key.word1 = key.word1 / 0x10000 * 0x10000;
+    key.state_number = 0;
     if (r.flags & 0x34) {
         ObjectRecord copy = r;
         copy.flags = 0;

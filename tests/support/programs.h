@@ -4,7 +4,7 @@
 #include <functional>
 #include <string>
 
-#include "simulator/processes/processes.h"
+#include "simulator/programs/programs.h"
 #include "tests/support/device_test.h"
 
 namespace tests {

@@ -41,11 +41,8 @@ struct KeyedRecord {
 // What a walk from the front meets.
 inline std::vector<KeyedRecord> Walk(const ObjectList& list) {
     std::vector<KeyedRecord> result;
-    ObjectList::Cursor cursor = list.First();
-    ObjectKey key;
-    ObjectRecord* record;
-    while (ObjectList::Next(cursor, &key, &record)) {
-        result.push_back({key, *record});
+    for (const ObjectList::Node& node : list) {
+        result.push_back({node.key, *node.record});
     }
     return result;
 }

@@ -148,17 +148,17 @@ ObjectRecord RestoreFixture::LiveFile(const std::wstring& path) {
 
 ObjectRecord RestoreFixture::LiveKey(HKEY root, const Text& key_path) {
     ObjectRecord record = Live(ObjectType::kRegistryKey, 0);
-    EXPECT_TRUE(storage_.registry_objects.Generate(key_path.c_str(), "", 0, true, HiveOf(root), 0,
-                                                   0, key_path.c_str(), nullptr, record.TolvOID));
+    EXPECT_TRUE(storage_.registry_objects.Generate(
+        key_path.c_str(), {true, HiveOf(root), key_path.c_str()}, record.TolvOID));
     return record;
 }
 
 ObjectRecord RestoreFixture::LiveValue(HKEY root, const Text& key_path, const Text& value_name) {
     ObjectRecord record = Live(ObjectType::kRegistryValue, 0);
     const Text full = key_path + kNameSeparator + value_name;
-    EXPECT_TRUE(storage_.registry_objects.Generate(full.c_str(), "", 0, false, HiveOf(root), REG_SZ,
-                                                   0, key_path.c_str(), value_name.c_str(),
-                                                   record.TolvOID));
+    EXPECT_TRUE(storage_.registry_objects.Generate(
+        full.c_str(), {false, HiveOf(root), key_path.c_str(), value_name.c_str(), REG_SZ, "", 0},
+        record.TolvOID));
     return record;
 }
 
@@ -167,9 +167,10 @@ RestoreTools& RestoreFixture::Run() {
         mapping_ = StorageMapping();
         SaveStorage();
         EXPECT_TRUE(mapping_.Open(storage_.names.sav));
+        reader_.emplace(mapped_);
     }
     if (!run_) {
-        run_.reset(new RestoreTools{info_, databases_, mapping_, false, {}});
+        run_.reset(new RestoreTools{info_, *reader_, databases_, mapping_, false, {}});
     }
     return *run_;
 }

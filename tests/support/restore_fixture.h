@@ -1,6 +1,8 @@
 // A storage on the card made block by block, and what a restore of its objects works with.
 #pragma once
 
+#include <optional>
+
 #include "storage/objects/restore_record.h"
 #include "tests/support/engine_test.h"
 
@@ -65,6 +67,8 @@ protected:
 
     Bytes sav_ = Bytes(236, '\0');
     StorageMapping mapping_;
+    MappedBytes mapped_{mapping_};
+    std::optional<StorageReader> reader_;
     std::unique_ptr<RestoreTools> run_;
 
 private:

@@ -1,6 +1,6 @@
 #include "tests/ui/stored_states.h"
 
-#include "difftree/window/list_enumerator.h"
+#include "difftree/window/opened_differences.h"
 #include "simulator/host/host_files.h"
 #include "snapshot/engine/difference_engine.h"
 #include "storage/opened/journal.h"
@@ -53,7 +53,7 @@ void StoredStates::BackUp(const std::string& description) {
 std::vector<TreeLine> StoredStates::Tree(unsigned older, unsigned newer, bool advanced_view) {
     storage_.difference.reset();
     EXPECT_EQ(older == 0 ? 0 : 1, older == 0 ? 0 : FindDifferenceEx(engine_, older, newer));
-    ListEnumerator enumerator(engine_);
+    OpenedDifferences differences(engine_);
     TreeBuild build;
     build.advanced_view = advanced_view;
     const std::string caption =
@@ -61,7 +61,7 @@ std::vector<TreeLine> StoredStates::Tree(unsigned older, unsigned newer, bool ad
     const std::u16string root(caption.begin(), caption.end());
     build.root_caption = older != 0 ? root.c_str() : nullptr;
     FakeTree tree;
-    EXPECT_EQ(1, BuildDifferenceTree(tree, EnglishTexts(), enumerator, build));
+    EXPECT_EQ(1, BuildDifferenceTree(tree, EnglishTexts(), differences.enumerator(), build));
     std::vector<TreeLine> lines;
     AddLines(*tree.root(), 0, lines);
     return lines;

@@ -32,7 +32,7 @@ std::unique_ptr<ObjectList> MakeJournal(const std::vector<ObjectRecord>& walked)
     std::uint32_t serial = 0;
     for (auto record = walked.rbegin(); record != walked.rend(); ++record) {
         // Keys of their own, so that records which are equal but for their place can be told apart.
-        EXPECT_TRUE(journal->InsertCopy(ObjectKey{++serial, 0, 0, 0}, *record));
+        EXPECT_TRUE(journal->InsertCopy(ObjectKey{0, 0, 0, ++serial, 0}, *record));
     }
     return journal;
 }
@@ -52,9 +52,8 @@ void PlainWalk(ObjectList& journal, const ObjectRecord& object, std::uint32_t ne
         return;
     }
     ObjectRecord* deletion = nullptr;
-    ObjectList::Cursor cursor = journal.First();
-    ObjectRecord* record = nullptr;
-    while (ObjectList::Next(cursor, nullptr, &record)) {
+    for (ObjectList::Node& node : journal) {
+        ObjectRecord* const record = node.record;
         if (record->dwOID != object.dwOID || record->info_checksum != object.info_checksum ||
             record->content_fingerprint != object.content_fingerprint ||
             record->propOffset != object.propOffset || record->data_offset != object.data_offset ||

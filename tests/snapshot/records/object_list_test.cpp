@@ -27,8 +27,8 @@ protected:
 TEST_F(ObjectListTest, ANewListIsEmpty) {
     EXPECT_EQ(nullptr, list_->First());
     EXPECT_EQ(0u, list_->CountRecords());
-    EXPECT_EQ(nullptr, list_->FindByKey({0, 0, 0, 0}));
-    EXPECT_EQ(0, list_->RemoveByKey({0, 0, 0, 0}));
+    EXPECT_EQ(nullptr, list_->FindByKey({}));
+    EXPECT_EQ(0, list_->RemoveByKey({}));
     ObjectList::Cursor cursor = list_->First();
     EXPECT_EQ(0, ObjectList::Next(cursor, nullptr, nullptr));
 }
@@ -56,19 +56,26 @@ TEST_F(ObjectListTest, ALoadedListComesOutInReverseOrder) {
 TEST_F(ObjectListTest, TheKeyIsMadeFromTheRecord) {
     ObjectRecord record = MakeRecord(ObjectType::kRegistryValue, 7, 0x01020304, 0xABCD, 0x1357);
     record.state_number = 0x0246;
-    EXPECT_EQ((ObjectKey{0xABCD0246, 0x1357, 7, 0x01020304}), KeyOf(record));
-    EXPECT_EQ((ObjectKey{0xABCD0000, 0x1357, 7, 0x01020304}), StatelessKeyOf(record));
+    EXPECT_EQ((ObjectKey{0x0246, 0xABCD, 0x1357, 7, 0x01020304}), KeyOf(record));
+    EXPECT_EQ((ObjectKey{0, 0xABCD, 0x1357, 7, 0x01020304}), StatelessKeyOf(record));
     list_->AddObject(record);
-    ASSERT_NE(nullptr, list_->FindByKey({0xABCD0246, 0x1357, 7, 0x01020304}));
+    ASSERT_NE(nullptr, list_->FindByKey({0x0246, 0xABCD, 0x1357, 7, 0x01020304}));
     EXPECT_EQ(0, std::memcmp(&record, list_->First()->record, sizeof record));
+}
+
+TEST_F(ObjectListTest, AKeyIsFourWords) {
+    const ObjectKey key{0x0246, 0xABCD, 0x1357, 7, 0x01020304};
+    const std::uint32_t words[] = {0xABCD0246, 0x1357, 7, 0x01020304};
+    EXPECT_EQ(0, std::memcmp(&key, words, sizeof words));
 }
 
 TEST_F(ObjectListTest, OnlyValuesAndDatabaseRecordsHaveTheFingerprintInTheirKey) {
     for (int type : {0, 2, 3, 4, 9, 16, 32, 255}) {
-        EXPECT_EQ(0u, KeyOf(MakeRecord(static_cast<ObjectType>(type), 1, 2, 3, 4)).word2) << type;
+        EXPECT_EQ(0u, KeyOf(MakeRecord(static_cast<ObjectType>(type), 1, 2, 3, 4)).fingerprint)
+            << type;
     }
-    EXPECT_EQ(4u, KeyOf(MakeRecord(ObjectType::kRegistryValue, 1, 2, 3, 4)).word2);
-    EXPECT_EQ(4u, KeyOf(MakeRecord(ObjectType::kDatabaseRecord, 1, 2, 3, 4)).word2);
+    EXPECT_EQ(4u, KeyOf(MakeRecord(ObjectType::kRegistryValue, 1, 2, 3, 4)).fingerprint);
+    EXPECT_EQ(4u, KeyOf(MakeRecord(ObjectType::kDatabaseRecord, 1, 2, 3, 4)).fingerprint);
 }
 
 TEST_F(ObjectListTest, RecordsThatDifferInTheFingerprintAloneReplaceOneAnotherUnlessOfTypes1Or8) {
@@ -90,13 +97,14 @@ TEST_F(ObjectListTest, RecordsThatDifferInTheFingerprintAloneReplaceOneAnotherUn
 }
 
 TEST_F(ObjectListTest, EveryWordOfTheKeyIsCompared) {
-    const ObjectKey key{1, 2, 3, 4};
+    const ObjectKey key{1, 2, 3, 4, 5};
     ASSERT_TRUE(list_->InsertCopy(key, MakeRecord(ObjectType::kFile, 1, 0)));
     EXPECT_NE(nullptr, list_->FindByKey(key));
-    EXPECT_EQ(nullptr, list_->FindByKey({0, 2, 3, 4}));
-    EXPECT_EQ(nullptr, list_->FindByKey({1, 0, 3, 4}));
-    EXPECT_EQ(nullptr, list_->FindByKey({1, 2, 0, 4}));
-    EXPECT_EQ(nullptr, list_->FindByKey({1, 2, 3, 0}));
+    EXPECT_EQ(nullptr, list_->FindByKey({0, 2, 3, 4, 5}));
+    EXPECT_EQ(nullptr, list_->FindByKey({1, 0, 3, 4, 5}));
+    EXPECT_EQ(nullptr, list_->FindByKey({1, 2, 0, 4, 5}));
+    EXPECT_EQ(nullptr, list_->FindByKey({1, 2, 3, 0, 5}));
+    EXPECT_EQ(nullptr, list_->FindByKey({1, 2, 3, 4, 0}));
 }
 
 TEST_F(ObjectListTest, APresentKeyKeepsItsPlaceAndGetsTheNewRecord) {
@@ -150,7 +158,7 @@ TEST_F(ObjectListTest, RemoveTakesOutTheNodeGiven) {
     for (std::uint32_t oid = 1; oid <= 3; ++oid) {
         AddFile(oid);
     }
-    list_->Remove(list_->First()->next);
+    list_->Remove(*list_->First()->next);
     EXPECT_EQ((std::vector<std::uint32_t>{3, 1}), Oids());
 }
 
@@ -168,11 +176,41 @@ TEST_F(ObjectListTest, NextGivesKeyAndRecordWhereAskedFor) {
     EXPECT_EQ(1u, key.dwOID);
 }
 
+TEST_F(ObjectListTest, ARangeIsWalkedFromTheFrontAndItsRecordsCanBeChanged) {
+    for (std::uint32_t oid = 1; oid <= 3; ++oid) {
+        AddFile(oid);
+    }
+    for (ObjectList::Node& node : *list_) {
+        node.record->propOffset = 10 * node.key.dwOID;
+    }
+    const ObjectList& list = *list_;
+    std::vector<std::uint32_t> offsets;
+    for (const ObjectList::Node& node : list) {
+        offsets.push_back(node.record->propOffset);
+    }
+    EXPECT_EQ((std::vector<std::uint32_t>{30, 20, 10}), offsets);
+}
+
+TEST_F(ObjectListTest, RemoveIfAsksEachNodeOnceFromTheFront) {
+    for (std::uint32_t oid = 1; oid <= 6; ++oid) {
+        AddFile(oid);
+    }
+    std::vector<std::uint32_t> asked;
+    // At the front, at the end and two in a row.
+    list_->RemoveIf([&asked](const ObjectList::Node& node) {
+        asked.push_back(node.key.dwOID);
+        return node.key.dwOID != 2 && node.key.dwOID != 5;
+    });
+    EXPECT_EQ((std::vector<std::uint32_t>{6, 5, 4, 3, 2, 1}), asked);
+    EXPECT_EQ((std::vector<std::uint32_t>{5, 2}), Oids());
+    EXPECT_EQ(2u, list_->CountRecords());
+}
+
 TEST_F(ObjectListTest, SerialsFallAlongTheWalk) {
     for (std::uint32_t oid = 1; oid <= 3; ++oid) {
         AddFile(oid);
     }
-    list_->Remove(list_->First()->next);
+    list_->Remove(*list_->First()->next);
     AddFile(4);
     AddFile(1);  // keeps its place
     ASSERT_EQ((std::vector<std::uint32_t>{4, 3, 1}), Oids());
@@ -228,7 +266,8 @@ TEST_F(ObjectListTest, RandomOperationsGiveThePlainListsOrder) {
         const auto word = [&random](unsigned below) {
             return static_cast<std::uint32_t>(random() % below);
         };
-        const ObjectKey key{word(4), word(4), word(8), word(8)};
+        const ObjectKey key{static_cast<std::uint16_t>(word(2)),
+                            static_cast<std::uint16_t>(word(2)), word(4), word(8), word(8)};
         ObjectRecord record = MakeRecord(ObjectType::kFile, key.dwOID, key.TolvOID);
         record.propOffset = step;
         auto place = std::find_if(plain.begin(), plain.end(),

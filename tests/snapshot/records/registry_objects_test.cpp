@@ -39,7 +39,8 @@ TEST(TolvOidTest, AChangeOfDataShowsInBits16To23Alone) {
 
 TEST_F(RegistryObjectsTest, FindsWhatWasAdded) {
     EXPECT_EQ(nullptr, table_.RegObjectFind(5));
-    ASSERT_EQ(1, table_.RegObjectAdd(5, false, kMachine, 4, 12, u"Software\\X", u"Name"));
+    ASSERT_EQ(1,
+              table_.RegObjectAdd(5, {false, kMachine, u"Software\\X", u"Name", 4, nullptr, 12}));
     const RegistryObject* object = table_.RegObjectFind(5);
     ASSERT_NE(nullptr, object);
     EXPECT_EQ(5u, object->TolvOID);
@@ -55,7 +56,7 @@ TEST_F(RegistryObjectsTest, FindsWhatWasAdded) {
 TEST_F(RegistryObjectsTest, TheTextsAreCopies) {
     char16_t key_path[] = u"Software";
     char16_t name[] = u"Name";
-    table_.RegObjectAdd(1, false, kMachine, 1, 0, key_path, name);
+    table_.RegObjectAdd(1, {false, kMachine, key_path, name, 1, nullptr, 0});
     key_path[0] = u'x';
     name[0] = u'x';
     EXPECT_EQ(u"Software", std::u16string(table_.RegObjectFind(1)->key_path));
@@ -63,32 +64,32 @@ TEST_F(RegistryObjectsTest, TheTextsAreCopies) {
 }
 
 TEST_F(RegistryObjectsTest, AKeyHasNoValueName) {
-    ASSERT_EQ(1, table_.RegObjectAdd(1, true, kMachine, 0, 0, u"", nullptr));
+    ASSERT_EQ(1, table_.RegObjectAdd(1, {true, kMachine, u""}));
     EXPECT_TRUE(table_.RegObjectFind(1)->is_key);
     EXPECT_EQ(nullptr, table_.RegObjectFind(1)->value_name);
     EXPECT_EQ(u"", std::u16string(table_.RegObjectFind(1)->key_path));
 }
 
 TEST_F(RegistryObjectsTest, AValueMayHaveAnEmptyName) {
-    ASSERT_EQ(1, table_.RegObjectAdd(1, false, kMachine, 1, 0, u"k", u""));
+    ASSERT_EQ(1, table_.RegObjectAdd(1, {false, kMachine, u"k", u"", 1, nullptr, 0}));
     ASSERT_NE(nullptr, table_.RegObjectFind(1)->value_name);
     EXPECT_EQ(u"", std::u16string(table_.RegObjectFind(1)->value_name));
 }
 
 TEST_F(RegistryObjectsTest, AnAbsentKeyPathIsRefused) {
-    EXPECT_EQ(0, table_.RegObjectAdd(1, true, kMachine, 0, 0, nullptr, nullptr));
+    EXPECT_EQ(0, table_.RegObjectAdd(1, {true, kMachine, nullptr}));
     EXPECT_EQ(nullptr, table_.RegObjectFind(1));
 }
 
 TEST_F(RegistryObjectsTest, OfEqualIdentifiersTheNewestIsFound) {
     // Enough others to make the table grow between and behind the two.
-    table_.RegObjectAdd(7, true, kMachine, 0, 0, u"old", nullptr);
+    table_.RegObjectAdd(7, {true, kMachine, u"old"});
     for (std::uint32_t id = 1000; id < 1400; ++id) {
-        table_.RegObjectAdd(id, true, kMachine, 0, 0, u"k", nullptr);
+        table_.RegObjectAdd(id, {true, kMachine, u"k"});
     }
-    table_.RegObjectAdd(7, true, kMachine, 0, 0, u"new", nullptr);
+    table_.RegObjectAdd(7, {true, kMachine, u"new"});
     for (std::uint32_t id = 2000; id < 4000; ++id) {
-        table_.RegObjectAdd(id, true, kMachine, 0, 0, u"k", nullptr);
+        table_.RegObjectAdd(id, {true, kMachine, u"k"});
         ASSERT_EQ(u"new", std::u16string(table_.RegObjectFind(7)->key_path)) << id;
     }
     for (std::uint32_t id = 1000; id < 1400; ++id) {
@@ -97,17 +98,17 @@ TEST_F(RegistryObjectsTest, OfEqualIdentifiersTheNewestIsFound) {
 }
 
 TEST_F(RegistryObjectsTest, ClearForgetsEverything) {
-    table_.RegObjectAdd(1, false, kMachine, 1, 0, u"k", u"v");
+    table_.RegObjectAdd(1, {false, kMachine, u"k", u"v", 1, nullptr, 0});
     table_.RegObjectClear();
     EXPECT_EQ(nullptr, table_.RegObjectFind(1));
-    EXPECT_EQ(1, table_.RegObjectAdd(1, false, kMachine, 1, 0, u"k2", u"v"));
+    EXPECT_EQ(1, table_.RegObjectAdd(1, {false, kMachine, u"k2", u"v", 1, nullptr, 0}));
     EXPECT_EQ(u"k2", std::u16string(table_.RegObjectFind(1)->key_path));
 }
 
 TEST_F(RegistryObjectsTest, GenerateTakesTheFirstIdentifierAndEntersTheObject) {
     const char16_t full_name[] = u"80000002k\u00FFv";
     std::uint32_t id = 0;
-    ASSERT_EQ(1, table_.Generate(full_name, "data", 4, false, kMachine, 3, 4, u"k", u"v", id));
+    ASSERT_TRUE(table_.Generate(full_name, {false, kMachine, u"k", u"v", 3, "data", 4}, id));
     EXPECT_EQ(MakeTolvOID(full_name, "data", 4, 0), id);
     const RegistryObject* object = table_.RegObjectFind(id);
     ASSERT_NE(nullptr, object);
@@ -116,9 +117,16 @@ TEST_F(RegistryObjectsTest, GenerateTakesTheFirstIdentifierAndEntersTheObject) {
     EXPECT_EQ(u"v", std::u16string(object->value_name));
 }
 
+TEST_F(RegistryObjectsTest, AKeysIdentifierIsMadeFromItsPathWithoutTerminator) {
+    std::uint32_t id = 0;
+    ASSERT_TRUE(table_.Generate(u"80000002ab", {true, kMachine, u"ab"}, id));
+    EXPECT_EQ(MakeTolvOID(u"80000002ab", u"ab", 4, 0), id);
+    EXPECT_TRUE(table_.RegObjectFind(id)->is_key);
+}
+
 TEST_F(RegistryObjectsTest, GenerateRefusesAnAbsentKeyPath) {
     std::uint32_t id = 0;
-    EXPECT_EQ(0, table_.Generate(u"x", nullptr, 0, true, kMachine, 0, 0, nullptr, nullptr, id));
+    EXPECT_FALSE(table_.Generate(u"x", {true, kMachine, nullptr}, id));
 }
 
 }  // namespace

@@ -49,11 +49,9 @@ protected:
 
     // The record whose block has this name; null when there is none.
     const ObjectRecord* RecordOf(const Text& name) {
-        ObjectRecord* record = nullptr;
-        ObjectList::Cursor cursor = list_->First();
-        while (ObjectList::Next(cursor, nullptr, &record)) {
-            if (NameOf(*record) == name) {
-                return record;
+        for (const ObjectList::Node& node : *list_) {
+            if (NameOf(*node.record) == name) {
+                return node.record;
             }
         }
         return nullptr;
@@ -269,7 +267,7 @@ TEST_F(RegistryScannerTest, AKeyPathMayHoldTheSeparator) {
 
 TEST_F(RegistryScannerTest, CollidingObjectsGetCountersInTheOrderOfTheScanAndALogLine) {
     RegistryScan whole = scan();
-    const RegistryEntry value{false, kHiveCurrentUser, u"T", REG_SZ, 1, u"v", "x"};
+    const RegistryEntry value{false, kHiveCurrentUser, u"T", u"v", REG_SZ, "x", 1};
     MakeRegistryObject(whole, value);
     MakeRegistryObject(whole, value);
     const std::vector<ObjectRecord> records = RecordsOf(*list_);

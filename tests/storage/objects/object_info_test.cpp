@@ -22,13 +22,6 @@ protected:
         const InfoBlock block = Describe(TolvOID, oid);
         return {reinterpret_cast<const char*>(block.bytes()), block.size()};
     }
-
-    // Puts one block behind the storage's head.
-    void PutBlock(const std::string& block) { Put(kSav, Content(kSav).substr(0, 236) + block); }
-
-    static Bytes Named(std::uint16_t name_bytes, const Bytes& name) {
-        return Bytes(22, 'h') + Half(name_bytes) + Half(0) + name;
-    }
 };
 
 TEST_F(ObjectInfoTest, AFileHasAttributesTimeSizeAndFullPath) {
@@ -96,8 +89,8 @@ TEST_F(ObjectInfoTest, ARecordWhoseDatabaseCannotBeDescribedFails) {
 }
 
 TEST_F(ObjectInfoTest, ABlockThatIsUsedAgainKeepsNothing) {
-    ASSERT_TRUE(
-        storage_.registry_objects.RegObjectAdd(5, false, 0x80000001, REG_DWORD, 4, u"A", u"v"));
+    ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(
+        5, {false, 0x80000001, u"A", u"v", REG_DWORD, nullptr, 4}));
     device().MakeFolder(L"\\A");
     InfoBlock block;
     std::memset(block.bytes(), 0xFF, kInfoHeadBytes);
@@ -110,35 +103,35 @@ TEST_F(ObjectInfoTest, ABlockThatIsUsedAgainKeepsNothing) {
 }
 
 TEST_F(ObjectInfoTest, ARegistryKeyHasItsRootAndPath) {
-    ASSERT_TRUE(
-        storage_.registry_objects.RegObjectAdd(0x1234, true, 0x80000002, 0, 3, u"A\\B", nullptr));
+    ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(
+        0x1234, {true, 0x80000002, u"A\\B", nullptr, 0, nullptr, 3}));
     EXPECT_EQ(Block(0x80000002, 0, 0, 0, ObjectType::kRegistryKey, u"A\\B"), Described(0x1234, 0));
 }
 
 TEST_F(ObjectInfoTest, ARegistryValueHasItsTypeSizeAndBothNames) {
-    ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(0x1234, false, 0x80000001, REG_DWORD, 4,
-                                                       u"A\\B", u"v"));
+    ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(
+        0x1234, {false, 0x80000001, u"A\\B", u"v", REG_DWORD, nullptr, 4}));
     EXPECT_EQ(Block(0x80000001, 4, 0, 4, ObjectType::kRegistryValue, u"A\\B\u00FFv"),
               Described(0x1234, 0));
 }
 
 TEST_F(ObjectInfoTest, ARegistryNameThatABlockCannotHoldFails) {
     const Text path(259, u'k');
-    ASSERT_TRUE(
-        storage_.registry_objects.RegObjectAdd(1, false, 0x80000001, 1, 0, path.c_str(), u""));
-    ASSERT_TRUE(
-        storage_.registry_objects.RegObjectAdd(2, false, 0x80000001, 1, 0, path.c_str(), u"v"));
+    ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(
+        1, {false, 0x80000001, path.c_str(), u"", 1, nullptr, 0}));
+    ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(
+        2, {false, 0x80000001, path.c_str(), u"v", 1, nullptr, 0}));
     InfoBlock block;
     EXPECT_TRUE(info_.GetOIDInfo(1, 0, block));
     EXPECT_EQ(548u, block.size());
     EXPECT_FALSE(info_.GetOIDInfo(2, 0, block));
-    ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(3, true, 0x80000001, 0, 0,
-                                                       Text(261, u'k').c_str(), nullptr));
+    ASSERT_TRUE(
+        storage_.registry_objects.RegObjectAdd(3, {true, 0x80000001, Text(261, u'k').c_str()}));
     EXPECT_FALSE(info_.GetOIDInfo(3, 0, block));
 }
 
 TEST_F(ObjectInfoTest, AnUnknownRegistryObjectAndOneWithBothIdsFail) {
-    ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(1, true, 0x80000001, 0, 0, u"A", nullptr));
+    ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(1, {true, 0x80000001, u"A"}));
     InfoBlock block;
     EXPECT_FALSE(info_.GetOIDInfo(2, 0, block));
     EXPECT_FALSE(info_.GetOIDInfo(1, 1, block));
@@ -188,80 +181,6 @@ TEST_F(ObjectInfoTest, TenMillisecondsPassBehindEveryFailure) {
     const std::string sleeps =
         device().Traced("Sleep", [&] { EXPECT_TRUE(info_.GetOIDInfo(0, oid, block)); });
     EXPECT_EQ(3u, Occurrences(sleeps, "\"arguments\":\"10\"")) << sleeps;
-}
-
-TEST_F(ObjectInfoTest, AStoredBlockIsReadWithItsName) {
-    PutBlock(Named(4, Terminated(u"ab")));
-    const UniqueHandle sav = Reader(kSav);
-    InfoBlock block;
-    ASSERT_TRUE(ReadBlockFromStorage(236, block, sav.get()));
-    EXPECT_EQ(Text(u"ab"), block.name());
-    EXPECT_EQ(32u, block.size());
-    EXPECT_EQ(0x68686868u, block.head().attributes);
-}
-
-TEST_F(ObjectInfoTest, ABlockThatCannotBeReachedOrReadFails) {
-    PutBlock(Named(0, Half(0)));
-    const UniqueHandle sav = Reader(kSav);
-    InfoBlock block;
-    for (const char* function : {"SetFilePointer", "ReadFile"}) {
-        device().Fault(function, 1, 1, ERROR_READ_FAULT);
-        EXPECT_FALSE(ReadBlockFromStorage(236, block, sav.get())) << function;
-        device().EndFaults();
-        EXPECT_TRUE(ReadBlockFromStorage(236, block, sav.get())) << function;
-    }
-}
-
-TEST_F(ObjectInfoTest, AStoredBlockWithoutANameHasAnEmptyOne) {
-    PutBlock(Named(0, Half(0)));
-    const UniqueHandle sav = Reader(kSav);
-    InfoBlock block;
-    ASSERT_TRUE(ReadBlockFromStorage(236, block, sav.get()));
-    EXPECT_EQ(Text(), block.name());
-    EXPECT_EQ(28u, block.size());
-}
-
-TEST_F(ObjectInfoTest, TheNameEndsAtItsLengthWhateverFollows) {
-    PutBlock(Named(4, Units(u"abcd")));
-    const UniqueHandle sav = Reader(kSav);
-    InfoBlock block;
-    ASSERT_TRUE(ReadBlockFromStorage(236, block, sav.get()));
-    EXPECT_EQ(Text(u"ab"), block.name());
-}
-
-TEST_F(ObjectInfoTest, ABlockThatIsNotWholeInTheFileFails) {
-    PutBlock(Named(4, Units(u"ab")));
-    const UniqueHandle sav = Reader(kSav);
-    InfoBlock block;
-    EXPECT_FALSE(ReadBlockFromStorage(236, block, sav.get()));
-    EXPECT_FALSE(ReadBlockFromStorage(236 + 10, block, sav.get()));
-    EXPECT_FALSE(ReadBlockFromStorage(100000, block, sav.get()));
-    EXPECT_FALSE(ReadBlockFromStorage(0xFFFFFFF0, block, sav.get()));
-}
-
-TEST_F(ObjectInfoTest, ANameThatDoesNotFitABlockFails) {
-    const struct {
-        std::uint16_t name_bytes;
-        bool fits;
-    } rows[] = {{520, true}, {522, false}, {0xFFFE, false}};
-    for (const auto& row : rows) {
-        PutBlock(Named(row.name_bytes, std::string(0x10000, 'n')));
-        const UniqueHandle sav = Reader(kSav);
-        InfoBlock block;
-        EXPECT_EQ(row.fits, ReadBlockFromStorage(236, block, sav.get())) << row.name_bytes;
-    }
-}
-
-TEST_F(ObjectInfoTest, WithoutAnOpenStorageFileNoBlockIsRead) {
-    PutBlock(Named(0, Half(0)));
-    InfoBlock block;
-    EXPECT_FALSE(info_.GetInfoFromStorage(236, block));
-    const UniqueHandle sav = Reader(kSav);
-    {
-        const StorageFileLoan loan(info_, sav.get());
-        EXPECT_TRUE(info_.GetInfoFromStorage(236, block));
-    }
-    EXPECT_FALSE(info_.GetInfoFromStorage(236, block));
 }
 
 }  // namespace

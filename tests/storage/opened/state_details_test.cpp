@@ -99,8 +99,14 @@ TEST_F(StateDetailsTest, WithoutTheStorageFileNothingIsShown) {
 }
 
 TEST_F(StateDetailsTest, ADescriptionThatCannotBeReadIsEmpty) {
-    Put(kSav, File(u"abc", 6));
-    Fail("ReadFile", 2, ERROR_READ_FAULT);
+    Bytes bytes = File(u"", 6);
+    bytes.resize(5000);
+    Put(kSav, bytes + Units(u"abc"));
+    record_.data_offset = 5000;
+    ASSERT_TRUE(Read());
+    EXPECT_EQ(Text(u"abc"), details_.description);
+    // Its page, then the description alone.
+    device().Fault("ReadFile", 2, 2, ERROR_READ_FAULT);
     ASSERT_TRUE(Read());
     EXPECT_EQ(Text(), details_.description);
 }

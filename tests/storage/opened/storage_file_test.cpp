@@ -201,8 +201,7 @@ TEST_F(StorageFileTest, BlocksBehindTheHeadDoNotMatter) {
 
 TEST_F(StorageFileTest, OpeningForgetsWhatTheLastRegistryScanMet) {
     Put(kSav, Head());
-    ASSERT_EQ(1,
-              storage_.registry_objects.RegObjectAdd(5, true, 0x80000001, 0, 0, u"Key", nullptr));
+    ASSERT_EQ(1, storage_.registry_objects.RegObjectAdd(5, {true, 0x80000001, u"Key"}));
     EXPECT_EQ(OpenStorageResult::kOpened, Open());
     EXPECT_EQ(nullptr, storage_.registry_objects.RegObjectFind(5));
 }

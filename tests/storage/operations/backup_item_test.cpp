@@ -3,7 +3,7 @@
 
 #include "platform/text.h"
 #include "snapshot/records/checksum.h"
-#include "storage/files/block_io.h"
+#include "storage/files/handle_bytes.h"
 #include "storage/format/property_encoding.h"
 #include "storage/objects/object_data_writers.h"
 #include "storage/operations/backup_writer.h"
@@ -16,12 +16,14 @@ constexpr std::size_t kHead = 236;  // of a silent storage
 
 class BackupItemTest : public EngineTest {
 protected:
-    UniqueHandle OpenSavAtEnd() {
-        UniqueHandle sav =
-            OpenFile(kSav, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, OPEN_EXISTING);
-        EXPECT_TRUE(MoveToEnd(sav.get()));
-        return sav;
-    }
+    // The storage file, open for appending.
+    struct OpenedSav {
+        explicit OpenedSav(const StorageNames& names)
+            : file(OpenSavFile(names)), storage(bytes, ::GetFileSize(file.get(), nullptr)) {}
+        UniqueHandle file;
+        HandleBytes bytes{file.get()};
+        StorageAppender storage;
+    };
 
     // The record of an object that is to be stored.
     static ObjectRecord Added(ObjectType type, CEOID oid) {
@@ -36,11 +38,11 @@ protected:
     // The record fails, and the place behind the head is taken by the next one.
     void ExpectFailure(ObjectRecord record) {
         device().PutFile(L"\\n.txt", "123456789");
-        const UniqueHandle sav = OpenSavAtEnd();
-        EXPECT_FALSE(BackupItem(engine_, sav.get(), record));
+        OpenedSav sav(storage_.names);
+        EXPECT_FALSE(BackupItem(engine_, sav.storage, record));
         EXPECT_EQ(0u, record.propOffset);
         ObjectRecord next = AddedFile(OidOfPath(L"\\n.txt"));
-        EXPECT_TRUE(BackupItem(engine_, sav.get(), next));
+        EXPECT_TRUE(BackupItem(engine_, sav.storage, next));
         EXPECT_EQ(kHead, next.propOffset);
     }
 };
@@ -125,7 +127,8 @@ TEST_F(BackupItemTest, AValueThatIsGoneOrHasAnotherLengthFails) {
         Put(kSav, Content(kSav).substr(0, kHead));
         storage_.registry_objects.RegObjectClear();
         ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(
-            5, false, 0x80000001, REG_BINARY, row.data_bytes, row.key_path, row.value_name));
+            5, {false, 0x80000001, row.key_path, row.value_name, REG_BINARY, nullptr,
+                row.data_bytes}));
         ObjectRecord record = Added(ObjectType::kRegistryValue, 0);
         record.TolvOID = 5;
         ExpectFailure(record);
@@ -139,21 +142,27 @@ TEST_F(BackupItemTest, ADatabaseThatVanishesBehindItsBlockFails) {
     ExpectFailure(Added(ObjectType::kDatabase, oid));
 }
 
-// The first write is the block's.
+TEST_F(BackupItemTest, ALargeFileOfWhichTheBlockAloneWasWrittenFails) {
+    device().PutFile(L"\\large.txt", std::string(10000, 'l'));
+    Fail("WriteFile", 2, ERROR_WRITE_FAULT);
+    ExpectFailure(AddedFile(OidOfPath(L"\\large.txt")));
+}
+
+// Block and data go out in one write, those of a large file in two.
 TEST_F(BackupItemTest, AnObjectWhoseDataCannotBeWrittenFails) {
     device().PutFile(L"\\a.txt", "a");
     const CEOID database = MakeDatabase(L"First");
     const CEOID record = AddRecord(L"First", {{kNumber, 1}});
     SetValue(HKEY_CURRENT_USER, L"T", L"v", REG_BINARY, "x");
-    ASSERT_TRUE(
-        storage_.registry_objects.RegObjectAdd(5, false, 0x80000001, REG_BINARY, 1, u"T", u"v"));
+    ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(
+        5, {false, 0x80000001, u"T", u"v", REG_BINARY, nullptr, 1}));
     ObjectRecord value = Added(ObjectType::kRegistryValue, 0);
     value.TolvOID = 5;
     for (const ObjectRecord& object :
          {AddedFile(OidOfPath(L"\\a.txt")), Added(ObjectType::kDatabase, database),
           Added(ObjectType::kDatabaseRecord, record), value, Added(ObjectType::kState, 0)}) {
         Put(kSav, Content(kSav).substr(0, kHead));
-        Fail("WriteFile", 2, ERROR_WRITE_FAULT);
+        Fail("WriteFile", 1, ERROR_WRITE_FAULT);
         ExpectFailure(object);
         device().EndFaults();
     }
@@ -162,9 +171,9 @@ TEST_F(BackupItemTest, AnObjectWhoseDataCannotBeWrittenFails) {
 TEST_F(BackupItemTest, AFileIsOpenedWithoutSharingAndForRandomAccess) {
     device().PutFile(L"\\a.txt", "a");
     ObjectRecord record = AddedFile(OidOfPath(L"\\a.txt"));
-    const UniqueHandle sav = OpenSavAtEnd();
+    OpenedSav sav(storage_.names);
     const std::string calls = device().Traced(
-        "CreateFileForMappingW", [&] { EXPECT_TRUE(BackupItem(engine_, sav.get(), record)); });
+        "CreateFileForMappingW", [&] { EXPECT_TRUE(BackupItem(engine_, sav.storage, record)); });
     // Reading, no sharing, the file must exist; 0x10000080.
     EXPECT_NE(std::string::npos, calls.find("a.txt, 2147483648, 0, 3, 268435584\"")) << calls;
 }
@@ -172,10 +181,10 @@ TEST_F(BackupItemTest, AFileIsOpenedWithoutSharingAndForRandomAccess) {
 TEST_F(BackupItemTest, AChunkThatCannotBeUnmappedFailsItsItem) {
     device().PutFile(L"\\a.txt", "a");
     ObjectRecord record = AddedFile(OidOfPath(L"\\a.txt"));
-    const UniqueHandle sav = OpenSavAtEnd();
+    OpenedSav sav(storage_.names);
     Fail("UnmapViewOfFile", 1, ERROR_INVALID_PARAMETER);
     const std::string calls = device().Traced(
-        "UnmapViewOfFile", [&] { EXPECT_FALSE(BackupItem(engine_, sav.get(), record)); });
+        "UnmapViewOfFile", [&] { EXPECT_FALSE(BackupItem(engine_, sav.storage, record)); });
     // The fault left the view open.
     const std::size_t view = calls.find("0x");
     ASSERT_NE(std::string::npos, view);
@@ -277,11 +286,11 @@ TEST_F(BackupItemTest, AnEstimateIsBlockAndDataOfAdditionsOnly) {
 }
 
 TEST_F(BackupItemTest, ARecordThatIsNoAdditionNeedsNothing) {
-    const UniqueHandle sav = OpenSavAtEnd();
+    OpenedSav sav(storage_.names);
     ObjectRecord record{};
     record.dwOID = 0x00ABCDEF;
     record.flags = JF_DELETE;
-    EXPECT_TRUE(BackupItem(engine_, sav.get(), record));
+    EXPECT_TRUE(BackupItem(engine_, sav.storage, record));
     EXPECT_EQ(kHead, Content(kSav).size());
 }
 
@@ -291,10 +300,10 @@ TEST_F(BackupItemTest, AFailedItemsPlaceIsTakenByTheNextOne) {
     ObjectRecord held = AddedFile(OidOfPath(L"\\held.txt"));
     ObjectRecord next = AddedFile(OidOfPath(L"\\n.txt"));
     const auto lock = device().Lock(L"\\held.txt");
-    const UniqueHandle sav = OpenSavAtEnd();
-    EXPECT_FALSE(BackupItem(engine_, sav.get(), held));
+    OpenedSav sav(storage_.names);
+    EXPECT_FALSE(BackupItem(engine_, sav.storage, held));
     EXPECT_EQ(0u, held.propOffset);
-    EXPECT_TRUE(BackupItem(engine_, sav.get(), next));
+    EXPECT_TRUE(BackupItem(engine_, sav.storage, next));
     EXPECT_EQ(kHead, next.propOffset);
     EXPECT_EQ("123456789", Content(kSav).substr(kHead + 40, 9));
 }
@@ -307,9 +316,9 @@ TEST_F(BackupItemTest, AFailedItemIsMarkedCountedAndLogged) {
         ASSERT_TRUE(list->AddObject(AddedFile(id)));
     }
     const auto lock = device().Lock(L"\\held.txt");
-    const UniqueHandle sav = OpenSavAtEnd();
+    OpenedSav sav(storage_.names);
     std::size_t failed = 99;
-    EXPECT_EQ(1, BackupItems(engine_, sav.get(), *list, failed));
+    EXPECT_EQ(1, BackupItems(engine_, sav.storage, *list, failed));
     EXPECT_EQ(2u, failed);
     for (const ObjectRecord& record : RecordsOf(*list)) {
         EXPECT_EQ(JF_ADD | JF_FAILED, record.flags);
@@ -331,20 +340,20 @@ TEST_F(BackupItemTest, AFileInRomHasABlockWithoutDataAndTheFingerprintZero) {
         device().SetAttributes(L"\\rom.dll", attribute);
         ObjectRecord record = AddedFile(OidOfPath(L"\\rom.dll"));
         record.content_fingerprint = 0x1234;
-        const UniqueHandle sav = OpenSavAtEnd();
-        ASSERT_TRUE(BackupItem(engine_, sav.get(), record));
+        OpenedSav sav(storage_.names);
+        ASSERT_TRUE(BackupItem(engine_, sav.storage, record));
         EXPECT_EQ(kNoData, record.data_offset);
         EXPECT_EQ(0, record.content_fingerprint);
     }
 }
 
 TEST_F(BackupItemTest, AnObjectOfAnUnknownTypeFails) {
-    const UniqueHandle sav = OpenSavAtEnd();
+    OpenedSav sav(storage_.names);
     InfoBlock block;
     block.head().type = 64;
     StoredData data;
     EXPECT_FALSE(BackupObjectData(
-        {databases_, storage_.registry_objects, u"", sav.get(), block, 0, 5}, data));
+        {databases_, storage_.registry_objects, u"", sav.storage, block, 0, 5}, data));
     EXPECT_EQ(kHead, Content(kSav).size());
 }
 
@@ -357,8 +366,8 @@ TEST_F(BackupItemTest, ALargeFileIsCopiedInChunksOfTheFreeMemory) {
     device().PutFile(L"\\big", contents);
     device().Set("memory.free", std::to_string(0x10000 + 100));
     ObjectRecord record = AddedFile(OidOfPath(L"\\big"));
-    const UniqueHandle sav = OpenSavAtEnd();
-    ASSERT_TRUE(BackupItem(engine_, sav.get(), record));
+    OpenedSav sav(storage_.names);
+    ASSERT_TRUE(BackupItem(engine_, sav.storage, record));
     EXPECT_EQ(contents, Content(kSav).substr(record.data_offset));
     EXPECT_EQ(Checksum16(contents.data(), contents.size()), record.content_fingerprint);
 }
@@ -367,8 +376,8 @@ TEST_F(BackupItemTest, WithLessThanAGranuleOfMemoryAFileFails) {
     device().PutFile(L"\\n.txt", "123456789");
     device().Set("memory.free", std::to_string(0xFFFF));
     ObjectRecord record = AddedFile(OidOfPath(L"\\n.txt"));
-    const UniqueHandle sav = OpenSavAtEnd();
-    EXPECT_FALSE(BackupItem(engine_, sav.get(), record));
+    OpenedSav sav(storage_.names);
+    EXPECT_FALSE(BackupItem(engine_, sav.storage, record));
 }
 
 }  // namespace

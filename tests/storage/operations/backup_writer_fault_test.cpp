@@ -39,7 +39,10 @@ TEST_F(BackupWriterFaultTest, AStorageFileThatCannotBeOpenedForWritingGives4) {
 
 // Its blocks would otherwise stand over the head.
 TEST_F(BackupWriterFaultTest, AStorageFileWhoseEndCannotBeReachedGives4) {
-    device().Fault("SetFilePointer", 1, 1, ERROR_READ_FAULT, ", 0, 2");
+    Fail("GetFileSize", 1, ERROR_READ_FAULT);
+    ExpectUntouched(ResultCode::kFailed);
+    const std::string end = ", " + std::to_string(Content(kSav).size()) + ", ";
+    device().Fault("SetFilePointer", 1, 1, ERROR_READ_FAULT, end);
     ExpectUntouched(ResultCode::kFailed);
 }
 
@@ -92,8 +95,8 @@ TEST_F(BackupWriterFaultTest, AJournalThatCannotBeLoadedAgainGives5AndNoJournal)
 // the object's older version, and the next backup heals it.
 TEST_F(BackupWriterFaultTest, AnObjectWhoseBlockCannotBeWrittenIsLeftOutOfTheJournal) {
     const std::size_t before = Content(kSav).size();
-    // The state's block and its empty description are written first.
-    Fail("WriteFile", 3, ERROR_WRITE_FAULT);
+    // The state's block is written first.
+    Fail("WriteFile", 2, ERROR_WRITE_FAULT);
     ASSERT_EQ(Done(), Backup(2));
     device().EndFaults();
     EXPECT_NE(Text::npos, Log().find(u"backup item failed"));

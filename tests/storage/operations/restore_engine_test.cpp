@@ -139,9 +139,8 @@ TEST_F(RestoreEngineTest, AKeyWhoseBlockIsDamagedKeepsItsValues) {
     sav[name - 4] = 7;  // a name of an odd length
     Put(kSav, sav);
     // Another object took the identifier first at this backup.
-    ObjectRecord* record = nullptr;
-    for (auto cursor = storage_.journal->First(); ObjectList::Next(cursor, nullptr, &record);) {
-        record->TolvOID ^= record->propOffset == name - 26 ? 0x01000000u : 0;
+    for (const ObjectList::Node& node : *storage_.journal) {
+        node.record->TolvOID ^= node.record->propOffset == name - 26 ? 0x01000000u : 0;
     }
     EXPECT_EQ(Done(ResultCode::kFailed), Restore(1));
     EXPECT_EQ("4:" + Word(1), Value(HKEY_CURRENT_USER, L"Key", L"v"));
@@ -216,10 +215,8 @@ TEST_F(RestoreEngineTest, TheRegistryObjectsAreForgottenWithTheDifferenceList) {
     SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Word(2));
     ASSERT_EQ(1, FindDifference(engine_, 1));
     std::uint32_t TolvOID = 0;
-    ObjectList::Cursor cursor = storage_.newer->First();
-    ObjectRecord* record = nullptr;
-    while (ObjectList::Next(cursor, nullptr, &record) && TolvOID == 0) {
-        TolvOID = record->TolvOID;
+    for (const ObjectRecord& record : RecordsOf(*storage_.newer)) {
+        TolvOID = TolvOID != 0 ? TolvOID : record.TolvOID;
     }
     ASSERT_NE(nullptr, storage_.registry_objects.RegObjectFind(TolvOID));
     EXPECT_TRUE(Restore(1).done);

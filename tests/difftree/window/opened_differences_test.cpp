@@ -1,5 +1,5 @@
 // The difference list's objects as the tree gets them, stored ones and live ones.
-#include "difftree/window/list_enumerator.h"
+#include "difftree/window/opened_differences.h"
 
 #include <optional>
 
@@ -10,20 +10,20 @@ namespace {
 
 constexpr std::uint32_t kTitle = 0x4013001F;
 
-class ListEnumeratorTest : public RestoreFixture {
+class OpenedDifferencesTest : public RestoreFixture {
 protected:
     void TearDown() override {
-        enumerator_.reset();
+        differences_.reset();
         RestoreFixture::TearDown();
     }
     // The list as it stands, in the order of the records, with the storage file's bytes.
-    ListEnumerator& Enumerate(const std::vector<ObjectRecord>& records) {
+    DifferenceEnumerator& Enumerate(const std::vector<ObjectRecord>& records) {
         SaveStorage();
         MakeDifference(records);
-        enumerator_.emplace(engine_);
-        return *enumerator_;
+        differences_.emplace(engine_);
+        return differences_->enumerator();
     }
-    int Next() { return enumerator_->Next(object_); }
+    int Next() { return differences_->enumerator().Next(object_); }
     Text Name() const { return object_.name; }
     void Step() { EXPECT_EQ(DifferenceEnumerator::kObject, Next()); }
     Text NextName() {
@@ -40,19 +40,20 @@ protected:
     }
     Text Property(std::uint32_t propid) {
         TextBuffer<kObjectNameUnits> text;
-        return enumerator_->ReadTextProperty(propid, text) ? Text(u"=") + text.text()
-                                                           : Text(u"none");
+        return differences_->enumerator().ReadTextProperty(propid, text) ? Text(u"=") + text.text()
+                                                                         : Text(u"none");
     }
     Text Value() {
         TextBuffer<kObjectNameUnits> text;
-        return enumerator_->ReadValueText(text) ? Text(u"=") + text.text() : Text(u"none");
+        return differences_->enumerator().ReadValueText(text) ? Text(u"=") + text.text()
+                                                              : Text(u"none");
     }
 
-    std::optional<ListEnumerator> enumerator_;
+    std::optional<OpenedDifferences> differences_;
     EnumeratedObject object_{};
 };
 
-TEST_F(ListEnumeratorTest, StoredObjectsAreDescribedByTheirBlocks) {
+TEST_F(OpenedDifferencesTest, StoredObjectsAreDescribedByTheirBlocks) {
     Enumerate({StoreFile(u"\\a.txt", "hello", FILE_ATTRIBUTE_ARCHIVE, 77),
                ToWriteBack(StoreKey(HKEY_USERS, u"Some\\Key")),
                StoreValue(HKEY_CURRENT_USER, u"Some\\Key", u"v", REG_DWORD, Word(1)),
@@ -82,12 +83,12 @@ TEST_F(ListEnumeratorTest, StoredObjectsAreDescribedByTheirBlocks) {
     EXPECT_EQ(DifferenceEnumerator::kEndOfList, Next());
 }
 
-TEST_F(ListEnumeratorTest, WithoutAListThereIsNothing) {
-    enumerator_.emplace(engine_);
+TEST_F(OpenedDifferencesTest, WithoutAListThereIsNothing) {
+    differences_.emplace(engine_);
     EXPECT_EQ(DifferenceEnumerator::kEndOfList, Next());
 }
 
-TEST_F(ListEnumeratorTest, AStateIsNoObject) {
+TEST_F(OpenedDifferencesTest, AStateIsNoObject) {
     ObjectRecord state{};
     state.type = ObjectType::kState;
     Enumerate({state, StoreFile(u"\\a.txt", "")});
@@ -95,7 +96,7 @@ TEST_F(ListEnumeratorTest, AStateIsNoObject) {
     EXPECT_EQ(DifferenceEnumerator::kObject, Next());
 }
 
-TEST_F(ListEnumeratorTest, WhatCannotBeDescribedIsLoggedAndLeftOut) {
+TEST_F(OpenedDifferencesTest, WhatCannotBeDescribedIsLoggedAndLeftOut) {
     ObjectRecord beyond = StoreFile(u"\\a.txt", "");
     beyond.propOffset = 1000000;
     ObjectRecord other = StoreFile(u"\\b.txt", "");
@@ -112,7 +113,7 @@ TEST_F(ListEnumeratorTest, WhatCannotBeDescribedIsLoggedAndLeftOut) {
               LogLines());
 }
 
-TEST_F(ListEnumeratorTest, WithoutTheStorageFileTheFirstStoredObjectAborts) {
+TEST_F(OpenedDifferencesTest, WithoutTheStorageFileTheFirstStoredObjectAborts) {
     device().PutFile(L"\\live.txt", "x");
     const ObjectRecord live = LiveFile(L"\\live.txt");
     device().Fault("CreateFileForMappingW", 1, 1, ERROR_SHARING_VIOLATION, "Home.sav");
@@ -121,7 +122,7 @@ TEST_F(ListEnumeratorTest, WithoutTheStorageFileTheFirstStoredObjectAborts) {
     EXPECT_EQ(DifferenceEnumerator::kAbort, Next());
 }
 
-TEST_F(ListEnumeratorTest, LiveRegistryObjectsAreDescribedByTheTable) {
+TEST_F(OpenedDifferencesTest, LiveRegistryObjectsAreDescribedByTheTable) {
     SetValue(HKEY_LOCAL_MACHINE, L"Live", L"v", REG_SZ, Terminated(u"text of it"));
     SetValue(HKEY_LOCAL_MACHINE, L"Live", L"n", REG_DWORD, Word(4));
     Enumerate({LiveKey(HKEY_LOCAL_MACHINE, u"Live"), LiveValue(HKEY_LOCAL_MACHINE, u"Live", u"v"),
@@ -136,7 +137,7 @@ TEST_F(ListEnumeratorTest, LiveRegistryObjectsAreDescribedByTheTable) {
 }
 
 // Nothing but its length ends it.
-TEST_F(ListEnumeratorTest, ALiveValueWithoutATerminatorIsReadToItsEnd) {
+TEST_F(OpenedDifferencesTest, ALiveValueWithoutATerminatorIsReadToItsEnd) {
     SetValue(HKEY_LOCAL_MACHINE, L"Live", L"long", REG_SZ, Terminated(Text(200, u'x')));
     SetValue(HKEY_LOCAL_MACHINE, L"Live", L"v", REG_SZ, Units(u"ab"));
     Enumerate({LiveValue(HKEY_LOCAL_MACHINE, u"Live", u"long"),
@@ -145,13 +146,13 @@ TEST_F(ListEnumeratorTest, ALiveValueWithoutATerminatorIsReadToItsEnd) {
     EXPECT_EQ(u"=ab", NextValue());
 }
 
-TEST_F(ListEnumeratorTest, AnIdThatLeadsToAnotherKindOfObjectIsLeftOut) {
+TEST_F(OpenedDifferencesTest, AnIdThatLeadsToAnotherKindOfObjectIsLeftOut) {
     MakeDatabase(L"People");
     Enumerate({Live(ObjectType::kFile, AddRecord(L"People", L"Ann", 1))});
     EXPECT_EQ(DifferenceEnumerator::kNoObject, Next());
 }
 
-TEST_F(ListEnumeratorTest, ALiveRecordsTitleIsReadFromItsDatabase) {
+TEST_F(OpenedDifferencesTest, ALiveRecordsTitleIsReadFromItsDatabase) {
     MakeDatabase(L"People");
     const CEOID ann = AddRecord(L"People", L"Ann", 1);
     Enumerate({Live(ObjectType::kDatabaseRecord, ann)});
@@ -160,7 +161,7 @@ TEST_F(ListEnumeratorTest, ALiveRecordsTitleIsReadFromItsDatabase) {
     EXPECT_EQ(u"none", Property(kTitle));
 }
 
-TEST_F(ListEnumeratorTest, AStoredRecordsTitleIsReadFromItsData) {
+TEST_F(OpenedDifferencesTest, AStoredRecordsTitleIsReadFromItsData) {
     ObjectRecord damaged = StoreRecord(u"People", 3, {{kTitle, 0, L"Cid"}});
     damaged.data_offset = 1000000;
     Enumerate({StoreRecord(u"People", 1, {{kNumber, 5}, {kTitle, 0, L"Ann"}}),
@@ -171,7 +172,7 @@ TEST_F(ListEnumeratorTest, AStoredRecordsTitleIsReadFromItsData) {
     EXPECT_EQ(u"none", NextProperty(kTitle));
 }
 
-TEST_F(ListEnumeratorTest, OnlyTextsOfStoredValuesAreRead) {
+TEST_F(OpenedDifferencesTest, OnlyTextsOfStoredValuesAreRead) {
     const Text longer(300, u'x');
     Enumerate({StoreValue(HKEY_CURRENT_USER, u"k", u"a", REG_SZ, Terminated(u"\\Program Files")),
                StoreValue(HKEY_CURRENT_USER, u"k", u"b", REG_EXPAND_SZ, Terminated(longer)),
@@ -182,7 +183,7 @@ TEST_F(ListEnumeratorTest, OnlyTextsOfStoredValuesAreRead) {
 }
 
 // Blocks that stand far apart, in both directions, one of them across the views' borders.
-TEST_F(ListEnumeratorTest, BlocksAreFoundAnywhereInALargeFile) {
+TEST_F(OpenedDifferencesTest, BlocksAreFoundAnywhereInALargeFile) {
     std::vector<ObjectRecord> records = {StoreFile(u"\\first", "")};
     sav_.resize(0x40000 - 30);
     records.push_back(StoreFile(u"\\across the border", ""));

@@ -1,4 +1,4 @@
-#include "simulator/processes/rest.h"
+#include "simulator/programs/rest.h"
 
 #include <algorithm>
 #include <windows.h>

@@ -1,0 +1,14 @@
+#include "simulator/command/apply_setting.h"
+
+#include "simulator/files/files.h"
+#include "simulator/system/settings.h"
+
+namespace sim {
+
+void ApplySetting(Device& device, const std::string& name, const std::string& value) {
+    if (value.empty() || !files::ApplyFileSetting(device, name, value)) {
+        ApplySystemSetting(device, name, value);
+    }
+}
+
+}  // namespace sim

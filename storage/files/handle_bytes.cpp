@@ -1,0 +1,66 @@
+#include "storage/files/handle_bytes.h"
+
+#include "platform/text.h"
+
+namespace tolvenar {
+
+UniqueHandle OpenFile(const char16_t* path, DWORD access, DWORD sharing, DWORD disposition) {
+    return UniqueHandle(::CreateFileW(Wide(path), access, sharing, nullptr, disposition,
+                                      FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
+UniqueHandle OpenSavFile(const StorageNames& names) {
+    return OpenFile(names.sav, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, OPEN_EXISTING);
+}
+
+bool HandleBytes::ReadAt(std::uint32_t offset, void* buffer, std::uint32_t bytes,
+                         std::uint32_t& read) {
+    read = 0;
+    if (!MoveTo(offset)) {
+        return false;
+    }
+    DWORD done = 0;
+    is_position_known_ = ::ReadFile(file_, buffer, bytes, &done, nullptr) != FALSE;
+    if (is_position_known_) {
+        read = done;
+        position_ += done;
+    }
+    return is_position_known_;
+}
+
+bool HandleBytes::Size(std::uint32_t& bytes) {
+    DWORD high = 0;
+    ::SetLastError(ERROR_SUCCESS);
+    bytes = ::GetFileSize(file_, &high);
+    const bool failed = bytes == INVALID_FILE_SIZE && ::GetLastError() != ERROR_SUCCESS;
+    return !failed && high == 0;
+}
+
+bool HandleBytes::Append(const void* buffer, std::uint32_t bytes) {
+    DWORD done = 0;
+    is_position_known_ =
+        ::WriteFile(file_, buffer, bytes, &done, nullptr) != FALSE && done == bytes;
+    if (is_position_known_) {
+        position_ += done;
+    }
+    return is_position_known_;
+}
+
+bool HandleBytes::MoveTo(std::uint32_t offset) {
+    if (is_position_known_ && position_ == offset) {
+        return true;
+    }
+    // With the high word given, the low one is an unsigned distance: places over 2 GB can be
+    // reached.
+    LONG high = 0;
+    ::SetLastError(ERROR_SUCCESS);
+    const DWORD reached = ::SetFilePointer(file_, static_cast<LONG>(offset), &high, FILE_BEGIN);
+    const bool failed = reached == 0xFFFFFFFF && ::GetLastError() != ERROR_SUCCESS;
+    is_position_known_ = !failed && high == 0;
+    if (is_position_known_) {
+        position_ = offset;
+    }
+    return is_position_known_;
+}
+
+}  // namespace tolvenar

@@ -1,0 +1,42 @@
+// A file of the platform as bytes at an offset.
+#pragma once
+
+#include "platform/win32.h"
+
+#include <cstdint>
+
+#include "platform/unique_resource.h"
+#include "storage/format/byte_file.h"
+#include "storage/format/storage_names.h"
+
+namespace tolvenar {
+
+// A file of normal attributes; empty when it cannot be opened, with the last error telling why.
+UniqueHandle OpenFile(const char16_t* path, DWORD access, DWORD sharing, DWORD disposition);
+
+// The storage file of `names` as operations have it: for reading and writing, an existing one only,
+// others may read meanwhile.
+UniqueHandle OpenSavFile(const StorageNames& names);
+
+// Reads and writes behind a handle. The position is known, so that what goes on where the last call
+// ended costs no seek.
+class HandleBytes final : public ByteReader, public ByteAppender {
+public:
+    // `file` is borrowed; its position is at its begin, and nobody else moves it.
+    explicit HandleBytes(HANDLE file) : file_(file) {}
+    HandleBytes(const HandleBytes&) = delete;
+    HandleBytes& operator=(const HandleBytes&) = delete;
+
+    bool ReadAt(std::uint32_t offset, void* buffer, std::uint32_t bytes,
+                std::uint32_t& read) override;
+    bool Size(std::uint32_t& bytes) override;
+    bool Append(const void* buffer, std::uint32_t bytes) override;
+    bool MoveTo(std::uint32_t offset) override;
+
+private:
+    HANDLE file_;
+    std::uint32_t position_ = 0;
+    bool is_position_known_ = true;
+};
+
+}  // namespace tolvenar

@@ -1,0 +1,84 @@
+#include "storage/format/page_cache.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+
+namespace tolvenar {
+
+const PageCache::Run* PageCache::Find(std::uint32_t page) {
+    if (count_ == 0) {
+        return nullptr;
+    }
+    if (runs_[last_found_].Holds(page)) {
+        return &runs_[last_found_];
+    }
+    for (std::uint32_t i = 0; i < count_; ++i) {
+        const std::uint32_t place = (oldest_ + i) % kMaxPages;
+        if (runs_[place].Holds(page)) {
+            last_found_ = place;
+            return &runs_[place];
+        }
+    }
+    return nullptr;
+}
+
+void PageCache::DropOldest() {
+    Run& oldest = runs_[oldest_];
+    pages_kept_ -= oldest.pages;
+    oldest = Run{};
+    oldest_ = (oldest_ + 1) % kMaxPages;
+    --count_;
+}
+
+// Reads the page, and more behind it while reads go forward. Null when it cannot be read or kept.
+const PageCache::Run* PageCache::Load(std::uint32_t page) {
+    if (runs_ == nullptr) {
+        runs_.reset(new (std::nothrow) Run[kMaxPages]{});
+    }
+    const bool goes_on = page == next_page_ && pages_ahead_ != 0;
+    pages_ahead_ = goes_on ? std::min(2 * pages_ahead_, kMaxPages) : 1;
+    Run run{page, pages_ahead_, 0, nullptr};
+    run.data.reset(new (std::nothrow) std::uint8_t[run.pages * kPageBytes]);
+    if (runs_ == nullptr || run.data == nullptr ||
+        !file_.ReadAt(page * kPageBytes, run.data.get(), run.pages * kPageBytes, run.bytes)) {
+        pages_ahead_ = 0;
+        return nullptr;
+    }
+    while (pages_kept_ + run.pages > kMaxPages) {
+        DropOldest();
+    }
+    last_found_ = (oldest_ + count_) % kMaxPages;
+    next_page_ = page + run.pages;
+    pages_kept_ += run.pages;
+    ++count_;
+    runs_[last_found_] = std::move(run);
+    return &runs_[last_found_];
+}
+
+bool PageCache::ReadAt(std::uint32_t offset, void* buffer, std::uint32_t bytes,
+                       std::uint32_t& read) {
+    read = 0;
+    const std::uint32_t wanted = std::min(bytes, 0xFFFFFFFFu - offset);
+    while (read < wanted) {
+        const std::uint32_t place = offset + read;
+        const std::uint32_t page = place / kPageBytes;
+        const Run* run = Find(page);
+        if (run == nullptr) {
+            run = Load(page);
+        }
+        if (run == nullptr) {
+            return file_.ReadAt(offset, buffer, bytes, read);
+        }
+        const std::uint32_t within = place - run->first_page * kPageBytes;
+        if (within >= run->bytes) {
+            return true;  // the file ends here
+        }
+        const std::uint32_t part = std::min(wanted - read, run->bytes - within);
+        std::memcpy(static_cast<std::uint8_t*>(buffer) + read, run->data.get() + within, part);
+        read += part;
+    }
+    return true;
+}
+
+}  // namespace tolvenar
