@@ -21,7 +21,6 @@ using tests::Differences;
 using Lines = std::vector<std::string>;
 
 constexpr wchar_t kSettingsKey[] = L"Software\\Kestrin2\\Tolvenar";
-constexpr CEPROPID kNumber = 0x00010003;
 constexpr CEPROPID kReal = 0x00020005;
 constexpr CEPROPID kFlag = 0x0003000B;
 
@@ -51,9 +50,9 @@ protected:
     // Makes the description in a block unreadable: no object has a name that long.
     void DamageBlock(const ObjectRecord& record) {
         constexpr std::size_t kNameBytesPlace = 22;
-        std::string sav = device().FileBytes(kSavPath);
+        std::string sav = Content(kSav);
         sav.replace(record.propOffset + kNameBytesPlace, 2, "\xFE\xFF");
-        device().PutFile(kSavPath, sav);
+        Put(kSav, sav);
     }
     static std::string Dword(std::uint32_t value) {
         return {reinterpret_cast<const char*>(&value), sizeof value};

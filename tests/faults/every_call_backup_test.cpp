@@ -7,11 +7,10 @@ namespace {
 
 using tests::Contents;
 using tests::Differences;
-using Lines = std::vector<std::string>;
 
 class EveryCallBackupTest : public FaultTest {};
 
-ResultCode Backup(EngineParts& parts) { return parts.Backup(); }
+ResultCode Backup(QuietParts& parts) { return parts.Backup().code; }
 
 TEST_F(EveryCallBackupTest, AFirstBackupLeavesTheDeviceAndTheNextOneHeals) {
     MakeDevice();

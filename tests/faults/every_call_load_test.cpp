@@ -12,15 +12,15 @@ TEST_F(EveryCallLoadTest, AJournalIsLoadedWholeOrNotAtAll) {
     BackUp();
     ChangeDevice(1);
     BackUp();
-    const std::string sav = Bytes(kSavPath);
-    const std::string journal = Bytes(kJournalPath);
+    const std::string sav = Content(kSav);
+    const std::string journal = Content(kJournal);
     const std::size_t records = journal.size() / sizeof(ObjectRecord);
     KeepDevice();
     std::size_t loaded = 0;
-    const Operation open = [&](EngineParts& parts) {
+    const Operation open = [&](QuietParts& parts) {
         const bool done = parts.Open();
-        loaded = done ? parts.storage.journal->CountRecords() : 0;
-        EXPECT_EQ(done, parts.storage.journal != nullptr);
+        loaded = done ? parts.storage_.journal->CountRecords() : 0;
+        EXPECT_EQ(done, parts.storage_.journal != nullptr);
         return done ? ResultCode::kSuccess : ResultCode::kFailed;
     };
     std::size_t refused = 0;
@@ -29,8 +29,8 @@ TEST_F(EveryCallLoadTest, AJournalIsLoadedWholeOrNotAtAll) {
         [&](FaultRun& run) {
             EXPECT_EQ(run.code == ResultCode::kSuccess ? records : 0, loaded);
             refused += run.code == ResultCode::kSuccess ? 0 : 1;
-            EXPECT_TRUE(sav == Bytes(kSavPath));
-            EXPECT_TRUE(journal == Bytes(kJournalPath));
+            EXPECT_TRUE(sav == Content(kSav));
+            EXPECT_TRUE(journal == Content(kJournal));
         },
         true);
     EXPECT_NE(0u, refused);

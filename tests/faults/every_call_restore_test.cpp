@@ -7,7 +7,6 @@ namespace {
 
 using tests::Contents;
 using tests::Differences;
-using Lines = std::vector<std::string>;
 
 class EveryCallRestoreTest : public FaultTest {
 protected:
@@ -32,13 +31,13 @@ TEST_F(EveryCallRestoreTest, NothingIsLostAndTheNextRestoresBringBothStatesBack)
     const Contents second = BackUp();
     ChangeDevice(2);
     const Contents damaged = Now();
-    const std::string sav = Bytes(kSavPath);
+    const std::string sav = Content(kSav);
     KeepDevice();
-    const Operation restore = [](EngineParts& parts) { return parts.Restore(2); };
+    const Operation restore = [](QuietParts& parts) { return parts.Restore(2).code; };
     const std::string whole = JournalAfter(restore);
     FailEachCall(restore, [&](FaultRun& run) {
         EXPECT_EQ(Lines(), tests::Lost(second, damaged, Now()));
-        EXPECT_TRUE(sav == Bytes(kSavPath)) << "a restore writes no blocks";
+        EXPECT_TRUE(sav == Content(kSav)) << "a restore writes no blocks";
         if (!IsCutJournal(run, whole)) {
             ExpectState(run, 2, second);
             ExpectState(run, 1, first);

@@ -6,26 +6,15 @@
 #include "simulator/gate/rules.h"
 #include "simulator/host/attach.h"
 #include "simulator/host/host_files.h"
-#include "storage/opened/storage_file.h"
-#include "tests/support/engine_test.h"
+#include "storage/opened/journal.h"
 
 namespace tolvenar {
 namespace {
 
 using sim::databases::DatabaseStore;
 
-constexpr char16_t kStoragePath[] = u"\\Storage Card\\Backup\\Home";
-constexpr wchar_t kSettingsKey[] = L"Software\\Kestrin2\\Tolvenar";
 constexpr long kNever = 1000000000;
 constexpr std::size_t kStandingRules = 1;  // that of Attach
-constexpr CEPROPID kNumber = 0x00010003;
-constexpr CEPROPID kName = 0x0002001F;
-constexpr CEPROPID kPicture = 0x00030041;
-
-std::string TextBytes(const wchar_t* text) {
-    return {reinterpret_cast<const char*>(text), (wcslen(text) + 1) * sizeof(wchar_t)};
-}
-
 sim::Rule RuleFor(const tests::FaultRow& row, long first) {
     sim::Rule rule;
     rule.function = row.function;
@@ -59,25 +48,6 @@ long HeapBlocks(const sim::GateFile& gate) {
 }
 
 }  // namespace
-
-bool EngineParts::Open() {
-    OpenStorageResult result{};
-    return MakeStorageNames(kStoragePath, storage.names) &&
-           OpenStorage(storage.names.sav, storage, result) && OpenJournal(storage, nullptr);
-}
-
-ResultCode EngineParts::Backup() {
-    ResultCode code{};
-    std::uint32_t needed = 0;
-    DoBackup(engine_, NextStateNumber(storage.journal.get()), u"", false, code, needed);
-    return code;
-}
-
-ResultCode EngineParts::Restore(std::uint32_t state) {
-    ResultCode code{};
-    DoRestore(engine_, state, code);
-    return code;
-}
 
 FaultTest::FaultTest()
     : folder_(sim::host::FolderFromEnvironmentOrTemp(L"TOLVENAR_TEST_DEVICES") + L"\\faults-" +
@@ -114,25 +84,21 @@ void FaultTest::MakeDevice(const std::function<void()>& prepare) {
     device().Set("clock", "2002-05-06T07:08:09");
     device().Set("clock.step", "2000");
     prepare();
-    device().MakeFolder(kFolder);
-    SetValue(HKEY_CURRENT_USER, kSettingsKey, L"StorageFile", REG_SZ, TextBytes(L"Home"));
-    SetValue(HKEY_CURRENT_USER, kSettingsKey, L"StoragePath", REG_SZ,
-             TextBytes(L"\\Storage Card\\Backup\\"));
+    device().MakeFolder(L"\\Storage Card\\Backup");
+    SetStorageSettings();
     device().PutFile(L"\\Docs\\a.txt", "first");
     device().PutFile(L"\\Docs\\Deep\\b.txt", "second");
     device().PutFile(L"\\kept.txt", "never changed");
     device().PutFile(L"\\empty", "");
     SetValue(HKEY_CURRENT_USER, L"Test", L"Kept", REG_DWORD, std::string(4, '\1'));
     SetValue(HKEY_CURRENT_USER, L"Test\\Deep", L"Number", REG_DWORD, std::string(4, '\2'));
-    SetValue(HKEY_LOCAL_MACHINE, L"Test", L"", REG_SZ, TextBytes(L"text"));
+    SetValue(HKEY_LOCAL_MACHINE, L"Test", L"", REG_SZ, Terminated(u"text"));
     MakeDatabase(L"Contacts");
-    AddRecord(L"Contacts", {{kNumber, 1}, {kName, 0, L"Ann"}, {kPicture, 0, {}, "abc"}});
+    AddRecord(L"Contacts", {{kNumber, 1}, {kName, 0, L"Ann"}, {kBytes, 0, {}, "abc"}});
     AddRecord(L"Contacts", {{kNumber, 2}, {kName, 0, L"Bob"}});
     MakeDatabase(L"Kept");
     AddRecord(L"Kept", {{kNumber, 3}});
-    ASSERT_NE(nullptr, CreateStorage(kStoragePath, nullptr));
-    EngineParts parts;
-    ASSERT_TRUE(parts.Open());
+    ASSERT_TRUE(QuietParts().Make());
 }
 
 void FaultTest::ChangeDevice(int round) {
@@ -142,8 +108,8 @@ void FaultTest::ChangeDevice(int round) {
     device().PutFile(name + L"\\n.txt", "new");
     const std::string number(4, static_cast<char>(0x10 + round));
     SetValue(HKEY_CURRENT_USER, L"Test\\Deep", L"Number", REG_DWORD, number);
-    SetValue(HKEY_CURRENT_USER, L"Test", name.c_str() + 1, REG_BINARY, number);
-    SetValue(HKEY_CLASSES_ROOT, (L"." + name.substr(1)).c_str(), L"v", REG_BINARY, "xyz");
+    SetValue(HKEY_CURRENT_USER, L"Test", name.substr(1), REG_BINARY, number);
+    SetValue(HKEY_CLASSES_ROOT, L"." + name.substr(1), L"v", REG_BINARY, "xyz");
     ::RegDeleteKeyW(HKEY_LOCAL_MACHINE, L"Test");
 
     DatabaseStore store(device().sim());
@@ -152,32 +118,32 @@ void FaultTest::ChangeDevice(int round) {
     WriteRecord(L"Contacts", records.at(0), {{kNumber, static_cast<std::uint32_t>(100 + round)}});
     store.DeleteRecord(contacts, records.at(1));
     AddRecord(L"Contacts", {{kNumber, static_cast<std::uint32_t>(200 + round)}});
-    MakeDatabase(name.c_str() + 1, 5);
-    AddRecord(name.c_str() + 1, {{kName, 0, L"in a new database"}});
+    MakeDatabase(name.substr(1), 5);
+    AddRecord(name.substr(1), {{kName, 0, L"in a new database"}});
     if (const auto older = store.ByName(u"New1"); older && round > 1) {
         store.Delete(older->oid);
     }
 }
 
 tests::Contents FaultTest::BackUp() {
-    EngineParts parts;
+    QuietParts parts;
     EXPECT_TRUE(parts.Open());
-    EXPECT_EQ(ResultCode::kSuccess, parts.Backup());
+    EXPECT_EQ(Done(), parts.Backup());
     return Now();
 }
 
 std::uint32_t FaultTest::BackUpAgain() {
-    EngineParts parts;
+    QuietParts parts;
     EXPECT_TRUE(parts.Open());
-    const ResultCode code = parts.Backup();
+    const ResultCode code = parts.Backup().code;
     EXPECT_TRUE(code == ResultCode::kSuccess || code == ResultCode::kNoDifference);
-    return HighestStateNumber(parts.storage.journal.get());
+    return HighestStateNumber(parts.storage_.journal.get());
 }
 
 ResultCode FaultTest::Restore(std::uint32_t state) {
-    EngineParts parts;
+    QuietParts parts;
     EXPECT_TRUE(parts.Open());
-    return parts.Restore(state);
+    return parts.Restore(state).code;
 }
 
 bool FaultTest::IsCutJournal(const FaultRun& run, const std::string& whole) {
@@ -187,17 +153,17 @@ bool FaultTest::IsCutJournal(const FaultRun& run, const std::string& whole) {
         return false;
     }
     const std::size_t bytes = static_cast<std::size_t>(written) * sizeof(ObjectRecord);
-    EXPECT_TRUE(Bytes(kJournalPath) == whole.substr(0, bytes));
+    EXPECT_TRUE(Content(kJournal) == whole.substr(0, bytes));
     return true;
 }
 
 void FaultTest::KeepDevice() {
     Detach();
-    image_ = tests::DeviceImage(folder_);
+    copy_ = tests::FolderCopy(folder_);
 }
 
 void FaultTest::PutBack() {
-    image_.PutBack(folder_);
+    copy_.PutBack(folder_);
     Attach();
 }
 
@@ -210,7 +176,7 @@ ResultCode FaultTest::RunOnce(const Operation& operation, bool opens_itself,
     const long blocks_before = HeapBlocks(*gate);
     ResultCode code{};
     {
-        EngineParts parts;
+        QuietParts parts;
         EXPECT_TRUE(opens_itself || parts.Open());
         for (const sim::Rule& rule : rules) {
             sim::AddRule(device().sim(), rule);
@@ -257,7 +223,7 @@ std::vector<long> FaultTest::CountCalls(const Operation& operation, bool opens_i
 std::string FaultTest::JournalAfter(const Operation& operation) {
     PutBack();
     RunOnce(operation, false, {});
-    const std::string journal = Bytes(kJournalPath);
+    const std::string journal = Content(kJournal);
     Detach();
     return journal;
 }

@@ -14,7 +14,6 @@ namespace {
 using nlohmann::json;
 using tests::Contents;
 using tests::Differences;
-using Lines = std::vector<std::string>;
 
 constexpr int kKilled = 205;
 

@@ -5,8 +5,6 @@
 #include "snapshot/engine/difference_engine.h"
 #include "storage/files/handle_bytes.h"
 #include "storage/format/storage_reader.h"
-#include "storage/operations/backup_writer.h"
-#include "storage/operations/restore_engine.h"
 
 namespace tolvenar {
 namespace {
@@ -17,8 +15,6 @@ using tests::DeviceImage;
 using tests::Differences;
 using tests::ImageOf;
 using Names = std::multiset<std::string>;
-
-constexpr const wchar_t* kSettings = L"Software\\Kestrin2\\Tolvenar";
 
 // The hives themselves and the program's own settings are in a state, but in no image.
 void RemoveUntold(Names& lines) {
@@ -38,21 +34,13 @@ std::u16string HiveOf(const ObjectRecord& record, const InfoBlock& block) {
 
 void AdvancedModelTest::SetUp() {
     EngineTest::SetUp();
-    Prepare();
+    LetTimePass();
     RestoreDatabases(true);
-}
-
-// Time moves at every write; a restore does not wait for the store to settle.
-void AdvancedModelTest::Prepare() {
-    device().Set("clock", "2002-05-06T07:08:09");
-    device().Set("clock.step", "2000");
-    device().Fault("Sleep", 1, 1000000000, 1);
 }
 
 void AdvancedModelTest::RestoreDatabases(bool on) {
     with_databases_ = on;
-    SetValue(HKEY_CURRENT_USER, kSettings, L"AdvancedDBRestoring", REG_DWORD,
-             std::string(on ? "\1\0\0\0" : "\0\0\0\0", 4));
+    SetAdvancedDatabaseRestoring(on ? 1 : 0);
 }
 
 // "+ file \a.txt": what a record of a list says about which object.
@@ -97,15 +85,13 @@ void AdvancedModelTest::BackUp() {
     const auto number = static_cast<std::uint16_t>(states_.size() + 1);
     const Names expected =
         tests::ExpectedBackup(states_.empty() ? DeviceImage() : states_.back(), now);
-    ResultCode code{};
-    std::uint32_t needed = 0;
-    EXPECT_TRUE(DoBackup(engine_, number, u"", false, code, needed));
+    const Answer backup = Backup(number);
     storage_.difference.reset();
     if (!states_.empty() && expected.empty()) {
-        EXPECT_EQ(ResultCode::kNoDifference, code);
+        EXPECT_EQ(Done(ResultCode::kNoDifference), backup);
         return;
     }
-    EXPECT_EQ(ResultCode::kSuccess, code);
+    EXPECT_EQ(Done(), backup);
     Names added = LinesOf(storage_.journal.get(), number);
     RemoveUntold(added);
     EXPECT_EQ(Lines(), Differences(expected, added));
@@ -113,15 +99,13 @@ void AdvancedModelTest::BackUp() {
 }
 
 void AdvancedModelTest::ExpectState(std::size_t state) {
-    EXPECT_EQ(Lines(), Differences(states_[state].Model().Expected(), ContentsOf(device().sim())))
+    EXPECT_EQ(Lines(), Differences(states_[state].Lines(), ContentsOf(device().sim())))
         << "state " << state + 1;
 }
 
 void AdvancedModelTest::RestoreAndCheck(std::size_t state) {
-    ResultCode code{};
-    EXPECT_TRUE(DoRestore(engine_, static_cast<std::uint32_t>(state + 1), code));
-    EXPECT_TRUE(code == ResultCode::kSuccess || code == ResultCode::kNoDifference)
-        << static_cast<int>(code);
+    const Answer restore = Restore(static_cast<std::uint32_t>(state + 1));
+    EXPECT_TRUE(restore == Done() || restore == Done(ResultCode::kNoDifference)) << restore;
     ExpectState(state);
     if (!HasFailure()) {
         tests::FollowIds(states_, state, ImageOf(device().sim()));
@@ -132,8 +116,8 @@ void AdvancedModelTest::ExchangeDevice(std::uint32_t first_id) {
     const std::wstring empty = folder() + L"\\empty";
     sim::host::MakeFolder(empty);
     device().Command("create \"" + sim::host::Utf8(empty) + "\"");
-    device().Command("faults clear");
-    Prepare();
+    device().DropFaults();
+    LetTimePass();
     device().Set("oid.next", std::to_string(first_id));
     SetStorageSettings();
     RestoreDatabases(with_databases_);
@@ -152,11 +136,9 @@ AdvancedModel AdvancedModelTest::ModelOf(std::size_t state, Button button) const
 }
 
 bool AdvancedModelTest::Press(Button button) {
-    ResultCode code{};
-    EXPECT_TRUE(DoAdvancedRestore(engine_, button == Button::kApply, code));
-    EXPECT_TRUE(code == ResultCode::kSuccess || code == ResultCode::kFailed);
-    EXPECT_EQ(code == ResultCode::kFailed, storage_.difference != nullptr);
-    return code == ResultCode::kSuccess;
+    const Answer restore = RestoreAdvanced(button == Button::kApply);
+    EXPECT_EQ(storage_.difference == nullptr ? Done() : Done(ResultCode::kFailed), restore);
+    return restore == Done();
 }
 
 // A phase may end before everything was tried: for as many failures as the phase before it had.
@@ -170,7 +152,7 @@ void AdvancedModelTest::RetryWhileItHelps() {
 
 // What is left over is told with its sense turned round.
 void AdvancedModelTest::ExpectDevice(const DeviceImage& expected, const AdvancedModel& model) {
-    EXPECT_EQ(Lines(), Differences(expected.Model().Expected(), ContentsOf(device().sim())));
+    EXPECT_EQ(Lines(), Differences(expected.Lines(), ContentsOf(device().sim())));
     EXPECT_EQ(model.Left(), LeftOver());
 }
 

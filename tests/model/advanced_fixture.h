@@ -15,7 +15,6 @@ enum class Button { kApply, kTakeBack };  // "+" and "--"
 
 class AdvancedModelTest : public EngineTest {
 protected:
-    using Lines = std::vector<std::string>;
     using Names = std::multiset<std::string>;
 
     void SetUp() override;
@@ -41,7 +40,6 @@ protected:
     std::vector<tests::DeviceImage> states_;  // state n stands at n - 1
 
 private:
-    void Prepare();
     std::string LineOf(const ObjectRecord& record, InfoSource& info);
     Names LinesOf(const ObjectList* list, std::uint16_t state_number);
     tests::AdvancedModel ModelOf(std::size_t state, Button button) const;

@@ -96,10 +96,10 @@ void AdvancedModel::CompareFiles(const DeviceImage& from, const DeviceImage& to)
 
 void AdvancedModel::CompareKeys(const DeviceImage& from, const DeviceImage& to) {
     const auto any = [](const auto&, const auto&) { return true; };
-    const auto same = [](const ModelValue& a, const ModelValue& b) { return a == b; };
+    const auto same = [](const ImageValue& a, const ImageValue& b) { return a == b; };
     const auto values_of = [](const DeviceImage& image, const std::u16string& path) {
         const auto found = image.keys.find(path);
-        return found != image.keys.end() ? found->second : std::map<std::u16string, ModelValue>();
+        return found != image.keys.end() ? found->second : std::map<std::u16string, ImageValue>();
     };
     ForEachBeyond(from.keys, to.keys, any, [&](const std::u16string& path, const auto&) {
         deletions_.push_back({"- " + KeyName(path), [=](DeviceImage& device, const Paths&) {
@@ -120,7 +120,7 @@ void AdvancedModel::CompareKeys(const DeviceImage& from, const DeviceImage& to) 
     for (const auto& entry : from.keys) {
         const std::u16string path = entry.first;
         ForEachBeyond(entry.second, values_of(to, path), same,
-                      [&](const std::u16string& name, const ModelValue&) {
+                      [&](const std::u16string& name, const ImageValue&) {
                           deletions_.push_back({"- " + ValueName(path, name),
                                                 [=](DeviceImage& device, const Paths&) {
                                                     return DeleteValue(device, path, name);
@@ -130,7 +130,7 @@ void AdvancedModel::CompareKeys(const DeviceImage& from, const DeviceImage& to) 
     for (const auto& entry : to.keys) {
         const std::u16string path = entry.first;
         ForEachBeyond(entry.second, values_of(from, path), same,
-                      [&](const std::u16string& name, const ModelValue& value) {
+                      [&](const std::u16string& name, const ImageValue& value) {
                           others_.push_back({"+ " + ValueName(path, name),
                                              [=](DeviceImage& device, const Paths&) {
                                                  const auto key = device.keys.find(path);

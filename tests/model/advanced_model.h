@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/model/device_image.h"
+#include "tests/model/object_versions.h"
 
 namespace tests {
 

@@ -97,7 +97,7 @@ TEST_F(AdvancedChangesTest, RecordsThatWereTakenBackStayWhenTheChangesAreApplied
     EXPECT_EQ((Lines{"+ database Deleted 7 0", "+ record Contacts Database 1074987039=42006f006200",
                      "+ record Contacts Database 131075=01000000 1074987039=41006e006e00",
                      "+ record Deleted 1074987039=47006f006e006500"}),
-              Differences(states_[kNewer].Model().Expected(), ContentsOf(device().sim())));
+              Differences(states_[kNewer].Lines(), ContentsOf(device().sim())));
 }
 
 // What was written back has ids that the journal does not know.

@@ -26,7 +26,7 @@ protected:
         device().Set("order", GetParam().order);
     }
     std::string ChangeSome(std::size_t most) {
-        changed_.model() = ImageOf(device().sim()).Model();
+        changed_.model() = ImageOf(device().sim());
         std::string told;
         for (std::uint32_t count = 1 + changes_.Below(most); count != 0; --count) {
             told += changes_.Change() + "; ";

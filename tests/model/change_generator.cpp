@@ -1,10 +1,14 @@
 #include "tests/model/change_generator.h"
 
+#include "tests/support/bytes.h"
+#include "tests/support/text.h"
+
 namespace tests {
 namespace {
 
 using sim::databases::Database;
 using sim::databases::Record;
+using tolvenar::Terminated;
 
 constexpr std::size_t kMostLevels = 5;
 
@@ -16,13 +20,6 @@ const std::vector<std::u16string> kKeyPaths = {u"HKCU\\Test",        u"HKCU\\Tes
                                                u"HKU\\.Default\\One"};
 const std::vector<std::u16string> kValueNames = {u"", u"Number", u"Some text", u"\u00E4"};
 const std::vector<std::uint32_t> kAttributes = {0x20, 0x22, 0x26, 0x04};
-
-std::string Text(const std::u16string& text) {
-    return {reinterpret_cast<const char*>(text.c_str()), (text.size() + 1) * sizeof(char16_t)};
-}
-
-std::string Narrow(const std::wstring& text) { return {text.begin(), text.end()}; }
-std::string Narrow(const std::u16string& text) { return {text.begin(), text.end()}; }
 
 std::vector<Database> Shapes() {
     std::vector<Database> shapes(3);
@@ -39,56 +36,43 @@ std::vector<Database> Shapes() {
 
 }  // namespace
 
-const std::array<ModelValue, kValueKinds>& ValuePalette() {
-    static const std::array<ModelValue, kValueKinds> palette = {{
+const std::array<ImageValue, kValueKinds>& ValuePalette() {
+    static const std::array<ImageValue, kValueKinds> palette = {{
         {4, std::string("\x01\0\0\0", 4)},
         {4, std::string("\x02\0\0\0", 4)},
         {4, std::string("\xFF\xFF\xFF\x7F", 4)},
-        {1, Text(u"")},
-        {1, Text(u"text")},
-        {1, Text(u"a longer text")},
+        {1, Terminated(u"")},
+        {1, Terminated(u"text")},
+        {1, Terminated(u"a longer text")},
         {3, std::string()},
         {3, std::string("\0", 1)},
         {3, std::string(300, 'x')},
         {3, std::string(70000, 'y')},
-        {7, Text(u"one") + Text(u"two") + Text(u"")},
+        {7, Terminated(u"one") + Terminated(u"two") + Terminated(u"")},
         {0x1234, std::string("odd type")},
     }};
     return palette;
 }
 
-std::string ChangeGenerator::Change() {
-    using Step = std::string (ChangeGenerator::*)();
-    // Steps that add stand more often than those that take away.
-    static constexpr Step kSteps[] = {
-        &ChangeGenerator::WriteFile,      &ChangeGenerator::WriteFile,
-        &ChangeGenerator::WriteFile,      &ChangeGenerator::ChangeAttributes,
-        &ChangeGenerator::TouchFile,      &ChangeGenerator::MakeFolder,
-        &ChangeGenerator::MakeFolder,     &ChangeGenerator::RemoveFile,
-        &ChangeGenerator::RemoveFolder,   &ChangeGenerator::MoveFile,
-        &ChangeGenerator::MoveFolder,     &ChangeGenerator::CreateKey,
-        &ChangeGenerator::CreateKey,      &ChangeGenerator::SetValue,
-        &ChangeGenerator::SetValue,       &ChangeGenerator::SetValue,
-        &ChangeGenerator::DeleteValue,    &ChangeGenerator::DeleteKey,
-        &ChangeGenerator::CreateDatabase, &ChangeGenerator::CreateDatabase,
-        &ChangeGenerator::DeleteDatabase, &ChangeGenerator::AddRecord,
-        &ChangeGenerator::AddRecord,      &ChangeGenerator::AddRecord,
-        &ChangeGenerator::ChangeRecord,   &ChangeGenerator::ChangeRecord,
-        &ChangeGenerator::DeleteRecord,
-    };
-    for (;;) {
-        const std::string told = (this->*kSteps[Below(std::size(kSteps))])();
-        if (!told.empty()) {
-            return told;
+std::vector<std::wstring> ChangeGenerator::Paths(bool of_folders) {
+    std::vector<std::wstring> paths;
+    for (const auto& [path, file] : model().files) {
+        if (file.is_folder == of_folders) {
+            paths.push_back(path);
         }
     }
+    return paths;
+}
+
+std::wstring ChangeGenerator::AnyPath(bool of_folder) {
+    const std::vector<std::wstring> paths = Paths(of_folder);
+    return paths.empty() ? std::wstring() : paths[Below(paths.size())];
 }
 
 std::wstring ChangeGenerator::AnyFolder() {
-    const std::uint32_t index = Below(model().folders.size() + 1);
-    return index == 0
-               ? std::wstring()
-               : std::next(model().folders.begin(), static_cast<std::ptrdiff_t>(index) - 1)->first;
+    std::vector<std::wstring> folders = Paths(true);
+    folders.insert(folders.begin(), std::wstring());
+    return folders[Below(folders.size())];
 }
 
 std::wstring ChangeGenerator::FreePath() {
@@ -98,8 +82,7 @@ std::wstring ChangeGenerator::FreePath() {
     for (const wchar_t unit : path) {
         levels += unit == L'\\' ? 1 : 0;
     }
-    const bool taken = model().files.count(path) != 0 || model().folders.count(path) != 0;
-    return taken || levels > kMostLevels ? std::wstring() : path;
+    return model().files.count(path) != 0 || levels > kMostLevels ? std::wstring() : path;
 }
 
 std::string ChangeGenerator::AnyBytes() {
@@ -112,8 +95,8 @@ std::string ChangeGenerator::AnyBytes() {
 
 std::string ChangeGenerator::WriteFile() {
     std::wstring path = FreePath();
-    if (path.empty() && !model().files.empty()) {
-        path = AnyKeyOf(model().files);
+    if (path.empty()) {
+        path = AnyPath(false);
     }
     if (path.empty()) {
         return {};
@@ -123,19 +106,19 @@ std::string ChangeGenerator::WriteFile() {
 }
 
 std::string ChangeGenerator::ChangeAttributes() {
-    if (model().files.empty()) {
+    const std::wstring path = AnyPath(false);
+    if (path.empty()) {
         return {};
     }
-    const std::wstring path = AnyKeyOf(model().files);
     device_.SetAttributes(path, kAttributes[Below(kAttributes.size())]);
     return "attributes of " + Narrow(path);
 }
 
 std::string ChangeGenerator::TouchFile() {
-    if (model().files.empty()) {
+    const std::wstring path = AnyPath(false);
+    if (path.empty()) {
         return {};
     }
-    const std::wstring path = AnyKeyOf(model().files);
     device_.Touch(path, 0x01C0000000000000 + Below(1000000) * 10000000ull);
     return "touch " + Narrow(path);
 }
@@ -149,45 +132,25 @@ std::string ChangeGenerator::MakeFolder() {
     return "make folder " + Narrow(path);
 }
 
-std::string ChangeGenerator::RemoveFile() {
-    if (model().files.empty()) {
+template <bool of_folder>
+std::string ChangeGenerator::Remove() {
+    const std::wstring path = AnyPath(of_folder);
+    if (path.empty()) {
         return {};
     }
-    const std::wstring path = AnyKeyOf(model().files);
     device_.Remove(path);
     return "remove " + Narrow(path);
 }
 
-std::string ChangeGenerator::RemoveFolder() {
-    if (model().folders.empty()) {
-        return {};
-    }
-    const std::wstring path = AnyKeyOf(model().folders);
-    device_.Remove(path);
-    return "remove folder " + Narrow(path);
-}
-
-std::string ChangeGenerator::MoveFile() {
+template <bool of_folder>
+std::string ChangeGenerator::Move() {
     const std::wstring to = FreePath();
-    if (to.empty() || model().files.empty()) {
-        return {};
-    }
-    const std::wstring from = AnyKeyOf(model().files);
-    device_.Move(from, to);
-    return "move " + Narrow(from) + " to " + Narrow(to);
-}
-
-std::string ChangeGenerator::MoveFolder() {
-    const std::wstring to = FreePath();
-    if (to.empty() || model().folders.empty()) {
-        return {};
-    }
-    const std::wstring from = AnyKeyOf(model().folders);
-    if (to.compare(0, from.size() + 1, from + L"\\") == 0) {
+    const std::wstring from = to.empty() ? std::wstring() : AnyPath(of_folder);
+    if (from.empty() || to.compare(0, from.size() + 1, from + L"\\") == 0) {
         return {};
     }
     device_.Move(from, to);
-    return "move folder " + Narrow(from) + " to " + Narrow(to);
+    return "move " + Narrow(from) + " to " + Narrow(to);
 }
 
 std::string ChangeGenerator::CreateKey() {
@@ -257,7 +220,7 @@ Record ChangeGenerator::AnyRecord() {
                         {0x00010003, 0, std::string(reinterpret_cast<const char*>(&number), 4)});
     sim::databases::Put(record, {0x00050005, 0, std::string("\0\0\0\0\0\0\x24\x40", 8)});
     if (Below(2) == 0) {
-        sim::databases::Put(record, {0x0002001F, 0, Text(u"name").substr(0, 8)});
+        sim::databases::Put(record, {0x0002001F, 0, tolvenar::Units(u"name")});
     }
     if (Below(3) == 0) {
         sim::databases::Put(record, {0x00030041, 0, AnyBytes().substr(0, 5000)});
@@ -301,6 +264,33 @@ std::string ChangeGenerator::DeleteRecord() {
     }
     device_.DeleteRecord(name, Below(model().databases[name].records.size()));
     return "delete a record of " + Narrow(name);
+}
+
+std::string ChangeGenerator::Change() {
+    using Step = std::string (ChangeGenerator::*)();
+    // Steps that add stand more often than those that take away.
+    static constexpr Step kSteps[] = {
+        &ChangeGenerator::WriteFile,      &ChangeGenerator::WriteFile,
+        &ChangeGenerator::WriteFile,      &ChangeGenerator::ChangeAttributes,
+        &ChangeGenerator::TouchFile,      &ChangeGenerator::MakeFolder,
+        &ChangeGenerator::MakeFolder,     &ChangeGenerator::Remove<false>,
+        &ChangeGenerator::Remove<true>,   &ChangeGenerator::Move<false>,
+        &ChangeGenerator::Move<true>,     &ChangeGenerator::CreateKey,
+        &ChangeGenerator::CreateKey,      &ChangeGenerator::SetValue,
+        &ChangeGenerator::SetValue,       &ChangeGenerator::SetValue,
+        &ChangeGenerator::DeleteValue,    &ChangeGenerator::DeleteKey,
+        &ChangeGenerator::CreateDatabase, &ChangeGenerator::CreateDatabase,
+        &ChangeGenerator::DeleteDatabase, &ChangeGenerator::AddRecord,
+        &ChangeGenerator::AddRecord,      &ChangeGenerator::AddRecord,
+        &ChangeGenerator::ChangeRecord,   &ChangeGenerator::ChangeRecord,
+        &ChangeGenerator::DeleteRecord,
+    };
+    for (;;) {
+        const std::string told = (this->*kSteps[Below(std::size(kSteps))])();
+        if (!told.empty()) {
+            return told;
+        }
+    }
 }
 
 }  // namespace tests

@@ -17,7 +17,7 @@ namespace tests {
 constexpr std::size_t kValueKinds = 12;
 // All data that values ever have. No two have the same low byte of their checksum, since a change
 // from one to the other would not be seen; and the data tells the type.
-const std::array<ModelValue, kValueKinds>& ValuePalette();
+const std::array<ImageValue, kValueKinds>& ValuePalette();
 
 class ChangeGenerator {
 public:
@@ -34,10 +34,10 @@ private:
     std::string ChangeAttributes();
     std::string TouchFile();
     std::string MakeFolder();
-    std::string RemoveFile();
-    std::string RemoveFolder();
-    std::string MoveFile();
-    std::string MoveFolder();
+    template <bool of_folder>
+    std::string Remove();
+    template <bool of_folder>
+    std::string Move();
     std::string CreateKey();
     std::string SetValue();
     std::string DeleteValue();
@@ -48,13 +48,15 @@ private:
     std::string ChangeRecord();
     std::string DeleteRecord();
 
-    DeviceModel& model() { return device_.model(); }
+    DeviceImage& model() { return device_.model(); }
     template <typename Map>
     typename Map::key_type AnyKeyOf(const Map& map) {
         return std::next(map.begin(), static_cast<std::ptrdiff_t>(Below(map.size())))->first;
     }
-    std::wstring AnyFolder();  // "" is the root
-    std::wstring FreePath();   // in a folder that is there; "" when the name is taken
+    std::vector<std::wstring> Paths(bool of_folders);
+    std::wstring AnyPath(bool of_folder);  // "" when there is none
+    std::wstring AnyFolder();              // "" is the root
+    std::wstring FreePath();               // in a folder that is there; "" when the name is taken
     std::string AnyBytes();
     sim::databases::Record AnyRecord();
     // A database with records; "" when there is none.

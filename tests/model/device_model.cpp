@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "simulator/registry/registry.h"
+#include "tests/model/object_versions.h"
 
 namespace tests {
 namespace {
@@ -45,8 +46,8 @@ KeyId PlaceOf(const Registry& registry, const std::u16string& path) {
     return place;
 }
 
-bool SameRecord(const Record& a, const Record& b) {
-    return RecordLine(u"", a) == RecordLine(u"", b);
+auto At(ImageDatabase& database, std::size_t index) {
+    return std::next(database.records.begin(), static_cast<std::ptrdiff_t>(index));
 }
 
 void Check(bool done, const char* what) {
@@ -57,32 +58,9 @@ void Check(bool done, const char* what) {
 
 }  // namespace
 
-Contents DeviceModel::Expected() const {
-    Contents contents;
-    for (const auto& [path, attributes] : folders) {
-        contents.insert(FolderLine(path, attributes));
-    }
-    for (const auto& [path, file] : files) {
-        contents.insert(FileLine(path, file.attributes, file.modified, file.bytes));
-    }
-    for (const auto& [path, values] : keys) {
-        contents.insert(KeyLine(path));
-        for (const auto& [name, value] : values) {
-            contents.insert(ValueLine(path, name, value.first, value.second));
-        }
-    }
-    for (const auto& [name, database] : databases) {
-        contents.insert(DatabaseLine(database.shape));
-        for (const Record& record : database.records) {
-            contents.insert(RecordLine(name, record));
-        }
-    }
-    return contents;
-}
-
 void ModelledDevice::NoteFile(const std::wstring& path, const std::string& bytes) {
     const sim::files::Entry entry = device_.Info(path);
-    model_.files[path] = {bytes, entry.attributes, entry.modified};
+    model_.files[path] = {entry.is_folder, 0, entry.attributes, entry.modified, bytes};
 }
 
 void ModelledDevice::PutFile(const std::wstring& path, const std::string& bytes) {
@@ -102,19 +80,17 @@ void ModelledDevice::Touch(const std::wstring& path, std::uint64_t time) {
 
 void ModelledDevice::MakeFolder(const std::wstring& path) {
     device_.MakeFolder(path);
-    model_.folders[path] = sim::files::Info(device_.sim(), path).attributes;
+    NoteFile(path, "");
 }
 
 void ModelledDevice::Remove(const std::wstring& path) {
     device_.Remove(path);
     EraseAtAndBelow(model_.files, path);
-    EraseAtAndBelow(model_.folders, path);
 }
 
 void ModelledDevice::Move(const std::wstring& from, const std::wstring& to) {
     sim::files::Rename(device_.sim(), from, to);
     MoveAtAndBelow(model_.files, from, to);
-    MoveAtAndBelow(model_.folders, from, to);
 }
 
 void ModelledDevice::CreateKey(const std::u16string& path) {
@@ -134,7 +110,7 @@ void ModelledDevice::CreateKey(const std::u16string& path) {
 }
 
 void ModelledDevice::SetValue(const std::u16string& path, const std::u16string& name,
-                              const ModelValue& value) {
+                              const ImageValue& value) {
     Registry registry(device_.sim());
     registry.Set(PlaceOf(registry, path), {name, value.first, value.second});
     model_.keys.at(path)[name] = value;
@@ -169,7 +145,8 @@ void ModelledDevice::AddRecord(const std::u16string& database, const Record& rec
     DatabaseStore store(device_.sim());
     std::uint32_t oid = 0;
     Check(store.Write(*store.ByName(database), oid, record) == sim::databases::kOk, "add record");
-    model_.databases.at(database).records.push_back(record);
+    auto& records = model_.databases.at(database).records;
+    records[records.empty() ? 1 : records.rbegin()->first + 1] = record;
 }
 
 std::uint32_t ModelledDevice::FindRecord(const Database& database, const Record& record) {
@@ -186,7 +163,7 @@ void ModelledDevice::ChangeRecord(const std::u16string& database, std::size_t in
                                   const Record& record) {
     DatabaseStore store(device_.sim());
     const Database shape = *store.ByName(database);
-    Record& old = model_.databases.at(database).records.at(index);
+    Record& old = At(model_.databases.at(database), index)->second;
     std::uint32_t oid = FindRecord(shape, old);
     Check(store.Write(shape, oid, record) == sim::databases::kOk, "change record");
     old = record;
@@ -195,10 +172,10 @@ void ModelledDevice::ChangeRecord(const std::u16string& database, std::size_t in
 void ModelledDevice::DeleteRecord(const std::u16string& database, std::size_t index) {
     DatabaseStore store(device_.sim());
     const Database shape = *store.ByName(database);
-    auto& records = model_.databases.at(database).records;
-    const std::uint32_t oid = FindRecord(shape, records.at(index));
-    Check(store.DeleteRecord(shape.oid, oid), "delete record");
-    records.erase(records.begin() + static_cast<std::ptrdiff_t>(index));
+    ImageDatabase& held = model_.databases.at(database);
+    const auto record = At(held, index);
+    Check(store.DeleteRecord(shape.oid, FindRecord(shape, record->second)), "delete record");
+    held.records.erase(record);
 }
 
 }  // namespace tests

@@ -1,47 +1,20 @@
 // What a device should hold after a series of changes, kept apart from the device: every change is
-// made to both, and the model tells the contents that must be there.
+// made to both. The ids of the model mean nothing.
 #pragma once
 
 #include <cstdint>
-#include <map>
-#include <set>
 #include <string>
-#include <utility>
-#include <vector>
 
-#include "simulator/databases/database_store.h"
 #include "tests/support/contents.h"
 #include "tests/support/device_test.h"
 
 namespace tests {
 
-struct ModelFile {
-    std::string bytes;
-    std::uint32_t attributes = 0;
-    std::uint64_t modified = 0;
-};
-
-using ModelValue = std::pair<std::uint32_t, std::string>;  // type and data
-
-struct ModelDatabase {
-    sim::databases::Database shape;
-    std::vector<sim::databases::Record> records;  // in no order
-};
-
-struct DeviceModel {
-    std::map<std::wstring, ModelFile> files;
-    std::map<std::wstring, std::uint32_t> folders;  // attributes
-    std::map<std::u16string, std::map<std::u16string, ModelValue>> keys;
-    std::map<std::u16string, ModelDatabase> databases;
-
-    Contents Expected() const;
-};
-
 // Makes changes on the device through the simulator, and in the model.
 class ModelledDevice {
 public:
     explicit ModelledDevice(TestDevice& device) : device_(device) {}
-    DeviceModel& model() { return model_; }
+    DeviceImage& model() { return model_; }
 
     void PutFile(const std::wstring& path, const std::string& bytes);
     void SetAttributes(const std::wstring& path, std::uint32_t attributes);
@@ -51,7 +24,7 @@ public:
     void Move(const std::wstring& from, const std::wstring& to);
 
     void CreateKey(const std::u16string& path);  // and those above
-    void SetValue(const std::u16string& path, const std::u16string& name, const ModelValue& value);
+    void SetValue(const std::u16string& path, const std::u16string& name, const ImageValue& value);
     void DeleteValue(const std::u16string& path, const std::u16string& name);
     void DeleteKey(const std::u16string& path);  // with all below
 
@@ -69,7 +42,7 @@ private:
                              const sim::databases::Record& record);
 
     TestDevice& device_;
-    DeviceModel model_;
+    DeviceImage model_;
 };
 
 }  // namespace tests

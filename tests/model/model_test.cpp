@@ -5,9 +5,6 @@
 #include "simulator/files/files.h"
 #include "simulator/host/host_files.h"
 #include "snapshot/records/checksum.h"
-#include "storage/opened/journal.h"
-#include "storage/operations/backup_writer.h"
-#include "storage/operations/restore_engine.h"
 #include "tests/model/change_generator.h"
 #include "tests/support/engine_test.h"
 
@@ -17,9 +14,9 @@ namespace {
 using tests::Contents;
 using tests::ContentsOf;
 using tests::Differences;
-using Lines = std::vector<std::string>;
 
 constexpr int kStepsOfASeries = 70;
+constexpr Answer kNothing = Done(ResultCode::kNoDifference);
 
 struct Series {
     std::uint32_t seed;
@@ -35,31 +32,13 @@ protected:
         device_model_.model().keys[u"HKCU\\Software"];  // of the program's own settings
     }
 
-    // Time moves at every write; a restore does not wait for the store to settle.
     void Prepare() {
-        device().Set("clock", "2002-05-06T07:08:09");
-        device().Set("clock.step", "2000");
+        LetTimePass();
         device().Set("order", GetParam().order);
-        device().Fault("Sleep", 1, 1000000000, 1);
-    }
-
-    ResultCode Backup() {
-        ResultCode code{};
-        std::uint32_t needed = 0;
-        const std::uint32_t number = NextStateNumber(storage_.journal.get());
-        const bool done = DoBackup(engine_, number, u"", false, code, needed);
-        EXPECT_TRUE(done);
-        return code;
-    }
-    ResultCode Restore(std::size_t number) {
-        ResultCode code{};
-        EXPECT_TRUE(DoRestore(engine_, static_cast<std::uint32_t>(number), code));
-        return code;
     }
 
     void ExpectDeviceIsAsTheModel() {
-        EXPECT_EQ(Lines(),
-                  Differences(device_model_.model().Expected(), ContentsOf(device().sim())));
+        EXPECT_EQ(Lines(), Differences(device_model_.model().Lines(), ContentsOf(device().sim())));
     }
 
     std::string ChangeSome(std::size_t most) {
@@ -72,28 +51,26 @@ protected:
 
     // States are numbered from 1; the model of state n stands at n - 1.
     std::string BackUpAndCheck() {
-        const ResultCode code = Backup();
-        if (code == ResultCode::kNoDifference) {
+        const Answer backup = Backup();
+        if (backup == kNothing) {
             EXPECT_FALSE(states_.empty());
-            EXPECT_EQ(Lines(),
-                      Differences(states_.back().Expected(), device_model_.model().Expected()));
+            EXPECT_EQ(Lines(), Differences(states_.back().Lines(), device_model_.model().Lines()));
             return "no backup";
         }
-        EXPECT_EQ(ResultCode::kSuccess, code);
+        EXPECT_EQ(Done(), backup);
         states_.push_back(device_model_.model());
-        EXPECT_EQ(ResultCode::kNoDifference, Backup()) << "a second backup";
+        EXPECT_EQ(kNothing, Backup()) << "a second backup";
         return "backup " + std::to_string(states_.size());
     }
 
-    std::string RestoreAndCheck(std::size_t number) {
-        const ResultCode code = Restore(number);
-        EXPECT_TRUE(code == ResultCode::kSuccess || code == ResultCode::kNoDifference)
-            << static_cast<int>(code);
+    std::string RestoreAndCheck(std::uint32_t number) {
+        const Answer restore = Restore(number);
+        EXPECT_TRUE(restore == Done() || restore == kNothing) << restore;
         device_model_.model() = states_[number - 1];
         ExpectDeviceIsAsTheModel();
-        EXPECT_EQ(ResultCode::kNoDifference, Restore(number)) << "a second restore";
+        EXPECT_EQ(kNothing, Restore(number)) << "a second restore";
         if (number == states_.size()) {
-            EXPECT_EQ(ResultCode::kNoDifference, Backup()) << "a backup of the last state";
+            EXPECT_EQ(kNothing, Backup()) << "a backup of the last state";
         }
         return "restore " + std::to_string(number);
     }
@@ -103,7 +80,7 @@ protected:
         const std::wstring empty = folder() + L"\\empty";
         sim::host::MakeFolder(empty);
         device().Command("create \"" + sim::host::Utf8(empty) + "\"");
-        device().Command("faults clear");
+        device().DropFaults();
         Prepare();
         // The ids that it gives out are new ones, or those of objects that were stored.
         const std::uint32_t first_id = changes_.Below(2) == 0 ? 100 : first_id_;
@@ -117,7 +94,7 @@ protected:
             const std::string changes = ChangeSome(states_.empty() ? 40 : 10);
             return changes + BackUpAndCheck();
         }
-        const std::size_t number = 1 + changes_.Below(states_.size());
+        const std::uint32_t number = 1 + changes_.Below(states_.size());
         const std::string before = kind < 55 ? Reset() : kind < 90 ? ChangeSome(10) : "";
         return before + RestoreAndCheck(number);
     }
@@ -125,7 +102,7 @@ protected:
     tests::TestDevice test_device_{device()};
     tests::ModelledDevice device_model_{test_device_};
     tests::ChangeGenerator changes_{device_model_, GetParam().seed};
-    std::vector<tests::DeviceModel> states_;
+    std::vector<tests::DeviceImage> states_;
     std::uint32_t first_id_ = 0;
 };
 
@@ -136,7 +113,7 @@ TEST_P(ModelTest, EveryStateComesBackWhateverHappenedBefore) {
         ExpectDeviceIsAsTheModel();
     }
     EXPECT_FALSE(HasFailure()) << story;
-    for (std::size_t number = 1; number <= states_.size() && !HasFailure(); ++number) {
+    for (std::uint32_t number = 1; number <= states_.size() && !HasFailure(); ++number) {
         RestoreAndCheck(number);
     }
 }
@@ -150,7 +127,7 @@ INSTANTIATE_TEST_SUITE_P(Seeds, ModelTest,
 
 TEST(ValuePaletteTest, NoTwoDataHaveTheSameLowByteOfTheirChecksum) {
     std::set<int> low_bytes;
-    for (const tests::ModelValue& value : tests::ValuePalette()) {
+    for (const tests::ImageValue& value : tests::ValuePalette()) {
         low_bytes.insert(Checksum16(value.second.data(), value.second.size()) & 0xFF);
     }
     EXPECT_EQ(tests::kValueKinds, low_bytes.size());

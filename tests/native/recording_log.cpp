@@ -1,22 +1,17 @@
 #include "tests/native/recording_log.h"
 
 #include "snapshot/text/log.h"
+#include "tests/support/text.h"
 
 namespace tolvenar {
 namespace {
+using tests::Narrow;
+
 std::vector<std::string> lines;
 
-std::string Ascii(const char16_t* text) {
-    std::string result;
-    for (; *text != 0; ++text) {
-        result += *text < 0x80 ? static_cast<char>(*text) : '?';
-    }
-    return result;
-}
-
 void Record(const char16_t* message, const char16_t* module, std::uint32_t flags) {
-    lines.push_back(std::string(flags & 0x10 ? "E " : "I ") + Ascii(module) + ": " +
-                    Ascii(message));
+    lines.push_back(std::string(flags & 0x10 ? "E " : "I ") + Narrow(std::u16string(module)) +
+                    ": " + Narrow(std::u16string(message)));
 }
 
 // Installed before any case runs.

@@ -29,11 +29,7 @@ protected:
         const auto diff = ObjectList::CreateList();
         info_.failing_reads = failing_reads;
         EXPECT_TRUE(CmpLists(list1.get(), list2.get(), *diff, info_));
-        std::vector<std::uint16_t> flags;
-        for (const KeyedRecord& entry : Walk(*diff)) {
-            flags.push_back(entry.record.flags);
-        }
-        return flags;
+        return FieldsOf(*diff, &ObjectRecord::flags);
     }
     using Flags = std::vector<std::uint16_t>;
 

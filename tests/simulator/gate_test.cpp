@@ -76,6 +76,7 @@ TEST_F(GateTest, FaultsListsThoseThatNeverFired) {
     EXPECT_NE(std::string::npos, list.find("\"error\":6"));
     EXPECT_EQ(std::string::npos, list.find("\"error\":5"));
     EXPECT_NE(std::string::npos, device().Command("faults all").find("\"error\":5"));
+    device().DropFaults();
 }
 
 TEST_F(GateTest, ClearedRulesMeetNothing) {
@@ -112,6 +113,7 @@ TEST_F(GateTest, ACallThatCannotFailIsDelayedOnly) {
     device().Command("fault GetTickCount 1 5");
     EXPECT_NE(0u, ::GetTickCount());
     EXPECT_NE("[]", device().Command("faults"));
+    device().DropFaults();
 }
 
 TEST_F(GateTest, WordsThatMakeNoRuleAreRefused) {
@@ -127,6 +129,7 @@ TEST_F(GateTest, TheTableOfRulesEnds) {
         device().Command("fault ReadFile 1 5");
     }
     EXPECT_THROW(device().Command("fault ReadFile 1 5"), std::runtime_error);
+    device().DropFaults();
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 
 #include "simulator/files/files.h"
 #include "simulator/registry/registry.h"
+#include "tests/support/text.h"
 
 namespace tests {
 namespace {
@@ -18,16 +19,8 @@ const std::u16string kOwnKey = u"HKCU\\Software\\Kestrin2";
 const std::wstring kCard = L"\\Storage Card";
 constexpr std::size_t kLongBytes = 40;  // more is told by its size and hash
 
-template <typename Text>
-std::string Narrow(const Text& text) {
-    std::string narrow;
-    for (const auto unit : text) {
-        const auto code = static_cast<unsigned>(unit);
-        narrow += code >= 0x20 && code < 0x7F ? std::string(1, static_cast<char>(code))
-                                              : "{" + std::to_string(code) + "}";
-    }
-    return narrow;
-}
+// A root is always there.
+bool IsRoot(const std::u16string& key_path) { return key_path.find(u'\\') == key_path.npos; }
 
 std::string Hex(const std::string& bytes) {
     if (bytes.size() > kLongBytes) {
@@ -41,75 +34,101 @@ std::string Hex(const std::string& bytes) {
     return hex;
 }
 
-void TellFiles(sim::Device& device, Contents& contents) {
+void AddFiles(sim::Device& device, DeviceImage& image) {
     for (const sim::files::Entry& entry : sim::files::ListAll(device)) {
         if (entry.on_card || entry.path == kCard) {
             continue;
         }
-        contents.insert(entry.is_folder ? FolderLine(entry.path, entry.attributes)
-                                        : FileLine(entry.path, entry.attributes, entry.modified,
-                                                   sim::files::Get(device, entry.path)));
+        ImageFile& file = image.files[entry.path];
+        file.is_folder = entry.is_folder;
+        file.oid = entry.oid;
+        file.attributes = entry.attributes;
+        if (!entry.is_folder) {
+            file.modified = entry.modified;
+            file.bytes = sim::files::Get(device, entry.path);
+        }
     }
 }
 
-void TellKey(const Registry& registry, const KeyId& key, Contents& contents) {
+void AddKey(const Registry& registry, const KeyId& key, DeviceImage& image) {
     const std::u16string path = registry.PathOf(key, true);
     if (path == kOwnKey) {
         return;
     }
-    if (key.size() > 1) {  // a root is always there
-        contents.insert(KeyLine(path));
-    }
-    for (const std::u16string& name : registry.Values(key)) {
-        const auto value = registry.Find(key, name);
-        contents.insert(ValueLine(path, value->name, value->type, value->data));
+    const auto names = registry.Values(key);
+    if (!IsRoot(path) || !names.empty()) {
+        auto& values = image.keys[path];
+        for (const std::u16string& name : names) {
+            const auto value = registry.Find(key, name);
+            values[value->name] = {value->type, value->data};
+        }
     }
     for (const KeyId& subkey : registry.Subkeys(key)) {
-        TellKey(registry, subkey, contents);
+        AddKey(registry, subkey, image);
     }
 }
 
-void TellDatabases(sim::Device& device, Contents& contents) {
+void AddDatabases(sim::Device& device, DeviceImage& image) {
     const DatabaseStore store(device);
     for (const std::uint32_t oid : store.All(0)) {
-        const auto database = store.Get(oid);
-        contents.insert(DatabaseLine(*database));
+        const auto shape = store.Get(oid);
+        ImageDatabase& database = image.databases[shape->name];
+        database.shape = *shape;
         for (const std::uint32_t record : store.Records(oid)) {
-            contents.insert(RecordLine(database->name, *store.Read(oid, record)));
+            database.records[record] = *store.Read(oid, record);
         }
     }
 }
 
 }  // namespace
 
-Contents ContentsOf(sim::Device& device) {
+DeviceImage ImageOf(sim::Device& device) {
     const sim::LogStore::View view(device.store());
-    Contents contents;
-    TellFiles(device, contents);
+    DeviceImage image;
+    AddFiles(device, image);
     const Registry registry(device);
     for (std::uint32_t root = 0; root < sim::registry::kRootCount; ++root) {
-        TellKey(registry, sim::registry::RootId(root), contents);
+        AddKey(registry, sim::registry::RootId(root), image);
     }
-    TellDatabases(device, contents);
+    AddDatabases(device, image);
+    return image;
+}
+
+Contents DeviceImage::Lines() const {
+    Contents contents;
+    for (const auto& [path, file] : files) {
+        contents.insert(FileLine(path, file));
+    }
+    for (const auto& [path, values] : keys) {
+        if (!IsRoot(path)) {
+            contents.insert(KeyLine(path));
+        }
+        for (const auto& [name, value] : values) {
+            contents.insert(ValueLine(path, name, value));
+        }
+    }
+    for (const auto& [name, database] : databases) {
+        contents.insert(DatabaseLine(database.shape));
+        for (const auto& [oid, record] : database.records) {
+            contents.insert(RecordLine(name, record));
+        }
+    }
     return contents;
 }
 
-std::string FolderLine(const std::wstring& path, std::uint32_t attributes) {
-    return "folder " + Narrow(path) + " " + std::to_string(attributes);
-}
-
-std::string FileLine(const std::wstring& path, std::uint32_t attributes, std::uint64_t modified,
-                     const std::string& bytes) {
-    return "file " + Narrow(path) + " " + std::to_string(attributes) + " " +
-           std::to_string(modified) + " " + Hex(bytes);
+std::string FileLine(const std::wstring& path, const ImageFile& file) {
+    const std::string line = Narrow(path) + " " + std::to_string(file.attributes);
+    return file.is_folder
+               ? "folder " + line
+               : "file " + line + " " + std::to_string(file.modified) + " " + Hex(file.bytes);
 }
 
 std::string KeyLine(const std::u16string& key_path) { return "key " + Narrow(key_path); }
 
 std::string ValueLine(const std::u16string& key_path, const std::u16string& name,
-                      std::uint32_t type, const std::string& data) {
-    return "value " + Narrow(key_path) + " [" + Narrow(name) + "] " + std::to_string(type) + " " +
-           Hex(data);
+                      const ImageValue& value) {
+    return "value " + Narrow(key_path) + " [" + Narrow(name) + "] " + std::to_string(value.first) +
+           " " + Hex(value.second);
 }
 
 std::string DatabaseLine(const sim::databases::Database& database) {

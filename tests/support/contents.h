@@ -1,10 +1,12 @@
-// What a device holds, told without ids, one line for each thing: what a restore must bring back.
-// Nothing of the card and nothing of the program's own settings.
+// What a device holds, read past the program: as data, and as lines that tell what a restore must
+// bring back. Nothing of the card and nothing of the program's own settings.
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "simulator/databases/database_store.h"
@@ -12,17 +14,39 @@
 
 namespace tests {
 
-using Contents = std::multiset<std::string>;
+using Contents = std::multiset<std::string>;  // a line for each thing, without ids
 
-Contents ContentsOf(sim::Device& device);
+struct ImageFile {
+    bool is_folder = false;
+    std::uint32_t oid = 0;
+    std::uint32_t attributes = 0;
+    std::uint64_t modified = 0;  // of a file
+    std::string bytes;
+};
 
-// The lines of single things, for whoever knows what a device should hold.
-std::string FolderLine(const std::wstring& path, std::uint32_t attributes);
-std::string FileLine(const std::wstring& path, std::uint32_t attributes, std::uint64_t modified,
-                     const std::string& bytes);
-std::string KeyLine(const std::u16string& key_path);  // "HKLM\\…"
+using ImageValue = std::pair<std::uint32_t, std::string>;  // type and data
+
+struct ImageDatabase {
+    sim::databases::Database shape;
+    std::map<std::uint32_t, sim::databases::Record> records;
+};
+
+struct DeviceImage {
+    std::map<std::wstring, ImageFile> files;
+    std::map<std::u16string, std::map<std::u16string, ImageValue>> keys;  // by "HKLM\\…"
+    std::map<std::u16string, ImageDatabase> databases;
+
+    Contents Lines() const;
+};
+
+DeviceImage ImageOf(sim::Device& device);
+inline Contents ContentsOf(sim::Device& device) { return ImageOf(device).Lines(); }
+
+// The lines of single things.
+std::string FileLine(const std::wstring& path, const ImageFile& file);
+std::string KeyLine(const std::u16string& key_path);
 std::string ValueLine(const std::u16string& key_path, const std::u16string& name,
-                      std::uint32_t type, const std::string& data);
+                      const ImageValue& value);
 std::string DatabaseLine(const sim::databases::Database& database);
 std::string RecordLine(const std::u16string& database, const sim::databases::Record& record);
 

@@ -5,6 +5,8 @@
 
 #include "simulator/command/apply_setting.h"
 #include "simulator/command/command.h"
+#include "simulator/gate/counters.h"
+#include "simulator/gate/rules.h"
 #include "simulator/host/attach.h"
 #include "simulator/host/host_files.h"
 #include "simulator/processes/processes.h"
@@ -90,6 +92,27 @@ void TestDevice::Fault(const std::string& function, int n, int count, std::uint3
 
 std::string TestDevice::Faults() { return Command("faults"); }
 
+void TestDevice::EndFaults() {
+    EXPECT_EQ("[]", Faults()) << "a rule never fired";
+    DropFaults();
+}
+
+void TestDevice::DropFaults() { sim::ClearRules(device_); }
+
+long TestDevice::Calls(const std::string& function) {
+    const auto calls = sim::TotalCalls(device_);
+    const auto found = calls.find(function);
+    return found == calls.end() ? 0 : found->second;
+}
+
+std::string TestDevice::Traced(const std::string& function, const std::function<void()>& body) {
+    Command("trace on");
+    body();
+    const std::string calls = Command("trace show " + function);
+    Command("trace off");
+    return calls;
+}
+
 std::string TestDevice::Command(const std::string& line) {
     const sim::CommandResult result = sim::RunCommand(device_, sim::SplitWords(line));
     if (!result.ok) {
@@ -109,6 +132,7 @@ DeviceTest::~DeviceTest() {
 }
 
 void DeviceTest::TearDown() {
+    device().EndFaults();
     EXPECT_EQ(0, sim::host::OpenHandlesOfCoredll()) << "handles were left open";
 }
 

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <gtest/gtest.h>
 #include <string>
 
@@ -50,6 +51,14 @@ public:
                const std::string& match = "");
     // The rules that never fired, as JSON: "[]" when there is none.
     std::string Faults();
+    // Ends all rules. The test fails when one of them never fired.
+    void EndFaults();
+    // The same for rules that need not fire.
+    void DropFaults();
+    // How often the processes of the device have called `function`.
+    long Calls(const std::string& function);
+    // The calls of `function`, or all with "", that `body` makes: their trace as JSON.
+    std::string Traced(const std::string& function, const std::function<void()>& body);
     // One command as `cedev` takes it; its JSON. Throws when it fails.
     std::string Command(const std::string& line);
 
@@ -61,7 +70,7 @@ class DeviceTest : public ::testing::Test {
 protected:
     DeviceTest();
     ~DeviceTest() override;
-    // Fails when a handle of the device was left open.
+    // Fails when a rule never fired or a handle of the device was left open.
     void TearDown() override;
 
     TestDevice& device() { return device_; }

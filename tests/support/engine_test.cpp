@@ -1,70 +1,35 @@
 #include "tests/support/engine_test.h"
 
-#include "platform/heap.h"
-#include "platform/text.h"
+#include <algorithm>
+
+#include "simulator/databases/database_store.h"
 #include "simulator/gate/rules.h"
-#include "storage/opened/storage_file.h"
+#include "storage/files/handle_bytes.h"
+#include "tests/support/text.h"
 
 namespace tolvenar {
-namespace {
 
-constexpr CEPROPID kAnyProperty = 0x00010003;
-constexpr const wchar_t* kSettingsKey = L"Software\\Kestrin2\\Tolvenar";
-constexpr const wchar_t* kLogPath = L"\\Storage Card\\Backup\\tolvenar_log.txt";
-constexpr const wchar_t* kStorageFolder = L"\\Storage Card\\Backup";
+using sim::databases::DatabaseStore;
 
-std::string TextBytes(const wchar_t* text) {
-    return {reinterpret_cast<const char*>(text), (wcslen(text) + 1) * sizeof(wchar_t)};
-}
-
-UniqueHandle OpenDatabaseByName(const wchar_t* name) {
-    CEGUID volume{};
-    CEOID oid = 0;
-    return UniqueHandle(
-        ::CeOpenDatabaseEx(&volume, &oid, const_cast<wchar_t*>(name), 0, 0, nullptr));
-}
-
-CEPROPVAL ToPlatform(const TestProperty& property) {
-    CEPROPVAL value{};
-    value.propid = property.propid;
-    switch (TypeFromPropID(property.propid)) {
-        case CEVT_LPWSTR: value.val.lpwstr = const_cast<wchar_t*>(property.text.c_str()); break;
-        case CEVT_BLOB:
-            value.val.blob.dwCount = static_cast<DWORD>(property.blob.size());
-            value.val.blob.lpb = reinterpret_cast<BYTE*>(const_cast<char*>(property.blob.data()));
-            break;
-        case CEVT_R8: value.val.dblVal = property.real; break;
-        case CEVT_FILETIME: value.val.filetime = property.time; break;
-        default: value.val.ulVal = property.number;
-    }
-    return value;
-}
-
-}  // namespace
-
-void EngineTest::SetUp() {
-    DeviceTest::SetUp();
-    device().MakeFolder(kStorageFolder);
+void StorageTest::SetUp() {
+    device().MakeFolder(L"\\Storage Card\\Backup");
     SetStorageSettings();
     ASSERT_TRUE(MakeStorageNames(kStoragePath, storage_.names));
-    ASSERT_NE(nullptr, CreateStorage(kStoragePath, nullptr));
-    OpenStorageResult result{};
-    ASSERT_TRUE(OpenStorage(storage_.names.sav, storage_, result));
-    ASSERT_TRUE(OpenJournal(storage_, nullptr));
 }
 
-void EngineTest::SetStorageSettings() {
-    SetValue(HKEY_CURRENT_USER, kSettingsKey, L"StorageFile", REG_SZ, TextBytes(L"Home"));
-    SetValue(HKEY_CURRENT_USER, kSettingsKey, L"StoragePath", REG_SZ,
-             TextBytes(L"\\Storage Card\\Backup\\"));
-}
-
-void EngineTest::TearDown() {
+void StorageTest::TearDown() {
     CloseStorage(storage_);
     DeviceTest::TearDown();
 }
 
-void EngineTest::FailCall(const char* function, int n, std::uint32_t error) {
+void StorageTest::LetTimePass() {
+    device().Set("clock", "2002-05-06T07:08:09");
+    device().Set("clock.step", "2000");
+    device().Fault("Sleep", 1, 1000000000, 1);
+    ::Sleep(0);  // the rule has fired, whether a restore comes or not
+}
+
+void StorageTest::Fail(const char* function, int n, std::uint32_t error) {
     sim::Rule rule;
     rule.function = function;
     rule.first = n;
@@ -72,90 +37,101 @@ void EngineTest::FailCall(const char* function, int n, std::uint32_t error) {
     sim::AddRule(device().sim(), rule);
 }
 
-std::u16string EngineTest::Log() {
-    if (!device().Exists(kLogPath)) {
+long StorageTest::SeenAllocations() {
+    const long seen = sim::Rules(device().sim()).at(0).seen;
+    device().DropFaults();
+    return seen;
+}
+
+UniqueHandle StorageTest::Reader(const char16_t* path) {
+    UniqueHandle file =
+        OpenFile(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING);
+    EXPECT_TRUE(file);
+    return file;
+}
+
+UniqueHandle StorageTest::Hold(const char16_t* path) {
+    return OpenFile(path, GENERIC_READ | GENERIC_WRITE, 0, OPEN_EXISTING);
+}
+
+Text StorageTest::Log() {
+    if (!Exists(kLog)) {
         return {};
     }
-    const std::string bytes = device().FileBytes(kLogPath);
-    return {reinterpret_cast<const char16_t*>(bytes.data()), bytes.size() / sizeof(char16_t)};
+    return TextIn(Content(kLog));
 }
 
-CEOID OidOfPath(const wchar_t* path) {
-    WIN32_FIND_DATAW entry{};
-    const UniqueFind search(::FindFirstFileW(path, &entry));
-    EXPECT_TRUE(search) << ::GetLastError();
-    return entry.dwOID;
-}
-
-void SetValue(HKEY root, const wchar_t* key_path, const wchar_t* name, DWORD type,
-              const std::string& data) {
-    UniqueHkey key;
-    DWORD disposition = 0;
-    ASSERT_EQ(ERROR_SUCCESS, ::RegCreateKeyExW(root, key_path, 0, nullptr, 0, KEY_ALL_ACCESS,
-                                               nullptr, key.Put(), &disposition));
-    ASSERT_EQ(ERROR_SUCCESS,
-              ::RegSetValueExW(key.get(), name, 0, type, reinterpret_cast<const BYTE*>(data.data()),
-                               static_cast<DWORD>(data.size())));
-}
-
-CEOID MakeDatabase(const wchar_t* name, DWORD type) {
-    CEDBASEINFO info{};
-    info.dwFlags = CEDB_VALIDNAME | CEDB_VALIDTYPE;
-    wcscpy(info.szDbaseName, name);
-    info.dwDbaseType = type;
-    CEGUID volume{};
-    const CEOID oid = ::CeCreateDatabaseEx(&volume, &info);
-    EXPECT_NE(0u, oid) << ::GetLastError();
-    return oid;
-}
-
-CEOID WriteRecord(const wchar_t* database, CEOID record,
-                  const std::vector<TestProperty>& properties) {
-    const UniqueHandle handle = OpenDatabaseByName(database);
-    EXPECT_TRUE(handle) << ::GetLastError();
-    std::vector<CEPROPVAL> values;
-    for (const TestProperty& property : properties) {
-        values.push_back(ToPlatform(property));
+Lines StorageTest::LogLines() {
+    const std::string module_mark = " - Module: ";
+    const std::string message_mark = "; Message: ";
+    Lines lines;
+    std::string all = tests::Narrow(Log());
+    for (std::size_t end = all.find("\r\n"); end != std::string::npos; end = all.find("\r\n")) {
+        const std::string line = all.substr(0, end);
+        all.erase(0, end + 2);
+        const std::size_t module = line.find(module_mark) + module_mark.size();
+        const std::size_t message = line.find(message_mark);
+        lines.push_back(line.substr(0, 1) + " " + line.substr(module, message - module) + ": " +
+                        line.substr(message + message_mark.size()));
     }
-    const CEOID oid =
-        ::CeWriteRecordProps(handle.get(), record, static_cast<WORD>(values.size()), values.data());
-    EXPECT_NE(0u, oid) << ::GetLastError();
-    return oid;
+    return lines;
 }
 
-CEOID AddRecord(const wchar_t* database, const std::vector<TestProperty>& properties) {
-    return WriteRecord(database, 0, properties);
-}
-
-CEOID AddEmptyRecord(const wchar_t* database) {
-    const CEOID oid = AddRecord(database, {{kAnyProperty, 1}});
-    CEPROPVAL deletion{};
-    deletion.propid = kAnyProperty;
-    deletion.wFlags = CEDB_PROPDELETE;
-    const UniqueHandle handle = OpenDatabaseByName(database);
-    EXPECT_EQ(oid, ::CeWriteRecordProps(handle.get(), oid, 1, &deletion)) << ::GetLastError();
-    return oid;
-}
-
-bool TakePendingFault(int n) {
-    for (int i = 0; i < n; ++i) {
-        void* block = HeapAllocate(0, 8);
-        if (block == nullptr) {
-            return true;
+const ObjectRecord* StorageTest::RecordOf(const ObjectList& list, CEOID oid) {
+    for (const ObjectList::Node& node : list) {
+        if (node.record->dwOID == oid) {
+            return node.record;
         }
-        HeapRelease(block);
     }
-    return false;
+    return nullptr;
 }
 
-std::vector<ObjectRecord> RecordsOf(const ObjectList& list) {
-    std::vector<ObjectRecord> records;
-    ObjectList::Cursor cursor = list.First();
-    ObjectRecord* record = nullptr;
-    while (ObjectList::Next(cursor, nullptr, &record)) {
-        records.push_back(*record);
+const ObjectRecord* StorageTest::JournalRecord(std::uint16_t state, CEOID oid, ObjectType type) {
+    for (const ObjectList::Node& node : *storage_.journal) {
+        const ObjectRecord& record = *node.record;
+        if (record.state_number == state && record.dwOID == oid && record.type == type) {
+            return &record;
+        }
     }
-    return records;
+    return nullptr;
+}
+
+bool StorageTest::DatabaseExists(const char16_t* name) {
+    return DatabaseStore(device().sim()).ByName(name).has_value();
+}
+
+Lines StorageTest::Records(const char16_t* database) {
+    const DatabaseStore store(device().sim());
+    const std::uint32_t oid = store.ByName(database).value().oid;
+    Lines lines;
+    for (const std::uint32_t record_oid : store.Records(oid)) {
+        const sim::databases::Record record = store.Read(oid, record_oid).value();
+        Text name;
+        std::int32_t number = 0;
+        for (const sim::databases::Property& property : record) {
+            if (property.propid == kName) {
+                name = TextIn(property.value);
+            } else if (property.propid == kNumber) {
+                std::memcpy(&number, property.value.data(), sizeof number);
+            }
+        }
+        lines.push_back(tests::Narrow(name) + "=" + std::to_string(number));
+    }
+    std::sort(lines.begin(), lines.end());
+    return lines;
+}
+
+void StorageTest::ExpectClosed(bool with_differences) {
+    EXPECT_TRUE(!Exists(kSav) || IsFree(kSav));
+    EXPECT_TRUE(!Exists(kJournal) || IsFree(kJournal));
+    EXPECT_EQ(nullptr, storage_.older);
+    EXPECT_EQ(nullptr, storage_.newer);
+    EXPECT_EQ(with_differences, storage_.difference != nullptr);
+}
+
+void EngineTest::SetUp() {
+    StorageTest::SetUp();
+    ASSERT_TRUE(Make());
 }
 
 }  // namespace tolvenar

@@ -1,97 +1,91 @@
-// A device with an open storage on its card, the parts that an operation works with, and short
-// words for filling the device through the platform's own calls.
+// A device with a storage chosen on its card, and the parts that an operation works with.
 #pragma once
 
-#include "platform/win32.h"
-
-#include <string>
-#include <vector>
-
-#include "snapshot/text/progress.h"
-#include "storage/opened/engine.h"
+#include "platform/text.h"
+#include "platform/unique_resource.h"
 #include "storage/opened/journal.h"
+#include "storage/opened/storage_file.h"
 #include "tests/support/device_test.h"
+#include "tests/support/engine_parts.h"
 
 namespace tolvenar {
 
-// Notes what would be shown.
-class RecordingProgress final : public Progress {
-public:
-    void ProgressBegin(std::size_t count) override {
-        if (!quiet) {
-            begins.push_back(count);
-        }
-    }
-    void ProgressStep(const char16_t* text) override {
-        if (text == nullptr) {
-            ++steps;
-        } else if (!quiet) {
-            texts.push_back(text);
-        }
-    }
+using Text = std::u16string;
+using Texts = std::vector<Text>;
+using Lines = std::vector<std::string>;
 
-    std::vector<std::size_t> begins;
-    std::vector<std::u16string> texts;
-    std::size_t steps = 0;  // without a text
-    bool quiet = false;     // while allocations fail
-};
-
-// One property of a database record, as it is written.
-struct TestProperty {
-    CEPROPID propid;
-    std::uint32_t number = 0;  // numbers, Booleans
-    std::wstring text = {};    // CEVT_LPWSTR
-    std::string blob = {};     // CEVT_BLOB
-    double real = 0;           // CEVT_R8
-    FILETIME time = {};        // CEVT_FILETIME
-};
-
-class EngineTest : public tests::DeviceTest {
+// Nothing of the storage is made; the folder is there.
+class StorageTest : public tests::DeviceTest, public EngineParts {
 protected:
-    static constexpr const char16_t* kStoragePath = u"\\Storage Card\\Backup\\Home";
-    static constexpr const wchar_t* kSavPath = L"\\Storage Card\\Backup\\Home.sav";
-    static constexpr const wchar_t* kJournalPath = L"\\Storage Card\\Backup\\Home.jrn";
-
     void SetUp() override;
     void TearDown() override;
 
-    // The settings that name the open storage, for a device that gets the card.
-    static void SetStorageSettings();
+    // Time moves at every write, and a restore does not wait for the store to settle.
+    void LetTimePass();
 
-    // As device().Fault, but nothing is allocated once the rule holds.
-    void FailCall(const char* function, int n, std::uint32_t error);
+    // The `n`th call of `function` from now on fails with `error`. Nothing is allocated behind the
+    // rule.
+    void Fail(const char* function, int n, std::uint32_t error);
+    // The `n`th allocation from now on fails. The test's own come from the same heap, so the code
+    // under test must follow at once.
+    void FailAllocation(int n) { Fail("HeapAlloc", n, ERROR_NOT_ENOUGH_MEMORY); }
+    // How many allocations `body` makes.
+    template <typename Body>
+    int AllocationsOf(Body body) {
+        const long none = CountedAllocations([] {});
+        return static_cast<int>(CountedAllocations(body) - none);
+    }
 
-    // The log's text; the storage's folder is a setting of the device.
-    std::u16string Log();
+    bool Exists(const char16_t* path) { return device().Exists(Wide(path)); }
+    void Put(const char16_t* path, const Bytes& bytes) { device().PutFile(Wide(path), bytes); }
+    Bytes Content(const char16_t* path) { return device().FileBytes(Wide(path)); }
+    // An open file, which others may read and write, too.
+    static UniqueHandle Reader(const char16_t* path);
+    // Holds a file open so that nobody else can open it.
+    static UniqueHandle Hold(const char16_t* path);
+    // Sees that nobody holds the file.
+    static bool IsFree(const char16_t* path) { return static_cast<bool>(Hold(path)); }
 
-    OpenedStorage storage_{};
-    DatabaseLayer databases_;
-    ObjectInfo info_{storage_.registry_objects, databases_};
-    RecordingProgress progress_;
-    Engine engine_{storage_, databases_, info_, progress_};
+    // The log's text.
+    Text Log();
+    // Its lines without date and time: "E DoRestoreRecord: Fail GetOIDInfo".
+    Lines LogLines();
+
+    // The record of the object in a list; null when there is none.
+    static const ObjectRecord* RecordOf(const ObjectList& list, CEOID oid);
+    // The same of the loaded journal, in one state.
+    const ObjectRecord* JournalRecord(std::uint16_t state, CEOID oid, ObjectType type);
+    bool DatabaseExists(const char16_t* name);
+    // "name=number" of each record, sorted; see AddRecord.
+    Lines Records(const char16_t* database);
+
+    // Neither file of the storage is open, and no list of an operation is left but the differences.
+    void ExpectClosed(bool with_differences = false);
+
+private:
+    template <typename Body>
+    long CountedAllocations(Body body) {
+        FailAllocation(1000000);
+        body();
+        return SeenAllocations();
+    }
+    long SeenAllocations();
 };
 
-// The object-store identifier of a file or folder.
-CEOID OidOfPath(const wchar_t* path);
+// The storage is made and open.
+class EngineTest : public StorageTest {
+protected:
+    void SetUp() override;
+};
 
-// Registry.
-void SetValue(HKEY root, const wchar_t* key_path, const wchar_t* name, DWORD type,
-              const std::string& data);
-
-// Databases.
-CEOID MakeDatabase(const wchar_t* name, DWORD type = 1);
-CEOID AddRecord(const wchar_t* database, const std::vector<TestProperty>& properties);
-// A record whose last property was taken away.
-CEOID AddEmptyRecord(const wchar_t* database);
-// Merges the properties into a record that exists, or makes a new one with 0.
-CEOID WriteRecord(const wchar_t* database, CEOID record,
-                  const std::vector<TestProperty>& properties);
-
-// Allocates until an allocation fails that a fault rule still waits for, `n` times at most. True
-// when one did: what ran since the rule was made has not met it. The test's own containers would.
-bool TakePendingFault(int n);
-
-// The records of a list, from its front.
-std::vector<ObjectRecord> RecordsOf(const ObjectList& list);
+// Counts how often `part` occurs in `text`.
+template <typename Unit>
+std::size_t Occurrences(const std::basic_string<Unit>& text, const Unit* part) {
+    std::size_t count = 0;
+    for (std::size_t at = text.find(part); at != text.npos; at = text.find(part, at + 1)) {
+        ++count;
+    }
+    return count;
+}
 
 }  // namespace tolvenar

@@ -47,6 +47,24 @@ inline std::vector<KeyedRecord> Walk(const ObjectList& list) {
     return result;
 }
 
+// The records of a list, from its front, and one field of each.
+inline std::vector<ObjectRecord> RecordsOf(const ObjectList& list) {
+    std::vector<ObjectRecord> records;
+    for (const KeyedRecord& entry : Walk(list)) {
+        records.push_back(entry.record);
+    }
+    return records;
+}
+
+template <typename Field>
+std::vector<Field> FieldsOf(const ObjectList& list, Field ObjectRecord::*field) {
+    std::vector<Field> fields;
+    for (const ObjectRecord& record : RecordsOf(list)) {
+        fields.push_back(record.*field);
+    }
+    return fields;
+}
+
 // A list whose walk meets the records in the order given, each under its own key.
 inline std::unique_ptr<ObjectList> ListOf(const std::vector<ObjectRecord>& records) {
     auto list = ObjectList::CreateList();

@@ -2,7 +2,6 @@
 #include <array>
 
 #include "platform/text.h"
-#include "simulator/gate/counters.h"
 #include "tests/difftree/window/tree_window_fixture.h"
 
 namespace tolvenar {
@@ -90,11 +89,6 @@ protected:
             EXPECT_LE(end - 2 * kBearing, span.last) << i;
             x = end;
         }
-    }
-    long Calls(const char* function) {
-        const auto calls = sim::TotalCalls(device().sim());
-        const auto found = calls.find(function);
-        return found == calls.end() ? 0 : found->second;
     }
     COLORREF Background(const std::u16string& text) {
         const RECT place = RowOnScreen(text, true);
@@ -241,27 +235,27 @@ TEST_F(TreeDrawingTest, ExpandingDrawsTheCountsAnew) {
     Show(false);
     Choose(u"Databases");
     Screen();
-    const long before = Calls("ExtTextOutW");
+    const long before = device().Calls("ExtTextOutW");
     Ask(WM_KEYDOWN, VK_RIGHT);
-    const long drawn = Calls("ExtTextOutW") - before;
+    const long drawn = device().Calls("ExtTextOutW") - before;
     EXPECT_EQ(3 * 6, drawn);  // the root, four categories and the group that came
     ExpectCounts(u"Registry", 1, TreeFont(), {u"(+0;", u"\u00B10;", u"-0)"});
     ExpectCounts(u"Files", 1, TreeFont(), {u"(+2;", u"\u00B11;", u"-1)"});
-    EXPECT_EQ(drawn, Calls("ExtTextOutW") - before);
+    EXPECT_EQ(drawn, device().Calls("ExtTextOutW") - before);
 }
 
 TEST_F(TreeDrawingTest, ABuildIsDrawnOnceAtItsEnd) {
     Create();
     build_.advanced_view = true;
     ASSERT_EQ(1, Build(Objects()));
-    EXPECT_EQ(0, Calls("ExtTextOutW"));
+    EXPECT_EQ(0, device().Calls("ExtTextOutW"));
     Screen();
-    EXPECT_EQ(3 * 5, Calls("ExtTextOutW"));
+    EXPECT_EQ(3 * 5, device().Calls("ExtTextOutW"));
     Screen();  // nothing changed
-    EXPECT_EQ(3 * 5, Calls("ExtTextOutW"));
+    EXPECT_EQ(3 * 5, device().Calls("ExtTextOutW"));
     ASSERT_EQ(1, Build(Objects()));
     Screen();
-    EXPECT_EQ(2 * 3 * 5, Calls("ExtTextOutW"));
+    EXPECT_EQ(2 * 3 * 5, device().Calls("ExtTextOutW"));
 }
 
 TEST_F(TreeDrawingTest, CountsWithoutColoursHaveThatOfTheText) {
@@ -280,14 +274,13 @@ TEST_F(TreeDrawingTest, ColoursWithoutCountsDrawNone) {
     Show();
     EXPECT_EQ(0, Columns(u"Files", kBlue).pixels);
     EXPECT_LT(10, Columns(u"added", kBlue).pixels);
-    EXPECT_EQ(0, Calls("ExtTextOutW"));
+    EXPECT_EQ(0, device().Calls("ExtTextOutW"));
 }
 
 TEST_F(TreeDrawingTest, WithoutABoldFontEverythingIsNormal) {
     window_.DestroyTreeWindowClass();
     device().Fault("CreateFontIndirectW", 1, 1, 8);
     ASSERT_TRUE(window_.RegisterTreeWindowClass(::GetModuleHandleW(nullptr)));
-    EXPECT_EQ("[]", device().Faults());
     build_.options = kTreeColours | kTreeCounts;
     Show();
     ExpectBold(u"added", kBlue, false);
@@ -341,10 +334,10 @@ TEST_F(TreeDrawingTest, AnItemWithoutARecordIsDrawnAsTheControlDoes) {
     insertion.item.pszText = text;
     Ask(TVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&insertion));
     Screen();
-    const long before = Calls("ExtTextOutW");
+    const long before = device().Calls("ExtTextOutW");
     ::InvalidateRect(window_.tree_view(), nullptr, TRUE);
     Screen();
-    EXPECT_EQ(3 * 5, Calls("ExtTextOutW") - before);
+    EXPECT_EQ(3 * 5, device().Calls("ExtTextOutW") - before);
     wchar_t shown[20] = L"";
     TVITEMW item{};
     item.mask = TVIF_TEXT | TVIF_PARAM;

@@ -4,7 +4,6 @@
 #include <sstream>
 #include <utility>
 
-#include "simulator/gate/counters.h"
 #include "tests/difftree/window/tree_window_fixture.h"
 
 namespace tolvenar {
@@ -67,7 +66,7 @@ protected:
     std::string Traced(const char* function) {
         return device().Command(std::string("trace show ") + function);
     }
-    long Selections() { return sim::TotalCalls(device().sim())["SelectObject"]; }
+    long Selections() { return device().Calls("SelectObject"); }
 
     HGDIOBJ font_left_ = nullptr;
 };

@@ -122,8 +122,7 @@ TEST_F(TreeWindowTest, AControlThatIsFullKeepsWhatItHas) {
     for (int n = 1; n <= 12; ++n) {
         device().Fault("SendMessageW", n, 1000, 8, ", 4402, ");  // TVM_INSERTITEMW
         EXPECT_EQ(0, Build(SomeObjects()));
-        EXPECT_EQ("[]", device().Faults());
-        device().Command("faults clear");
+        device().EndFaults();
         EXPECT_EQ(n - 1, Ask(TVM_GETCOUNT));
         ExpectOwned("a part");
     }
@@ -182,8 +181,7 @@ TEST_F(TreeWindowTest, WithoutATreeViewNoHostIsLeft) {
     device().Fault("CreateWindowExW", 1, 1, 8, "SysTreeView32");
     const RECT place{0, 0, kWidth, kHeight};
     EXPECT_EQ(nullptr, window_.CreateTreeDialog(parent_, &place));
-    EXPECT_EQ("[]", device().Faults());
-    device().Command("faults clear");
+    device().EndFaults();
     EXPECT_EQ(nullptr, window_.host());
     EXPECT_EQ(nullptr, ::GetWindow(parent_, GW_CHILD));
     EXPECT_EQ(before, Held());
@@ -196,7 +194,6 @@ TEST_F(TreeWindowTest, WithoutAClassThereIsNoTree) {
     window_.DestroyTreeWindowClass();
     device().Fault("RegisterClassW", 1, 1, 8);
     EXPECT_FALSE(window_.RegisterTreeWindowClass(::GetModuleHandleW(nullptr)));
-    EXPECT_EQ("[]", device().Faults());
     EXPECT_EQ(nullptr, window_.CreateTreeDialog(parent_, nullptr));
     window_.Clear();
     EXPECT_EQ(0, Build(SomeObjects()));
@@ -215,7 +212,6 @@ TEST_F(TreeWindowTest, WithoutARectangleItHasTheRoomOfTheShellsDesktop) {
 TEST_F(TreeWindowTest, WithoutThatDesktopItHasTheRoomOfItsParent) {
     device().Fault("FindWindowW", 1, 1, 2, "DesktopExplorerWindow");
     ASSERT_NE(nullptr, window_.CreateTreeDialog(parent_, nullptr));
-    EXPECT_EQ("[]", device().Faults());
     RECT host{};
     ::GetWindowRect(window_.host(), &host);
     EXPECT_EQ(kWidth, host.right - host.left);

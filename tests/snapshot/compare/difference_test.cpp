@@ -32,13 +32,7 @@ protected:
         diff_ = ObjectList::CreateList();
         return CmpLists(list1_.get(), list2_.get(), *diff_, info_);
     }
-    std::vector<ObjectRecord> Differences() const {
-        std::vector<ObjectRecord> records;
-        for (const KeyedRecord& entry : Walk(*diff_)) {
-            records.push_back(entry.record);
-        }
-        return records;
-    }
+    std::vector<ObjectRecord> Differences() const { return RecordsOf(*diff_); }
     void ExpectMatch(const ObjectRecord& older, const ObjectRecord& newer) {
         ASSERT_TRUE(Compare({older}, {newer}));
         EXPECT_EQ(0u, diff_->CountRecords());
@@ -146,11 +140,7 @@ TEST_F(CmpListsTest, AMarkedRecordTakesPartInNoMatch) {
 TEST_F(CmpListsTest, AdditionsAreEnteredBeforeDeletionsEachInListOrder) {
     ASSERT_TRUE(Compare({MakeRecord(kFile, 1, 0), MakeRecord(kFile, 2, 0)},
                         {MakeRecord(kFile, 3, 0), MakeRecord(kFile, 4, 0)}));
-    std::vector<std::uint32_t> oids;
-    for (const ObjectRecord& record : Differences()) {
-        oids.push_back(record.dwOID);
-    }
-    EXPECT_EQ((std::vector<std::uint32_t>{2, 1, 4, 3}), oids);
+    EXPECT_EQ((std::vector<std::uint32_t>{2, 1, 4, 3}), FieldsOf(*diff_, &ObjectRecord::dwOID));
 }
 
 TEST_F(CmpListsTest, TheCopyKeepsItsStateAndLosesItsScanFlags) {

@@ -3,10 +3,14 @@
 
 #include <gtest/gtest.h>
 #include <random>
-#include <vector>
+
+#include "tests/support/records.h"
 
 namespace tolvenar {
 namespace {
+
+using Ids = std::vector<std::uint32_t>;
+using Flags = std::vector<std::uint16_t>;
 
 ObjectRecord FileRecord(std::uint32_t dwOID, std::uint16_t state, std::uint16_t flags,
                         std::uint32_t propOffset) {
@@ -33,12 +37,13 @@ std::unique_ptr<ObjectList> MakeJournal(const std::vector<ObjectRecord>& walked)
     return journal;
 }
 
-std::vector<std::uint32_t> IdsOf(const ObjectList& list) {
-    std::vector<std::uint32_t> ids;
-    for (const ObjectList::Node& node : list) {
-        ids.push_back(node.record->dwOID);
-    }
-    return ids;
+Ids IdsOf(const ObjectList& list) { return FieldsOf(list, &ObjectRecord::dwOID); }
+
+// The ids in a journal once `object` has got the id 40.
+Ids Updated(const std::vector<ObjectRecord>& walked, const ObjectRecord& object) {
+    const auto journal = MakeJournal(walked);
+    JournalUpdater(journal.get()).UpdateJournalOid(object, 40);
+    return IdsOf(*journal);
 }
 
 // What the result is defined by: every record is looked at for every object.
@@ -73,17 +78,15 @@ void PlainWalk(ObjectList& journal, const ObjectRecord& object, std::uint32_t ne
 }
 
 TEST(JournalUpdateTest, TheAdditionOfTheSameStateGetsTheNewId) {
-    auto journal = MakeJournal({FileRecord(7, 1, JF_ADD, 500), FileRecord(8, 1, JF_ADD, 900)});
-    JournalUpdater updater(journal.get());
-    updater.UpdateJournalOid(FileRecord(7, 1, 0, 500), 40);
-    EXPECT_EQ((std::vector<std::uint32_t>{40, 8}), IdsOf(*journal));
+    EXPECT_EQ((Ids{40, 8}), Updated({FileRecord(7, 1, JF_ADD, 500), FileRecord(8, 1, JF_ADD, 900)},
+                                    FileRecord(7, 1, 0, 500)));
 }
 
 TEST(JournalUpdateTest, ANewIdOfZeroChangesNothing) {
     auto journal = MakeJournal({FileRecord(7, 1, JF_ADD, 500)});
     JournalUpdater updater(journal.get());
     updater.UpdateJournalOid(FileRecord(7, 1, 0, 500), 0);
-    EXPECT_EQ((std::vector<std::uint32_t>{7}), IdsOf(*journal));
+    EXPECT_EQ(Ids{7}, IdsOf(*journal));
 }
 
 TEST(JournalUpdateTest, WithoutAJournalNothingHappens) {
@@ -92,17 +95,12 @@ TEST(JournalUpdateTest, WithoutAJournalNothingHappens) {
 }
 
 TEST(JournalUpdateTest, AnAdditionOfAnotherStateKeepsItsId) {
-    auto journal = MakeJournal({FileRecord(7, 2, JF_ADD, 500)});
-    JournalUpdater updater(journal.get());
-    updater.UpdateJournalOid(FileRecord(7, 1, 0, 500), 40);
-    EXPECT_EQ((std::vector<std::uint32_t>{7}), IdsOf(*journal));
+    EXPECT_EQ(Ids{7}, Updated({FileRecord(7, 2, JF_ADD, 500)}, FileRecord(7, 1, 0, 500)));
 }
 
 TEST(JournalUpdateTest, ARecordOfTheSameStateWithoutAdditionKeepsItsId) {
-    auto journal = MakeJournal({FileRecord(7, 1, JF_DELETE, 500), FileRecord(7, 1, 0, 500)});
-    JournalUpdater updater(journal.get());
-    updater.UpdateJournalOid(FileRecord(7, 1, 0, 500), 40);
-    EXPECT_EQ((std::vector<std::uint32_t>{7, 7}), IdsOf(*journal));
+    EXPECT_EQ((Ids{7, 7}), Updated({FileRecord(7, 1, JF_DELETE, 500), FileRecord(7, 1, 0, 500)},
+                                   FileRecord(7, 1, 0, 500)));
 }
 
 TEST(JournalUpdateTest, EveryFieldOfTheVersionMustAgree) {
@@ -114,10 +112,7 @@ TEST(JournalUpdateTest, EveryFieldOfTheVersionMustAgree) {
     walked[3].propOffset ^= 1;
     walked[4].data_offset ^= 1;
     walked[5].type = ObjectType::kDatabase;
-    auto journal = MakeJournal(walked);
-    JournalUpdater updater(journal.get());
-    updater.UpdateJournalOid(object, 40);
-    EXPECT_EQ((std::vector<std::uint32_t>{6, 7, 7, 7, 7, 7}), IdsOf(*journal));
+    EXPECT_EQ((Ids{6, 7, 7, 7, 7, 7}), Updated(walked, object));
 }
 
 TEST(JournalUpdateTest, RegistryAndStateRecordsOfTheSameStateKeepTheirIds) {
@@ -125,10 +120,7 @@ TEST(JournalUpdateTest, RegistryAndStateRecordsOfTheSameStateKeepTheirIds) {
          {ObjectType::kRegistryValue, ObjectType::kRegistryKey, ObjectType::kState}) {
         ObjectRecord object = FileRecord(7, 1, JF_ADD, 500);
         object.type = type;
-        auto journal = MakeJournal({object});
-        JournalUpdater updater(journal.get());
-        updater.UpdateJournalOid(object, 40);
-        EXPECT_EQ((std::vector<std::uint32_t>{7}), IdsOf(*journal));
+        EXPECT_EQ(Ids{7}, Updated({object}, object));
     }
 }
 
@@ -136,35 +128,26 @@ TEST(JournalUpdateTest, DatabasesAndRecordsGetTheirNewIds) {
     for (const ObjectType type : {ObjectType::kDatabase, ObjectType::kDatabaseRecord}) {
         ObjectRecord object = FileRecord(7, 1, JF_ADD, 500);
         object.type = type;
-        auto journal = MakeJournal({object});
-        JournalUpdater updater(journal.get());
-        updater.UpdateJournalOid(object, 40);
-        EXPECT_EQ((std::vector<std::uint32_t>{40}), IdsOf(*journal));
+        EXPECT_EQ(Ids{40}, Updated({object}, object));
     }
 }
 
 TEST(JournalUpdateTest, OnlyTheNearestLaterDeletionGetsTheNewId) {
-    auto journal =
-        MakeJournal({FileRecord(7, 5, JF_DELETE, 500), FileRecord(7, 3, JF_DELETE, 500),
-                     FileRecord(7, 4, JF_DELETE, 500), FileRecord(7, 1, JF_DELETE, 500)});
-    JournalUpdater updater(journal.get());
-    updater.UpdateJournalOid(FileRecord(7, 2, 0, 500), 40);
-    EXPECT_EQ((std::vector<std::uint32_t>{7, 40, 7, 7}), IdsOf(*journal));
+    EXPECT_EQ((Ids{7, 40, 7, 7}),
+              Updated({FileRecord(7, 5, JF_DELETE, 500), FileRecord(7, 3, JF_DELETE, 500),
+                       FileRecord(7, 4, JF_DELETE, 500), FileRecord(7, 1, JF_DELETE, 500)},
+                      FileRecord(7, 2, 0, 500)));
 }
 
 TEST(JournalUpdateTest, OfTwoDeletionsInOneStateTheLastWalkedGetsTheNewId) {
-    auto journal = MakeJournal({FileRecord(7, 3, JF_DELETE, 500), FileRecord(7, 3, JF_DELETE, 500),
-                                FileRecord(7, 4, JF_DELETE, 500)});
-    JournalUpdater updater(journal.get());
-    updater.UpdateJournalOid(FileRecord(7, 2, 0, 500), 40);
-    EXPECT_EQ((std::vector<std::uint32_t>{7, 40, 7}), IdsOf(*journal));
+    EXPECT_EQ((Ids{7, 40, 7}),
+              Updated({FileRecord(7, 3, JF_DELETE, 500), FileRecord(7, 3, JF_DELETE, 500),
+                       FileRecord(7, 4, JF_DELETE, 500)},
+                      FileRecord(7, 2, 0, 500)));
 }
 
 TEST(JournalUpdateTest, ALaterAdditionIsNoDeletion) {
-    auto journal = MakeJournal({FileRecord(7, 3, JF_ADD, 500)});
-    JournalUpdater updater(journal.get());
-    updater.UpdateJournalOid(FileRecord(7, 2, 0, 500), 40);
-    EXPECT_EQ((std::vector<std::uint32_t>{7}), IdsOf(*journal));
+    EXPECT_EQ(Ids{7}, Updated({FileRecord(7, 3, JF_ADD, 500)}, FileRecord(7, 2, 0, 500)));
 }
 
 TEST(JournalUpdateTest, NodesKeepTheKeysUnderWhichTheyStand) {
@@ -183,7 +166,7 @@ TEST(JournalUpdateTest, AnIdThatWasGivenOutInThisRestoreIsFoundUnderItsNewNumber
     JournalUpdater updater(journal.get());
     updater.UpdateJournalOid(FileRecord(7, 1, 0, 500), 40);
     updater.UpdateJournalOid(FileRecord(40, 1, 0, 500), 41);
-    EXPECT_EQ((std::vector<std::uint32_t>{41, 41}), IdsOf(*journal));
+    EXPECT_EQ((Ids{41, 41}), IdsOf(*journal));
 }
 
 TEST(JournalUpdateTest, RandomJournalsComeOutAsFromThePlainWalk) {
@@ -215,27 +198,19 @@ TEST(JournalUpdateTest, RandomJournalsComeOutAsFromThePlainWalk) {
     }
 }
 
-std::vector<std::uint16_t> FlagsOf(const ObjectList& list) {
-    std::vector<std::uint16_t> flags;
-    ObjectList::Cursor cursor = list.First();
-    ObjectRecord* record = nullptr;
-    while (ObjectList::Next(cursor, nullptr, &record)) {
-        flags.push_back(record->flags);
-    }
-    return flags;
-}
+Flags FlagsOf(const ObjectList& list) { return FieldsOf(list, &ObjectRecord::flags); }
 
 TEST(InvertPendingFlagsTest, AdditionsAndDeletionsAreExchanged) {
     auto list = MakeJournal({FileRecord(1, 0, JF_ADD, 0), FileRecord(2, 0, JF_DELETE, 0)});
     InvertPendingFlags(*list);
-    EXPECT_EQ((std::vector<std::uint16_t>{JF_DELETE, JF_ADD}), FlagsOf(*list));
+    EXPECT_EQ((Flags{JF_DELETE, JF_ADD}), FlagsOf(*list));
 }
 
 TEST(InvertPendingFlagsTest, HandledRecordsAreRemoved) {
     auto list = MakeJournal({FileRecord(1, 0, 0, 0), FileRecord(2, 0, JF_ADD, 0),
                              FileRecord(3, 0, 0, 0), FileRecord(4, 0, 0, 0)});
     InvertPendingFlags(*list);
-    EXPECT_EQ((std::vector<std::uint32_t>{2}), IdsOf(*list));
+    EXPECT_EQ(Ids{2}, IdsOf(*list));
 }
 
 TEST(InvertPendingFlagsTest, ARecordWithBothFlagsIsRemoved) {
@@ -249,15 +224,14 @@ TEST(InvertPendingFlagsTest, OtherFlagsStayAsTheyAre) {
         MakeJournal({FileRecord(1, 0, JF_FAILED, 0), FileRecord(2, 0, JF_FAILED | JF_ADD, 0),
                      FileRecord(3, 0, kFlagAddition10 | JF_ADD | JF_DELETE, 0)});
     InvertPendingFlags(*list);
-    EXPECT_EQ((std::vector<std::uint16_t>{JF_FAILED, JF_FAILED | JF_DELETE, kFlagAddition10}),
-              FlagsOf(*list));
+    EXPECT_EQ((Flags{JF_FAILED, JF_FAILED | JF_DELETE, kFlagAddition10}), FlagsOf(*list));
 }
 
 TEST(InvertPendingFlagsTest, InvertingTwiceGivesTheListBack) {
     auto list = MakeJournal({FileRecord(1, 0, JF_ADD, 0), FileRecord(2, 0, JF_DELETE, 0)});
     InvertPendingFlags(*list);
     InvertPendingFlags(*list);
-    EXPECT_EQ((std::vector<std::uint16_t>{JF_ADD, JF_DELETE}), FlagsOf(*list));
+    EXPECT_EQ((Flags{JF_ADD, JF_DELETE}), FlagsOf(*list));
 }
 
 // State 1 holds a folder; in state 2 it is gone and another of the same name is there. A device
@@ -279,14 +253,14 @@ TEST_F(SeparateVersionsTest, AStaleIdThatMakesTwoRecordsOneIsGivenUp) {
     JournalUpdater updater(journal_.get());
     updater.UpdateJournalOid(first_, 200);
     EXPECT_TRUE(updater.SeparateVersions());
-    EXPECT_EQ((std::vector<std::uint32_t>{200, 200, 0xFFFFFFFE, 0xFFFFFFFE}), IdsOf(*journal_));
+    EXPECT_EQ((Ids{200, 200, 0xFFFFFFFE, 0xFFFFFFFE}), IdsOf(*journal_));
 }
 
 TEST_F(SeparateVersionsTest, AnIdThatMakesNoKeyTwiceStays) {
     JournalUpdater updater(journal_.get());
     updater.UpdateJournalOid(first_, 300);
     EXPECT_TRUE(updater.SeparateVersions());
-    EXPECT_EQ((std::vector<std::uint32_t>{300, 300, 200, 200}), IdsOf(*journal_));
+    EXPECT_EQ((Ids{300, 300, 200, 200}), IdsOf(*journal_));
 }
 
 TEST_F(SeparateVersionsTest, AVersionThatHasItsOwnNewIdByTheEndKeepsIt) {
@@ -294,7 +268,7 @@ TEST_F(SeparateVersionsTest, AVersionThatHasItsOwnNewIdByTheEndKeepsIt) {
     updater.UpdateJournalOid(first_, 200);
     updater.UpdateJournalOid(second_, 300);
     EXPECT_TRUE(updater.SeparateVersions());
-    EXPECT_EQ((std::vector<std::uint32_t>{200, 200, 300, 300}), IdsOf(*journal_));
+    EXPECT_EQ((Ids{200, 200, 300, 300}), IdsOf(*journal_));
 }
 
 TEST_F(SeparateVersionsTest, EachVersionThatGivesWayHasAnIdOfItsOwn) {
@@ -303,14 +277,13 @@ TEST_F(SeparateVersionsTest, EachVersionThatGivesWayHasAnIdOfItsOwn) {
     JournalUpdater updater(journal.get());
     updater.UpdateJournalOid(first_, 200);
     EXPECT_TRUE(updater.SeparateVersions());
-    EXPECT_EQ((std::vector<std::uint32_t>{200, 200, 0xFFFFFFFD, 0xFFFFFFFD, 0xFFFFFFFE}),
-              IdsOf(*journal));
+    EXPECT_EQ((Ids{200, 200, 0xFFFFFFFD, 0xFFFFFFFD, 0xFFFFFFFE}), IdsOf(*journal));
 }
 
 TEST_F(SeparateVersionsTest, WithoutANewIdNothingHappens) {
     JournalUpdater updater(journal_.get());
     EXPECT_TRUE(updater.SeparateVersions());
-    EXPECT_EQ((std::vector<std::uint32_t>{100, 100, 200, 200}), IdsOf(*journal_));
+    EXPECT_EQ((Ids{100, 100, 200, 200}), IdsOf(*journal_));
 }
 
 }  // namespace

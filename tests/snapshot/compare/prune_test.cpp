@@ -34,6 +34,19 @@ protected:
         Added(hive, Name(key_path, value_name));
         Deleted(hive, Name(key_path, value_name));
     }
+    struct Row {
+        std::uint32_t hive;
+        const char16_t* key_path;
+        const char16_t* value_name;
+    };
+    // What is left of each changed value.
+    void ExpectLeft(std::size_t versions, const std::vector<Row>& rows) {
+        for (const Row& row : rows) {
+            Changed(row.hive, row.key_path, row.value_name);
+            EXPECT_EQ(versions, PruneForBackup());
+            diff_->ClearList();
+        }
+    }
     std::size_t PruneForBackup() {
         PruneDifferences(*diff_, kBackupPruning, info_);
         return diff_->CountRecords();
@@ -54,49 +67,32 @@ protected:
 };
 
 TEST_F(PruneTest, ChangedValuesOfEveryRowGo) {
-    const struct {
-        std::uint32_t hive;
-        const char16_t* key_path;
-        const char16_t* value_name;
-    } rows[] = {
-        {0x80000001, u"Software\\Kestrin", u"LQN"},
-        {0x80000001, u"Old\\Software\\Kestrin\\Sub", u"LQN"},
-        {0x80000001, u"Software\\Kestrin2\\Tolvenar", u"LQN"},
-        {0x80000001, u"Software\\Kestrin2\\Tolvenar", u"onTime"},
-        {0x80000001, u"Software\\Kestrin2\\Tolvenar", u""},
-        {0x80000000, u"{000214A1-0000-0000-C000-000000000046}", u"DefaultIcon"},
-        {0x80000001, u"Comm\\Security\\Crypto\\UserKeys\\Jornada", u"RandSeed"},
-        {0x80000001, u"x\\Comm\\Security\\Crypto\\UserKeys\\Jornada2", u"RandSeed"},
-    };
-    for (const auto& row : rows) {
-        Changed(row.hive, row.key_path, row.value_name);
-        EXPECT_EQ(0u, PruneForBackup());
-        diff_->ClearList();
-    }
+    ExpectLeft(0u, {
+                       {0x80000001, u"Software\\Kestrin", u"LQN"},
+                       {0x80000001, u"Old\\Software\\Kestrin\\Sub", u"LQN"},
+                       {0x80000001, u"Software\\Kestrin2\\Tolvenar", u"LQN"},
+                       {0x80000001, u"Software\\Kestrin2\\Tolvenar", u"onTime"},
+                       {0x80000001, u"Software\\Kestrin2\\Tolvenar", u""},
+                       {0x80000000, u"{000214A1-0000-0000-C000-000000000046}", u"DefaultIcon"},
+                       {0x80000001, u"Comm\\Security\\Crypto\\UserKeys\\Jornada", u"RandSeed"},
+                       {0x80000001, u"x\\Comm\\Security\\Crypto\\UserKeys\\Jornada2", u"RandSeed"},
+                   });
 }
 
 TEST_F(PruneTest, ChangedValuesThatNoRowNamesStay) {
-    const struct {
-        std::uint32_t hive;
-        const char16_t* key_path;
-        const char16_t* value_name;
-    } rows[] = {
-        {0x80000002, u"Software\\Kestrin", u"LQN"},
-        {0x80000001, u"Software\\Kestrin", u"LQN2"},
-        {0x80000001, u"Software\\Kestrin", u"lqn"},
-        {0x80000001, u"software\\Kestrin", u"LQN"},
-        {0x80000001, u"Software\\Kestrin2\\Tolvenar\\Sub", u"onTime"},
-        {0x80000001, u"Software\\Kestrin2", u"onTime"},
-        {0x80000002, u"Software\\Kestrin2\\Tolvenar", u"onTime"},
-        {0x80000000, u"CLSID\\{000214A1-0000-0000-C000-000000000046}", u"DefaultIcon"},
-        {0x80000000, u"{000214A1-0000-0000-C000-000000000046}", u""},
-        {0x80000001, u"Comm\\Security\\Crypto\\UserKeys\\Jornada", u"Seed"},
-    };
-    for (const auto& row : rows) {
-        Changed(row.hive, row.key_path, row.value_name);
-        EXPECT_EQ(2u, PruneForBackup());
-        diff_->ClearList();
-    }
+    ExpectLeft(2u,
+               {
+                   {0x80000002, u"Software\\Kestrin", u"LQN"},
+                   {0x80000001, u"Software\\Kestrin", u"LQN2"},
+                   {0x80000001, u"Software\\Kestrin", u"lqn"},
+                   {0x80000001, u"software\\Kestrin", u"LQN"},
+                   {0x80000001, u"Software\\Kestrin2\\Tolvenar\\Sub", u"onTime"},
+                   {0x80000001, u"Software\\Kestrin2", u"onTime"},
+                   {0x80000002, u"Software\\Kestrin2\\Tolvenar", u"onTime"},
+                   {0x80000000, u"CLSID\\{000214A1-0000-0000-C000-000000000046}", u"DefaultIcon"},
+                   {0x80000000, u"{000214A1-0000-0000-C000-000000000046}", u""},
+                   {0x80000001, u"Comm\\Security\\Crypto\\UserKeys\\Jornada", u"Seed"},
+               });
 }
 
 TEST_F(PruneTest, AValueThatOnlyAppearedOrOnlyDisappearedStays) {

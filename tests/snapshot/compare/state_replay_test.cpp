@@ -32,11 +32,7 @@ protected:
         EXPECT_TRUE(before == Walk(*all_));
     }
     std::vector<std::uint32_t> Offsets() const {
-        std::vector<std::uint32_t> offsets;
-        for (const KeyedRecord& entry : Walk(*out_)) {
-            offsets.push_back(entry.record.propOffset);
-        }
-        return offsets;
+        return FieldsOf(*out_, &ObjectRecord::propOffset);
     }
     using Offset = std::vector<std::uint32_t>;
 

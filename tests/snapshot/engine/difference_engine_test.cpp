@@ -8,8 +8,6 @@
 namespace tolvenar {
 namespace {
 
-using Text = std::u16string;
-
 class DifferenceEngineTest : public EngineTest {
 protected:
     // Enters an addition of state `state` in the journal; its block is the storage's first bytes
@@ -24,32 +22,16 @@ protected:
         ASSERT_TRUE(storage_.journal->AddObject(record));
     }
 
-    const ObjectRecord* DifferenceOf(CEOID oid) {
-        ObjectRecord* record = nullptr;
-        ObjectList::Cursor cursor = storage_.difference->First();
-        while (ObjectList::Next(cursor, nullptr, &record)) {
-            if (record->dwOID == oid) {
-                return record;
-            }
-        }
-        return nullptr;
-    }
-
-    bool StorageFileIsFree() {
-        const UniqueHandle file(::CreateFileW(kSavPath, GENERIC_READ | GENERIC_WRITE, 0, nullptr,
-                                              OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-        return static_cast<bool>(file);
-    }
+    const ObjectRecord* DifferenceOf(CEOID oid) { return RecordOf(*storage_.difference, oid); }
 };
 
 TEST_F(DifferenceEngineTest, TheStepsOfAComparisonWithTheDeviceAreAnnouncedInOrder) {
     ASSERT_EQ(1, FindDifference(engine_, 0));
-    EXPECT_EQ(
-        (std::vector<Text>{u"Preparing object list...", u"Scanning files...",
-                           u"Scanning HKCR registry entry...", u"Scanning HKCU registry entry...",
-                           u"Scanning HKLM registry entry...", u"Scanning HKU registry entry...",
-                           u"Scanning databases...", u"Finding differences..."}),
-        progress_.texts);
+    EXPECT_EQ((Texts{u"Preparing object list...", u"Scanning files...",
+                     u"Scanning HKCR registry entry...", u"Scanning HKCU registry entry...",
+                     u"Scanning HKLM registry entry...", u"Scanning HKU registry entry...",
+                     u"Scanning databases...", u"Finding differences..."}),
+              progress_.texts);
     EXPECT_EQ(std::vector<std::size_t>{8}, progress_.begins);
 }
 
@@ -114,7 +96,7 @@ TEST_F(DifferenceEngineTest, TheRegistryObjectTableHoldsTheLastScanOnly) {
 }
 
 TEST_F(DifferenceEngineTest, AStorageFileThatCannotBeOpenedFailsWithoutAWord) {
-    const auto held = device().Lock(kSavPath);
+    const auto held = device().Lock(Wide(kSav));
     EXPECT_EQ(0, FindDifference(engine_, 0));
     EXPECT_EQ(u"", Log());
     EXPECT_TRUE(progress_.texts.empty());
@@ -124,29 +106,29 @@ TEST_F(DifferenceEngineTest, AStorageFileThatCannotBeOpenedFailsWithoutAWord) {
 
 // It is opened for writing too, though nothing is written.
 TEST_F(DifferenceEngineTest, AStorageFileThatAnotherProgramReadsStopsTheComparison) {
-    const auto held = device().Lock(kSavPath, "read");
+    const auto held = device().Lock(Wide(kSav), "read");
     EXPECT_EQ(0, FindDifference(engine_, 0));
     EXPECT_EQ(0, FindDifferenceEx(engine_, 0, 1));
 }
 
 TEST_F(DifferenceEngineTest, TheStorageFileIsNeverCreated) {
-    device().Remove(kSavPath);
+    device().Remove(Wide(kSav));
     EXPECT_EQ(0, FindDifference(engine_, 0));
     EXPECT_EQ(0, FindDifferenceEx(engine_, 0, 1));
-    EXPECT_FALSE(device().Exists(kSavPath));
+    EXPECT_FALSE(Exists(kSav));
 }
 
 TEST_F(DifferenceEngineTest, TheStorageFileIsClosedAfterwards) {
     ASSERT_EQ(1, FindDifference(engine_, 0));
-    EXPECT_TRUE(StorageFileIsFree());
+    EXPECT_TRUE(IsFree(kSav));
     ASSERT_EQ(1, FindDifferenceEx(engine_, 0, 1));
-    EXPECT_TRUE(StorageFileIsFree());
+    EXPECT_TRUE(IsFree(kSav));
 }
 
 TEST_F(DifferenceEngineTest, TheStepsOfAComparisonOfTwoStatesAreAnnouncedInOrder) {
     ASSERT_EQ(1, FindDifferenceEx(engine_, 1, 2));
-    EXPECT_EQ((std::vector<Text>{u"Preparing object list...", u"Preparing list 1...",
-                                 u"Preparing list 2...", u"Finding differences..."}),
+    EXPECT_EQ((Texts{u"Preparing object list...", u"Preparing list 1...", u"Preparing list 2...",
+                     u"Finding differences..."}),
               progress_.texts);
     EXPECT_EQ(std::vector<std::size_t>{4}, progress_.begins);
 }
@@ -181,7 +163,7 @@ TEST_F(DifferenceEngineTest, WithoutAJournalThereIsNoComparison) {
     storage_.journal.reset();
     EXPECT_EQ(0, FindDifference(engine_, 0));
     EXPECT_EQ(0, FindDifferenceEx(engine_, 0, 1));
-    EXPECT_TRUE(StorageFileIsFree());
+    EXPECT_TRUE(IsFree(kSav));
 }
 
 // Every allocation of the comparison of two states fails once: it says so, or it does not need it.
@@ -190,12 +172,12 @@ TEST_F(DifferenceEngineTest, AListThatCannotBeMadeIsLoggedAndTheStorageFileClose
     progress_.quiet = true;
     bool all_met = false;
     for (int n = 1; n < 1000 && !all_met; ++n) {
-        FailCall("HeapAlloc", n, ERROR_NOT_ENOUGH_MEMORY);
+        Fail("HeapAlloc", n, ERROR_NOT_ENOUGH_MEMORY);
         const int result = FindDifferenceEx(engine_, 0, 1);
         all_met = TakePendingFault(n);
-        device().Command("faults clear");
+        device().DropFaults();
         EXPECT_TRUE(result == 0 || storage_.difference->CountRecords() == 1) << n;
-        EXPECT_TRUE(StorageFileIsFree());
+        EXPECT_TRUE(IsFree(kSav));
     }
     EXPECT_TRUE(all_met);
     EXPECT_NE(Text::npos, Log().find(u"Module: FindDifferenceEx; Message: Can't create journal"));
@@ -209,12 +191,12 @@ TEST_F(DifferenceEngineTest, AListOfTheDeviceThatCannotBeMadeIsTold) {
     for (int n = 1; n < 4000 && !all_met; ++n) {
         device().Fault("MessageBoxW", 1, 1, ERROR_NOT_ENOUGH_MEMORY,
                        "Could't create journal, FindDifference, 65536");
-        FailCall("HeapAlloc", n, ERROR_NOT_ENOUGH_MEMORY);
+        Fail("HeapAlloc", n, ERROR_NOT_ENOUGH_MEMORY);
         FindDifference(engine_, 0);
         all_met = TakePendingFault(n);
         shown = shown || device().Faults().find("MessageBoxW") == std::string::npos;
-        device().Command("faults clear");
-        ASSERT_TRUE(StorageFileIsFree());
+        device().DropFaults();
+        ASSERT_TRUE(IsFree(kSav));
     }
     EXPECT_TRUE(all_met);
     EXPECT_NE(Text::npos, Log().find(u"Module: FindDifference; Message: Could't create journal"));

@@ -9,8 +9,6 @@
 namespace tolvenar {
 namespace {
 
-constexpr CEPROPID kName = 0x0001001F;
-constexpr CEPROPID kNumber = 0x00020003;
 constexpr CEPROPID kBool = 0x0003000B;
 constexpr CEPROPID kDouble = 0x00040005;
 constexpr CEPROPID kBlob = 0x00050041;
@@ -40,16 +38,7 @@ protected:
     }
 
     // The record of the object; null when there is none.
-    const ObjectRecord* RecordOf(CEOID oid) {
-        ObjectRecord* record = nullptr;
-        ObjectList::Cursor cursor = list_->First();
-        while (ObjectList::Next(cursor, nullptr, &record)) {
-            if (record->dwOID == oid) {
-                return record;
-            }
-        }
-        return nullptr;
-    }
+    const ObjectRecord* RecordOf(CEOID oid) { return StorageTest::RecordOf(*list_, oid); }
 
     std::unique_ptr<ObjectList> list_;
 };
@@ -71,14 +60,8 @@ TEST_F(DatabaseScannerTest, ADatabasesRecordHasItsNumberOfRecordsAsFingerprint) 
     InfoBlock block;
     ASSERT_TRUE(info_.GetOIDInfo(0, oid, block));
     EXPECT_EQ(28u + 10u, block.size());
-    EXPECT_EQ(Checksum16(block.bytes(), 38), record->info_checksum);
-    EXPECT_EQ(2, record->content_fingerprint);
-    EXPECT_EQ(0u, record->TolvOID);
-    EXPECT_EQ(0u, record->propOffset);
-    EXPECT_EQ(0u, record->data_offset);
-    EXPECT_EQ(0, record->state_number);
-    EXPECT_EQ(JF_PRESENT, record->flags);
-    EXPECT_EQ(ObjectType::kDatabase, record->type);
+    EXPECT_EQ(BytesOf(MakeRecord(ObjectType::kDatabase, oid, 0, Checksum16(block.bytes(), 38), 2)),
+              BytesOf(*record));
 }
 
 TEST_F(DatabaseScannerTest, ARecordsFingerprintIsTheChecksumOfItsCanonicalForm) {
@@ -158,7 +141,7 @@ TEST_F(DatabaseScannerTest, ADatabaseOfTheRecycleBinIsNeverScanned) {
 
 TEST_F(DatabaseScannerTest, AnEnumerationThatDoesNotStartGivesNothing) {
     MakeDatabase(L"First");
-    device().Fault("CeFindFirstDatabaseEx", 1, 1, 8);
+    Fail("CeFindFirstDatabaseEx", 1, 8);
     EXPECT_TRUE(Walk().empty());
 }
 
@@ -167,7 +150,7 @@ TEST_F(DatabaseScannerTest, ADatabaseThatCannotBeOpenedIsLeftOutAndTheNextIsNot)
     AddRecord(L"First", {{kNumber, 1}});
     const CEOID second = MakeDatabase(L"Second");
     const CEOID record = AddRecord(L"Second", {{kNumber, 1}});
-    device().Fault("CeOpenDatabaseEx", 1, 1, 8);
+    Fail("CeOpenDatabaseEx", 1, 8);
     const std::vector<CEOID> all = Walk();
     ASSERT_FALSE(all.empty());
     EXPECT_EQ(second, all.front());
@@ -182,7 +165,7 @@ TEST_F(DatabaseScannerTest, AReadThatFailsEndsItsDatabaseAndNotTheScan) {
     AddRecord(L"First", {{kNumber, 3}});
     const CEOID second = MakeDatabase(L"Second");
     const CEOID other = AddRecord(L"Second", {{kNumber, 1}});
-    device().Fault("CeReadRecordPropsEx", 2, 1, ERROR_NOT_ENOUGH_MEMORY);
+    Fail("CeReadRecordPropsEx", 2, ERROR_NOT_ENOUGH_MEMORY);
     EXPECT_EQ((std::vector<CEOID>{first, one, second, other}), Walk());
 }
 

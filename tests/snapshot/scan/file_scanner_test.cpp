@@ -11,9 +11,7 @@
 namespace tolvenar {
 namespace {
 
-using Text = std::u16string;
-
-std::vector<Text> visited;
+Texts visited;
 
 void NoteEntry(FileScan&, const char16_t* folder_path, const WIN32_FIND_DATAW& entry) {
     visited.push_back(Text(folder_path) + u"\\" + Utf16(entry.cFileName));
@@ -35,7 +33,7 @@ protected:
     }
 
     // Paths of the entries below `folder` in the order of the walk.
-    std::vector<Text> Walk(const char16_t* folder) {
+    Texts Walk(const char16_t* folder) {
         visited.clear();
         FileScan whole = scan();
         ScanFiles(whole, folder, NoteEntry);
@@ -44,15 +42,7 @@ protected:
 
     // The record of the object at `path`; null when there is none.
     const ObjectRecord* RecordOf(const wchar_t* path) {
-        const CEOID oid = OidOfPath(path);
-        ObjectRecord* record = nullptr;
-        ObjectList::Cursor cursor = list_->First();
-        while (ObjectList::Next(cursor, nullptr, &record)) {
-            if (record->dwOID == oid) {
-                return record;
-            }
-        }
-        return nullptr;
+        return StorageTest::RecordOf(*list_, OidOfPath(path));
     }
 
     StorageFileNames names_{{u"Home.sav", u"Home.jrn", u"Home.jrn_1"}};
@@ -62,11 +52,11 @@ protected:
 TEST_F(FileScannerTest, AFolderComesBeforeItsContents) {
     device().MakeFolder(L"\\A\\B");
     device().PutFile(L"\\A\\B\\c.txt", "c");
-    EXPECT_EQ((std::vector<Text>{u"\\A\\B", u"\\A\\B\\c.txt"}), Walk(u"\\A"));
+    EXPECT_EQ((Texts{u"\\A\\B", u"\\A\\B\\c.txt"}), Walk(u"\\A"));
 }
 
 TEST_F(FileScannerTest, TheWalkStartsAtTheRootWhichItselfIsNotVisited) {
-    const std::vector<Text> all = Walk(u"");
+    const Texts all = Walk(u"");
     EXPECT_EQ(1, std::count(all.begin(), all.end(), Text(u"\\A")));
     EXPECT_EQ(0, std::count(all.begin(), all.end(), Text(u"\\")));
 }
@@ -82,14 +72,14 @@ TEST_F(FileScannerTest, EveryEntryBehindASubfolderIsVisitedToo) {
 TEST_F(FileScannerTest, AnEmptyFolderIsVisitedOnceAndTheEntryBehindItToo) {
     device().MakeFolder(L"\\A\\B");
     device().PutFile(L"\\A\\c.txt", "c");
-    EXPECT_EQ((std::vector<Text>{u"\\A\\B", u"\\A\\c.txt"}), Walk(u"\\A"));
+    EXPECT_EQ((Texts{u"\\A\\B", u"\\A\\c.txt"}), Walk(u"\\A"));
 }
 
 TEST_F(FileScannerTest, AShortFolderNameBehindALongOneIsListed) {
     device().PutFile(L"\\A\\A folder with a long name\\x", "x");
     device().PutFile(L"\\A\\S\\y", "y");
-    EXPECT_EQ((std::vector<Text>{u"\\A\\A folder with a long name",
-                                 u"\\A\\A folder with a long name\\x", u"\\A\\S", u"\\A\\S\\y"}),
+    EXPECT_EQ((Texts{u"\\A\\A folder with a long name", u"\\A\\A folder with a long name\\x",
+                     u"\\A\\S", u"\\A\\S\\y"}),
               Walk(u"\\A"));
 }
 
@@ -102,7 +92,7 @@ TEST_F(FileScannerTest, AnEntryWhoseNameBeginsWithADotIsPassedOverWithItsContent
 
 TEST_F(FileScannerTest, AMountedCardIsMetButNotEntered) {
     device().PutFile(L"\\Storage Card\\on the card.txt", "x");
-    const std::vector<Text> all = Walk(u"");
+    const Texts all = Walk(u"");
     EXPECT_EQ(1, std::count(all.begin(), all.end(), Text(u"\\Storage Card")));
     for (const Text& path : all) {
         EXPECT_NE(0u, path.rfind(u"\\Storage Card\\", 0)) << "entered";
@@ -127,14 +117,10 @@ TEST_F(FileScannerTest, AFilesRecordHoldsIdentifierChecksumsAndTheMarkOfAScan) {
     InfoBlock block;
     ASSERT_TRUE(info_.GetOIDInfo(0, record->dwOID, block));
     EXPECT_EQ(28u + 22u, block.size());
-    EXPECT_EQ(Checksum16(block.bytes(), 50), record->info_checksum);
-    EXPECT_EQ(0x6F91, record->content_fingerprint);
-    EXPECT_EQ(0u, record->TolvOID);
-    EXPECT_EQ(0u, record->propOffset);
-    EXPECT_EQ(0u, record->data_offset);
-    EXPECT_EQ(0xFFFF, record->state_number);
-    EXPECT_EQ(JF_PRESENT, record->flags);
-    EXPECT_EQ(ObjectType::kFile, record->type);
+    ObjectRecord expected = MakeRecord(ObjectType::kFile, OidOfPath(L"\\A\\nine.txt"), 0,
+                                       Checksum16(block.bytes(), 50), 0x6F91);
+    expected.state_number = 0xFFFF;
+    EXPECT_EQ(BytesOf(expected), BytesOf(*record));
 }
 
 TEST_F(FileScannerTest, AnEmptyFileHasTheFingerprintFfffAndAFolderZero) {
@@ -158,10 +144,7 @@ TEST_F(FileScannerTest, AFileThatIsOpenElsewhereWithoutSharingGetsNoRecord) {
 
 TEST_F(FileScannerTest, AFileIsOpenedWithoutSharing) {
     device().PutFile(L"\\A\\x.txt", "x");
-    const UniqueHandle reader(::CreateFileW(L"\\A\\x.txt", GENERIC_READ,
-                                            FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                            OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-    ASSERT_TRUE(reader);
+    const UniqueHandle reader = Reader(u"\\A\\x.txt");
     Scan();
     EXPECT_EQ(nullptr, RecordOf(L"\\A\\x.txt"));
 }
@@ -169,10 +152,7 @@ TEST_F(FileScannerTest, AFileIsOpenedWithoutSharing) {
 TEST_F(FileScannerTest, AFileIsOpenedWithItsAttributesAndForRandomAccess) {
     device().PutFile(L"\\A\\x.txt", "x");
     device().SetAttributes(L"\\A\\x.txt", FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_ARCHIVE);
-    device().Command("trace on");
-    Scan();
-    const std::string calls = device().Command("trace show CreateFileForMappingW");
-    device().Command("trace off");
+    const std::string calls = device().Traced("CreateFileForMappingW", [&] { Scan(); });
     // Reading, no sharing, the file must exist; 0x10000022.
     EXPECT_NE(std::string::npos, calls.find("x.txt, 2147483648, 0, 3, 268435490")) << calls;
 }
@@ -241,7 +221,7 @@ TEST_F(FileScannerTest, AFolderThatCannotBeListedIsRecordedWithoutItsContents) {
     device().PutFile(L"\\A\\d.txt", "d");
     device().Fault("FindFirstFileW", 1, 1, 5, "B\\*.*");
     Scan();
-    device().Command("faults clear");
+    device().EndFaults();
     EXPECT_NE(nullptr, RecordOf(L"\\A\\B"));
     EXPECT_EQ(nullptr, RecordOf(L"\\A\\B\\c.txt"));
     EXPECT_NE(nullptr, RecordOf(L"\\A\\d.txt"));
@@ -253,7 +233,7 @@ TEST_F(FileScannerTest, AFileThatCannotBeMappedGetsNoRecordAndStaysUsable) {
         list_->ClearList();
         device().Fault(call, 1, 1000, 8);
         Scan();
-        device().Command("faults clear");
+        device().EndFaults();
         EXPECT_EQ(nullptr, RecordOf(L"\\A\\x.txt")) << call;
         EXPECT_NE(nullptr, RecordOf(L"\\A")) << call;
     }

@@ -1,6 +1,6 @@
 #include "storage/files/handle_bytes.h"
 
-#include "tests/storage/opened/storage_fixture.h"
+#include "tests/support/engine_test.h"
 
 namespace tolvenar {
 namespace {
@@ -9,7 +9,7 @@ class HandleBytesTest : public StorageTest {
 protected:
     void SetUp() override {
         StorageTest::SetUp();
-        Put(kSav, {1, 2, 3});
+        Put(kSav, "\1\2\3");
         file_ = OpenFile(kSav, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, OPEN_EXISTING);
         ASSERT_TRUE(file_);
     }
@@ -18,7 +18,7 @@ protected:
         StorageTest::TearDown();
     }
     // What is at `offset`, "failed" for a read that fails.
-    std::string ReadAt(HandleBytes& bytes, std::uint32_t offset, std::uint32_t count) {
+    static Bytes ReadAt(HandleBytes& bytes, std::uint32_t offset, std::uint32_t count) {
         char buffer[16] = {};
         std::uint32_t read = 99;
         return bytes.ReadAt(offset, buffer, count, read) ? std::string(buffer, read) : "failed";
@@ -43,7 +43,7 @@ TEST_F(HandleBytesTest, WhatGoesOnWhereTheLastCallEndedCostsNoSeek) {
     EXPECT_EQ("\2\3", ReadAt(bytes, 1, 2));
     EXPECT_TRUE(bytes.Append("ab", 2));
     EXPECT_TRUE(bytes.Append("c", 1));
-    ClearFaults();
+    device().DropFaults();
     EXPECT_EQ("\3abc", ReadAt(bytes, 2, 8));
 }
 
@@ -52,7 +52,7 @@ TEST_F(HandleBytesTest, AFailedSeekOrReadFailsAndTheNextSeeksAgain) {
     for (const char* function : {"SetFilePointer", "ReadFile"}) {
         Fail(function, 1, ERROR_READ_FAULT);
         EXPECT_EQ("failed", ReadAt(bytes, 1, 1)) << function;
-        ClearFaults();
+        device().EndFaults();
         EXPECT_EQ("\2", ReadAt(bytes, 1, 1)) << function;
     }
 }
@@ -63,7 +63,7 @@ TEST_F(HandleBytesTest, BytesAreAppendedAtTheWritingEnd) {
     EXPECT_TRUE(bytes.Append("abcd", 4));
     EXPECT_TRUE(bytes.Append("e", 1));
     file_.Reset();
-    EXPECT_EQ((Bytes{1, 2, 'a', 'b', 'c', 'd', 'e'}), Content(kSav));
+    EXPECT_EQ("\1\2abcde", Content(kSav));
 }
 
 TEST_F(HandleBytesTest, AFailedWriteFails) {
@@ -73,7 +73,7 @@ TEST_F(HandleBytesTest, AFailedWriteFails) {
     ASSERT_TRUE(bytes.MoveTo(0));
     EXPECT_TRUE(bytes.Append("x", 1));
     file_.Reset();
-    EXPECT_EQ((Bytes{'x', 2, 3}), Content(kSav));
+    EXPECT_EQ("x\2\3", Content(kSav));
 }
 
 TEST_F(HandleBytesTest, WithoutAPositionNothingIsWritten) {
@@ -81,7 +81,7 @@ TEST_F(HandleBytesTest, WithoutAPositionNothingIsWritten) {
     Fail("SetFilePointer", 1, ERROR_INVALID_HANDLE);
     EXPECT_FALSE(bytes.MoveTo(3));
     file_.Reset();
-    EXPECT_EQ((Bytes{1, 2, 3}), Content(kSav));
+    EXPECT_EQ("\1\2\3", Content(kSav));
 }
 
 TEST_F(HandleBytesTest, TheSizeIsInBytes) {

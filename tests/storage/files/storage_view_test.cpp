@@ -16,7 +16,7 @@ protected:
         SaveStorage();
         ASSERT_TRUE(mapping_.Open(storage_.names.sav));
     }
-    std::string Mapped(std::uint32_t offset, std::uint32_t length) {
+    Bytes Mapped(std::uint32_t offset, std::uint32_t length) {
         std::uint32_t adjust = 0;
         const UniqueView view = MapStorageView(mapping_, offset, length, adjust);
         if (!view) {
@@ -66,7 +66,7 @@ TEST_F(StorageViewTest, BytesBeyondTheFileGiveNoViewAndNoCall) {
     EXPECT_EQ("none", Mapped(0x30000, 0x10));
     EXPECT_EQ("none", Mapped(0xFFFFFFFF, 1));
     EXPECT_EQ("none", Mapped(0x10, 0xFFFFFFF8));  // the sum passes 32 bits
-    EXPECT_EQ(0, Calls("MapViewOfFile"));
+    EXPECT_EQ(0, device().Calls("MapViewOfFile"));
 }
 
 TEST_F(StorageViewTest, AnAbsentStorageFileCannotBeMapped) {
@@ -75,9 +75,8 @@ TEST_F(StorageViewTest, AnAbsentStorageFileCannotBeMapped) {
 
 TEST_F(StorageViewTest, AFileWhoseSizeIsNotToBeHadCannotBeMapped) {
     SaveStorage();
-    device().Fault("GetFileSize", 1, 1, ERROR_GEN_FAILURE);
+    Fail("GetFileSize", 1, ERROR_GEN_FAILURE);
     EXPECT_FALSE(mapping_.Open(storage_.names.sav));
-    EXPECT_EQ("[]", device().Faults());
 }
 
 TEST_F(StorageViewTest, StoredBytesTellWhetherTheyAreAllThere) {
@@ -99,7 +98,7 @@ TEST_F(StorageViewTest, NoDataIsCopiedWithoutAskingForRoom) {
     Open();
     EXPECT_TRUE(Copy(kNoData, 0));
     EXPECT_EQ(0u, written_);
-    EXPECT_EQ(0, Calls("GetStoreInformation"));
+    EXPECT_EQ(0, device().Calls("GetStoreInformation"));
 }
 
 TEST_F(StorageViewTest, ACopyGoesInChunksOfTheSmallerOfMemoryAndStore) {
@@ -107,8 +106,8 @@ TEST_F(StorageViewTest, ACopyGoesInChunksOfTheSmallerOfMemoryAndStore) {
     device().Set("memory.free", std::to_string(0x1FFFF));  // one whole granule
     EXPECT_TRUE(Copy(0, 0x28000));
     EXPECT_EQ(sav_, device().FileBytes(L"\\copy"));
-    EXPECT_EQ(3, Calls("WriteFile"));
-    EXPECT_EQ(3, Calls("FlushFileBuffers"));
+    EXPECT_EQ(3, device().Calls("WriteFile"));
+    EXPECT_EQ(3, device().Calls("FlushFileBuffers"));
 }
 
 TEST_F(StorageViewTest, WithLessThanAGranuleFreeNothingIsCopiedAndTheLastErrorStays) {
@@ -128,7 +127,7 @@ TEST_F(StorageViewTest, WhenMemoryAndStoreTogetherAreTooSmallNothingIsCopied) {
     device().Set("store.free", std::to_string(0x1FFFF));
     EXPECT_FALSE(Copy(0, 0x20001));
     EXPECT_EQ(0u, written_);
-    EXPECT_EQ(0, Calls("WriteFile"));
+    EXPECT_EQ(0, device().Calls("WriteFile"));
 }
 
 TEST_F(StorageViewTest, WhenTheyAreJustLargeEnoughTogetherTheCopyBegins) {
@@ -146,7 +145,7 @@ TEST_F(StorageViewTest, TheStorageFileIsOpenedForReadingHereAndThereAndShared) {
     // GENERIC_READ, shared for reading and writing, OPEN_EXISTING, random access.
     EXPECT_NE(std::string::npos, device()
                                      .Command("trace show CreateFileForMappingW")
-                                     .find("t.sav, 2147483648, 3, 3, 268435584\""));
+                                     .find("Home.sav, 2147483648, 3, 3, 268435584\""));
 }
 
 TEST_F(StorageViewTest, DataBeyondTheFileFailTheCopy) {
@@ -158,18 +157,16 @@ TEST_F(StorageViewTest, DataBeyondTheFileFailTheCopy) {
 
 TEST_F(StorageViewTest, AFailedMapFailsTheCopy) {
     Open();
-    device().Fault("MapViewOfFile", 1, 1, ERROR_NOT_ENOUGH_MEMORY);
+    Fail("MapViewOfFile", 1, ERROR_NOT_ENOUGH_MEMORY);
     EXPECT_FALSE(Copy(0, 16));
-    EXPECT_EQ("[]", device().Faults());
 }
 
 TEST_F(StorageViewTest, AFailedWriteFailsTheCopyAfterWhatWasWritten) {
     Open();
     device().Set("memory.free", std::to_string(0x10000));
-    device().Fault("WriteFile", 2, 1, ERROR_DISK_FULL);
+    Fail("WriteFile", 2, ERROR_DISK_FULL);
     EXPECT_FALSE(Copy(0, 0x28000));
     EXPECT_EQ(0x10000u, written_);
-    EXPECT_EQ("[]", device().Faults());
 }
 
 TEST_F(StorageViewTest, AStoreThatIsFullAfterAChunkFailsTheCopy) {
@@ -186,7 +183,7 @@ TEST_F(StorageViewTest, TheStoreRestsForEveryWholeMebibyte) {
     device().Command("trace on");
     EXPECT_TRUE(Copy(0, 0x2FFFFF));
     EXPECT_TRUE(Copy(0, 0xFFFFF));  // less than one: no rest
-    EXPECT_EQ(1, Calls("Sleep"));
+    EXPECT_EQ(1, device().Calls("Sleep"));
     EXPECT_NE(std::string::npos, device().Command("trace show").find("1000"));
 }
 

@@ -2,29 +2,28 @@
 #include "storage/format/info_block.h"
 
 #include <gtest/gtest.h>
-#include <string>
-#include <vector>
+
+#include "tests/support/bytes.h"
 
 namespace tolvenar {
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
 using Text = std::u16string;
 
 // The value "v" of the key "K" under HKEY_CURRENT_USER, a REG_DWORD.
-const Bytes kValue = {1, 0, 0, 0x80, 4, 0, 0, 0, 0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77, 0x88, 4,
-                      0, 0, 0, 1,    0, 6, 0, 0, 0,    'K',  0,    0xFF, 0,    'v',  0,    0,    0};
+const Bytes kValue =
+    Raw({1, 0, 0, 0x80, 4, 0, 0, 0, 0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77, 0x88, 4,
+         0, 0, 0, 1,    0, 6, 0, 0, 0,    'K',  0,    0xFF, 0,    'v',  0,    0,    0});
 
 Bytes WithName(std::uint16_t name_bytes, std::size_t size) {
     Bytes bytes(size, 'n');
-    bytes[22] = static_cast<std::uint8_t>(name_bytes & 0xFF);
-    bytes[23] = static_cast<std::uint8_t>(name_bytes >> 8);
+    Patch(bytes, 22, name_bytes);
     return bytes;
 }
 
 bool Parse(const Bytes& bytes, InfoBlock& block) {
     std::memset(block.bytes(), 0xCC, kInfoBlockBytes);
-    return ParseInfoBlock(bytes.data(), bytes.size(), block);
+    return ParseInfoBlock(Exactly(bytes).data(), bytes.size(), block);
 }
 
 TEST(InfoBlockTest, EveryFieldComesFromItsPlace) {
@@ -57,8 +56,7 @@ TEST(InfoBlockTest, TheNameEndsAtItsLengthWhateverFollows) {
 TEST(InfoBlockTest, ABlockThatIsNotWholeIsRefusedAndEmpty) {
     InfoBlock block;
     for (std::size_t size = 0; size < kValue.size(); ++size) {
-        EXPECT_FALSE(Parse(Bytes(kValue.begin(), kValue.begin() + static_cast<long>(size)), block))
-            << size;
+        EXPECT_FALSE(Parse(kValue.substr(0, size), block)) << size;
         EXPECT_EQ(0u, block.head().hive) << size;
         EXPECT_EQ(28u, block.size()) << size;
     }

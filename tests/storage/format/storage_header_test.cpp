@@ -1,39 +1,31 @@
 #include "storage/format/storage_header.h"
 
-#include <cstring>
 #include <gtest/gtest.h>
-#include <string>
-#include <vector>
+
+#include "tests/support/bytes.h"
 
 namespace tolvenar {
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
 using Text = std::u16string;
 
 // Device "Box" (processor 4000, system 2.11), family 1, revision 4, created at 0x01DD7583957AC700.
 Bytes HeadOfBox() {
-    Bytes head(236, 0);
-    const std::uint8_t name[] = {'B', 0, 'o', 0, 'x', 0};
-    const std::uint8_t fields[] = {0xA0, 0x0F, 0,    0,    2,    0,    0, 0, 11, 0,    0,
-                                   0,    1,    0,    0,    0,    4,    0, 0, 0,  0x00, 0xC7,
-                                   0x7A, 0x95, 0x83, 0x75, 0xDD, 0x01, 0, 0, 0,  0};
-    std::memcpy(head.data(), name, sizeof name);
-    std::memcpy(head.data() + 200, fields, sizeof fields);
-    return head;
+    Bytes head = Raw({'B', 0, 'o', 0, 'x', 0});
+    head.resize(200);
+    return head + Raw({0xA0, 0x0F, 0, 0, 2, 0, 0, 0, 11, 0, 0, 0, 1, 0, 0, 0, 4, 0}) +
+           Raw({0, 0, 0x00, 0xC7, 0x7A, 0x95, 0x83, 0x75, 0xDD, 0x01, 0, 0, 0, 0, 0, 0, 0, 0});
 }
 
 Bytes WithDescription(std::uint32_t claimed_bytes, const Text& text) {
     Bytes bytes = HeadOfBox();
-    std::memcpy(bytes.data() + 228, &claimed_bytes, 4);
-    bytes.resize(232 + text.size() * 2);
-    std::memcpy(bytes.data() + 232, text.data(), text.size() * 2);
-    return bytes;
+    Patch(bytes, 228, claimed_bytes);
+    return bytes.substr(0, 232) + Units(text);
 }
 
 bool Parse(const Bytes& bytes, StorageHeader& header) {
     std::memset(&header, 0xCC, sizeof header);
-    return ParseStorageHeader(bytes.data(), bytes.size(), header);
+    return ParseStorageHeader(Exactly(bytes).data(), bytes.size(), header);
 }
 
 TEST(StorageHeaderTest, EveryFieldComesFromItsPlace) {
@@ -55,19 +47,16 @@ TEST(StorageHeaderTest, AHeadThatIsNotWholeIsRefused) {
     const Bytes whole = HeadOfBox();
     StorageHeader header;
     for (std::size_t size = 0; size < whole.size(); ++size) {
-        EXPECT_FALSE(Parse(Bytes(whole.begin(), whole.begin() + static_cast<long>(size)), header))
-            << size;
+        EXPECT_FALSE(Parse(whole.substr(0, size), header)) << size;
         EXPECT_EQ(0u, header.processorType) << size;
     }
 }
 
 TEST(StorageHeaderTest, TheDescriptionIsTerminatedInMemory) {
     StorageHeader header;
-    Bytes bytes = WithDescription(20, u"ten units!");
+    const Bytes bytes = WithDescription(20, u"ten units!");
     ASSERT_EQ(252u, bytes.size());
-    const std::uint8_t block[] = {0x78, 0x78, 0x78, 0x78};
-    bytes.insert(bytes.end(), block, block + 4);  // read along with it
-    ASSERT_TRUE(Parse(bytes, header));
+    ASSERT_TRUE(Parse(bytes + "xxxx", header));  // read along with it
     EXPECT_EQ(20u, header.descriptionBytes);
     EXPECT_EQ(Text(u"ten units!"), header.description);
 }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/bytes.h"
 #include "tests/support/memory_bytes.h"
 
 namespace tolvenar {
@@ -13,11 +14,8 @@ using Text = std::u16string;
 class StorageReaderTest : public testing::Test {
 protected:
     // "h" in every byte before the name's length, which stands at 22; the name follows at 26.
-    static std::string Block(std::uint16_t name_bytes, const std::string& name) {
-        std::string block(22, 'h');
-        block += static_cast<char>(name_bytes & 0xFF);
-        block += static_cast<char>(name_bytes >> 8);
-        return block + std::string(2, 0) + name;
+    static Bytes Block(std::uint16_t name_bytes, const Bytes& name) {
+        return Bytes(22, 'h') + Half(name_bytes) + Half(0) + name;
     }
     void Put(const std::string& behind_the_head) {
         file_ = std::make_unique<MemoryBytes>(std::string(236, 0) + behind_the_head);
@@ -31,7 +29,7 @@ protected:
 };
 
 TEST_F(StorageReaderTest, AStoredBlockIsReadWithItsName) {
-    Put(Block(4, std::string("a\0b\0\0\0", 6)));
+    Put(Block(4, Terminated(u"ab")));
     ASSERT_TRUE(Read(236));
     EXPECT_EQ(Text(u"ab"), block_.name());
     EXPECT_EQ(32u, block_.size());
@@ -39,7 +37,7 @@ TEST_F(StorageReaderTest, AStoredBlockIsReadWithItsName) {
 }
 
 TEST_F(StorageReaderTest, ABlockThatCannotBeReadFails) {
-    Put(Block(0, std::string(2, 0)));
+    Put(Block(0, Half(0)));
     file_->bad_begin = 240;
     file_->bad_end = 241;
     EXPECT_FALSE(Read(236));
@@ -48,14 +46,14 @@ TEST_F(StorageReaderTest, ABlockThatCannotBeReadFails) {
 }
 
 TEST_F(StorageReaderTest, AStoredBlockWithoutANameHasAnEmptyOne) {
-    Put(Block(0, std::string(2, 0)));
+    Put(Block(0, Half(0)));
     ASSERT_TRUE(Read(236));
     EXPECT_EQ(Text(), block_.name());
     EXPECT_EQ(28u, block_.size());
 }
 
 TEST_F(StorageReaderTest, TheNameEndsAtItsLengthWhateverFollows) {
-    Put(Block(4, std::string("a\0b\0c\0d\0", 8)));
+    Put(Block(4, Units(u"abcd")));
     ASSERT_TRUE(Read(236));
     EXPECT_EQ(Text(u"ab"), block_.name());
 }
@@ -81,7 +79,7 @@ TEST_F(StorageReaderTest, ANameThatDoesNotFitABlockFails) {
 TEST_F(StorageReaderTest, OneBlockAfterTheOtherCostsFewReads) {
     std::string blocks;
     for (int i = 0; i < 1000; ++i) {
-        blocks += Block(4, std::string("a\0b\0\0\0", 6));
+        blocks += Block(4, Terminated(u"ab"));
     }
     Put(blocks);
     for (std::uint32_t i = 0; i < 1000; ++i) {

@@ -2,7 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include "tests/storage/opened/storage_fixture.h"
+#include "app/settings/settings.h"
+#include "tests/support/engine_test.h"
 
 namespace tolvenar {
 namespace {
@@ -16,11 +17,6 @@ protected:
         device().Command("set clock 2026-11-16T04:33:10Z");
     }
     static int Note(const char16_t* message) { return LogMessage(message, u"Mod", kLogNote); }
-    static void DeleteSetting(const wchar_t* name) {
-        UniqueHkey hkey;
-        ::RegOpenKeyExW(HKEY_CURRENT_USER, Wide(kSettingsKey), 0, 0, hkey.Put());
-        ASSERT_EQ(ERROR_SUCCESS, ::RegDeleteValueW(hkey.get(), name));
-    }
 };
 
 TEST_F(LogTest, ALineIsLevelDateModuleAndMessageInUtf16) {
@@ -28,9 +24,7 @@ TEST_F(LogTest, ALineIsLevelDateModuleAndMessageInUtf16) {
     EXPECT_EQ(Text(u"E - 16.11.2026, 4:33:10 GMT - Module: OpenJournal; Message: Could't read "
                    u"journal\r\n"),
               Log());
-    const Bytes bytes = Content(kLog);
-    ASSERT_LT(4u, bytes.size());
-    EXPECT_EQ((Bytes{'E', 0, ' ', 0}), Bytes(bytes.begin(), bytes.begin() + 4));
+    EXPECT_EQ(Units(u"E "), Content(kLog).substr(0, 4));
 }
 
 TEST_F(LogTest, OnlyBit0x10MakesAnError) {
@@ -40,8 +34,7 @@ TEST_F(LogTest, OnlyBit0x10MakesAnError) {
     } const rows[] = {{0x10000, u"I - "}, {0x10010, u"E - "}, {0x10040, u"I - "}, {0x10, u"E - "},
                       {0, u"I - "},       {0x10020, u"I - "}, {0x10030, u"E - "}};
     for (const auto& row : rows) {
-        device().Remove(L"\\Backups");
-        device().MakeFolder(L"\\Backups");
+        Put(kLog, "");
         EXPECT_EQ(1, LogMessage(u"x", u"y", row.flags));
         EXPECT_EQ(row.tag, Log().substr(0, 4)) << row.flags;
     }
@@ -55,7 +48,7 @@ TEST_F(LogTest, TheTimeIsUtc) {
 }
 
 TEST_F(LogTest, LinesAreAppendedInOrder) {
-    Put(kLog, {'o', 0, 'l', 0, 'd', 0});
+    Put(kLog, Units(u"old"));
     EXPECT_EQ(1, Note(u"first"));
     EXPECT_EQ(1, Note(u"second"));
     EXPECT_EQ(Text(u"old"
@@ -65,7 +58,7 @@ TEST_F(LogTest, LinesAreAppendedInOrder) {
 }
 
 TEST_F(LogTest, WithoutAStorageNothingIsLogged) {
-    DeleteSetting(L"StorageFile");
+    device().Command("reg-delete HKCU\\Software\\Kestrin2\\Tolvenar StorageFile");
     EXPECT_EQ(1, Note(u"x"));
     EXPECT_FALSE(Exists(kLog));
     EXPECT_FALSE(Exists(u"\\tolvenar_log.txt"));
@@ -78,10 +71,7 @@ TEST_F(LogTest, AStorageInTheRootHasItsLogThere) {
 }
 
 TEST_F(LogTest, AStoragePathWithoutABackslashHasItsLogInTheRoot) {
-    UniqueHkey hkey;
-    ::RegOpenKeyExW(HKEY_CURRENT_USER, Wide(kSettingsKey), 0, 0, hkey.Put());
-    ::RegSetValueExW(hkey.get(), L"StoragePath", 0, REG_SZ, reinterpret_cast<const BYTE*>(L"Card"),
-                     5 * sizeof(wchar_t));
+    SetValue(HKEY_CURRENT_USER, Wide(kSettingsKey), L"StoragePath", REG_SZ, Terminated(u"Card"));
     Note(u"x");
     EXPECT_TRUE(Exists(u"\\tolvenar_log.txt"));
 }
@@ -121,10 +111,7 @@ TEST_F(LogTest, AHeldLogLosesTheLine) {
 
 TEST_F(LogTest, ALogThatIsBeingReadTakesTheLine) {
     Note(u"first");
-    const UniqueHandle reader(::CreateFileW(Wide(kLog), GENERIC_READ,
-                                            FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                            OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-    ASSERT_TRUE(reader);
+    const UniqueHandle reader = Reader(kLog);
     Note(u"second");
     EXPECT_EQ(1u, Occurrences(Log(), u"Message: second\r\n"));
 }
@@ -147,7 +134,7 @@ TEST_F(LogTest, ALineOf259UnitsIsWhole) {
 TEST_F(LogTest, ALongerLineLosesTheEndOfItsMessage) {
     const Text start = u"I - 16.11.2026, 4:33:10 GMT - Module: Mod; Message: ";
     for (const std::size_t extra : {1u, 2u, 1000u}) {
-        Put(kLog, {});
+        Put(kLog, "");
         Note(Text(257 - start.size() + extra, u'm').c_str());
         EXPECT_EQ(start + Text(257 - start.size(), u'm') + u"\r\n", Log()) << extra;
         Note(u"next");
@@ -171,7 +158,7 @@ TEST_F(LogTest, APatternOf64UnitsIsTooLong) {
     device().Set("locale.shortdate", "'" + text + "'");
     Note(u"x");
     EXPECT_EQ(0u, Log().find(u"I - " + Text(61, u'a') + u", 4:33:10 GMT"));
-    Put(kLog, {});
+    Put(kLog, "");
     device().Set("locale.shortdate", "'" + text + "a'");
     device().Set("locale.time", "'" + text + "a'");
     Note(u"x");

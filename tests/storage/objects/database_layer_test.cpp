@@ -9,13 +9,21 @@
 namespace tolvenar {
 namespace {
 
-constexpr CEPROPID kNumber = 0x00010003;
-
 class DatabaseLayerTest : public EngineTest {
 protected:
+    void TearDown() override {
+        databases_.CloseDatabaseCache();
+        EngineTest::TearDown();
+    }
+
     HANDLE OpenCached(const char16_t* name) {
         CEOID oid = 0;
         return databases_.OpenDatabaseCached(oid, name, 0, 0, nullptr);
+    }
+
+    static UniqueHandle OpenFirst(DatabaseLayer& databases) {
+        CEOID oid = 0;
+        return UniqueHandle(databases.OpenDatabase(oid, u"First", 0, 0, nullptr));
     }
 
     CEDBASEINFO InfoOf(CEOID oid) {
@@ -111,8 +119,7 @@ TEST_F(DatabaseLayerTest, ARecordIsFoundByItsIdentifierAndReadFromThePrivateHeap
     MakeDatabase(L"First");
     AddRecord(L"First", {{kNumber, 1}});
     const CEOID two = AddRecord(L"First", {{kNumber, 2}});
-    CEOID oid = 0;
-    const UniqueHandle database(databases_.OpenDatabase(oid, u"First", 0, 0, nullptr));
+    const UniqueHandle database = OpenFirst(databases_);
     DWORD index = 99;
     EXPECT_EQ(two, databases_.SeekRecord(database.get(), CEDB_SEEK_CEOID, two, &index));
     EXPECT_EQ(1u, index);
@@ -127,12 +134,11 @@ TEST_F(DatabaseLayerTest, ARecordIsFoundByItsIdentifierAndReadFromThePrivateHeap
 TEST_F(DatabaseLayerTest, AReadThatFailsLeavesNoProperties) {
     MakeDatabase(L"First");
     AddRecord(L"First", {{kNumber, 1}});
-    CEOID oid = 0;
-    const UniqueHandle database(databases_.OpenDatabase(oid, u"First", 0, 0, nullptr));
+    const UniqueHandle database = OpenFirst(databases_);
     RecordBuffer buffer;
     EXPECT_NE(0u, databases_.ReadRecordProps(database.get(), buffer));
     EXPECT_EQ(1, buffer.count());
-    device().Fault("CeReadRecordPropsEx", 1, 1, ERROR_NOT_ENOUGH_MEMORY);
+    Fail("CeReadRecordPropsEx", 1, ERROR_NOT_ENOUGH_MEMORY);
     EXPECT_EQ(0u, databases_.ReadRecordProps(database.get(), buffer));
     EXPECT_EQ(0, buffer.count());
 }
@@ -142,12 +148,10 @@ TEST_F(DatabaseLayerTest, ADeviceWithTheNewerSeekIsServedByItWithOneValue) {
     MakeDatabase(L"First");
     const CEOID record = AddRecord(L"First", {{kNumber, 1}});
     DatabaseLayer newer;
-    CEOID oid = 0;
-    const UniqueHandle database(newer.OpenDatabase(oid, u"First", 0, 0, nullptr));
-    device().Command("trace on");
-    EXPECT_EQ(record, newer.SeekRecord(database.get(), CEDB_SEEK_CEOID, record));
-    const std::string calls = device().Command("trace show CeSeekDatabaseEx");
-    device().Command("trace off");
+    const UniqueHandle database = OpenFirst(newer);
+    const std::string calls = device().Traced("CeSeekDatabaseEx", [&] {
+        EXPECT_EQ(record, newer.SeekRecord(database.get(), CEDB_SEEK_CEOID, record));
+    });
     EXPECT_NE(std::string::npos, calls.find(", 1, " + std::to_string(record) + ", 1\"")) << calls;
 }
 
@@ -156,11 +160,11 @@ TEST_F(DatabaseLayerTest, ADeviceWithTheOlderSeekOnlyIsServedByIt) {
     MakeDatabase(L"First");
     const CEOID record = AddRecord(L"First", {{kNumber, 1}});
     DatabaseLayer older;
-    CEOID oid = 0;
-    const UniqueHandle database(older.OpenDatabase(oid, u"First", 0, 0, nullptr));
-    device().Fault("CeSeekDatabaseEx", 1, 1, ERROR_CALL_NOT_IMPLEMENTED);
+    const UniqueHandle database = OpenFirst(older);
+    Fail("CeSeekDatabaseEx", 1, ERROR_CALL_NOT_IMPLEMENTED);
     EXPECT_EQ(record, older.SeekRecord(database.get(), CEDB_SEEK_CEOID, record));
     EXPECT_NE("[]", device().Faults()) << "the newer seek was called";
+    device().DropFaults();
 }
 
 TEST_F(DatabaseLayerTest, ADatabaseThatIsOpenInTheCacheGivesTheSameHandle) {
@@ -170,7 +174,6 @@ TEST_F(DatabaseLayerTest, ADatabaseThatIsOpenInTheCacheGivesTheSameHandle) {
     EXPECT_EQ(first, OpenCached(u"First"));
     CEOID by_oid = oid;
     EXPECT_EQ(first, databases_.OpenDatabaseCached(by_oid, nullptr, 0, 0, nullptr));
-    databases_.CloseDatabaseCache();
 }
 
 TEST_F(DatabaseLayerTest, AFoundEntryGivesItsIdentifier) {
@@ -180,7 +183,6 @@ TEST_F(DatabaseLayerTest, AFoundEntryGivesItsIdentifier) {
         databases_.OpenDatabaseCached(found, u"First", 0, 0, nullptr);
         EXPECT_EQ(oid, found);
     }
-    databases_.CloseDatabaseCache();
 }
 
 TEST_F(DatabaseLayerTest, CachedNamesAreComparedWithCase) {
@@ -188,7 +190,6 @@ TEST_F(DatabaseLayerTest, CachedNamesAreComparedWithCase) {
     const HANDLE first = OpenCached(u"First");
     const HANDLE other_case = OpenCached(u"FIRST");
     EXPECT_NE(first, other_case);
-    databases_.CloseDatabaseCache();
 }
 
 TEST_F(DatabaseLayerTest, ACachedHandleStaysOpenWhenItIsGivenBack) {
@@ -224,7 +225,7 @@ TEST_F(DatabaseLayerTest, TheFiftyFirstDatabaseIsOpenedBesideTheCache) {
     HANDLE last = INVALID_HANDLE_VALUE;
     for (int i = 0; i < 51; ++i) {
         const std::wstring name = L"db" + std::to_wstring(i);
-        MakeDatabase(name.c_str());
+        MakeDatabase(name);
         last = OpenCached(Utf16(name.c_str()));
         ASSERT_NE(INVALID_HANDLE_VALUE, last) << i;
     }
@@ -234,7 +235,6 @@ TEST_F(DatabaseLayerTest, TheFiftyFirstDatabaseIsOpenedBesideTheCache) {
     databases_.CloseDatabaseCached(databases_.OpenDatabase(oid, u"db50", 0, 0, nullptr));
     EXPECT_TRUE(databases_.DeleteDatabase(oid)) << "it stayed open";
     EXPECT_TRUE(databases_.DropCachedDatabase(u"db49"));
-    databases_.CloseDatabaseCache();
 }
 
 }  // namespace

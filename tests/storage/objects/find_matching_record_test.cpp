@@ -10,7 +10,6 @@ namespace tolvenar {
 namespace {
 
 constexpr CEPROPID kKey = 0x4021001F;
-constexpr CEPROPID kNumber = 0x00010003;
 constexpr const char16_t* kDesktop = u"\\DesktopPositions";
 
 class FindMatchingRecordTest : public EngineTest {

@@ -3,17 +3,10 @@
 #include <cstring>
 #include <gtest/gtest.h>
 
-#include "platform/text.h"
-#include "platform/unique_resource.h"
-#include "simulator/gate/counters.h"
 #include "tests/support/engine_test.h"
 
 namespace tolvenar {
 namespace {
-
-using Text = std::u16string;
-
-constexpr CEPROPID kNumber = 0x00010003;
 
 class ObjectInfoTest : public EngineTest {
 protected:
@@ -24,43 +17,29 @@ protected:
         EXPECT_EQ(Text(block.name()).size() * 2, block.head().name_bytes);
         return block;
     }
+
+    Bytes Described(std::uint32_t TolvOID, CEOID oid) {
+        const InfoBlock block = Describe(TolvOID, oid);
+        return {reinterpret_cast<const char*>(block.bytes()), block.size()};
+    }
 };
 
 TEST_F(ObjectInfoTest, AFileHasAttributesTimeSizeAndFullPath) {
     device().PutFile(L"\\A\\b.txt", "12345");
     device().Touch(L"\\A\\b.txt", 0x01C0FFEE12345680);
     device().SetAttributes(L"\\A\\b.txt", FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_ARCHIVE);
-    const InfoBlock block = Describe(0, OidOfPath(L"\\A\\b.txt"));
-    EXPECT_EQ(0x21u, block.head().attributes);
-    EXPECT_EQ(0u, block.head().value_type);
-    EXPECT_EQ(0x12345680u, block.head().time_low);
-    EXPECT_EQ(0x01C0FFEEu, block.head().time_high);
-    EXPECT_EQ(5u, block.head().data_bytes);
-    EXPECT_EQ(ObjectType::kFile, block.type());
-    EXPECT_EQ(Text(u"\\A\\b.txt"), block.name());
+    EXPECT_EQ(Block(0x21, 0, 0x01C0FFEE12345680, 5, ObjectType::kFile, u"\\A\\b.txt"),
+              Described(0, OidOfPath(L"\\A\\b.txt")));
 }
 
 TEST_F(ObjectInfoTest, AFolderHasTheFolderBitNoTimeAndNoData) {
     device().MakeFolder(L"\\A");
-    const InfoBlock block = Describe(0, OidOfPath(L"\\A"));
-    EXPECT_EQ(0x10u, block.head().attributes & 0x10u);
-    EXPECT_EQ(0u, block.head().value_type);
-    EXPECT_EQ(0u, block.head().time_low);
-    EXPECT_EQ(0u, block.head().time_high);
-    EXPECT_EQ(0u, block.head().data_bytes);
-    EXPECT_EQ(ObjectType::kFile, block.type());
-    EXPECT_EQ(Text(u"\\A"), block.name());
+    EXPECT_EQ(Block(0x10, 0, 0, 0, ObjectType::kFile, u"\\A"), Described(0, OidOfPath(L"\\A")));
 }
 
 TEST_F(ObjectInfoTest, ADatabaseHasTypeNumberOfSortOrdersAndItsFourSpecifications) {
     const CEOID oid = MakeDatabase(L"First", 77);
-    const InfoBlock block = Describe(0, oid);
-    EXPECT_EQ(77u, block.head().database_type);
-    EXPECT_EQ(0u, block.head().sort_order_count);
-    EXPECT_EQ(0u, block.head().time_low);
-    EXPECT_EQ(32u, block.head().data_bytes);
-    EXPECT_EQ(ObjectType::kDatabase, block.type());
-    EXPECT_EQ(Text(u"First"), block.name());
+    EXPECT_EQ(Block(77, 0, 0, 32, ObjectType::kDatabase, u"First"), Described(0, oid));
 }
 
 TEST_F(ObjectInfoTest, ARecordHasItsPropertiesAndTheNameOfItsDatabase) {
@@ -78,12 +57,8 @@ TEST_F(ObjectInfoTest, ARecordHasItsPropertiesAndTheNameOfItsDatabase) {
 TEST_F(ObjectInfoTest, ARecordWhoseDatabaseCannotBeOpenedHasZeroValues) {
     MakeDatabase(L"First");
     const CEOID oid = AddRecord(L"First", {{kNumber, 1}});
-    device().Fault("CeOpenDatabaseEx", 1, 1, ERROR_NOT_ENOUGH_MEMORY);
-    const InfoBlock block = Describe(0, oid);
-    EXPECT_EQ(0u, block.head().property_count);
-    EXPECT_EQ(0u, block.head().data_bytes);
-    EXPECT_EQ(ObjectType::kDatabaseRecord, block.type());
-    EXPECT_EQ(Text(u"First"), block.name());
+    Fail("CeOpenDatabaseEx", 1, ERROR_NOT_ENOUGH_MEMORY);
+    EXPECT_EQ(Block(0, 0, 0, 0, ObjectType::kDatabaseRecord, u"First"), Described(0, oid));
 }
 
 TEST_F(ObjectInfoTest, ADatabaseTellsHowManySortOrdersItHas) {
@@ -101,10 +76,8 @@ TEST_F(ObjectInfoTest, ARecordThatCannotBeFoundInItsDatabaseHasZeroValues) {
     MakeDatabase(L"First");
     AddRecord(L"First", {{kNumber, 1}});
     const CEOID oid = AddRecord(L"First", {{kNumber, 2}});
-    device().Fault("CeSeekDatabase", 1, 1, ERROR_INVALID_PARAMETER);
-    const InfoBlock block = Describe(0, oid);
-    EXPECT_EQ(0u, block.head().property_count);
-    EXPECT_EQ(0u, block.head().data_bytes);
+    Fail("CeSeekDatabase", 1, ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(Block(0, 0, 0, 0, ObjectType::kDatabaseRecord, u"First"), Described(0, oid));
 }
 
 TEST_F(ObjectInfoTest, ARecordWhoseDatabaseCannotBeDescribedFails) {
@@ -132,26 +105,14 @@ TEST_F(ObjectInfoTest, ABlockThatIsUsedAgainKeepsNothing) {
 TEST_F(ObjectInfoTest, ARegistryKeyHasItsRootAndPath) {
     ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(
         0x1234, {true, 0x80000002, u"A\\B", nullptr, 0, nullptr, 3}));
-    const InfoBlock block = Describe(0x1234, 0);
-    EXPECT_EQ(0x80000002u, block.head().hive);
-    EXPECT_EQ(0u, block.head().value_type);
-    EXPECT_EQ(0u, block.head().time_low);
-    EXPECT_EQ(0u, block.head().data_bytes);
-    EXPECT_EQ(ObjectType::kRegistryKey, block.type());
-    EXPECT_EQ(Text(u"A\\B"), block.name());
+    EXPECT_EQ(Block(0x80000002, 0, 0, 0, ObjectType::kRegistryKey, u"A\\B"), Described(0x1234, 0));
 }
 
 TEST_F(ObjectInfoTest, ARegistryValueHasItsTypeSizeAndBothNames) {
     ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(
         0x1234, {false, 0x80000001, u"A\\B", u"v", REG_DWORD, nullptr, 4}));
-    const InfoBlock block = Describe(0x1234, 0);
-    EXPECT_EQ(0x80000001u, block.head().hive);
-    EXPECT_EQ(4u, block.head().value_type);
-    EXPECT_EQ(0u, block.head().time_low);
-    EXPECT_EQ(0u, block.head().time_high);
-    EXPECT_EQ(4u, block.head().data_bytes);
-    EXPECT_EQ(ObjectType::kRegistryValue, block.type());
-    EXPECT_EQ(Text(u"A\\B\u00FFv"), block.name());
+    EXPECT_EQ(Block(0x80000001, 4, 0, 4, ObjectType::kRegistryValue, u"A\\B\u00FFv"),
+              Described(0x1234, 0));
 }
 
 TEST_F(ObjectInfoTest, ARegistryNameThatABlockCannotHoldFails) {
@@ -205,28 +166,21 @@ TEST_F(ObjectInfoTest, AnObjectThatIsUnavailableForAMomentIsAskedTenTimes) {
     InfoBlock block;
     device().Fault("CeOidGetInfoEx", 1, 9, ERROR_INVALID_HANDLE);
     EXPECT_TRUE(info_.GetOIDInfo(0, oid, block));
-    device().Command("faults clear");
-    const long before = sim::TotalCalls(device().sim())["CeOidGetInfoEx"];
+    device().EndFaults();
+    const long before = device().Calls("CeOidGetInfoEx");
     device().Fault("CeOidGetInfoEx", 1, 10, ERROR_INVALID_HANDLE);
     EXPECT_FALSE(info_.GetOIDInfo(0, oid, block));
-    EXPECT_EQ(before + 10, sim::TotalCalls(device().sim())["CeOidGetInfoEx"]);
+    EXPECT_EQ(before + 10, device().Calls("CeOidGetInfoEx"));
 }
 
 TEST_F(ObjectInfoTest, TenMillisecondsPassBehindEveryFailure) {
     device().PutFile(L"\\a.txt", "a");
     const CEOID oid = OidOfPath(L"\\a.txt");
     InfoBlock block;
-    device().Command("trace on");
     device().Fault("CeOidGetInfoEx", 1, 3, ERROR_INVALID_HANDLE);
-    EXPECT_TRUE(info_.GetOIDInfo(0, oid, block));
-    const std::string sleeps = device().Command("trace show Sleep");
-    device().Command("trace off");
-    std::size_t count = 0;
-    const std::string sleep = "\"arguments\":\"10\"";
-    for (std::size_t at = 0; (at = sleeps.find(sleep, at)) != std::string::npos; ++at) {
-        ++count;
-    }
-    EXPECT_EQ(3u, count) << sleeps;
+    const std::string sleeps =
+        device().Traced("Sleep", [&] { EXPECT_TRUE(info_.GetOIDInfo(0, oid, block)); });
+    EXPECT_EQ(3u, Occurrences(sleeps, "\"arguments\":\"10\"")) << sleeps;
 }
 
 }  // namespace

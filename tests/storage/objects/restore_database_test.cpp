@@ -14,16 +14,16 @@ protected:
         EXPECT_TRUE(databases_.GetObjectInfo(oid, info));
         return info.infDatabase;
     }
-    ObjectRecord StoredPerson(const char16_t* database, std::uint32_t dwOID,
-                              const std::u16string& name, std::uint32_t number) {
-        return StoreRecord(database, dwOID, {{kName, 0, name, ""}, {kNumber, number, u"", ""}});
+    ObjectRecord StoredPerson(const char16_t* database, std::uint32_t dwOID, const Text& name,
+                              std::uint32_t number) {
+        return StoreRecord(database, dwOID, {{kName, 0, Wide(name.c_str())}, {kNumber, number}});
     }
 };
 
 TEST_F(RestoreDatabaseTest, AnAbsentDatabaseIsMadeWithTypeAndSortOrders) {
     const ObjectRecord stored =
         StoreDatabase(u"People", 77, {{kName, CEDB_SORT_CASEINSENSITIVE}, {kNumber, 0}});
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(ToWriteBack(stored)));
+    EXPECT_EQ(kDone, WriteBack(stored));
     const CEDBASEINFO info = InfoOf(u"People");
     EXPECT_EQ(77u, info.dwDbaseType);
     ASSERT_EQ(2, info.wNumSortOrder);
@@ -38,101 +38,93 @@ TEST_F(RestoreDatabaseTest, AnAbsentDatabaseIsMadeWithTypeAndSortOrders) {
 TEST_F(RestoreDatabaseTest, FourSortOrdersComeBackAll) {
     const ObjectRecord stored =
         StoreDatabase(u"People", 1, {{kName, 0}, {kNumber, 0}, {0x00050003, 0}, {0x00060003, 0}});
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(ToWriteBack(stored)));
+    EXPECT_EQ(kDone, WriteBack(stored));
     EXPECT_EQ(4, InfoOf(u"People").wNumSortOrder);
 }
 
 TEST_F(RestoreDatabaseTest, AnExistingDatabaseKeepsItsRecordsAndGetsTheSortOrders) {
-    const CEOID oid = MakeDatabase(u"People");
-    AddRecord(u"People", L"Ann", 1);
-    EXPECT_EQ(RestoreOutcome::kDone,
-              Restore(ToWriteBack(StoreDatabase(u"People", 1, {{kName, 0}}))));
+    const CEOID oid = MakeDatabase(L"People");
+    AddRecord(L"People", L"Ann", 1);
+    EXPECT_EQ(kDone, WriteBack(StoreDatabase(u"People", 1, {{kName, 0}})));
     EXPECT_EQ(oid, newOid());
-    EXPECT_EQ((std::vector<std::string>{"Ann=1"}), Records(u"People"));
+    EXPECT_EQ((Lines{"Ann=1"}), Records(u"People"));
     EXPECT_EQ(1, InfoOf(u"People").wNumSortOrder);
 }
 
 // Oddity 17: the type of a database that is there is not changed; the restore reports the database
 // because it could not be deleted.
 TEST_F(RestoreDatabaseTest, AnExistingDatabaseKeepsItsType) {
-    MakeDatabase(u"People", 5);
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(ToWriteBack(StoreDatabase(u"People", 6))));
+    MakeDatabase(L"People", 5);
+    EXPECT_EQ(kDone, WriteBack(StoreDatabase(u"People", 6)));
     EXPECT_EQ(5u, InfoOf(u"People").dwDbaseType);
 }
 
 TEST_F(RestoreDatabaseTest, ADatabaseThatCannotBeMadeFails) {
     const ObjectRecord stored = StoreDatabase(u"People", 1);
-    Run();
-    device().Fault("CeCreateDatabaseEx", 1, 1, ERROR_DISK_FULL);
-    EXPECT_EQ(RestoreOutcome::kFailed, Restore(ToWriteBack(stored)));
-    EXPECT_EQ("[]", device().Faults());
+    FailInRun("CeCreateDatabaseEx", 1, ERROR_DISK_FULL);
+    EXPECT_EQ(kFailed, WriteBack(stored));
 }
 
 TEST_F(RestoreDatabaseTest, ADatabaseWhoseSortOrdersCannotBeSetFails) {
     const ObjectRecord stored = StoreDatabase(u"People", 1, {{kName, 0}});
-    Run();
-    device().Fault("CeSetDatabaseInfoEx", 1, 1, ERROR_DISK_FULL);
-    EXPECT_EQ(RestoreOutcome::kFailed, Restore(ToWriteBack(stored)));
-    EXPECT_EQ("[]", device().Faults());
+    FailInRun("CeSetDatabaseInfoEx", 1, ERROR_DISK_FULL);
+    EXPECT_EQ(kFailed, WriteBack(stored));
 }
 
 TEST_F(RestoreDatabaseTest, AnEmptyDatabaseIsDeletedThoughARecordOfItWasDeletedBefore) {
-    const CEOID oid = MakeDatabase(u"People");
-    const CEOID record = AddRecord(u"People", L"Ann", 1);
+    const CEOID oid = MakeDatabase(L"People");
+    const CEOID record = AddRecord(L"People", L"Ann", 1);
     // Leaves the database open in the handle cache.
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(Live(ObjectType::kDatabaseRecord, record)));
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(Live(ObjectType::kDatabase, oid)));
+    EXPECT_EQ(kDone, Delete(Live(ObjectType::kDatabaseRecord, record)));
+    EXPECT_EQ(kDone, Delete(Live(ObjectType::kDatabase, oid)));
     EXPECT_FALSE(DatabaseExists(u"People"));
 }
 
 TEST_F(RestoreDatabaseTest, ADatabaseWithRecordsWaits) {
-    const CEOID oid = MakeDatabase(u"People");
-    AddRecord(u"People", L"Ann", 1);
-    EXPECT_EQ(RestoreOutcome::kFailed, Restore(Live(ObjectType::kDatabase, oid)));
-    EXPECT_EQ((std::vector<std::string>{"Ann=1"}), Records(u"People"));
+    const CEOID oid = MakeDatabase(L"People");
+    AddRecord(L"People", L"Ann", 1);
+    EXPECT_EQ(kFailed, Delete(Live(ObjectType::kDatabase, oid)));
+    EXPECT_EQ((Lines{"Ann=1"}), Records(u"People"));
 }
 
 TEST_F(RestoreDatabaseTest, AnAbsentDatabaseIsDeleted) {
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(ToDelete(StoreDatabase(u"Gone", 1))));
+    EXPECT_EQ(kDone, Delete(StoreDatabase(u"Gone", 1)));
 }
 
 TEST_F(RestoreDatabaseTest, ADatabaseThatAnotherProgramHasOpenIsNotDeleted) {
-    const CEOID oid = MakeDatabase(u"People");
+    const CEOID oid = MakeDatabase(L"People");
     CEOID held_oid = 0;
     const UniqueHandle held(databases_.OpenDatabase(held_oid, u"People", 0, 0, nullptr));
-    EXPECT_EQ(RestoreOutcome::kFailed, Restore(Live(ObjectType::kDatabase, oid)));
+    EXPECT_EQ(kFailed, Delete(Live(ObjectType::kDatabase, oid)));
 }
 
 TEST_F(RestoreDatabaseTest, ADatabaseThatIsGoneAfterAFailedDeletionCountsAsDeleted) {
-    const CEOID oid = MakeDatabase(u"People");
+    const CEOID oid = MakeDatabase(L"People");
     const ObjectRecord live = Live(ObjectType::kDatabase, oid);
-    Run();
-    device().Fault("CeDeleteDatabaseEx", 1, 1, ERROR_ACCESS_DENIED);
-    device().Fault("CeOpenDatabaseEx", 2, 1, ERROR_FILE_NOT_FOUND);
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(live));
-    EXPECT_EQ("[]", device().Faults());
+    FailInRun("CeDeleteDatabaseEx", 1, ERROR_ACCESS_DENIED);
+    Fail("CeOpenDatabaseEx", 2, ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(kDone, RestoreObject(live));
 }
 
 TEST_F(RestoreDatabaseTest, ADatabaseThatCannotBeDescribedIsNotDeleted) {
-    MakeDatabase(u"People");
+    MakeDatabase(L"People");
     const ObjectRecord stored = StoreDatabase(u"People", 1);
-    Run();
-    device().Fault("CeOidGetInfoEx", 1, 1, ERROR_NOT_ENOUGH_MEMORY);
-    EXPECT_EQ(RestoreOutcome::kFailed, Restore(ToDelete(stored)));
+    FailInRun("CeOidGetInfoEx", 1, ERROR_NOT_ENOUGH_MEMORY);
+    EXPECT_EQ(kFailed, Delete(stored));
     EXPECT_TRUE(DatabaseExists(u"People"));
-    EXPECT_EQ("[]", device().Faults());
 }
 
 TEST_F(RestoreDatabaseTest, ARecordComesBackWithEveryKindOfProperty) {
-    MakeDatabase(u"All");
-    const ObjectRecord stored = StoreRecord(u"All", 500,
-                                            {{kName, 0, u"Ann", ""},
-                                             {kNumber, 0xFFFFFFFB, u"", ""},
-                                             {kBytes, 0, u"", std::string("b\0l", 3)},
-                                             {0x00070012, 60000, u"", ""},  // CEVT_UI2
-                                             {0x0008000B, 1, u"", ""},      // CEVT_BOOL
-                                             {0x0009001F, 0, u"", ""}});    // an empty string
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(ToWriteBack(stored)));
+    MakeDatabase(L"All");
+    const ObjectRecord stored =
+        StoreRecord(u"All", 500,
+                    {{kName, 0, L"Ann"},
+                     {kNumber, 0xFFFFFFFB},
+                     {kBytes, 0, {}, std::string("b\0l", 3)},
+                     {0x00070012, 60000},  // CEVT_UI2
+                     {0x0008000B, 1},      // CEVT_BOOL
+                     {0x0009001F, 0}});    // an empty string    // an empty string
+    EXPECT_EQ(kDone, WriteBack(stored));
     CEOID oid = 0;
     const UniqueHandle database(databases_.OpenDatabase(oid, u"All", 0, 0, nullptr));
     ASSERT_EQ(newOid(), databases_.SeekRecord(database.get(), CEDB_SEEK_CEOID, newOid()));
@@ -161,79 +153,71 @@ TEST_F(RestoreDatabaseTest, ARecordComesBackWithEveryKindOfProperty) {
 }
 
 TEST_F(RestoreDatabaseTest, ARecordWaitsForItsDatabase) {
-    EXPECT_EQ(RestoreOutcome::kFailed, Restore(ToWriteBack(StoredPerson(u"None", 5, u"Ann", 1))));
+    EXPECT_EQ(kFailed, WriteBack(StoredPerson(u"None", 5, u"Ann", 1)));
 }
 
 TEST_F(RestoreDatabaseTest, ARecordThatStillExistsIsOverwritten) {
-    MakeDatabase(u"People");
-    const CEOID record = AddRecord(u"People", L"Ann", 1);
-    EXPECT_EQ(RestoreOutcome::kDone,
-              Restore(ToWriteBack(StoredPerson(u"People", record, u"Bob", 2))));
+    MakeDatabase(L"People");
+    const CEOID record = AddRecord(L"People", L"Ann", 1);
+    EXPECT_EQ(kDone, WriteBack(StoredPerson(u"People", record, u"Bob", 2)));
     EXPECT_EQ(record, newOid());
-    EXPECT_EQ((std::vector<std::string>{"Bob=2"}), Records(u"People"));
+    EXPECT_EQ((Lines{"Bob=2"}), Records(u"People"));
 }
 
 TEST_F(RestoreDatabaseTest, ARecordThatIsGoneIsMadeAnew) {
-    MakeDatabase(u"People");
-    AddRecord(u"People", L"Ann", 1);
-    EXPECT_EQ(RestoreOutcome::kDone,
-              Restore(ToWriteBack(StoredPerson(u"People", 0x7FFFFFF0, u"Bob", 2))));
-    EXPECT_EQ((std::vector<std::string>{"Ann=1", "Bob=2"}), Records(u"People"));
+    MakeDatabase(L"People");
+    AddRecord(L"People", L"Ann", 1);
+    EXPECT_EQ(kDone, WriteBack(StoredPerson(u"People", 0x7FFFFFF0, u"Bob", 2)));
+    EXPECT_EQ((Lines{"Ann=1", "Bob=2"}), Records(u"People"));
 }
 
 TEST_F(RestoreDatabaseTest, ARecordOfThisRestoreIsNeverOverwritten) {
-    MakeDatabase(u"People");
-    EXPECT_EQ(RestoreOutcome::kDone,
-              Restore(ToWriteBack(StoredPerson(u"People", 0x7FFFFFF0, u"Ann", 1))));
+    MakeDatabase(L"People");
+    EXPECT_EQ(kDone, WriteBack(StoredPerson(u"People", 0x7FFFFFF0, u"Ann", 1)));
     // On a reset device the next stored record had the id that Ann has now.
-    EXPECT_EQ(RestoreOutcome::kDone,
-              Restore(ToWriteBack(StoredPerson(u"People", newOid(), u"Bob", 2))));
-    EXPECT_EQ((std::vector<std::string>{"Ann=1", "Bob=2"}), Records(u"People"));
+    EXPECT_EQ(kDone, WriteBack(StoredPerson(u"People", newOid(), u"Bob", 2)));
+    EXPECT_EQ((Lines{"Ann=1", "Bob=2"}), Records(u"People"));
 }
 
 TEST_F(RestoreDatabaseTest, ARecordThatCannotBeWrittenFails) {
-    MakeDatabase(u"People");
+    MakeDatabase(L"People");
     const ObjectRecord stored = StoredPerson(u"People", 0x7FFFFFF0, u"Ann", 1);
-    Run();
-    device().Fault("CeWriteRecordProps", 1, 1, ERROR_DISK_FULL);
-    EXPECT_EQ(RestoreOutcome::kFailed, Restore(ToWriteBack(stored)));
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(ToWriteBack(stored)));
-    EXPECT_EQ("[]", device().Faults());
+    FailInRun("CeWriteRecordProps", 1, ERROR_DISK_FULL);
+    EXPECT_EQ(kFailed, WriteBack(stored));
+    EXPECT_EQ(kDone, WriteBack(stored));
 }
 
 TEST_F(RestoreDatabaseTest, ARecordIsDeleted) {
-    MakeDatabase(u"People");
-    const CEOID ann = AddRecord(u"People", L"Ann", 1);
-    AddRecord(u"People", L"Bob", 2);
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(Live(ObjectType::kDatabaseRecord, ann)));
-    EXPECT_EQ((std::vector<std::string>{"Bob=2"}), Records(u"People"));
+    MakeDatabase(L"People");
+    const CEOID ann = AddRecord(L"People", L"Ann", 1);
+    AddRecord(L"People", L"Bob", 2);
+    EXPECT_EQ(kDone, Delete(Live(ObjectType::kDatabaseRecord, ann)));
+    EXPECT_EQ((Lines{"Bob=2"}), Records(u"People"));
 }
 
 TEST_F(RestoreDatabaseTest, ARecordThatIsGoneOrWhoseDatabaseIsCountsAsDeleted) {
-    MakeDatabase(u"People");
+    MakeDatabase(L"People");
     const ObjectRecord gone = StoredPerson(u"People", 0x7FFFFFF0, u"Ann", 1);
     const ObjectRecord nowhere = StoredPerson(u"None", 5, u"Ann", 1);
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(ToDelete(gone)));
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(ToDelete(nowhere)));
+    EXPECT_EQ(kDone, Delete(gone));
+    EXPECT_EQ(kDone, Delete(nowhere));
 }
 
 TEST_F(RestoreDatabaseTest, ARecordThatCannotBeDeletedFails) {
-    MakeDatabase(u"People");
-    const CEOID ann = AddRecord(u"People", L"Ann", 1);
-    Run();
-    device().Fault("CeDeleteRecord", 1, 1, ERROR_NOT_ENOUGH_MEMORY);
-    EXPECT_EQ(RestoreOutcome::kFailed, Restore(Live(ObjectType::kDatabaseRecord, ann)));
-    EXPECT_EQ("[]", device().Faults());
+    MakeDatabase(L"People");
+    const CEOID ann = AddRecord(L"People", L"Ann", 1);
+    FailInRun("CeDeleteRecord", 1, ERROR_NOT_ENOUGH_MEMORY);
+    EXPECT_EQ(kFailed, Delete(Live(ObjectType::kDatabaseRecord, ann)));
 }
 
 TEST_F(RestoreDatabaseTest, DatabasesAreSkippedWhenAskedSo) {
-    const CEOID oid = MakeDatabase(u"People");
+    const CEOID oid = MakeDatabase(L"People");
     const ObjectRecord database = StoreDatabase(u"Other", 1);
     const ObjectRecord record = StoredPerson(u"People", 0x7FFFFFF0, u"Ann", 1);
     Run().skip_databases = true;
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(ToWriteBack(database)));
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(ToWriteBack(record)));
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(Live(ObjectType::kDatabase, oid)));
+    EXPECT_EQ(kDone, WriteBack(database));
+    EXPECT_EQ(kDone, WriteBack(record));
+    EXPECT_EQ(kDone, Delete(Live(ObjectType::kDatabase, oid)));
     EXPECT_FALSE(DatabaseExists(u"Other"));
     EXPECT_TRUE(DatabaseExists(u"People"));
     EXPECT_TRUE(Records(u"People").empty());

@@ -5,89 +5,82 @@
 namespace tolvenar {
 namespace {
 
-const std::string kText("t\0e\0x\0t\0\0\0", 10);
+const Bytes kText = Terminated(u"text");
 
 class RestoreRegistryTest : public RestoreFixture {};
 
 TEST_F(RestoreRegistryTest, AKeyComesBackWithTheKeysAboveIt) {
-    EXPECT_EQ(RestoreOutcome::kDone,
-              Restore(ToWriteBack(StoreKey(HKEY_LOCAL_MACHINE, u"Comm\\New\\Below"))));
+    EXPECT_EQ(kDone, WriteBack(StoreKey(HKEY_LOCAL_MACHINE, u"Comm\\New\\Below")));
     EXPECT_TRUE(KeyExists(HKEY_LOCAL_MACHINE, L"Comm\\New\\Below"));
 }
 
 // Its block is as large as a block may be, and others stand behind it.
 TEST_F(RestoreRegistryTest, AValueOfTheLongestNameComesBack) {
-    const std::u16string key = std::u16string(100, u'k') + u"\\" + std::u16string(100, u'l');
-    const std::u16string name(260 - 202, u'v');
+    const Text key = Text(100, u'k') + u"\\" + Text(100, u'l');
+    const Text name(260 - 202, u'v');
     const ObjectRecord stored_key = StoreKey(HKEY_CURRENT_USER, key);
     const ObjectRecord stored = StoreValue(HKEY_CURRENT_USER, key, name, REG_SZ, kText);
     StoreKey(HKEY_CURRENT_USER, u"Behind");
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(ToWriteBack(stored_key)));
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(ToWriteBack(stored)));
-    EXPECT_EQ("1:" + kText, Value(HKEY_CURRENT_USER, W(key), W(name)));
+    EXPECT_EQ(kDone, WriteBack(stored_key));
+    EXPECT_EQ(kDone, WriteBack(stored));
+    EXPECT_EQ("1:" + kText, Value(HKEY_CURRENT_USER, Wide(key.c_str()), Wide(name.c_str())));
 }
 
 // Identifiers of different objects may meet from one scan to the next.
 TEST_F(RestoreRegistryTest, AStoredObjectIsNamedByItsBlockWhateverTheTableHolds) {
-    SetValue(HKEY_CURRENT_USER, L"Key", L"other", REG_DWORD, Dword(1));
+    SetValue(HKEY_CURRENT_USER, L"Key", L"other", REG_DWORD, Word(1));
     ObjectRecord stored = StoreValue(HKEY_CURRENT_USER, u"Key", u"v", REG_SZ, kText);
     stored.TolvOID = LiveValue(HKEY_CURRENT_USER, u"Key", u"other").TolvOID;
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(ToWriteBack(stored)));
+    EXPECT_EQ(kDone, WriteBack(stored));
     EXPECT_EQ("1:" + kText, Value(HKEY_CURRENT_USER, L"Key", L"v"));
-    EXPECT_EQ("4:" + Dword(1), Value(HKEY_CURRENT_USER, L"Key", L"other"));
+    EXPECT_EQ("4:" + Word(1), Value(HKEY_CURRENT_USER, L"Key", L"other"));
 }
 
 TEST_F(RestoreRegistryTest, AKeyOfEachHiveComesBackInItsOwn) {
     for (HKEY root : {HKEY_CLASSES_ROOT, HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE, HKEY_USERS}) {
         EXPECT_FALSE(KeyExists(root, L"Mine"));
     }
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(ToWriteBack(StoreKey(HKEY_USERS, u"Mine"))));
+    EXPECT_EQ(kDone, WriteBack(StoreKey(HKEY_USERS, u"Mine")));
     EXPECT_TRUE(KeyExists(HKEY_USERS, L"Mine"));
     EXPECT_FALSE(KeyExists(HKEY_CLASSES_ROOT, L"Mine"));
 }
 
 TEST_F(RestoreRegistryTest, AKeyThatCannotBeMadeFails) {
     const ObjectRecord stored = StoreKey(HKEY_LOCAL_MACHINE, u"New");
-    Run();
-    device().Fault("RegCreateKeyExW", 1, 1, ERROR_DISK_FULL);
-    EXPECT_EQ(RestoreOutcome::kFailed, Restore(ToWriteBack(stored)));
-    EXPECT_EQ("[]", device().Faults());
+    FailInRun("RegCreateKeyExW", 1, ERROR_DISK_FULL);
+    EXPECT_EQ(kFailed, WriteBack(stored));
 }
 
 TEST_F(RestoreRegistryTest, AKeyIsDeletedWithAllBelowIt) {
-    SetValue(HKEY_CURRENT_USER, L"Old\\Below", L"v", REG_DWORD, Dword(1));
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(LiveKey(HKEY_CURRENT_USER, u"Old")));
+    SetValue(HKEY_CURRENT_USER, L"Old\\Below", L"v", REG_DWORD, Word(1));
+    EXPECT_EQ(kDone, Delete(LiveKey(HKEY_CURRENT_USER, u"Old")));
     EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, L"Old"));
 }
 
 TEST_F(RestoreRegistryTest, DeletingAKeyAlwaysSucceeds) {
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(LiveKey(HKEY_CURRENT_USER, u"Absent")));
+    EXPECT_EQ(kDone, Delete(LiveKey(HKEY_CURRENT_USER, u"Absent")));
     Run();
-    SetValue(HKEY_CURRENT_USER, L"Old", L"v", REG_DWORD, Dword(1));
-    device().Fault("RegDeleteKeyW", 1, 1, ERROR_ACCESS_DENIED);
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(LiveKey(HKEY_CURRENT_USER, u"Old")));
+    SetValue(HKEY_CURRENT_USER, L"Old", L"v", REG_DWORD, Word(1));
+    Fail("RegDeleteKeyW", 1, ERROR_ACCESS_DENIED);
+    EXPECT_EQ(kDone, Delete(LiveKey(HKEY_CURRENT_USER, u"Old")));
     EXPECT_TRUE(KeyExists(HKEY_CURRENT_USER, L"Old"));
-    EXPECT_EQ("[]", device().Faults());
 }
 
 TEST_F(RestoreRegistryTest, AValueComesBackWithTypeAndData) {
-    SetValue(HKEY_CURRENT_USER, L"Key", L"other", REG_DWORD, Dword(1));
-    EXPECT_EQ(RestoreOutcome::kDone,
-              Restore(ToWriteBack(StoreValue(HKEY_CURRENT_USER, u"Key", u"v", REG_SZ, kText))));
+    SetValue(HKEY_CURRENT_USER, L"Key", L"other", REG_DWORD, Word(1));
+    EXPECT_EQ(kDone, WriteBack(StoreValue(HKEY_CURRENT_USER, u"Key", u"v", REG_SZ, kText)));
     EXPECT_EQ("1:" + kText, Value(HKEY_CURRENT_USER, L"Key", L"v"));
-    EXPECT_EQ("4:" + Dword(1), Value(HKEY_CURRENT_USER, L"Key", L"other"));
+    EXPECT_EQ("4:" + Word(1), Value(HKEY_CURRENT_USER, L"Key", L"other"));
 }
 
 TEST_F(RestoreRegistryTest, AValueWithoutDataComesBackEmpty) {
     SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_BINARY, "old");
-    EXPECT_EQ(RestoreOutcome::kDone,
-              Restore(ToWriteBack(StoreValue(HKEY_CURRENT_USER, u"Key", u"v", REG_BINARY, ""))));
+    EXPECT_EQ(kDone, WriteBack(StoreValue(HKEY_CURRENT_USER, u"Key", u"v", REG_BINARY, "")));
     EXPECT_EQ("3:", Value(HKEY_CURRENT_USER, L"Key", L"v"));
 }
 
 TEST_F(RestoreRegistryTest, TheDefaultValueOfARootKeyComesBack) {
-    EXPECT_EQ(RestoreOutcome::kDone,
-              Restore(ToWriteBack(StoreValue(HKEY_USERS, u"", u"", REG_SZ, kText))));
+    EXPECT_EQ(kDone, WriteBack(StoreValue(HKEY_USERS, u"", u"", REG_SZ, kText)));
     EXPECT_EQ("1:" + kText, Value(HKEY_USERS, L"", L""));
 }
 
@@ -95,83 +88,72 @@ TEST_F(RestoreRegistryTest, AValueWaitsForItsKey) {
     const ObjectRecord value =
         ToWriteBack(StoreValue(HKEY_CURRENT_USER, u"New", u"v", REG_SZ, kText));
     const ObjectRecord key = ToWriteBack(StoreKey(HKEY_CURRENT_USER, u"New"));
-    EXPECT_EQ(RestoreOutcome::kFailed, Restore(value));
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(key));
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(value));
+    EXPECT_EQ(kFailed, RestoreObject(value));
+    EXPECT_EQ(kDone, RestoreObject(key));
+    EXPECT_EQ(kDone, RestoreObject(value));
 }
 
 TEST_F(RestoreRegistryTest, AValueThatCannotBeSetFails) {
-    SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Dword(1));
+    SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Word(1));
     const ObjectRecord stored = StoreValue(HKEY_CURRENT_USER, u"Key", u"v", REG_SZ, kText);
-    Run();
-    device().Fault("RegSetValueExW", 1, 1, ERROR_DISK_FULL);
-    EXPECT_EQ(RestoreOutcome::kFailed, Restore(ToWriteBack(stored)));
-    EXPECT_EQ("4:" + Dword(1), Value(HKEY_CURRENT_USER, L"Key", L"v"));
-    EXPECT_EQ("[]", device().Faults());
+    FailInRun("RegSetValueExW", 1, ERROR_DISK_FULL);
+    EXPECT_EQ(kFailed, WriteBack(stored));
+    EXPECT_EQ("4:" + Word(1), Value(HKEY_CURRENT_USER, L"Key", L"v"));
 }
 
 TEST_F(RestoreRegistryTest, AValueWhoseDataCannotBeMappedFails) {
-    SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Dword(1));
+    SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Word(1));
     const ObjectRecord stored = StoreValue(HKEY_CURRENT_USER, u"Key", u"v", REG_SZ, kText);
-    Run();
-    device().Fault("MapViewOfFile", 2, 1, ERROR_NOT_ENOUGH_MEMORY);
-    const long before = Calls("RegSetValueExW");
-    EXPECT_EQ(RestoreOutcome::kFailed, Restore(ToWriteBack(stored)));
-    EXPECT_EQ(before, Calls("RegSetValueExW"));
-    EXPECT_EQ("4:" + Dword(1), Value(HKEY_CURRENT_USER, L"Key", L"v"));
-    EXPECT_EQ("[]", device().Faults());
+    FailInRun("MapViewOfFile", 2, ERROR_NOT_ENOUGH_MEMORY);
+    const long before = device().Calls("RegSetValueExW");
+    EXPECT_EQ(kFailed, WriteBack(stored));
+    EXPECT_EQ(before, device().Calls("RegSetValueExW"));
+    EXPECT_EQ("4:" + Word(1), Value(HKEY_CURRENT_USER, L"Key", L"v"));
 }
 
 TEST_F(RestoreRegistryTest, AValueIsDeletedAndItsKeyStays) {
-    SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Dword(1));
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(LiveValue(HKEY_CURRENT_USER, u"Key", u"v")));
+    SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Word(1));
+    EXPECT_EQ(kDone, Delete(LiveValue(HKEY_CURRENT_USER, u"Key", u"v")));
     EXPECT_EQ("", Value(HKEY_CURRENT_USER, L"Key", L"v"));
     EXPECT_TRUE(KeyExists(HKEY_CURRENT_USER, L"Key"));
 }
 
 TEST_F(RestoreRegistryTest, AValueOfAKeyThatIsGoneIsDeleted) {
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(LiveValue(HKEY_CURRENT_USER, u"Gone", u"v")));
+    EXPECT_EQ(kDone, Delete(LiveValue(HKEY_CURRENT_USER, u"Gone", u"v")));
 }
 
 TEST_F(RestoreRegistryTest, AnAbsentValueOfAKeyThatIsThereIsNotDeleted) {
-    SetValue(HKEY_CURRENT_USER, L"Key", L"other", REG_DWORD, Dword(1));
-    EXPECT_EQ(RestoreOutcome::kFailed, Restore(LiveValue(HKEY_CURRENT_USER, u"Key", u"v")));
+    SetValue(HKEY_CURRENT_USER, L"Key", L"other", REG_DWORD, Word(1));
+    EXPECT_EQ(kFailed, Delete(LiveValue(HKEY_CURRENT_USER, u"Key", u"v")));
 }
 
 TEST_F(RestoreRegistryTest, AnInvalidParameterCountsAsDeleted) {
-    SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Dword(1));
+    SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Word(1));
     const ObjectRecord live = LiveValue(HKEY_CURRENT_USER, u"Key", u"v");
-    Run();
-    device().Fault("RegDeleteValueW", 1, 1, ERROR_INVALID_PARAMETER);
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(live));
-    EXPECT_EQ("[]", device().Faults());
+    FailInRun("RegDeleteValueW", 1, ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(kDone, RestoreObject(live));
 }
 
 TEST_F(RestoreRegistryTest, AnErrorOfAnEarlierCallDoesNotPassForADeletion) {
-    SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Dword(1));
+    SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Word(1));
     const ObjectRecord live = LiveValue(HKEY_CURRENT_USER, u"Key", u"v");
-    Run();
-    device().Fault("RegDeleteValueW", 1, 1, ERROR_ACCESS_DENIED);
+    FailInRun("RegDeleteValueW", 1, ERROR_ACCESS_DENIED);
     ::SetLastError(ERROR_INVALID_PARAMETER);
-    EXPECT_EQ(RestoreOutcome::kFailed, Restore(live));
-    EXPECT_EQ("[]", device().Faults());
+    EXPECT_EQ(kFailed, RestoreObject(live));
 }
 
 TEST_F(RestoreRegistryTest, AStoredNameIsSplitAtTheFirstSeparator) {
-    SetValue(HKEY_CURRENT_USER, L"Key", L"x", REG_DWORD, Dword(1));
-    EXPECT_EQ(
-        RestoreOutcome::kDone,
-        Restore(ToWriteBack(StoreValue(HKEY_CURRENT_USER, u"Key", u"a\u00FFb", REG_SZ, kText))));
+    SetValue(HKEY_CURRENT_USER, L"Key", L"x", REG_DWORD, Word(1));
+    EXPECT_EQ(kDone, WriteBack(StoreValue(HKEY_CURRENT_USER, u"Key", u"a\u00FFb", REG_SZ, kText)));
     EXPECT_EQ("1:" + kText, Value(HKEY_CURRENT_USER, L"Key", L"a\u00FFb"));
 }
 
 TEST_F(RestoreRegistryTest, ALiveObjectsNamesAreThoseOfTheTableSeparatorsIncluded) {
-    SetValue(HKEY_CURRENT_USER, L"K\u00FFey", L"v\u00FFw", REG_DWORD, Dword(1));
-    SetValue(HKEY_CURRENT_USER, L"K", L"ey\u00FFv\u00FFw", REG_DWORD, Dword(2));
-    EXPECT_EQ(RestoreOutcome::kDone,
-              Restore(LiveValue(HKEY_CURRENT_USER, u"K\u00FFey", u"v\u00FFw")));
+    SetValue(HKEY_CURRENT_USER, L"K\u00FFey", L"v\u00FFw", REG_DWORD, Word(1));
+    SetValue(HKEY_CURRENT_USER, L"K", L"ey\u00FFv\u00FFw", REG_DWORD, Word(2));
+    EXPECT_EQ(kDone, Delete(LiveValue(HKEY_CURRENT_USER, u"K\u00FFey", u"v\u00FFw")));
     EXPECT_EQ("", Value(HKEY_CURRENT_USER, L"K\u00FFey", L"v\u00FFw"));
-    EXPECT_EQ("4:" + Dword(2), Value(HKEY_CURRENT_USER, L"K", L"ey\u00FFv\u00FFw"));
+    EXPECT_EQ("4:" + Word(2), Value(HKEY_CURRENT_USER, L"K", L"ey\u00FFv\u00FFw"));
 }
 
 struct LocaleCase {
@@ -185,12 +167,11 @@ class LocaleGuardTest : public RestoreFixture, public ::testing::WithParamInterf
 
 TEST_P(LocaleGuardTest, OnlyWhatTheDeviceHasIsWritten) {
     const LocaleCase& row = GetParam();
-    SetValue(HKEY_LOCAL_MACHINE, W(row.key), W(row.value), REG_DWORD, Dword(0x409));
-    EXPECT_EQ(RestoreOutcome::kDone,
-              Restore(ToWriteBack(StoreValue(HKEY_LOCAL_MACHINE, row.key, row.value, REG_DWORD,
-                                             Dword(row.stored)))));
-    EXPECT_EQ("4:" + Dword(row.written ? row.stored : 0x409),
-              Value(HKEY_LOCAL_MACHINE, W(row.key), W(row.value)));
+    SetValue(HKEY_LOCAL_MACHINE, Wide(row.key), Wide(row.value), REG_DWORD, Word(0x409));
+    EXPECT_EQ(kDone, WriteBack(StoreValue(HKEY_LOCAL_MACHINE, row.key, row.value, REG_DWORD,
+                                          Word(row.stored))));
+    EXPECT_EQ("4:" + Word(row.written ? row.stored : 0x409),
+              Value(HKEY_LOCAL_MACHINE, Wide(row.key), Wide(row.value)));
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, LocaleGuardTest,
@@ -205,38 +186,33 @@ INSTANTIATE_TEST_SUITE_P(Rows, LocaleGuardTest,
                                                       true}));
 
 TEST_F(RestoreRegistryTest, LocaleValuesOfAnotherHiveAreOrdinaryOnes) {
-    SetValue(HKEY_CURRENT_USER, L"nls", L"DefaultLCID", REG_DWORD, Dword(0x409));
-    EXPECT_EQ(RestoreOutcome::kDone,
-              Restore(ToWriteBack(StoreValue(HKEY_CURRENT_USER, u"nls", u"DefaultLCID", REG_DWORD,
-                                             Dword(0x7777)))));
-    EXPECT_EQ("4:" + Dword(0x7777), Value(HKEY_CURRENT_USER, L"nls", L"DefaultLCID"));
+    SetValue(HKEY_CURRENT_USER, L"nls", L"DefaultLCID", REG_DWORD, Word(0x409));
+    EXPECT_EQ(kDone, WriteBack(StoreValue(HKEY_CURRENT_USER, u"nls", u"DefaultLCID", REG_DWORD,
+                                          Word(0x7777))));
+    EXPECT_EQ("4:" + Word(0x7777), Value(HKEY_CURRENT_USER, L"nls", L"DefaultLCID"));
 }
 
 TEST_F(RestoreRegistryTest, LocaleValuesAreNeverDeleted) {
-    SetValue(HKEY_LOCAL_MACHINE, L"nls", L"DefaultLCID", REG_DWORD, Dword(0x409));
-    SetValue(HKEY_LOCAL_MACHINE, L"nls", L"DefaultACP", REG_DWORD, Dword(1252));
-    EXPECT_EQ(RestoreOutcome::kDone,
-              Restore(LiveValue(HKEY_LOCAL_MACHINE, u"nls", u"DefaultLCID")));
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(LiveValue(HKEY_LOCAL_MACHINE, u"nls", u"DefaultACP")));
-    EXPECT_EQ("4:" + Dword(0x409), Value(HKEY_LOCAL_MACHINE, L"nls", L"DefaultLCID"));
-    EXPECT_EQ("4:" + Dword(1252), Value(HKEY_LOCAL_MACHINE, L"nls", L"DefaultACP"));
+    SetValue(HKEY_LOCAL_MACHINE, L"nls", L"DefaultLCID", REG_DWORD, Word(0x409));
+    SetValue(HKEY_LOCAL_MACHINE, L"nls", L"DefaultACP", REG_DWORD, Word(1252));
+    EXPECT_EQ(kDone, Delete(LiveValue(HKEY_LOCAL_MACHINE, u"nls", u"DefaultLCID")));
+    EXPECT_EQ(kDone, Delete(LiveValue(HKEY_LOCAL_MACHINE, u"nls", u"DefaultACP")));
+    EXPECT_EQ("4:" + Word(0x409), Value(HKEY_LOCAL_MACHINE, L"nls", L"DefaultLCID"));
+    EXPECT_EQ("4:" + Word(1252), Value(HKEY_LOCAL_MACHINE, L"nls", L"DefaultACP"));
 }
 
 TEST_F(RestoreRegistryTest, ALocaleValueOfAnotherLengthIsSkipped) {
-    SetValue(HKEY_LOCAL_MACHINE, L"nls", L"DefaultLCID", REG_DWORD, Dword(0x409));
-    EXPECT_EQ(RestoreOutcome::kDone,
-              Restore(ToWriteBack(StoreValue(HKEY_LOCAL_MACHINE, u"nls", u"DefaultLCID", REG_SZ,
-                                             std::string("\x09\x04", 2)))));
-    EXPECT_EQ(RestoreOutcome::kDone,
-              Restore(ToWriteBack(StoreValue(HKEY_LOCAL_MACHINE, u"nls", u"DefaultLCID", REG_BINARY,
-                                             Dword(0x409) + Dword(0)))));
-    EXPECT_EQ("4:" + Dword(0x409), Value(HKEY_LOCAL_MACHINE, L"nls", L"DefaultLCID"));
+    SetValue(HKEY_LOCAL_MACHINE, L"nls", L"DefaultLCID", REG_DWORD, Word(0x409));
+    EXPECT_EQ(kDone, WriteBack(StoreValue(HKEY_LOCAL_MACHINE, u"nls", u"DefaultLCID", REG_SZ,
+                                          std::string("\x09\x04", 2))));
+    EXPECT_EQ(kDone, WriteBack(StoreValue(HKEY_LOCAL_MACHINE, u"nls", u"DefaultLCID", REG_BINARY,
+                                          Word(0x409) + Word(0))));
+    EXPECT_EQ("4:" + Word(0x409), Value(HKEY_LOCAL_MACHINE, L"nls", L"DefaultLCID"));
 }
 
 TEST_F(RestoreRegistryTest, ALocaleValueWaitsForItsKeyToo) {
-    EXPECT_EQ(RestoreOutcome::kFailed,
-              Restore(ToWriteBack(StoreValue(HKEY_LOCAL_MACHINE, u"nls", u"DefaultLCID", REG_DWORD,
-                                             Dword(0x409)))));
+    EXPECT_EQ(kFailed, WriteBack(StoreValue(HKEY_LOCAL_MACHINE, u"nls", u"DefaultLCID", REG_DWORD,
+                                            Word(0x409))));
 }
 
 }  // namespace

@@ -1,27 +1,14 @@
 // Journals from a card that anything may have damaged.
-#include <random>
-
-#include "storage/opened/journal.h"
-#include "tests/storage/opened/storage_fixture.h"
+#include "tests/support/engine_test.h"
 
 namespace tolvenar {
 namespace {
 
-class JournalCorruptTest : public StorageTest {
-protected:
-    static Bytes Random(std::size_t size, unsigned seed) {
-        std::mt19937 generator(seed);
-        Bytes bytes(size);
-        for (std::uint8_t& byte : bytes) {
-            byte = static_cast<std::uint8_t>(generator());
-        }
-        return bytes;
-    }
-};
+class JournalCorruptTest : public StorageTest {};
 
 TEST_F(JournalCorruptTest, AnyBytesOfAnyLengthLoad) {
     for (std::size_t size = 1; size <= 100; ++size) {
-        Put(kJournal, Random(size, static_cast<unsigned>(size)));
+        Put(kJournal, RandomBytes(size, static_cast<unsigned>(size)));
         ASSERT_TRUE(OpenJournal(storage_, nullptr)) << size;
         EXPECT_EQ((size + 31) / 32, storage_.journal->CountRecords()) << size;
     }
@@ -29,7 +16,7 @@ TEST_F(JournalCorruptTest, AnyBytesOfAnyLengthLoad) {
 }
 
 TEST_F(JournalCorruptTest, WhatIsNotUnderstoodIsCarriedUnchanged) {
-    const Bytes bytes = Random(32 * 50, 7);
+    const Bytes bytes = RandomBytes(32 * 50, 7);
     Put(kJournal, bytes);
     for (int i = 0; i < 2; ++i) {
         ASSERT_TRUE(OpenJournal(storage_, nullptr));

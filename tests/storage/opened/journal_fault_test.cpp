@@ -1,6 +1,5 @@
 // The journal while the platform fails.
-#include "storage/opened/journal.h"
-#include "tests/storage/opened/storage_fixture.h"
+#include "tests/support/engine_test.h"
 
 namespace tolvenar {
 namespace {
@@ -12,13 +11,9 @@ class JournalFaultTest : public StorageTest {
 protected:
     void SetUp() override {
         StorageTest::SetUp();
-        for (std::uint8_t i = 0; i < 3; ++i) {
-            Bytes record(32, 0);
-            record[0] = static_cast<std::uint8_t>(i + 1);
-            record[12] = 0xEC;
-            record[20] = 1;
-            record[24] = 16;
-            records_.insert(records_.end(), record.begin(), record.end());
+        for (std::uint32_t i = 1; i <= 3; ++i) {
+            records_ +=
+                Word(i) + Word(0) + Word(0) + Word(236) + Word(0) + Word(1) + Word(16) + Word(0);
         }
         Put(kJournal, records_);
     }
@@ -68,7 +63,7 @@ TEST_F(JournalFaultTest, ASizeThatCannotBeHadIsAFailedLoad) {
 }
 
 TEST_F(JournalFaultTest, AFailedRenamingOfAWholeTemporaryJournalIsAFailedLoad) {
-    Put(kSav, {1});
+    Put(kSav, "x");
     ASSERT_TRUE(::MoveFileW(Wide(kJournal), Wide(kJournalTemporary)));
     Fail("MoveFileW", 1, ERROR_ACCESS_DENIED);
     EXPECT_FALSE(OpenJournal(storage_, nullptr));
@@ -129,11 +124,9 @@ TEST_F(JournalFaultTest, AFailedFirstWriteEmptiesTheJournal) {
 
 TEST_F(JournalFaultTest, ProgressStopsWithTheFailedWrite) {
     ASSERT_TRUE(OpenJournal(storage_, nullptr));
-    RecordedProgress progress;
     Fail("WriteFile", 2, ERROR_DISK_FULL);
-    EXPECT_EQ(0, CloseJournal(storage_.names, storage_.journal, true, &progress));
-    const std::vector<std::string> expected = {"begin 3", "Saving object list...", "step"};
-    EXPECT_EQ(expected, progress.events);
+    EXPECT_EQ(0, CloseJournal(storage_.names, storage_.journal, true, &progress_));
+    EXPECT_EQ((Lines{"begin 3", "Saving object list...", "step"}), progress_.events);
 }
 
 TEST_F(JournalFaultTest, AListThatCannotTakeTheJournalsPlaceIsNotSaved) {
@@ -147,7 +140,7 @@ TEST_F(JournalFaultTest, AListThatCannotTakeTheJournalsPlaceIsNotSaved) {
 }
 
 TEST_F(JournalFaultTest, AFailedRenamingIsMadeUpForByTheNextLoad) {
-    Put(kSav, {1});
+    Put(kSav, "x");
     ASSERT_TRUE(OpenJournal(storage_, nullptr));
     Fail("MoveFileW", 1, ERROR_ACCESS_DENIED);
     EXPECT_EQ(0, Save());

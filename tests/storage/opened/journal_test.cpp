@@ -1,14 +1,11 @@
 #include "storage/opened/journal.h"
 
-#include <cstring>
-
-#include "platform/text.h"
-#include "tests/storage/opened/storage_fixture.h"
+#include "tests/support/engine_test.h"
 
 namespace tolvenar {
 namespace {
 
-ObjectRecord RecordOf(std::uint32_t dwOID, std::uint16_t state) {
+ObjectRecord FileRecord(std::uint32_t dwOID, std::uint16_t state) {
     ObjectRecord record{};
     record.dwOID = dwOID;
     record.info_checksum = 0x1234;
@@ -21,19 +18,18 @@ ObjectRecord RecordOf(std::uint32_t dwOID, std::uint16_t state) {
 }
 
 // Three records written by hand: a file of state 1, a value of state 1, the record of state 2.
-const Bytes kThreeRecords = {
-    0x4D, 0,    0,    1,    0,    0,    0,    0,    0xE5, 0xE7, 0x42, 0xCB, 0x3A, 1, 0, 0,
-    0x7C, 1,    0,    0,    1,    0,    5,    0,    16,   0,    0,    0,    0,    0, 0, 0,
-    0,    0,    0,    0,    0x78, 0x56, 0x34, 0x12, 0x11, 0x22, 0x33, 0x44, 0xEC, 0, 0, 0,
-    0xFF, 0xFF, 0xFF, 0xFF, 1,    0,    4,    0,    1,    1,    2,    3,    4,    5, 6, 7,
-    0,    0,    0,    0,    0,    0,    0,    0,    0x8F, 0x66, 0,    0,    0xEC, 2, 0, 0,
-    0x12, 3,    0,    0,    2,    0,    4,    0,    32,   0,    0,    0,    0,    0, 0, 0};
+const Bytes kThreeRecords =
+    Raw({0x4D, 0,    0,    1,    0,    0,    0,    0,    0xE5, 0xE7, 0x42, 0xCB, 0x3A, 1, 0, 0,
+         0x7C, 1,    0,    0,    1,    0,    5,    0,    16,   0,    0,    0,    0,    0, 0, 0,
+         0,    0,    0,    0,    0x78, 0x56, 0x34, 0x12, 0x11, 0x22, 0x33, 0x44, 0xEC, 0, 0, 0,
+         0xFF, 0xFF, 0xFF, 0xFF, 1,    0,    4,    0,    1,    1,    2,    3,    4,    5, 6, 7,
+         0,    0,    0,    0,    0,    0,    0,    0,    0x8F, 0x66, 0,    0,    0xEC, 2, 0, 0,
+         0x12, 3,    0,    0,    2,    0,    4,    0,    32,   0,    0,    0,    0,    0, 0, 0});
 
 Bytes InOrder(const Bytes& records, std::initializer_list<std::size_t> order) {
     Bytes result;
     for (const std::size_t index : order) {
-        const auto begin = records.begin() + static_cast<std::ptrdiff_t>(index * 32);
-        result.insert(result.end(), begin, begin + 32);
+        result += records.substr(index * 32, 32);
     }
     return result;
 }
@@ -90,7 +86,7 @@ TEST_F(JournalTest, SavedTwiceTheOrderIsTheFirstAgain) {
 
 TEST_F(JournalTest, OfTwoFilesWithOneKeyTheLaterCounts) {
     Bytes records = InOrder(kThreeRecords, {0, 0});
-    records[32 + 10] = 0x99;  // the fingerprint is no part of a file's key
+    records[32 + 10] = '\x99';  // the fingerprint is no part of a file's key
     records[32 + 12] = 0x77;
     Put(kJournal, records);
     ASSERT_TRUE(Open());
@@ -99,10 +95,10 @@ TEST_F(JournalTest, OfTwoFilesWithOneKeyTheLaterCounts) {
 }
 
 TEST_F(JournalTest, TheFingerprintIsPartOfTheKeyOfValuesAndDatabaseRecords) {
-    for (const std::uint8_t type : {std::uint8_t{1}, std::uint8_t{8}}) {
+    for (const char type : {'\1', '\10'}) {
         Bytes records = InOrder(kThreeRecords, {1, 1, 1});
         records[24] = records[32 + 24] = records[64 + 24] = type;
-        records[64 + 10] = 0x99;
+        records[64 + 10] = '\x99';
         Put(kJournal, records);
         ASSERT_TRUE(Open());
         EXPECT_EQ(2u, storage_.journal->CountRecords()) << int{type};
@@ -171,7 +167,7 @@ TEST_F(JournalTest, AFinalShortReadIsStillARecord) {
 }
 
 TEST_F(JournalTest, AJournalOfOneByteIsOneRecord) {
-    Put(kJournal, {0x4D});
+    Put(kJournal, "\x4D");
     ASSERT_TRUE(Open());
     ASSERT_EQ(1u, storage_.journal->CountRecords());
     EXPECT_EQ(0x4Du, Front().dwOID);
@@ -188,7 +184,7 @@ TEST_F(JournalTest, OpeningAgainForgetsTheListBefore) {
 
 TEST_F(JournalTest, ADeletionWithoutABlockIsLoggedAndWritten) {
     storage_.journal = ObjectList::CreateList();
-    ObjectRecord record = RecordOf(1, 1);
+    ObjectRecord record = FileRecord(1, 1);
     record.propOffset = 0;
     record.flags = JF_DELETE;
     ASSERT_TRUE(storage_.journal->AddObject(record));
@@ -208,7 +204,7 @@ TEST_F(JournalTest, ADeletionWithoutABlockIsLoggedAndWritten) {
 TEST_F(JournalTest, ClosingWithoutSavingLeavesTheFileAlone) {
     Put(kJournal, kThreeRecords);
     ASSERT_TRUE(Open());
-    ASSERT_TRUE(storage_.journal->AddObject(RecordOf(9, 3)));
+    ASSERT_TRUE(storage_.journal->AddObject(FileRecord(9, 3)));
     EXPECT_EQ(0, CloseJournal(storage_.names, storage_.journal, false, nullptr));
     EXPECT_EQ(nullptr, storage_.journal);
     EXPECT_EQ(kThreeRecords, Content(kJournal));
@@ -231,28 +227,23 @@ TEST_F(JournalTest, LoadingReportsOneStepARecord) {
     Bytes records = InOrder(kThreeRecords, {0, 1});
     records.push_back(0x4E);
     Put(kJournal, records);
-    RecordedProgress progress;
-    ASSERT_TRUE(OpenJournal(storage_, &progress));
+    ASSERT_TRUE(OpenJournal(storage_, &progress_));
     // The short record is not counted at first, but it is a step.
-    const std::vector<std::string> expected = {"begin 2", "Loading object list...", "step", "step",
-                                               "step"};
-    EXPECT_EQ(expected, progress.events);
+    EXPECT_EQ((Lines{"begin 2", "Loading object list...", "step", "step", "step"}),
+              progress_.events);
 }
 
 TEST_F(JournalTest, LoadingAnEmptyJournalReportsNothing) {
-    RecordedProgress progress;
-    ASSERT_TRUE(OpenJournal(storage_, &progress));
-    EXPECT_TRUE(progress.events.empty());
+    ASSERT_TRUE(OpenJournal(storage_, &progress_));
+    EXPECT_TRUE(progress_.events.empty());
 }
 
 TEST_F(JournalTest, SavingReportsOneStepARecord) {
     Put(kJournal, kThreeRecords);
     ASSERT_TRUE(Open());
-    RecordedProgress progress;
-    EXPECT_EQ(1, CloseJournal(storage_.names, storage_.journal, true, &progress));
-    const std::vector<std::string> expected = {"begin 3", "Saving object list...", "step", "step",
-                                               "step"};
-    EXPECT_EQ(expected, progress.events);
+    EXPECT_EQ(1, CloseJournal(storage_.names, storage_.journal, true, &progress_));
+    EXPECT_EQ((Lines{"begin 3", "Saving object list...", "step", "step", "step"}),
+              progress_.events);
 }
 
 TEST_F(JournalTest, TheNextStateIsBehindTheHighest) {
@@ -265,7 +256,7 @@ TEST_F(JournalTest, TheNextStateIsBehindTheHighest) {
 
 TEST_F(JournalTest, BehindTheLastStateThereIsNoStateZero) {
     storage_.journal = ObjectList::CreateList();
-    ASSERT_TRUE(storage_.journal->AddObject(RecordOf(1, 0xFFFF)));
+    ASSERT_TRUE(storage_.journal->AddObject(FileRecord(1, 0xFFFF)));
     EXPECT_EQ(0x10000u, NextStateNumber(storage_.journal.get()));
 }
 
@@ -291,17 +282,14 @@ TEST_F(JournalTest, TheFilesSizeIsInBytes) {
 // Loading shares reading, asking for the size does not.
 TEST_F(JournalTest, AJournalThatIsBeingReadIsLoaded) {
     Put(kJournal, kThreeRecords);
-    const UniqueHandle reader(::CreateFileW(Wide(kJournal), GENERIC_READ,
-                                            FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                            OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-    ASSERT_TRUE(reader);
+    const UniqueHandle reader = Reader(kJournal);
     EXPECT_TRUE(Open());
     EXPECT_EQ(kNoFileSize, JournalFileSize(storage_.names));
 }
 
 // The program was stopped between the deletion of the journal and the renaming.
 TEST_F(JournalTest, ATemporaryJournalAloneBesideAStorageIsTheJournal) {
-    Put(kSav, {1});
+    Put(kSav, "x");
     Put(kJournalTemporary, kThreeRecords);
     ASSERT_TRUE(Open());
     EXPECT_EQ(3u, storage_.journal->CountRecords());
@@ -310,7 +298,7 @@ TEST_F(JournalTest, ATemporaryJournalAloneBesideAStorageIsTheJournal) {
 }
 
 TEST_F(JournalTest, ATemporaryJournalBesideAJournalIsIgnoredAndOverwritten) {
-    Put(kSav, {1});
+    Put(kSav, "x");
     Put(kJournal, InOrder(kThreeRecords, {0}));
     Put(kJournalTemporary, kThreeRecords);
     ASSERT_TRUE(Open());
@@ -346,10 +334,9 @@ TEST_F(JournalTest, AThousandRecordsComeBackAsTheyWere) {
     storage_.journal = ObjectList::CreateList();
     Bytes expected;
     for (std::uint32_t i = 1; i <= 1000; ++i) {
-        ObjectRecord record = RecordOf(i, static_cast<std::uint16_t>(i % 7 + 1));
+        ObjectRecord record = FileRecord(i, static_cast<std::uint16_t>(i % 7 + 1));
         ASSERT_TRUE(storage_.journal->AddObject(record));
-        const auto* bytes = reinterpret_cast<const std::uint8_t*>(&record);
-        expected.insert(expected.begin(), bytes, bytes + sizeof record);
+        expected.insert(0, BytesOf(record));
     }
     EXPECT_EQ(1, Save());
     EXPECT_EQ(expected, Content(kJournal));

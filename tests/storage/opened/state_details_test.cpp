@@ -1,6 +1,6 @@
 #include "storage/opened/state_details.h"
 
-#include "tests/storage/opened/storage_fixture.h"
+#include "tests/support/engine_test.h"
 
 namespace tolvenar {
 namespace {
@@ -16,20 +16,9 @@ protected:
     }
     // 236 bytes of head, the block of a state made at 16.11.2026 04:33:10, and its description.
     static Bytes File(const Text& description, std::uint32_t claimed_bytes) {
-        Bytes bytes(236, 0);
-        const Bytes block = {0,    0,    0,    0, 0,   0, 0,   0,  0x00, 0xC7, 0x7A, 0x95, 0x83,
-                             0x75, 0xDD, 0x01, 0, 0,   0, 0,   32, 0,    10,   0,    0,    0,
-                             'T',  0,    'i',  0, 't', 0, 'l', 0,  'e',  0,    0,    0};
-        bytes.insert(bytes.end(), block.begin(), block.end());
-        for (int i = 0; i < 4; ++i) {
-            bytes[236 + 16 + static_cast<std::size_t>(i)] =
-                static_cast<std::uint8_t>(claimed_bytes >> (8 * i));
-        }
-        for (const char16_t unit : description) {
-            bytes.push_back(static_cast<std::uint8_t>(unit));
-            bytes.push_back(static_cast<std::uint8_t>(unit >> 8));
-        }
-        return bytes;
+        return Bytes(236, '\0') +
+               Block(0, 0, 0x01DD7583957AC700, claimed_bytes, ObjectType::kState, u"Title") +
+               Units(description);
     }
     bool Read() { return ReadStateDetails(storage_.names, record_, details_); }
 
@@ -95,7 +84,7 @@ TEST_F(StateDetailsTest, ABlockBehindTheFilesEndShowsNothing) {
 
 TEST_F(StateDetailsTest, ATimeThatIsNoDateIsEmpty) {
     Bytes bytes = File(u"abc", 6);
-    std::fill(bytes.begin() + 244, bytes.begin() + 252, std::uint8_t{0xFF});
+    Patch(bytes, 244, ~std::uint64_t{0});
     Put(kSav, bytes);
     ASSERT_TRUE(Read());
     EXPECT_EQ(Text(), details_.time);
@@ -112,8 +101,7 @@ TEST_F(StateDetailsTest, WithoutTheStorageFileNothingIsShown) {
 TEST_F(StateDetailsTest, ADescriptionThatCannotBeReadIsEmpty) {
     Bytes bytes = File(u"", 6);
     bytes.resize(5000);
-    bytes.insert(bytes.end(), {'a', 0, 'b', 0, 'c', 0});
-    Put(kSav, bytes);
+    Put(kSav, bytes + Units(u"abc"));
     record_.data_offset = 5000;
     ASSERT_TRUE(Read());
     EXPECT_EQ(Text(u"abc"), details_.description);

@@ -1,9 +1,5 @@
 // Storage files from a card that anything may have damaged.
-#include <cstring>
-#include <random>
-
-#include "storage/opened/storage_file.h"
-#include "tests/storage/opened/storage_fixture.h"
+#include "tests/support/engine_test.h"
 
 namespace tolvenar {
 namespace {
@@ -25,7 +21,7 @@ protected:
 
 TEST_F(StorageFileCorruptTest, AShortHeadIsUnreadable) {
     for (const std::size_t size : {0u, 1u, 100u, 231u, 232u, 235u}) {
-        Put(kSav, Bytes(head_.begin(), head_.begin() + static_cast<std::ptrdiff_t>(size)));
+        Put(kSav, head_.substr(0, size));
         EXPECT_EQ(OpenStorageResult::kHeaderUnreadable, Open()) << size;
         EXPECT_TRUE(IsFree(kSav));
     }
@@ -34,13 +30,9 @@ TEST_F(StorageFileCorruptTest, AShortHeadIsUnreadable) {
 TEST_F(StorageFileCorruptTest, ADescriptionThatClaimsTooMuchIsCut) {
     for (const std::uint32_t claim : {402u, 1000u, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
         Bytes bytes = head_;
-        std::memcpy(bytes.data() + 228, &claim, 4);
+        Patch(bytes, 228, claim);
         bytes.resize(232);
-        for (int i = 0; i < 400; ++i) {
-            bytes.push_back('d');
-            bytes.push_back(0);
-        }
-        Put(kSav, bytes);
+        Put(kSav, bytes + Units(Text(400, u'd')));
         ASSERT_EQ(OpenStorageResult::kOpened, Open()) << claim;
         EXPECT_EQ(400u, storage_.header->descriptionBytes);
         EXPECT_EQ(Text(199, u'd'), storage_.header->description);
@@ -59,11 +51,8 @@ TEST_F(StorageFileCorruptTest, ADescriptionBehindTheFilesEndIsWhatIsThere) {
 
 TEST_F(StorageFileCorruptTest, AnyBytesAreRefusedOrOpened) {
     std::mt19937 generator(1);
-    for (int i = 0; i < 50; ++i) {
-        Bytes bytes(generator() % 700);
-        for (std::uint8_t& byte : bytes) {
-            byte = static_cast<std::uint8_t>(generator());
-        }
+    for (unsigned i = 0; i < 50; ++i) {
+        const Bytes bytes = RandomBytes(generator() % 700, i);
         Put(kSav, bytes);
         const OpenStorageResult expected = bytes.size() < 236 ? OpenStorageResult::kHeaderUnreadable
                                                               : OpenStorageResult::kOtherDevice;

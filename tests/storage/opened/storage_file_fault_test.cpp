@@ -1,6 +1,5 @@
 // The storage file while the platform fails, and files cut off by such a failure.
-#include "storage/opened/storage_file.h"
-#include "tests/storage/opened/storage_fixture.h"
+#include "tests/support/engine_test.h"
 
 namespace tolvenar {
 namespace {
@@ -81,7 +80,7 @@ TEST_F(StorageFileFaultTest, WithoutMemoryTheOpenStorageStays) {
 
 TEST_F(StorageFileFaultTest, ADeviceWhoseIdentCannotBeReadOpensItsStorage) {
     ASSERT_TRUE(CreateStorage(kSav, nullptr));
-    device().Fault("RegOpenKeyExW", 1, 1, ERROR_FILE_NOT_FOUND);
+    Fail("RegOpenKeyExW", 1, ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(OpenStorageResult::kOpened, Open());
 }
 

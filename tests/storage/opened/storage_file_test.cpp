@@ -1,8 +1,6 @@
 #include "storage/opened/storage_file.h"
 
-#include <cstring>
-
-#include "tests/storage/opened/storage_fixture.h"
+#include "tests/support/engine_test.h"
 
 namespace tolvenar {
 namespace {
@@ -35,26 +33,10 @@ protected:
         device().Command("set clock 2026-11-16T04:33:10Z");
     }
     static void SetOrigName(const Text& name) {
-        HKEY hkey = nullptr;
-        DWORD disposition = 0;
-        ::RegCreateKeyExW(HKEY_LOCAL_MACHINE, L"Ident", 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
-                          &hkey, &disposition);
-        const UniqueHkey owner(hkey);
-        ASSERT_EQ(ERROR_SUCCESS, ::RegSetValueExW(hkey, L"OrigName", 0, REG_SZ,
-                                                  reinterpret_cast<const BYTE*>(name.c_str()),
-                                                  static_cast<DWORD>((name.size() + 1) * 2)));
+        SetValue(HKEY_LOCAL_MACHINE, L"Ident", L"OrigName", REG_SZ, Terminated(name));
     }
     // The head of a storage made on this device, without description.
-    static Bytes Head() {
-        Bytes head(236, 0);
-        const std::uint8_t name[] = {'H', 0, 'a', 0, 'n', 0, 'd', 0, 'h', 0, 'e', 0, 'l', 0, 'd'};
-        const std::uint8_t fields[] = {0xA0, 0x0F, 0,    0,    2,    0,    0, 0, 11, 0, 0,
-                                       0,    1,    0,    0,    0,    4,    0, 0, 0,  0, 0xC7,
-                                       0x7A, 0x95, 0x83, 0x75, 0xDD, 0x01, 0, 0, 0,  0};
-        std::memcpy(head.data(), name, sizeof name);
-        std::memcpy(head.data() + 200, fields, sizeof fields);
-        return head;
-    }
+    static Bytes Head() { return tolvenar::Head(u"Handheld", 0x01DD7583957AC700); }
     OpenStorageResult Open() {
         OpenStorageResult result = OpenStorageResult::kOutOfMemory;
         const bool opened = OpenStorage(kSav, storage_, result);
@@ -64,7 +46,7 @@ protected:
 };
 
 TEST_F(StorageFileTest, ASilentStorageHas236BytesWithoutDescription) {
-    const auto header = CreateStorage(u"\\Backups\\Home", nullptr);
+    const auto header = CreateStorage(kStoragePath, nullptr);
     ASSERT_TRUE(header);
     EXPECT_EQ(Head(), Content(kSav));
     EXPECT_EQ(Text(u"Handheld"), header->deviceName);
@@ -73,7 +55,7 @@ TEST_F(StorageFileTest, ASilentStorageHas236BytesWithoutDescription) {
 }
 
 TEST_F(StorageFileTest, AnExistingStorageIsReset) {
-    Put(kSav, Bytes(5000, 1));
+    Put(kSav, Bytes(5000, 'x'));
     ASSERT_TRUE(CreateStorage(kSav, nullptr));
     EXPECT_EQ(Head(), Content(kSav));
 }
@@ -85,18 +67,18 @@ TEST_F(StorageFileTest, AChosenJournalsPathMakesTheStorageBesideIt) {
 }
 
 TEST_F(StorageFileTest, AStorageIsCreatedAtTheFirstDotOfItsPath) {
-    ASSERT_TRUE(CreateStorage(u"\\Backups\\my.backup\\data", nullptr));
-    EXPECT_TRUE(Exists(u"\\Backups\\my.sav"));
+    ASSERT_TRUE(CreateStorage(u"\\Storage Card\\my.backup\\data", nullptr));
+    EXPECT_TRUE(Exists(u"\\Storage Card\\my.sav"));
 }
 
 TEST_F(StorageFileTest, AStorageThatCannotBeCreatedIsNull) {
     EXPECT_FALSE(CreateStorage(u"\\No Card\\Home", nullptr));
-    Put(kSav, {1, 2, 3});
+    Put(kSav, "123");
     {
         const UniqueHandle held = Hold(kSav);
         EXPECT_FALSE(CreateStorage(kSav, nullptr));
     }
-    EXPECT_EQ((Bytes{1, 2, 3}), Content(kSav));
+    EXPECT_EQ("123", Content(kSav));
 }
 
 TEST_F(StorageFileTest, ADescriptionOfTenUnitsMakesAHeadOf252Bytes) {
@@ -106,11 +88,7 @@ TEST_F(StorageFileTest, ADescriptionOfTenUnitsMakesAHeadOf252Bytes) {
     Bytes expected = Head();
     expected.resize(232);
     expected[228] = 20;
-    for (const char c : std::string("ten units!")) {
-        expected.push_back(static_cast<std::uint8_t>(c));
-        expected.push_back(0);
-    }
-    EXPECT_EQ(expected, Content(kSav));
+    EXPECT_EQ(expected + Units(u"ten units!"), Content(kSav));
     EXPECT_EQ(Text(u"ten units!"), header->description);
     const auto read = ReadStorageHeader(kSav);
     ASSERT_TRUE(read);
@@ -211,14 +189,12 @@ TEST_F(StorageFileTest, AChosenJournalOpensTheStorageBesideIt) {
     OpenStorageResult result;
     EXPECT_FALSE(OpenStorage(kJournal, storage_, result));
     EXPECT_EQ(OpenStorageResult::kFileMissing, result);
-    Put(kJournal, {});
+    Put(kJournal, "");
     EXPECT_TRUE(OpenStorage(kJournal, storage_, result));
 }
 
 TEST_F(StorageFileTest, BlocksBehindTheHeadDoNotMatter) {
-    Bytes bytes = Head();
-    bytes.insert(bytes.end(), 100, 0x78);
-    Put(kSav, bytes);
+    Put(kSav, Head() + Bytes(100, 'x'));
     EXPECT_EQ(OpenStorageResult::kOpened, Open());
     EXPECT_EQ(Text(), storage_.header->description);
 }
@@ -232,7 +208,7 @@ TEST_F(StorageFileTest, OpeningForgetsWhatTheLastRegistryScanMet) {
 
 struct RefusedRow {
     std::size_t offset;
-    std::uint8_t value;
+    int value;
     OpenStorageResult result;
 };
 
@@ -248,14 +224,14 @@ TEST_F(StorageFileTest, ARefusedStorageLeavesTheOpenOneAndItsFile) {
     };
     for (const RefusedRow& row : rows) {
         Bytes bytes = Head();
-        bytes[row.offset] = row.value;
+        bytes[row.offset] = static_cast<char>(row.value);
         Put(kSav, bytes);
         EXPECT_EQ(row.result, Open());
         EXPECT_EQ(header, storage_.header.get());
         EXPECT_EQ(list, storage_.older.get());
         EXPECT_EQ(bytes, Content(kSav));
     }
-    device().Remove(L"\\Backups\\Home.sav");
+    device().Remove(Wide(kSav));
     EXPECT_EQ(OpenStorageResult::kFileMissing, Open());
     EXPECT_EQ(header, storage_.header.get());
 }
@@ -270,14 +246,11 @@ TEST_F(StorageFileTest, AnOlderRevisionIsOpened) {
 
 TEST_F(StorageFileTest, AHeadThatIsBeingReadCanBeReadAndAMissingOneIsNotMade) {
     ASSERT_TRUE(CreateStorage(kSav, nullptr));
-    const UniqueHandle reader(::CreateFileW(Wide(kSav), GENERIC_READ,
-                                            FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                                            OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-    ASSERT_TRUE(reader);
+    const UniqueHandle reader = Reader(kSav);
     EXPECT_TRUE(ReadStorageHeader(kSav));
     EXPECT_EQ(OpenStorageResult::kFileMissing, Open()) << "opened without sharing";
-    EXPECT_FALSE(ReadStorageHeader(u"\\Backups\\None.sav"));
-    EXPECT_FALSE(Exists(u"\\Backups\\None.sav"));
+    EXPECT_FALSE(ReadStorageHeader(u"\\Storage Card\\None.sav"));
+    EXPECT_FALSE(Exists(u"\\Storage Card\\None.sav"));
 }
 
 TEST_F(StorageFileTest, AStorageThatCannotBeWrittenIsNotOpened) {
@@ -291,7 +264,7 @@ TEST_F(StorageFileTest, OnlyAFileThatIsNotThereIsReallyAbsent) {
     EXPECT_TRUE(IsReallyAbsent(u"\\No Card\\Home.sav"));
     Put(kSav, Head());
     EXPECT_FALSE(IsReallyAbsent(kSav));
-    const tests::FileLock lock = device().Lock(L"\\Backups\\Home.sav", "write");
+    const tests::FileLock lock = device().Lock(Wide(kSav), "write");
     EXPECT_EQ(OpenStorageResult::kFileMissing, Open());
     EXPECT_FALSE(IsReallyAbsent(kSav));
 }

@@ -10,14 +10,14 @@ protected:
     // State 1 with one of everything, state 2 with it changed; the list of differences between.
     void MakeTwoStates() {
         device().PutFile(L"\\a.txt", "one");
-        SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Dword(1));
-        MakeDatabase(u"People");
-        AddRecord(u"People", L"Ann", 1);
-        ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+        SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Word(1));
+        MakeDatabase(L"People");
+        AddRecord(L"People", L"Ann", 1);
+        ASSERT_EQ(Done(), Backup(1));
         device().PutFile(L"\\a.txt", "two, longer");
-        SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Dword(2));
-        AddRecord(u"People", L"Bob", 2);
-        ASSERT_EQ(ResultCode::kSuccess, Backup(2));
+        SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Word(2));
+        AddRecord(L"People", L"Bob", 2);
+        ASSERT_EQ(Done(), Backup(2));
         ASSERT_EQ(1, FindDifferenceEx(engine_, 1, 2));
     }
 };
@@ -25,121 +25,109 @@ protected:
 TEST_F(AdvancedRestoreTest, TheChangesOfAStateAreTakenBack) {
     MakeTwoStates();
     progress_.texts.clear();
-    EXPECT_TRUE(RestoreAdvanced(false));
-    EXPECT_EQ(ResultCode::kSuccess, code_);
-    EXPECT_EQ((std::vector<std::u16string>{u"Restoring...", u"Loading object list..."}),
-              progress_.texts);
+    EXPECT_EQ(Done(), RestoreAdvanced(false));
+    EXPECT_EQ((Texts{u"Restoring...", u"Loading object list..."}), progress_.texts);
     EXPECT_EQ("one", device().FileBytes(L"\\a.txt"));
-    EXPECT_EQ("4:" + Dword(1), Value(HKEY_CURRENT_USER, L"Key", L"v"));
-    ExpectNoLists();
+    EXPECT_EQ("4:" + Word(1), Value(HKEY_CURRENT_USER, L"Key", L"v"));
+    ExpectClosed();
 }
 
 TEST_F(AdvancedRestoreTest, InvertedTheyAreAppliedAgain) {
     MakeTwoStates();
-    ASSERT_TRUE(RestoreAdvanced(false));
+    ASSERT_TRUE(RestoreAdvanced(false).done);
     ASSERT_EQ(1, FindDifferenceEx(engine_, 1, 2));
-    EXPECT_TRUE(RestoreAdvanced(true));
+    EXPECT_TRUE(RestoreAdvanced(true).done);
     EXPECT_EQ("two, longer", device().FileBytes(L"\\a.txt"));
-    EXPECT_EQ("4:" + Dword(2), Value(HKEY_CURRENT_USER, L"Key", L"v"));
+    EXPECT_EQ("4:" + Word(2), Value(HKEY_CURRENT_USER, L"Key", L"v"));
 }
 
 TEST_F(AdvancedRestoreTest, DatabasesAreLeftAloneWithoutTheSetting) {
     MakeTwoStates();
-    EXPECT_TRUE(RestoreAdvanced(false));
-    EXPECT_EQ(ResultCode::kSuccess, code_);
-    EXPECT_EQ((std::vector<std::string>{"Ann=1", "Bob=2"}), Records(u"People"));
+    EXPECT_EQ(Done(), RestoreAdvanced(false));
+    EXPECT_EQ((Lines{"Ann=1", "Bob=2"}), Records(u"People"));
 }
 
 TEST_F(AdvancedRestoreTest, DatabasesAreRestoredWithTheSetting) {
     MakeTwoStates();
-    SetValue(HKEY_CURRENT_USER, kSettings, L"AdvancedDBRestoring", REG_DWORD, Dword(1));
-    EXPECT_TRUE(RestoreAdvanced(false));
-    EXPECT_EQ((std::vector<std::string>{"Ann=1"}), Records(u"People"));
+    SetAdvancedDatabaseRestoring(1);
+    EXPECT_TRUE(RestoreAdvanced(false).done);
+    EXPECT_EQ((Lines{"Ann=1"}), Records(u"People"));
 }
 
 // Any number but the one that stands for an absent setting.
 TEST_F(AdvancedRestoreTest, TheSettingIsOnWithAnyOfItsLowerBits) {
     MakeTwoStates();
-    SetValue(HKEY_CURRENT_USER, kSettings, L"AdvancedDBRestoring", REG_DWORD, Dword(0x80000000));
-    EXPECT_TRUE(RestoreAdvanced(false));
-    EXPECT_EQ((std::vector<std::string>{"Ann=1", "Bob=2"}), Records(u"People"));
+    SetAdvancedDatabaseRestoring(0x80000000);
+    EXPECT_TRUE(RestoreAdvanced(false).done);
+    EXPECT_EQ((Lines{"Ann=1", "Bob=2"}), Records(u"People"));
     ASSERT_EQ(1, FindDifferenceEx(engine_, 1, 2));
-    SetValue(HKEY_CURRENT_USER, kSettings, L"AdvancedDBRestoring", REG_DWORD, Dword(2));
+    SetAdvancedDatabaseRestoring(2);
     RestoreAdvanced(false);
-    EXPECT_EQ((std::vector<std::string>{"Ann=1"}), Records(u"People"));
+    EXPECT_EQ((Lines{"Ann=1"}), Records(u"People"));
 }
 
 TEST_F(AdvancedRestoreTest, AFullRestoreTakesDatabasesWhateverTheSettingSays) {
     MakeTwoStates();
-    SetValue(HKEY_CURRENT_USER, kSettings, L"AdvancedDBRestoring", REG_DWORD, Dword(0));
-    EXPECT_TRUE(RestoreState(1));
-    EXPECT_EQ((std::vector<std::string>{"Ann=1"}), Records(u"People"));
+    SetAdvancedDatabaseRestoring(0);
+    EXPECT_TRUE(Restore(1).done);
+    EXPECT_EQ((Lines{"Ann=1"}), Records(u"People"));
 }
 
 // Oddity 32: ids of objects that an advanced restore made anew are not in the journal.
 TEST_F(AdvancedRestoreTest, TheJournalIsFreedWithoutSavingAndLoadedAgain) {
     MakeTwoStates();
-    const std::string journal = device().FileBytes(L"\\Storage Card\\t.jrn");
-    EXPECT_TRUE(RestoreAdvanced(false));
-    EXPECT_EQ(journal, device().FileBytes(L"\\Storage Card\\t.jrn"));
+    const std::string journal = Content(kJournal);
+    EXPECT_TRUE(RestoreAdvanced(false).done);
+    EXPECT_EQ(journal, Content(kJournal));
     ASSERT_NE(nullptr, storage_.journal);
     EXPECT_EQ(journal.size() / 32, storage_.journal->CountRecords());
-    ObjectList::Cursor cursor = storage_.journal->First();
-    ObjectRecord* record = nullptr;
-    while (ObjectList::Next(cursor, nullptr, &record)) {
-        EXPECT_NE(device().Info(L"\\a.txt").oid, record->dwOID);
-    }
+    EXPECT_EQ(nullptr, RecordOf(*storage_.journal, device().Info(L"\\a.txt").oid));
 }
 
 TEST_F(AdvancedRestoreTest, AnEmptyListIsARestoreOfNothing) {
-    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    ASSERT_EQ(Done(), Backup(1));
     MakeDifference({});
-    EXPECT_TRUE(RestoreAdvanced(false));
-    EXPECT_EQ(ResultCode::kSuccess, code_);
+    EXPECT_EQ(Done(), RestoreAdvanced(false));
 }
 
 TEST_F(AdvancedRestoreTest, WithoutAListNothingIsDone) {
-    EXPECT_FALSE(RestoreAdvanced(false));
-    EXPECT_EQ(ResultCode::kSuccess, code_);  // the number of an early failure too
+    EXPECT_EQ(Failed(ResultCode::kSuccess),
+              RestoreAdvanced(false));  // the number of an early failure too
 }
 
 // Oddity 33: the newer value is looked for on the device, which was not scanned.
 TEST_F(AdvancedRestoreTest, NoPairIsPrunedFromTheDifferencesOfTwoStates) {
     ObjectRecord older = StoreValue(HKEY_CURRENT_USER, u"Software\\Kestrin2\\Tolvenar", u"onTime",
-                                    REG_DWORD, Dword(0));
+                                    REG_DWORD, Word(0));
     ObjectRecord gone = older;
     gone.state_number = 2;
     gone.flags = JF_DELETE;
     ObjectRecord newer = StoreValue(HKEY_CURRENT_USER, u"Software\\Kestrin2\\Tolvenar", u"onTime",
-                                    REG_DWORD, Dword(1));
+                                    REG_DWORD, Word(1));
     newer.state_number = 2;
     newer.TolvOID ^= 0x00FF0000;
     SaveStorage();
     SaveJournal({older, gone, newer});
-    LoadJournal();
+    ASSERT_TRUE(OpenJournal(storage_, nullptr));
     ASSERT_EQ(1, FindDifferenceEx(engine_, 1, 2));
     EXPECT_EQ(2u, storage_.difference->CountRecords());
-    EXPECT_EQ((std::vector<std::string>{"E RemoveKestrinAddDeleteLQNRegValue: Fail GetOIDInfo"}),
-              LogLines());
+    EXPECT_EQ((Lines{"E RemoveKestrinAddDeleteLQNRegValue: Fail GetOIDInfo"}), LogLines());
 }
 
 // It is opened for writing too, though nothing is written.
 TEST_F(AdvancedRestoreTest, AStorageFileThatAnotherProgramReadsStopsTheRestore) {
     MakeTwoStates();
-    const auto lock = device().Lock(L"\\Storage Card\\t.sav", "read");
-    EXPECT_FALSE(RestoreAdvanced(false));
-    EXPECT_EQ(ResultCode::kFailed, code_);
+    const auto lock = device().Lock(Wide(kSav), "read");
+    EXPECT_EQ(Failed(), RestoreAdvanced(false));
     EXPECT_EQ("two, longer", device().FileBytes(L"\\a.txt"));
 }
 
 TEST_F(AdvancedRestoreTest, AStorageFileThatCannotBeOpenedKeepsTheList) {
     MakeTwoStates();
-    device().Fault("CreateFileW", 1, 1, ERROR_SHARING_VIOLATION, "t.sav");
-    EXPECT_FALSE(RestoreAdvanced(false));
-    EXPECT_EQ(ResultCode::kFailed, code_);
-    ExpectOnlyTheDifferenceList();
+    device().Fault("CreateFileW", 1, 1, ERROR_SHARING_VIOLATION, "Home.sav");
+    EXPECT_EQ(Failed(), RestoreAdvanced(false));
+    ExpectClosed(true);
     EXPECT_EQ("two, longer", device().FileBytes(L"\\a.txt"));
-    EXPECT_EQ("[]", device().Faults());
 }
 
 // The sense is turned round by then, as after a restore that left something over: "+" tries again.
@@ -151,61 +139,55 @@ TEST_F(AdvancedRestoreTest, WhatAStorageFileThatCannotBeOpenedLeftOverIsTriedAga
         } else {
             ASSERT_EQ(1, FindDifferenceEx(engine_, 1, 2));
         }
-        device().Fault("CreateFileW", 1, 1, ERROR_SHARING_VIOLATION, "t.sav");
-        EXPECT_FALSE(RestoreAdvanced(invert));
-        EXPECT_TRUE(RestoreAdvanced(true));
-        EXPECT_EQ(ResultCode::kSuccess, code_);
+        device().Fault("CreateFileW", 1, 1, ERROR_SHARING_VIOLATION, "Home.sav");
+        EXPECT_FALSE(RestoreAdvanced(invert).done);
+        EXPECT_EQ(Done(), RestoreAdvanced(true));
         EXPECT_EQ(invert ? "two, longer" : "one", device().FileBytes(L"\\a.txt"));
-        device().Command("faults clear");
+        device().EndFaults();
     }
 }
 
 TEST_F(AdvancedRestoreTest, ARestoreWhoseStorageFileCannotBeOpenedIsTriedAgain) {
     MakeTwoStates();
     device().PutFile(L"\\b.txt", "new");
-    device().Fault("CreateFileW", 2, 1, ERROR_SHARING_VIOLATION, "t.sav");
-    EXPECT_FALSE(RestoreState(1));
-    EXPECT_EQ(ResultCode::kFailed, code_);
-    ExpectOnlyTheDifferenceList();
+    device().Fault("CreateFileW", 2, 1, ERROR_SHARING_VIOLATION, "Home.sav");
+    EXPECT_EQ(Failed(), Restore(1));
+    ExpectClosed(true);
     EXPECT_EQ("two, longer", device().FileBytes(L"\\a.txt"));
-    EXPECT_TRUE(RestoreAdvanced(true));
+    EXPECT_TRUE(RestoreAdvanced(true).done);
     EXPECT_EQ("one", device().FileBytes(L"\\a.txt"));
     EXPECT_FALSE(device().Exists(L"\\b.txt"));
 }
 
 // A value of the device alone is known by the table that the scan made of it.
 TEST_F(AdvancedRestoreTest, AValueThatCouldNotBeDeletedIsKnownUntilItIs) {
-    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
-    SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Dword(1));
-    device().Fault("RegDeleteKeyW", 1, 1, ERROR_ACCESS_DENIED);  // its key would take it along
+    ASSERT_EQ(Done(), Backup(1));
+    SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Word(1));
+    Fail("RegDeleteKeyW", 1, ERROR_ACCESS_DENIED);  // its key would take it along
     device().Fault("RegDeleteValueW", 1, 1000, ERROR_ACCESS_DENIED);
     std::uint32_t TolvOID = 0;
     for (int i = 0; i < 2; ++i) {
-        EXPECT_TRUE(i == 0 ? RestoreState(1) : RestoreAdvanced(true));
-        ASSERT_EQ(ResultCode::kFailed, code_);
+        ASSERT_EQ(Done(ResultCode::kFailed), i == 0 ? Restore(1) : RestoreAdvanced(true));
         ASSERT_EQ(std::vector<std::uint16_t>{JF_DELETE}, DifferenceFlags());
-        ObjectList::Cursor cursor = storage_.difference->First();
-        ObjectRecord* record = nullptr;
-        ObjectList::Next(cursor, nullptr, &record);
+        const ObjectRecord* record = storage_.difference->First()->record;
         InfoBlock block;
         EXPECT_TRUE(info_.GetOIDInfo(record->TolvOID, record->dwOID, block));
-        EXPECT_EQ(u"Key\u00FFv", std::u16string(block.name()));
+        EXPECT_EQ(u"Key\u00FFv", Text(block.name()));
         TolvOID = record->TolvOID;
     }
-    device().Command("faults clear");
-    EXPECT_TRUE(RestoreAdvanced(true));
-    EXPECT_EQ(ResultCode::kSuccess, code_);
+    device().EndFaults();
+    EXPECT_EQ(Done(), RestoreAdvanced(true));
     EXPECT_EQ("", Value(HKEY_CURRENT_USER, L"Key", L"v"));
     EXPECT_EQ(nullptr, storage_.registry_objects.RegObjectFind(TolvOID));
 }
 
 TEST_F(AdvancedRestoreTest, AnUrlCacheThatTheInvertedListDeletesIsLeftOnTheDevice) {
-    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
-    MakeDatabase(u"\\URL Cache");
-    ASSERT_EQ(ResultCode::kSuccess, Backup(2));
-    SetValue(HKEY_CURRENT_USER, kSettings, L"AdvancedDBRestoring", REG_DWORD, Dword(1));
+    ASSERT_EQ(Done(), Backup(1));
+    MakeDatabase(L"\\URL Cache");
+    ASSERT_EQ(Done(), Backup(2));
+    SetAdvancedDatabaseRestoring(1);
     ASSERT_EQ(1, FindDifferenceEx(engine_, 2, 1));
-    EXPECT_TRUE(RestoreAdvanced(true));
+    EXPECT_TRUE(RestoreAdvanced(true).done);
     EXPECT_TRUE(DatabaseExists(u"\\URL Cache"));
 }
 
@@ -213,13 +195,11 @@ TEST_F(AdvancedRestoreTest, WhatFailedCanBeRetriedInverted) {
     MakeTwoStates();
     {
         const auto lock = device().Lock(L"\\a.txt");
-        EXPECT_TRUE(RestoreAdvanced(false));
-        EXPECT_EQ(ResultCode::kFailed, code_);
+        EXPECT_EQ(Done(ResultCode::kFailed), RestoreAdvanced(false));
         EXPECT_EQ("two, longer", device().FileBytes(L"\\a.txt"));
     }
-    ExpectOnlyTheDifferenceList();
-    EXPECT_TRUE(RestoreAdvanced(true));
-    EXPECT_EQ(ResultCode::kSuccess, code_);
+    ExpectClosed(true);
+    EXPECT_EQ(Done(), RestoreAdvanced(true));
     EXPECT_EQ("one", device().FileBytes(L"\\a.txt"));
 }
 

@@ -6,14 +6,15 @@
 #include "storage/files/handle_bytes.h"
 #include "storage/format/property_encoding.h"
 #include "storage/objects/object_data_writers.h"
-#include "tests/storage/operations/backup_fixture.h"
+#include "storage/operations/backup_writer.h"
+#include "tests/support/engine_test.h"
 
 namespace tolvenar {
 namespace {
 
-constexpr CEPROPID kNumber = 0x00010003;
+constexpr std::size_t kHead = 236;  // of a silent storage
 
-class BackupItemTest : public BackupTest {
+class BackupItemTest : public EngineTest {
 protected:
     // The storage file, open for appending.
     struct OpenedSav {
@@ -47,21 +48,21 @@ protected:
 };
 
 TEST_F(BackupItemTest, AFilesRecordLeadsToItsBlockAndData) {
-    BackupFreshDevice();
+    ASSERT_EQ(Done(), Backup(1));
     device().PutFile(L"\\n.txt", "123456789");
-    ASSERT_TRUE(Backup(2));
+    ASSERT_TRUE(Backup(2).done);
     const ObjectRecord* record = JournalRecord(2, OidOfPath(L"\\n.txt"), ObjectType::kFile);
     ASSERT_NE(nullptr, record);
-    EXPECT_EQ(Checksum16(Sav().data() + record->propOffset, 40), record->info_checksum);
+    EXPECT_EQ(Checksum16(Content(kSav).data() + record->propOffset, 40), record->info_checksum);
     EXPECT_EQ(record->propOffset + 40, record->data_offset);
-    EXPECT_EQ("123456789", Sav().substr(record->data_offset, 9));
+    EXPECT_EQ("123456789", Content(kSav).substr(record->data_offset, 9));
     EXPECT_EQ(0x6F91, record->content_fingerprint);
     EXPECT_EQ(JF_ADD, record->flags);
 }
 
 TEST_F(BackupItemTest, AnEmptyFileHasNoDataAndTheFingerprintFfff) {
     device().PutFile(L"\\empty", "");
-    BackupFreshDevice();
+    ASSERT_EQ(Done(), Backup(1));
     const ObjectRecord* record = JournalRecord(1, OidOfPath(L"\\empty"), ObjectType::kFile);
     ASSERT_NE(nullptr, record);
     EXPECT_EQ(kNoData, record->data_offset);
@@ -70,7 +71,7 @@ TEST_F(BackupItemTest, AnEmptyFileHasNoDataAndTheFingerprintFfff) {
 
 TEST_F(BackupItemTest, AFolderHasABlockWithoutDataAndTheFingerprintZero) {
     device().MakeFolder(L"\\A");
-    BackupFreshDevice();
+    ASSERT_EQ(Done(), Backup(1));
     const ObjectRecord* record = JournalRecord(1, OidOfPath(L"\\A"), ObjectType::kFile);
     ASSERT_NE(nullptr, record);
     EXPECT_NE(0u, record->propOffset);
@@ -79,12 +80,13 @@ TEST_F(BackupItemTest, AFolderHasABlockWithoutDataAndTheFingerprintZero) {
 }
 
 TEST_F(BackupItemTest, AKeyHasNoDataAndAValueItsBytes) {
-    BackupFreshDevice();
+    ASSERT_EQ(Done(), Backup(1));
     SetValue(HKEY_CURRENT_USER, L"T", L"v", REG_BINARY, "123456789");
-    ASSERT_TRUE(Backup(2));
-    const std::string key = Block(0x80000001, 0, 0, 0, 2, "T");
-    const std::string value = Block(0x80000001, REG_BINARY, 0, 9, 1, "T\xFFv") + "123456789";
-    const std::string sav = Sav();
+    ASSERT_TRUE(Backup(2).done);
+    const std::string key = Block(0x80000001, 0, 0, 0, ObjectType::kRegistryKey, u"T");
+    const std::string value =
+        Block(0x80000001, REG_BINARY, 0, 9, ObjectType::kRegistryValue, u"T\u00FFv") + "123456789";
+    const std::string sav = Content(kSav);
     EXPECT_NE(std::string::npos, sav.find(key));
     EXPECT_NE(std::string::npos, sav.find(value));
     for (const ObjectRecord& record : RecordsOf(*storage_.journal)) {
@@ -101,16 +103,17 @@ TEST_F(BackupItemTest, AKeyHasNoDataAndAValueItsBytes) {
 
 TEST_F(BackupItemTest, AValueOfAKeyWhoseNameHoldsTheSeparatorIsStored) {
     SetValue(HKEY_CURRENT_USER, L"T\\a\u00FFb", L"v", REG_SZ, "123456789");
-    BackupFreshDevice();
+    ASSERT_EQ(Done(), Backup(1));
     EXPECT_EQ(u"", Log());
-    EXPECT_NE(std::string::npos, Sav().find("123456789"));
+    EXPECT_NE(std::string::npos, Content(kSav).find("123456789"));
 }
 
 TEST_F(BackupItemTest, AnEmptyValueIsStored) {
     SetValue(HKEY_CURRENT_USER, L"T", L"", REG_SZ, "");
-    BackupFreshDevice();
+    ASSERT_EQ(Done(), Backup(1));
     EXPECT_EQ(u"", Log());
-    EXPECT_NE(std::string::npos, Sav().find(Block(0x80000001, REG_SZ, 0, 0, 1, "T\xFF")));
+    EXPECT_NE(std::string::npos, Content(kSav).find(Block(0x80000001, REG_SZ, 0, 0,
+                                                          ObjectType::kRegistryValue, u"T\u00FF")));
 }
 
 TEST_F(BackupItemTest, AValueThatIsGoneOrHasAnotherLengthFails) {
@@ -121,7 +124,7 @@ TEST_F(BackupItemTest, AValueThatIsGoneOrHasAnotherLengthFails) {
         std::uint32_t data_bytes;
     } rows[] = {{u"Gone", u"v", 9}, {u"T", u"gone", 9}, {u"T", u"v", 8}, {u"T", u"v", 10}};
     for (const auto& row : rows) {
-        device().PutFile(kSavPath, Sav().substr(0, kHead));
+        Put(kSav, Content(kSav).substr(0, kHead));
         storage_.registry_objects.RegObjectClear();
         ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(
             5, {false, 0x80000001, row.key_path, row.value_name, REG_BINARY, nullptr,
@@ -135,14 +138,13 @@ TEST_F(BackupItemTest, AValueThatIsGoneOrHasAnotherLengthFails) {
 TEST_F(BackupItemTest, ADatabaseThatVanishesBehindItsBlockFails) {
     const CEOID oid = MakeDatabase(L"First");
     // Asked for the block first.
-    device().Fault("CeOidGetInfoEx", 2, 1, ERROR_INVALID_HANDLE);
+    Fail("CeOidGetInfoEx", 2, ERROR_INVALID_HANDLE);
     ExpectFailure(Added(ObjectType::kDatabase, oid));
-    EXPECT_EQ("[]", device().Faults());
 }
 
 TEST_F(BackupItemTest, ALargeFileOfWhichTheBlockAloneWasWrittenFails) {
     device().PutFile(L"\\large.txt", std::string(10000, 'l'));
-    device().Fault("WriteFile", 2, 1, ERROR_WRITE_FAULT);
+    Fail("WriteFile", 2, ERROR_WRITE_FAULT);
     ExpectFailure(AddedFile(OidOfPath(L"\\large.txt")));
 }
 
@@ -159,11 +161,10 @@ TEST_F(BackupItemTest, AnObjectWhoseDataCannotBeWrittenFails) {
     for (const ObjectRecord& object :
          {AddedFile(OidOfPath(L"\\a.txt")), Added(ObjectType::kDatabase, database),
           Added(ObjectType::kDatabaseRecord, record), value, Added(ObjectType::kState, 0)}) {
-        device().PutFile(kSavPath, Sav().substr(0, kHead));
-        device().Fault("WriteFile", 1, 1, ERROR_WRITE_FAULT);
+        Put(kSav, Content(kSav).substr(0, kHead));
+        Fail("WriteFile", 1, ERROR_WRITE_FAULT);
         ExpectFailure(object);
-        EXPECT_EQ("[]", device().Faults()) << static_cast<int>(object.type);
-        device().Command("faults clear");
+        device().EndFaults();
     }
 }
 
@@ -171,10 +172,8 @@ TEST_F(BackupItemTest, AFileIsOpenedWithoutSharingAndForRandomAccess) {
     device().PutFile(L"\\a.txt", "a");
     ObjectRecord record = AddedFile(OidOfPath(L"\\a.txt"));
     OpenedSav sav(storage_.names);
-    device().Command("trace on");
-    EXPECT_TRUE(BackupItem(engine_, sav.storage, record));
-    const std::string calls = device().Command("trace show CreateFileForMappingW");
-    device().Command("trace off");
+    const std::string calls = device().Traced(
+        "CreateFileForMappingW", [&] { EXPECT_TRUE(BackupItem(engine_, sav.storage, record)); });
     // Reading, no sharing, the file must exist; 0x10000080.
     EXPECT_NE(std::string::npos, calls.find("a.txt, 2147483648, 0, 3, 268435584\"")) << calls;
 }
@@ -183,11 +182,9 @@ TEST_F(BackupItemTest, AChunkThatCannotBeUnmappedFailsItsItem) {
     device().PutFile(L"\\a.txt", "a");
     ObjectRecord record = AddedFile(OidOfPath(L"\\a.txt"));
     OpenedSav sav(storage_.names);
-    device().Fault("UnmapViewOfFile", 1, 1, ERROR_INVALID_PARAMETER);
-    device().Command("trace on");
-    EXPECT_FALSE(BackupItem(engine_, sav.storage, record));
-    const std::string calls = device().Command("trace show UnmapViewOfFile");
-    device().Command("trace off");
+    Fail("UnmapViewOfFile", 1, ERROR_INVALID_PARAMETER);
+    const std::string calls = device().Traced(
+        "UnmapViewOfFile", [&] { EXPECT_FALSE(BackupItem(engine_, sav.storage, record)); });
     // The fault left the view open.
     const std::size_t view = calls.find("0x");
     ASSERT_NE(std::string::npos, view);
@@ -196,39 +193,39 @@ TEST_F(BackupItemTest, AChunkThatCannotBeUnmappedFailsItsItem) {
 }
 
 TEST_F(BackupItemTest, ADatabaseStoresItsSortOrdersAndKeepsItsRecordCount) {
-    BackupFreshDevice();
+    ASSERT_EQ(Done(), Backup(1));
     const CEOID oid = MakeDatabase(L"First", 77);
     AddRecord(L"First", {{kNumber, 1}});
-    ASSERT_TRUE(Backup(2));
+    ASSERT_TRUE(Backup(2).done);
     const ObjectRecord* record = JournalRecord(2, oid, ObjectType::kDatabase);
     ASSERT_NE(nullptr, record);
     EXPECT_EQ(1, record->content_fingerprint);
-    EXPECT_EQ(Block(77, 0, 0, 32, 4, "First"), Sav().substr(record->propOffset, 38));
+    EXPECT_EQ(Block(77, 0, 0, 32, ObjectType::kDatabase, u"First"),
+              Content(kSav).substr(record->propOffset, 38));
     EXPECT_EQ(record->propOffset + 38, record->data_offset);
     CEOIDINFO info;
     ASSERT_TRUE(databases_.GetObjectInfo(oid, info));
-    EXPECT_EQ(0, std::memcmp(info.infDatabase.rgSortSpecs, Sav().data() + record->data_offset, 32));
+    EXPECT_EQ(0, std::memcmp(info.infDatabase.rgSortSpecs,
+                             Content(kSav).data() + record->data_offset, 32));
 }
 
 TEST_F(BackupItemTest, ARecordStoresItsPropertiesWithOffsetsForPointers) {
     MakeDatabase(L"First");
     const CEOID oid = AddRecord(
         L"First", {{kNumber, 0x11223344}, {0x0002001F, 0, L"ab"}, {0x00030041, 0, {}, "xyz"}});
-    BackupFreshDevice();
+    ASSERT_EQ(Done(), Backup(1));
     const ObjectRecord* record = JournalRecord(1, oid, ObjectType::kDatabaseRecord);
     ASSERT_NE(nullptr, record);
     InfoBlock block;
     ASSERT_TRUE(info_.GetOIDInfo(0, oid, block));
-    const std::string data = Sav().substr(record->data_offset, block.head().data_bytes);
+    const std::string data = Content(kSav).substr(record->data_offset, block.head().data_bytes);
     StoredProperty properties[3];
     ASSERT_LE(sizeof properties, data.size());
     std::memcpy(properties, data.data(), sizeof properties);
     for (const StoredProperty& property : properties) {
         switch (property.propid & 0xFFFF) {
             case CEVT_I4: EXPECT_EQ(0x11223344u, property.value); break;
-            case CEVT_LPWSTR:
-                EXPECT_EQ(Wide8("ab") + Half(0), data.substr(property.value, 6));
-                break;
+            case CEVT_LPWSTR: EXPECT_EQ(Terminated(u"ab"), data.substr(property.value, 6)); break;
             default:
                 EXPECT_EQ(3u, property.value);
                 EXPECT_EQ("xyz", data.substr(property.value_high, 3));
@@ -247,14 +244,13 @@ TEST_F(BackupItemTest, ARecordWithoutPropertiesHasTheFingerprintZeroAndIsNoDiffe
         device().Set("database.empty.record", read_as);
         const CEOID oid = AddEmptyRecord(L"First");
         const auto number = static_cast<std::uint16_t>(state);
-        ASSERT_TRUE(Backup(state++));
+        ASSERT_TRUE(Backup(state++).done);
         EXPECT_EQ(u"", Log()) << read_as;
         const ObjectRecord* record = JournalRecord(number, oid, ObjectType::kDatabaseRecord);
         ASSERT_NE(nullptr, record) << read_as;
         EXPECT_EQ(0, record->content_fingerprint);
         EXPECT_EQ(record->propOffset + 38, record->data_offset);
-        EXPECT_TRUE(Backup(state));
-        EXPECT_EQ(ResultCode::kNoDifference, code_) << read_as;
+        EXPECT_EQ(Done(ResultCode::kNoDifference), Backup(state)) << read_as;
     }
 }
 
@@ -271,11 +267,10 @@ TEST_F(BackupItemTest, ARecordThatCannotBeReadIsNotStoredAsAnotherOneOrAsAnEmpty
                 {"CeOpenDatabaseEx", 2, 1},    {"CeOpenDatabaseEx", 1, 2},
                 {"CeReadRecordPropsEx", 2, 1}, {"CeReadRecordPropsEx", 1, 2}};
     for (const auto& row : rows) {
-        device().PutFile(kSavPath, Sav().substr(0, kHead));
+        Put(kSav, Content(kSav).substr(0, kHead));
         device().Fault(row.function, row.n, row.count, ERROR_NOT_ENOUGH_MEMORY);
         ExpectFailure(Added(ObjectType::kDatabaseRecord, oid));
-        EXPECT_EQ("[]", device().Faults()) << row.function << " " << row.n;
-        device().Command("faults clear");
+        device().EndFaults();
     }
 }
 
@@ -296,7 +291,7 @@ TEST_F(BackupItemTest, ARecordThatIsNoAdditionNeedsNothing) {
     record.dwOID = 0x00ABCDEF;
     record.flags = JF_DELETE;
     EXPECT_TRUE(BackupItem(engine_, sav.storage, record));
-    EXPECT_EQ(kHead, Sav().size());
+    EXPECT_EQ(kHead, Content(kSav).size());
 }
 
 TEST_F(BackupItemTest, AFailedItemsPlaceIsTakenByTheNextOne) {
@@ -310,7 +305,7 @@ TEST_F(BackupItemTest, AFailedItemsPlaceIsTakenByTheNextOne) {
     EXPECT_EQ(0u, held.propOffset);
     EXPECT_TRUE(BackupItem(engine_, sav.storage, next));
     EXPECT_EQ(kHead, next.propOffset);
-    EXPECT_EQ("123456789", Sav().substr(kHead + 40, 9));
+    EXPECT_EQ("123456789", Content(kSav).substr(kHead + 40, 9));
 }
 
 TEST_F(BackupItemTest, AFailedItemIsMarkedCountedAndLogged) {
@@ -359,7 +354,7 @@ TEST_F(BackupItemTest, AnObjectOfAnUnknownTypeFails) {
     StoredData data;
     EXPECT_FALSE(BackupObjectData(
         {databases_, storage_.registry_objects, u"", sav.storage, block, 0, 5}, data));
-    EXPECT_EQ(kHead, Sav().size());
+    EXPECT_EQ(kHead, Content(kSav).size());
 }
 
 // Free memory of a little more than one granule: the copy is made of four views.
@@ -373,7 +368,7 @@ TEST_F(BackupItemTest, ALargeFileIsCopiedInChunksOfTheFreeMemory) {
     ObjectRecord record = AddedFile(OidOfPath(L"\\big"));
     OpenedSav sav(storage_.names);
     ASSERT_TRUE(BackupItem(engine_, sav.storage, record));
-    EXPECT_EQ(contents, Sav().substr(record.data_offset));
+    EXPECT_EQ(contents, Content(kSav).substr(record.data_offset));
     EXPECT_EQ(Checksum16(contents.data(), contents.size()), record.content_fingerprint);
 }
 

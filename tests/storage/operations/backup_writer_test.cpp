@@ -1,26 +1,29 @@
 // Backups as a whole: the states that they write and how they end.
 #include "snapshot/records/checksum.h"
-#include "tests/storage/operations/backup_fixture.h"
+#include "tests/support/engine_test.h"
 
 namespace tolvenar {
 namespace {
 
-class BackupWriterTest : public BackupTest {};
+constexpr std::size_t kHead = 236;  // of a silent storage
+
+class BackupWriterTest : public EngineTest {};
 
 TEST_F(BackupWriterTest, TwoStatesStandInTheStorageFileByteForByte) {
     device().Command("set clock 2001-02-03T04:05:06");
-    BackupFreshDevice();
+    ASSERT_EQ(Done(), Backup(1));
     const std::uint64_t now = 0x01C08D967DB50500;  // 2001-02-03 04:05:06 as a FILETIME
-    const std::string first = Sav();
-    EXPECT_EQ(Block(0, 0, now, 0, 32, "Title"), first.substr(kHead, 38));
+    const std::string first = Content(kSav);
+    EXPECT_EQ(Block(0, 0, now, 0, ObjectType::kState, u"Title"), first.substr(kHead, 38));
 
     device().PutFile(L"\\n.txt", "123456789");
     device().Touch(L"\\n.txt", 0x01C0000011223300);
     device().SetAttributes(L"\\n.txt", FILE_ATTRIBUTE_ARCHIVE);
-    ASSERT_TRUE(Backup(2, u"two"));
-    const std::string title = Block(0, 0, now, 6, 32, "Title") + Wide8("two");
-    const std::string file = Block(0x20, 0, 0x01C0000011223300, 9, 16, "\\n.txt") + "123456789";
-    const std::string second = Sav();
+    ASSERT_TRUE(Backup(2, u"two").done);
+    const std::string title = Block(0, 0, now, 6, ObjectType::kState, u"Title") + Units(u"two");
+    const std::string file =
+        Block(0x20, 0, 0x01C0000011223300, 9, ObjectType::kFile, u"\\n.txt") + "123456789";
+    const std::string second = Content(kSav);
     ASSERT_EQ(first.size() + title.size() + file.size(), second.size());
     EXPECT_EQ(first, second.substr(0, first.size())) << "a stored state was changed";
     EXPECT_EQ(title, second.substr(first.size(), title.size()));
@@ -28,7 +31,7 @@ TEST_F(BackupWriterTest, TwoStatesStandInTheStorageFileByteForByte) {
 }
 
 TEST_F(BackupWriterTest, TheFirstStatesBlockStandsAtOffset236) {
-    BackupFreshDevice();
+    ASSERT_EQ(Done(), Backup(1));
     const ObjectRecord* state = JournalRecord(1, 0, ObjectType::kState);
     ASSERT_NE(nullptr, state);
     EXPECT_EQ(kHead, state->propOffset);
@@ -36,30 +39,30 @@ TEST_F(BackupWriterTest, TheFirstStatesBlockStandsAtOffset236) {
 }
 
 TEST_F(BackupWriterTest, AStateRecordIsOfType32AndItsDataIsTheDescription) {
-    ASSERT_TRUE(Backup(1, u"before the trip"));
+    ASSERT_TRUE(Backup(1, u"before the trip").done);
     const ObjectRecord* state = JournalRecord(1, 0, ObjectType::kState);
     ASSERT_NE(nullptr, state);
     EXPECT_EQ(0u, state->dwOID);
     EXPECT_EQ(0u, state->TolvOID);
     EXPECT_EQ(JF_ADD, state->flags);
     EXPECT_EQ(0, state->content_fingerprint);
-    EXPECT_EQ(Wide8("before the trip"), Sav().substr(state->data_offset, 30));
-    EXPECT_EQ(Checksum16(Sav().data() + kHead, 38), state->info_checksum);
+    EXPECT_EQ(Units(u"before the trip"), Content(kSav).substr(state->data_offset, 30));
+    EXPECT_EQ(Checksum16(Content(kSav).data() + kHead, 38), state->info_checksum);
 }
 
 TEST_F(BackupWriterTest, ADescriptionIsCutTo199Units) {
-    ASSERT_TRUE(Backup(1, Text(250, u'd').c_str()));
-    EXPECT_EQ(Word(398), Sav().substr(kHead + 16, 4));
+    ASSERT_TRUE(Backup(1, Text(250, u'd').c_str()).done);
+    EXPECT_EQ(Word(398), Content(kSav).substr(kHead + 16, 4));
 }
 
 TEST_F(BackupWriterTest, DeletionsWriteNoBlock) {
     device().PutFile(L"\\gone.txt", "gone");
     const CEOID oid = OidOfPath(L"\\gone.txt");
-    BackupFreshDevice();
-    const std::size_t before = Sav().size();
+    ASSERT_EQ(Done(), Backup(1));
+    const std::size_t before = Content(kSav).size();
     device().Remove(L"\\gone.txt");
-    ASSERT_TRUE(Backup(2));
-    EXPECT_EQ(before + 38, Sav().size()) << "the state's block only";
+    ASSERT_TRUE(Backup(2).done);
+    EXPECT_EQ(before + 38, Content(kSav).size()) << "the state's block only";
     const ObjectRecord* deletion = JournalRecord(2, oid, ObjectType::kFile);
     ASSERT_NE(nullptr, deletion);
     EXPECT_EQ(JF_DELETE, deletion->flags);
@@ -67,23 +70,22 @@ TEST_F(BackupWriterTest, DeletionsWriteNoBlock) {
 }
 
 TEST_F(BackupWriterTest, WithoutADifferenceNothingIsWritten) {
-    BackupFreshDevice();
-    const std::string sav = Sav();
-    const std::string journal = device().FileBytes(kJournalPath);
+    ASSERT_EQ(Done(), Backup(1));
+    const std::string sav = Content(kSav);
+    const std::string journal = Content(kJournal);
     progress_.texts.clear();
-    EXPECT_TRUE(Backup(2));
-    EXPECT_EQ(ResultCode::kNoDifference, code_);
-    EXPECT_EQ(sav, Sav());
-    EXPECT_EQ(journal, device().FileBytes(kJournalPath));
+    EXPECT_EQ(Done(ResultCode::kNoDifference), Backup(2));
+    EXPECT_EQ(sav, Content(kSav));
+    EXPECT_EQ(journal, Content(kJournal));
     ASSERT_EQ(8u + 4u, progress_.texts.size());
     EXPECT_EQ(std::vector<Text>(4, u"Complete."),
               std::vector<Text>(progress_.texts.begin() + 8, progress_.texts.end()));
-    ExpectEverythingClosed();
+    ExpectClosed();
     EXPECT_NE(nullptr, storage_.journal);
 }
 
 TEST_F(BackupWriterTest, TheStepsOfABackupAreAnnouncedInOrder) {
-    BackupFreshDevice();
+    ASSERT_EQ(Done(), Backup(1));
     EXPECT_EQ(
         (std::vector<Text>{u"Preparing object list...", u"Scanning files...",
                            u"Scanning HKCR registry entry...", u"Scanning HKCU registry entry...",
@@ -96,8 +98,8 @@ TEST_F(BackupWriterTest, TheStepsOfABackupAreAnnouncedInOrder) {
 }
 
 TEST_F(BackupWriterTest, AfterASuccessTheJournalIsLoadedAndEverythingElseIsFreed) {
-    BackupFreshDevice();
-    ExpectEverythingClosed();
+    ASSERT_EQ(Done(), Backup(1));
+    ExpectClosed();
     ASSERT_NE(nullptr, storage_.journal);
     EXPECT_EQ(1, storage_.journal->MaxStateNumber());
     for (const ObjectRecord& record : RecordsOf(*storage_.journal)) {
@@ -107,46 +109,40 @@ TEST_F(BackupWriterTest, AfterASuccessTheJournalIsLoadedAndEverythingElseIsFreed
 }
 
 TEST_F(BackupWriterTest, TheJournalMayStayClosed) {
-    EXPECT_TRUE(Backup(1, u"", true));
-    EXPECT_EQ(ResultCode::kSuccess, code_);
+    EXPECT_EQ(Done(), Backup(1, u"", true));
     EXPECT_EQ(nullptr, storage_.journal);
-    ExpectEverythingClosed();
+    ExpectClosed();
 }
 
 TEST_F(BackupWriterTest, ABackupThatNeedsExactlyTheFreeSpaceProceedsAndOneByteMoreDoesNot) {
     device().PutFile(L"\\a.txt", "a");
     device().Set("card.free", "0");
-    EXPECT_FALSE(Backup(1));
-    EXPECT_EQ(ResultCode::kNoSpace, code_);
+    EXPECT_EQ(Failed(ResultCode::kNoSpace), Backup(1));
     const std::uint32_t needed = bytes_needed_;
-    EXPECT_EQ(kHead, Sav().size());
+    EXPECT_EQ(kHead, Content(kSav).size());
     device().Set("card.free", std::to_string(needed - 1));
-    EXPECT_FALSE(Backup(1));
-    EXPECT_EQ(ResultCode::kNoSpace, code_);
+    EXPECT_EQ(Failed(ResultCode::kNoSpace), Backup(1));
     EXPECT_EQ(needed, bytes_needed_);
-    EXPECT_EQ(kHead, Sav().size());
-    ExpectEverythingClosed();
+    EXPECT_EQ(kHead, Content(kSav).size());
+    ExpectClosed();
     EXPECT_NE(nullptr, storage_.journal);
     device().Set("card.free", std::to_string(needed));
-    EXPECT_TRUE(Backup(1));
-    EXPECT_EQ(ResultCode::kSuccess, code_);
+    EXPECT_EQ(Done(), Backup(1));
     // Blocks and data, 32 bytes for each record, the old journal and the spare bytes.
-    EXPECT_EQ(Sav().size() - kHead + device().FileBytes(kJournalPath).size() + 10000, needed);
+    EXPECT_EQ(Content(kSav).size() - kHead + Content(kJournal).size() + 10000, needed);
 }
 
 // Oddity 6: a card with more than 4 GB free counts with what is over.
 TEST_F(BackupWriterTest, OnlyTheLowHalfOfTheFreeSpaceIsLookedAt) {
     device().Set("card.free", "4294967296");
-    EXPECT_FALSE(Backup(1));
-    EXPECT_EQ(ResultCode::kNoSpace, code_);
+    EXPECT_EQ(Failed(ResultCode::kNoSpace), Backup(1));
     device().Set("card.free", std::to_string(4294967296 + bytes_needed_));
-    EXPECT_TRUE(Backup(1));
+    EXPECT_TRUE(Backup(1).done);
 }
 
 TEST_F(BackupWriterTest, AStateNumberThatARecordCannotHoldFails) {
-    EXPECT_FALSE(Backup(0x10000));
-    EXPECT_EQ(ResultCode::kFailed, code_);
-    EXPECT_EQ(kHead, Sav().size());
+    EXPECT_EQ(Failed(), Backup(0x10000));
+    EXPECT_EQ(kHead, Content(kSav).size());
 }
 
 }  // namespace

@@ -1,7 +1,5 @@
 // Storage files that anything may have damaged: the object fails, nothing beside its buffers is
 // touched and the device stays as it is.
-#include <cstring>
-
 #include "storage/objects/restore_record.h"
 #include "tests/support/restore_fixture.h"
 
@@ -19,26 +17,23 @@ class RestoreCorruptTest : public RestoreFixture {
 protected:
     template <typename T>
     void Damage(const ObjectRecord& record, std::size_t offset, T value) {
-        std::memcpy(&sav_[record.propOffset + offset], &value, sizeof value);
+        Patch(sav_, record.propOffset + offset, value);
     }
     template <typename T>
     void DamageData(const ObjectRecord& record, std::size_t offset, T value) {
-        std::memcpy(&sav_[record.data_offset + offset], &value, sizeof value);
+        Patch(sav_, record.data_offset + offset, value);
     }
-    RestoreOutcome WriteBack(const ObjectRecord& record) { return Restore(ToWriteBack(record)); }
     void ExpectUnreadable(const ObjectRecord& record) {
-        EXPECT_EQ(RestoreOutcome::kFailed, WriteBack(record));
-        EXPECT_EQ((std::vector<std::string>{"E DoRestoreRecord: Fail GetInfoFromStorage"}),
-                  LogLines());
+        EXPECT_EQ(kFailed, WriteBack(record));
+        EXPECT_EQ((Lines{"E DoRestoreRecord: Fail GetInfoFromStorage"}), LogLines());
     }
 };
 
 TEST_F(RestoreCorruptTest, ABlockBeyondTheFileIsLogged) {
     ObjectRecord record = StoreFile(u"\\a.txt", "x");
     record.propOffset = 0x00ABCDEF;
-    EXPECT_EQ(RestoreOutcome::kFailed, WriteBack(record));
-    EXPECT_EQ((std::vector<std::string>{
-                  "E DoRestoreRecord: MapView..Err:38 ObjType:16 JrnOffs:11259375"}),
+    EXPECT_EQ(kFailed, WriteBack(record));
+    EXPECT_EQ((Lines{"E DoRestoreRecord: MapView..Err:38 ObjType:16 JrnOffs:11259375"}),
               LogLines());
 }
 
@@ -47,16 +42,13 @@ TEST_F(RestoreCorruptTest, ABlockThatCannotBeMappedIsLoggedWithTheError) {
     Run();
     // The page that holds the block, then the block alone.
     device().Fault("MapViewOfFile", 1, 2, ERROR_NOT_ENOUGH_MEMORY);
-    EXPECT_EQ(RestoreOutcome::kFailed, WriteBack(record));
-    EXPECT_EQ(
-        (std::vector<std::string>{"E DoRestoreRecord: MapView..Err:8 ObjType:16 JrnOffs:236"}),
-        LogLines());
-    EXPECT_EQ("[]", device().Faults());
+    EXPECT_EQ(kFailed, WriteBack(record));
+    EXPECT_EQ((Lines{"E DoRestoreRecord: MapView..Err:8 ObjType:16 JrnOffs:236"}), LogLines());
 }
 
 TEST_F(RestoreCorruptTest, ABlockAtTheVeryEndIsReadable) {
     const ObjectRecord record = StoreFolder(u"\\Sub");
-    EXPECT_EQ(RestoreOutcome::kDone, WriteBack(record));
+    EXPECT_EQ(kDone, WriteBack(record));
     EXPECT_TRUE(device().Exists(L"\\Sub"));
 }
 
@@ -106,8 +98,7 @@ TEST_F(RestoreCorruptTest, ARecordOfUnknownTypeIsUnreadable) {
 }
 
 TEST_F(RestoreCorruptTest, AStateHasNothingToRestore) {
-    EXPECT_EQ(RestoreOutcome::kDone,
-              WriteBack(StoreBlock(ObjectType::kState, 0, 0, u"Title", "text")));
+    EXPECT_EQ(kDone, WriteBack(StoreBlock(ObjectType::kState, 0, 0, u"Title", "text")));
     EXPECT_FALSE(DatabaseExists(u"Title"));
     EXPECT_TRUE(LogLines().empty());
 }
@@ -115,14 +106,14 @@ TEST_F(RestoreCorruptTest, AStateHasNothingToRestore) {
 TEST_F(RestoreCorruptTest, ContentsBeyondTheFileFailTheFile) {
     const ObjectRecord record = StoreFile(u"\\a.txt", "contents");
     Damage(record, kDataBytes, std::uint32_t{9});
-    EXPECT_EQ(RestoreOutcome::kFailed, WriteBack(record));
-    EXPECT_EQ((std::vector<std::string>{"I Error: WriteFile:38"}), LogLines());
+    EXPECT_EQ(kFailed, WriteBack(record));
+    EXPECT_EQ((Lines{"I Error: WriteFile:38"}), LogLines());
 }
 
 TEST_F(RestoreCorruptTest, ContentsNowhereFailTheFile) {
     ObjectRecord record = StoreFile(u"\\a.txt", "contents");
     record.data_offset = kNoData;
-    EXPECT_EQ(RestoreOutcome::kFailed, WriteBack(record));
+    EXPECT_EQ(kFailed, WriteBack(record));
 }
 
 // The desktop's and the device's flags that a file can be opened with lie above the attributes.
@@ -131,7 +122,7 @@ TEST_F(RestoreCorruptTest, OnlyAttributesAreTakenFromAFoldersBlock) {
     Damage(record, kWord0, std::uint32_t{0xFFFF0010});
     Run();
     device().Command("trace on");
-    EXPECT_EQ(RestoreOutcome::kDone, WriteBack(record));
+    EXPECT_EQ(kDone, WriteBack(record));
     EXPECT_TRUE(device().Exists(L"\\Sub"));
     EXPECT_EQ(std::string::npos, device().Command("trace show").find(std::to_string(0xFFFF0010)));
 }
@@ -139,78 +130,77 @@ TEST_F(RestoreCorruptTest, OnlyAttributesAreTakenFromAFoldersBlock) {
 TEST_F(RestoreCorruptTest, ARootThatIsNoHiveFailsTheObject) {
     for (const std::uint32_t root : {0u, 0x42u, 0x7FFFFFFFu, 0x80000004u}) {
         const ObjectRecord key = StoreKey(HKEY_CURRENT_USER, u"Key");
-        const ObjectRecord value = StoreValue(HKEY_CURRENT_USER, u"Key", u"v", REG_DWORD, Dword(1));
+        const ObjectRecord value = StoreValue(HKEY_CURRENT_USER, u"Key", u"v", REG_DWORD, Word(1));
         Damage(key, kWord0, root);
         Damage(value, kWord0, root);
         NewRun();
-        EXPECT_EQ(RestoreOutcome::kFailed, WriteBack(key));
-        EXPECT_EQ(RestoreOutcome::kFailed, WriteBack(value));
-        EXPECT_EQ(RestoreOutcome::kFailed, Restore(ToDelete(key)));
+        EXPECT_EQ(kFailed, WriteBack(key));
+        EXPECT_EQ(kFailed, WriteBack(value));
+        EXPECT_EQ(kFailed, Delete(key));
     }
     EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, L"Key"));
 }
 
 TEST_F(RestoreCorruptTest, AValueWithoutSeparatorFails) {
-    SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Dword(1));
+    SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Word(1));
     const ObjectRecord record =
-        StoreBlock(ObjectType::kRegistryValue, 0x80000001, REG_SZ, u"Key", Dword(2));
-    EXPECT_EQ(RestoreOutcome::kFailed, WriteBack(record));
-    EXPECT_EQ(RestoreOutcome::kFailed, Restore(ToDelete(record)));
-    EXPECT_EQ("4:" + Dword(1), Value(HKEY_CURRENT_USER, L"Key", L"v"));
+        StoreBlock(ObjectType::kRegistryValue, 0x80000001, REG_SZ, u"Key", Word(2));
+    EXPECT_EQ(kFailed, WriteBack(record));
+    EXPECT_EQ(kFailed, Delete(record));
+    EXPECT_EQ("4:" + Word(1), Value(HKEY_CURRENT_USER, L"Key", L"v"));
 }
 
 TEST_F(RestoreCorruptTest, AValuesDataBeyondTheFileFailTheValue) {
-    SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Dword(1));
-    ObjectRecord record = StoreValue(HKEY_CURRENT_USER, u"Key", u"v", REG_DWORD, Dword(2));
+    SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Word(1));
+    ObjectRecord record = StoreValue(HKEY_CURRENT_USER, u"Key", u"v", REG_DWORD, Word(2));
     Damage(record, kDataBytes, std::uint32_t{0x40000000});
-    EXPECT_EQ(RestoreOutcome::kFailed, WriteBack(record));
-    EXPECT_EQ("4:" + Dword(1), Value(HKEY_CURRENT_USER, L"Key", L"v"));
+    EXPECT_EQ(kFailed, WriteBack(record));
+    EXPECT_EQ("4:" + Word(1), Value(HKEY_CURRENT_USER, L"Key", L"v"));
 }
 
 TEST_F(RestoreCorruptTest, MoreThanFourSortOrdersFailTheDatabase) {
     const ObjectRecord record = StoreDatabase(u"People", 1, {{kName, 0}});
     Damage(record, kWord4, std::uint32_t{5});
-    EXPECT_EQ(RestoreOutcome::kFailed, WriteBack(record));
+    EXPECT_EQ(kFailed, WriteBack(record));
     EXPECT_FALSE(DatabaseExists(u"People"));
 }
 
 TEST_F(RestoreCorruptTest, SortOrdersShorterThanTheirNumberFailTheDatabase) {
     const ObjectRecord record = StoreDatabase(u"People", 1, {{kName, 0}, {kNumber, 0}});
     Damage(record, kDataBytes, std::uint32_t{15});
-    EXPECT_EQ(RestoreOutcome::kFailed, WriteBack(record));
+    EXPECT_EQ(kFailed, WriteBack(record));
     EXPECT_FALSE(DatabaseExists(u"People"));
 }
 
 TEST_F(RestoreCorruptTest, SortOrdersBeyondTheFileFailTheDatabase) {
     ObjectRecord record = StoreDatabase(u"People", 1, {{kName, 0}});
     record.data_offset = 0x00ABCDEF;
-    EXPECT_EQ(RestoreOutcome::kFailed, WriteBack(record));
+    EXPECT_EQ(kFailed, WriteBack(record));
     EXPECT_FALSE(DatabaseExists(u"People"));
 }
 
 TEST_F(RestoreCorruptTest, ADatabaseNameLongerThanThePlatformsFailsTheDatabase) {
-    const ObjectRecord record = StoreDatabase(std::u16string(32, u'n'), 1);
-    EXPECT_EQ(RestoreOutcome::kFailed, WriteBack(record));
-    EXPECT_EQ(0, Calls("CeCreateDatabaseEx"));
+    const ObjectRecord record = StoreDatabase(Text(32, u'n'), 1);
+    EXPECT_EQ(kFailed, WriteBack(record));
+    EXPECT_EQ(0, device().Calls("CeCreateDatabaseEx"));
 }
 
 class CorruptRecordTest : public RestoreCorruptTest {
 protected:
     ObjectRecord Stored() {
-        MakeDatabase(u"People");
-        return StoreRecord(u"People", 0x7FFFFFF0,
-                           {{kName, 0, u"Ann", ""}, {kBytes, 0, u"", "blob"}});
+        MakeDatabase(L"People");
+        return StoreRecord(u"People", 0x7FFFFFF0, {{kName, 0, L"Ann"}, {kBytes, 0, {}, "blob"}});
     }
     void ExpectFailure(const ObjectRecord& record) {
-        EXPECT_EQ(RestoreOutcome::kFailed, WriteBack(record));
-        EXPECT_EQ(0, Calls("CeWriteRecordProps"));
+        EXPECT_EQ(kFailed, WriteBack(record));
+        EXPECT_EQ(0, device().Calls("CeWriteRecordProps"));
     }
 };
 
 TEST_F(CorruptRecordTest, ThePropertiesOfAnUndamagedRecordAreTaken) {
     const ObjectRecord record = Stored();
-    EXPECT_EQ(RestoreOutcome::kDone, WriteBack(record));
-    EXPECT_EQ((std::vector<std::string>{"Ann=0"}), Records(u"People"));
+    EXPECT_EQ(kDone, WriteBack(record));
+    EXPECT_EQ((Lines{"Ann=0"}), Records(u"People"));
 }
 
 TEST_F(CorruptRecordTest, MorePropertiesThanTheDataHoldFailTheRecord) {
@@ -231,18 +221,18 @@ TEST_F(CorruptRecordTest, AStringOutsideItsBufferFailsTheRecord) {
     for (const std::uint32_t offset : {44u, 0x1000u, 0xFFFFFFFFu, 0x80000000u}) {
         sav_.resize(236);
         NewRun();
-        ObjectRecord record = StoreRecord(u"People", 0x7FFFFFF0, {{kName, 0, u"Ann", ""}});
+        ObjectRecord record = StoreRecord(u"People", 0x7FFFFFF0, {{kName, 0, L"Ann"}});
         DamageData(record, 8, offset);
         if (!DatabaseExists(u"People")) {
-            MakeDatabase(u"People");
+            MakeDatabase(L"People");
         }
         ExpectFailure(record);
     }
 }
 
 TEST_F(CorruptRecordTest, AStringThatDoesNotEndInItsBufferFailsTheRecord) {
-    MakeDatabase(u"People");
-    ObjectRecord record = StoreRecord(u"People", 0x7FFFFFF0, {{kName, 0, u"Ann", ""}});
+    MakeDatabase(L"People");
+    ObjectRecord record = StoreRecord(u"People", 0x7FFFFFF0, {{kName, 0, L"Ann"}});
     DamageData(record, 16 + 6, char16_t{u'!'});  // where the terminator was
     ExpectFailure(record);
 }
@@ -268,30 +258,30 @@ TEST_F(CorruptRecordTest, PropertiesBeyondTheFileFailTheRecord) {
 class UnstoredRecordTest : public RestoreCorruptTest {};
 
 TEST_F(UnstoredRecordTest, AnObjectThatIsGoneNeedsNoDeletion) {
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(Live(ObjectType::kFile, 0x7FFFFFF0)));
+    EXPECT_EQ(kDone, Delete(Live(ObjectType::kFile, 0x7FFFFFF0)));
     EXPECT_TRUE(LogLines().empty());
 }
 
 // The id of a file leads to a record now: the file is gone.
 TEST_F(UnstoredRecordTest, AnIdThatLeadsToAnotherKindOfObjectNeedsNoDeletion) {
-    MakeDatabase(u"People");
-    const CEOID ann = AddRecord(u"People", L"Ann", 1);
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(Live(ObjectType::kDatabase, ann)));
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(Live(ObjectType::kFile, ann)));
-    EXPECT_EQ((std::vector<std::string>{"Ann=1"}), Records(u"People"));
+    MakeDatabase(L"People");
+    const CEOID ann = AddRecord(L"People", L"Ann", 1);
+    EXPECT_EQ(kDone, Delete(Live(ObjectType::kDatabase, ann)));
+    EXPECT_EQ(kDone, Delete(Live(ObjectType::kFile, ann)));
+    EXPECT_EQ((Lines{"Ann=1"}), Records(u"People"));
 }
 
 TEST_F(UnstoredRecordTest, AnUnknownRegistryObjectNeedsNoDeletion) {
     ObjectRecord record = Live(ObjectType::kRegistryValue, 0);
     record.TolvOID = 0x123456;
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(record));
+    EXPECT_EQ(kDone, RestoreObject(record));
 }
 
 TEST_F(UnstoredRecordTest, AnObjectThatIsGoneAndWasNeverStoredCannotBeWrittenBack) {
     ObjectRecord record = Live(ObjectType::kFile, 0x7FFFFFF0);
     record.flags = JF_DELETE;
-    EXPECT_EQ(RestoreOutcome::kFailed, Restore(record));
-    EXPECT_EQ((std::vector<std::string>{"E DoRestoreRecord: Fail GetOIDInfo"}), LogLines());
+    EXPECT_EQ(kFailed, RestoreObject(record));
+    EXPECT_EQ((Lines{"E DoRestoreRecord: Fail GetOIDInfo"}), LogLines());
 }
 
 // A file that could not be deleted stands in the list of what failed with its sense reversed. Its
@@ -300,7 +290,7 @@ TEST_F(UnstoredRecordTest, ALiveObjectThatWasNeverStoredIsLeftAsItIs) {
     device().PutFile(L"\\a.txt", "precious");
     ObjectRecord record = LiveFile(L"\\a.txt");
     record.flags = JF_DELETE;
-    EXPECT_EQ(RestoreOutcome::kDone, Restore(record));
+    EXPECT_EQ(kDone, RestoreObject(record));
     EXPECT_EQ("precious", device().FileBytes(L"\\a.txt"));
 }
 

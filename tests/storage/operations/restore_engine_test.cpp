@@ -11,190 +11,153 @@ TEST_F(RestoreEngineTest, AStateComesBackASecondRestoreAndABackupFindNothing) {
     device().PutFile(L"\\My Documents\\a.txt", "first");
     device().PutFile(L"\\My Documents\\b.txt", "second");
     device().MakeFolder(L"\\Empty");
-    SetValue(HKEY_CURRENT_USER, L"Key\\Below", L"v", REG_DWORD, Dword(1));
-    MakeDatabase(u"People");
-    AddRecord(u"People", L"Ann", 1);
-    AddRecord(u"People", L"Bob", 2);
-    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
-    const std::string before = StoreContent();
+    SetValue(HKEY_CURRENT_USER, L"Key\\Below", L"v", REG_DWORD, Word(1));
+    MakeDatabase(L"People");
+    AddRecord(L"People", L"Ann", 1);
+    AddRecord(L"People", L"Bob", 2);
+    ASSERT_EQ(Done(), Backup(1));
+    const tests::Contents before = Now();
 
     device().Remove(L"\\My Documents");
     device().Remove(L"\\Empty");
     device().PutFile(L"\\New\\c.txt", "new");
     ::RegDeleteKeyW(HKEY_CURRENT_USER, L"Key");
-    SetValue(HKEY_CURRENT_USER, L"Other", L"v", REG_DWORD, Dword(2));
-    CEOID oid = 0;
-    UniqueHandle(databases_.OpenDatabase(oid, u"People", 0, 0, nullptr));
-    ASSERT_TRUE(databases_.DeleteDatabase(oid));
-    MakeDatabase(u"Others");
-    AddRecord(u"Others", L"Cid", 3);
+    SetValue(HKEY_CURRENT_USER, L"Other", L"v", REG_DWORD, Word(2));
+    device().Command("db-delete People");
+    MakeDatabase(L"Others");
+    AddRecord(L"Others", L"Cid", 3);
 
-    EXPECT_TRUE(RestoreState(1));
-    EXPECT_EQ(ResultCode::kSuccess, code_);
-    EXPECT_EQ(before, StoreContent());
-    EXPECT_EQ("4:" + Dword(1), Value(HKEY_CURRENT_USER, L"Key\\Below", L"v"));
-    EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, L"Other"));
-    EXPECT_EQ((std::vector<std::string>{"Ann=1", "Bob=2"}), Records(u"People"));
-    EXPECT_FALSE(DatabaseExists(u"Others"));
-    ExpectNoLists();
+    EXPECT_EQ(Done(), Restore(1));
+    EXPECT_EQ(before, Now());
+    ExpectClosed();
     EXPECT_NE(nullptr, storage_.journal);
 
-    EXPECT_TRUE(RestoreState(1));
-    EXPECT_EQ(ResultCode::kNoDifference, code_);
-    EXPECT_EQ(ResultCode::kNoDifference, Backup(2));
+    EXPECT_EQ(Done(ResultCode::kNoDifference), Restore(1));
+    EXPECT_EQ(Done(ResultCode::kNoDifference), Backup(2));
 }
 
 TEST_F(RestoreEngineTest, AnOlderStateComesBackAndTheLastOneAfterIt) {
     device().PutFile(L"\\a.txt", "one");
-    device().PutFile(L"\\gone.txt", "in one only");
-    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
-    const std::string one = StoreContent();
+    BackUpWith(L"\\gone.txt", "in one only");
+    const tests::Contents one = Now();
     device().PutFile(L"\\a.txt", "two, longer");
     device().Remove(L"\\gone.txt");
     device().PutFile(L"\\b.txt", "in two only");
-    ASSERT_EQ(ResultCode::kSuccess, Backup(2));
-    const std::string two = StoreContent();
+    ASSERT_EQ(Done(), Backup(2));
+    const tests::Contents two = Now();
     for (int round = 0; round < 2; ++round) {
-        EXPECT_TRUE(RestoreState(1));
-        EXPECT_EQ(ResultCode::kSuccess, code_);
-        EXPECT_EQ(one, StoreContent());
-        EXPECT_TRUE(RestoreState(2));
-        EXPECT_EQ(ResultCode::kSuccess, code_);
-        EXPECT_EQ(two, StoreContent());
+        EXPECT_EQ(Done(), Restore(1));
+        EXPECT_EQ(one, Now());
+        EXPECT_EQ(Done(), Restore(2));
+        EXPECT_EQ(two, Now());
     }
-    EXPECT_EQ(ResultCode::kNoDifference, Backup(3));
+    EXPECT_EQ(Done(ResultCode::kNoDifference), Backup(3));
 }
 
 TEST_F(RestoreEngineTest, WithNothingToDoCompleteIsPostedThreeTimes) {
-    device().PutFile(L"\\a.txt", "one");
-    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    BackUpWith(L"\\a.txt", "one");
     progress_.texts.clear();
-    EXPECT_TRUE(RestoreState(1));
-    EXPECT_EQ(ResultCode::kNoDifference, code_);
+    EXPECT_EQ(Done(ResultCode::kNoDifference), Restore(1));
     ASSERT_EQ(8u + 3u, progress_.texts.size());
     EXPECT_EQ(3, std::count(progress_.texts.end() - 3, progress_.texts.end(), u"Complete."));
-    ExpectNoLists();
+    ExpectClosed();
 }
 
 TEST_F(RestoreEngineTest, TheStepsOfARestoreAreAnnouncedInOrder) {
-    device().PutFile(L"\\a.txt", "one");
-    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    BackUpWith(L"\\a.txt", "one");
     device().PutFile(L"\\a.txt", "two, longer");
     progress_.texts.clear();
-    EXPECT_TRUE(RestoreState(1));
-    EXPECT_EQ(
-        (std::vector<std::u16string>{
-            u"Preparing object list...", u"Scanning files...", u"Scanning HKCR registry entry...",
-            u"Scanning HKCU registry entry...", u"Scanning HKLM registry entry...",
-            u"Scanning HKU registry entry...", u"Scanning databases...", u"Finding differences...",
-            u"Restoring...", u"Saving object list...", u"Loading object list..."}),
-        progress_.texts);
+    EXPECT_TRUE(Restore(1).done);
+    EXPECT_EQ((Texts{u"Preparing object list...", u"Scanning files...",
+                     u"Scanning HKCR registry entry...", u"Scanning HKCU registry entry...",
+                     u"Scanning HKLM registry entry...", u"Scanning HKU registry entry...",
+                     u"Scanning databases...", u"Finding differences...", u"Restoring...",
+                     u"Saving object list...", u"Loading object list..."}),
+              progress_.texts);
 }
 
 TEST_F(RestoreEngineTest, WithoutItsStorageFileTheDifferencesCannotBeFound) {
-    device().Remove(L"\\Storage Card\\t.sav");
-    EXPECT_FALSE(RestoreState(1));
-    EXPECT_EQ(ResultCode::kNoDifferenceList, code_);
+    device().Remove(Wide(kSav));
+    EXPECT_EQ(Failed(ResultCode::kNoDifferenceList), Restore(1));
 }
 
 TEST_F(RestoreEngineTest, WithoutAJournalTheDifferencesCannotBeFoundAndTheDeviceStays) {
     device().PutFile(L"\\a.txt", "one");
     storage_.journal.reset();
-    EXPECT_FALSE(RestoreState(1));
-    EXPECT_EQ(ResultCode::kNoDifferenceList, code_);
+    EXPECT_EQ(Failed(ResultCode::kNoDifferenceList), Restore(1));
     EXPECT_TRUE(device().Exists(L"\\a.txt"));
 }
 
 TEST_F(RestoreEngineTest, AStorageFileThatCannotBeOpenedForPruningFailsTheRestore) {
-    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    ASSERT_EQ(Done(), Backup(1));
     device().PutFile(L"\\a.txt", "new");
-    device().Fault("CreateFileW", 2, 1, ERROR_SHARING_VIOLATION, "t.sav");
-    EXPECT_FALSE(RestoreState(1));
-    EXPECT_EQ(ResultCode::kFailed, code_);
-    ExpectOnlyTheDifferenceList();
+    device().Fault("CreateFileW", 2, 1, ERROR_SHARING_VIOLATION, "Home.sav");
+    EXPECT_EQ(Failed(), Restore(1));
+    ExpectClosed(true);
     EXPECT_TRUE(device().Exists(L"\\a.txt"));
-    EXPECT_EQ("[]", device().Faults());
 }
 
 TEST_F(RestoreEngineTest,
        AStorageFileThatCannotBeMappedIsADriversFailureAndTheJournalIsLoadedAgain) {
-    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    ASSERT_EQ(Done(), Backup(1));
     device().PutFile(L"\\a.txt", "new");
-    device().Fault("CreateFileForMappingW", 1, 1, ERROR_INVALID_FUNCTION, "t.sav");
-    EXPECT_TRUE(RestoreState(1));
-    EXPECT_EQ(ResultCode::kDriver, code_);
-    ExpectNoLists();
+    device().Fault("CreateFileForMappingW", 1, 1, ERROR_INVALID_FUNCTION, "Home.sav");
+    EXPECT_EQ(Done(ResultCode::kDriver), Restore(1));
+    ExpectClosed();
     ASSERT_NE(nullptr, storage_.journal);
     EXPECT_NE(0u, storage_.journal->CountRecords());
     EXPECT_TRUE(device().Exists(L"\\a.txt"));
-    EXPECT_EQ("[]", device().Faults());
 }
 
 TEST_F(RestoreEngineTest, AJournalThatCannotBeLoadedAgainIsReportedAndThereIsNone) {
-    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    ASSERT_EQ(Done(), Backup(1));
     device().PutFile(L"\\a.txt", "new");
-    device().Fault("CreateFileW", 2, 1, ERROR_SHARING_VIOLATION, "t.jrn");  // after ".jrn_1"
-    EXPECT_FALSE(RestoreState(1));
-    EXPECT_EQ(ResultCode::kJournalUnreadable, code_);
+    device().Fault("CreateFileW", 2, 1, ERROR_SHARING_VIOLATION, "Home.jrn");  // after ".jrn_1"
+    EXPECT_EQ(Failed(ResultCode::kJournalUnreadable), Restore(1));
     EXPECT_EQ(nullptr, storage_.journal);
     EXPECT_FALSE(device().Exists(L"\\a.txt"));
-    ExpectOnlyTheDifferenceList();
-    EXPECT_EQ("[]", device().Faults());
+    ExpectClosed(true);
 }
 
 // Without a journal nothing else may run: that is what has to be told.
 TEST_F(RestoreEngineTest, AnUnreadableJournalIsReportedRatherThanADriversFailure) {
-    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    ASSERT_EQ(Done(), Backup(1));
     device().PutFile(L"\\a.txt", "new");
-    device().Fault("CreateFileForMappingW", 1, 1, ERROR_INVALID_FUNCTION, "t.sav");
-    device().Fault("CreateFileW", 2, 1, ERROR_SHARING_VIOLATION, "t.jrn");
-    EXPECT_FALSE(RestoreState(1));
-    EXPECT_EQ(ResultCode::kJournalUnreadable, code_);
+    device().Fault("CreateFileForMappingW", 1, 1, ERROR_INVALID_FUNCTION, "Home.sav");
+    device().Fault("CreateFileW", 2, 1, ERROR_SHARING_VIOLATION, "Home.jrn");
+    EXPECT_EQ(Failed(ResultCode::kJournalUnreadable), Restore(1));
     EXPECT_EQ(nullptr, storage_.journal);
-    EXPECT_EQ("[]", device().Faults());
 }
 
 // The key seems to be another one, new on the device; deleting it would take its values along.
 TEST_F(RestoreEngineTest, AKeyWhoseBlockIsDamagedKeepsItsValues) {
-    SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Dword(1));
-    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
-    std::string sav = device().FileBytes(L"\\Storage Card\\t.sav");
-    const std::size_t name = sav.find(std::string("K\0e\0y\0\0\0", 8));
+    SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Word(1));
+    ASSERT_EQ(Done(), Backup(1));
+    std::string sav = Content(kSav);
+    const std::size_t name = sav.find(Terminated(u"Key"));
     ASSERT_NE(std::string::npos, name);
     sav[name - 4] = 7;  // a name of an odd length
-    device().PutFile(L"\\Storage Card\\t.sav", sav);
+    Put(kSav, sav);
     // Another object took the identifier first at this backup.
-    ObjectRecord* record = nullptr;
-    for (auto cursor = storage_.journal->First(); ObjectList::Next(cursor, nullptr, &record);) {
-        record->TolvOID ^= record->propOffset == name - 26 ? 0x01000000u : 0;
+    for (const ObjectList::Node& node : *storage_.journal) {
+        node.record->TolvOID ^= node.record->propOffset == name - 26 ? 0x01000000u : 0;
     }
-    EXPECT_TRUE(RestoreState(1));
-    EXPECT_EQ(ResultCode::kFailed, code_);
-    EXPECT_EQ("4:" + Dword(1), Value(HKEY_CURRENT_USER, L"Key", L"v"));
+    EXPECT_EQ(Done(ResultCode::kFailed), Restore(1));
+    EXPECT_EQ("4:" + Word(1), Value(HKEY_CURRENT_USER, L"Key", L"v"));
 }
 
 TEST_F(RestoreEngineTest, FailedObjectsAreReportedRatherThanAnUnreadableJournal) {
-    device().PutFile(L"\\a.txt", "stored");
-    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    BackUpWith(L"\\a.txt", "stored");
     const auto lock = device().Lock(L"\\a.txt");  // not seen by the scan: to be written back
-    device().Fault("CreateFileW", 2, 1, ERROR_SHARING_VIOLATION, "t.jrn");
-    EXPECT_FALSE(RestoreState(1));
-    EXPECT_EQ(ResultCode::kFailed, code_);
+    device().Fault("CreateFileW", 2, 1, ERROR_SHARING_VIOLATION, "Home.jrn");
+    EXPECT_EQ(Failed(), Restore(1));
     EXPECT_EQ(nullptr, storage_.journal);
-    ExpectOnlyTheDifferenceList();
-    EXPECT_EQ("[]", device().Faults());
+    ExpectClosed(true);
 }
 
 TEST_F(RestoreEngineTest, FailedObjectsLeaveTheDifferenceListWithExactlyThem) {
-    device().PutFile(L"\\a.txt", "stored");
-    device().PutFile(L"\\b.txt", "stored");
-    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
-    device().PutFile(L"\\a.txt", "changed since");
-    device().Remove(L"\\b.txt");
-    device().SetAttributes(L"\\a.txt", FILE_ATTRIBUTE_READONLY);
-    EXPECT_TRUE(RestoreState(1));
-    EXPECT_EQ(ResultCode::kFailed, code_);
-    ExpectOnlyTheDifferenceList();
+    RestoreTwoFilesOfWhichOneIsReadOnly();
+    ExpectClosed(true);
     // Neither could the new version be deleted nor the old one written.
     std::vector<std::uint16_t> flags = DifferenceFlags();
     std::sort(flags.begin(), flags.end());
@@ -204,14 +167,7 @@ TEST_F(RestoreEngineTest, FailedObjectsLeaveTheDifferenceListWithExactlyThem) {
 }
 
 TEST_F(RestoreEngineTest, NewIdsOfWhatSucceededAreSavedThoughOthersFailed) {
-    device().PutFile(L"\\a.txt", "stored");
-    device().PutFile(L"\\b.txt", "stored");
-    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
-    device().PutFile(L"\\a.txt", "changed since");
-    device().Remove(L"\\b.txt");
-    device().SetAttributes(L"\\a.txt", FILE_ATTRIBUTE_READONLY);
-    EXPECT_TRUE(RestoreState(1));
-    EXPECT_EQ(ResultCode::kFailed, code_);
+    RestoreTwoFilesOfWhichOneIsReadOnly();
     const std::uint32_t oid = device().Info(L"\\b.txt").oid;
     const auto journal = JournalOnCard();
     EXPECT_EQ(1, std::count_if(journal.begin(), journal.end(),
@@ -219,147 +175,130 @@ TEST_F(RestoreEngineTest, NewIdsOfWhatSucceededAreSavedThoughOthersFailed) {
 }
 
 TEST_F(RestoreEngineTest, OnACardWithoutRoomForAnotherJournalTheOldOneStaysAsItIs) {
-    device().PutFile(L"\\a.txt", "stored");
-    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    BackUpWith(L"\\a.txt", "stored");
     device().Remove(L"\\a.txt");
-    const std::string journal = device().FileBytes(L"\\Storage Card\\t.jrn");
+    const Bytes journal = Content(kJournal);
     device().Set("card.free", std::to_string(journal.size() - 1));
-    EXPECT_TRUE(RestoreState(1));
-    EXPECT_EQ(ResultCode::kSuccess, code_);
+    EXPECT_EQ(Done(), Restore(1));
     EXPECT_EQ("stored", device().FileBytes(L"\\a.txt"));
-    EXPECT_EQ(journal, device().FileBytes(L"\\Storage Card\\t.jrn"));
-    EXPECT_FALSE(device().Exists(L"\\Storage Card\\t.jrn_1"));
+    EXPECT_EQ(journal, Content(kJournal));
+    EXPECT_FALSE(Exists(kJournalTemporary));
     ASSERT_NE(nullptr, storage_.journal);
     EXPECT_EQ(journal.size() / 32, storage_.journal->CountRecords());
     // The ids in it are those from before: the next backup stores the file once more.
     device().Set("card.free", "10000000");
-    EXPECT_EQ(ResultCode::kSuccess, Backup(2));
+    EXPECT_EQ(Done(), Backup(2));
 }
 
 TEST_F(RestoreEngineTest, OnACardWithJustEnoughRoomTheJournalIsSaved) {
-    device().PutFile(L"\\a.txt", "stored");
-    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    BackUpWith(L"\\a.txt", "stored");
     device().Remove(L"\\a.txt");
-    const std::string journal = device().FileBytes(L"\\Storage Card\\t.jrn");
+    const Bytes journal = Content(kJournal);
     device().Set("card.free", std::to_string(journal.size()));
-    EXPECT_TRUE(RestoreState(1));
-    EXPECT_EQ(ResultCode::kSuccess, code_);
-    EXPECT_EQ(journal.size(), device().FileBytes(L"\\Storage Card\\t.jrn").size());
-    EXPECT_EQ(ResultCode::kNoDifference, Backup(2));
+    EXPECT_EQ(Done(), Restore(1));
+    EXPECT_EQ(journal.size(), Content(kJournal).size());
+    EXPECT_EQ(Done(ResultCode::kNoDifference), Backup(2));
 }
 
 TEST_F(RestoreEngineTest, WhenTheRoomOnTheCardCannotBeToldTheJournalStaysAsItIs) {
-    device().PutFile(L"\\a.txt", "stored");
-    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    BackUpWith(L"\\a.txt", "stored");
     device().Remove(L"\\a.txt");
-    const std::string journal = device().FileBytes(L"\\Storage Card\\t.jrn");
-    device().Fault("GetDiskFreeSpaceExW", 1, 1, ERROR_NOT_READY);
-    EXPECT_TRUE(RestoreState(1));
-    EXPECT_EQ(journal, device().FileBytes(L"\\Storage Card\\t.jrn"));
-    EXPECT_EQ("[]", device().Faults());
+    const Bytes journal = Content(kJournal);
+    Fail("GetDiskFreeSpaceExW", 1, ERROR_NOT_READY);
+    EXPECT_TRUE(Restore(1).done);
+    EXPECT_EQ(journal, Content(kJournal));
 }
 
 TEST_F(RestoreEngineTest, TheRegistryObjectsAreForgottenWithTheDifferenceList) {
-    SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Dword(1));
-    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
-    SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Dword(2));
+    SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Word(1));
+    ASSERT_EQ(Done(), Backup(1));
+    SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Word(2));
     ASSERT_EQ(1, FindDifference(engine_, 1));
     std::uint32_t TolvOID = 0;
-    ObjectList::Cursor cursor = storage_.newer->First();
-    ObjectRecord* record = nullptr;
-    while (ObjectList::Next(cursor, nullptr, &record) && TolvOID == 0) {
-        TolvOID = record->TolvOID;
+    for (const ObjectRecord& record : RecordsOf(*storage_.newer)) {
+        TolvOID = TolvOID != 0 ? TolvOID : record.TolvOID;
     }
     ASSERT_NE(nullptr, storage_.registry_objects.RegObjectFind(TolvOID));
-    EXPECT_TRUE(RestoreState(1));
+    EXPECT_TRUE(Restore(1).done);
     EXPECT_EQ(nullptr, storage_.registry_objects.RegObjectFind(TolvOID));
     // What is left over is described by them.
-    device().Fault("CreateFileW", 2, 1, ERROR_SHARING_VIOLATION, "t.sav");
-    SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Dword(3));
-    EXPECT_FALSE(RestoreState(1));
+    device().Fault("CreateFileW", 2, 1, ERROR_SHARING_VIOLATION, "Home.sav");
+    SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Word(3));
+    EXPECT_FALSE(Restore(1).done);
     EXPECT_NE(nullptr, storage_.registry_objects.RegObjectFind(TolvOID));
-    EXPECT_TRUE(RestoreAdvanced(true));
+    EXPECT_TRUE(RestoreAdvanced(true).done);
     EXPECT_EQ(nullptr, storage_.registry_objects.RegObjectFind(TolvOID));
 }
 
 TEST_F(RestoreEngineTest, ANewUrlCacheDatabaseIsLeftOnTheDevice) {
-    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
-    MakeDatabase(u"\\URL Cache");
-    MakeDatabase(u"\\Other");
-    EXPECT_TRUE(RestoreState(1));
-    EXPECT_EQ(ResultCode::kSuccess, code_);
+    ASSERT_EQ(Done(), Backup(1));
+    MakeDatabase(L"\\URL Cache");
+    MakeDatabase(L"\\Other");
+    EXPECT_EQ(Done(), Restore(1));
     EXPECT_TRUE(DatabaseExists(u"\\URL Cache"));
     EXPECT_FALSE(DatabaseExists(u"\\Other"));
 }
 
 TEST_F(RestoreEngineTest, AnUrlCacheDatabaseThatIsGoneComesBack) {
-    const CEOID oid = MakeDatabase(u"\\URL Cache");
-    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    const CEOID oid = MakeDatabase(L"\\URL Cache");
+    ASSERT_EQ(Done(), Backup(1));
     ASSERT_TRUE(databases_.DeleteDatabase(oid));
-    EXPECT_TRUE(RestoreState(1));
+    EXPECT_TRUE(Restore(1).done);
     EXPECT_TRUE(DatabaseExists(u"\\URL Cache"));
 }
 
 // Oddity 14: reported, with the contents and everything else restored.
 TEST_F(RestoreEngineTest, AFolderWithContentsWhoseAttributesChangedIsReported) {
-    device().PutFile(L"\\Sub\\a.txt", "stored");
-    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    BackUpWith(L"\\Sub\\a.txt", "stored");
     device().SetAttributes(L"\\Sub", FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_HIDDEN);
-    EXPECT_TRUE(RestoreState(1));
-    EXPECT_EQ(ResultCode::kFailed, code_);
+    EXPECT_EQ(Done(ResultCode::kFailed), Restore(1));
     EXPECT_EQ("stored", device().FileBytes(L"\\Sub\\a.txt"));
 }
 
 TEST_F(RestoreEngineTest, AnEmptyFolderWhoseAttributesChangedComesBack) {
     device().MakeFolder(L"\\Sub");
-    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    ASSERT_EQ(Done(), Backup(1));
     device().SetAttributes(L"\\Sub", FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_HIDDEN);
-    EXPECT_TRUE(RestoreState(1));
-    EXPECT_EQ(ResultCode::kSuccess, code_);
+    EXPECT_EQ(Done(), Restore(1));
     EXPECT_EQ(DWORD{FILE_ATTRIBUTE_DIRECTORY}, device().Info(L"\\Sub").attributes);
 }
 
 TEST_F(RestoreEngineTest, AChangedReadOnlyFileIsReported) {
-    device().PutFile(L"\\a.txt", "stored");
-    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    BackUpWith(L"\\a.txt", "stored");
     device().PutFile(L"\\a.txt", "changed since");
     device().SetAttributes(L"\\a.txt", FILE_ATTRIBUTE_READONLY);
-    EXPECT_TRUE(RestoreState(1));
-    EXPECT_EQ(ResultCode::kFailed, code_);
+    EXPECT_EQ(Done(ResultCode::kFailed), Restore(1));
     EXPECT_EQ("changed since", device().FileBytes(L"\\a.txt"));
 }
 
 TEST_F(RestoreEngineTest, ADatabaseWithRecordsWhoseSortOrdersChangedIsReportedAndKeepsItsRecords) {
-    const CEOID oid = MakeDatabase(u"People");
-    AddRecord(u"People", L"Ann", 1);
-    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    const CEOID oid = MakeDatabase(L"People");
+    AddRecord(L"People", L"Ann", 1);
+    ASSERT_EQ(Done(), Backup(1));
     CEDBASEINFO info{};
     info.dwFlags = CEDB_VALIDSORTSPEC;
     info.wNumSortOrder = 1;
     info.rgSortSpecs[0].propid = kName;
     ASSERT_TRUE(databases_.SetDatabaseInfo(oid, info));
-    EXPECT_TRUE(RestoreState(1));
-    EXPECT_EQ(ResultCode::kFailed, code_);
-    EXPECT_EQ((std::vector<std::string>{"Ann=1"}), Records(u"People"));
+    EXPECT_EQ(Done(ResultCode::kFailed), Restore(1));
+    EXPECT_EQ((Lines{"Ann=1"}), Records(u"People"));
 }
 
 TEST_F(RestoreEngineTest, ATreeUnderAFolderNamedRecycledIsReported) {
     device().MakeFolder(L"\\Sub");
-    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    ASSERT_EQ(Done(), Backup(1));
     // The folder of that name is not seen by the scan, so it keeps the new folder above it.
     device().PutFile(L"\\New\\Recycled\\a.txt", "x");
-    EXPECT_TRUE(RestoreState(1));
-    EXPECT_EQ(ResultCode::kFailed, code_);
+    EXPECT_EQ(Done(ResultCode::kFailed), Restore(1));
     EXPECT_TRUE(device().Exists(L"\\New\\Recycled"));
     EXPECT_FALSE(device().Exists(L"\\New\\Recycled\\a.txt"));
 }
 
 TEST_F(RestoreEngineTest, AFolderThatRomFilesKeepIsReported) {
-    ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+    ASSERT_EQ(Done(), Backup(1));
     device().PutFile(L"\\New\\rom.dll", "x");
     device().SetAttributes(L"\\New\\rom.dll", FILE_ATTRIBUTE_INROM);
-    EXPECT_TRUE(RestoreState(1));
-    EXPECT_EQ(ResultCode::kFailed, code_);
+    EXPECT_EQ(Done(ResultCode::kFailed), Restore(1));
     EXPECT_TRUE(device().Exists(L"\\New\\rom.dll"));
 }
 
@@ -369,9 +308,9 @@ TEST_F(RestoreEngineTest, AFileThatWasLockedAtTheBackupIsDeletedByARestoreOfThat
     {
         const auto lock = device().Lock(L"\\a.txt");
         device().PutFile(L"\\b.txt", "y");
-        ASSERT_EQ(ResultCode::kSuccess, Backup(1));
+        ASSERT_EQ(Done(), Backup(1));
     }
-    EXPECT_TRUE(RestoreState(1));
+    EXPECT_TRUE(Restore(1).done);
     EXPECT_FALSE(device().Exists(L"\\a.txt"));
 }
 

@@ -1,90 +1,22 @@
-#include "tests/model/device_image.h"
+#include "tests/model/object_versions.h"
 
 #include <algorithm>
 
-#include "simulator/files/files.h"
-#include "simulator/registry/registry.h"
+#include "tests/support/text.h"
 
 namespace tests {
 namespace {
-
-using sim::databases::DatabaseStore;
-using sim::registry::KeyId;
-using sim::registry::Registry;
-
-const std::u16string kOwnKey = u"HKCU\\Software\\Kestrin2";
-const std::wstring kCard = L"\\Storage Card";
-
-template <typename Text>
-std::string Narrow(const Text& text) {
-    std::string narrow;
-    for (const auto unit : text) {
-        narrow += unit < 0x7F ? std::string(1, static_cast<char>(unit))
-                              : "{" + std::to_string(static_cast<unsigned>(unit)) + "}";
-    }
-    return narrow;
-}
-
-void AddFiles(sim::Device& device, DeviceImage& image) {
-    for (const sim::files::Entry& entry : sim::files::ListAll(device)) {
-        if (entry.on_card || entry.path == kCard) {
-            continue;
-        }
-        ImageFile& file = image.files[entry.path];
-        file.is_folder = entry.is_folder;
-        file.oid = entry.oid;
-        file.content.attributes = entry.attributes;
-        if (!entry.is_folder) {
-            file.content.modified = entry.modified;
-            file.content.bytes = sim::files::Get(device, entry.path);
-        }
-    }
-}
-
-void AddKey(const Registry& registry, const KeyId& key, DeviceImage& image) {
-    const std::u16string path = registry.PathOf(key, true);
-    if (path == kOwnKey) {
-        return;
-    }
-    if (key.size() > 1) {  // a root is always there
-        auto& values = image.keys[path];
-        for (const std::u16string& name : registry.Values(key)) {
-            const auto value = registry.Find(key, name);
-            values[value->name] = {value->type, value->data};
-        }
-    }
-    for (const KeyId& subkey : registry.Subkeys(key)) {
-        AddKey(registry, subkey, image);
-    }
-}
-
-void AddDatabases(sim::Device& device, DeviceImage& image) {
-    const DatabaseStore store(device);
-    for (const std::uint32_t oid : store.All(0)) {
-        const auto shape = store.Get(oid);
-        ImageDatabase& database = image.databases[shape->name];
-        database.shape = *shape;
-        for (const std::uint32_t record : store.Records(oid)) {
-            database.records[record] = *store.Read(oid, record);
-        }
-    }
-}
 
 // Each object's name under all that tells its version. Sort orders are told by their number alone.
 std::multimap<std::string, std::string> Versions(const DeviceImage& image) {
     std::multimap<std::string, std::string> versions;
     for (const auto& [path, file] : image.files) {
-        const std::string line = file.is_folder
-                                     ? FolderLine(path, file.content.attributes)
-                                     : FileLine(path, file.content.attributes,
-                                                file.content.modified, file.content.bytes);
-        versions.emplace(line + " " + std::to_string(file.oid), FileName(path));
+        versions.emplace(FileLine(path, file) + " " + std::to_string(file.oid), FileName(path));
     }
     for (const auto& [path, values] : image.keys) {
         versions.emplace(KeyLine(path), KeyName(path));
         for (const auto& [name, value] : values) {
-            versions.emplace(ValueLine(path, name, value.first, value.second),
-                             ValueName(path, name));
+            versions.emplace(ValueLine(path, name, value), ValueName(path, name));
         }
     }
     for (const auto& [name, database] : image.databases) {
@@ -166,9 +98,8 @@ void FollowRecordIds(std::vector<DeviceImage>& states, std::size_t restored,
 }  // namespace
 
 bool SameVersion(const ImageFile& a, const ImageFile& b) {
-    return a.is_folder == b.is_folder && a.oid == b.oid &&
-           a.content.attributes == b.content.attributes &&
-           a.content.modified == b.content.modified && a.content.bytes == b.content.bytes;
+    return a.is_folder == b.is_folder && a.oid == b.oid && a.attributes == b.attributes &&
+           a.modified == b.modified && a.bytes == b.bytes;
 }
 
 bool SameRecord(const sim::databases::Record& a, const sim::databases::Record& b) {
@@ -201,38 +132,6 @@ void FollowIds(std::vector<DeviceImage>& states, std::size_t restored, const Dev
             });
         FollowRecordIds(states, restored, name, entry.second, now.databases.at(name));
     }
-}
-
-DeviceModel DeviceImage::Model() const {
-    DeviceModel model;
-    for (const auto& [path, file] : files) {
-        if (file.is_folder) {
-            model.folders[path] = file.content.attributes;
-        } else {
-            model.files[path] = file.content;
-        }
-    }
-    model.keys = keys;
-    for (const auto& [name, database] : databases) {
-        ModelDatabase& made = model.databases[name];
-        made.shape = database.shape;
-        for (const auto& [oid, record] : database.records) {
-            made.records.push_back(record);
-        }
-    }
-    return model;
-}
-
-DeviceImage ImageOf(sim::Device& device) {
-    const sim::LogStore::View view(device.store());
-    DeviceImage image;
-    AddFiles(device, image);
-    const Registry registry(device);
-    for (std::uint32_t root = 0; root < sim::registry::kRootCount; ++root) {
-        AddKey(registry, sim::registry::RootId(root), image);
-    }
-    AddDatabases(device, image);
-    return image;
 }
 
 std::string FileName(const std::wstring& path) { return "file " + Narrow(path); }

@@ -7,10 +7,10 @@
 
 namespace tests {
 
-class DeviceImage {
+class FolderCopy {
 public:
-    DeviceImage() = default;
-    explicit DeviceImage(const std::wstring& folder);
+    FolderCopy() = default;
+    explicit FolderCopy(const std::wstring& folder);
     void PutBack(const std::wstring& folder) const;
 
 private:

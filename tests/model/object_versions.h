@@ -1,40 +1,18 @@
-// What a device holds, with the object ids that a backup stores beside it, read past the program.
+// The versions of objects in images of a device: what a backup adds of them, and the ids that they
+// get when a restore writes them back.
 #pragma once
 
 #include <cstdint>
-#include <map>
 #include <set>
 #include <string>
 #include <vector>
 
-#include "tests/model/device_model.h"
+#include "tests/support/contents.h"
 
 namespace tests {
 
-struct ImageFile {
-    bool is_folder = false;
-    std::uint32_t oid = 0;
-    ModelFile content;  // of a folder the attributes alone
-};
-
-struct ImageDatabase {
-    sim::databases::Database shape;
-    std::map<std::uint32_t, sim::databases::Record> records;
-};
-
-struct DeviceImage {
-    std::map<std::wstring, ImageFile> files;
-    std::map<std::u16string, std::map<std::u16string, ModelValue>> keys;
-    std::map<std::u16string, ImageDatabase> databases;
-
-    DeviceModel Model() const;  // without the ids
-};
-
 bool SameVersion(const ImageFile& a, const ImageFile& b);
 bool SameRecord(const sim::databases::Record& a, const sim::databases::Record& b);
-
-// Nothing of the card, nothing of the program's own settings.
-DeviceImage ImageOf(sim::Device& device);
 
 // Names an object by its kind and name: two versions of one object are called the same, and so are
 // the lines of the object's records in a list.

@@ -1,4 +1,4 @@
-#include "tests/faults/device_image.h"
+#include "tests/faults/folder_copy.h"
 
 #include <chrono>
 #include <cstdio>
@@ -41,7 +41,7 @@ void Write(const std::wstring& file, const std::string& bytes) {
 
 }  // namespace
 
-DeviceImage::DeviceImage(const std::wstring& folder) {
+FolderCopy::FolderCopy(const std::wstring& folder) {
     ForEachFile(folder, L"", [&](const std::wstring& name) {
         if (!IsGate(name)) {
             files_[name] = sim::host::ReadWhole(folder + name).value();
@@ -49,7 +49,7 @@ DeviceImage::DeviceImage(const std::wstring& folder) {
     });
 }
 
-void DeviceImage::PutBack(const std::wstring& folder) const {
+void FolderCopy::PutBack(const std::wstring& folder) const {
     std::vector<std::wstring> others;
     ForEachFile(folder, L"", [&](const std::wstring& name) {
         if (!IsGate(name) && files_.count(name) == 0) {
