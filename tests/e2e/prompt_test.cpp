@@ -1,6 +1,4 @@
 // The prompt that counts down before an automatic backup.
-#include "platform/win32.h"
-
 #include "test_folders.h"
 #include "tests/e2e/launch_fixture.h"
 

@@ -236,16 +236,10 @@ TEST_F(ResourcesTest, TheReminder) {
     const Dialog dialog = Template(IDD_REMINDER);
     EXPECT_EQ("Reminder", dialog.caption);
     ASSERT_EQ(4u, dialog.items.size());
-    const struct {
-        int id;
-        std::string window_class;
-    } kItems[] = {{IDC_REMINDER_TEXT, kStatic},
-                  {IDC_REMINDER_OFF, kButton},
-                  {kOk, kButton},
-                  {kCancel, kButton}};
-    for (std::size_t i = 0; i < std::size(kItems); ++i) {
-        EXPECT_EQ(kItems[i].id, dialog.items[i].id);
-        EXPECT_EQ(kItems[i].window_class, dialog.items[i].window_class);
+    const int ids[] = {IDC_REMINDER_TEXT, IDC_REMINDER_OFF, kOk, kCancel};
+    for (std::size_t i = 0; i < 4; ++i) {
+        EXPECT_EQ(ids[i], dialog.items[i].id);
+        EXPECT_EQ(i == 0 ? kStatic : kButton, dialog.items[i].window_class);
     }
     EXPECT_EQ(3u, dialog.items[1].style & 0xF);  // a check box that checks itself
     EXPECT_EQ("OK", dialog.items[2].text);

@@ -233,6 +233,13 @@ void UiTest::ExpectFocus(const std::string& keys, int id) {
     EXPECT_TRUE(FocusComesTo(id)) << keys << " to " << id;
 }
 
+void UiTest::ExpectFocusOn(const KeyToControl& row) {
+    if (SelectedTab() != row.tab) {
+        ShowTab(row.tab);
+    }
+    ExpectFocus(row.keys, row.control);
+}
+
 bool UiTest::BoxIsUp() {
     return Find([](const Window& window) {
                return window.class_name == kBoxClass && window.visible;

@@ -134,6 +134,14 @@ protected:
     // Presses keys that lead to a control.
     void ExpectFocus(const std::string& keys, int id);
 
+    // The same on a tab, which is shown for it.
+    struct KeyToControl {
+        const char* tab;
+        const char* keys;
+        int control;
+    };
+    void ExpectFocusOn(const KeyToControl& row);
+
     // Waits for a message box, reads it and presses a button of it.
     Box Answer(int button = IDOK);
     void ExpectBox(const Box& expected, int button = IDOK);
@@ -151,6 +159,11 @@ protected:
     }
     bool BecomesIdle() {
         return Eventually([&] { return !IsBusy(); });
+    }
+    // Lets a held operation go on to its end.
+    void LetGoAndRest() {
+        LetGo();
+        EXPECT_TRUE(BecomesIdle());
     }
     // An operation ends with these states.
     void ExpectStates(const Numbers& states) { EXPECT_SOON_EQ(states, IdleStates()); }

@@ -1,6 +1,4 @@
 // The About page: name and version, and an animation that costs nothing once it has ended.
-#include "platform/win32.h"
-
 #include <cstring>
 #include <filesystem>
 #include <fstream>

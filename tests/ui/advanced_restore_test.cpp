@@ -1,6 +1,4 @@
 // The Advanced Restore page: the differences of a state in the tree, and its two buttons.
-#include "platform/win32.h"
-
 #include "simulator/databases/database_store.h"
 #include "tests/support/ui_test.h"
 #include "tests/ui/stored_states.h"

@@ -1,6 +1,4 @@
 // The Backup page: what it tells of the storage, and the new state's description.
-#include "platform/win32.h"
-
 #include "tests/support/ui_test.h"
 
 namespace tests {

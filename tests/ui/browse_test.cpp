@@ -1,6 +1,4 @@
 // Choosing a storage file: what the open dialog is given, and what each choice comes to.
-#include "platform/win32.h"
-
 #include "tests/ui/storage_ui_test.h"
 
 namespace tests {

@@ -1,7 +1,5 @@
 // A card that is taken out while the program runs, and another one, with files of the same names,
 // put in: nothing of one storage may reach the other.
-#include "platform/win32.h"
-
 #include "tests/support/ui_test.h"
 
 namespace tests {

@@ -170,8 +170,7 @@ TEST_F(DescriptionDialogTest, AnOperationUnderItLeavesTheNewStorageUnopened) {
     StartHeldBackupOfNote();
     ::PostMessageW(dialog, WM_COMMAND, IDOK, 0);
     EXPECT_SOON(!::IsWindow(dialog) && device().Exists(kNew + L".jrn"));
-    LetGo();
-    EXPECT_TRUE(BecomesIdle());
+    LetGoAndRest();
     EXPECT_EQ("Backup", SettingText("StorageFile"));
     EXPECT_EQ((Numbers{1, 2, 3}), States());
     EXPECT_EQ(1u, Calls("CreateFileW", "New.sav"));  // made, never opened

@@ -1,6 +1,4 @@
 // The main dialog: tabs, keys and closing.
-#include "platform/win32.h"
-
 #include "tests/support/ui_test.h"
 
 namespace tests {

@@ -50,11 +50,7 @@ TEST_F(HelpTest, F1OpensTheContentsFromEveryControl) {
     // Alt+D on the Options page begins a countdown, which would start the agent.
     Ask("set sleep.scale 0");
     OpenWithoutViewer();
-    const struct {
-        const char* tab;
-        const char* keys;
-        int control;
-    } kControls[] = {
+    const KeyToControl kControls[] = {
         {"Backup", "alt+d", IDC_NEW_DESCRIPTION},
         {"Backup", "tab", IDC_BACKUP},
         {"Backup", "tab", IDC_TABS},
@@ -65,10 +61,7 @@ TEST_F(HelpTest, F1OpensTheContentsFromEveryControl) {
         {"Options", "tab", IDC_TIME},
     };
     for (const auto& place : kControls) {
-        if (SelectedTab() != place.tab) {
-            ShowTab(place.tab);
-        }
-        ExpectFocus(place.keys, place.control);
+        ExpectFocusOn(place);
         Ask("trace on");
         Keys("f1");
         ExpectHelp("tolvenar.htc");

@@ -1,7 +1,5 @@
 // What is hidden must not keep the keyboard: keys would go nowhere, and the search for an
 // underlined letter, which starts at the focus and passes over what is hidden, would never end.
-#include "platform/win32.h"
-
 #include "tests/support/ui_test.h"
 
 namespace tests {

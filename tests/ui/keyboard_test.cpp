@@ -1,6 +1,4 @@
 // The dialog by keyboard alone.
-#include "platform/win32.h"
-
 #include "tests/support/ui_test.h"
 
 namespace tests {
@@ -88,11 +86,7 @@ TEST_F(KeyboardTest, TabGoesThroughEachPageAsItIsReadAndTheTabs) {
 }
 
 TEST_F(KeyboardTest, UnderlinedLettersLeadToTheirControls) {
-    const struct {
-        const char* tab;
-        const char* keys;
-        int control;
-    } kLetters[] = {
+    const KeyToControl kLetters[] = {
         {"Backup", "alt+d", IDC_NEW_DESCRIPTION},
         {"Restore", "alt+e", IDC_STATE_DESCRIPTION},
         {"Restore", "alt+s", IDC_STATES},
@@ -102,10 +96,7 @@ TEST_F(KeyboardTest, UnderlinedLettersLeadToTheirControls) {
     Open();
     Keys("tab");
     for (const auto& letter : kLetters) {
-        if (SelectedTab() != letter.tab) {
-            ShowTab(letter.tab);
-        }
-        ExpectFocus(letter.keys, letter.control);
+        ExpectFocusOn(letter);
     }
     ShowTab("Backup");
     Keys("alt+u");

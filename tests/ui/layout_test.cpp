@@ -1,7 +1,5 @@
 // Every page on the two screens that the dialog is made for: nothing clipped, nothing on top of
 // anything else, nothing too small for a finger.
-#include "platform/win32.h"
-
 #include "platform/unique_resource.h"
 #include "tests/support/ui_test.h"
 

@@ -1,6 +1,4 @@
 // Backups and restores asked for in the dialog, and every message that they can end in.
-#include "platform/win32.h"
-
 #include "tests/support/ui_test.h"
 
 namespace tests {
@@ -33,8 +31,7 @@ protected:
     // The button's operation ends in a fault, and is over with this box.
     void ExpectFailure(int button, const Box& box) {
         PressAndExpect(button, box);
-        LetGo();
-        EXPECT_TRUE(BecomesIdle());
+        LetGoAndRest();
     }
     void ExpectNoStorage() {
         ShowTab("Storage file");

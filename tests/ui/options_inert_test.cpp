@@ -1,7 +1,5 @@
 // The Options page while an operation runs: the schedule belongs to the operation, which has put
 // zeros in its place.
-#include "platform/win32.h"
-
 #include <map>
 
 #include "tests/support/ui_test.h"
@@ -75,8 +73,7 @@ TEST_F(OptionsInertTest, AnOperationKeepsSwitchesAndTimeAsTheyAreAndReadsNothing
     EXPECT_EQ(0u, Dword("onBattery").value_or(0));
     EXPECT_EQ(0u, Dword("WakeUpTime"));
     ASSERT_TRUE(ScheduleIsOff());
-    LetGo();
-    EXPECT_TRUE(BecomesIdle());
+    LetGoAndRest();
     EXPECT_EQ(1u, Dword("onTime"));
     EXPECT_EQ(0u, Dword("onBattery").value_or(0));
     EXPECT_EQ(0u, Dword("AdvancedTreeView").value_or(0));
@@ -94,8 +91,7 @@ TEST_F(OptionsInertTest, APageThatIsMadeDuringAnOperationShowsTheSettings) {
     EXPECT_TRUE(HasMark(IDC_ON_TIME));
     EXPECT_EQ("2026-11-16T07:30:00", AnyControl(IDC_TIME).text);
     ASSERT_TRUE(ScheduleIsOff());
-    LetGo();
-    EXPECT_TRUE(BecomesIdle());
+    LetGoAndRest();
 }
 
 // The backup ends with another page, which applies it; what is set then is registered.
@@ -106,8 +102,7 @@ TEST_F(OptionsInertTest, ACountdownThatAnOperationMeetsIsAppliedAfterIt) {
     EXPECT_EQ(0u, AgentStarts());
     EXPECT_EQ(0u, Ask("notifications").size());
     ASSERT_TRUE(ScheduleIsOff());
-    LetGo();
-    EXPECT_TRUE(BecomesIdle());
+    LetGoAndRest();
     EXPECT_SOON_EQ(1u, AgentStarts());
     EXPECT_EQ(1u, Dword("onBattery"));
     EXPECT_SOON_EQ(4u, Ask("notifications").size());
@@ -120,8 +115,7 @@ TEST_F(OptionsInertTest, APageThatIsLeftDuringAnOperationAppliesNothingYet) {
     EXPECT_FALSE(::IsWindowVisible(Page()));
     EXPECT_EQ(0u, AgentStarts());
     ASSERT_TRUE(ScheduleIsOff());
-    LetGo();
-    EXPECT_TRUE(BecomesIdle());
+    LetGoAndRest();
     TickThreeTimes();
     EXPECT_EQ(1u, AgentStarts());
     EXPECT_SOON_EQ(4u, Ask("notifications").size());

@@ -1,6 +1,4 @@
 // The Options page: what it shows, what it writes and when the automatic backup follows.
-#include "platform/win32.h"
-
 #include "tests/support/ui_test.h"
 
 namespace tests {

@@ -130,8 +130,7 @@ TEST_F(PopupTest, APopupThatComesTooLateIsDoneWithout) {
     Press(IDC_BACKUP);
     EXPECT_SOON_EQ((Numbers{1, 2}), States());
     EXPECT_LE(std::chrono::seconds(5), std::chrono::steady_clock::now() - start);
-    LetGo();
-    EXPECT_TRUE(BecomesIdle());
+    LetGoAndRest();
     EXPECT_FALSE(Shows("Backing up in progress"));
     EXPECT_SOON(IsEnabled(kMainTitle));
     EXPECT_TRUE(TotalBar("Backing up in progress").empty());

@@ -130,8 +130,7 @@ TEST_F(ResponsiveTest, TheDialogIsDrawnAgainWhileABackupWorks) {
     ::DestroyWindow(cover);
     EXPECT_SOON(IsSameWithin(tabs, before, Screen()));
     EXPECT_EQ(Numbers{1}, States());  // it still works
-    LetGo();
-    EXPECT_TRUE(BecomesIdle());
+    LetGoAndRest();
 }
 
 }  // namespace

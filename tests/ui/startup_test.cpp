@@ -1,6 +1,4 @@
 // What the interactive start makes of the storage that the settings name.
-#include "platform/win32.h"
-
 #include "tests/ui/storage_ui_test.h"
 
 namespace tests {

@@ -1,6 +1,4 @@
 // The Storage file page, and what the others do when another storage is open, or none.
-#include "platform/win32.h"
-
 #include "simulator/host/window_thread.h"
 #include "tests/ui/storage_ui_test.h"
 
@@ -124,8 +122,7 @@ TEST_F(StoragePageTest, DuringAnOperationNoStorageIsChosen) {
     EXPECT_TRUE(sim::host::AnswerTime(::GetParent(button), kLimitMs, WM_COMMAND,
                                       MAKEWPARAM(IDC_BROWSE, BN_CLICKED),
                                       reinterpret_cast<LPARAM>(button)));
-    LetGo();
-    EXPECT_TRUE(BecomesIdle());
+    LetGoAndRest();
     ExpectTab("Restore");
     EXPECT_FALSE(Shows(kOpenTitle));
 
@@ -136,8 +133,7 @@ TEST_F(StoragePageTest, DuringAnOperationNoStorageIsChosen) {
     StartHeldBackupOfNote();
     ::PostMessageW(dialog, WM_COMMAND, IDOK, 0);
     EXPECT_SOON(!::IsWindow(dialog));
-    LetGo();
-    EXPECT_TRUE(BecomesIdle());
+    LetGoAndRest();
     EXPECT_EQ("Backup", SettingText("StorageFile"));
     EXPECT_EQ(0u, Calls("CreateFileW", "Other"));
     EXPECT_EQ((Numbers{1, 2, 3, 4}), States());
