@@ -4,7 +4,7 @@
 #include <stdexcept>
 
 #include "simulator/notifications/notifications.h"
-#include "simulator/store/names.h"
+#include "simulator/store/utf8.h"
 
 namespace sim::notifications {
 namespace {
@@ -12,7 +12,7 @@ namespace {
 using nlohmann::json;
 
 json TextJson(const std::optional<std::u16string>& text) {
-    return text ? json(ToUtf8(*text)) : json();
+    return text ? json(Utf8(*text)) : json();
 }
 
 std::optional<std::u16string> TextOf(const json& from, const char* name) {
@@ -20,7 +20,7 @@ std::optional<std::u16string> TextOf(const json& from, const char* name) {
     if (at == from.end() || at->is_null()) {
         return std::nullopt;
     }
-    return FromUtf8(at->get<std::string>());
+    return Wide16(at->get<std::string>());
 }
 
 json TimeJson(const Time& time) {

@@ -3,6 +3,7 @@
 #include <commctrl.h>
 #include <cstdio>
 
+#include "simulator/store/utf8.h"
 #include "simulator/windows/inspect_tree.h"
 
 namespace sim::windows {
@@ -220,23 +221,6 @@ bool SelectInListView(HWND control, int index) {
 }
 
 }  // namespace
-
-std::string Utf8(const std::wstring& text) {
-    const int units = static_cast<int>(text.size());
-    const int bytes =
-        ::WideCharToMultiByte(CP_UTF8, 0, text.c_str(), units, nullptr, 0, nullptr, nullptr);
-    std::string out(static_cast<std::size_t>(bytes), '\0');
-    ::WideCharToMultiByte(CP_UTF8, 0, text.c_str(), units, &out[0], bytes, nullptr, nullptr);
-    return out;
-}
-
-std::wstring Wide(const std::string& text) {
-    const int bytes = static_cast<int>(text.size());
-    const int units = ::MultiByteToWideChar(CP_UTF8, 0, text.c_str(), bytes, nullptr, 0);
-    std::wstring out(static_cast<std::size_t>(units), L'\0');
-    ::MultiByteToWideChar(CP_UTF8, 0, text.c_str(), bytes, &out[0], units);
-    return out;
-}
 
 std::string ClassOf(HWND window) {
     wchar_t name[128] = L"";
