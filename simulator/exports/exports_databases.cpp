@@ -6,7 +6,6 @@
 
 #include "simulator/databases/open_database.h"
 #include "simulator/exports/gated.h"
-#include "simulator/exports/volume_guid.h"
 #include "simulator/files/files.h"
 #include "simulator/store/names.h"
 #include "simulator/system/handles.h"
@@ -17,11 +16,17 @@ using sim::databases::Database;
 using sim::databases::DatabaseSearch;
 using sim::databases::DatabaseStore;
 using sim::databases::OpenDatabase;
-using sim::exports::IsInvalidGuid;
-using sim::exports::IsSystemGuid;
 using sim::handles::Kind;
 
 constexpr DWORD kStoredFlags = CEDB_NOCOMPRESS | CEDB_SYSTEMDB;
+
+// The two guids that name no mounted volume: all zero is the object store, all ones is any volume.
+bool IsFilledWith(const CEGUID* guid, DWORD word) {
+    return guid != nullptr && guid->Data1 == word && guid->Data2 == word && guid->Data3 == word &&
+           guid->Data4 == word;
+}
+bool IsSystemGuid(const CEGUID* guid) { return IsFilledWith(guid, 0); }
+bool IsInvalidGuid(const CEGUID* guid) { return IsFilledWith(guid, 0xFFFFFFFF); }
 
 // A text of a fixed field, which may fill it without a terminator.
 std::u16string FieldText(const WCHAR* field, std::size_t units) {

@@ -59,6 +59,12 @@ HANDLE OpenHandle(const sim::files::OpenRequest& request) {
     return sim::handles::Register(Kind::kFile, std::move(file));
 }
 
+HANDLE OpenGated(Call call, const sim::files::OpenRequest& request) {
+    return Gated(
+        call, INVALID_HANDLE_VALUE, [&] { return OpenHandle(request); }, request.path,
+        request.access, request.share, request.disposition, request.attributes);
+}
+
 void Fill(WIN32_FIND_DATAW& data, const sim::files::FindEntry& entry) {
     data = {};
     data.dwFileAttributes = entry.info.attributes;
@@ -87,22 +93,13 @@ void Fill(BY_HANDLE_FILE_INFORMATION& data, const sim::files::FileInfo& info) {
 
 HANDLE WINAPI CreateFileW(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES,
                           DWORD disposition, DWORD attributes, HANDLE) {
-    return Gated(
-        Call::CreateFileW, INVALID_HANDLE_VALUE,
-        [&] {
-            return OpenHandle({path, access, share, disposition, attributes, false});
-        },
-        path, access, share, disposition, attributes);
+    return OpenGated(Call::CreateFileW, {path, access, share, disposition, attributes, false});
 }
 
 HANDLE WINAPI CreateFileForMappingW(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES,
                                     DWORD disposition, DWORD attributes, HANDLE) {
-    return Gated(
-        Call::CreateFileForMappingW, INVALID_HANDLE_VALUE,
-        [&] {
-            return OpenHandle({path, access, share, disposition, attributes, true});
-        },
-        path, access, share, disposition, attributes);
+    return OpenGated(Call::CreateFileForMappingW,
+                     {path, access, share, disposition, attributes, true});
 }
 
 BOOL WINAPI ReadFile(HANDLE handle, LPVOID buffer, DWORD bytes, LPDWORD got, LPOVERLAPPED) {
