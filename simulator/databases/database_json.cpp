@@ -6,6 +6,7 @@
 
 #include "simulator/databases/database_store.h"
 #include "simulator/store/hex.h"
+#include "simulator/store/json_rows.h"
 #include "simulator/store/utf8.h"
 
 namespace sim::databases {
@@ -37,19 +38,13 @@ json PropertiesJson(const Record& record) {
 }
 
 json RecordsJson(const DatabaseStore& store, std::uint32_t database) {
-    std::vector<std::pair<std::string, json>> rows;
+    KeyedRows rows;
     for (const std::uint32_t oid : store.Records(database)) {
         json properties = PropertiesJson(*store.Read(database, oid));
         std::string text = properties.dump();
         rows.emplace_back(std::move(text), json{{"oid", oid}, {"props", std::move(properties)}});
     }
-    std::sort(rows.begin(), rows.end(),
-              [](const auto& a, const auto& b) { return a.first < b.first; });
-    json records = json::array();
-    for (auto& row : rows) {
-        records.push_back(std::move(row.second));
-    }
-    return records;
+    return SortedRows(std::move(rows));
 }
 
 [[noreturn]] void Fail(const Database& database, const char* what) {

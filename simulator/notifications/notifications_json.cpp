@@ -1,9 +1,9 @@
-#include <algorithm>
 #include <cstdio>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
 #include "simulator/notifications/notifications.h"
+#include "simulator/store/json_rows.h"
 #include "simulator/store/utf8.h"
 
 namespace sim::notifications {
@@ -106,20 +106,14 @@ Notification NotificationOf(const json& from) {
 }  // namespace
 
 json DumpJson(Device& device) {
-    std::vector<std::pair<std::string, json>> rows;
+    KeyedRows rows;
     for (const Notification& notification : All(device)) {
         json row = WithoutHandle(notification);
         std::string text = row.dump();
         row["handle"] = notification.handle;
         rows.emplace_back(std::move(text), std::move(row));
     }
-    std::sort(rows.begin(), rows.end(),
-              [](const auto& a, const auto& b) { return a.first < b.first; });
-    json notifications = json::array();
-    for (auto& row : rows) {
-        notifications.push_back(std::move(row.second));
-    }
-    return notifications;
+    return SortedRows(std::move(rows));
 }
 
 void ImportJson(Device& device, const json& notifications) {
