@@ -6,31 +6,57 @@
 namespace sim {
 namespace {
 
-const CommandRow* FindCommand(const std::string& name) {
-    const CommandRows* const families[] = {
-        &DatabaseCommands(), &NotificationCommands(), &FileCommands(),
-        &GateCommands(),     &ProcessCommands(),      &ProfileCommands(),
-        &RegistryCommands(), &SettingCommands(),      &WindowCommands()};
-    for (const CommandRows* family : families) {
-        for (const CommandRow& row : *family) {
-            if (name == row.name) {
-                return &row;
-            }
-        }
-    }
-    return nullptr;
-}
+const CommandRows& Commands() {
+    static const CommandRows rows = {
+        {"db-import", 1, 1, RunDbImport, "FILE"},
+        {"db-export", 1, 1, RunDbExport, "FILE"},
+        {"db-delete", 1, 1, RunDbDelete, "NAME"},
 
-Json Run(Device& device, const Words& words) {
-    const CommandRow* row = words.empty() ? nullptr : FindCommand(words[0]);
-    if (row == nullptr) {
-        throw CommandError("no such command: " + (words.empty() ? std::string() : words[0]));
-    }
-    const Words rest(words.begin() + 1, words.end());
-    if (rest.size() < row->least_words || rest.size() > row->most_words) {
-        throw CommandError(std::string("usage: ") + row->name + " " + row->usage);
-    }
-    return row->run(device, rest);
+        {"notifications", 0, 0, RunNotifications, ""},
+        {"fire", 1, 1, RunFire, "ARGUMENTS"},
+        {"tick", 1, 1, RunTick, "ISO-TIME"},
+
+        {"put", 2, 2, RunPut, "HOST PATH"},
+        {"get", 2, 2, RunGet, "PATH HOST"},
+        {"mkdir", 1, 1, RunMkdir, "PATH"},
+        {"rm", 1, 1, RunRm, "PATH"},
+        {"mv", 2, 2, RunMv, "PATH PATH"},
+        {"attr", 2, 2, RunAttr, "PATH N"},
+        {"touch", 2, 2, RunTouch, "PATH FILETIME"},
+        {"ls", 1, 1, RunLs, "PATH"},
+        {"lock", 1, 2, RunLock, "PATH [none|read|write]"},
+        {"unlock", 1, 1, RunUnlock, "PATH"},
+
+        {"fault", 3, 5, RunFault, "FUNCTION N [COUNT] ERROR [MATCH]"},
+        {"delay", 3, 4, RunDelay, "FUNCTION N MS [MATCH]"},
+        {"crash", 2, 3, RunCrash, "FUNCTION N [MATCH]"},
+        {"crash-half", 2, 3, RunCrashHalf, "WriteFile N [MATCH]"},
+        {"faults", 0, 1, RunFaults, "[all|clear]"},
+        {"trace", 1, 2, RunTrace, "on|off|show [FUNCTION]"},
+        {"counters", 0, 1, RunCounters, "[clear]"},
+
+        {"run", 1, kManyWords, RunRun, "PATH [ARGUMENTS]"},
+        {"start", 1, kManyWords, RunStart, "PATH [ARGUMENTS]"},
+        {"ps", 0, 0, RunPs, ""},
+        {"kill", 1, 1, RunKill, "PID|all"},
+
+        {"create", 1, 1, RunCreate, "PROFILE"},
+        {"export", 1, 1, RunExport, "PROFILE"},
+        {"dump", 0, 0, RunDump, ""},
+        {"install", 1, 1, RunInstall, "FOLDER"},
+
+        {"reg-import", 1, 1, RunRegImport, "FILE"},
+        {"reg-export", 1, 1, RunRegExport, "FILE"},
+        {"reg-set", 4, 4, RunRegSet, "KEY NAME TYPE DATA"},
+        {"reg-delete", 1, 2, RunRegDelete, "KEY [NAME]"},
+
+        {"set", 2, 2, RunSet, "NAME VALUE"},
+        {"show", 0, 0, RunShow, ""},
+
+        {"window", 1, kManyWords, RunWindow, "list|text|press|key|select|tree|close|stub ..."},
+        {"screenshot", 1, 1, RunScreenshot, "FILE"},
+    };
+    return rows;
 }
 
 std::string OneLine(std::string text) {
@@ -47,7 +73,8 @@ std::string OneLine(std::string text) {
 CommandResult RunCommand(Device& device, const std::vector<std::string>& words) {
     try {
         const UntracedThread thread(device);
-        return {true, Run(device, words).dump(-1, ' ', false, Json::error_handler_t::replace)};
+        return {true, RunRow(Commands(), "", device, words)
+                          .dump(-1, ' ', false, Json::error_handler_t::replace)};
     } catch (const std::exception& error) {
         return {false, OneLine(error.what())};
     }

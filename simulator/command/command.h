@@ -1,5 +1,5 @@
 // The commands that make, fill, inspect, drive and break a device: what `cedev` runs, and tests
-// too. The rows stand by family in command_*.cpp; helpers for them are in command_row.h.
+// too. The handlers stand by family in command_*.cpp; what they share is in command_row.h.
 #pragma once
 
 #include <string>

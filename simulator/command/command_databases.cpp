@@ -3,7 +3,6 @@
 #include "simulator/databases/database_json.h"
 
 namespace sim {
-namespace {
 
 Json RunDbImport(Device& device, const Words& words) {
     databases::ImportJson(device, Json::parse(ReadHostFile(words[0])));
@@ -16,21 +15,7 @@ Json RunDbExport(Device& device, const Words& words) {
 }
 
 Json RunDbDelete(Device& device, const Words& words) {
-    if (!databases::DeleteByName(device, words[0])) {
-        throw CommandError("no such database: " + words[0]);
-    }
-    return Done();
-}
-
-}  // namespace
-
-const CommandRows& DatabaseCommands() {
-    static const CommandRows rows = {
-        {"db-import", 1, 1, RunDbImport, "FILE"},
-        {"db-export", 1, 1, RunDbExport, "FILE"},
-        {"db-delete", 1, 1, RunDbDelete, "NAME"},
-    };
-    return rows;
+    return DoneOrThrow(databases::DeleteByName(device, words[0]), "no such database: " + words[0]);
 }
 
 }  // namespace sim

@@ -6,6 +6,17 @@
 namespace sim {
 namespace {
 
+Json EntryAsJson(const files::Entry& entry) {
+    Json json = {{"path", Utf8(entry.path)}, {"oid", entry.oid}, {"attributes", entry.attributes}};
+    if (!entry.is_folder) {
+        json["size"] = entry.size;
+        json["modified"] = entry.modified;
+    }
+    return json;
+}
+
+}  // namespace
+
 Json RunPut(Device& device, const Words& words) {
     files::Put(device, Wide(words[1]), ReadHostFile(words[0]));
     return Done();
@@ -41,15 +52,6 @@ Json RunTouch(Device& device, const Words& words) {
     return Done();
 }
 
-Json EntryAsJson(const files::Entry& entry) {
-    Json json = {{"path", Utf8(entry.path)}, {"oid", entry.oid}, {"attributes", entry.attributes}};
-    if (!entry.is_folder) {
-        json["size"] = entry.size;
-        json["modified"] = entry.modified;
-    }
-    return json;
-}
-
 Json RunLs(Device& device, const Words& words) {
     Json list = Json::array();
     for (const files::Entry& entry : files::List(device, Wide(words[0]))) {
@@ -70,24 +72,6 @@ Json RunLock(Device& device, const Words& words) {
 Json RunUnlock(Device& device, const Words& words) {
     files::Unlock(device, Wide(words[0]));
     return Done();
-}
-
-}  // namespace
-
-const CommandRows& FileCommands() {
-    static const CommandRows rows = {
-        {"put", 2, 2, RunPut, "HOST PATH"},
-        {"get", 2, 2, RunGet, "PATH HOST"},
-        {"mkdir", 1, 1, RunMkdir, "PATH"},
-        {"rm", 1, 1, RunRm, "PATH"},
-        {"mv", 2, 2, RunMv, "PATH PATH"},
-        {"attr", 2, 2, RunAttr, "PATH N"},
-        {"touch", 2, 2, RunTouch, "PATH FILETIME"},
-        {"ls", 1, 1, RunLs, "PATH"},
-        {"lock", 1, 2, RunLock, "PATH [none|read|write]"},
-        {"unlock", 1, 1, RunUnlock, "PATH"},
-    };
-    return rows;
 }
 
 }  // namespace sim

@@ -26,6 +26,59 @@ Rule RuleOf(RuleKind kind, const Words& words) {
     return rule;
 }
 
+Json AddCrash(RuleKind kind, Device& device, const Words& words) {
+    Rule rule = RuleOf(kind, words);
+    if (words.size() > 2) {
+        rule.match = words[2];
+    }
+    AddRule(device, rule);
+    return Done();
+}
+
+Json RuleAsJson(const Rule& rule) {
+    Json json = {{"kind", RuleKindName(rule.kind)},
+                 {"function", rule.function},
+                 {"first", rule.first},
+                 {"count", rule.count},
+                 {"seen", rule.seen},
+                 {"fired", rule.fired}};
+    if (rule.kind == RuleKind::kFault) {
+        json["error"] = rule.value;
+    }
+    if (rule.kind == RuleKind::kDelay) {
+        json["milliseconds"] = rule.value;
+    }
+    if (!rule.match.empty()) {
+        json["match"] = rule.match;
+    }
+    return json;
+}
+
+Json ShownTrace(Device& device, const std::string& function) {
+    Json list = Json::array();
+    for (const std::string& line : TraceLines(device)) {
+        Json entry = Json::parse(line, nullptr, false);
+        if (entry.is_discarded()) {
+            continue;
+        }
+        if (function.empty() || entry["function"] == function) {
+            list.push_back(std::move(entry));
+        }
+    }
+    return list;
+}
+
+constexpr struct {
+    Gauge gauge;
+    const char* name;
+} kGaugeNames[] = {
+    {Gauge::kHandles, "handles"},       {Gauge::kWindows, "windows"},
+    {Gauge::kThreads, "threads"},       {Gauge::kGdiObjects, "gdiObjects"},
+    {Gauge::kHeapBlocks, "heapBlocks"}, {Gauge::kKeyPresses, "keyPresses"},
+};
+
+}  // namespace
+
 // FUNCTION N [COUNT] ERROR [MATCH]: of four words the last is the error when it is a number.
 Json RunFault(Device& device, const Words& words) {
     Rule rule = RuleOf(RuleKind::kFault, words);
@@ -55,15 +108,6 @@ Json RunDelay(Device& device, const Words& words) {
     return Done();
 }
 
-Json AddCrash(RuleKind kind, Device& device, const Words& words) {
-    Rule rule = RuleOf(kind, words);
-    if (words.size() > 2) {
-        rule.match = words[2];
-    }
-    AddRule(device, rule);
-    return Done();
-}
-
 Json RunCrash(Device& device, const Words& words) {
     return AddCrash(RuleKind::kCrash, device, words);
 }
@@ -73,25 +117,6 @@ Json RunCrashHalf(Device& device, const Words& words) {
         throw CommandError("only WriteFile can be left half done");
     }
     return AddCrash(RuleKind::kCrashHalf, device, words);
-}
-
-Json RuleAsJson(const Rule& rule) {
-    Json json = {{"kind", RuleKindName(rule.kind)},
-                 {"function", rule.function},
-                 {"first", rule.first},
-                 {"count", rule.count},
-                 {"seen", rule.seen},
-                 {"fired", rule.fired}};
-    if (rule.kind == RuleKind::kFault) {
-        json["error"] = rule.value;
-    }
-    if (rule.kind == RuleKind::kDelay) {
-        json["milliseconds"] = rule.value;
-    }
-    if (!rule.match.empty()) {
-        json["match"] = rule.match;
-    }
-    return json;
 }
 
 Json RunFaults(Device& device, const Words& words) {
@@ -112,20 +137,6 @@ Json RunFaults(Device& device, const Words& words) {
     return list;
 }
 
-Json ShownTrace(Device& device, const std::string& function) {
-    Json list = Json::array();
-    for (const std::string& line : TraceLines(device)) {
-        Json entry = Json::parse(line, nullptr, false);
-        if (entry.is_discarded()) {
-            continue;
-        }
-        if (function.empty() || entry["function"] == function) {
-            list.push_back(std::move(entry));
-        }
-    }
-    return list;
-}
-
 Json RunTrace(Device& device, const Words& words) {
     if (words[0] == "show") {
         return ShownTrace(device, words.size() > 1 ? words[1] : "");
@@ -139,15 +150,6 @@ Json RunTrace(Device& device, const Words& words) {
     }
     return Done();
 }
-
-constexpr struct {
-    Gauge gauge;
-    const char* name;
-} kGaugeNames[] = {
-    {Gauge::kHandles, "handles"},       {Gauge::kWindows, "windows"},
-    {Gauge::kThreads, "threads"},       {Gauge::kGdiObjects, "gdiObjects"},
-    {Gauge::kHeapBlocks, "heapBlocks"}, {Gauge::kKeyPresses, "keyPresses"},
-};
 
 Json RunCounters(Device& device, const Words& words) {
     if (!words.empty()) {
@@ -167,21 +169,6 @@ Json RunCounters(Device& device, const Words& words) {
         processes.push_back(std::move(process));
     }
     return {{"calls", TotalCalls(device)}, {"processes", std::move(processes)}};
-}
-
-}  // namespace
-
-const CommandRows& GateCommands() {
-    static const CommandRows rows = {
-        {"fault", 3, 5, RunFault, "FUNCTION N [COUNT] ERROR [MATCH]"},
-        {"delay", 3, 4, RunDelay, "FUNCTION N MS [MATCH]"},
-        {"crash", 2, 3, RunCrash, "FUNCTION N [MATCH]"},
-        {"crash-half", 2, 3, RunCrashHalf, "WriteFile N [MATCH]"},
-        {"faults", 0, 1, RunFaults, "[all|clear]"},
-        {"trace", 1, 2, RunTrace, "on|off|show [FUNCTION]"},
-        {"counters", 0, 1, RunCounters, "[clear]"},
-    };
-    return rows;
 }
 
 }  // namespace sim

@@ -36,16 +36,6 @@ Json StartOne(Device& device, const notifications::Start& start, std::uint32_t w
     return row;
 }
 
-Json RunNotifications(Device& device, const Words&) { return notifications::DumpJson(device); }
-
-Json RunFire(Device& device, const Words& words) {
-    Json list = Json::array();
-    for (const notifications::Start& start : notifications::Fire(device, Wide16(words[0]))) {
-        list.push_back(StartOne(device, start, 0));
-    }
-    return list;
-}
-
 notifications::Time LocalTime(Device& device, std::uint64_t utc) {
     const Moment m = MomentFromTicks(LocalFromUtc(DeviceZone(device), utc));
     notifications::Time time{};
@@ -76,6 +66,18 @@ void MoveClock(Device& device, const std::string& iso_time) {
     ApplySystemSetting(device, "clock", (stands ? "" : "+") + iso_time);
 }
 
+}  // namespace
+
+Json RunNotifications(Device& device, const Words&) { return notifications::DumpJson(device); }
+
+Json RunFire(Device& device, const Words& words) {
+    Json list = Json::array();
+    for (const notifications::Start& start : notifications::Fire(device, Wide16(words[0]))) {
+        list.push_back(StartOne(device, start, 0));
+    }
+    return list;
+}
+
 // Goes from one time that a program is due at to the next, so that each finds the clock at its own
 // time, and what it registers up to the end is due too.
 Json RunTick(Device& device, const Words& words) {
@@ -92,17 +94,6 @@ Json RunTick(Device& device, const Words& words) {
     }
     MoveClock(device, words[0]);
     return list;
-}
-
-}  // namespace
-
-const CommandRows& NotificationCommands() {
-    static const CommandRows rows = {
-        {"notifications", 0, 0, RunNotifications, ""},
-        {"fire", 1, 1, RunFire, "ARGUMENTS"},
-        {"tick", 1, 1, RunTick, "ISO-TIME"},
-    };
-    return rows;
 }
 
 }  // namespace sim

@@ -25,6 +25,8 @@ processes::Started StartOrThrow(Device& device, const Words& words) {
     return started;
 }
 
+}  // namespace
+
 Json RunRun(Device& device, const Words& words) {
     const processes::Started started = StartOrThrow(device, words);
     const auto code = processes::Wait(started.process, kNoLimitMs);
@@ -53,22 +55,8 @@ Json RunKill(Device& device, const Words& words) {
         processes::KillAll(device);
         return Done();
     }
-    if (!processes::Kill(device, static_cast<std::uint32_t>(Number(words[0])))) {
-        throw CommandError("no such process: " + words[0]);
-    }
-    return Done();
-}
-
-}  // namespace
-
-const CommandRows& ProcessCommands() {
-    static const CommandRows rows = {
-        {"run", 1, kManyWords, RunRun, "PATH [ARGUMENTS]"},
-        {"start", 1, kManyWords, RunStart, "PATH [ARGUMENTS]"},
-        {"ps", 0, 0, RunPs, ""},
-        {"kill", 1, 1, RunKill, "PID|all"},
-    };
-    return rows;
+    return DoneOrThrow(processes::Kill(device, static_cast<std::uint32_t>(Number(words[0]))),
+                       "no such process: " + words[0]);
 }
 
 }  // namespace sim

@@ -16,6 +16,8 @@ constexpr wchar_t kFolder[] = L"\\Program Files\\Tolvenar";
 constexpr char kAgent[] = "kestrin_tolvenar_agent.exe";
 constexpr char kKey[] = "HKCU\\Software\\Kestrin2\\Tolvenar";
 
+}  // namespace
+
 Json RunCreate(Device& device, const Words& words) {
     CreateFromProfile(device, words[0]);
     return Done();
@@ -52,18 +54,6 @@ Json RunInstall(Device& device, const Words& words) {
     }
     files::MakeFolder(device, L"\\" + card + L"\\Tolvenar");
     return Done();
-}
-
-}  // namespace
-
-const CommandRows& ProfileCommands() {
-    static const CommandRows rows = {
-        {"create", 1, 1, RunCreate, "PROFILE"},
-        {"export", 1, 1, RunExport, "PROFILE"},
-        {"dump", 0, 0, RunDump, ""},
-        {"install", 1, 1, RunInstall, "FOLDER"},
-    };
-    return rows;
 }
 
 }  // namespace sim

@@ -70,6 +70,8 @@ std::string DataOf(const std::string& type, const std::string& word) {
     return *bytes;
 }
 
+}  // namespace
+
 Json RunRegSet(Device& device, const Words& words) {
     SetRegistryValue(device, words[0], words[1], TypeOf(words[2]), DataOf(words[2], words[3]));
     return Done();
@@ -80,10 +82,7 @@ Json RunRegDelete(Device& device, const Words& words) {
     const KeyId place = PlaceOf(registry, words[0]);
     const bool done =
         words.size() > 1 ? registry.DeleteValue(place, Wide16(words[1])) : registry.Delete(place);
-    if (!done) {
-        throw CommandError("not in the registry: " + words.back());
-    }
-    return Done();
+    return DoneOrThrow(done, "not in the registry: " + words.back());
 }
 
 Json RunRegImport(Device& device, const Words& words) {
@@ -95,8 +94,6 @@ Json RunRegExport(Device& device, const Words& words) {
     WriteHostFile(words[0], registry::ExportText(device));
     return Done();
 }
-
-}  // namespace
 
 void SetRegistryValue(Device& device, const std::string& path, const std::string& name,
                       std::uint32_t type, const std::string& bytes) {
@@ -121,16 +118,6 @@ void SetRegistryText(Device& device, const std::string& path, const std::string&
 void SetRegistryNumber(Device& device, const std::string& path, const std::string& name,
                        std::uint32_t number) {
     SetRegistryValue(device, path, name, registry::kDword, NumberBytes(number));
-}
-
-const CommandRows& RegistryCommands() {
-    static const CommandRows rows = {
-        {"reg-import", 1, 1, RunRegImport, "FILE"},
-        {"reg-export", 1, 1, RunRegExport, "FILE"},
-        {"reg-set", 4, 4, RunRegSet, "KEY NAME TYPE DATA"},
-        {"reg-delete", 1, 2, RunRegDelete, "KEY [NAME]"},
-    };
-    return rows;
 }
 
 }  // namespace sim

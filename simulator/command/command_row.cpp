@@ -16,7 +16,34 @@ struct File {
     }
 };
 
+const CommandRow* FindRow(const CommandRows& rows, const std::string& name) {
+    const auto at = std::find_if(rows.begin(), rows.end(),
+                                 [&](const CommandRow& row) { return name == row.name; });
+    return at != rows.end() ? &*at : nullptr;
+}
+
 }  // namespace
+
+Json RunRow(const CommandRows& rows, const std::string& prefix, Device& device,
+            const Words& words) {
+    const std::string name = words.empty() ? std::string() : words[0];
+    const CommandRow* row = FindRow(rows, name);
+    if (row == nullptr) {
+        throw CommandError("no such " + prefix + "command: " + name);
+    }
+    const Words rest(words.begin() + 1, words.end());
+    if (rest.size() < row->least_words || rest.size() > row->most_words) {
+        throw CommandError("usage: " + prefix + row->name + " " + row->usage);
+    }
+    return row->run(device, rest);
+}
+
+Json DoneOrThrow(bool done, const std::string& what) {
+    if (!done) {
+        throw CommandError(what);
+    }
+    return Done();
+}
 
 std::int64_t Number(const std::string& word) {
     char* end = nullptr;
@@ -25,32 +52,6 @@ std::int64_t Number(const std::string& word) {
         throw CommandError("not a number: " + word);
     }
     return number;
-}
-
-std::wstring Wide(const std::string& utf8) {
-    const int bytes = static_cast<int>(utf8.size());
-    std::wstring text(utf8.size(), L'\0');
-    const int units = ::MultiByteToWideChar(CP_UTF8, 0, utf8.data(), bytes, &text[0], bytes);
-    text.resize(static_cast<std::size_t>(units));
-    return text;
-}
-
-std::u16string Wide16(const std::string& utf8) {
-    const std::wstring text = Wide(utf8);
-    return std::u16string(text.begin(), text.end());
-}
-
-std::string Utf8(const std::wstring& text) {
-    const int units = static_cast<int>(text.size());
-    std::string bytes(text.size() * 3, '\0');
-    const int count = ::WideCharToMultiByte(CP_UTF8, 0, text.data(), units, &bytes[0],
-                                            static_cast<int>(bytes.size()), nullptr, nullptr);
-    bytes.resize(static_cast<std::size_t>(count));
-    return bytes;
-}
-
-std::string Utf8(const std::u16string& text) {
-    return Utf8(std::wstring(text.begin(), text.end()));
 }
 
 std::wstring HostPath(const std::string& path) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "simulator/store/device.h"
+#include "simulator/store/utf8.h"
 
 namespace sim {
 
@@ -18,38 +19,41 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+using CommandHandler = Json(Device& device, const Words& words);
+
 // One command; the counts are those of the words behind its name.
 struct CommandRow {
     const char* name;
     std::size_t least_words;
     std::size_t most_words;
-    Json (*run)(Device& device, const Words& words);
+    CommandHandler* run;
     const char* usage;
 };
 using CommandRows = std::vector<CommandRow>;
 constexpr std::size_t kManyWords = 1000;
 
-// The families.
-const CommandRows& DatabaseCommands();
-const CommandRows& FileCommands();
-const CommandRows& GateCommands();
-const CommandRows& NotificationCommands();
-const CommandRows& ProcessCommands();
-const CommandRows& ProfileCommands();
-const CommandRows& RegistryCommands();
-const CommandRows& SettingCommands();
-const CommandRows& WindowCommands();
+// Runs the row that the first word names on the words behind it. Messages name the row with
+// `prefix` before it. Throws CommandError.
+Json RunRow(const CommandRows& rows, const std::string& prefix, Device& device, const Words& words);
+
+// The handlers, by family; the table of commands is in command.cpp.
+CommandHandler RunDbImport, RunDbExport, RunDbDelete;
+CommandHandler RunNotifications, RunFire, RunTick;
+CommandHandler RunPut, RunGet, RunMkdir, RunRm, RunMv, RunAttr, RunTouch, RunLs, RunLock, RunUnlock;
+CommandHandler RunFault, RunDelay, RunCrash, RunCrashHalf, RunFaults, RunTrace, RunCounters;
+CommandHandler RunRun, RunStart, RunPs, RunKill;
+CommandHandler RunCreate, RunExport, RunDump, RunInstall;
+CommandHandler RunRegImport, RunRegExport, RunRegSet, RunRegDelete;
+CommandHandler RunSet, RunShow;
+CommandHandler RunWindow, RunScreenshot;
 
 // Answer of a command that has nothing to tell.
 inline Json Done() { return Json::object({{"ok", true}}); }
+// The same, or a CommandError with `what` when it was not done.
+Json DoneOrThrow(bool done, const std::string& what);
 
 // A whole number, decimal or 0x…; throws CommandError.
 std::int64_t Number(const std::string& word);
-
-std::wstring Wide(const std::string& utf8);
-std::u16string Wide16(const std::string& utf8);
-std::string Utf8(const std::wstring& text);
-std::string Utf8(const std::u16string& text);
 
 // A path of the host as the user writes it. A leading slash is the machine's root under Wine.
 std::wstring HostPath(const std::string& path);

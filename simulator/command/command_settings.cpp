@@ -4,7 +4,6 @@
 #include "simulator/system/settings.h"
 
 namespace sim {
-namespace {
 
 Json RunSet(Device& device, const Words& words) {
     ApplySetting(device, words[0], words[1]);
@@ -15,16 +14,6 @@ Json RunShow(Device& device, const Words&) {
     Json json = AllSettings(device);
     json["clock"] = IsoTime(device.NowUtc());
     return json;
-}
-
-}  // namespace
-
-const CommandRows& SettingCommands() {
-    static const CommandRows rows = {
-        {"set", 2, 2, RunSet, "NAME VALUE"},
-        {"show", 0, 0, RunShow, ""},
-    };
-    return rows;
 }
 
 }  // namespace sim

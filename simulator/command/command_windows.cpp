@@ -10,13 +10,6 @@ namespace {
 
 int ControlId(const Words& words) { return static_cast<int>(Number(words.at(0))); }
 
-Json DoneOrThrow(bool done, const std::string& what) {
-    if (!done) {
-        throw CommandError(what);
-    }
-    return Done();
-}
-
 Json WindowText(Device& device, const Words& words) {
     if (words.size() > 1) {
         return DoneOrThrow(windows::SetText(device, ControlId(words), words[1]),
@@ -78,34 +71,16 @@ const CommandRows& WindowVerbs() {
     return rows;
 }
 
+}  // namespace
+
 Json RunWindow(Device& device, const Words& words) {
-    const Words rest(words.begin() + 1, words.end());
-    for (const CommandRow& row : WindowVerbs()) {
-        if (words[0] != row.name) {
-            continue;
-        }
-        if (rest.size() < row.least_words || rest.size() > row.most_words) {
-            throw CommandError(std::string("usage: window ") + row.name + " " + row.usage);
-        }
-        return row.run(device, rest);
-    }
-    throw CommandError("no such window command: " + words[0]);
+    return RunRow(WindowVerbs(), "window ", device, words);
 }
 
 Json RunScreenshot(Device& device, const Words& words) {
     const windows::Picture picture = windows::TakeScreenshot(device);
     WriteHostFile(words[0], windows::EncodePng(picture));
     return {{"width", picture.width}, {"height", picture.height}};
-}
-
-}  // namespace
-
-const CommandRows& WindowCommands() {
-    static const CommandRows rows = {
-        {"window", 1, kManyWords, RunWindow, "list|text|press|key|select|tree|close|stub ..."},
-        {"screenshot", 1, 1, RunScreenshot, "FILE"},
-    };
-    return rows;
 }
 
 }  // namespace sim

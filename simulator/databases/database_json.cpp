@@ -6,7 +6,8 @@
 
 #include "simulator/databases/database_store.h"
 #include "simulator/store/hex.h"
-#include "simulator/store/names.h"
+#include "simulator/store/json_rows.h"
+#include "simulator/store/utf8.h"
 
 namespace sim::databases {
 namespace {
@@ -37,23 +38,17 @@ json PropertiesJson(const Record& record) {
 }
 
 json RecordsJson(const DatabaseStore& store, std::uint32_t database) {
-    std::vector<std::pair<std::string, json>> rows;
+    KeyedRows rows;
     for (const std::uint32_t oid : store.Records(database)) {
         json properties = PropertiesJson(*store.Read(database, oid));
         std::string text = properties.dump();
         rows.emplace_back(std::move(text), json{{"oid", oid}, {"props", std::move(properties)}});
     }
-    std::sort(rows.begin(), rows.end(),
-              [](const auto& a, const auto& b) { return a.first < b.first; });
-    json records = json::array();
-    for (auto& row : rows) {
-        records.push_back(std::move(row.second));
-    }
-    return records;
+    return SortedRows(std::move(rows));
 }
 
 [[noreturn]] void Fail(const Database& database, const char* what) {
-    throw std::runtime_error("database \"" + ToUtf8(database.name) + "\": " + what);
+    throw std::runtime_error("database \"" + Utf8(database.name) + "\": " + what);
 }
 
 Record RecordOf(const json& from, const Database& database) {
@@ -75,7 +70,7 @@ Record RecordOf(const json& from, const Database& database) {
 Imported DatabaseOf(const json& from) {
     Imported imported;
     Database& database = imported.database;
-    database.name = FromUtf8(from.at("name").get<std::string>());
+    database.name = Wide16(from.at("name").get<std::string>());
     database.type = from.value("type", 0u);
     database.flags = from.value("flags", 0u);
     for (const json& order : from.value("sortOrders", json::array())) {
@@ -125,7 +120,7 @@ json DumpJson(Device& device) {
               [](const Database& a, const Database& b) { return a.name < b.name; });
     json databases = json::array();
     for (const Database& database : all) {
-        databases.push_back({{"name", ToUtf8(database.name)},
+        databases.push_back({{"name", Utf8(database.name)},
                              {"oid", database.oid},
                              {"type", database.type},
                              {"flags", database.flags},
@@ -155,7 +150,7 @@ void ImportJson(Device& device, const json& databases) {
 bool DeleteByName(Device& device, const std::string& name) {
     LogStore::Change change(device.store());
     DatabaseStore store(device);
-    const std::optional<Database> database = store.ByName(FromUtf8(name));
+    const std::optional<Database> database = store.ByName(Wide16(name));
     return database && store.Delete(database->oid);
 }
 

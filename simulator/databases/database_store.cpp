@@ -52,13 +52,11 @@ void SetNumber(LogStore::Change& change, const std::u16string& key, std::uint32_
 std::string EncodeDatabase(const Database& database) {
     std::string entry;
     PutText(entry, database.name);
-    PutNumber(entry, database.type);
-    PutNumber(entry, database.flags);
+    PutNumbers(entry, {database.type, database.flags});
     PutLong(entry, database.modified);
     PutNumber(entry, static_cast<std::uint32_t>(database.sort_orders.size()));
     for (const SortOrder& order : database.sort_orders) {
-        PutNumber(entry, order.propid);
-        PutNumber(entry, order.flags);
+        PutNumbers(entry, {order.propid, order.flags});
     }
     return entry;
 }

@@ -17,24 +17,6 @@
 
 namespace sim::databases {
 
-// The platform's error codes that database calls set.
-enum Error : std::uint32_t {
-    kOk = 0,
-    kNotFound = 2,
-    kAccessDenied = 5,
-    kInvalidHandle = 6,
-    kSharingViolation = 32,
-    kDupName = 52,
-    kInvalidParameter = 87,
-    kDiskFull = 112,
-    kAlreadyExists = 183,
-    kNoMoreItems = 259,
-    kKeyDeleted = 1018,
-};
-
-constexpr std::size_t kMaxNameUnits = 31;
-constexpr std::size_t kMaxRecords = 0xFFFF;
-
 struct Database {
     std::uint32_t oid = 0;
     std::u16string name;

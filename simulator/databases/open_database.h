@@ -8,18 +8,6 @@
 
 namespace sim::databases {
 
-// The platform's ways to seek.
-enum Seek : std::uint32_t {
-    kSeekOid = 0x1,
-    kSeekBeginning = 0x2,
-    kSeekEnd = 0x4,
-    kSeekCurrent = 0x8,
-    kSeekSmaller = 0x10,
-    kSeekFirstEqual = 0x20,
-    kSeekGreater = 0x40,
-    kSeekNextEqual = 0x80,
-};
-
 class OpenDatabase {
 public:
     // `sort_propid` is one of the database's sort orders or 0.

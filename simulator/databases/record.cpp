@@ -101,8 +101,7 @@ std::string Encode(const Record& record) {
     std::string bytes;
     PutNumber(bytes, static_cast<std::uint32_t>(record.size()));
     for (const Property& property : record) {
-        PutNumber(bytes, property.propid);
-        PutNumber(bytes, property.flags);
+        PutNumbers(bytes, {property.propid, property.flags});
         PutBytes(bytes, property.value);
     }
     return bytes;

@@ -5,33 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "simulator/databases/platform_numbers.h"
+
 namespace sim::databases {
-
-// The platform's property types, the low word of a property id.
-enum ValueType : std::uint16_t {
-    kI2 = 2,
-    kI4 = 3,
-    kR8 = 5,
-    kBool = 11,
-    kUi2 = 18,
-    kUi4 = 19,
-    kText = 31,
-    kFileTime = 64,
-    kBlob = 65,
-};
-
-// The platform's sort flags.
-enum SortFlag : std::uint32_t {
-    kDescending = 0x1,
-    kCaseInsensitive = 0x2,
-    kUnknownFirst = 0x4,
-    kUnique = 0x200,
-    kNonNull = 0x400,
-};
-
-constexpr std::size_t kMaxPropertyBytes = 65471;
-constexpr std::size_t kMaxRecordBytes = 131072;
-constexpr std::size_t kMaxSortOrders = 4;
 
 // `value` holds the little-endian bytes; a text's units without terminator.
 struct Property {

@@ -5,27 +5,28 @@
 #include <windows.h>
 
 #include "simulator/databases/open_database.h"
-#include "simulator/exports/volume_guid.h"
+#include "simulator/exports/gated.h"
 #include "simulator/files/files.h"
-#include "simulator/gate/gate.h"
 #include "simulator/store/names.h"
 #include "simulator/system/handles.h"
-#include "simulator/system/last_error.h"
 
 namespace {
 
-using sim::Call;
-using sim::Gated;
-using sim::LastError;
 using sim::databases::Database;
 using sim::databases::DatabaseSearch;
 using sim::databases::DatabaseStore;
 using sim::databases::OpenDatabase;
-using sim::exports::IsInvalidGuid;
-using sim::exports::IsSystemGuid;
 using sim::handles::Kind;
 
 constexpr DWORD kStoredFlags = CEDB_NOCOMPRESS | CEDB_SYSTEMDB;
+
+// The two guids that name no mounted volume: all zero is the object store, all ones is any volume.
+bool IsFilledWith(const CEGUID* guid, DWORD word) {
+    return guid != nullptr && guid->Data1 == word && guid->Data2 == word && guid->Data3 == word &&
+           guid->Data4 == word;
+}
+bool IsSystemGuid(const CEGUID* guid) { return IsFilledWith(guid, 0); }
+bool IsInvalidGuid(const CEGUID* guid) { return IsFilledWith(guid, 0xFFFFFFFF); }
 
 // A text of a fixed field, which may fill it without a terminator.
 std::u16string FieldText(const WCHAR* field, std::size_t units) {
@@ -81,7 +82,7 @@ bool IsUsable(PCEGUID volume, const CEDBASEINFO* info) {
 }
 
 CEOID Create(CEDBASEINFO& info, LastError& error) {
-    sim::Device& device = sim::Device::Current();
+    Device& device = Device::Current();
     sim::LogStore::Change change(device.store());
     Database database;
     database.modified = device.WriteTimeUtc();
@@ -120,7 +121,7 @@ bool HasSortOrder(const Database& database, CEPROPID propid) {
 HANDLE Open(PCEGUID volume, PCEOID oid, LPCWSTR name, CEPROPID sort, DWORD flags) {
     LastError error;
     DWORD failure = 0;
-    sim::Device& device = sim::Device::Current();
+    Device& device = Device::Current();
     sim::LogStore::View view(device.store());
     const std::optional<Database> database =
         Named(DatabaseStore(device), volume, oid, name, failure);
@@ -150,8 +151,7 @@ void Describe(const DatabaseStore& store, const Database& database, CEDBASEINFO&
 }
 
 bool DescribeFile(CEOID oid, CEOIDINFO& info) {
-    const std::optional<sim::files::Entry> entry =
-        sim::files::InfoByOid(sim::Device::Current(), oid);
+    const std::optional<sim::files::Entry> entry = sim::files::InfoByOid(Device::Current(), oid);
     if (!entry) {
         return false;
     }
@@ -172,7 +172,7 @@ bool DescribeFile(CEOID oid, CEOIDINFO& info) {
 }
 
 bool DescribeObject(CEOID oid, CEOIDINFO& info) {
-    sim::Device& device = sim::Device::Current();
+    Device& device = Device::Current();
     sim::LogStore::View view(device.store());
     const DatabaseStore store(device);
     info = CEOIDINFO{};
@@ -189,17 +189,17 @@ bool DescribeObject(CEOID oid, CEOIDINFO& info) {
     return oid != 0 && DescribeFile(oid, info);
 }
 
-BOOL Delete(CEOID oid, LastError& error) {
-    sim::Device& device = sim::Device::Current();
+DWORD Delete(CEOID oid) {
+    Device& device = Device::Current();
     DatabaseStore store(device);
     sim::LogStore::Change change(device.store());
     if (!store.Get(oid)) {
-        return error.Answer(ERROR_INVALID_PARAMETER);
+        return ERROR_INVALID_PARAMETER;
     }
     if (sim::databases::IsOpen(device, oid)) {
-        return error.Answer(ERROR_SHARING_VIOLATION);
+        return ERROR_SHARING_VIOLATION;
     }
-    return store.Delete(oid);
+    return store.Delete(oid) ? NO_ERROR : ERROR_INVALID_PARAMETER;
 }
 
 }  // namespace
@@ -213,8 +213,8 @@ HANDLE WINAPI CeFindFirstDatabaseEx(PCEGUID volume, DWORD type) {
                 error.Set(ERROR_INVALID_PARAMETER);
                 return INVALID_HANDLE_VALUE;
             }
-            return sim::handles::Register(Kind::kDatabaseFind, std::make_shared<DatabaseSearch>(
-                                                                   sim::Device::Current(), type));
+            return sim::handles::Register(
+                Kind::kDatabaseFind, std::make_shared<DatabaseSearch>(Device::Current(), type));
         },
         type);
 }
@@ -263,43 +263,37 @@ HANDLE WINAPI CeOpenDatabaseEx(PCEGUID volume, PCEOID oid, LPWSTR name, CEPROPID
 }
 
 BOOL WINAPI CeDeleteDatabaseEx(PCEGUID volume, CEOID oid) {
-    return Gated(
-        Call::CeDeleteDatabaseEx, FALSE,
-        [&]() -> BOOL {
-            LastError error;
-            return IsSystemGuid(volume) ? Delete(oid, error)
-                                        : error.Answer(ERROR_INVALID_PARAMETER);
-        },
+    return GatedAnswer(
+        Call::CeDeleteDatabaseEx,
+        [&]() -> DWORD { return IsSystemGuid(volume) ? Delete(oid) : ERROR_INVALID_PARAMETER; },
         oid);
 }
 
 BOOL WINAPI CeSetDatabaseInfoEx(PCEGUID volume, CEOID oid, CEDBASEINFO* info) {
-    return Gated(
-        Call::CeSetDatabaseInfoEx, FALSE,
-        [&]() -> BOOL {
-            LastError error;
-            sim::Device& device = sim::Device::Current();
+    return GatedAnswer(
+        Call::CeSetDatabaseInfoEx,
+        [&]() -> DWORD {
+            Device& device = Device::Current();
             sim::LogStore::Change change(device.store());
             DatabaseStore store(device);
             std::optional<Database> database = store.Get(oid);
             if (!IsUsable(volume, info) || !database) {
-                return error.Answer(ERROR_INVALID_PARAMETER);
+                return ERROR_INVALID_PARAMETER;
             }
             Merge(*info, *database);
-            return error.Answer(store.Change(*database));
+            return store.Change(*database);
         },
         oid);
 }
 
 BOOL WINAPI CeOidGetInfoEx(PCEGUID volume, CEOID oid, CEOIDINFO* info) {
-    return Gated(
-        Call::CeOidGetInfoEx, FALSE,
-        [&]() -> BOOL {
-            LastError error;
+    return GatedAnswer(
+        Call::CeOidGetInfoEx,
+        [&]() -> DWORD {
             if (info == nullptr || (!IsSystemGuid(volume) && !IsInvalidGuid(volume))) {
-                return error.Answer(ERROR_INVALID_PARAMETER);
+                return ERROR_INVALID_PARAMETER;
             }
-            return error.Answer(DescribeObject(oid, *info) ? 0 : ERROR_INVALID_HANDLE);
+            return DescribeObject(oid, *info) ? 0 : ERROR_INVALID_HANDLE;
         },
         oid);
 }

@@ -3,13 +3,11 @@
 
 #include <algorithm>
 
-#include "simulator/gate/gate.h"
+#include "simulator/exports/gated.h"
 #include "simulator/windows/open_dialog.h"
 
 namespace {
 
-using sim::Call;
-using sim::Gated;
 namespace host = sim::windows;
 
 constexpr DWORD kStructureSize = 0x0001;   // CDERR_STRUCTSIZE
@@ -59,7 +57,7 @@ BOOL Show(LPOPENFILENAMEW data, const wchar_t* default_title, bool saves) {
         request.shows_read_only = false;
         request.rules.create_prompt = false;
     }
-    const auto answer = host::AskForFile(sim::Device::Current(), request);
+    const auto answer = host::AskForFile(Device::Current(), request);
     if (!answer) {
         return FALSE;
     }

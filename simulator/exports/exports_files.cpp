@@ -1,21 +1,16 @@
 // Windows CE's view of files, folders and searches. Thin: rules and state are in simulator/files.
 #include <windows.h>
 
+#include "simulator/exports/gated.h"
 #include "simulator/files/files.h"
 #include "simulator/files/open_file.h"
 #include "simulator/files/search.h"
 #include "simulator/files/space.h"
 #include "simulator/files/tree.h"
-#include "simulator/gate/gate.h"
 #include "simulator/system/handles.h"
-#include "simulator/system/last_error.h"
 
 namespace {
 
-using sim::Call;
-using sim::Device;
-using sim::Gated;
-using sim::LastError;
 using File = sim::files::OpenFile;
 using sim::files::Search;
 using sim::handles::Kind;
@@ -43,11 +38,11 @@ BOOL WithFile(HANDLE handle, Body&& body) {
     return last_error.Answer(file ? body(*file) : ERROR_INVALID_HANDLE);
 }
 
-// Runs a change of the tree that answers a platform error code.
-template <typename Body>
-BOOL Answered(Body&& body) {
-    LastError last_error;
-    return last_error.Answer(body());
+// A call on an open file that answers TRUE or FALSE.
+template <typename Body, typename... Arguments>
+BOOL OnFile(Call call, HANDLE handle, Body&& body, const Arguments&... arguments) {
+    return Gated(
+        call, FALSE, [&] { return WithFile(handle, body); }, handle, arguments...);
 }
 
 HANDLE OpenHandle(const sim::files::OpenRequest& request) {
@@ -62,6 +57,12 @@ HANDLE OpenHandle(const sim::files::OpenRequest& request) {
         last_error.Set(existed ? ERROR_ALREADY_EXISTS : NO_ERROR);
     }
     return sim::handles::Register(Kind::kFile, std::move(file));
+}
+
+HANDLE OpenGated(Call call, const sim::files::OpenRequest& request) {
+    return Gated(
+        call, INVALID_HANDLE_VALUE, [&] { return OpenHandle(request); }, request.path,
+        request.access, request.share, request.disposition, request.attributes);
 }
 
 void Fill(WIN32_FIND_DATAW& data, const sim::files::FindEntry& entry) {
@@ -92,58 +93,45 @@ void Fill(BY_HANDLE_FILE_INFORMATION& data, const sim::files::FileInfo& info) {
 
 HANDLE WINAPI CreateFileW(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES,
                           DWORD disposition, DWORD attributes, HANDLE) {
-    return Gated(
-        Call::CreateFileW, INVALID_HANDLE_VALUE,
-        [&] {
-            return OpenHandle({path, access, share, disposition, attributes, false});
-        },
-        path, access, share, disposition, attributes);
+    return OpenGated(Call::CreateFileW, {path, access, share, disposition, attributes, false});
 }
 
 HANDLE WINAPI CreateFileForMappingW(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES,
                                     DWORD disposition, DWORD attributes, HANDLE) {
-    return Gated(
-        Call::CreateFileForMappingW, INVALID_HANDLE_VALUE,
-        [&] {
-            return OpenHandle({path, access, share, disposition, attributes, true});
-        },
-        path, access, share, disposition, attributes);
+    return OpenGated(Call::CreateFileForMappingW,
+                     {path, access, share, disposition, attributes, true});
 }
 
 BOOL WINAPI ReadFile(HANDLE handle, LPVOID buffer, DWORD bytes, LPDWORD got, LPOVERLAPPED) {
-    return Gated(
-        Call::ReadFile, FALSE,
-        [&] {
-            return WithFile(handle, [&](File& file) -> std::uint32_t {
-                std::uint32_t count = 0;
-                const std::uint32_t error = file.Read(buffer, bytes, count);
-                if (got != nullptr) {
-                    *got = count;
-                }
-                return error;
-            });
+    return OnFile(
+        Call::ReadFile, handle,
+        [&](File& file) -> std::uint32_t {
+            std::uint32_t count = 0;
+            const std::uint32_t error = file.Read(buffer, bytes, count);
+            if (got != nullptr) {
+                *got = count;
+            }
+            return error;
         },
-        handle, bytes);
+        bytes);
 }
 
 BOOL WINAPI WriteFile(HANDLE handle, LPCVOID buffer, DWORD bytes, LPDWORD put, LPOVERLAPPED) {
-    return Gated(
-        Call::WriteFile, FALSE,
-        [&] {
-            return WithFile(handle, [&](File& file) -> std::uint32_t {
-                std::uint32_t count = 0;
-                if (sim::TakeHalfWrite()) {
-                    file.Write(buffer, bytes / 2, count);
-                    sim::EndThisProcess(sim::kCrashExitCode);
-                }
-                const std::uint32_t error = file.Write(buffer, bytes, count);
-                if (put != nullptr) {
-                    *put = count;
-                }
-                return error;
-            });
+    return OnFile(
+        Call::WriteFile, handle,
+        [&](File& file) -> std::uint32_t {
+            std::uint32_t count = 0;
+            if (sim::TakeHalfWrite()) {
+                file.Write(buffer, bytes / 2, count);
+                sim::EndThisProcess(sim::kCrashExitCode);
+            }
+            const std::uint32_t error = file.Write(buffer, bytes, count);
+            if (put != nullptr) {
+                *put = count;
+            }
+            return error;
         },
-        handle, bytes);
+        bytes);
 }
 
 DWORD WINAPI SetFilePointer(HANDLE handle, LONG distance, PLONG distance_high, DWORD method) {
@@ -160,21 +148,14 @@ DWORD WINAPI SetFilePointer(HANDLE handle, LONG distance, PLONG distance_high, D
 }
 
 BOOL WINAPI SetEndOfFile(HANDLE handle) {
-    return Gated(
-        Call::SetEndOfFile, FALSE,
-        [&] { return WithFile(handle, [](File& file) { return file.SetEnd(); }); }, handle);
+    return OnFile(Call::SetEndOfFile, handle, [](File& file) { return file.SetEnd(); });
 }
 
 // Every write is on the device's medium at once; there is nothing left to flush.
 BOOL WINAPI FlushFileBuffers(HANDLE handle) {
-    return Gated(
-        Call::FlushFileBuffers, FALSE,
-        [&] {
-            return WithFile(handle, [](File& file) -> std::uint32_t {
-                return file.writes() ? NO_ERROR : ERROR_ACCESS_DENIED;
-            });
-        },
-        handle);
+    return OnFile(Call::FlushFileBuffers, handle, [](File& file) -> std::uint32_t {
+        return file.writes() ? NO_ERROR : ERROR_ACCESS_DENIED;
+    });
 }
 
 DWORD WINAPI GetFileSize(HANDLE handle, LPDWORD size_high) {
@@ -193,52 +174,37 @@ DWORD WINAPI GetFileSize(HANDLE handle, LPDWORD size_high) {
 
 BOOL WINAPI GetFileTime(HANDLE handle, LPFILETIME created, LPFILETIME accessed,
                         LPFILETIME modified) {
-    return Gated(
-        Call::GetFileTime, FALSE,
-        [&] {
-            return WithFile(handle, [&](File& file) -> std::uint32_t {
-                const sim::files::Times times = file.GetTimes();
-                if (created != nullptr) {
-                    *created = FileTimeOf(times.created);
-                }
-                if (accessed != nullptr) {
-                    *accessed = FileTimeOf(times.accessed);
-                }
-                if (modified != nullptr) {
-                    *modified = FileTimeOf(times.modified);
-                }
-                return NO_ERROR;
-            });
-        },
-        handle);
+    return OnFile(Call::GetFileTime, handle, [&](File& file) -> std::uint32_t {
+        const sim::files::Times times = file.GetTimes();
+        if (created != nullptr) {
+            *created = FileTimeOf(times.created);
+        }
+        if (accessed != nullptr) {
+            *accessed = FileTimeOf(times.accessed);
+        }
+        if (modified != nullptr) {
+            *modified = FileTimeOf(times.modified);
+        }
+        return NO_ERROR;
+    });
 }
 
 BOOL WINAPI SetFileTime(HANDLE handle, const FILETIME* created, const FILETIME* accessed,
                         const FILETIME* modified) {
-    return Gated(
-        Call::SetFileTime, FALSE,
-        [&] {
-            return WithFile(handle, [&](File& file) {
-                return file.SetTimes({CountOf(created), CountOf(accessed), CountOf(modified)});
-            });
-        },
-        handle);
+    return OnFile(Call::SetFileTime, handle, [&](File& file) {
+        return file.SetTimes({CountOf(created), CountOf(accessed), CountOf(modified)});
+    });
 }
 
 BOOL WINAPI GetFileInformationByHandle(HANDLE handle, LPBY_HANDLE_FILE_INFORMATION data) {
-    return Gated(
-        Call::GetFileInformationByHandle, FALSE,
-        [&] {
-            return WithFile(handle, [&](File& file) {
-                sim::files::FileInfo info;
-                const std::uint32_t error = file.Info(info);
-                if (error == 0) {
-                    Fill(*data, info);
-                }
-                return error;
-            });
-        },
-        handle);
+    return OnFile(Call::GetFileInformationByHandle, handle, [&](File& file) {
+        sim::files::FileInfo info;
+        const std::uint32_t error = file.Info(info);
+        if (error == 0) {
+            Fill(*data, info);
+        }
+        return error;
+    });
 }
 
 BOOL WINAPI CloseHandle(HANDLE handle) {
@@ -265,31 +231,29 @@ HANDLE WINAPI FindFirstFileW(LPCWSTR pattern, LPWIN32_FIND_DATAW data) {
 }
 
 BOOL WINAPI FindNextFileW(HANDLE handle, LPWIN32_FIND_DATAW data) {
-    return Gated(
-        Call::FindNextFileW, FALSE,
-        [&]() -> BOOL {
-            LastError last_error;
+    return GatedAnswer(
+        Call::FindNextFileW,
+        [&]() -> DWORD {
             const auto search = sim::handles::Lookup<Search>(Kind::kFind, handle);
             if (!search) {
-                return last_error.Answer(ERROR_INVALID_HANDLE);
+                return ERROR_INVALID_HANDLE;
             }
             sim::files::FindEntry entry;
             if (!search->Next(entry)) {
-                return last_error.Answer(ERROR_NO_MORE_FILES);
+                return ERROR_NO_MORE_FILES;
             }
             Fill(*data, entry);
-            return TRUE;
+            return NO_ERROR;
         },
         handle);
 }
 
 BOOL WINAPI FindClose(HANDLE handle) {
-    return Gated(
-        Call::FindClose, FALSE,
-        [&]() -> BOOL {
-            LastError last_error;
+    return GatedAnswer(
+        Call::FindClose,
+        [&] {
             const bool closed = sim::handles::Close(Kind::kFind, handle);
-            return last_error.Answer(closed ? NO_ERROR : ERROR_INVALID_HANDLE);
+            return closed ? NO_ERROR : ERROR_INVALID_HANDLE;
         },
         handle);
 }
@@ -299,99 +263,83 @@ DWORD WINAPI GetFileAttributesW(LPCWSTR path) {
         Call::GetFileAttributesW, INVALID_FILE_ATTRIBUTES,
         [&] {
             std::uint32_t attributes = INVALID_FILE_ATTRIBUTES;
-            Answered(
-                [&] { return sim::files::GetAttributes(Device::Current(), path, attributes); });
+            LastError last_error;
+            last_error.Answer(sim::files::GetAttributes(Device::Current(), path, attributes));
             return static_cast<DWORD>(attributes);
         },
         path);
 }
 
 BOOL WINAPI SetFileAttributesW(LPCWSTR path, DWORD attributes) {
-    return Gated(
-        Call::SetFileAttributesW, FALSE,
-        [&] {
-            return Answered(
-                [&] { return sim::files::SetAttributes(Device::Current(), path, attributes); });
-        },
-        path, attributes);
+    return GatedAnswer(
+        Call::SetFileAttributesW,
+        [&] { return sim::files::SetAttributes(Device::Current(), path, attributes); }, path,
+        attributes);
 }
 
 BOOL WINAPI DeleteFileW(LPCWSTR path) {
-    return Gated(
-        Call::DeleteFileW, FALSE,
-        [&] { return Answered([&] { return sim::files::DeleteOne(Device::Current(), path); }); },
-        path);
+    return GatedAnswer(
+        Call::DeleteFileW, [&] { return sim::files::DeleteOne(Device::Current(), path); }, path);
 }
 
 BOOL WINAPI MoveFileW(LPCWSTR from, LPCWSTR to) {
-    return Gated(
-        Call::MoveFileW, FALSE,
-        [&] { return Answered([&] { return sim::files::MoveOne(Device::Current(), from, to); }); },
-        from, to);
+    return GatedAnswer(
+        Call::MoveFileW, [&] { return sim::files::MoveOne(Device::Current(), from, to); }, from,
+        to);
 }
 
 BOOL WINAPI CopyFileW(LPCWSTR from, LPCWSTR to, BOOL fail_if_exists) {
-    return Gated(
-        Call::CopyFileW, FALSE,
-        [&] {
-            return Answered([&] {
-                return sim::files::CopyOne(Device::Current(), from, to, fail_if_exists != FALSE);
-            });
-        },
+    return GatedAnswer(
+        Call::CopyFileW,
+        [&] { return sim::files::CopyOne(Device::Current(), from, to, fail_if_exists != FALSE); },
         from, to, fail_if_exists);
 }
 
 BOOL WINAPI CreateDirectoryW(LPCWSTR path, LPSECURITY_ATTRIBUTES) {
-    return Gated(
-        Call::CreateDirectoryW, FALSE,
-        [&] { return Answered([&] { return sim::files::CreateFolder(Device::Current(), path); }); },
+    return GatedAnswer(
+        Call::CreateDirectoryW, [&] { return sim::files::CreateFolder(Device::Current(), path); },
         path);
 }
 
 BOOL WINAPI RemoveDirectoryW(LPCWSTR path) {
-    return Gated(
-        Call::RemoveDirectoryW, FALSE,
-        [&] { return Answered([&] { return sim::files::RemoveFolder(Device::Current(), path); }); },
+    return GatedAnswer(
+        Call::RemoveDirectoryW, [&] { return sim::files::RemoveFolder(Device::Current(), path); },
         path);
 }
 
 BOOL WINAPI GetDiskFreeSpaceExW(LPCWSTR path, PULARGE_INTEGER free_to_caller, PULARGE_INTEGER total,
                                 PULARGE_INTEGER free) {
-    return Gated(
-        Call::GetDiskFreeSpaceExW, FALSE,
+    return GatedAnswer(
+        Call::GetDiskFreeSpaceExW,
         [&] {
-            return Answered([&] {
-                bool card = false;
-                const std::uint32_t error = sim::files::VolumeOf(Device::Current(), path, card);
-                if (error != 0) {
-                    return error;
-                }
-                const sim::files::Space space = sim::files::SpaceOf(Device::Current(), card);
-                if (free_to_caller != nullptr) {
-                    free_to_caller->QuadPart = space.free;
-                }
-                if (total != nullptr) {
-                    total->QuadPart = space.size;
-                }
-                if (free != nullptr) {
-                    free->QuadPart = space.free;
-                }
+            bool card = false;
+            const std::uint32_t error = sim::files::VolumeOf(Device::Current(), path, card);
+            if (error != 0) {
                 return error;
-            });
+            }
+            const sim::files::Space space = sim::files::SpaceOf(Device::Current(), card);
+            if (free_to_caller != nullptr) {
+                free_to_caller->QuadPart = space.free;
+            }
+            if (total != nullptr) {
+                total->QuadPart = space.size;
+            }
+            if (free != nullptr) {
+                free->QuadPart = space.free;
+            }
+            return error;
         },
         path);
 }
 
 BOOL WINAPI GetStoreInformation(LPSTORE_INFORMATION information) {
-    return Gated(Call::GetStoreInformation, FALSE, [&] {
-        return Answered([&]() -> std::uint32_t {
-            if (information == nullptr) {
-                return ERROR_INVALID_PARAMETER;
-            }
-            const sim::files::Space space = sim::files::SpaceOf(Device::Current(), false);
-            information->dwStoreSize = static_cast<DWORD>(space.size);
-            information->dwFreeSize = static_cast<DWORD>(space.free);
-            return NO_ERROR;
-        });
+    return GatedAnswer(Call::GetStoreInformation, [&]() -> std::uint32_t {
+        if (information == nullptr) {
+            return ERROR_INVALID_PARAMETER;
+        }
+        const sim::files::Space space = sim::files::SpaceOf(Device::Current(), false);
+        information->dwStoreSize = static_cast<DWORD>(space.size);
+        information->dwFreeSize = static_cast<DWORD>(space.free);
+        return NO_ERROR;
     });
 }

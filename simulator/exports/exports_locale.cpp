@@ -3,16 +3,12 @@
 #include <string>
 #include <windows.h>
 
-#include "simulator/gate/gate.h"
+#include "simulator/exports/gated.h"
 #include "simulator/system/date_text.h"
 #include "simulator/system/host_calls.h"
 #include "simulator/system/settings.h"
 
 namespace {
-
-using sim::Call;
-using sim::Device;
-using sim::Gated;
 
 constexpr LCID kEnglish = 0x409;
 

@@ -1,16 +1,12 @@
 // Windows CE's view of file mappings.
 #include <windows.h>
 
+#include "simulator/exports/gated.h"
 #include "simulator/files/mapping.h"
-#include "simulator/gate/gate.h"
 #include "simulator/system/handles.h"
-#include "simulator/system/last_error.h"
 
 namespace {
 
-using sim::Call;
-using sim::Gated;
-using sim::LastError;
 using sim::files::Mapping;
 using sim::handles::Kind;
 
@@ -19,7 +15,7 @@ HANDLE CreateMapping(HANDLE file, DWORD protection, DWORD bytes, LPCWSTR name) {
     std::uint32_t error = 0;
     bool existed = false;
     auto mapping =
-        Mapping::Create(sim::Device::Current(), file, protection, bytes, name, error, existed);
+        Mapping::Create(Device::Current(), file, protection, bytes, name, error, existed);
     if (!last_error.Answer(error)) {
         return nullptr;
     }
@@ -62,22 +58,12 @@ LPVOID WINAPI MapViewOfFile(HANDLE handle, DWORD access, DWORD offset_high, DWOR
 }
 
 BOOL WINAPI UnmapViewOfFile(LPCVOID view) {
-    return Gated(
-        Call::UnmapViewOfFile, FALSE,
-        [&]() -> BOOL {
-            LastError last_error;
-            return last_error.Answer(Mapping::Unmap(view));
-        },
-        view);
+    return GatedAnswer(
+        Call::UnmapViewOfFile, [&] { return Mapping::Unmap(view); }, view);
 }
 
 // Views and files share their memory; there is nothing left to flush.
 BOOL WINAPI FlushViewOfFile(LPCVOID address, SIZE_T bytes) {
-    return Gated(
-        Call::FlushViewOfFile, FALSE,
-        [&]() -> BOOL {
-            LastError last_error;
-            return last_error.Answer(Mapping::CheckView(address));
-        },
-        address, bytes);
+    return GatedAnswer(
+        Call::FlushViewOfFile, [&] { return Mapping::CheckView(address); }, address, bytes);
 }

@@ -3,15 +3,11 @@
 #include <memory>
 #include <windows.h>
 
-#include "simulator/gate/gate.h"
+#include "simulator/exports/gated.h"
 #include "simulator/system/heap_count.h"
 #include "simulator/system/host_calls.h"
 
 namespace {
-
-using sim::Call;
-using sim::Gated;
-using sim::GatedVoid;
 
 struct ThreadStart {
     LPTHREAD_START_ROUTINE run;

@@ -4,16 +4,12 @@
 #include <notify.h>
 #include <windows.h>
 
-#include "simulator/gate/gate.h"
+#include "simulator/exports/gated.h"
 #include "simulator/notifications/notifications.h"
 #include "simulator/store/names.h"
-#include "simulator/system/last_error.h"
 
 namespace {
 
-using sim::Call;
-using sim::Gated;
-using sim::LastError;
 using sim::notifications::Notification;
 using sim::notifications::UserNotification;
 using OptionalText = std::optional<std::u16string>;
@@ -139,35 +135,35 @@ DWORD WriteRecord(const Notification& notification, BYTE* buffer) {
 
 DWORD HandleValue(HANDLE handle) { return static_cast<DWORD>(reinterpret_cast<UINT_PTR>(handle)); }
 
-BOOL GetRecord(HANDLE handle, DWORD size, LPDWORD needed, LPBYTE buffer, LastError& error) {
+DWORD GetRecord(HANDLE handle, DWORD size, LPDWORD needed, LPBYTE buffer) {
     const std::optional<Notification> notification =
-        sim::notifications::Get(sim::Device::Current(), HandleValue(handle));
+        sim::notifications::Get(Device::Current(), HandleValue(handle));
     const bool is_aligned = reinterpret_cast<UINT_PTR>(buffer) % sizeof(DWORD) == 0;
     *needed = 0;
     if (!notification || !is_aligned || (size != 0 && buffer == nullptr)) {
-        return error.Answer(ERROR_INVALID_PARAMETER);
+        return ERROR_INVALID_PARAMETER;
     }
     *needed = WriteRecord(*notification, nullptr);
     if (size < *needed) {
-        return error.Answer(ERROR_INSUFFICIENT_BUFFER);
+        return ERROR_INSUFFICIENT_BUFFER;
     }
     WriteRecord(*notification, buffer);
-    return TRUE;
+    return NO_ERROR;
 }
 
-BOOL GetHandles(HANDLE* handles, DWORD count, LPDWORD needed, LastError& error) {
-    const std::vector<Notification> all = sim::notifications::All(sim::Device::Current());
+DWORD GetHandles(HANDLE* handles, DWORD count, LPDWORD needed) {
+    const std::vector<Notification> all = sim::notifications::All(Device::Current());
     *needed = static_cast<DWORD>(all.size());
     if (handles == nullptr) {
-        return count == 0 ? TRUE : error.Answer(ERROR_INVALID_PARAMETER);
+        return count == 0 ? NO_ERROR : ERROR_INVALID_PARAMETER;
     }
     if (count < all.size()) {
-        return error.Answer(ERROR_INSUFFICIENT_BUFFER);
+        return ERROR_INSUFFICIENT_BUFFER;
     }
     for (const Notification& notification : all) {
         *handles++ = reinterpret_cast<HANDLE>(static_cast<UINT_PTR>(notification.handle));
     }
-    return TRUE;
+    return NO_ERROR;
 }
 
 }  // namespace
@@ -182,7 +178,7 @@ HANDLE WINAPI CeSetUserNotificationEx(HANDLE handle, CE_NOTIFICATION_TRIGGER* tr
             if (IsUsable(trigger, user)) {
                 Notification notification = From(*trigger, user);
                 notification.handle = HandleValue(handle);
-                result = sim::notifications::Set(sim::Device::Current(), notification);
+                result = sim::notifications::Set(Device::Current(), notification);
             }
             error.Answer(result != 0 ? 0 : ERROR_INVALID_PARAMETER);
             return reinterpret_cast<HANDLE>(static_cast<UINT_PTR>(result));
@@ -191,35 +187,30 @@ HANDLE WINAPI CeSetUserNotificationEx(HANDLE handle, CE_NOTIFICATION_TRIGGER* tr
 }
 
 BOOL WINAPI CeClearUserNotification(HANDLE handle) {
-    return Gated(
-        Call::CeClearUserNotification, FALSE,
-        [&]() -> BOOL {
-            LastError error;
-            const bool cleared =
-                sim::notifications::Clear(sim::Device::Current(), HandleValue(handle));
-            return error.Answer(cleared ? 0 : ERROR_INVALID_PARAMETER);
+    return GatedAnswer(
+        Call::CeClearUserNotification,
+        [&] {
+            const bool cleared = sim::notifications::Clear(Device::Current(), HandleValue(handle));
+            return cleared ? 0 : ERROR_INVALID_PARAMETER;
         },
         handle);
 }
 
 BOOL WINAPI CeGetUserNotificationHandles(HANDLE* handles, DWORD count, LPDWORD needed) {
-    return Gated(
-        Call::CeGetUserNotificationHandles, FALSE,
-        [&]() -> BOOL {
-            LastError error;
-            return needed != nullptr ? GetHandles(handles, count, needed, error)
-                                     : error.Answer(ERROR_INVALID_PARAMETER);
+    return GatedAnswer(
+        Call::CeGetUserNotificationHandles,
+        [&]() -> DWORD {
+            return needed != nullptr ? GetHandles(handles, count, needed) : ERROR_INVALID_PARAMETER;
         },
         count);
 }
 
 BOOL WINAPI CeGetUserNotification(HANDLE handle, DWORD size, LPDWORD needed, LPBYTE buffer) {
-    return Gated(
-        Call::CeGetUserNotification, FALSE,
-        [&]() -> BOOL {
-            LastError error;
-            return needed != nullptr ? GetRecord(handle, size, needed, buffer, error)
-                                     : error.Answer(ERROR_INVALID_PARAMETER);
+    return GatedAnswer(
+        Call::CeGetUserNotification,
+        [&]() -> DWORD {
+            return needed != nullptr ? GetRecord(handle, size, needed, buffer)
+                                     : ERROR_INVALID_PARAMETER;
         },
         handle, size);
 }

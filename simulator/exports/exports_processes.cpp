@@ -2,14 +2,11 @@
 // program's name out, and most of what the desktop's CreateProcess takes is not supported.
 #include <windows.h>
 
-#include "simulator/gate/gate.h"
+#include "simulator/exports/gated.h"
 #include "simulator/processes/process_handles.h"
 #include "simulator/programs/programs.h"
 
 namespace {
-
-using sim::Call;
-using sim::Gated;
 
 constexpr DWORD kSupportedFlags = CREATE_SUSPENDED | CREATE_NEW_CONSOLE;
 
@@ -20,7 +17,7 @@ BOOL FailWith(DWORD error) {
 
 BOOL StartProgram(LPCWSTR name, LPCWSTR arguments, DWORD flags, LPPROCESS_INFORMATION info) {
     const sim::processes::Started started =
-        sim::processes::Start(sim::Device::Current(), name, arguments != nullptr ? arguments : L"",
+        sim::processes::Start(Device::Current(), name, arguments != nullptr ? arguments : L"",
                               (flags & CREATE_SUSPENDED) != 0);
     if (started.error != 0) {
         return FailWith(started.error);
@@ -35,6 +32,21 @@ BOOL StartProgram(LPCWSTR name, LPCWSTR arguments, DWORD flags, LPPROCESS_INFORM
     info->dwProcessId = started.pid;
     info->dwThreadId = started.thread_id;
     return TRUE;
+}
+
+// An object that processes share by its name; the device knows none with security attributes.
+template <typename Create>
+HANDLE CreateNamed(Call call, LPSECURITY_ATTRIBUTES security, LPCWSTR name, Create&& create) {
+    return Gated(
+        call, HANDLE{},
+        [&]() -> HANDLE {
+            if (security != nullptr) {
+                FailWith(ERROR_INVALID_PARAMETER);
+                return nullptr;
+            }
+            return create();
+        },
+        name);
 }
 
 }  // namespace
@@ -84,28 +96,13 @@ LPWSTR WINAPI GetCommandLineW() {
 }
 
 HANDLE WINAPI CreateMutexW(LPSECURITY_ATTRIBUTES security, BOOL owned, LPCWSTR name) {
-    return Gated(
-        Call::CreateMutexW, HANDLE{},
-        [&]() -> HANDLE {
-            if (security != nullptr) {
-                FailWith(ERROR_INVALID_PARAMETER);
-                return nullptr;
-            }
-            return sim::processes::CreateNamedMutex(owned != 0, name);
-        },
-        name);
+    return CreateNamed(Call::CreateMutexW, security, name,
+                       [&] { return sim::processes::CreateNamedMutex(owned != 0, name); });
 }
 
 HANDLE WINAPI CreateEventW(LPSECURITY_ATTRIBUTES security, BOOL manual, BOOL signalled,
                            LPCWSTR name) {
-    return Gated(
-        Call::CreateEventW, HANDLE{},
-        [&]() -> HANDLE {
-            if (security != nullptr) {
-                FailWith(ERROR_INVALID_PARAMETER);
-                return nullptr;
-            }
-            return sim::processes::CreateNamedEvent(manual != 0, signalled != 0, name);
-        },
-        name);
+    return CreateNamed(Call::CreateEventW, security, name, [&] {
+        return sim::processes::CreateNamedEvent(manual != 0, signalled != 0, name);
+    });
 }

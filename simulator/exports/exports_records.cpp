@@ -5,17 +5,13 @@
 #include <windows.h>
 
 #include "simulator/databases/open_database.h"
-#include "simulator/gate/gate.h"
+#include "simulator/exports/gated.h"
 #include "simulator/system/handles.h"
 #include "simulator/system/heap_count.h"
 #include "simulator/system/host_calls.h"
-#include "simulator/system/last_error.h"
 
 namespace {
 
-using sim::Call;
-using sim::Gated;
-using sim::LastError;
 using sim::databases::OpenDatabase;
 using sim::databases::Property;
 using sim::databases::Record;
@@ -167,7 +163,7 @@ bool IsNoData(const std::vector<Row>& rows, bool all_asked) {
             return false;
         }
     }
-    return !all_asked || sim::Device::Current().Setting("database.empty.record", "") == "no-data";
+    return !all_asked || Device::Current().Setting("database.empty.record", "") == "no-data";
 }
 
 CEOID Read(OpenDatabase& database, DWORD flags, LPWORD count, const CEPROPID* asked, LPBYTE* buffer,
@@ -189,7 +185,7 @@ CEOID Read(OpenDatabase& database, DWORD flags, LPWORD count, const CEPROPID* as
         database.Advance();
         return oid;
     }
-    if (sim::Device::Current().Setting("database.no.data", "advances") == "advances") {
+    if (Device::Current().Setting("database.no.data", "advances") == "advances") {
         database.Advance();
     }
     last.Set(ERROR_NO_DATA);
@@ -303,13 +299,12 @@ CEOID WINAPI CeWriteRecordProps(HANDLE handle, CEOID oid, WORD count, CEPROPVAL*
 }
 
 BOOL WINAPI CeDeleteRecord(HANDLE handle, CEOID oid) {
-    return Gated(
-        Call::CeDeleteRecord, FALSE,
-        [&]() -> BOOL {
-            LastError last;
+    return GatedAnswer(
+        Call::CeDeleteRecord,
+        [&] {
             const DatabaseHandle database = Lookup(handle);
             const bool deleted = database && database->store().DeleteRecord(database->oid(), oid);
-            return last.Answer(deleted ? 0 : ERROR_INVALID_PARAMETER);
+            return deleted ? 0 : ERROR_INVALID_PARAMETER;
         },
         handle, oid);
 }

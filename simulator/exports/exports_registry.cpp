@@ -4,20 +4,18 @@
 #include <cstring>
 #include <windows.h>
 
-#include "simulator/gate/gate.h"
+#include "simulator/exports/gated.h"
 #include "simulator/registry/open_keys.h"
-#include "simulator/system/last_error.h"
 
 namespace {
 
-using sim::Call;
 using sim::registry::KeyId;
 using sim::registry::OpenKey;
 using sim::registry::Registry;
 using sim::registry::Value;
 using KeyHandle = std::shared_ptr<OpenKey>;
 
-Registry CurrentRegistry() { return Registry(sim::Device::Current()); }
+Registry CurrentRegistry() { return Registry(Device::Current()); }
 
 // Runs `body(registry, key)` for an open key that is still there; the last error stays as it was.
 template <typename Body, typename... Arguments>
@@ -25,7 +23,7 @@ LONG OnKey(Call call, HKEY hkey, Body&& body, const Arguments&... arguments) {
     return sim::GatedStatus(
         call,
         [&]() -> long {
-            sim::LastError keep;
+            LastError keep;
             const KeyHandle key = sim::registry::KeyOfHandle(hkey);
             if (!key) {
                 return ERROR_INVALID_HANDLE;

@@ -6,16 +6,12 @@
 #include <windows.h>
 
 #include "simulator/databases/hidden_names.h"
-#include "simulator/gate/gate.h"
+#include "simulator/exports/gated.h"
 #include "simulator/system/host_calls.h"
 #include "simulator/system/settings.h"
 
 namespace {
 
-using sim::Call;
-using sim::Device;
-using sim::Gated;
-using sim::GatedVoid;
 using sim::SettingNumber;
 
 constexpr DWORD kGranularity = 0x10000;

@@ -2,18 +2,13 @@
 #include <algorithm>
 #include <windows.h>
 
-#include "simulator/gate/gate.h"
+#include "simulator/exports/gated.h"
 #include "simulator/system/date_text.h"
 #include "simulator/system/host_calls.h"
 #include "simulator/system/settings.h"
 #include "simulator/system/speed.h"
 
 namespace {
-
-using sim::Call;
-using sim::Device;
-using sim::Gated;
-using sim::GatedVoid;
 
 SYSTEMTIME SystemTime(std::uint64_t ticks) {
     const sim::Moment moment = sim::MomentFromTicks(ticks);

@@ -2,13 +2,11 @@
 // "Dialog", and message boxes leave their text in the trace.
 #include <windows.h>
 
-#include "simulator/gate/gate.h"
+#include "simulator/exports/gated.h"
 #include "simulator/windows/window_calls.h"
 
 namespace {
 
-using sim::Call;
-using sim::Gated;
 namespace host = sim::windows;
 
 // A window class as the trace shows it: an atom has no text.

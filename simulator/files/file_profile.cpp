@@ -4,6 +4,7 @@
 #include "simulator/files/files.h"
 #include "simulator/files/sha256.h"
 #include "simulator/host/host_files.h"
+#include "simulator/store/utf8.h"
 
 namespace sim::files {
 namespace {
@@ -11,7 +12,7 @@ namespace {
 using nlohmann::json;
 
 std::wstring CardPath(Device& device) {
-    return L"\\" + host::Wide(device.Setting("card.name", "Storage Card"));
+    return L"\\" + Wide(device.Setting("card.name", "Storage Card"));
 }
 
 void ImportTree(Device& device, const std::wstring& host_folder, const std::wstring& path) {
@@ -59,7 +60,7 @@ void ImportFiles(Device& device, const std::wstring& profile) {
     }
     const json rows = json::parse(*text);
     for (const auto& [path, row] : rows.items()) {
-        ApplyRow(device, host::Wide(path), row);
+        ApplyRow(device, Wide(path), row);
     }
 }
 
@@ -83,7 +84,7 @@ void ExportFiles(Device& device, const std::wstring& profile) {
         }
         json row = RowOf(entry);
         if (!row.empty()) {
-            rows[host::Utf8(entry.path)] = std::move(row);
+            rows[Utf8(entry.path)] = std::move(row);
         }
     }
     host::WriteWhole(profile + L"\\files.json", rows.dump(1) + "\n");
@@ -94,7 +95,7 @@ json DumpFiles(Device& device) {
     json files = json::array();
     for (const Entry& entry : ListAll(device)) {
         json file = {
-            {"path", host::Utf8(entry.path)}, {"oid", entry.oid}, {"attributes", entry.attributes}};
+            {"path", Utf8(entry.path)}, {"oid", entry.oid}, {"attributes", entry.attributes}};
         if (!entry.is_folder) {
             file["size"] = entry.size;
             file["modified"] = entry.modified;

@@ -6,6 +6,7 @@
 #include "simulator/files/file_table.h"
 #include "simulator/files/space.h"
 #include "simulator/host/host_files.h"
+#include "simulator/store/utf8.h"
 
 namespace sim::files {
 namespace {
@@ -87,12 +88,12 @@ std::vector<Entry> Sorted(std::vector<Entry> entries) {
 }  // namespace
 
 FileError::FileError(const std::wstring& path, std::uint32_t code)
-    : std::runtime_error(host::Utf8(path) + ": error " + std::to_string(code)), code_(code) {}
+    : std::runtime_error(Utf8(path) + ": error " + std::to_string(code)), code_(code) {}
 
 void MountCard(Device& device) {
     FileTable& table = FileTable::Of(device);
     LogStore::Change change(table.store());
-    const std::wstring name = host::Wide(device.Setting("card.name", "Storage Card"));
+    const std::wstring name = Wide(device.Setting("card.name", "Storage Card"));
     if (!table.Child(kRoot, name)) {
         table.Add(Node(), name, kFolder, true);
     }
@@ -301,10 +302,10 @@ bool ApplyFileSetting(Device& device, const std::string& name, const std::string
     } else if (name == "card.name") {
         FileTable& table = FileTable::Of(device);
         LogStore::Change change(table.store());
-        const std::wstring old = L"\\" + host::Wide(device.Setting("card.name", "Storage Card"));
+        const std::wstring old = L"\\" + Wide(device.Setting("card.name", "Storage Card"));
         device.SetSetting(name, value);
         if (Exists(device, old)) {
-            Rename(device, old, L"\\" + host::Wide(value));
+            Rename(device, old, L"\\" + Wide(value));
         }
     } else {
         return false;

@@ -59,16 +59,16 @@ std::uint32_t CopyContent(OpenFile& source, OpenFile& target) {
     }
 }
 
-}  // namespace
-
-std::uint32_t DeleteOne(Device& device, const wchar_t* path) {
+// Calls `change` with the table and the node that `path` leads to; it answers an error code.
+template <typename Change>
+std::uint32_t ChangeNode(Device& device, const wchar_t* path, Change&& change) {
     FileTable& table = FileTable::Of(device);
-    LogStore::Change change(table.store());
+    LogStore::Change kept_together(table.store());
     const Found found = table.Find(path);
-    if (found.error != 0) {
-        return found.error;
-    }
-    const Node& node = found.node;
+    return found.error != 0 ? found.error : change(table, found.node);
+}
+
+std::uint32_t DeleteFileNode(FileTable& table, const Node& node) {
     if (node.is_folder() || node.is_rom() || (node.stored_attributes & kReadOnly) != 0) {
         return ERROR_ACCESS_DENIED;
     }
@@ -79,6 +79,27 @@ std::uint32_t DeleteOne(Device& device, const wchar_t* path) {
     table.Remove(node);
     GiveSpaceBack(table, node.on_card, size);
     return 0;
+}
+
+std::uint32_t RemoveFolderNode(FileTable& table, const Node& node) {
+    if (!node.is_folder()) {
+        return ERROR_DIRECTORY;
+    }
+    if (node.number == kRoot || node.is_card || node.is_rom() ||
+        (node.stored_attributes & kReadOnly) != 0) {
+        return ERROR_ACCESS_DENIED;
+    }
+    if (table.HasChildren(node.number)) {
+        return ERROR_DIR_NOT_EMPTY;
+    }
+    table.Remove(node);
+    return 0;
+}
+
+}  // namespace
+
+std::uint32_t DeleteOne(Device& device, const wchar_t* path) {
+    return ChangeNode(device, path, DeleteFileNode);
 }
 
 std::uint32_t MoveOne(Device& device, const wchar_t* from_path, const wchar_t* to_path) {
@@ -147,25 +168,7 @@ std::uint32_t CreateFolder(Device& device, const wchar_t* path) {
 }
 
 std::uint32_t RemoveFolder(Device& device, const wchar_t* path) {
-    FileTable& table = FileTable::Of(device);
-    LogStore::Change change(table.store());
-    const Found found = table.Find(path);
-    if (found.error != 0) {
-        return found.error;
-    }
-    const Node& node = found.node;
-    if (!node.is_folder()) {
-        return ERROR_DIRECTORY;
-    }
-    if (node.number == kRoot || node.is_card || node.is_rom() ||
-        (node.stored_attributes & kReadOnly) != 0) {
-        return ERROR_ACCESS_DENIED;
-    }
-    if (table.HasChildren(node.number)) {
-        return ERROR_DIR_NOT_EMPTY;
-    }
-    table.Remove(node);
-    return 0;
+    return ChangeNode(device, path, RemoveFolderNode);
 }
 
 std::uint32_t GetAttributes(Device& device, const wchar_t* path, std::uint32_t& attributes) {
@@ -178,18 +181,14 @@ std::uint32_t GetAttributes(Device& device, const wchar_t* path, std::uint32_t& 
 }
 
 std::uint32_t SetAttributes(Device& device, const wchar_t* path, std::uint32_t attributes) {
-    FileTable& table = FileTable::Of(device);
-    LogStore::Change change(table.store());
-    Found found = table.Find(path);
-    if (found.error != 0) {
-        return found.error;
-    }
-    if (found.node.number == kRoot || found.node.is_rom()) {
-        return ERROR_ACCESS_DENIED;
-    }
-    table.SetStoredAttributes(
-        found.node, (found.node.stored_attributes & ~kSettable) | (attributes & kSettable));
-    return 0;
+    return ChangeNode(device, path, [&](FileTable& table, Node node) -> std::uint32_t {
+        if (node.number == kRoot || node.is_rom()) {
+            return ERROR_ACCESS_DENIED;
+        }
+        table.SetStoredAttributes(node,
+                                  (node.stored_attributes & ~kSettable) | (attributes & kSettable));
+        return 0;
+    });
 }
 
 std::uint32_t VolumeOf(Device& device, const wchar_t* path, bool& card) {

@@ -24,7 +24,4 @@ Listing List(const std::wstring& folder);
 // The folder for temporary files, or the one in the environment variable `name` when it is set.
 std::wstring FolderFromEnvironmentOrTemp(const wchar_t* name);
 
-std::string Utf8(const std::wstring& text);
-std::wstring Wide(const std::string& utf8);
-
 }  // namespace sim::host

@@ -45,10 +45,8 @@ Time TakeTime(ByteReader& reader) {
 
 std::string Encode(const Notification& notification) {
     std::string entry;
-    PutNumber(entry, notification.handle);
-    PutNumber(entry, notification.status);
-    PutNumber(entry, notification.kind);
-    PutNumber(entry, notification.event);
+    PutNumbers(entry,
+               {notification.handle, notification.status, notification.kind, notification.event});
     PutOptional(entry, notification.application);
     PutOptional(entry, notification.arguments);
     PutTime(entry, notification.start);

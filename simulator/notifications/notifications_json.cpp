@@ -1,10 +1,10 @@
-#include <algorithm>
 #include <cstdio>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
 #include "simulator/notifications/notifications.h"
-#include "simulator/store/names.h"
+#include "simulator/store/json_rows.h"
+#include "simulator/store/utf8.h"
 
 namespace sim::notifications {
 namespace {
@@ -12,7 +12,7 @@ namespace {
 using nlohmann::json;
 
 json TextJson(const std::optional<std::u16string>& text) {
-    return text ? json(ToUtf8(*text)) : json();
+    return text ? json(Utf8(*text)) : json();
 }
 
 std::optional<std::u16string> TextOf(const json& from, const char* name) {
@@ -20,7 +20,7 @@ std::optional<std::u16string> TextOf(const json& from, const char* name) {
     if (at == from.end() || at->is_null()) {
         return std::nullopt;
     }
-    return FromUtf8(at->get<std::string>());
+    return Wide16(at->get<std::string>());
 }
 
 json TimeJson(const Time& time) {
@@ -106,20 +106,14 @@ Notification NotificationOf(const json& from) {
 }  // namespace
 
 json DumpJson(Device& device) {
-    std::vector<std::pair<std::string, json>> rows;
+    KeyedRows rows;
     for (const Notification& notification : All(device)) {
         json row = WithoutHandle(notification);
         std::string text = row.dump();
         row["handle"] = notification.handle;
         rows.emplace_back(std::move(text), std::move(row));
     }
-    std::sort(rows.begin(), rows.end(),
-              [](const auto& a, const auto& b) { return a.first < b.first; });
-    json notifications = json::array();
-    for (auto& row : rows) {
-        notifications.push_back(std::move(row.second));
-    }
-    return notifications;
+    return SortedRows(std::move(rows));
 }
 
 void ImportJson(Device& device, const json& notifications) {

@@ -5,6 +5,7 @@
 
 #include "simulator/registry/registry.h"
 #include "simulator/store/hex.h"
+#include "simulator/store/utf8.h"
 
 namespace sim::registry {
 namespace {
@@ -19,7 +20,7 @@ bool IsTerminated(const Value& value) {
 
 json ValueJson(const Value& value) {
     const std::size_t size = value.data.size() - (IsTerminated(value) ? sizeof(char16_t) : 0);
-    return {{"name", ToUtf8(value.name)},
+    return {{"name", Utf8(value.name)},
             {"type", value.type},
             {"data", ToHex(std::string_view(value.data).substr(0, size))}};
 }
@@ -35,7 +36,7 @@ void DumpKey(const Registry& registry, const KeyId& key, const std::u16string& p
     std::sort(subkeys.begin(), subkeys.end());
     const bool is_root = key == RootId(key[0] - u'0');
     if (!is_root || !values.empty()) {
-        keys.push_back({{"key", ToUtf8(path)}, {"values", std::move(values)}});
+        keys.push_back({{"key", Utf8(path)}, {"values", std::move(values)}});
     }
     for (const KeyId& subkey : subkeys) {
         DumpKey(registry, subkey, path + u"\\" + registry.NamesOf(subkey).name, keys);

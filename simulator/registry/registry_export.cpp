@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "simulator/registry/registry_text.h"
+#include "simulator/store/utf8.h"
 
 namespace sim::registry {
 namespace {
@@ -17,7 +18,7 @@ std::string Escaped(std::u16string_view text) {
         }
         escaped += unit;
     }
-    return ToUtf8(escaped);
+    return Utf8(escaped);
 }
 
 bool IsUnpairedSurrogate(std::u16string_view text, std::size_t at) {
@@ -87,7 +88,7 @@ std::string ValueLine(const Value& value) {
 
 void ExportKey(const Registry& registry, const KeyId& key, const std::u16string& path,
                std::string& out) {
-    out += "\r\n[" + ToUtf8(path) + "]\r\n";
+    out += "\r\n[" + Utf8(path) + "]\r\n";
     std::vector<std::u16string> names = registry.Values(key);
     std::sort(names.begin(), names.end());
     for (const std::u16string& name : names) {

@@ -5,6 +5,8 @@
 #include <stdexcept>
 #include <windows.h>
 
+#include "simulator/store/utf8.h"
+
 namespace sim::registry {
 namespace {
 
@@ -273,7 +275,7 @@ void CheckPlaces(const Registry& registry, const std::vector<Step>& steps) {
         KeyId place;
         if (registry.Place(step.root, step.subkey, place) != kOk ||
             step.value.name.size() > kMaxNameUnits) {
-            throw std::runtime_error("registry text: no key can be called " + ToUtf8(step.subkey));
+            throw std::runtime_error("registry text: no key can be called " + Utf8(step.subkey));
         }
     }
 }

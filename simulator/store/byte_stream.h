@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -10,6 +11,11 @@ namespace sim {
 
 inline void PutNumber(std::string& out, std::uint32_t number) {
     out.append(reinterpret_cast<const char*>(&number), sizeof number);
+}
+inline void PutNumbers(std::string& out, std::initializer_list<std::uint32_t> numbers) {
+    for (const std::uint32_t number : numbers) {
+        PutNumber(out, number);
+    }
 }
 inline void PutLong(std::string& out, std::uint64_t number) {
     out.append(reinterpret_cast<const char*>(&number), sizeof number);

@@ -20,15 +20,6 @@ std::uint64_t Mix(std::uint64_t seed, std::u16string_view key) {
     return hash;
 }
 
-std::string Multibyte(std::wstring_view text) {
-    const int units = static_cast<int>(text.size());
-    const int size =
-        ::WideCharToMultiByte(CP_UTF8, 0, text.data(), units, nullptr, 0, nullptr, nullptr);
-    std::string bytes(static_cast<std::size_t>(size), '\0');
-    ::WideCharToMultiByte(CP_UTF8, 0, text.data(), units, &bytes[0], size, nullptr, nullptr);
-    return bytes;
-}
-
 }  // namespace
 
 std::u16string FoldName(std::u16string_view name) {
@@ -54,18 +45,6 @@ std::u16string StoredText(const wchar_t* text) {
     }
     const std::wstring_view view(text);
     return std::u16string(view.begin(), view.end());
-}
-
-std::u16string FromUtf8(std::string_view text) {
-    const int bytes = static_cast<int>(text.size());
-    const int size = ::MultiByteToWideChar(CP_UTF8, 0, text.data(), bytes, nullptr, 0);
-    std::wstring wide(static_cast<std::size_t>(size), L'\0');
-    ::MultiByteToWideChar(CP_UTF8, 0, text.data(), bytes, &wide[0], size);
-    return std::u16string(wide.begin(), wide.end());
-}
-
-std::string ToUtf8(std::u16string_view text) {
-    return Multibyte(std::wstring(text.begin(), text.end()));
 }
 
 void Arrange(std::vector<Enumerated>& items, const std::string& order) {

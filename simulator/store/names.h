@@ -15,9 +15,6 @@ std::u16string FoldName(std::u16string_view name);
 // Platform text and stored text hold the same 16-bit units. A null pointer is the empty text.
 std::u16string StoredText(const wchar_t* text);
 
-std::u16string FromUtf8(std::string_view text);
-std::string ToUtf8(std::u16string_view text);
-
 // Something to be enumerated: `sequence` tells when it came, `key` stays the same while it lives.
 struct Enumerated {
     std::uint32_t sequence = 0;

@@ -3,6 +3,7 @@
 #include <commctrl.h>
 #include <cstdio>
 
+#include "simulator/store/utf8.h"
 #include "simulator/windows/inspect_tree.h"
 
 namespace sim::windows {
@@ -96,30 +97,28 @@ void DescribeList(HWND control, const ListKind& kind, Window& out) {
     out.selected = static_cast<int>(Ask(control, kind.selected));
 }
 
-void DescribeTabs(HWND control, Window& out) {
-    const int count = static_cast<int>(Ask(control, TCM_GETITEMCOUNT));
+// `item` is the control's own structure, which `text_message` fills.
+template <typename Item>
+void DescribeItems(HWND control, UINT count_message, UINT text_message, Item item, Window& out) {
+    const int count = static_cast<int>(Ask(control, count_message));
     for (int i = 0; i < count; ++i) {
         wchar_t text[kMaxItemUnits] = L"";
-        TCITEMW item{};
-        item.mask = TCIF_TEXT;
         item.pszText = text;
         item.cchTextMax = kMaxItemUnits;
-        Ask(control, TCM_GETITEMW, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&item));
+        Ask(control, text_message, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&item));
         out.items.push_back(Utf8(text));
     }
+}
+
+void DescribeTabs(HWND control, Window& out) {
+    TCITEMW item{};
+    item.mask = TCIF_TEXT;
+    DescribeItems(control, TCM_GETITEMCOUNT, TCM_GETITEMW, item, out);
     out.selected = static_cast<int>(Ask(control, TCM_GETCURSEL));
 }
 
 void DescribeListView(HWND control, Window& out) {
-    const int count = static_cast<int>(Ask(control, LVM_GETITEMCOUNT));
-    for (int i = 0; i < count; ++i) {
-        wchar_t text[kMaxItemUnits] = L"";
-        LVITEMW item{};
-        item.pszText = text;
-        item.cchTextMax = kMaxItemUnits;
-        Ask(control, LVM_GETITEMTEXTW, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&item));
-        out.items.push_back(Utf8(text));
-    }
+    DescribeItems(control, LVM_GETITEMCOUNT, LVM_GETITEMTEXTW, LVITEMW{}, out);
     out.selected =
         static_cast<int>(Ask(control, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
 }
@@ -220,23 +219,6 @@ bool SelectInListView(HWND control, int index) {
 }
 
 }  // namespace
-
-std::string Utf8(const std::wstring& text) {
-    const int units = static_cast<int>(text.size());
-    const int bytes =
-        ::WideCharToMultiByte(CP_UTF8, 0, text.c_str(), units, nullptr, 0, nullptr, nullptr);
-    std::string out(static_cast<std::size_t>(bytes), '\0');
-    ::WideCharToMultiByte(CP_UTF8, 0, text.c_str(), units, &out[0], bytes, nullptr, nullptr);
-    return out;
-}
-
-std::wstring Wide(const std::string& text) {
-    const int bytes = static_cast<int>(text.size());
-    const int units = ::MultiByteToWideChar(CP_UTF8, 0, text.c_str(), bytes, nullptr, 0);
-    std::wstring out(static_cast<std::size_t>(units), L'\0');
-    ::MultiByteToWideChar(CP_UTF8, 0, text.c_str(), bytes, &out[0], units);
-    return out;
-}
 
 std::string ClassOf(HWND window) {
     wchar_t name[128] = L"";

@@ -9,8 +9,6 @@
 
 namespace sim::windows {
 
-std::string Utf8(const std::wstring& text);
-std::wstring Wide(const std::string& text);
 std::string ClassOf(HWND window);
 
 // SendMessage that gives up after a few seconds; 0 then.

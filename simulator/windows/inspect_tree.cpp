@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <commctrl.h>
 
+#include "simulator/store/utf8.h"
+
 namespace sim::windows {
 namespace {
 

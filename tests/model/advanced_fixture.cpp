@@ -1,6 +1,7 @@
 #include "tests/model/advanced_fixture.h"
 
 #include "simulator/host/host_files.h"
+#include "simulator/store/utf8.h"
 #include "snapshot/compare/record_info.h"
 #include "snapshot/engine/difference_engine.h"
 #include "storage/files/handle_bytes.h"
@@ -115,7 +116,7 @@ void AdvancedModelTest::RestoreAndCheck(std::size_t state) {
 void AdvancedModelTest::ExchangeDevice(std::uint32_t first_id) {
     const std::wstring empty = folder() + L"\\empty";
     sim::host::MakeFolder(empty);
-    device().Command("create \"" + sim::host::Utf8(empty) + "\"");
+    device().Command("create \"" + sim::Utf8(empty) + "\"");
     device().DropFaults();
     LetTimePass();
     device().Set("oid.next", std::to_string(first_id));

@@ -4,6 +4,7 @@
 
 #include "simulator/files/files.h"
 #include "simulator/host/host_files.h"
+#include "simulator/store/utf8.h"
 #include "snapshot/records/checksum.h"
 #include "tests/model/change_generator.h"
 #include "tests/support/engine_test.h"
@@ -79,7 +80,7 @@ protected:
     std::string Reset() {
         const std::wstring empty = folder() + L"\\empty";
         sim::host::MakeFolder(empty);
-        device().Command("create \"" + sim::host::Utf8(empty) + "\"");
+        device().Command("create \"" + sim::Utf8(empty) + "\"");
         device().DropFaults();
         Prepare();
         // The ids that it gives out are new ones, or those of objects that were stored.

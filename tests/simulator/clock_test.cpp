@@ -68,20 +68,18 @@ TEST_F(ClockTest, AStandingClockStepsAtEveryWrite) {
 
 TEST_F(ClockTest, LocalTimeFollowsDaylightSaving) {
     SetZone(kBerlin);
-    device().Command("set clock 2003-01-15T12:00:00Z");
-    EXPECT_EQ(13, Local().wHour);
-    device().Command("set clock 2003-07-15T12:00:00Z");
-    EXPECT_EQ(14, Local().wHour);
-    device().Command("set clock 2003-03-30T00:59:59Z");
-    EXPECT_EQ(1, Local().wHour);
-    device().Command("set clock 2003-03-30T01:00:00Z");
-    EXPECT_EQ(3, Local().wHour);
-    device().Command("set clock 2003-10-26T00:59:59Z");
-    EXPECT_EQ(2, Local().wHour);
-    device().Command("set clock 2003-10-26T01:00:00Z");
-    EXPECT_EQ(2, Local().wHour);
-    device().Command("set clock 2003-10-26T02:00:00Z");
-    EXPECT_EQ(3, Local().wHour);
+    const struct {
+        const char* utc;
+        int local_hour;
+    } kRows[] = {
+        {"2003-01-15T12:00:00Z", 13}, {"2003-07-15T12:00:00Z", 14}, {"2003-03-30T00:59:59Z", 1},
+        {"2003-03-30T01:00:00Z", 3},  {"2003-10-26T00:59:59Z", 2},  {"2003-10-26T01:00:00Z", 2},
+        {"2003-10-26T02:00:00Z", 3},
+    };
+    for (const auto& row : kRows) {
+        device().Command(std::string("set clock ") + row.utc);
+        EXPECT_EQ(row.local_hour, Local().wHour) << row.utc;
+    }
 }
 
 TEST_F(ClockTest, ATimeWithoutZIsTheDevicesLocalTime) {

@@ -4,6 +4,7 @@
 
 #include "simulator/command/command.h"
 #include "simulator/host/host_files.h"
+#include "simulator/store/utf8.h"
 #include "tests/simulator/record_helpers.h"
 
 namespace {
@@ -13,7 +14,7 @@ using Json = nlohmann::json;
 
 class CommandDeviceTest : public RecordFixture {
 protected:
-    CommandDeviceTest() : host_(sim::host::Utf8(folder()) + "\\host") {
+    CommandDeviceTest() : host_(sim::Utf8(folder()) + "\\host") {
         sim::host::MakeFolder(folder() + L"\\host");
     }
     Json Run(const std::string& line) { return Json::parse(device().Command(line)); }
@@ -24,7 +25,7 @@ protected:
     }
     std::string Host(const std::string& name) { return "\"" + host_ + "\\" + name + "\""; }
     void WriteHost(const std::string& name, const std::string& bytes) {
-        sim::host::WriteWhole(sim::host::Wide(host_ + "\\" + name), bytes);
+        sim::host::WriteWhole(sim::Wide(host_ + "\\" + name), bytes);
     }
     std::size_t LogBytes() {
         ::GetFileAttributesW(L"\\");  // lets this process's coredll.dll go of an older log
@@ -137,7 +138,7 @@ TEST_F(CommandDeviceTest, DatabasesGoInAndOutAndAway) {
                             {"propid": 131075, "value": "05000000"}]}]})");
     Run("db-import " + Host("in.json"));
     Run("db-export " + Host("out.json"));
-    const Json out = Json::parse(*sim::host::ReadWhole(sim::host::Wide(host_ + "\\out.json")));
+    const Json out = Json::parse(*sim::host::ReadWhole(sim::Wide(host_ + "\\out.json")));
     EXPECT_EQ(Run("dump")["databases"], out);
     EXPECT_EQ("05000000", out[0]["records"][0]["props"][0]["value"]);
     Run("db-delete notes");

@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "simulator/host/host_files.h"
+#include "simulator/store/utf8.h"
 #include "tests/support/device_test.h"
 
 namespace {
@@ -15,12 +16,12 @@ using Words = std::vector<std::string>;
 
 class CommandTest : public tests::DeviceTest {
 protected:
-    CommandTest() : host_(sim::host::Utf8(folder()) + "\\host") {
+    CommandTest() : host_(sim::Utf8(folder()) + "\\host") {
         sim::host::MakeFolder(folder() + L"\\host");
     }
     std::string HostFile(const std::string& name, const std::string& bytes) {
         const std::string path = host_ + "\\" + name;
-        sim::host::WriteWhole(sim::host::Wide(path), bytes);
+        sim::host::WriteWhole(sim::Wide(path), bytes);
         return path;
     }
     Json Run(const std::string& line) { return Json::parse(device().Command(line)); }
@@ -59,7 +60,7 @@ TEST_F(CommandTest, AFileGoesInAndOut) {
     Run("put \"" + HostFile("a b.txt", "hello") + "\" \"\\My Documents\\a b.txt\"");
     EXPECT_EQ("hello", device().FileBytes(L"\\My Documents\\a b.txt"));
     Run("get \"\\My Documents\\a b.txt\" \"" + host_ + "\\back.txt\"");
-    EXPECT_EQ("hello", sim::host::ReadWhole(sim::host::Wide(host_ + "\\back.txt")));
+    EXPECT_EQ("hello", sim::host::ReadWhole(sim::Wide(host_ + "\\back.txt")));
 }
 
 TEST_F(CommandTest, ListingTellsAttributesAndTime) {

@@ -7,20 +7,13 @@
 
 #include "simulator/store/device_name.h"
 #include "simulator/windows/control.h"
-#include "tests/support/programs.h"
+#include "tests/simulator/probe_fixture.h"
 
 namespace tests {
 namespace {
 
-namespace processes = sim::processes;
-
-constexpr std::uint32_t kTimeoutMs = 20000;
-constexpr wchar_t kProbe[] = L"\\Windows\\probe.exe";
-
-class DesktopTest : public DeviceTest {
+class DesktopTest : public ProbeTest {
 protected:
-    DesktopTest() { InstallProgram(sim(), "probe.exe", kProbe); }
-    sim::Device& sim() { return device().sim(); }
     static std::optional<sim::windows::Window> DialogOf(const Program& program,
                                                         const sim::Device& device) {
         for (const sim::windows::Window& window : sim::windows::List(device)) {
@@ -37,9 +30,6 @@ protected:
             return dialog && dialog->left == (width - dialog->width) / 2 &&
                    dialog->top == (height - dialog->height) / 2;
         });
-    }
-    static std::uint32_t RunProbe(sim::Device& on, const std::wstring& arguments) {
-        return processes::Run(on, kProbe, arguments, kTimeoutMs).value_or(0xFFFF);
     }
 };
 

@@ -1,6 +1,8 @@
 // Dialog templates, message boxes and the open dialog.
 #include "platform/win32.h"
 
+#include <optional>
+
 #include "simulator/windows/control.h"
 #include "simulator/windows/dialog_template.h"
 #include "simulator/windows/open_choice.h"
@@ -145,13 +147,20 @@ TEST(OpenFilterTest, PairsOfTextAndPatternsAreTakenApart) {
     EXPECT_TRUE(windows::ParseFilters(nullptr).empty());
 }
 
-class OpenDialogTest : public OpenChoiceTest {
+class DialogProbeTest : public OpenChoiceTest {
 protected:
-    OpenDialogTest() { InstallProgram(sim(), "probe.exe", kProbe); }
+    DialogProbeTest() { InstallProgram(sim(), "probe.exe", kProbe); }
     sim::Device& sim() { return device().sim(); }
-    bool IsUp() {
-        return Eventually(
-            [&] { return windows::Find(sim(), windows::kOpenFilterBox).has_value(); });
+    static constexpr wchar_t kProbe[] = L"\\Windows\\probe.exe";
+};
+
+// The probe's open dialog is up.
+class OpenDialogTest : public DialogProbeTest {
+protected:
+    void SetUp() override {
+        program_.emplace(sim(), kProbe, L"open");
+        ASSERT_TRUE(
+            Eventually([&] { return windows::Find(sim(), windows::kOpenFilterBox).has_value(); }));
     }
     std::vector<std::string> Listed() {
         return windows::Find(sim(), windows::kOpenFileList).value_or(windows::Window{}).items;
@@ -160,41 +169,33 @@ protected:
         const std::string bytes = device().FileBytes(L"\\chosen.txt");
         return {reinterpret_cast<const wchar_t*>(bytes.data()), bytes.size() / sizeof(wchar_t)};
     }
-    static constexpr wchar_t kProbe[] = L"\\Windows\\probe.exe";
+    std::optional<Program> program_;
 };
 
 TEST_F(OpenDialogTest, ItOpensInTheInitialFolderWithTheFilterAndTheTitle) {
-    Program program(sim(), kProbe, L"open");
-    ASSERT_TRUE(IsUp());
     EXPECT_EQ("Home", windows::Text(sim(), windows::kOpenNameEdit));
     EXPECT_EQ("\\Storage Card\\Backups", windows::Text(sim(), windows::kOpenFolderText));
     EXPECT_EQ((std::vector<std::string>{"Old\\", "Home.jrn"}), Listed());
     EXPECT_EQ("Choose backup file", windows::List(sim()).at(0).text);
     EXPECT_FALSE(windows::Find(sim(), windows::kOpenReadOnlyCheck).has_value());
     EXPECT_TRUE(windows::Press(sim(), IDCANCEL));
-    EXPECT_EQ(0, program.ExitCode());
+    EXPECT_EQ(0, program_->ExitCode());
     EXPECT_FALSE(device().Exists(L"\\chosen.txt"));
 }
 
 TEST_F(OpenDialogTest, AChosenFileComesBackAsADevicePath) {
-    Program program(sim(), kProbe, L"open");
-    ASSERT_TRUE(IsUp());
     EXPECT_TRUE(windows::Select(sim(), windows::kOpenFileList, "Home.jrn"));
     EXPECT_TRUE(windows::Press(sim(), IDOK));
-    EXPECT_EQ(1022, program.ExitCode());  // the name stands at unit 22
+    EXPECT_EQ(1022, program_->ExitCode());  // the name stands at unit 22
     EXPECT_EQ(L"\\Storage Card\\Backups\\Home.jrn", Chosen());
 }
 
 TEST_F(OpenDialogTest, AnotherFilterListsOtherFiles) {
-    Program program(sim(), kProbe, L"open");
-    ASSERT_TRUE(IsUp());
     EXPECT_TRUE(windows::Select(sim(), windows::kOpenFilterBox, "All files (*.*)"));
     EXPECT_TRUE(Eventually([&] { return Listed().size() == 3; }));
 }
 
 TEST_F(OpenDialogTest, FoldersAreEnteredAndLeft) {
-    Program program(sim(), kProbe, L"open");
-    ASSERT_TRUE(IsUp());
     EXPECT_TRUE(windows::SetText(sim(), windows::kOpenNameEdit, "Old"));
     EXPECT_TRUE(windows::Press(sim(), IDOK));
     EXPECT_TRUE(Eventually([&] {
@@ -205,29 +206,25 @@ TEST_F(OpenDialogTest, FoldersAreEnteredAndLeft) {
 }
 
 TEST_F(OpenDialogTest, ANewNameIsConfirmedAndGetsTheDefaultExtension) {
-    Program program(sim(), kProbe, L"open");
-    ASSERT_TRUE(IsUp());
     EXPECT_TRUE(windows::SetText(sim(), windows::kOpenNameEdit, "New"));
     EXPECT_TRUE(windows::Press(sim(), IDOK));
     ASSERT_TRUE(Eventually([&] { return windows::Find(sim(), IDYES).has_value(); }));
     EXPECT_TRUE(windows::Press(sim(), IDYES));
-    EXPECT_EQ(1022, program.ExitCode());
+    EXPECT_EQ(1022, program_->ExitCode());
     EXPECT_EQ(L"\\Storage Card\\Backups\\New.jrn", Chosen());
     EXPECT_FALSE(device().Exists(L"\\Storage Card\\Backups\\New.jrn"));
 }
 
 TEST_F(OpenDialogTest, ANewNameThatIsNotConfirmedKeepsTheDialog) {
-    Program program(sim(), kProbe, L"open");
-    ASSERT_TRUE(IsUp());
     EXPECT_TRUE(windows::SetText(sim(), windows::kOpenNameEdit, "New"));
     EXPECT_TRUE(windows::Press(sim(), IDOK));
     ASSERT_TRUE(Eventually([&] { return windows::Find(sim(), IDNO).has_value(); }));
     EXPECT_TRUE(windows::Press(sim(), IDNO));
     EXPECT_TRUE(Eventually([&] { return !windows::Find(sim(), IDNO).has_value(); }));
-    EXPECT_TRUE(program.Runs());
+    EXPECT_TRUE(program_->Runs());
 }
 
-TEST_F(OpenDialogTest, AMessageBoxLeavesItsTextInTheTrace) {
+TEST_F(DialogProbeTest, AMessageBoxLeavesItsTextInTheTrace) {
     device().Command("trace on");
     Program program(sim(), kProbe, L"box");
     // The test's own heap is traced too: as few calls as can be.

@@ -35,6 +35,14 @@ protected:
         const std::string* value = view.Find(key);
         return value != nullptr ? *value : "(none)";
     }
+    using Texts = std::vector<std::string>;
+    static Texts GetAll(LogStore& store, const std::vector<const char16_t*>& keys) {
+        Texts texts;
+        for (const char16_t* key : keys) {
+            texts.push_back(Get(store, key));
+        }
+        return texts;
+    }
     // Bytes of the log, whichever it is now.
     std::size_t LogBytes() {
         std::size_t bytes = 0;
@@ -78,9 +86,7 @@ TEST_F(LogStoreTest, AnExceptionTakesAChangeBackInMemoryAndInTheFile) {
         },
         std::runtime_error);
     for (LogStore* store : {first_.get(), second_.get()}) {
-        EXPECT_EQ("old", Get(*store, u"kept"));
-        EXPECT_EQ("old", Get(*store, u"erased"));
-        EXPECT_EQ("(none)", Get(*store, u"added"));
+        EXPECT_EQ((Texts{"old", "old", "(none)"}), GetAll(*store, {u"kept", u"erased", u"added"}));
     }
     EXPECT_EQ(bytes, LogBytes());
     Set(*second_, u"kept", "later");
@@ -101,9 +107,7 @@ TEST_F(LogStoreTest, AnInnerChangeIsTakenBackAlone) {
         EXPECT_EQ("outer", Get(*first_, u"a"));
         outer.Set(u"c", "outer");
     }
-    EXPECT_EQ("outer", Get(*second_, u"a"));
-    EXPECT_EQ("(none)", Get(*second_, u"b"));
-    EXPECT_EQ("outer", Get(*second_, u"c"));
+    EXPECT_EQ((Texts{"outer", "(none)", "outer"}), GetAll(*second_, {u"a", u"b", u"c"}));
 }
 
 TEST_F(LogStoreTest, AnOuterExceptionTakesInnerChangesBackToo) {

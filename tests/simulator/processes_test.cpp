@@ -1,24 +1,14 @@
 #include "platform/win32.h"
 
 #include "simulator/programs/programs.h"
-#include "tests/support/programs.h"
+#include "tests/simulator/probe_fixture.h"
 
 namespace tests {
 namespace {
 
 namespace processes = sim::processes;
 
-constexpr std::uint32_t kTimeoutMs = 20000;
-constexpr wchar_t kProbe[] = L"\\Windows\\probe.exe";
-
-class ProcessesTest : public DeviceTest {
-protected:
-    ProcessesTest() { InstallProgram(sim(), "probe.exe", kProbe); }
-    sim::Device& sim() { return device().sim(); }
-    std::uint32_t RunProbe(const std::wstring& arguments) {
-        return processes::Run(sim(), kProbe, arguments, kTimeoutMs).value_or(0xFFFF);
-    }
-};
+class ProcessesTest : public ProbeTest {};
 
 TEST_F(ProcessesTest, TheWholeExitCodeReachesTheStarter) {
     EXPECT_EQ(7u, RunProbe(L"exit 7"));

@@ -21,7 +21,14 @@ protected:
     }
     OpenedDatabase OpenSorted(DWORD flags = 0) { return Open(oid_, flags, kNumberId); }
 
+    // The numbers 10, 20, 20 and 30, and what is open on them.
+    OpenedDatabase OpenFour() {
+        records_ = Numbers({10, 20, 20, 30});
+        return OpenSorted();
+    }
+
     CEOID oid_ = 0;
+    std::vector<CEOID> records_;
 };
 
 // Writes the values in the order 2, 0, 1 and expects them sorted.
@@ -118,30 +125,27 @@ TEST_F(RecordSeekTest, AFailedSeekLeavesThePlaceAtTheEndOrWhereItWas) {
 }
 
 TEST_F(RecordSeekTest, ASmallerValueIsTheLargestBelow) {
-    const std::vector<CEOID> records = Numbers({10, 20, 20, 30});
-    const OpenedDatabase database = OpenSorted();
-    EXPECT_EQ(records[0], Seek(database, CEDB_SEEK_VALUESMALLER, Number(20)));
-    EXPECT_EQ(records[2], Seek(database, CEDB_SEEK_VALUESMALLER, Number(25)));
+    const OpenedDatabase database = OpenFour();
+    EXPECT_EQ(records_[0], Seek(database, CEDB_SEEK_VALUESMALLER, Number(20)));
+    EXPECT_EQ(records_[2], Seek(database, CEDB_SEEK_VALUESMALLER, Number(25)));
     EXPECT_EQ(2u, index_);
-    EXPECT_EQ(records[3], Seek(database, CEDB_SEEK_VALUESMALLER, Number(99)));
+    EXPECT_EQ(records_[3], Seek(database, CEDB_SEEK_VALUESMALLER, Number(99)));
     EXPECT_EQ(0u, Seek(database, CEDB_SEEK_VALUESMALLER, Number(10)));
     EXPECT_EQ(0u, Read(database).oid);
 }
 
 TEST_F(RecordSeekTest, AGreaterValueIsTheFirstNotBelow) {
-    const std::vector<CEOID> records = Numbers({10, 20, 20, 30});
-    const OpenedDatabase database = OpenSorted();
-    EXPECT_EQ(records[1], Seek(database, CEDB_SEEK_VALUEGREATER, Number(20)));
-    EXPECT_EQ(records[1], Seek(database, CEDB_SEEK_VALUEGREATER, Number(11)));
-    EXPECT_EQ(records[0], Seek(database, CEDB_SEEK_VALUEGREATER, Number(-5)));
+    const OpenedDatabase database = OpenFour();
+    EXPECT_EQ(records_[1], Seek(database, CEDB_SEEK_VALUEGREATER, Number(20)));
+    EXPECT_EQ(records_[1], Seek(database, CEDB_SEEK_VALUEGREATER, Number(11)));
+    EXPECT_EQ(records_[0], Seek(database, CEDB_SEEK_VALUEGREATER, Number(-5)));
     EXPECT_EQ(0u, Seek(database, CEDB_SEEK_VALUEGREATER, Number(31)));
 }
 
 TEST_F(RecordSeekTest, EqualValuesAreGoneThroughOneByOne) {
-    const std::vector<CEOID> records = Numbers({10, 20, 20, 30});
-    const OpenedDatabase database = OpenSorted();
-    EXPECT_EQ(records[1], Seek(database, CEDB_SEEK_VALUEFIRSTEQUAL, Number(20)));
-    EXPECT_EQ(records[2], Seek(database, CEDB_SEEK_VALUENEXTEQUAL, Number(20)));
+    const OpenedDatabase database = OpenFour();
+    EXPECT_EQ(records_[1], Seek(database, CEDB_SEEK_VALUEFIRSTEQUAL, Number(20)));
+    EXPECT_EQ(records_[2], Seek(database, CEDB_SEEK_VALUENEXTEQUAL, Number(20)));
     EXPECT_EQ(2u, index_);
     EXPECT_EQ(0u, Seek(database, CEDB_SEEK_VALUENEXTEQUAL, Number(20)));
     EXPECT_EQ(0u, Read(database).oid);

@@ -30,25 +30,23 @@ protected:
             ::RegSetValueExW(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
                              static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))));
     }
-    std::wstring SubkeyName(HKEY key, DWORD index) {
-        wchar_t name[256];
-        DWORD units = 256;
-        const LONG status =
-            ::RegEnumKeyExW(key, index, name, &units, nullptr, nullptr, nullptr, nullptr);
-        return status == ERROR_SUCCESS ? std::wstring(name, units) : L"?" + std::to_wstring(status);
-    }
-    std::wstring ValueName(HKEY key, DWORD index) {
-        wchar_t name[256];
-        DWORD units = 256;
-        const LONG status =
-            ::RegEnumValueW(key, index, name, &units, nullptr, nullptr, nullptr, nullptr);
-        return status == ERROR_SUCCESS ? std::wstring(name, units) : L"?" + std::to_wstring(status);
-    }
+    std::wstring SubkeyName(HKEY key, DWORD index) { return NameAt(::RegEnumKeyExW, key, index); }
+    std::wstring ValueName(HKEY key, DWORD index) { return NameAt(::RegEnumValueW, key, index); }
     std::vector<std::wstring> SubkeyNames(HKEY key) {
         std::vector<std::wstring> names;
         for (DWORD i = 0; SubkeyName(key, i)[0] != L'?'; ++i) {
             names.push_back(SubkeyName(key, i));
         }
         return names;
+    }
+
+private:
+    // "?" and the error when there is none.
+    template <typename Enumerate>
+    static std::wstring NameAt(Enumerate enumerate, HKEY key, DWORD index) {
+        wchar_t name[256];
+        DWORD units = 256;
+        const LONG status = enumerate(key, index, name, &units, nullptr, nullptr, nullptr, nullptr);
+        return status == ERROR_SUCCESS ? std::wstring(name, units) : L"?" + std::to_wstring(status);
     }
 };

@@ -178,17 +178,22 @@ TEST_F(RegistryTextTest, DamagedTextIsRefusedWithItsLineAndChangesNothing) {
     ExpectRefused("REGEDIT4\n[HKEY_DYN_DATA\\a]\n", "line 2");
     ExpectRefused("REGEDIT4\n[HKEY_USERS\\a\n", "line 2");
     ExpectRefused("REGEDIT4\n[HKEY_USERS\\\\a]\n", "no key");
-    ExpectRefused(head + "x=dword:1\n", "line 3");
+    const char* const kDamagedValues[] = {
+        "x=dword:1\n",
+        "\"x\"\n",
+        "\"x\"=\n",
+        "\"x\"=dword:\n",
+        "\"x\"=dword:123456789\n",
+        "\"x\"=dword:1g\n",
+        "\"x\"=hex:100\n",
+        "\"x\"=hex:1,,2\n",
+        "\"x\"=hex(:1\n",
+        "\"x\"=hex():1\n",
+    };
+    for (const char* value : kDamagedValues) {
+        ExpectRefused(head + value, "line 3");
+    }
     ExpectRefused(head + "\"x\n", "left open");
-    ExpectRefused(head + "\"x\"\n", "line 3");
-    ExpectRefused(head + "\"x\"=\n", "line 3");
-    ExpectRefused(head + "\"x\"=dword:\n", "line 3");
-    ExpectRefused(head + "\"x\"=dword:123456789\n", "line 3");
-    ExpectRefused(head + "\"x\"=dword:1g\n", "line 3");
-    ExpectRefused(head + "\"x\"=hex:100\n", "line 3");
-    ExpectRefused(head + "\"x\"=hex:1,,2\n", "line 3");
-    ExpectRefused(head + "\"x\"=hex(:1\n", "line 3");
-    ExpectRefused(head + "\"x\"=hex():1\n", "line 3");
     ExpectRefused(head + "\"x\"=hex:01,\\", "goes on");
     ExpectRefused(head + "\"" + std::string(256, 'n') + "\"=dword:1\n", "no key");
 }

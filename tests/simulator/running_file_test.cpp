@@ -4,8 +4,8 @@
 #include <fstream>
 
 #include "platform/unique_resource.h"
-#include "simulator/host/host_files.h"
 #include "simulator/programs/programs.h"
+#include "simulator/store/utf8.h"
 #include "tests/support/programs.h"
 
 namespace tests {
@@ -21,7 +21,7 @@ protected:
     }
     // Holds the host's file as its loader does for a moment after a start.
     std::ifstream HoldAsLoader() {
-        return std::ifstream(sim::host::Utf8(sim::files::HostFile(device().sim(), kProbe)),
+        return std::ifstream(sim::Utf8(sim::files::HostFile(device().sim(), kProbe)),
                              std::ios::binary);
     }
     static DWORD ErrorOfOpening(DWORD access, DWORD share) {

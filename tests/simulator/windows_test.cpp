@@ -9,21 +9,18 @@
 #include "simulator/windows/png.h"
 #include "simulator/windows/screenshot.h"
 #include "simulator/windows/stub.h"
-#include "tests/support/programs.h"
+#include "tests/simulator/probe_fixture.h"
 
 namespace tests {
 namespace {
 
 namespace windows = sim::windows;
 
-constexpr wchar_t kProbe[] = L"\\Windows\\probe.exe";
 // Control ids of the probe's dialog.
 enum : int { kCheck = 101, kEdit, kList, kTabs, kTree, kPicker, kBar };
 
-class WindowsTest : public DeviceTest {
+class WindowsTest : public ProbeTest {
 protected:
-    WindowsTest() { InstallProgram(sim(), "probe.exe", kProbe); }
-    sim::Device& sim() { return device().sim(); }
     // The dialog's last control is there.
     bool DialogIsUp() {
         return Eventually([&] { return windows::Find(sim(), kBar).has_value(); });

@@ -1,7 +1,7 @@
 #include "tests/ui/stored_states.h"
 
 #include "difftree/window/opened_differences.h"
-#include "simulator/host/host_files.h"
+#include "simulator/store/utf8.h"
 #include "snapshot/engine/difference_engine.h"
 #include "storage/opened/journal.h"
 #include "storage/opened/storage_file.h"
@@ -16,7 +16,7 @@ using namespace tolvenar;
 constexpr char16_t kStoragePath[] = u"\\Storage Card\\Tolvenar\\Backup";
 
 std::string Narrow(const std::u16string& text) {
-    return sim::host::Utf8(std::wstring(text.begin(), text.end()));
+    return sim::Utf8(std::wstring(text.begin(), text.end()));
 }
 
 void AddLines(const FakeItem& item, std::size_t depth, std::vector<TreeLine>& lines) {
