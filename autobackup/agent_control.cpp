@@ -3,6 +3,7 @@
 #include "app/settings/settings.h"
 #include "autobackup/notification_scheduler.h"
 #include "autobackup/notification_table.h"
+#include "platform/processes.h"
 #include "platform/text.h"
 
 namespace tolvenar {
@@ -10,19 +11,8 @@ namespace {
 
 constexpr wchar_t kClosingTool[] = L"CloseOther.exe";
 constexpr std::size_t kPathUnits = 260;
-// Half of what the buffer holds, so that a longer path counts as absent; on purpose.
+// Half of what the buffer holds: a longer path counts as absent (docs/oddities.md, 26).
 constexpr std::size_t kInstallFolderBytes = 259;
-
-bool StartProgram(const wchar_t* program) {
-    PROCESS_INFORMATION process{};
-    if (!::CreateProcessW(program, nullptr, nullptr, nullptr, FALSE, 0, nullptr, nullptr, nullptr,
-                          &process)) {
-        return false;
-    }
-    ::CloseHandle(process.hThread);
-    ::CloseHandle(process.hProcess);
-    return true;
-}
 
 struct ScheduleValue {
     const char16_t* name;

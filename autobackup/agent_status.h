@@ -7,8 +7,8 @@ namespace tolvenar {
 
 constexpr UINT kAgentUpdateTimer = 651211;
 
-// The update state of the options page, with its progress bar and the bar's label. One a page; the
-// page hands its timer messages on.
+// The update state of the options page, with its progress bar and the bar's label. The page owns
+// one and forwards its timer messages.
 class AgentStatus {
 public:
     // Puts both controls out of sight (the countdown goes on in them unseen, as designed) and keeps

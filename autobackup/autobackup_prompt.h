@@ -5,9 +5,13 @@
 
 namespace tolvenar {
 
-// Shows the prompt, modal and without an owner, for kTimed or kBattery. 1: go on with the backup
-// (time is up, OK, or the prompt was closed); 2: the user cancelled; anything else: it could not be
-// shown.
-INT_PTR ShowAutoBackupPrompt(HINSTANCE instance, LaunchCheckResult reason);
+enum class PromptAnswer {
+    kNotShown = 0,
+    kGoOn = 1,  // time is up, OK, or the prompt was closed
+    kCancelled = 2,
+};
+
+// Shows the prompt, modal and without an owner, for kTimed or kBattery.
+PromptAnswer ShowAutoBackupPrompt(HINSTANCE instance, LaunchCheckResult reason);
 
 }  // namespace tolvenar

@@ -5,8 +5,6 @@
 
 namespace tolvenar {
 
-using UniqueLocal = UniqueResource<HLOCAL, ::LocalFree>;
-
 // The handles of all notifications on the device, whoever set them.
 class NotificationHandles {
 public:

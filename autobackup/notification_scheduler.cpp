@@ -143,7 +143,7 @@ bool RegisterAutoBackupNotifications() {
 
 bool RescheduleTimeNotification() {
     const NotificationHandles handles;
-    // A device without any notification gets none here, unlike one that holds others; on purpose.
+    // A device without any notification gets none here (docs/oddities.md, 27).
     if (handles.count() == 0) {
         return false;
     }

@@ -23,9 +23,8 @@ struct NotificationRow {
     DWORD on_battery_mask;
 };
 
-// The time-zone row is never registered and yet removed and recognised, on purpose: one
-// that another program set is taken away with the rest. The daily time serves the battery setting
-// too, as a battery check once a day.
+// The time-zone row is removed and recognised but never registered (docs/oddities.md, 28). The
+// daily time serves the battery setting too, as a battery check once a day.
 constexpr NotificationRow kAutoBackupNotificationTable[] = {
     {CNT_EVENT, NOTIFICATION_EVENT_TIME_CHANGE, kRunAfterTimeChange, 1, 1},
     {CNT_EVENT, NOTIFICATION_EVENT_TZ_CHANGE, kRunAfterTzChange, 0, 0},

@@ -1,5 +1,7 @@
 #include "autobackup/power_status.h"
 
+#include <utility>
+
 namespace tolvenar {
 namespace {
 
@@ -23,10 +25,14 @@ bool IsLowEnough(const SYSTEM_POWER_STATUS_EX& status) {
 
 }  // namespace
 
-void PowerStatus::Load() {
+void PowerStatus::LoadLibraryOnce() {
     if (library_ == nullptr) {
         library_ = ::LoadLibraryW(kLibrary);
     }
+}
+
+void PowerStatus::Load() {
+    LoadLibraryOnce();
     if (library_ == nullptr || function_ != nullptr) {
         return;
     }
@@ -48,23 +54,14 @@ bool PowerStatus::Read(SYSTEM_POWER_STATUS_EX& status) {
 }
 
 void PowerStatus::Unload() {
-    if (library_ != nullptr) {
-        ::FreeLibrary(library_);
-    }
-    library_ = nullptr;
+    const UniqueModule given_back(std::exchange(library_, nullptr));
     function_ = nullptr;
 }
 
 bool PowerStatus::IsAvailable() {
-    if (library_ == nullptr) {
-        library_ = ::LoadLibraryW(kLibrary);
-    }
-    if (library_ == nullptr) {
-        return false;
-    }
-    const bool found = ::GetProcAddressW(library_, kFunction) != nullptr;
-    ::FreeLibrary(library_);
-    return found;
+    LoadLibraryOnce();
+    const UniqueModule given_back(library_);
+    return given_back && ::GetProcAddressW(library_, kFunction) != nullptr;
 }
 
 BatteryCheckResult CheckBatteryForBackup(PowerStatus& power) {

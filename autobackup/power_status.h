@@ -18,12 +18,13 @@ public:
     // `status` is left alone then.
     bool Read(SYSTEM_POWER_STATUS_EX& status);
     void Unload();
-    // Whether the device has the function at all. Gives its library back, yet leaves the kept
-    // handle as it is, on purpose: the next test looks its function up through it.
+    // Whether the device has the function at all. Gives its library back and leaves the kept
+    // handle as it is (docs/oddities.md, 29).
     bool IsAvailable();
 
 private:
     using Function = BOOL(WINAPI*)(PSYSTEM_POWER_STATUS_EX, BOOL);
+    void LoadLibraryOnce();
     void Load();
 
     HMODULE library_ = nullptr;

@@ -86,9 +86,7 @@ ListTimes TimeList(std::uint32_t records) {
         double sums[3] = {};
         for (std::uint32_t repeat = 0; repeat < repeats; ++repeat) {
             auto list = ObjectList::CreateList();
-            const auto key = [](std::uint32_t i) {
-                return ObjectKey{0, static_cast<std::uint16_t>(i * 40503u), 0, i, 0};
-            };
+            const auto key = [](std::uint32_t i) { return ObjectKey{(i * 40503u) << 16, 0, i, 0}; };
             const ObjectRecord record{};
             sums[0] += Fastest(1, [&] {
                 for (std::uint32_t i = 0; i < records; ++i) {
@@ -141,7 +139,7 @@ void BenchMemory() {
     constexpr std::uintptr_t kPage = 4096;
     const auto list = ObjectList::CreateList();
     for (std::uint32_t i = 0; i < kRecords; ++i) {
-        list->InsertCopy({0, static_cast<std::uint16_t>(i), 0, i, 0}, {});
+        list->InsertCopy({i << 16, 0, i, 0}, {});
     }
     std::set<std::uintptr_t> pages;
     for (const ObjectList::Node& node : *list) {

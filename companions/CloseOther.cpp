@@ -3,6 +3,7 @@
 #include "platform/win32.h"
 
 #include "companions/agent.h"
+#include "platform/processes.h"
 
 namespace {
 
@@ -27,11 +28,6 @@ bool EndAgent(HANDLE mutex) {
 }  // namespace
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPWSTR, int) {
-    HANDLE mutex = ::CreateMutexW(nullptr, FALSE, kAgentMutex);
-    if (mutex == nullptr) {
-        return 1;
-    }
-    const bool ended = EndAgent(mutex);
-    ::CloseHandle(mutex);
-    return ended ? 0 : 1;
+    const tolvenar::UniqueHandle mutex = tolvenar::NamedMutex(kAgentMutex);
+    return mutex && EndAgent(mutex.get()) ? 0 : 1;
 }

@@ -3,6 +3,8 @@
 #include "platform/win32.h"
 
 #include "companions/agent.h"
+#include "platform/processes.h"
+#include "platform/registry_key.h"
 
 namespace {
 
@@ -11,15 +13,14 @@ constexpr wchar_t kProgram[] = L"\\Tolvenar.exe";
 
 // Fills `path` with InstDir's text; false when the installation left none or it does not fit.
 bool ReadInstallFolder(wchar_t (&path)[MAX_PATH]) {
-    HKEY key = nullptr;
-    if (::RegOpenKeyExW(HKEY_CURRENT_USER, kSettingsKey, 0, 0, &key) != ERROR_SUCCESS) {
+    const tolvenar::UniqueHkey key = tolvenar::OpenKey(HKEY_CURRENT_USER, kSettingsKey);
+    if (!key) {
         return false;
     }
     DWORD type = 0;
     DWORD size_bytes = sizeof path - sizeof kProgram;
-    const LONG result = ::RegQueryValueExW(key, L"InstDir", nullptr, &type,
+    const LONG result = ::RegQueryValueExW(key.get(), L"InstDir", nullptr, &type,
                                            reinterpret_cast<BYTE*>(path), &size_bytes);
-    ::RegCloseKey(key);
     // The size of a text that is too long is its own, not what came.
     if (result != ERROR_SUCCESS || type != REG_SZ) {
         return false;
@@ -28,19 +29,13 @@ bool ReadInstallFolder(wchar_t (&path)[MAX_PATH]) {
     return true;
 }
 
-void HandOn(wchar_t* argument) {
+void HandOn(const wchar_t* argument) {
     wchar_t program[MAX_PATH] = L"";
     if (!ReadInstallFolder(program)) {
         return;
     }
     ::wcscat(program, kProgram);
-    PROCESS_INFORMATION started{};
-    if (!::CreateProcessW(program, argument, nullptr, nullptr, FALSE, 0, nullptr, nullptr, nullptr,
-                          &started)) {
-        return;
-    }
-    ::CloseHandle(started.hThread);
-    ::CloseHandle(started.hProcess);
+    tolvenar::StartProgram(program, argument);
 }
 
 LRESULT CALLBACK AgentProc(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam) {
@@ -75,7 +70,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPWSTR argument, int) {
         HandOn(argument);
     }
     // Never released: it becomes free when this process is gone, and CloseOther.exe waits for that.
-    HANDLE mutex = ::CreateMutexW(nullptr, FALSE, kAgentMutex);
+    const HANDLE mutex = tolvenar::NamedMutex(kAgentMutex).Release();
     if (mutex == nullptr || ::WaitForSingleObject(mutex, 0) == WAIT_TIMEOUT) {
         return 0;
     }

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "companions/help/help_topic.h"
+#include "platform/dialog.h"
 #include "platform/heap.h"
 #include "platform/text.h"
 #include "platform/unique_resource.h"
@@ -61,39 +62,29 @@ private:
     std::size_t size_ = 0;
 };
 
-class Viewer {
+class Viewer final : private tolvenar::Dialog {
 public:
     explicit Viewer(const wchar_t* argument) : argument_(tolvenar::Utf16(argument)) {}
-    void Run(HINSTANCE instance) {
-        ::DialogBoxParamW(instance, MAKEINTRESOURCEW(IDD_HELP_VIEWER), nullptr, Procedure,
-                          reinterpret_cast<LPARAM>(this));
-    }
+    void Run(HINSTANCE instance) { RunModal(instance, IDD_HELP_VIEWER, nullptr); }
 
 private:
-    static INT_PTR CALLBACK Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
-        if (message == WM_INITDIALOG) {
-            ::SetWindowLongW(window, DWL_USER, lparam);
-            reinterpret_cast<Viewer*>(lparam)->OnInit(window);
-            return FALSE;
+    INT_PTR Dispatch(UINT message, WPARAM wparam, LPARAM) override {
+        switch (message) {
+            case WM_INITDIALOG: OnInit(); return FALSE;
+            case WM_COMMAND: OnCommand(LOWORD(wparam), HIWORD(wparam)); return TRUE;
+            default: return FALSE;
         }
-        auto* viewer = reinterpret_cast<Viewer*>(::GetWindowLongW(window, DWL_USER));
-        if (viewer == nullptr || message != WM_COMMAND) {
-            return FALSE;
-        }
-        viewer->OnCommand(LOWORD(wparam), HIWORD(wparam));
-        return TRUE;
     }
 
-    void OnInit(HWND window) {
-        window_ = window;
-        text_ = ::GetDlgItem(window, IDC_HELP_TEXT);
-        topics_ = ::GetDlgItem(window, IDC_HELP_TOPIC);
+    void OnInit() {
+        text_ = Control(IDC_HELP_TEXT);
+        topics_ = Control(IDC_HELP_TOPIC);
         contents_.Read(tolvenar::Utf16(kContentsFile));
         FillTopics();
         Show(argument_);
         // In this order: a window that is activated before it is seen keeps the look of an inactive
         // one.
-        ::ShowWindow(window, SW_SHOW);
+        ::ShowWindow(window(), SW_SHOW);
         ::SetFocus(text_);
         ::SendMessageW(text_, EM_SETSEL, 0, 0);
     }
@@ -158,13 +149,12 @@ private:
             Show(AddressOf(static_cast<int>(::SendMessageW(topics_, CB_GETCURSEL, 0, 0))));
         }
         if (id == IDCANCEL) {
-            ::EndDialog(window_, 0);
+            End(0);
         }
     }
 
     help::Text argument_;
     ManualFile contents_;
-    HWND window_ = nullptr;
     HWND topics_ = nullptr;
     HWND text_ = nullptr;
 };

@@ -1,5 +1,5 @@
-// operator new and delete of the whole program. Apart from the heap itself, which a program with
-// operators of its own may use too.
+// operator new and delete of the whole program. Separate from heap.cpp so that a test program can
+// bring its own operators.
 #include <new>
 
 #include "platform/heap.h"

@@ -52,5 +52,9 @@ using UniqueFind = UniqueResource<HANDLE, ::FindClose>;
 using UniqueHkey = UniqueResource<HKEY, ::RegCloseKey>;
 using UniqueModule = UniqueResource<HMODULE, ::FreeLibrary>;
 using UniqueView = UniqueResource<void*, ::UnmapViewOfFile>;
+using UniqueLocal = UniqueResource<HLOCAL, ::LocalFree>;
+using UniqueWindow = UniqueResource<HWND, ::DestroyWindow>;
+using UniqueGdiObject = UniqueResource<HGDIOBJ, ::DeleteObject>;
+using UniqueDc = UniqueResource<HDC, ::DeleteDC>;  // one that was created
 
 }  // namespace tolvenar

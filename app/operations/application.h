@@ -4,6 +4,7 @@
 
 #include "app/operations/progress_popup.h"
 #include "app/operations/window_progress.h"
+#include "app/rules/operation_gate.h"
 #include "app/settings/settings.h"
 #include "autobackup/agent_control.h"
 #include "autobackup/power_status.h"
@@ -25,12 +26,7 @@ struct Application {
     HINSTANCE instance;
     wchar_t launchReason[kLaunchReasonUnits] = L"";  // empty for an interactive start
     StorageStatus storageStatus = StorageStatus::kOpen;
-    // Written by the operation thread, read by the main thread and told to other copies.
-    volatile LONG operationBusy = 0;
-    // A request was posted to the operation thread, which has not taken it yet.
-    volatile LONG requestPending = 0;
-    // The operation thread works with the lists of the storage; no other may look at them.
-    volatile LONG lists_in_use = 0;
+    OperationGate gate;  // what is asked for and what runs
     // The message loop is told to end: whatever a modal loop answers from now on is no answer.
     volatile bool is_ending = false;
     // The program runs without its installation, from the card after a hard reset for example.
@@ -42,11 +38,11 @@ struct Application {
 
     OpenedStorage storage{};
     DatabaseLayer databases;
-    ObjectInfo info{storage.registry_objects, databases};
+    ObjectInfo describer{storage.registry_objects, databases};
     ProgressWindows progress_windows{};
     WindowProgress progress{progress_windows};
     ProgressPopup popup{instance, progress_windows};
-    Engine engine{storage, databases, info, progress};
+    Engine engine{storage, databases, describer, progress};
 
     Settings settings{};
     SavedSchedule schedule;

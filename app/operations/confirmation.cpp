@@ -3,23 +3,26 @@
 #include "app/operations/messages.h"
 #include "app/operations/requests.h"
 #include "app/operations/window_messages.h"
+#include "platform/dialog.h"
 #include "res/resource.h"
 
 namespace tolvenar {
 namespace {
 
-constexpr UINT kAnswerBase = WM_APP + 120;
-static_assert(kAnswerBase + static_cast<UINT>(Confirmation::kRestored) == WM_OPCONFIRMED_RESTORED &&
-              kAnswerBase + static_cast<UINT>(Confirmation::kBackup) == WM_OPCONFIRMED_BACKUP &&
-              kAnswerBase + static_cast<UINT>(Confirmation::kRestore) == WM_OPCONFIRMED_RESTORE);
+// The bits of the setting Reminders.
+enum class Reminder : std::uint32_t {
+    kRestored = 2,
+    kBackup = 4,
+    kRestore = 8,
+};
 
-// "application" and "applications": kept as they are, on purpose.
-const wchar_t* TextOf(Confirmation kind) {
-    switch (kind) {
-        case Confirmation::kRestored:
+// "application" and "applications" are the system's own (docs/oddities.md, 20).
+const wchar_t* TextOf(Reminder reminder) {
+    switch (reminder) {
+        case Reminder::kRestored:
             return L"Data successfully restored.\nPlease reboot your Windows CE to complete the "
                    L"Restoring.";
-        case Confirmation::kBackup:
+        case Reminder::kBackup:
             return L"Please close all application but Tolvenar\nto continue the Backing up\n\nARE "
                    L"YOU SURE?";
         default:
@@ -33,104 +36,121 @@ void RefreshStates(const Application& app) {
     ::SendMessageW(app.main_dialog, WM_STATES_CHANGED, 1, 0);
 }
 
-bool Post(Application& app, Confirmation kind, bool go_on, LPARAM lparam) {
-    return PostAnswer(app, kAnswerBase + static_cast<UINT>(kind), go_on, lparam);
-}
-
-class ReminderDialog {
+// What the user is asked about: a request or, with none, whether the program is to end.
+class Question {
 public:
-    ReminderDialog(Application& app, Confirmation kind, LPARAM lparam)
-        : app_(app), kind_(kind), lparam_(lparam) {}
+    Question(Application& app, const OperationRequest* request) : app_(app), request_(request) {}
 
-    // False when the user went on and nobody was there to hear it.
-    bool Run() {
-        ::DialogBoxParamW(app_.instance, MAKEINTRESOURCEW(IDD_REMINDER), app_.main_dialog,
-                          DialogProcedure, reinterpret_cast<LPARAM>(this));
-        return posted_;
+    Reminder reminder() const {
+        if (request_ == nullptr) {
+            return Reminder::kRestored;
+        }
+        return request_->kind == OperationKind::kBackup ? Reminder::kBackup : Reminder::kRestore;
+    }
+    // False when nobody is there to hear it.
+    bool GoOn() const {
+        return request_ != nullptr ? PostRequest(app_, *request_) : PostRestoredAnswer(app_, true);
+    }
+    void Refuse() const {
+        if (request_ != nullptr) {
+            PostRefusal(app_, *request_);
+        } else {
+            PostRestoredAnswer(app_, false);
+        }
     }
 
 private:
-    INT_PTR OnInit(HWND dialog) {
-        if (kind_ == Confirmation::kRestored) {
-            ::ShowWindow(::GetDlgItem(dialog, IDC_REMINDER_OFF), SW_HIDE);
+    Application& app_;
+    const OperationRequest* request_;
+};
+
+class ReminderDialog final : private Dialog {
+public:
+    ReminderDialog(const Application& app, const Question& question)
+        : app_(app), question_(question) {}
+
+    // False when the user went on and nobody was there to hear it.
+    bool Run() {
+        RunModal(app_.instance, IDD_REMINDER, app_.main_dialog);
+        return is_heard_;
+    }
+
+private:
+    INT_PTR OnInit() {
+        if (question_.reminder() == Reminder::kRestored) {
+            ::ShowWindow(Control(IDC_REMINDER_OFF), SW_HIDE);
         }
-        ::SetDlgItemTextW(dialog, IDC_REMINDER_TEXT, TextOf(kind_));
+        ::SetDlgItemTextW(window(), IDC_REMINDER_TEXT, TextOf(question_.reminder()));
         // A restore overwrites the device: Enter must not start one by accident.
-        const int first = kind_ == Confirmation::kRestore ? IDCANCEL : IDOK;
+        const int first = question_.reminder() == Reminder::kRestore ? IDCANCEL : IDOK;
         // The dialog manager's way: a focus that is merely set leaves OK to be what Enter presses.
-        ::SendMessageW(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(::GetDlgItem(dialog, first)),
-                       TRUE);
-        ::ShowWindow(dialog, SW_SHOW);
-        ::UpdateWindow(dialog);
+        ::SendMessageW(window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Control(first)), TRUE);
+        ::ShowWindow(window(), SW_SHOW);
+        ::UpdateWindow(window());
         return FALSE;
     }
 
-    // The hidden box of kRestored is never checked, so that its OK sets the bit; on purpose.
-    void KeepChoice(HWND dialog) {
+    // The hidden box of kRestored is never checked: its OK sets the bit (docs/oddities.md, 21).
+    void KeepChoice() {
         const bool is_off =
-            ::SendDlgItemMessageW(dialog, IDC_REMINDER_OFF, BM_GETCHECK, 0, 0) == BST_CHECKED;
-        const auto bit = static_cast<std::uint32_t>(kind_);
+            ::SendMessageW(Control(IDC_REMINDER_OFF), BM_GETCHECK, 0, 0) == BST_CHECKED;
+        const auto bit = static_cast<std::uint32_t>(question_.reminder());
         const std::uint32_t reminders = ReadReminders();
         WriteSetting(setting::kReminders, is_off ? reminders & ~bit : reminders | bit);
     }
 
-    void OnOk(HWND dialog) {
+    void OnOk() {
         RefreshStates(app_);
-        KeepChoice(dialog);
-        posted_ = Post(app_, kind_, true, lparam_);
-        ::EndDialog(dialog, 1);
+        KeepChoice();
+        is_heard_ = question_.GoOn();
+        End(1);
     }
 
-    void OnCancel(HWND dialog) {
-        Post(app_, kind_, false, lparam_);
-        ::EndDialog(dialog, 0);
+    void OnCancel() {
+        question_.Refuse();
+        End(0);
     }
 
-    INT_PTR OnCommand(HWND dialog, WORD id) {
+    INT_PTR OnCommand(WORD id) {
         switch (id) {
-            case IDOK: OnOk(dialog); return TRUE;
-            case IDCANCEL: OnCancel(dialog); return TRUE;
+            case IDOK: OnOk(); return TRUE;
+            case IDCANCEL: OnCancel(); return TRUE;
             default: return FALSE;
         }
     }
 
-    static INT_PTR CALLBACK DialogProcedure(HWND dialog, UINT message, WPARAM wparam,
-                                            LPARAM lparam) {
-        if (message == WM_INITDIALOG) {
-            ::SetWindowLongW(dialog, DWL_USER, lparam);
-        }
-        auto* reminder = reinterpret_cast<ReminderDialog*>(::GetWindowLongW(dialog, DWL_USER));
-        if (reminder == nullptr) {
-            return FALSE;
-        }
+    INT_PTR Dispatch(UINT message, WPARAM wparam, LPARAM) override {
         switch (message) {
-            case WM_INITDIALOG: return reminder->OnInit(dialog);
-            case WM_COMMAND: return reminder->OnCommand(dialog, LOWORD(wparam));
-            case WM_CLOSE: reminder->OnCancel(dialog); return TRUE;
+            case WM_INITDIALOG: return OnInit();
+            case WM_COMMAND: return OnCommand(LOWORD(wparam));
+            case WM_CLOSE: OnCancel(); return TRUE;
             default: return FALSE;
         }
     }
 
-    Application& app_;
-    Confirmation kind_;
-    LPARAM lparam_;
-    bool posted_ = true;
+    const Application& app_;
+    const Question& question_;
+    bool is_heard_ = true;
 };
 
-bool Ask(Application& app, Confirmation kind, LPARAM lparam) {
-    if ((ReadReminders() & static_cast<std::uint32_t>(kind)) == 0) {
+void Ask(Application& app, const OperationRequest* request) {
+    const Question question(app, request);
+    bool is_heard = true;
+    if ((ReadReminders() & static_cast<std::uint32_t>(question.reminder())) == 0) {
         RefreshStates(app);
-        return Post(app, kind, true, lparam);
+        is_heard = question.GoOn();
+    } else {
+        is_heard = ReminderDialog(app, question).Run();
     }
-    return ReminderDialog(app, kind, lparam).Run();
+    if (!is_heard) {
+        ShowNotStarted(app.main_dialog);
+    }
 }
 
 }  // namespace
 
-void ConfirmThenRun(Application& app, Confirmation kind, LPARAM lparam) {
-    if (!Ask(app, kind, lparam)) {
-        ShowNotStarted(app.main_dialog);
-    }
-}
+void ConfirmThenRun(Application& app, const OperationRequest& request) { Ask(app, &request); }
+
+void ConfirmThenEnd(Application& app) { Ask(app, nullptr); }
 
 }  // namespace tolvenar

@@ -19,12 +19,4 @@ HWND CreateHiddenWindow(Application& app, const wchar_t* class_name, const wchar
                              CW_USEDEFAULT, CW_USEDEFAULT, nullptr, nullptr, app.instance, &app);
 }
 
-Application* ApplicationOf(HWND window, UINT message, LPARAM lparam) {
-    if (message == WM_CREATE) {
-        const auto* creation = reinterpret_cast<const CREATESTRUCTW*>(lparam);
-        ::SetWindowLongW(window, GWL_USERDATA, reinterpret_cast<LONG>(creation->lpCreateParams));
-    }
-    return reinterpret_cast<Application*>(::GetWindowLongW(window, GWL_USERDATA));
-}
-
 }  // namespace tolvenar

@@ -1,15 +1,24 @@
-// The program's hidden windows, whose procedures find the application.
+// The program's hidden windows, which work for the application.
 #pragma once
 
 #include "app/operations/application.h"
+#include "platform/window_object.h"
 
 namespace tolvenar {
 
-// A class of this program's hidden windows.
+// The procedure of a hidden window: messages go to `on_message`, with the application.
+template <LRESULT (*on_message)(Application&, HWND, UINT, WPARAM, LPARAM)>
+LRESULT CALLBACK HiddenProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message == WM_CREATE) {
+        const auto* creation = reinterpret_cast<const CREATESTRUCTW*>(lparam);
+        KeepObject(window, GWL_USERDATA, creation->lpCreateParams);
+    }
+    return WindowProcedure<GWL_USERDATA, Application, on_message>(window, message, wparam, lparam);
+}
+
+// A class of this program's hidden windows; `procedure`: a HiddenProcedure.
 bool RegisterHiddenClass(HINSTANCE instance, const wchar_t* name, WNDPROC procedure);
-// A hidden window of such a class, whose procedure finds `app` with ApplicationOf.
+// A hidden window of such a class.
 HWND CreateHiddenWindow(Application& app, const wchar_t* class_name, const wchar_t* title);
-// The application of a hidden window; kept at its creation. Null before that.
-Application* ApplicationOf(HWND window, UINT message, LPARAM lparam);
 
 }  // namespace tolvenar

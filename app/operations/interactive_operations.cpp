@@ -5,20 +5,20 @@
 #include "app/operations/operation_drivers.h"
 #include "app/operations/requests.h"
 #include "app/operations/window_messages.h"
+#include "platform/text.h"
 #include "res/resource.h"
 #include "storage/opened/journal.h"
+#include "storage/operations/restore_engine.h"
 
 namespace tolvenar {
 namespace {
 
-void BackUp(Application& app) {
-    wchar_t description[kDescriptionUnits] = L"";
-    ::SendMessageW(app.main_dialog, WM_TAKE_DESCRIPTION, 0, reinterpret_cast<LPARAM>(description));
+void BackUp(Application& app, const char16_t* description) {
     const std::uint32_t number = NextStateNumber(app.storage.journal.get());
-    const bool succeeded = BackupDriver(app, number, description, false);
+    const bool succeeded = BackupDriver(app, number, Wide(description), false);
     // It says what the backup wrote; the page's buttons must not take it for what they prepared.
     app.storage.difference.reset();
-    ReleaseLists(app);
+    app.gate.ReleaseLists();
     ::SendMessageW(app.main_dialog, WM_STATES_CHANGED, 0, 0);
     ::SendMessageW(app.main_dialog, WM_RESTORE_ENDED, 0, 0);
     if (succeeded) {
@@ -27,17 +27,17 @@ void BackUp(Application& app) {
     }
 }
 
-ResultCode RestoreSelected(Application& app) {
-    const LRESULT number = ::SendMessageW(app.main_dialog, WM_SELECTED_STATE, 0, 0);
-    return number == kNoState ? ResultCode::kNoSpace
-                              : RestoreRun(app, static_cast<std::uint32_t>(number));
+ResultCode RestoreSelected(Application& app, std::int32_t state_number) {
+    return state_number == kNoState
+               ? ResultCode::kNoSpace
+               : RunStateRestore(app, static_cast<std::uint32_t>(state_number));
 }
 
-ResultCode Restore(Application& app, int button) {
-    switch (button) {
-        case IDC_RESTORE: return RestoreSelected(app);
-        case IDC_APPLY_CHANGES: return DifferencesRun(app, true);
-        case IDC_TAKE_BACK_CHANGES: return DifferencesRun(app, false);
+ResultCode Restore(Application& app, const OperationRequest& request) {
+    switch (request.button) {
+        case IDC_RESTORE: return RestoreSelected(app, request.state_number);
+        case IDC_APPLY_CHANGES: return RunDifferenceRestore(app, true);
+        case IDC_TAKE_BACK_CHANGES: return RunDifferenceRestore(app, false);
         default: return ResultCode::kNotStarted;
     }
 }
@@ -50,35 +50,40 @@ bool LeavesNoDifferences(ResultCode result) {
 }  // namespace
 
 void RunInteractiveBackup(Application& app) {
-    if (!TakeRequest(app)) {
+    OperationRequest request;
+    request.kind = OperationKind::kBackup;
+    if (!TakeRequest(app, request)) {
         return;
     }
     // Without a chosen storage it ends silently; the page does not let it come so far.
     char16_t path[kSettingPathUnits];
     if (ReadStoragePath(path)) {
-        BackUp(app);
+        BackUp(app, request.description);
     }
-    EndRequest(app);
+    app.gate.End();
 }
 
 void RunInteractiveRestore(Application& app, int button) {
-    if (!TakeRequest(app)) {
+    OperationRequest request;
+    request.kind = OperationKind::kRestore;
+    request.button = button;
+    if (!TakeRequest(app, request)) {
         return;
     }
-    app.popup.Show(app.main_dialog, kRestoreTitle, kOperationSteps);
-    const ResultCode result = Restore(app, button);
+    app.popup.Show(app.main_dialog, kRestoreTitle, kRestoreSteps);
+    const ResultCode result = Restore(app, request);
     app.popup.CloseAndWait();
     if (LeavesNoDifferences(result)) {
         app.storage.difference.reset();
     }
-    ReleaseLists(app);
+    app.gate.ReleaseLists();
     ReportInteractiveRestore(app.main_dialog, result);
     ::SendMessageW(app.main_dialog, WM_RESTORE_ENDED, result == ResultCode::kFailed, 0);
     ::SendMessageW(app.main_dialog, WM_STATES_CHANGED, 0, 0);
     if (result == ResultCode::kSuccess) {
-        ConfirmThenRun(app, Confirmation::kRestored, 0);
+        ConfirmThenEnd(app);
     }
-    EndRequest(app);
+    app.gate.End();
 }
 
 }  // namespace tolvenar

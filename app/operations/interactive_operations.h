@@ -6,7 +6,7 @@
 
 namespace tolvenar {
 
-// Both take the request; while an operation runs they do nothing.
+// Both take the request that the message stands for; while an operation runs they do nothing.
 void RunInteractiveBackup(Application& app);
 // `button`: the one that asked, IDC_RESTORE for the selected state, IDC_APPLY_CHANGES or
 // IDC_TAKE_BACK_CHANGES for the difference list.

@@ -27,14 +27,14 @@ bool ReportBackup(ResultCode result, const ReportContext& context);
 // The same for an unattended restore; one that found nothing to do counts as success.
 bool ReportRestore(HWND owner, ResultCode result);
 
-// The same for one that was asked for in the dialog: items that could not be restored are shown in
-// the tree instead, and what could not be started or compared says nothing, on purpose.
+// The same for one that was asked for in the dialog. Items that could not be restored are shown in
+// the tree instead; what could not be started or compared says nothing (docs/oddities.md, 23).
 void ReportInteractiveRestore(HWND owner, ResultCode result);
 
 // Why a storage file could not be opened, without an owner; some results say nothing.
 void TellWhyNotOpened(OpenStorageResult result);
 
-// The message of too little memory before a restore; its figure is fixed, on purpose.
+// The message of too little memory before a restore; its figure is fixed (docs/oddities.md, 22).
 void ShowRestoreMemoryMessage(HWND owner);
 
 // Backup, differences and help need the installation.

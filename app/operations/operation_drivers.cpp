@@ -20,8 +20,8 @@ void KeepStatus(Application& app, ResultCode result) {
     }
 }
 
-// False without a journal, with which the storage would pass for empty, and when the card was
-// changed for another since it was loaded: its storage would be overwritten with this one's states.
+// False if no journal is loaded (the storage would look empty) or the card was swapped (its storage
+// would be overwritten with this one's states).
 bool StorageIsReady(Application& app) {
     if (HasStorage(app) && JournalIsAsLoaded(app.storage)) {
         return true;
@@ -30,7 +30,7 @@ bool StorageIsReady(Application& app) {
     return false;
 }
 
-struct BackupRun {
+struct BackupOrder {
     std::uint32_t state_number;
     const wchar_t* description;
     bool automatic;
@@ -38,12 +38,12 @@ struct BackupRun {
 };
 
 // One backup between taking the schedule off and putting it back.
-ResultCode RunSuspended(Application& app, BackupRun& run) {
+ResultCode RunSuspended(Application& app, BackupOrder& order) {
     ResultCode result = ResultCode::kNotStarted;
     if (SuspendAutoBackup(app.schedule)) {
         // An automatic one ends the program, which needs the journal no more.
-        DoBackup(app.engine, run.state_number, Utf16(run.description), run.automatic, result,
-                 run.bytes_needed);
+        DoBackup(app.engine, order.state_number, Utf16(order.description), order.automatic, result,
+                 order.bytes_needed);
     }
     ResumeAutoBackup(app.schedule);
     KeepStatus(app, result);
@@ -70,19 +70,19 @@ bool StartNewStorage(Application& app) {
     DeleteOldStorage();
     CreateNewStorage();
     OpenStorageResult result;
-    return OpenStorage(app.storage.names.sav, app.storage, result) &&
-           LoadWithWaitDisplay(app, L"", false);
+    return OpenStorage(app.storage.names.sav, app.storage, result) && LoadUnderHourglass(app);
 }
 
 }  // namespace
 
-bool LoadWithWaitDisplay(Application& app, const wchar_t* title, bool with_popup) {
-    if (with_popup) {
-        app.popup.Show(app.main_dialog, title, 0);
-        const bool loaded = OpenJournal(app.storage, &app.progress);
-        app.popup.CloseAndWait();
-        return loaded;
-    }
+bool LoadUnderPopup(Application& app) {
+    app.popup.Show(app.main_dialog, L"Loading List", 0);
+    const bool loaded = OpenJournal(app.storage, &app.progress);
+    app.popup.CloseAndWait();
+    return loaded;
+}
+
+bool LoadUnderHourglass(Application& app) {
     const HCURSOR previous = ::SetCursor(::LoadCursorW(nullptr, IDC_WAIT));
     const bool loaded = OpenJournal(app.storage, &app.progress);
     ::SetCursor(previous);
@@ -91,12 +91,12 @@ bool LoadWithWaitDisplay(Application& app, const wchar_t* title, bool with_popup
 
 bool BackupDriver(Application& app, std::uint32_t state_number, const wchar_t* description,
                   bool automatic) {
-    app.popup.Show(app.main_dialog, kBackupTitle, kOperationSteps);
-    BackupRun run{state_number, description, automatic, 0};
+    app.popup.Show(app.main_dialog, kBackupTitle, kBackupSteps);
+    BackupOrder order{state_number, description, automatic, 0};
     ReportContext context{app.main_dialog, automatic, true, 0, 0};
     ResultCode result = ResultCode::kJournalUnreadable;
     if (StorageIsReady(app)) {
-        result = MemoryCheck(context.available) ? RunSuspended(app, run) : ResultCode::kNoMemory;
+        result = MemoryCheck(context.available) ? RunSuspended(app, order) : ResultCode::kNoMemory;
     }
     app.popup.CloseAndWait();
     const bool succeeded = ReportBackup(result, context);
@@ -105,17 +105,17 @@ bool BackupDriver(Application& app, std::uint32_t state_number, const wchar_t* d
     }
 
     if (MayDeleteOldStorage(app, automatic) && StartNewStorage(app)) {
-        run.state_number = NextStateNumber(app.storage.journal.get());
-        app.popup.Show(app.main_dialog, kBackupTitle, kOperationSteps);
-        result = RunSuspended(app, run);
+        order.state_number = NextStateNumber(app.storage.journal.get());
+        app.popup.Show(app.main_dialog, kBackupTitle, kBackupSteps);
+        result = RunSuspended(app, order);
         app.popup.CloseAndWait();
     }
     context.is_first_pass = false;
-    context.amount = run.bytes_needed;
+    context.amount = order.bytes_needed;
     return ReportBackup(result, context);
 }
 
-ResultCode RestoreRun(Application& app, std::uint32_t state_number) {
+ResultCode RunStateRestore(Application& app, std::uint32_t state_number) {
     if (!StorageIsReady(app)) {
         return ResultCode::kJournalUnreadable;
     }
@@ -136,7 +136,7 @@ ResultCode RestoreRun(Application& app, std::uint32_t state_number) {
     return result;
 }
 
-ResultCode DifferencesRun(Application& app, bool invert_first) {
+ResultCode RunDifferenceRestore(Application& app, bool invert_first) {
     if (!StorageIsReady(app)) {
         return ResultCode::kJournalUnreadable;
     }
@@ -151,8 +151,8 @@ ResultCode DifferencesRun(Application& app, bool invert_first) {
 }
 
 bool RestoreDriver(Application& app, std::uint32_t state_number) {
-    app.popup.Show(app.main_dialog, kRestoreTitle, kOperationSteps);
-    const ResultCode result = RestoreRun(app, state_number);
+    app.popup.Show(app.main_dialog, kRestoreTitle, kRestoreSteps);
+    const ResultCode result = RunStateRestore(app, state_number);
     app.popup.CloseAndWait();
     return ReportRestore(app.main_dialog, result);
 }

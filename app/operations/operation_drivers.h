@@ -8,11 +8,10 @@
 namespace tolvenar {
 
 constexpr wchar_t kRestoreTitle[] = L"Restoring in progress";
-constexpr int kOperationSteps = 11;  // of the popup's total bar
 
-// Loads the journal under the progress popup, or under the hourglass when `with_popup` is false.
-// False when it cannot be loaded.
-bool LoadWithWaitDisplay(Application& app, const wchar_t* title, bool with_popup);
+// Loads the journal. False when it cannot be loaded.
+bool LoadUnderPopup(Application& app);
+bool LoadUnderHourglass(Application& app);
 
 // Makes state `state_number` with `description` and tells the user of the result, or nobody when
 // `automatic`. A full card gives up the old storage where the settings and the user allow it. True
@@ -22,11 +21,12 @@ bool BackupDriver(Application& app, std::uint32_t state_number, const wchar_t* d
 
 // The road that an interactive and an unattended restore share: memory check, schedule off,
 // restore, schedule on. Shows nothing.
-ResultCode RestoreRun(Application& app, std::uint32_t state_number);
+ResultCode RunStateRestore(Application& app, std::uint32_t state_number);
 
 // Restores the difference list that the page prepared or a restore left over, its sense reversed
-// first with `invert_first`. No memory check, and the schedule stays: on purpose. Shows nothing.
-ResultCode DifferencesRun(Application& app, bool invert_first);
+// first with `invert_first`. Memory and schedule are left alone (docs/oddities.md, 24). Shows
+// nothing.
+ResultCode RunDifferenceRestore(Application& app, bool invert_first);
 
 // Restores a state and tells the user of the result. True when the device is as the state has it.
 bool RestoreDriver(Application& app, std::uint32_t state_number);

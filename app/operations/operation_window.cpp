@@ -3,6 +3,7 @@
 #include "app/operations/hidden_window.h"
 #include "app/operations/interactive_operations.h"
 #include "app/operations/window_messages.h"
+#include "platform/processes.h"
 
 namespace tolvenar {
 namespace {
@@ -30,27 +31,17 @@ LRESULT OnRestoreAnswer(Application& app, WPARAM go_on, LPARAM button) {
     return 0;
 }
 
-LRESULT OnClose(HWND window) {
-    ::DestroyWindow(window);
-    return 0;
-}
-
 LRESULT OnDestroy() {
     ::PostQuitMessage(0);
     return 0;
 }
 
-LRESULT CALLBACK OperationWindowProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
-    Application* app = ApplicationOf(window, message, lparam);
-    if (app == nullptr) {
-        return ::DefWindowProcW(window, message, wparam, lparam);
-    }
+LRESULT OnMessage(Application& app, HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
     switch (message) {
-        case WM_OPCONFIRMED_RESTORED: return OnRestoredAnswer(*app, wparam);
-        case WM_OPCONFIRMED_BACKUP: return OnBackupAnswer(*app, wparam);
-        case WM_OPCONFIRMED_RESTORE: return OnRestoreAnswer(*app, wparam, lparam);
-        case WM_QUERYBUSY: return app->operationBusy;
-        case WM_CLOSE: return OnClose(window);
+        case WM_OPCONFIRMED_RESTORED: return OnRestoredAnswer(app, wparam);
+        case WM_OPCONFIRMED_BACKUP: return OnBackupAnswer(app, wparam);
+        case WM_OPCONFIRMED_RESTORE: return OnRestoreAnswer(app, wparam, lparam);
+        case WM_QUERYBUSY: return app.gate.IsBusy() ? 1 : 0;
         case WM_DESTROY: return OnDestroy();
         default: return ::DefWindowProcW(window, message, wparam, lparam);
     }
@@ -75,11 +66,11 @@ DWORD WINAPI RunOperationThread(void* parameter) {
 }  // namespace
 
 bool RegisterOperationWindowClass(HINSTANCE instance) {
-    return RegisterHiddenClass(instance, kOperationWindowClass, OperationWindowProcedure);
+    return RegisterHiddenClass(instance, kOperationWindowClass, HiddenProcedure<OnMessage>);
 }
 
 UniqueHandle StartOperationThread(Application& app) {
-    return UniqueHandle(::CreateThread(nullptr, 0, RunOperationThread, &app, 0, nullptr));
+    return StartThread(RunOperationThread, &app);
 }
 
 }  // namespace tolvenar

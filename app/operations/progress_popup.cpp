@@ -1,6 +1,7 @@
 #include "app/operations/progress_popup.h"
 
 #include "app/operations/window_progress.h"
+#include "platform/processes.h"
 #include "platform/waiting.h"
 #include "res/resource.h"
 
@@ -29,7 +30,7 @@ void ProgressPopup::Show(HWND owner, const wchar_t* title, int total_steps) {
         owner_ = owner;
         total_steps_ = total_steps;
         ::wcsncpy(title_, title, kTitleUnits - 1);
-        thread_.Reset(::CreateThread(nullptr, 0, Run, this, 0, nullptr));
+        thread_ = StartThread(Run, this);
         if (!thread_) {
             return;
         }
@@ -44,8 +45,8 @@ void ProgressPopup::Close() {
         return;
     }
     is_closing_ = true;
-    if (const HWND window = window_) {
-        ::PostMessageW(window, WM_CLOSE, 0, 0);
+    if (const HWND popup = window()) {
+        ::PostMessageW(popup, WM_CLOSE, 0, 0);
     }
 }
 
@@ -64,20 +65,20 @@ void ProgressPopup::WaitForClosing() {
 void ProgressPopup::WaitForWindow() {
     // By the clock: a sent message ends a poll early.
     const DWORD start = ::GetTickCount();
-    while (window_ == nullptr && ::GetTickCount() - start < kLimitMs) {
+    while (window() == nullptr && ::GetTickCount() - start < kLimitMs) {
         WaitServingSentMessages(nullptr, kPollMs);
     }
 }
 
 void ProgressPopup::Publish(int total_steps) {
-    const HWND window = window_;
-    if (window == nullptr) {
+    const HWND popup = window();
+    if (popup == nullptr) {
         return;
     }
-    windows_.step_text = ::GetDlgItem(window, IDC_STEP_TEXT);
-    windows_.step_bar = ::GetDlgItem(window, IDC_STEP_BAR);
-    windows_.total_bar = ::GetDlgItem(window, IDC_TOTAL_BAR);
-    ShowTotal(window, total_steps != 0);
+    windows_.step_text = ::GetDlgItem(popup, IDC_STEP_TEXT);
+    windows_.step_bar = ::GetDlgItem(popup, IDC_STEP_BAR);
+    windows_.total_bar = ::GetDlgItem(popup, IDC_TOTAL_BAR);
+    ShowTotal(popup, total_steps != 0);
     if (total_steps == 0) {
         return;
     }
@@ -88,44 +89,34 @@ void ProgressPopup::Publish(int total_steps) {
 
 DWORD WINAPI ProgressPopup::Run(void* parameter) {
     auto* popup = static_cast<ProgressPopup*>(parameter);
-    ::DialogBoxParamW(popup->instance_, MAKEINTRESOURCEW(IDD_PROGRESS), popup->owner_,
-                      DialogProcedure, reinterpret_cast<LPARAM>(popup));
-    popup->window_ = nullptr;
+    popup->RunModal(popup->instance_, IDD_PROGRESS, popup->owner_);
     return 0;
 }
 
-INT_PTR ProgressPopup::OnInit(HWND window) {
-    window_ = window;
-    ::SetWindowTextW(window, title_);
-    ShowTotal(window, total_steps_ != 0);  // before the user sees the popup
-    ::ShowWindow(window, SW_SHOW);
-    ::UpdateWindow(window);
+INT_PTR ProgressPopup::OnInit() {
+    ::SetWindowTextW(window(), title_);
+    ShowTotal(window(), total_steps_ != 0);  // before the user sees the popup
+    ::ShowWindow(window(), SW_SHOW);
+    ::UpdateWindow(window());
     // Whoever opened it has given up waiting and closed it meanwhile.
     if (is_closing_) {
-        ::EndDialog(window, 1);
+        End(1);
     }
     return TRUE;
 }
 
 // Only Close ends it: the user's ways of closing a window do nothing while the operation runs.
-INT_PTR ProgressPopup::OnClose(HWND window) {
+INT_PTR ProgressPopup::OnClose() {
     if (is_closing_) {
-        ::EndDialog(window, 1);
+        End(1);
     }
     return TRUE;
 }
 
-INT_PTR CALLBACK ProgressPopup::DialogProcedure(HWND window, UINT message, WPARAM, LPARAM lparam) {
-    if (message == WM_INITDIALOG) {
-        ::SetWindowLongW(window, DWL_USER, lparam);
-    }
-    auto* popup = reinterpret_cast<ProgressPopup*>(::GetWindowLongW(window, DWL_USER));
-    if (popup == nullptr) {
-        return FALSE;
-    }
+INT_PTR ProgressPopup::Dispatch(UINT message, WPARAM, LPARAM) {
     switch (message) {
-        case WM_INITDIALOG: return popup->OnInit(window);
-        case WM_CLOSE: return popup->OnClose(window);
+        case WM_INITDIALOG: return OnInit();
+        case WM_CLOSE: return OnClose();
         default: return FALSE;
     }
 }

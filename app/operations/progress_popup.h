@@ -2,19 +2,18 @@
 // that it repaints while the operation works.
 #pragma once
 
+#include "platform/dialog.h"
 #include "platform/unique_resource.h"
 
 namespace tolvenar {
 
 struct ProgressWindows;
 
-class ProgressPopup {
+class ProgressPopup final : private Dialog {
 public:
     ProgressPopup(HINSTANCE instance, ProgressWindows& windows)
         : instance_(instance), windows_(windows) {}
     ~ProgressPopup() { CloseAndWait(); }
-    ProgressPopup(const ProgressPopup&) = delete;
-    ProgressPopup& operator=(const ProgressPopup&) = delete;
 
     // Opens the popup, owned by `owner` (may be null), and publishes its controls. Waits five
     // seconds at most for it to appear and goes on without controls after that. `total_steps` 0
@@ -25,24 +24,23 @@ public:
     // The same, and waits for its thread, so that it is off the screen before anything else is
     // shown.
     void CloseAndWait();
-    HWND window() const { return window_; }
+    using Dialog::window;
 
 private:
     static constexpr int kTitleUnits = 64;
     static DWORD WINAPI Run(void* popup);
-    static INT_PTR CALLBACK DialogProcedure(HWND, UINT, WPARAM, LPARAM);
+    INT_PTR Dispatch(UINT message, WPARAM wparam, LPARAM lparam) override;
     void WaitForClosing();
     void WaitForWindow();
     void Publish(int total_steps);
-    INT_PTR OnInit(HWND window);
-    INT_PTR OnClose(HWND window);
+    INT_PTR OnInit();
+    INT_PTR OnClose();
 
     HINSTANCE instance_;
     ProgressWindows& windows_;
     HWND owner_ = nullptr;
     wchar_t title_[kTitleUnits] = L"";
     int total_steps_ = 0;
-    HWND volatile window_ = nullptr;  // written by the popup's thread
     UniqueHandle thread_;
     volatile bool is_closing_ = false;  // read by the popup's thread
 };

@@ -1,56 +1,68 @@
 #include "app/operations/requests.h"
 
 #include "app/operations/window_messages.h"
+#include "res/resource.h"
 
 namespace tolvenar {
+namespace {
 
-bool IsOccupied(const Application& app) {
-    return app.requestPending != 0 || app.operationBusy != 0;
+UINT MessageOf(OperationKind kind) {
+    return kind == OperationKind::kBackup ? WM_OPCONFIRMED_BACKUP : WM_OPCONFIRMED_RESTORE;
 }
 
-bool PostAnswer(Application& app, UINT message, bool go_on, LPARAM lparam) {
-    // A message without a window would go to this thread's own queue.
-    if (app.operation_window == nullptr) {
-        return false;
+// A message without a window would go to this thread's own queue.
+bool Post(const Application& app, UINT message, bool go_on, LPARAM lparam) {
+    return app.operation_window != nullptr &&
+           ::PostMessageW(app.operation_window, message, go_on ? 1 : 0, lparam);
+}
+
+void AskPages(const Application& app, OperationRequest& request) {
+    if (request.kind == OperationKind::kBackup) {
+        ::SendMessageW(app.main_dialog, WM_TAKE_DESCRIPTION, 0,
+                       reinterpret_cast<LPARAM>(request.description));
+    } else if (request.button == IDC_RESTORE) {
+        request.state_number =
+            static_cast<std::int32_t>(::SendMessageW(app.main_dialog, WM_SELECTED_STATE, 0, 0));
     }
-    const bool is_request = go_on && message != WM_OPCONFIRMED_RESTORED;
-    if (is_request) {
-        app.requestPending = 1;
-    }
-    if (::PostMessageW(app.operation_window, message, go_on ? 1 : 0, lparam)) {
+}
+
+}  // namespace
+
+bool HasStorage(const Application& app) {
+    return app.storageStatus == StorageStatus::kOpen && app.storage.journal != nullptr;
+}
+
+// Whether it is occupied comes first: the storage is the operation's then.
+Refusal WhyRefused(const Application& app, Wish wish) {
+    const bool is_occupied = app.gate.IsOccupied();
+    return Judge(wish, {is_occupied, !is_occupied && HasStorage(app), !app.installationMissing});
+}
+
+bool PostRequest(Application& app, const OperationRequest& request) {
+    const bool is_put = app.gate.Put(request);
+    if (Post(app, MessageOf(request.kind), true, request.button)) {
         return true;
     }
-    if (is_request) {
-        app.requestPending = 0;
+    if (is_put) {
+        app.gate.Withdraw();
     }
     return false;
 }
 
-bool TakeRequest(Application& app) {
-    if (app.operationBusy != 0) {
-        app.requestPending = 0;  // dropped
-        return false;
+void PostRefusal(const Application& app, const OperationRequest& request) {
+    Post(app, MessageOf(request.kind), false, request.button);
+}
+
+bool PostRestoredAnswer(const Application& app, bool go_on) {
+    return Post(app, WM_OPCONFIRMED_RESTORED, go_on, 0);
+}
+
+bool TakeRequest(Application& app, OperationRequest& request) {
+    switch (app.gate.Take(request)) {
+        case Taking::kDropped: return false;
+        case Taking::kOnlyAMessage: AskPages(app, request); return true;
+        default: return true;
     }
-    // In this order, so that no moment is left in which neither is set.
-    app.lists_in_use = 1;
-    app.operationBusy = 1;
-    app.requestPending = 0;
-    return true;
-}
-
-void ReleaseLists(Application& app) { app.lists_in_use = 0; }
-
-void EndRequest(Application& app) {
-    ReleaseLists(app);
-    app.operationBusy = 0;
-}
-
-bool ListsAreFree(const Application& app) {
-    return app.requestPending == 0 && app.lists_in_use == 0;
-}
-
-bool HasStorage(const Application& app) {
-    return app.storageStatus == StorageStatus::kOpen && app.storage.journal != nullptr;
 }
 
 }  // namespace tolvenar

@@ -2,28 +2,28 @@
 #pragma once
 
 #include "app/operations/application.h"
+#include "app/rules/start_rules.h"
 
 namespace tolvenar {
 
-// A request is on its way or an operation runs: no other may be asked for, nothing that it works
-// with may be changed and the program may not be closed.
-bool IsOccupied(const Application& app);
-
-// Posts the user's answer to the operation window. A request to go on counts as pending until the
-// operation thread takes it. False when there is no such window or the post fails.
-bool PostAnswer(Application& app, UINT message, bool go_on, LPARAM lparam);
-
-// On the operation thread: takes a request and marks the program as busy. False, and the request
-// dropped, while an operation runs already: a box that it shows lets messages through.
-bool TakeRequest(Application& app);
-// The operation has ended its work on the storage's lists; its report may follow.
-void ReleaseLists(Application& app);
-// The operation has ended.
-void EndRequest(Application& app);
-
-// Whether the main thread may look at the storage's lists: no operation is on them or about to be.
-bool ListsAreFree(const Application& app);
-// A storage is open and its journal loaded. For the main thread, while the lists are free.
+// A storage is open and its journal loaded. For the main thread while the lists are free, and for
+// the operation thread.
 bool HasStorage(const Application& app);
+// What stands against the user's wish. On the main thread.
+Refusal WhyRefused(const Application& app, Wish wish);
+
+// Hands a request that the user confirmed to the operation thread. False when there is no such
+// thread or the message cannot be posted: nothing is asked for then.
+bool PostRequest(Application& app, const OperationRequest& request);
+// Tells the operation window that the user refused.
+void PostRefusal(const Application& app, const OperationRequest& request);
+// Posts the answer to the reminder after a restore. False as above.
+bool PostRestoredAnswer(const Application& app, bool go_on);
+
+// On the operation thread, for a message that asks for the kind of operation, and the button, in
+// `request`: makes the rest of it what the page put in or, when another program posted the message,
+// what the pages show now. False, and the message dropped, while an operation runs already: a box
+// that it shows lets messages through.
+bool TakeRequest(Application& app, OperationRequest& request);
 
 }  // namespace tolvenar

@@ -20,9 +20,8 @@ bool CreateNewStorage();
 // the second is tried in any case.
 bool DeleteOldStorage();
 
-// Completes a path that another program's restore starts from: a read that failed and left text
-// gets "storage0" behind it. Kept so on purpose, though a read that fails leaves nothing, to which
-// nothing is added.
+// Completes a path that another program's restore starts from: text that a failed read left gets
+// "storage0" behind it (docs/oddities.md, 30). An empty path stays empty.
 void CompleteStoragePath(bool was_read, char16_t (&path)[kStoragePathUnits]);
 
 // Takes a chosen file's path into the settings. The folder is kept only on an installed system.

@@ -26,7 +26,7 @@ enum PageIndex {
 constexpr UINT WM_OPCONFIRMED_RESTORED = WM_APP + 122;
 constexpr UINT WM_OPCONFIRMED_BACKUP = WM_APP + 124;
 constexpr UINT WM_OPCONFIRMED_RESTORE = WM_APP + 128;  // lParam: the button that asked
-constexpr UINT WM_QUERYBUSY = WM_APP + 220;            // answers operationBusy
+constexpr UINT WM_QUERYBUSY = WM_APP + 220;            // answers whether an operation runs
 
 // To the main dialog.
 constexpr UINT WM_PAGE_SELECT = WM_APP + 103;  // wParam: PageIndex
@@ -35,16 +35,13 @@ constexpr UINT WM_APPLY_NOW = WM_APP + 130;
 
 // Sent to the main dialog by the operation thread, since pages, lists and tree belong to the main
 // thread.
-constexpr UINT WM_TAKE_DESCRIPTION = WM_APP + 131;  // lParam: buffer of kDescriptionUnits
+constexpr UINT WM_TAKE_DESCRIPTION = WM_APP + 131;  // lParam: OperationRequest::description
 constexpr UINT WM_BACKUP_DONE = WM_APP + 132;       // a state was written
 constexpr UINT WM_STATES_CHANGED = WM_APP + 133;    // wParam: 1 to keep the selected state
-constexpr UINT WM_SELECTED_STATE = WM_APP + 134;    // answers its number, or kNoState
+constexpr UINT WM_SELECTED_STATE = WM_APP + 134;    // answers its number, or kNoState of a request
 constexpr UINT WM_RESTORE_ENDED = WM_APP + 135;     // wParam: 1 when items are left over
 
 // To the options page: the main dialog's WM_ACTIVATE, with the same parameters.
 constexpr UINT WM_DIALOG_ACTIVATED = WM_APP + 300;
-
-constexpr LRESULT kNoState = -1;
-constexpr int kDescriptionUnits = 260;
 
 }  // namespace tolvenar

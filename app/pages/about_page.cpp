@@ -7,9 +7,6 @@
 namespace tolvenar {
 namespace {
 
-using UniqueGdiObject = UniqueResource<HGDIOBJ, ::DeleteObject>;
-using UniqueDc = UniqueResource<HDC, ::DeleteDC>;
-
 constexpr UINT_PTR kStepTimer = 1;
 constexpr UINT kStepMs = 50;
 

@@ -20,7 +20,7 @@ private:
     INT_PTR OnTimer();
     INT_PTR OnDraw(const DRAWITEMSTRUCT& item) const;
 
-    UniqueResource<HGDIOBJ, ::DeleteObject> bold_font_;
+    UniqueGdiObject bold_font_;
     int step_ = 0;
 };
 

@@ -1,8 +1,6 @@
 #include "app/pages/backup_page.h"
 
 #include "app/operations/confirmation.h"
-#include "app/operations/messages.h"
-#include "app/operations/requests.h"
 #include "app/operations/window_messages.h"
 #include "platform/text.h"
 #include "snapshot/compare/states.h"
@@ -31,7 +29,7 @@ void BackupPage::OnInit() {
 void BackupPage::OnShow(int) { OnStorageChanged(); }
 
 void BackupPage::OnStorageChanged() {
-    if (window() == nullptr || !ListsAreFree(app_)) {
+    if (window() == nullptr || !app_.gate.ListsAreFree()) {
         return;
     }
     ShowStorage();
@@ -71,18 +69,13 @@ void BackupPage::ShowFreeSpace() {
 }
 
 void BackupPage::RequestBackup() {
-    if (IsOccupied(app_)) {
+    if (Refuses(Wish::kBackUp)) {
         return;
     }
-    if (!HasStorage(app_)) {
-        frame_.SelectPage(kStoragePage);
-        return;
-    }
-    if (app_.installationMissing) {
-        ShowInstallationMissing(app_.main_dialog);
-        return;
-    }
-    ConfirmThenRun(app_, Confirmation::kBackup, 0);
+    OperationRequest request;
+    request.kind = OperationKind::kBackup;
+    ReadDescription(request.description);
+    ConfirmThenRun(app_, request);
 }
 
 bool BackupPage::OnCommand(int id, int notification) {
@@ -93,17 +86,18 @@ bool BackupPage::OnCommand(int id, int notification) {
     return true;
 }
 
-LRESULT BackupPage::TakeDescription(wchar_t* buffer) {
-    ::GetWindowTextW(Control(IDC_NEW_DESCRIPTION), buffer, kDescriptionUnits);
-    if (IsBlank(buffer)) {
+void BackupPage::ReadDescription(char16_t* buffer) const {
+    ::GetWindowTextW(Control(IDC_NEW_DESCRIPTION), Wide(buffer), kDescriptionUnits);
+    if (IsBlank(Wide(buffer))) {
         buffer[0] = 0;
     }
-    return Answer(0);
 }
 
 INT_PTR BackupPage::OnMessage(UINT message, WPARAM, LPARAM lparam) {
     switch (message) {
-        case WM_TAKE_DESCRIPTION: return TakeDescription(reinterpret_cast<wchar_t*>(lparam));
+        case WM_TAKE_DESCRIPTION:
+            ReadDescription(reinterpret_cast<char16_t*>(lparam));
+            return Answer(0);
         case WM_BACKUP_DONE: ::SetDlgItemTextW(window(), IDC_NEW_DESCRIPTION, L""); return TRUE;
         default: return FALSE;
     }

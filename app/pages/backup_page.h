@@ -20,7 +20,8 @@ private:
     bool OnCommand(int id, int notification) override;
     INT_PTR OnMessage(UINT message, WPARAM wparam, LPARAM lparam) override;
     void RequestBackup();
-    LRESULT TakeDescription(wchar_t* buffer);
+    // At most kDescriptionUnits; nothing of a blank one.
+    void ReadDescription(char16_t* buffer) const;
     void ShowStorage();
     void ShowLastState();
     void ShowFreeSpace();

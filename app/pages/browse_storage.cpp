@@ -2,7 +2,6 @@
 
 #include "app/operations/messages.h"
 #include "app/operations/operation_drivers.h"
-#include "app/operations/requests.h"
 #include "app/operations/storage_files.h"
 #include "app/pages/description_dialog.h"
 #include "platform/text.h"
@@ -31,7 +30,7 @@ void ReadInitialFolder(char16_t (&folder)[kSettingPathUnits]) {
 
 // What a modal loop answers is no answer when the program was told to end meanwhile, and comes too
 // late when an operation has begun: the lists are its own then.
-bool MayGoOn(const Application& app) { return !app.is_ending && !IsOccupied(app); }
+bool MayGoOn(const Application& app) { return !app.is_ending && !app.gate.IsOccupied(); }
 
 bool AskForFile(const Application& app, HWND page, wchar_t (&chosen)[kChosenUnits]) {
     char16_t stem[kSettingTextUnits];
@@ -120,15 +119,15 @@ bool FollowSettings(Application& app, const wchar_t* chosen) {
 }
 
 // The header is the chosen storage's already; journal and differences are still the previous one's.
-void TakeChosen(Application& app, const wchar_t* chosen, OpenedStorageView& view) {
+void TakeChosen(Application& app, const wchar_t* chosen, OpenedStorageDisplay& display) {
     app.storage.journal.reset();
     app.storage.difference.reset();
     SaveLocation(Utf16(chosen));
     bool loaded = FollowSettings(app, chosen);
     if (loaded) {
         app.storageStatus = StorageStatus::kOpen;
-        view.ShowOpenedStorage();
-        loaded = LoadWithWaitDisplay(app, L"Loading List", true);
+        display.ShowOpenedStorage();
+        loaded = LoadUnderPopup(app);
     }
     if (!loaded) {
         app.storageStatus = StorageStatus::kNone;
@@ -138,7 +137,7 @@ void TakeChosen(Application& app, const wchar_t* chosen, OpenedStorageView& view
 
 }  // namespace
 
-bool BrowseForStorage(Application& app, HWND page, OpenedStorageView& view) {
+bool BrowseForStorage(Application& app, HWND page, OpenedStorageDisplay& display) {
     wchar_t chosen[kChosenUnits];
     if (!AskForFile(app, page, chosen)) {
         return false;
@@ -148,11 +147,11 @@ bool BrowseForStorage(Application& app, HWND page, OpenedStorageView& view) {
         return false;
     }
     if (result != OpenStorageResult::kOpened) {
-        view.ShowOpenedStorage();
+        display.ShowOpenedStorage();
         TellWhyNotOpened(result);
         return false;
     }
-    TakeChosen(app, chosen, view);
+    TakeChosen(app, chosen, display);
     return true;
 }
 

@@ -6,13 +6,13 @@
 namespace tolvenar {
 
 // What shows the name and the description of the open storage.
-class OpenedStorageView {
+class OpenedStorageDisplay {
 public:
     // Shows what is open now, which may be nothing.
     virtual void ShowOpenedStorage() = 0;
 
 protected:
-    ~OpenedStorageView() = default;
+    ~OpenedStorageDisplay() = default;
 };
 
 // Asks for a file, with `page` as the dialog's owner. An existing storage is opened as it stands,
@@ -20,6 +20,6 @@ protected:
 // when the user chose one that could be opened: it is the open storage then, or none is when its
 // states could not be loaded. Otherwise the previous storage stays. For the main thread, while no
 // operation is asked for or runs.
-bool BrowseForStorage(Application& app, HWND page, OpenedStorageView& view);
+bool BrowseForStorage(Application& app, HWND page, OpenedStorageDisplay& display);
 
 }  // namespace tolvenar

@@ -20,48 +20,39 @@ bool DescriptionDialog::AskDescription(const char16_t* proposed,
     answer_ = answer;
     units_ = 0;
     is_confirmed_ = false;
-    ::DialogBoxParamW(app_.instance, MAKEINTRESOURCEW(IDD_DESCRIPTION), app_.main_dialog,
-                      DialogProcedure, reinterpret_cast<LPARAM>(this));
+    RunModal(app_.instance, IDD_DESCRIPTION, app_.main_dialog);
     units = units_;
     return is_confirmed_;
 }
 
-INT_PTR DescriptionDialog::OnInit(HWND window) {
-    const HWND edit = ::GetDlgItem(window, IDC_DESCRIPTION_TEXT);
+INT_PTR DescriptionDialog::OnInit() {
+    const HWND edit = Control(IDC_DESCRIPTION_TEXT);
     ::SendMessageW(edit, EM_LIMITTEXT, kDescriptionLimit, 0);
     ::SetWindowTextW(edit, Wide(proposed_));
     ::SendMessageW(edit, EM_SETSEL, kEndOfText, static_cast<LPARAM>(kEndOfText));
     ::SendMessageW(edit, EM_SCROLLCARET, 0, 0);
     ::SetFocus(edit);
-    ::ShowWindow(window, SW_SHOW);
+    ::ShowWindow(window(), SW_SHOW);
     return FALSE;
 }
 
-INT_PTR DescriptionDialog::OnCommand(HWND window, int id) {
+INT_PTR DescriptionDialog::OnCommand(int id) {
     if (id != IDOK && id != IDCANCEL) {
         return FALSE;
     }
     if (id == IDOK) {
-        units_ = ::GetDlgItemTextW(window, IDC_DESCRIPTION_TEXT, Wide(answer_),
+        units_ = ::GetDlgItemTextW(window(), IDC_DESCRIPTION_TEXT, Wide(answer_),
                                    static_cast<int>(kMaxDescriptionUnits));
         is_confirmed_ = true;
     }
-    ::EndDialog(window, id);
+    End(id);
     return TRUE;
 }
 
-INT_PTR CALLBACK DescriptionDialog::DialogProcedure(HWND window, UINT message, WPARAM wparam,
-                                                    LPARAM lparam) {
-    if (message == WM_INITDIALOG) {
-        ::SetWindowLongW(window, DWL_USER, lparam);
-    }
-    auto* dialog = reinterpret_cast<DescriptionDialog*>(::GetWindowLongW(window, DWL_USER));
-    if (dialog == nullptr) {
-        return FALSE;
-    }
+INT_PTR DescriptionDialog::Dispatch(UINT message, WPARAM wparam, LPARAM) {
     switch (message) {
-        case WM_INITDIALOG: return dialog->OnInit(window);
-        case WM_COMMAND: return dialog->OnCommand(window, LOWORD(wparam));
+        case WM_INITDIALOG: return OnInit();
+        case WM_COMMAND: return OnCommand(LOWORD(wparam));
         default: return FALSE;
     }
 }

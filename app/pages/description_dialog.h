@@ -2,11 +2,12 @@
 #pragma once
 
 #include "app/operations/application.h"
+#include "platform/dialog.h"
 #include "storage/opened/storage_file.h"
 
 namespace tolvenar {
 
-class DescriptionDialog final : public DescriptionPrompt {
+class DescriptionDialog final : public DescriptionPrompt, private Dialog {
 public:
     explicit DescriptionDialog(const Application& app) : app_(app) {}
 
@@ -15,9 +16,9 @@ public:
                         std::size_t& units) override;
 
 private:
-    static INT_PTR CALLBACK DialogProcedure(HWND, UINT, WPARAM, LPARAM);
-    INT_PTR OnInit(HWND window);
-    INT_PTR OnCommand(HWND window, int id);
+    INT_PTR Dispatch(UINT message, WPARAM wparam, LPARAM lparam) override;
+    INT_PTR OnInit();
+    INT_PTR OnCommand(int id);
 
     const Application& app_;
     const char16_t* proposed_ = nullptr;

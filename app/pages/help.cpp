@@ -1,7 +1,9 @@
 #include "app/pages/help.h"
 
 #include "app/operations/messages.h"
+#include "app/operations/requests.h"
 #include "app/pages/page.h"
+#include "platform/processes.h"
 
 namespace tolvenar {
 namespace {
@@ -39,18 +41,11 @@ void ShowHelp(const Application& app, int index) {
     if (argument == nullptr) {
         return;
     }
-    if (app.installationMissing) {
+    if (WhyRefused(app, Wish::kShowHelp) != Refusal::kNone) {
         ShowInstallationMissing(app.main_dialog);
         return;
     }
-    PROCESS_INFORMATION process{};
-    wchar_t text[64];
-    ::wcscpy(text, argument);
-    if (::CreateProcessW(kViewer, text, nullptr, nullptr, FALSE, 0, nullptr, nullptr, nullptr,
-                         &process)) {
-        ::CloseHandle(process.hThread);
-        ::CloseHandle(process.hProcess);
-    }
+    StartProgram(kViewer, argument);
 }
 
 }  // namespace tolvenar

@@ -1,6 +1,5 @@
 #include "app/pages/main_dialog.h"
 
-#include "app/operations/requests.h"
 #include "app/operations/window_messages.h"
 #include "app/pages/help.h"
 #include "app/pages/page_table.h"
@@ -22,7 +21,7 @@ constexpr Tab kTabs[] = {
     {kStoragePage, L"Storage file"}, {kOptionsPage, L"Options"},           {kAboutPage, L"About"},
 };
 
-// The tabs are this much wider and higher than their texts alone: they are for a finger.
+// The tabs are padded so that a finger can hit them.
 constexpr LPARAM kTabPadding = MAKELPARAM(9, 3);
 constexpr LPARAM kTabSize = MAKELPARAM(0, 29);
 
@@ -79,20 +78,12 @@ bool IsPushButton(HWND control) {
 }  // namespace
 
 bool MainDialog::Create() {
-    ::CreateDialogParamW(app_.instance, MAKEINTRESOURCEW(IDD_MAIN), nullptr, DialogProcedure,
-                         reinterpret_cast<LPARAM>(this));
-    if (window_ == nullptr) {
+    if (!CreateModeless(app_.instance, IDD_MAIN, nullptr)) {
         return false;
     }
-    ::ShowWindow(window_, SW_SHOW);
+    ::ShowWindow(window(), SW_SHOW);
     FocusPage();
     return true;
-}
-
-void MainDialog::Destroy() {
-    if (window_ != nullptr) {
-        ::DestroyWindow(window_);
-    }
 }
 
 // The control that has the keyboard may have been hidden meanwhile: with its page under another
@@ -100,11 +91,11 @@ void MainDialog::Destroy() {
 // for an underlined letter, which starts at the control and enters nothing hidden, would never end.
 bool MainDialog::TakesMessage(MSG& message) {
     const bool is_key = message.message >= WM_KEYFIRST && message.message <= WM_KEYLAST;
-    if (is_key && ::IsChild(window_, message.hwnd) && !::IsWindowVisible(message.hwnd)) {
+    if (is_key && ::IsChild(window(), message.hwnd) && !::IsWindowVisible(message.hwnd)) {
         FocusPage();
         message.hwnd = ::GetFocus();
     }
-    return ::IsDialogMessageW(window_, &message) != FALSE;
+    return ::IsDialogMessageW(window(), &message) != FALSE;
 }
 
 void MainDialog::SelectPage(int index) {
@@ -124,7 +115,8 @@ void MainDialog::StorageChanged() {
 }
 
 INT_PTR MainDialog::OnInit() {
-    tabs_ = ::GetDlgItem(window_, IDC_TABS);
+    app_.main_dialog = window();
+    tabs_ = Control(IDC_TABS);
     ::SendMessageW(tabs_, TCM_SETPADDING, 0, kTabPadding);
     ::SendMessageW(tabs_, TCM_SETITEMSIZE, 0, kTabSize);
     const int first = app_.storageStatus == StorageStatus::kNone ? kStoragePage : kBackupPage;
@@ -158,18 +150,18 @@ Page* MainDialog::PageAt(int index) {
     if (!page) {
         page = MakePage(owner, app_, *this);
     }
-    return page && page->Create(window_) ? page.get() : nullptr;
+    return page && page->Create(window()) ? page.get() : nullptr;
 }
 
 RECT MainDialog::PagePlace() const {
     RECT place = kPagePlace;
-    ::MapDialogRect(window_, &place);
+    ::MapDialogRect(window(), &place);
     return place;
 }
 
 bool MainDialog::FocusIsInPage() const {
     const HWND focus = ::GetFocus();
-    return focus != nullptr && ::IsChild(window_, focus) && focus != tabs_;
+    return focus != nullptr && ::IsChild(window(), focus) && focus != tabs_;
 }
 
 // The keyboard goes where it was: on the tabs, or into the page.
@@ -269,7 +261,7 @@ INT_PTR MainDialog::OnCommand(WPARAM wparam, LPARAM lparam) {
 
 INT_PTR MainDialog::OnSize() {
     RECT tabs = kTabsPlace;
-    ::MapDialogRect(window_, &tabs);
+    ::MapDialogRect(window(), &tabs);
     Move(tabs_, tabs);
     if (shown_ != nullptr) {
         Move(shown_->window(), PagePlace());
@@ -290,7 +282,7 @@ INT_PTR MainDialog::OnActivate(WPARAM wparam, LPARAM lparam) {
 }
 
 INT_PTR MainDialog::OnClose() {
-    if (IsOccupied(app_)) {
+    if (app_.gate.IsOccupied()) {
         return TRUE;
     }
     ApplyNow();
@@ -300,14 +292,8 @@ INT_PTR MainDialog::OnClose() {
 }
 
 INT_PTR MainDialog::OnDestroy() {
-    window_ = nullptr;
     shown_ = nullptr;
     app_.main_dialog = nullptr;
-    return TRUE;
-}
-
-INT_PTR MainDialog::Answer(LRESULT result) {
-    ::SetWindowLongW(window_, DWL_MSGRESULT, result);
     return TRUE;
 }
 
@@ -342,20 +328,6 @@ INT_PTR MainDialog::Dispatch(UINT message, WPARAM wparam, LPARAM lparam) {
         case WM_APPLY_NOW: ApplyNow(); return TRUE;
         default: return OnRequest(message, wparam, lparam);
     }
-}
-
-INT_PTR CALLBACK MainDialog::DialogProcedure(HWND window, UINT message, WPARAM wparam,
-                                             LPARAM lparam) {
-    if (message == WM_INITDIALOG) {
-        ::SetWindowLongW(window, DWL_USER, lparam);
-        auto& dialog = *reinterpret_cast<MainDialog*>(lparam);
-        dialog.window_ = window;
-        dialog.app_.main_dialog = window;
-    }
-    auto* dialog = reinterpret_cast<MainDialog*>(::GetWindowLongW(window, DWL_USER));
-    return dialog != nullptr && dialog->window_ != nullptr
-               ? dialog->Dispatch(message, wparam, lparam)
-               : FALSE;
 }
 
 }  // namespace tolvenar

@@ -6,18 +6,16 @@
 namespace tolvenar {
 
 // Lives on the main thread. The pages of tabs 1 and 2 are one.
-class MainDialog final : public Frame {
+class MainDialog final : public Frame, private Dialog {
 public:
     explicit MainDialog(Application& app) : app_(app) {}
     ~MainDialog() { Destroy(); }
-    MainDialog(const MainDialog&) = delete;
-    MainDialog& operator=(const MainDialog&) = delete;
 
     // Creates the dialog, modeless and without an owner, keeps it in the application and shows its
     // first page. False when it cannot be created.
     bool Create();
     // Destroys window and pages, if they still exist.
-    void Destroy();
+    using Dialog::Destroy;
 
     // Has the dialog manager handle a message of this thread; true when nothing is left to do with
     // it.
@@ -27,8 +25,7 @@ public:
     void StorageChanged() override;
 
 private:
-    static INT_PTR CALLBACK DialogProcedure(HWND, UINT, WPARAM, LPARAM);
-    INT_PTR Dispatch(UINT message, WPARAM wparam, LPARAM lparam);
+    INT_PTR Dispatch(UINT message, WPARAM wparam, LPARAM lparam) override;
     INT_PTR OnRequest(UINT message, WPARAM wparam, LPARAM lparam);
     INT_PTR OnInit();
     INT_PTR OnNotify(const NMHDR& header);
@@ -37,7 +34,6 @@ private:
     INT_PTR OnActivate(WPARAM wparam, LPARAM lparam);
     INT_PTR OnClose();
     INT_PTR OnDestroy();
-    INT_PTR Answer(LRESULT result);
 
     void InsertTabs(int selected);
     Page* PageAt(int index);
@@ -50,7 +46,6 @@ private:
     bool FocusIsInPage() const;
 
     Application& app_;
-    HWND window_ = nullptr;
     HWND tabs_ = nullptr;
     std::unique_ptr<Page> pages_[kPageCount];
     Page* shown_ = nullptr;

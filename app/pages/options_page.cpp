@@ -1,6 +1,5 @@
 #include "app/pages/options_page.h"
 
-#include "app/operations/requests.h"
 #include "app/operations/window_messages.h"
 #include "app/rules/time_format.h"
 #include "platform/text.h"
@@ -44,7 +43,7 @@ constexpr std::uint32_t PackTime(const SYSTEMTIME& time) {
 
 void OptionsPage::OnInit() {
     // During an operation the registry holds the schedule's zeros; the copies are right.
-    if (!IsOccupied(app_)) {
+    if (!app_.gate.IsOccupied()) {
         ReadAllSettings(SlotsOf(app_.settings), app_.installationMissing);
     }
     SetTimeFormat();
@@ -105,7 +104,7 @@ void OptionsPage::ShowHint() {
 }
 
 void OptionsPage::ReadAgain() {
-    if (window() == nullptr || IsOccupied(app_)) {
+    if (window() == nullptr || app_.gate.IsOccupied()) {
         return;
     }
     ReadAllSettings(SlotsOf(app_.settings), app_.installationMissing);
@@ -116,7 +115,7 @@ void OptionsPage::OnShow(int) { ReadAgain(); }
 
 // A countdown that an operation met goes on after it.
 void OptionsPage::ApplyNow() {
-    if (!IsOccupied(app_)) {
+    if (!app_.gate.IsOccupied()) {
         agent_.AgentStatusApplyNow(app_.settings.onTime, app_.settings.onBattery);
     }
 }
@@ -138,7 +137,7 @@ bool OptionsPage::OnCommand(int id, int notification) {
     if (FindSwitch(id) == nullptr || notification != BN_CLICKED) {
         return false;
     }
-    if (IsOccupied(app_)) {
+    if (app_.gate.IsOccupied()) {
         ShowSettings();
         return true;
     }
@@ -160,7 +159,7 @@ INT_PTR OptionsPage::OnNotify(const NMHDR& header) {
     if (header.idFrom != IDC_TIME || header.code != static_cast<UINT>(DTN_DATETIMECHANGE)) {
         return FALSE;
     }
-    if (IsOccupied(app_)) {
+    if (app_.gate.IsOccupied()) {
         ShowTime();
     } else {
         OnTimeChanged();
@@ -170,7 +169,7 @@ INT_PTR OptionsPage::OnNotify(const NMHDR& header) {
 
 // The schedule belongs to the operation while one runs.
 INT_PTR OptionsPage::OnTimer(UINT_PTR timer) {
-    if (!IsOccupied(app_)) {
+    if (!app_.gate.IsOccupied()) {
         agent_.AgentStatusTick(timer, app_.settings.onTime, app_.settings.onBattery);
     }
     return TRUE;

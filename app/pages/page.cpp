@@ -1,40 +1,42 @@
 #include "app/pages/page.h"
 
+#include "app/operations/messages.h"
 #include "app/operations/window_messages.h"
 
 namespace tolvenar {
 
 bool Page::Create(HWND main_dialog) {
-    if (window_ != nullptr) {
-        return true;
-    }
-    ::CreateDialogParamW(app_.instance, MAKEINTRESOURCEW(template_id_), main_dialog,
-                         DialogProcedure, reinterpret_cast<LPARAM>(this));
-    return window_ != nullptr;
+    return window() != nullptr || CreateModeless(app_.instance, template_id_, main_dialog);
 }
 
 void Page::Show(int index, const RECT& place) {
-    ::SetWindowPos(window_, HWND_TOP, place.left, place.top, place.right - place.left,
+    ::SetWindowPos(window(), HWND_TOP, place.left, place.top, place.right - place.left,
                    place.bottom - place.top, SWP_NOACTIVATE);
     OnShow(index);
     OnLayout();
-    ::ShowWindow(window_, SW_SHOW);
+    ::ShowWindow(window(), SW_SHOW);
 }
 
 void Page::Hide() {
-    ::ShowWindow(window_, SW_HIDE);
+    ::ShowWindow(window(), SW_HIDE);
     OnHide();
 }
 
-INT_PTR Page::Answer(LRESULT result) {
-    ::SetWindowLongW(window_, DWL_MSGRESULT, result);
-    return TRUE;
+bool Page::Refuses(Wish wish) {
+    const Refusal refusal = WhyRefused(app_, wish);
+    if (refusal == Refusal::kNoStorage) {
+        frame_.SelectPage(kStoragePage);
+    }
+    if (refusal == Refusal::kNoInstallation) {
+        ShowInstallationMissing(app_.main_dialog);
+    }
+    return refusal != Refusal::kNone;
 }
 
 // Tab in an edit control of several lines asks its own dialog for the next control, which knows
 // this page only; the round goes on through the tabs.
 INT_PTR Page::OnNextControl(WPARAM wparam, LPARAM lparam) {
-    ::SendMessageW(::GetParent(window_), WM_NEXTDLGCTL, wparam, lparam);
+    ::SendMessageW(::GetParent(window()), WM_NEXTDLGCTL, wparam, lparam);
     return TRUE;
 }
 
@@ -52,18 +54,8 @@ INT_PTR Page::Dispatch(UINT message, WPARAM wparam, LPARAM lparam) {
         case DM_GETDEFID: return OnDefaultButton();
         // Escape in an edit control of several lines closes its dialog otherwise.
         case WM_CLOSE: ApplyNow(); return TRUE;
-        case WM_NCDESTROY: window_ = nullptr; return FALSE;
         default: return OnMessage(message, wparam, lparam);
     }
-}
-
-INT_PTR CALLBACK Page::DialogProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
-    if (message == WM_INITDIALOG) {
-        ::SetWindowLongW(window, DWL_USER, lparam);
-        reinterpret_cast<Page*>(lparam)->window_ = window;
-    }
-    auto* page = reinterpret_cast<Page*>(::GetWindowLongW(window, DWL_USER));
-    return page != nullptr ? page->Dispatch(message, wparam, lparam) : FALSE;
 }
 
 }  // namespace tolvenar

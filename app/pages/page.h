@@ -4,7 +4,9 @@
 #include <memory>
 
 #include "app/operations/application.h"
+#include "app/operations/requests.h"
 #include "app/operations/window_messages.h"
+#include "platform/dialog.h"
 
 namespace tolvenar {
 
@@ -21,20 +23,17 @@ protected:
 };
 
 // A child dialog. Created when its tab is first shown and kept until the main dialog goes; all of
-// it belongs to the main thread. While IsOccupied (app/requests.h) a page refuses what would change
-// or start anything.
-class Page {
+// it belongs to the main thread. While the application's gate is occupied a page refuses what would
+// change or start anything.
+class Page : public Dialog {
 public:
     Page(Application& app, Frame& frame, int template_id)
         : app_(app), frame_(frame), template_id_(template_id) {}
     virtual ~Page() = default;
-    Page(const Page&) = delete;
-    Page& operator=(const Page&) = delete;
 
     // Creates the window, hidden, as a child of the main dialog; nothing when it exists. False when
     // it cannot be created.
     bool Create(HWND main_dialog);
-    HWND window() const { return window_; }
     // Shows it over `place` for the tab `index`; one page may serve two tabs.
     void Show(int index, const RECT& place);
     void Hide();
@@ -63,21 +62,19 @@ protected:
     // Any other message; what a dialog procedure returns.
     virtual INT_PTR OnMessage(UINT /*message*/, WPARAM, LPARAM) { return FALSE; }
 
-    // Answers the message that is handled; TRUE for the dialog manager.
-    INT_PTR Answer(LRESULT result);
-    HWND Control(int id) const { return ::GetDlgItem(window_, id); }
+    // Whether something stands against the user's wish; if so, the user is told or led to what
+    // helps.
+    bool Refuses(Wish wish);
 
     Application& app_;
     Frame& frame_;
 
 private:
-    static INT_PTR CALLBACK DialogProcedure(HWND, UINT, WPARAM, LPARAM);
-    INT_PTR Dispatch(UINT message, WPARAM wparam, LPARAM lparam);
+    INT_PTR Dispatch(UINT message, WPARAM wparam, LPARAM lparam) final;
     INT_PTR OnNextControl(WPARAM wparam, LPARAM lparam);
     INT_PTR OnDefaultButton();
 
     int template_id_;
-    HWND window_ = nullptr;
 };
 
 }  // namespace tolvenar

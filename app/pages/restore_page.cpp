@@ -1,8 +1,6 @@
 #include "app/pages/restore_page.h"
 
 #include "app/operations/confirmation.h"
-#include "app/operations/messages.h"
-#include "app/operations/requests.h"
 #include "app/operations/window_messages.h"
 #include "app/pages/restore_layout.h"
 #include "platform/text.h"
@@ -12,8 +10,7 @@
 namespace tolvenar {
 namespace {
 
-constexpr int kTreeSteps = 5;
-constexpr int kDifferencesTextUnits = 64;
+constexpr int kTreeSteps = kStateSteps + 1;
 
 bool HasDifferences(const Application& app) {
     return app.storage.difference != nullptr && app.storage.difference->CountRecords() != 0;
@@ -24,7 +21,7 @@ bool HasDifferences(const Application& app) {
 void RestorePage::OnInit() {
     states_.Attach(Control(IDC_STATES));
     tree_.Create(app_.instance, Control(IDC_TREE_PLACE));
-    if (ListsAreFree(app_)) {
+    if (app_.gate.ListsAreFree()) {
         FillStates(false);
     }
 }
@@ -60,7 +57,8 @@ bool RestorePage::OnEnter(HWND control) {
 
 void RestorePage::OnShow(int index) {
     tab_ = index;
-    if (index == kAdvancedPage && app_.settings.AdvancedTreeViewChange != 0 && ListsAreFree(app_)) {
+    if (index == kAdvancedPage && app_.settings.AdvancedTreeViewChange != 0 &&
+        app_.gate.ListsAreFree()) {
         app_.settings.AdvancedTreeViewChange = 0;
         BuildTree();
     }
@@ -81,13 +79,13 @@ void RestorePage::OnStorageChanged() {
 }
 
 void RestorePage::FillStates(bool keep_selected) {
-    const LRESULT selected = SelectedState();
+    const std::int32_t selected = SelectedState();
     const bool had_none = selected == kNoState && states_.Count() > 0;
     states_.Fill(app_.storage.journal.get());
     if (keep_selected && had_none) {
         return;
     }
-    const int kept = keep_selected ? states_.Find(static_cast<int>(selected)) : -1;
+    const int kept = keep_selected ? states_.Find(selected) : -1;
     if (states_.Count() > 0) {
         states_.Select(kept >= 0 ? kept : 0);
     }
@@ -108,7 +106,7 @@ void RestorePage::ShowStateDetails(const ObjectRecord* state) {
     ::SetWindowTextW(Control(IDC_STATE_DESCRIPTION), Wide(details.description));
 }
 
-LRESULT RestorePage::SelectedState() const {
+std::int32_t RestorePage::SelectedState() const {
     const ObjectRecord* record = states_.SelectedRecord();
     return record != nullptr ? record->state_number : kNoState;
 }
@@ -116,26 +114,18 @@ LRESULT RestorePage::SelectedState() const {
 // Differences are not compared with memory and schedule first: they are few and run at once, on
 // purpose.
 void RestorePage::RequestRestore(int button) {
-    if (IsOccupied(app_)) {
+    if (Refuses(button == IDC_RESTORE ? Wish::kRestoreState : Wish::kRestoreDifferences)) {
         return;
     }
-    if (!HasStorage(app_)) {
-        frame_.SelectPage(kStoragePage);
-        return;
-    }
-    if (button != IDC_RESTORE && app_.installationMissing) {
-        ShowInstallationMissing(app_.main_dialog);
-        return;
-    }
-    ConfirmThenRun(app_, Confirmation::kRestore, button);
+    OperationRequest request;
+    request.kind = OperationKind::kRestore;
+    request.button = button;
+    request.state_number = SelectedState();
+    ConfirmThenRun(app_, request);
 }
 
 void RestorePage::RequestDifferences() {
-    if (CurrentForm() != Form::kAdvanced || IsOccupied(app_)) {
-        return;
-    }
-    if (!HasStorage(app_)) {
-        frame_.SelectPage(kStoragePage);
+    if (CurrentForm() != Form::kAdvanced || Refuses(Wish::kShowDifferences)) {
         return;
     }
     if (states_.SelectedRecord() != nullptr) {
@@ -154,27 +144,23 @@ void RestorePage::ShowDifferences() {
 }
 
 // What a restore left over need not be the difference that the caption names.
-void RestorePage::BuildTree() {
-    wchar_t caption[kDifferencesTextUnits] = L"";
-    if (!is_failed_) {
-        ::GetWindowTextW(Control(IDC_DIFFERENCES_CAPTION), caption, kDifferencesTextUnits);
-    }
-    tree_.Build(app_, caption);
-}
+void RestorePage::BuildTree() { tree_.Build(app_, is_failed_ ? L"" : caption_); }
+
+void RestorePage::ShowCaption() { ::SetWindowTextW(Control(IDC_DIFFERENCES_CAPTION), caption_); }
 
 // Half a comparison, or an earlier one, would pass for the whole of this one: after a failure there
 // are no differences.
 void RestorePage::CompareWithOlder(const ObjectRecord& state, const ObjectRecord* older) {
-    wchar_t caption[kDifferencesTextUnits] = L"";
     DropDifferences();
+    caption_[0] = 0;
     if (older != nullptr &&
         FindDifferenceEx(app_.engine, older->state_number, state.state_number)) {
-        ::wsprintfW(caption, L"Differences from State %i to State %i", older->state_number,
+        ::wsprintfW(caption_, L"Differences from State %i to State %i", older->state_number,
                     state.state_number);
     } else {
         DropDifferences();
     }
-    ::SetWindowTextW(Control(IDC_DIFFERENCES_CAPTION), caption);
+    ShowCaption();
 }
 
 // With the registry objects of a restore that left some of them over.
@@ -201,12 +187,13 @@ void RestorePage::ForgetMissingDifferences() {
     }
     is_failed_ = false;
     tree_.Clear();
-    ::SetWindowTextW(Control(IDC_DIFFERENCES_CAPTION), L"");
+    caption_[0] = 0;
+    ShowCaption();
     OnLayout();
 }
 
 void RestorePage::LeaveFailed() {
-    if (IsOccupied(app_)) {
+    if (app_.gate.IsOccupied()) {
         return;
     }
     DropDifferences();
@@ -221,7 +208,7 @@ bool RestorePage::OnListNotification(int notification) {
     if (notification != LBN_SELCHANGE) {
         return false;
     }
-    if (IsOccupied(app_)) {
+    if (app_.gate.IsOccupied()) {
         states_.Select(shown_item_);
     } else {
         OnSelectionChanged();

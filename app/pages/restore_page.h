@@ -2,7 +2,7 @@
 // it changed.
 #pragma once
 
-#include "app/pages/difference_view.h"
+#include "app/pages/difference_panel.h"
 #include "app/pages/page.h"
 #include "app/pages/state_list.h"
 #include "res/resource.h"
@@ -34,11 +34,12 @@ private:
     void FillStates(bool keep_selected);
     void OnSelectionChanged();
     void ShowStateDetails(const ObjectRecord* state);
-    LRESULT SelectedState() const;
+    std::int32_t SelectedState() const;
     void RequestRestore(int button);
     void RequestDifferences();
     void ShowDifferences();
     void BuildTree();
+    void ShowCaption();
     void CompareWithOlder(const ObjectRecord& state, const ObjectRecord* older);
     void DropDifferences();
     void OnRestoreEnded(bool items_left);
@@ -46,10 +47,12 @@ private:
     void ForgetMissingDifferences();
 
     StateList states_;
-    DifferenceView tree_;
+    DifferencePanel tree_;
     int tab_ = kRestorePage;
     int shown_item_ = -1;  // the item whose details are shown
     bool is_failed_ = false;
+    static constexpr int kCaptionUnits = 64;
+    wchar_t caption_[kCaptionUnits] = L"";  // of the differences; empty without any
 };
 
 }  // namespace tolvenar

@@ -54,8 +54,8 @@ int StateList::Find(int state_number) const {
     return -1;
 }
 
-// Before the first state that is older. The items stand in descending order, so that each question
-// halves their number: the journal may begin with the newest state or with the oldest.
+// Binary search for the first older state; the list is in descending order. The journal may begin
+// with the newest state or with the oldest.
 int StateList::PlaceOf(const ObjectRecord& record) const {
     int place = 0;
     for (int count = Count(); count > 0;) {

@@ -1,6 +1,5 @@
 #include "app/pages/storage_page.h"
 
-#include "app/operations/requests.h"
 #include "platform/text.h"
 #include "storage/format/storage_names.h"
 
@@ -16,7 +15,7 @@ bool IsOpen(const Application& app) { return app.storageStatus == StorageStatus:
 void StoragePage::OnShow(int) { OnStorageChanged(); }
 
 void StoragePage::OnStorageChanged() {
-    if (window() != nullptr && ListsAreFree(app_)) {
+    if (window() != nullptr && app_.gate.ListsAreFree()) {
         ShowOpenedStorage();
     }
 }
@@ -46,8 +45,7 @@ void StoragePage::ShowFolder() {
     ::ShowWindow(Control(IDC_STORAGE_FOLDER_LABEL), IsOpen(app_) ? SW_SHOW : SW_HIDE);
 }
 
-// A storage without a description shows a single blank, on purpose: an empty field means that none
-// is open.
+// A storage without a description shows a single blank (docs/oddities.md, 25).
 void StoragePage::ShowDescription() {
     const StorageHeader* header = IsOpen(app_) ? app_.storage.header.get() : nullptr;
     const wchar_t* text = L"";
@@ -59,7 +57,7 @@ void StoragePage::ShowDescription() {
 
 // The messages on the way have no owner and leave the button enabled.
 void StoragePage::Browse() {
-    if (is_browsing_ || IsOccupied(app_)) {
+    if (is_browsing_ || app_.gate.IsOccupied()) {
         return;
     }
     is_browsing_ = true;

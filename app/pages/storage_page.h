@@ -7,7 +7,7 @@
 
 namespace tolvenar {
 
-class StoragePage final : public Page, private OpenedStorageView {
+class StoragePage final : public Page, private OpenedStorageDisplay {
 public:
     StoragePage(Application& app, Frame& frame) : Page(app, frame, IDD_STORAGE_PAGE) {}
 

@@ -2,8 +2,8 @@
 
 #include <string_view>
 
+#include "platform/registry_key.h"
 #include "platform/text.h"
-#include "platform/unique_resource.h"
 #include "snapshot/text/text_buffer.h"
 
 namespace tolvenar {
@@ -70,8 +70,8 @@ std::size_t DefaultStorageFolder(char16_t (&buffer)[kSettingPathUnits]) {
 }  // namespace
 
 std::uint32_t ReadDword(HKEY root, const char16_t* key, const char16_t* name) {
-    UniqueHkey hkey;
-    if (::RegOpenKeyExW(root, Wide(key), 0, 0, hkey.Put()) != ERROR_SUCCESS) {
+    const UniqueHkey hkey = OpenKey(root, Wide(key));
+    if (!hkey) {
         return kSettingAbsent;
     }
     std::uint32_t value = 0;
@@ -93,9 +93,8 @@ bool WriteDword(HKEY root, const char16_t* key, const char16_t* name, std::uint3
 bool ReadText(HKEY root, const char16_t* key, const char16_t* name, char16_t* buffer,
               std::size_t units, std::size_t limit_bytes) {
     const std::size_t room = units * sizeof(char16_t);
-    UniqueHkey hkey;
-    if (::RegOpenKeyExW(root, Wide(key), 0, 0, hkey.Put()) == ERROR_SUCCESS &&
-        QueryText(hkey.get(), name, buffer, limit_bytes < room ? limit_bytes : room)) {
+    const UniqueHkey hkey = OpenKey(root, Wide(key));
+    if (hkey && QueryText(hkey.get(), name, buffer, limit_bytes < room ? limit_bytes : room)) {
         return true;
     }
     buffer[0] = 0;

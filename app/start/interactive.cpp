@@ -37,15 +37,15 @@ bool LoadStorage(Application& app) {
         }
         return true;
     }
-    if (!LoadWithWaitDisplay(app, L"Loading List", true)) {
+    if (!LoadUnderPopup(app)) {
         return false;
     }
     app.storageStatus = StorageStatus::kOpen;
     return true;
 }
 
-// The heap goes next, and the thread must not be on it then. A thread that has just been started
-// has no window yet, so the request is repeated.
+// The private heap is destroyed next; no thread may still use it. A thread that has just been
+// started has no window yet: the request is repeated.
 void EndOperationThread(const Application& app, HANDLE thread) {
     for (int round = 0; round < kThreadEndRounds; ++round) {
         if (app.operation_window != nullptr) {

@@ -1,4 +1,4 @@
-// The program's entry point: everything that it allocates lives on one heap, which goes as a whole.
+// The program's entry point. Everything that it allocates lives on one heap, released in one call.
 #include <memory>
 
 #include "app/start/startup.h"

@@ -1,7 +1,6 @@
 #include "app/start/main_window.h"
 
 #include "app/operations/hidden_window.h"
-#include "app/operations/requests.h"
 #include "app/operations/window_messages.h"
 
 namespace tolvenar {
@@ -9,7 +8,7 @@ namespace {
 
 LRESULT OnClose(Application& app, HWND window) {
     // The lists belong to the operation until it ends; whoever asked asks again.
-    if (IsOccupied(app)) {
+    if (app.gate.IsOccupied()) {
         return 0;
     }
     RefreshAutoBackup();
@@ -28,14 +27,10 @@ LRESULT OnDestroy(Application& app) {
     return 0;
 }
 
-LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
-    Application* app = ApplicationOf(window, message, lparam);
-    if (app == nullptr) {
-        return ::DefWindowProcW(window, message, wparam, lparam);
-    }
+LRESULT OnMessage(Application& app, HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
     switch (message) {
-        case WM_CLOSE: return OnClose(*app, window);
-        case WM_DESTROY: return OnDestroy(*app);
+        case WM_CLOSE: return OnClose(app, window);
+        case WM_DESTROY: return OnDestroy(app);
         default: return ::DefWindowProcW(window, message, wparam, lparam);
     }
 }
@@ -43,7 +38,7 @@ LRESULT CALLBACK MainWindowProcedure(HWND window, UINT message, WPARAM wparam, L
 }  // namespace
 
 bool RegisterMainWindowClass(HINSTANCE instance) {
-    return RegisterHiddenClass(instance, kMainWindowClass, MainWindowProcedure);
+    return RegisterHiddenClass(instance, kMainWindowClass, HiddenProcedure<OnMessage>);
 }
 
 bool CreateMainWindow(Application& app) {

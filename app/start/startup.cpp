@@ -7,6 +7,7 @@
 #include "app/start/unattended.h"
 #include "autobackup/autobackup_prompt.h"
 #include "autobackup/launch_check.h"
+#include "platform/processes.h"
 #include "storage/log/operation_log.h"
 
 namespace tolvenar {
@@ -34,11 +35,11 @@ void SetReason(Application& app, const wchar_t* text) {
 // Scheduled launches alone take the mutex; `mutex` is kept for the life of the process.
 bool PassSchedule(Application& app, LaunchCheckResult launch, UniqueHandle& mutex) {
     SetReason(app, launch == LaunchCheckResult::kBattery ? kReasonBattery : kReasonTime);
-    mutex.Reset(::CreateMutexW(nullptr, FALSE, kMutexName));
+    mutex = NamedMutex(kMutexName);
     if (::GetLastError() == ERROR_ALREADY_EXISTS) {
         return false;
     }
-    return ShowAutoBackupPrompt(app.instance, launch) == 1;
+    return ShowAutoBackupPrompt(app.instance, launch) == PromptAnswer::kGoOn;
 }
 
 }  // namespace
@@ -62,8 +63,8 @@ int RunProgram(Application& app, const wchar_t* command_line) {
     if (ArbitrateWithRunningCopy(app.launchReason) == Arbitration::kHandOver) {
         return kHandedOver;
     }
-    // Beside a copy that does not go away nothing unattended runs and no main window is made; the
-    // dialog comes up all the same. On purpose: the user sees that the program is there.
+    // Beside a copy that does not go away nothing unattended runs, and the dialog comes up without
+    // a main window (docs/oddities.md, 31).
     const bool is_alone = WaitForOldCopy();
     if (is_alone) {
         if (const std::optional<int> code = RunUnattended(app)) {

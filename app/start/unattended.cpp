@@ -12,9 +12,6 @@ namespace {
 
 constexpr int kDone = 0;
 constexpr int kFailed = 1;
-constexpr wchar_t kLoadingTitle[] = L"Loading List";
-
-bool LoadQuietly(Application& app) { return LoadWithWaitDisplay(app, kLoadingTitle, false); }
 
 // A storage that another program holds answers as a missing one does, and must not be made anew.
 bool OpenOrCreate(Application& app) {
@@ -34,7 +31,7 @@ std::optional<int> BackUp(Application& app) {
     if (!ReadStoragePath(path)) {
         return std::nullopt;
     }
-    if (!DeriveNames(app.storage.names) || !OpenOrCreate(app) || !LoadQuietly(app)) {
+    if (!DeriveNames(app.storage.names) || !OpenOrCreate(app) || !LoadUnderHourglass(app)) {
         return kFailed;
     }
     BackupDriver(app, NextStateNumber(app.storage.journal.get()), app.launchReason, true);
@@ -48,7 +45,7 @@ int RestoreLastState(Application& app) {
     CompleteStoragePath(ReadStoragePath(path), path);
     OpenStorageResult result;
     if (!DeriveNames(app.storage.names) ||
-        !OpenStorage(app.storage.names.sav, app.storage, result) || !LoadQuietly(app)) {
+        !OpenStorage(app.storage.names.sav, app.storage, result) || !LoadUnderHourglass(app)) {
         return kFailed;
     }
     const std::uint32_t last = LastStoredState(app.storage.journal.get());

@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "platform/text.h"
+#include "platform/window_dc.h"
 #include "snapshot/text/text_buffer.h"
 
 namespace tolvenar {
@@ -54,10 +55,9 @@ private:
 }  // namespace
 
 void TreePainter::CreateBoldFont() {
-    const HDC screen = ::GetDC(nullptr);
+    const WindowDc screen(nullptr);
     LOGFONTW font{};
-    font.lfHeight = -(kBoldPoints * ::GetDeviceCaps(screen, LOGPIXELSY) / kPointsPerInch);
-    ::ReleaseDC(nullptr, screen);
+    font.lfHeight = -(kBoldPoints * ::GetDeviceCaps(screen.get(), LOGPIXELSY) / kPointsPerInch);
     font.lfWeight = kBoldWeight;
     font.lfCharSet = DEFAULT_CHARSET;
     ::wsprintfW(font.lfFaceName, L"Tahoma");
@@ -79,9 +79,8 @@ void TreePainter::UseBuild(const TreeBuild& build) {
 
 void TreePainter::RestoreFont(HWND window) {
     if (previous_font_ != nullptr) {
-        const HDC dc = ::GetDC(window);
-        ::SelectObject(dc, previous_font_);
-        ::ReleaseDC(window, dc);
+        const WindowDc dc(window);
+        ::SelectObject(dc.get(), previous_font_);
         previous_font_ = nullptr;
     }
 }

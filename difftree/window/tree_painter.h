@@ -9,8 +9,6 @@
 
 namespace tolvenar {
 
-using UniqueFont = UniqueResource<HFONT, ::DeleteObject>;
-
 class TreePainter {
 public:
     // 9 points for the screen's resolution.
@@ -34,7 +32,7 @@ private:
 
     HWND tree_view_ = nullptr;
     int indent_ = 0;                   // pixels between two depths
-    UniqueFont bold_font_;             // none: nothing is drawn bold
+    UniqueGdiObject bold_font_;        // none: nothing is drawn bold
     HGDIOBJ previous_font_ = nullptr;  // of the drawing context before the bold font came first
     std::uint32_t options_ = 0;        // of the build that is shown
     NodeStyles styles_ = kDefaultStyles;

@@ -2,12 +2,14 @@
 
 #include "difftree/window/tree_view.h"
 #include "platform/text.h"
+#include "platform/window_object.h"
 #include "res/resource.h"
 
 namespace tolvenar {
 namespace {
 
 constexpr wchar_t kClassName[] = L"CustomParentTreeWindowClass";
+constexpr int kObjectPlace = 0;  // in a window of that class
 constexpr DWORD kTreeStyle = WS_CHILD | WS_VISIBLE | WS_BORDER | WS_TABSTOP | TVS_HASBUTTONS |
                              TVS_HASLINES | TVS_LINESATROOT | TVS_SHOWSELALWAYS |
                              TVS_DISABLEDRAGDROP;
@@ -72,8 +74,8 @@ private:
 bool TreeWindow::RegisterTreeWindowClass(HINSTANCE instance) {
     instance_ = instance;
     WNDCLASSW window_class{};
-    window_class.lpfnWndProc = ParentProcedure;
-    window_class.cbWndExtra = sizeof(LONG);  // its TreeWindow
+    window_class.lpfnWndProc = WindowProcedure<kObjectPlace, TreeWindow, OnParentMessage>;
+    window_class.cbWndExtra = sizeof(LONG);
     window_class.hInstance = instance;
     window_class.lpszClassName = kClassName;
     is_registered_ = ::RegisterClassW(&window_class) != 0;
@@ -95,25 +97,21 @@ void TreeWindow::LoadTexts() {
 }
 
 HWND TreeWindow::CreateTreeDialog(HWND parent, const RECT* rectangle) {
-    if (!is_registered_ || host_ != nullptr) {
-        return host_;
+    if (!is_registered_ || host() != nullptr) {
+        return host();
     }
-    ::CreateDialogParamW(instance_, MAKEINTRESOURCEW(IDD_TREE_HOST), parent, HostProcedure,
-                         reinterpret_cast<LPARAM>(this));
-    if (host_ != nullptr && tree_view() == nullptr) {
-        ::DestroyWindow(host_);
+    if (CreateModeless(instance_, IDD_TREE_HOST, parent) && !tree_view_) {
+        Destroy();
     }
-    if (host_ != nullptr && rectangle != nullptr) {
-        ::MoveWindow(host_, rectangle->left, rectangle->top, rectangle->right - rectangle->left,
+    if (host() != nullptr && rectangle != nullptr) {
+        ::MoveWindow(host(), rectangle->left, rectangle->top, rectangle->right - rectangle->left,
                      rectangle->bottom - rectangle->top, TRUE);
     }
-    return host_;
+    return host();
 }
 
 void TreeWindow::DestroyTreeWindowClass() {
-    if (host_ != nullptr) {
-        ::DestroyWindow(host_);
-    }
+    Destroy();
     painter_.DeleteBoldFont();
     if (is_registered_) {
         ::UnregisterClassW(kClassName, instance_);
@@ -121,14 +119,14 @@ void TreeWindow::DestroyTreeWindowClass() {
     }
 }
 
-int TreeWindow::BuildDifferenceTree(DifferenceEnumerator& enumerator, const TreeBuild& build) {
+bool TreeWindow::BuildDifferenceTree(DifferenceEnumerator& enumerator, const TreeBuild& build) {
     if (tree_view() == nullptr) {
-        return 0;
+        return false;
     }
     painter_.UseBuild(build);
     const DrawingPause pause(tree_view());
     TreeView control(tree_view());
-    return tolvenar::BuildDifferenceTree(control, texts_, enumerator, build);
+    return tolvenar::BuildDifferenceTree(control, texts_, enumerator, build) != 0;
 }
 
 void TreeWindow::Clear() {
@@ -138,21 +136,12 @@ void TreeWindow::Clear() {
     }
 }
 
-INT_PTR CALLBACK TreeWindow::HostProcedure(HWND host, UINT message, WPARAM, LPARAM lparam) {
-    if (message == WM_INITDIALOG) {
-        ::SetWindowLongW(host, DWL_USER, lparam);
-        reinterpret_cast<TreeWindow*>(lparam)->host_ = host;
-    }
-    auto* const window = reinterpret_cast<TreeWindow*>(::GetWindowLongW(host, DWL_USER));
-    return window != nullptr ? window->OnHostMessage(message, lparam) : FALSE;
-}
-
-INT_PTR TreeWindow::OnHostMessage(UINT message, LPARAM lparam) {
+INT_PTR TreeWindow::Dispatch(UINT message, WPARAM, LPARAM lparam) {
     switch (message) {
         case WM_INITDIALOG: return OnInit();
-        case WM_SIZE: FillClientArea(::GetDlgItem(host_, IDC_TREE_PARENT), lparam); return TRUE;
-        case WM_SETFOCUS: return FocusTree();
-        case WM_CLOSE: ::DestroyWindow(host_); return TRUE;
+        case WM_SIZE: FillClientArea(Control(IDC_TREE_PARENT), lparam); return TRUE;
+        case WM_SETFOCUS: FocusTree(); return TRUE;
+        case WM_CLOSE: Destroy(); return TRUE;
         case WM_DESTROY: return OnHostDestroyed();
         default: return FALSE;
     }
@@ -160,70 +149,56 @@ INT_PTR TreeWindow::OnHostMessage(UINT message, LPARAM lparam) {
 
 // The focus stays where it is: FALSE.
 INT_PTR TreeWindow::OnInit() {
-    const RECT area = WorkArea(host_);
-    ::MoveWindow(host_, 0, 0, area.right, area.bottom, FALSE);
-    ::ShowWindow(host_, SW_SHOW);
-    const HWND parent = ::GetDlgItem(host_, IDC_TREE_PARENT);
-    ::SetWindowLongW(parent, 0, static_cast<LONG>(reinterpret_cast<LONG_PTR>(this)));
+    const RECT area = WorkArea(host());
+    ::MoveWindow(host(), 0, 0, area.right, area.bottom, FALSE);
+    ::ShowWindow(host(), SW_SHOW);
+    const HWND parent = Control(IDC_TREE_PARENT);
+    KeepObject(parent, kObjectPlace, this);
     CreateTreeView(parent);
     return FALSE;
 }
 
-bool TreeWindow::CreateTreeView(HWND parent) {
+void TreeWindow::CreateTreeView(HWND parent) {
     RECT area{};
     ::GetClientRect(parent, &area);
-    painter_.Attach(::CreateWindowExW(0, WC_TREEVIEWW, L"", kTreeStyle, 0, 0, area.right,
-                                      area.bottom, parent, nullptr, instance_, nullptr));
-    if (tree_view() == nullptr) {
-        return false;
-    }
+    tree_view_.Reset(::CreateWindowExW(0, WC_TREEVIEWW, L"", kTreeStyle, 0, 0, area.right,
+                                       area.bottom, parent, nullptr, instance_, nullptr));
+    painter_.Attach(tree_view());
     // The page's font: the control leaves as much room for a bold caption as its own font needs,
     // which is then as large as the one that draws it.
-    if (const LRESULT font = ::SendMessageW(::GetParent(host_), WM_GETFONT, 0, 0)) {
+    const LRESULT font = ::SendMessageW(::GetParent(host()), WM_GETFONT, 0, 0);
+    if (tree_view_ && font != 0) {
         ::SendMessageW(tree_view(), WM_SETFONT, static_cast<WPARAM>(font), FALSE);
     }
-    return true;
 }
 
-INT_PTR TreeWindow::FocusTree() {
-    ::SetFocus(tree_view());
-    return TRUE;
-}
+void TreeWindow::FocusTree() { ::SetFocus(tree_view()); }
 
 INT_PTR TreeWindow::OnHostDestroyed() {
     Clear();
-    if (tree_view() != nullptr) {
-        ::DestroyWindow(tree_view());
-    }
+    tree_view_.Reset();
     painter_.Attach(nullptr);
-    host_ = nullptr;
     return TRUE;
 }
 
-LRESULT CALLBACK TreeWindow::ParentProcedure(HWND parent, UINT message, WPARAM wparam,
-                                             LPARAM lparam) {
-    auto* const window = reinterpret_cast<TreeWindow*>(::GetWindowLongW(parent, 0));
-    return window != nullptr ? window->OnParentMessage(parent, message, wparam, lparam)
-                             : ::DefWindowProcW(parent, message, wparam, lparam);
-}
-
-LRESULT TreeWindow::OnParentMessage(HWND parent, UINT message, WPARAM wparam, LPARAM lparam) {
+LRESULT TreeWindow::OnParentMessage(TreeWindow& window, HWND parent, UINT message, WPARAM wparam,
+                                    LPARAM lparam) {
     switch (message) {
-        case WM_SETFOCUS: FocusTree(); return 0;
-        case WM_SIZE: FillClientArea(tree_view(), lparam); return 0;
-        case WM_NOTIFY: return OnNotify(reinterpret_cast<NMHDR*>(lparam));
-        case WM_DESTROY: painter_.RestoreFont(parent); return 0;
+        case WM_SETFOCUS: window.FocusTree(); return 0;
+        case WM_SIZE: FillClientArea(window.tree_view(), lparam); return 0;
+        case WM_NOTIFY: return window.OnNotify(*reinterpret_cast<NMHDR*>(lparam));
+        case WM_DESTROY: window.painter_.RestoreFont(parent); return 0;
         default: return ::DefWindowProcW(parent, message, wparam, lparam);
     }
 }
 
-LRESULT TreeWindow::OnNotify(NMHDR* header) {
-    switch (header->code) {
+LRESULT TreeWindow::OnNotify(NMHDR& header) {
+    switch (header.code) {
         case NM_CUSTOMDRAW:
-            return painter_.OnCustomDraw(*reinterpret_cast<NMTVCUSTOMDRAW*>(header));
+            return painter_.OnCustomDraw(*reinterpret_cast<NMTVCUSTOMDRAW*>(&header));
         case TVN_DELETEITEMW:
             FreeNodeRecord(reinterpret_cast<NodeRecord*>(
-                reinterpret_cast<NMTREEVIEWW*>(header)->itemOld.lParam));
+                reinterpret_cast<NMTREEVIEWW*>(&header)->itemOld.lParam));
             return 0;
         // Counts stand outside the items' own rectangles of text.
         case TVN_ITEMEXPANDEDW:

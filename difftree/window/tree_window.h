@@ -6,15 +6,14 @@
 
 #include "difftree/model/difference_tree.h"
 #include "difftree/window/tree_painter.h"
+#include "platform/dialog.h"
+#include "platform/unique_resource.h"
 
 namespace tolvenar {
 
-class TreeWindow {
+class TreeWindow final : private Dialog {
 public:
-    TreeWindow() = default;
     ~TreeWindow() { DestroyTreeWindowClass(); }
-    TreeWindow(const TreeWindow&) = delete;
-    TreeWindow& operator=(const TreeWindow&) = delete;
 
     // Registers the class, makes the bold font and loads the texts. False when there is no class:
     // the page then has no tree.
@@ -25,30 +24,28 @@ public:
     // Destroys the dialog and the class and deletes the font. Allowed at any time.
     void DestroyTreeWindowClass();
 
-    // Fills the tree; 1, or 0 when there is no tree, the enumerator aborted or memory was short.
-    int BuildDifferenceTree(DifferenceEnumerator& enumerator, const TreeBuild& build);
+    // Fills the tree. False when there is no tree, the enumerator aborted or memory was short.
+    bool BuildDifferenceTree(DifferenceEnumerator& enumerator, const TreeBuild& build);
     // Deletes every item.
     void Clear();
 
-    HWND host() const { return host_; }  // null when there is none
-    HWND tree_view() const { return painter_.tree_view(); }
+    HWND host() const { return window(); }  // null when there is none
+    HWND tree_view() const { return tree_view_.get(); }
 
 private:
-    static INT_PTR CALLBACK HostProcedure(HWND host, UINT message, WPARAM wparam, LPARAM lparam);
-    static LRESULT CALLBACK ParentProcedure(HWND parent, UINT message, WPARAM wparam,
-                                            LPARAM lparam);
-    INT_PTR OnHostMessage(UINT message, LPARAM lparam);
-    LRESULT OnParentMessage(HWND parent, UINT message, WPARAM wparam, LPARAM lparam);
+    INT_PTR Dispatch(UINT message, WPARAM wparam, LPARAM lparam) override;
+    static LRESULT OnParentMessage(TreeWindow& window, HWND parent, UINT message, WPARAM wparam,
+                                   LPARAM lparam);
     INT_PTR OnInit();
     INT_PTR OnHostDestroyed();
-    bool CreateTreeView(HWND parent);
-    INT_PTR FocusTree();
-    LRESULT OnNotify(NMHDR* header);
+    void CreateTreeView(HWND parent);
+    void FocusTree();
+    LRESULT OnNotify(NMHDR& header);
     void LoadTexts();
 
     HINSTANCE instance_ = nullptr;
     bool is_registered_ = false;
-    HWND host_ = nullptr;
+    UniqueWindow tree_view_;
     TreePainter painter_;
     TreeTexts texts_{};
 };

@@ -93,8 +93,8 @@ bool Contains(const std::string& text, const char* part) {
     return length == 0;
 }
 
-// Waits for the milliseconds of a rule that has just fired. Ends with the rule, also where another
-// one, which has not fired, stands in its place.
+// Waits for the milliseconds of a rule that has just fired, or until the rule is taken away. A new
+// rule in its place has not fired and ends the wait too.
 void HoldUp(const GateRule& rule) {
     const DWORD begin = ::GetTickCount();
     const auto milliseconds = static_cast<DWORD>(rule.value);

@@ -18,8 +18,8 @@ std::wstring FindProgram(Device& device, const std::wstring& name);
 Started Start(Device& device, const std::wstring& path, const std::wstring& arguments,
               bool suspended = false);
 
-// Start and wait for the end, handles closed. None when it cannot be started or does not end in
-// time; then `error` tells which (1460 is the timeout).
+// Starts a program and gives its exit code. None when it cannot be started or does not end in time;
+// `error` then tells which (1460: the time was over).
 std::optional<std::uint32_t> Run(Device& device, const std::wstring& path,
                                  const std::wstring& arguments, std::uint32_t timeout_ms,
                                  std::uint32_t* error = nullptr);

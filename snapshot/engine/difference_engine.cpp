@@ -15,10 +15,6 @@
 namespace tolvenar {
 namespace {
 
-// Steps of the item bar for a comparison with the device and of two states.
-constexpr std::size_t kDeviceSteps = 8;
-constexpr std::size_t kStateSteps = 4;
-
 // Spelled so; the log's readers know it.
 constexpr char16_t kNoList[] = u"Could't create journal";
 

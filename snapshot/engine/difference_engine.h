@@ -7,6 +7,10 @@
 
 namespace tolvenar {
 
+// Steps, each told with a text, of a comparison with the device and of one of two states.
+constexpr int kDeviceSteps = 8;
+constexpr int kStateSteps = 4;
+
 // Compares the device now with stored state `state`: older, newer and difference of the open
 // storage are made anew, and the registry-object table is filled, which stays for as long as the
 // difference list is worked on. 1, or 0 when the storage file cannot be opened or memory is short.

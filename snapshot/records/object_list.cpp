@@ -7,9 +7,8 @@ namespace tolvenar {
 namespace {
 
 std::uint32_t HashOf(const ObjectKey& key) {
-    const std::uint32_t version = key.state_number | static_cast<std::uint32_t>(key.info_checksum)
-                                                         << 16;
-    return MixBits(MixBits(MixBits(MixBits(0, version), key.fingerprint), key.dwOID), key.TolvOID);
+    const std::uint32_t version = MixBits(MixBits(0, key.state_and_info), key.fingerprint);
+    return MixBits(MixBits(version, key.TolvOID), key.dwOID);
 }
 
 }  // namespace

@@ -43,26 +43,25 @@ inline bool IsRegistryObject(const ObjectRecord& record) { return IsRegistryType
 
 // What a list finds a record by. A node keeps its own copy, which may differ from its record's key.
 struct ObjectKey {
-    std::uint16_t state_number;
-    std::uint16_t info_checksum;
-    std::uint32_t fingerprint;  // where the type has it in its key, else 0
+    std::uint32_t state_and_info;  // state number | info checksum << 16
+    std::uint32_t fingerprint;     // where the type has it in its key, else 0
     std::uint32_t dwOID;
     std::uint32_t TolvOID;
 
     bool operator==(const ObjectKey& other) const {
-        return dwOID == other.dwOID && TolvOID == other.TolvOID &&
-               state_number == other.state_number && info_checksum == other.info_checksum &&
-               fingerprint == other.fingerprint;
+        return state_and_info == other.state_and_info && fingerprint == other.fingerprint &&
+               dwOID == other.dwOID && TolvOID == other.TolvOID;
     }
     // The key of the same object whichever state it comes from.
-    ObjectKey Stateless() const { return {0, info_checksum, fingerprint, dwOID, TolvOID}; }
+    ObjectKey Stateless() const {
+        return {state_and_info & 0xFFFF0000u, fingerprint, dwOID, TolvOID};
+    }
 };
-static_assert(sizeof(ObjectKey) == 16 && offsetof(ObjectKey, fingerprint) == 4 &&
-              offsetof(ObjectKey, TolvOID) == 12);
+static_assert(sizeof(ObjectKey) == 16);
 
 // The key under which loading and merging enter a record.
 inline ObjectKey KeyOf(const ObjectRecord& record) {
-    return {record.state_number, record.info_checksum,
+    return {record.state_number | static_cast<std::uint32_t>(record.info_checksum) << 16,
             TraitsOf(record.type).fingerprint_in_key ? record.content_fingerprint : 0u,
             record.dwOID, record.TolvOID};
 }

@@ -77,7 +77,7 @@ int RegistryObjects::RegObjectAdd(std::uint32_t TolvOID, const RegistryEntry& en
 }
 
 const RegistryObject* RegistryObjects::RegObjectFind(std::uint32_t TolvOID) const {
-    return index_.Find(MixBits(0, TolvOID), [TolvOID](const RegistryObject& object) {
+    return index_.Find(RegistryObject::HashOf(TolvOID), [TolvOID](const RegistryObject& object) {
         return object.TolvOID == TolvOID;
     });
 }

@@ -43,7 +43,11 @@ struct RegistryObject {
     RegistryObject* next;  // newest first
     RegistryObject* bucket_next;
 
-    std::uint32_t Hash() const { return MixBits(0, TolvOID); }
+    std::uint32_t Hash() const { return HashOf(TolvOID); }
+    // Colliding identifiers differ in their upper bits alone.
+    static std::uint32_t HashOf(std::uint32_t TolvOID) {
+        return MixBits(0, TolvOID ^ TolvOID >> 16);
+    }
 };
 
 class RegistryObjects {

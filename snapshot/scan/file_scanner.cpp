@@ -130,8 +130,7 @@ void ScanFiles(FileScan& scan, const char16_t* folder_path, FileMaker maker) {
     }
 }
 
-// A file that is held open elsewhere is in no state, and a restore of that state deletes it. Kept:
-// it cannot be told from a file that is not there.
+// A file that is held open elsewhere is in no state (docs/oddities.md, 13).
 void MakeFileObject(FileScan& scan, const char16_t* folder_path, const WIN32_FIND_DATAW& entry) {
     if (IsExcluded(ExclusionKind::kFile, folder_path, Utf16(entry.cFileName),
                    &scan.storage_files)) {

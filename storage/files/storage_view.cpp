@@ -12,8 +12,8 @@ namespace {
 constexpr DWORD kRestPerMebibyteMs = 500;
 constexpr DWORD kRandomAccess = FILE_ATTRIBUTE_NORMAL | FILE_FLAG_RANDOM_ACCESS;
 
-// The part of the remaining bytes that is copied next; 0, with the last error as it was, when what
-// is free would not take them all.
+// The part of the remaining bytes that is copied next. 0 if memory and store cannot hold the rest;
+// the last error is unchanged.
 std::uint32_t NextChunk(std::uint32_t remaining) {
     const DWORD error = ::GetLastError();
     MEMORYSTATUS memory{};

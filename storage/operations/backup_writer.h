@@ -4,11 +4,15 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "snapshot/engine/difference_engine.h"
 #include "storage/format/storage_appender.h"
 #include "storage/opened/engine.h"
 #include "storage/operations/result_code.h"
 
 namespace tolvenar {
+
+// Steps of the popup's total bar: to compare, to write, to save the journal and to load it.
+constexpr int kBackupSteps = kDeviceSteps + 3;
 
 // Makes state `state_number`. On success the code is kSuccess or kNoDifference. `bytes_needed` is
 // the room on the card that the backup asks for, once it is known. The journal in memory is written

@@ -3,10 +3,14 @@
 
 #include <cstdint>
 
+#include "snapshot/engine/difference_engine.h"
 #include "storage/opened/engine.h"
 #include "storage/operations/result_code.h"
 
 namespace tolvenar {
+
+// Steps of the popup's total bar: to compare, to restore, to save the journal and to load it.
+constexpr int kRestoreSteps = kDeviceSteps + 3;
 
 // Restores state `state_number` in full. True with kSuccess, kNoDifference (nothing was to be
 // done), kFailed or kDriver (what could be restored is) when the journal is loaded again at the

@@ -35,8 +35,9 @@ protected:
                          static_cast<DWORD>((folder.size() + 1) * sizeof(wchar_t)));
         ::RegCloseKey(key);
     }
-    static bool IsResident() {
-        return Eventually([] { return ::FindWindowW(kAgentClass, nullptr) != nullptr; });
+    static HWND AwaitAgent() {
+        return Await([] { return ::FindWindowW(kAgentClass, nullptr); },
+                     [](HWND window) { return window != nullptr; });
     }
     static bool MutexIsTaken() {
         HANDLE mutex = ::CreateMutexW(nullptr, FALSE, kAgentMutex);
@@ -61,8 +62,7 @@ protected:
 
 TEST_F(AgentTest, ItStaysResidentWithoutAVisibleWindow) {
     Program agent(sim(), kAgent, L"");
-    ASSERT_TRUE(IsResident());
-    EXPECT_FALSE(::IsWindowVisible(::FindWindowW(kAgentClass, nullptr)));
+    EXPECT_FALSE(::IsWindowVisible(AwaitAgent()));
     EXPECT_TRUE(agent.Runs());
     EXPECT_TRUE(Handed().empty());
 }
@@ -72,17 +72,16 @@ TEST_F(AgentTest, ItHandsItsArgumentOnUnchanged) {
          {L"TolvenarRunAtTime", L"TolvenarRunAtAcPowerOff", L"TolvenarRunAfterWakeup",
           L"TolvenarRunAfterTimeChange", L"TolvenarRunAfterTzChange", L"two  \"words\" "}) {
         Program agent(sim(), kAgent, argument);
-        ASSERT_TRUE(Eventually([&] { return !Handed().empty(); }));
-        EXPECT_EQ(std::vector<std::wstring>{argument}, Handed());
+        EXPECT_SOON_EQ(std::vector<std::wstring>{argument}, Handed());
         processes::KillAll(sim());
     }
 }
 
 TEST_F(AgentTest, ASecondOneHandsItsArgumentOnAndEnds) {
     Program resident(sim(), kAgent, L"");
-    ASSERT_TRUE(IsResident());
+    ASSERT_NE(nullptr, AwaitAgent());
     EXPECT_EQ(0u, processes::Run(sim(), kAgent, L"TolvenarRunAtTime", kTimeoutMs));
-    EXPECT_EQ(std::vector<std::wstring>{L"TolvenarRunAtTime"}, Handed());
+    EXPECT_SOON_EQ(std::vector<std::wstring>{L"TolvenarRunAtTime"}, Handed());
     EXPECT_EQ(0u, processes::Run(sim(), kAgent, L"", kTimeoutMs));
     EXPECT_EQ(1u, Handed().size());
     EXPECT_TRUE(resident.Runs());
@@ -94,7 +93,7 @@ TEST_F(AgentTest, WithoutAnInstallationItIsResidentAllTheSame) {
     ::RegDeleteValueW(key, L"InstDir");
     ::RegCloseKey(key);
     Program agent(sim(), kAgent, L"TolvenarRunAtTime");
-    ASSERT_TRUE(IsResident());
+    ASSERT_NE(nullptr, AwaitAgent());
     EXPECT_TRUE(Handed().empty());
 }
 
@@ -102,21 +101,21 @@ TEST_F(AgentTest, AnInstallFolderThatIsTooLongHandsNothingOn) {
     for (const std::size_t length : {300u, 2000000u}) {
         SetInstallFolder(std::wstring(length, L'x'));
         Program agent(sim(), kAgent, L"TolvenarRunAtTime");
-        ASSERT_TRUE(IsResident()) << length;
+        ASSERT_NE(nullptr, AwaitAgent()) << length;
         EXPECT_TRUE(Handed().empty());
     }
 }
 
 TEST_F(AgentTest, TheCloserEndsItAndWaitsForItsEnd) {
     Program agent(sim(), kAgent, L"");
-    ASSERT_TRUE(IsResident());
+    ASSERT_NE(nullptr, AwaitAgent());
     EXPECT_EQ(0u, processes::Run(sim(), kCloser, L"", kTimeoutMs));
     EXPECT_EQ(0, agent.ExitCode());
 }
 
 TEST_F(AgentTest, TheCloserAlsoEndsAnAgentThatIsJustStarting) {
     Program agent(sim(), kAgent, L"");
-    ASSERT_TRUE(Eventually(MutexIsTaken));  // it may have no window yet
+    ASSERT_SOON(MutexIsTaken());  // it may have no window yet
     EXPECT_EQ(0u, processes::Run(sim(), kCloser, L"", kTimeoutMs));
     EXPECT_EQ(0, agent.ExitCode());
 }
@@ -128,11 +127,11 @@ TEST_F(AgentTest, WithoutAnAgentTheCloserHasNothingToDo) {
 
 TEST_F(AgentTest, AfterTheCloserAnotherAgentCanBeResident) {
     Program first(sim(), kAgent, L"");
-    ASSERT_TRUE(IsResident());
+    ASSERT_NE(nullptr, AwaitAgent());
     EXPECT_EQ(0u, processes::Run(sim(), kCloser, L"", kTimeoutMs));
     EXPECT_EQ(0, first.ExitCode());
     Program next(sim(), kAgent, L"");
-    EXPECT_TRUE(IsResident());
+    EXPECT_NE(nullptr, AwaitAgent());
     EXPECT_TRUE(next.Runs());
 }
 

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "res/resource.h"
 #include "test_folders.h"
 
 namespace {
@@ -40,9 +41,10 @@ public:
     }
 
     // Empty when there is none.
-    std::vector<char> Resource(Kind kind, std::uint32_t number) const {
+    std::vector<char> Resource(Kind kind, int number) const {
         const std::uint32_t of_kind = Below(0, kind);
-        const std::uint32_t of_number = of_kind == 0 ? 0 : Below(of_kind, number);
+        const std::uint32_t of_number =
+            of_kind == 0 ? 0 : Below(of_kind, static_cast<std::uint32_t>(number));
         if (of_number == 0) {
             return {};
         }
@@ -52,10 +54,10 @@ public:
     }
 
     // Sixteen strings share a resource, each with its length before it.
-    std::u16string String(std::uint32_t number) const {
+    std::u16string String(int number) const {
         const std::vector<char> block = Resource(kString, number / 16 + 1);
         std::size_t place = 0;
-        for (std::uint32_t i = 0; i < number % 16 && place + 2 <= block.size(); ++i) {
+        for (int i = 0; i < number % 16 && place + 2 <= block.size(); ++i) {
             place += 2 + 2 * Unit(block, place);
         }
         std::u16string text;
@@ -98,7 +100,7 @@ private:
 };
 
 struct Item {
-    std::uint32_t id;
+    int id;
     int x, y, width, height;
     std::string window_class;  // a predefined one by its number, "#130"
     std::string text;
@@ -171,7 +173,7 @@ private:
         item.style = Long();
         place_ += is_extended ? 0 : 4;
         item.x = Word(), item.y = Word(), item.width = Word(), item.height = Word();
-        item.id = is_extended ? Long() : Word();
+        item.id = static_cast<int>(is_extended ? Long() : Word());
         item.window_class = Text();
         item.text = Text();
         place_ += Word();
@@ -193,10 +195,11 @@ constexpr std::uint32_t kPartOfDialog = 0x0400;
 constexpr std::uint32_t kCentred = 0x0800;
 const std::string kButton = "#128";
 const std::string kStatic = "#130";
+enum : int { kOk = 1, kCancel = 2 };
 
 class ResourcesTest : public ::testing::Test {
 protected:
-    Dialog Template(std::uint32_t number) const { return Dialog(file_.Resource(kDialog, number)); }
+    Dialog Template(int number) const { return Dialog(file_.Resource(kDialog, number)); }
     static void ExpectItems(const Dialog& dialog, const std::vector<Item>& items) {
         EXPECT_EQ(items, dialog.items);
     }
@@ -212,54 +215,52 @@ protected:
 };
 
 TEST_F(ResourcesTest, TheMainDialog) {
-    const Dialog dialog = Template(107);
+    const Dialog dialog = Template(IDD_MAIN);
     ExpectFrame(dialog, 301, 105, "Tolvenar");
     EXPECT_EQ(kPopup | kCaption | kSystemMenu | kSystemModal | kModalFrame | kForeground | kCentred,
               dialog.style & ~0x40u);  // the font's own bit
-    ExpectItems(dialog, {{1000, 0, 0, 299, 19, "SysTabControl32", "", 0}});
+    ExpectItems(dialog, {{IDC_TABS, 0, 0, 299, 19, "SysTabControl32", "", 0}});
 }
 
 TEST_F(ResourcesTest, ThePopup) {
-    const Dialog dialog = Template(108);
+    const Dialog dialog = Template(IDD_PROGRESS);
     ExpectFrame(dialog, 133, 85, "");
     EXPECT_EQ(kPopup | kCaption | kModalFrame | kForeground | kCentred, dialog.style & ~0x40u);
-    ExpectItems(dialog, {{1024, 2, 2, 127, 25, kStatic, "", 0},
-                         {1025, 2, 35, 128, 14, "msctls_progress32", "", 0},
-                         {1028, 2, 54, 128, 8, kStatic, "Total progress", 0},
-                         {1027, 2, 69, 128, 14, "msctls_progress32", "", 0}});
+    ExpectItems(dialog, {{IDC_STEP_TEXT, 2, 2, 127, 25, kStatic, "", 0},
+                         {IDC_STEP_BAR, 2, 35, 128, 14, "msctls_progress32", "", 0},
+                         {IDC_TOTAL_LABEL, 2, 54, 128, 8, kStatic, "Total progress", 0},
+                         {IDC_TOTAL_BAR, 2, 69, 128, 14, "msctls_progress32", "", 0}});
 }
 
 TEST_F(ResourcesTest, TheReminder) {
-    const Dialog dialog = Template(110);
+    const Dialog dialog = Template(IDD_REMINDER);
     EXPECT_EQ("Reminder", dialog.caption);
     ASSERT_EQ(4u, dialog.items.size());
-    EXPECT_EQ(1032u, dialog.items[0].id);
-    EXPECT_EQ(kStatic, dialog.items[0].window_class);
-    EXPECT_EQ(1030u, dialog.items[1].id);
-    EXPECT_EQ(3u, dialog.items[1].style & 0xF);  // a check box that checks itself
-    EXPECT_EQ(1u, dialog.items[2].id);
-    EXPECT_EQ("OK", dialog.items[2].text);
-    EXPECT_EQ(2u, dialog.items[3].id);
-    EXPECT_EQ("Cancel", dialog.items[3].text);
-    for (int i = 1; i < 4; ++i) {
-        EXPECT_EQ(kButton, dialog.items[static_cast<std::size_t>(i)].window_class);
+    const int ids[] = {IDC_REMINDER_TEXT, IDC_REMINDER_OFF, kOk, kCancel};
+    for (std::size_t i = 0; i < 4; ++i) {
+        EXPECT_EQ(ids[i], dialog.items[i].id);
+        EXPECT_EQ(i == 0 ? kStatic : kButton, dialog.items[i].window_class);
     }
+    EXPECT_EQ(3u, dialog.items[1].style & 0xF);  // a check box that checks itself
+    EXPECT_EQ("OK", dialog.items[2].text);
+    EXPECT_EQ("Cancel", dialog.items[3].text);
 }
 
 TEST_F(ResourcesTest, TheHostOfTheTree) {
-    const Dialog dialog = Template(114);
+    const Dialog dialog = Template(IDD_TREE_HOST);
     EXPECT_EQ(160, dialog.width);
     EXPECT_EQ(50, dialog.height);
     EXPECT_EQ(kChild, dialog.style & (kChild | kPopup | kCaption));
     EXPECT_EQ("MS Sans Serif", dialog.font);
     EXPECT_EQ(8, dialog.points);
-    ExpectItems(dialog, {{1001, 1, 0, 155, 48, "CustomParentTreeWindowClass", "", 0}});
+    ExpectItems(dialog, {{IDC_TREE_PARENT, 1, 0, 155, 48, "CustomParentTreeWindowClass", "", 0}});
 }
 
 // In another font the dialog units of a page are not those of the main dialog; without its style
 // Tab never leaves the tabs.
 TEST_F(ResourcesTest, PagesAreChildrenInTheMainDialogsFont) {
-    for (const std::uint32_t number : {102u, 103u, 104u, 105u, 106u}) {
+    for (const int number :
+         {IDD_STORAGE_PAGE, IDD_RESTORE_PAGE, IDD_OPTIONS_PAGE, IDD_ABOUT_PAGE, IDD_BACKUP_PAGE}) {
         const Dialog dialog = Template(number);
         EXPECT_EQ("Tahoma", dialog.font) << number;
         EXPECT_EQ(9, dialog.points) << number;
@@ -268,8 +269,8 @@ TEST_F(ResourcesTest, PagesAreChildrenInTheMainDialogsFont) {
 }
 
 TEST_F(ResourcesTest, TheListOfStatesTellsItsSelectionAndKeepsItsOrder) {
-    for (const Item& item : Template(103).items) {
-        if (item.id == 1014) {
+    for (const Item& item : Template(IDD_RESTORE_PAGE).items) {
+        if (item.id == IDC_STATES) {
             EXPECT_EQ(1u, item.style & 3);  // told, not sorted
             return;
         }
@@ -279,9 +280,10 @@ TEST_F(ResourcesTest, TheListOfStatesTellsItsSelectionAndKeepsItsOrder) {
 
 TEST_F(ResourcesTest, WhatAPageOnlyTellsCannotBeEdited) {
     int found = 0;
-    for (const std::uint32_t number : {102u, 103u}) {
+    for (const int number : {IDD_STORAGE_PAGE, IDD_RESTORE_PAGE}) {
         for (const Item& item : Template(number).items) {
-            if (item.id == 1016 || item.id == 1019 || item.id == 1026) {
+            if (item.id == IDC_STATE_DESCRIPTION || item.id == IDC_STORAGE_NAME ||
+                item.id == IDC_STORAGE_DESCRIPTION) {
                 EXPECT_NE(0u, item.style & 0x0800) << item.id;
                 ++found;
             }
@@ -292,8 +294,9 @@ TEST_F(ResourcesTest, WhatAPageOnlyTellsCannotBeEdited) {
 
 TEST_F(ResourcesTest, TheButtonsOfDifferencesAndFailedItems) {
     std::vector<std::string> texts;
-    for (const Item& item : Template(103).items) {
-        if (item.id == 1037 || item.id == 1038 || item.id == 1043) {
+    for (const Item& item : Template(IDD_RESTORE_PAGE).items) {
+        if (item.id == IDC_APPLY_CHANGES || item.id == IDC_TAKE_BACK_CHANGES ||
+            item.id == IDC_FAILED_OK) {
             EXPECT_EQ(kButton, item.window_class);
             texts.push_back(item.text);
         }
@@ -303,7 +306,7 @@ TEST_F(ResourcesTest, TheButtonsOfDifferencesAndFailedItems) {
 
 // An entry is flags, key, command and two bytes of nothing; the last has 0x80.
 TEST_F(ResourcesTest, TheKeys) {
-    const std::vector<char> bytes = file_.Resource(kAccelerator, 113);
+    const std::vector<char> bytes = file_.Resource(kAccelerator, IDR_ACCELERATORS);
     std::vector<std::vector<int>> keys;
     for (std::size_t place = 0; place + 8 <= bytes.size(); place += 8) {
         keys.push_back({ProgramFile::Unit(bytes, place) & 0x7F, ProgramFile::Unit(bytes, place + 2),
@@ -315,12 +318,12 @@ TEST_F(ResourcesTest, TheKeys) {
     constexpr int kControl = 8;
     constexpr int kAlt = 16;
     constexpr int kPlain = kVirtual | kNoInversion;
-    EXPECT_EQ((std::vector<std::vector<int>>{{kPlain | kAlt, 'H', 40001},
-                                             {kPlain | kControl, 9, 40002},
-                                             {kPlain | kControl | kShift, 9, 40003},
-                                             {kPlain | kControl, 'W', 40004},
-                                             {kPlain | kAlt, 'X', 40004},
-                                             {kPlain | kControl, 'Q', 40014}}),
+    EXPECT_EQ((std::vector<std::vector<int>>{{kPlain | kAlt, 'H', IDM_HELP_PAGE},
+                                             {kPlain | kControl, 9, IDM_NEXT_PAGE},
+                                             {kPlain | kControl | kShift, 9, IDM_PREVIOUS_PAGE},
+                                             {kPlain | kControl, 'W', IDM_CLOSE},
+                                             {kPlain | kAlt, 'X', IDM_CLOSE},
+                                             {kPlain | kControl, 'Q', IDM_QUIT}}),
               keys);
 }
 
@@ -348,29 +351,30 @@ TEST_F(ResourcesTest, TheTextsOfTheTree) {
         u"My Documents\\",
         u"No subject",
     };
-    std::uint32_t number = 0;
+    int number = 0;
     for (const char16_t* const text : texts) {
         EXPECT_EQ(text, file_.String(number)) << number;
         ++number;
     }
 }
 
-// Numbers 21 to 35; nothing stands behind them.
+// Nothing stands behind it.
 TEST_F(ResourcesTest, TheRussianSet) {
-    for (std::uint32_t number = 21; number <= 35; ++number) {
+    for (int number = IDS_RU_DIFFERENCES; number <= IDS_RU_NO_SUBJECT; ++number) {
         const std::u16string text = file_.String(number);
         EXPECT_FALSE(text.empty()) << number;
         const char16_t first = text.empty() ? u'\0' : text[0];
         EXPECT_TRUE(first >= u'\u0410' && first <= u'\u044F') << number;
     }
-    EXPECT_EQ(u"\u0420\u0430\u0437\u043B\u0438\u0447\u0438\u044F", file_.String(21));
-    EXPECT_EQ(u"", file_.String(36));
+    EXPECT_EQ(u"\u0420\u0430\u0437\u043B\u0438\u0447\u0438\u044F",
+              file_.String(IDS_RU_DIFFERENCES));
+    EXPECT_EQ(u"", file_.String(IDS_RU_NO_SUBJECT + 1));
 }
 
 TEST_F(ResourcesTest, IconAndVersionAreThere) {
-    EXPECT_FALSE(file_.Resource(kIconGroup, 101).empty());
+    EXPECT_FALSE(file_.Resource(kIconGroup, IDI_TOLVENAR).empty());
     EXPECT_FALSE(file_.Resource(kVersion, 1).empty());
-    for (const std::uint32_t number : {109u, 132u}) {
+    for (const int number : {IDD_DESCRIPTION, IDD_AUTOBACKUP_PROMPT}) {
         EXPECT_FALSE(file_.Resource(kDialog, number).empty()) << number;
     }
 }

@@ -1,13 +1,12 @@
 // A launch beside a copy of the program that runs already.
 #include "tests/e2e/launch_fixture.h"
 
+namespace tests {
 namespace {
-
-using tests::Program;
 
 const std::string kBackUp = "AutoBackup: External";
 
-class RunningCopyTest : public tests::LaunchFixture {
+class RunningCopyTest : public LaunchFixture {
 protected:
     // A window of a program that neither closes nor tells anything but `answer`.
     void Stub(const std::string& window_class, int answer) {
@@ -16,7 +15,7 @@ protected:
     // The copy's main dialog is up and its operation window answers.
     bool IsUp(const Program& copy) {
         return MainDialogAppears(copy.pid()) && Eventually([&] {
-                   return !WindowsOf("TolvenarOperationClass", "", copy.pid()).empty();
+                   return WindowCount("TolvenarOperationClass", "", copy.pid()) == 1;
                });
     }
 };
@@ -29,8 +28,8 @@ TEST_F(RunningCopyTest, ASecondStartBringsTheFirstForward) {
         Program second = Launch(text);
         EXPECT_EQ(1, second.ExitCode()) << text;
         EXPECT_TRUE(first.Runs()) << text;
-        EXPECT_EQ(1u, WindowsOf("Dialog", "Tolvenar").size()) << text;
-        EXPECT_EQ(true, WindowsOf("Dialog", "Tolvenar").at(0)["active"]) << text;
+        EXPECT_EQ(1u, WindowCount("Dialog", kMainTitle)) << text;
+        EXPECT_SOON(IsActive(kMainTitle)) << text;
     }
 }
 
@@ -45,7 +44,7 @@ TEST_F(RunningCopyTest, ABackupTakesOverAnIdleCopy) {
 }
 
 TEST_F(RunningCopyTest, AScheduledBackupTakesOverAnIdleCopy) {
-    SetOption("onTime", 1);
+    SetDword("onTime", 1);
     SetDailyTime(9, 30);
     device().Set("sleep.scale", "50");
     Program first = Launch("");
@@ -62,8 +61,8 @@ TEST_F(RunningCopyTest, ABusyCopyStaysAndNoSecondOperationStarts) {
     Program second = Launch(kBackUp);
     EXPECT_EQ(1, second.ExitCode());
     EXPECT_EQ(Numbers(), States());
-    EXPECT_EQ(0, Calls("PostMessageW"));
-    EXPECT_EQ(1, Calls("SetForegroundWindow"));
+    EXPECT_EQ(0, Counted("PostMessageW"));
+    EXPECT_EQ(1, Counted("SetForegroundWindow"));
 }
 
 TEST_F(RunningCopyTest, ACopyThatDoesNotCloseInTwoSecondsLeavesADialogOnly) {
@@ -72,11 +71,11 @@ TEST_F(RunningCopyTest, ACopyThatDoesNotCloseInTwoSecondsLeavesADialogOnly) {
     Ask("counters clear");
     Program second = Launch(kBackUp);
     ASSERT_TRUE(MainDialogAppears(second.pid()));
-    EXPECT_EQ(1 + 1 + 10, Calls("FindWindowW"));
-    EXPECT_EQ(10, Calls("Sleep"));
-    EXPECT_EQ(0, Calls("RegisterClassW"));
-    EXPECT_TRUE(WindowsOf("TolvenarClass", "", second.pid()).empty());
-    EXPECT_TRUE(WindowsOf("TolvenarOperationClass", "", second.pid()).empty());
+    EXPECT_EQ(1 + 1 + 10, Counted("FindWindowW"));
+    EXPECT_EQ(10, Counted("Sleep"));
+    EXPECT_EQ(0, Counted("RegisterClassW"));
+    EXPECT_EQ(0u, WindowCount("TolvenarClass", "", second.pid()));
+    EXPECT_EQ(0u, WindowCount("TolvenarOperationClass", "", second.pid()));
     EXPECT_EQ(Numbers(), States());
     CloseMainDialog();
     EXPECT_EQ(0, second.ExitCode());
@@ -87,13 +86,13 @@ TEST_F(RunningCopyTest, ACopyThatStillLoadsIsWaitedFor) {
     Stub("TolvenarClass", 0);
     Program second = Launch("");
     ASSERT_TRUE(MainDialogAppears(second.pid()));
-    EXPECT_TRUE(WindowsOf("TolvenarClass", "", second.pid()).empty());
+    EXPECT_EQ(0u, WindowCount("TolvenarClass", "", second.pid()));
     CloseMainDialog();
     EXPECT_EQ(0, second.ExitCode());
 }
 
 TEST_F(RunningCopyTest, AnUnattendedCopyIsNotSeenAndItsStorageFoundHeld) {
-    device().PutFile(L"\\My Documents\\a.txt", "hello");
+    device().PutFile(kNote, "hello");
     ASSERT_EQ(0, BackUp());
     device().PutFile(L"\\My Documents\\b.txt", "more");
     HoldCall("WriteFile");
@@ -106,3 +105,4 @@ TEST_F(RunningCopyTest, AnUnattendedCopyIsNotSeenAndItsStorageFoundHeld) {
 }
 
 }  // namespace
+}  // namespace tests

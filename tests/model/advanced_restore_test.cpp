@@ -85,8 +85,8 @@ TEST_F(AdvancedChangesTest, ChangesOfEveryKindAreAppliedAgain) {
     ExpectState(kNewer);
 }
 
-// Kept so: records that an advanced restore wrote back are known to no state, and the next one does
-// not take them off the device.
+// Oddity 32: records that an advanced restore wrote back are known to no state, and the next one
+// does not take them off the device.
 TEST_F(AdvancedChangesTest, RecordsThatWereTakenBackStayWhenTheChangesAreAppliedAgain) {
     MakeTwoStates();
     PressAndCheck(1, Button::kTakeBack);
@@ -111,7 +111,7 @@ TEST_F(AdvancedChangesTest, ABackupReportsWhatWasWrittenBackOnceMore) {
     }
 }
 
-// Kept so: the record is known by an id that nothing has any more.
+// Oddity 32: the record is known by an id that nothing has any more.
 TEST_F(AdvancedChangesTest, ARecordThatWasDeletedAndAppliedAgainDoubles) {
     MakeTwoStates();
     PressAndCheck(1, Button::kTakeBack);

@@ -74,7 +74,7 @@ TEST_F(AllocationFailureTest, ARefusedRecordStaysTheCallers) {
     const auto list = ObjectList::CreateList();
     std::unique_ptr<ObjectRecord> record(NewObjectRecord(MakeRecord(kFile, 1, 0)));
     FailAllocationsFrom(1);
-    EXPECT_EQ(nullptr, list->InsertByKey({1, 0, 0, 0, 0}, record.get()));
+    EXPECT_EQ(nullptr, list->InsertByKey({1, 0, 0, 0}, record.get()));
     FailAllocationsFrom(0);
     EXPECT_EQ(1u, record->dwOID);
     EXPECT_EQ(0u, list->CountRecords());

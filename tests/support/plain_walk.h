@@ -87,7 +87,7 @@ inline void AddToDifference(ObjectRecord& a, std::uint16_t mark, List& diff, Ref
         return;
     }
     const std::uint32_t fingerprint = type == 1 || type == 8 ? a.content_fingerprint : 0;
-    const ObjectKey key{0, a.info_checksum, fingerprint, a.dwOID, a.TolvOID};
+    const ObjectKey key{a.info_checksum * 0x10000u, fingerprint, a.dwOID, a.TolvOID};
     if (Find(diff, key) != diff.end()) {
         reference.log.push_back("CmpLists: Key is equal");
     }
@@ -151,7 +151,7 @@ inline void DeleteCounterpart(List& out, const ObjectKey& key, const ObjectRecor
 inline void Replay(List& out, const KeyedRecord& source, Reference& reference) {
     const ObjectRecord& r = source.record;
     ObjectKey key = source.key;
-    key.state_number = 0;
+    key.state_and_info = key.state_and_info / 0x10000 * 0x10000;
     if (r.flags & 0x34) {
         ObjectRecord copy = r;
         copy.flags = 0;

@@ -5,11 +5,12 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstring>
 #include <deque>
-#include <map>
 #include <set>
 #include <thread>
 
+#include "simulator/registry/registry.h"
 #include "test_folders.h"
 
 namespace tests {
@@ -17,74 +18,7 @@ namespace {
 
 using nlohmann::json;
 
-const std::string kOwnKey = "HKCU\\Software\\Kestrin2";
-const std::string kCard = "\\Storage Card";
-
-bool StartsWith(const std::string& text, const std::string& start) {
-    return text.compare(0, start.size(), start) == 0;
-}
-
-json ComparableFiles(const json& files) {
-    json kept = json::array();
-    for (json file : files) {
-        if (!StartsWith(file["path"].get<std::string>() + "\\", kCard + "\\")) {
-            file.erase("oid");
-            kept.push_back(file);
-        }
-    }
-    return kept;
-}
-
-json ComparableRegistry(const json& keys) {
-    json kept = json::array();
-    for (const json& key : keys) {
-        if (!StartsWith(key["key"], kOwnKey)) {
-            kept.push_back(key);
-        }
-    }
-    return kept;
-}
-
-json ComparableDatabases(const json& databases) {
-    json kept = json::array();
-    for (json database : databases) {
-        database.erase("oid");
-        std::vector<json> records;
-        for (json record : database["records"]) {
-            record.erase("oid");
-            records.push_back(record);
-        }
-        std::sort(records.begin(), records.end());
-        database["records"] = records;
-        kept.push_back(database);
-    }
-    return kept;
-}
-
-void Compare(const json& before, const json& after, const char* part, const char* name,
-             std::vector<std::string>& lines) {
-    std::map<std::string, json> old_entries;
-    std::map<std::string, json> new_entries;
-    for (const json& entry : before[part]) {
-        old_entries[entry[name]] = entry;
-    }
-    for (const json& entry : after[part]) {
-        new_entries[entry[name]] = entry;
-    }
-    for (const auto& [key, entry] : old_entries) {
-        const auto found = new_entries.find(key);
-        if (found == new_entries.end()) {
-            lines.push_back(key + " is gone");
-        } else if (found->second != entry) {
-            lines.push_back(key + " differs: " + entry.dump() + " is now " + found->second.dump());
-        }
-    }
-    for (const auto& [key, entry] : new_entries) {
-        if (old_entries.count(key) == 0) {
-            lines.push_back(key + " is new");
-        }
-    }
-}
+constexpr char16_t kSettingsPath[] = u"HKCU\\Software\\Kestrin2\\Tolvenar";
 
 }  // namespace
 
@@ -96,6 +30,9 @@ void ProgramTest::SetUp() {
 }
 
 void ProgramTest::TearDown() {
+    if (!HasFailure()) {
+        EXPECT_SOON_EQ("[]", device().Faults()) << "no call met them";
+    }
     if (HasFailure()) {
         TellHowItStood();
     }
@@ -106,29 +43,25 @@ void ProgramTest::TearDown() {
 // A failure that seldom comes is understood from the log of its one run or not at all.
 void ProgramTest::TellHowItStood() {
     constexpr std::size_t kLastCalls = 60;
-    const std::set<std::string> kSaysLittle = {
-        "DefWindowProcW",
-        "GetDlgItem",
-        "GetLastError",
-        "GetMessageW",
-        "GetWindowLongW",
-        "HeapAlloc",
-        "HeapFree",
-        "IsDialogMessageW",
-        "SetLastError",
-        "RegCloseKey",
-        "TranslateAcceleratorW",
-        "CloseHandle",
-    };
+    const std::set<std::string> kSaysLittle = {"DefWindowProcW",
+                                               "GetDlgItem",
+                                               "GetLastError",
+                                               "GetMessageW",
+                                               "GetWindowLongW",
+                                               "HeapAlloc",
+                                               "HeapFree",
+                                               "IsDialogMessageW",
+                                               "SetLastError",
+                                               "RegCloseKey",
+                                               "TranslateAcceleratorW",
+                                               "CloseHandle"};
     std::deque<std::string> calls;
-    for (const json& call : Ask("trace show")) {
-        const std::string function = call["function"];
-        if (call["process"] == ::GetCurrentProcessId() || kSaysLittle.count(function) != 0) {
+    for (const Call& call : Traced()) {
+        if (call.process == ::GetCurrentProcessId() || kSaysLittle.count(call.function) != 0) {
             continue;
         }
-        calls.push_back(call["thread"].dump() + " " + function + "(" +
-                        call["arguments"].get<std::string>() + ") " +
-                        call["result"].get<std::string>());
+        calls.push_back(std::to_string(call.thread) + " " + call.function + "(" + call.arguments +
+                        ") " + call.result);
         if (calls.size() > kLastCalls) {
             calls.pop_front();
         }
@@ -152,8 +85,8 @@ int ProgramTest::Run(const std::string& arguments) {
     return Ask("run \"" + kProgram + "\" \"" + arguments + "\"")["exit"];
 }
 
-unsigned ProgramTest::Start(const std::string& arguments) {
-    return Ask("start \"" + kProgram + "\" \"" + arguments + "\"")["id"];
+Program ProgramTest::Launch(const std::string& arguments) {
+    return Program(device().sim(), kProgramPath, std::wstring(arguments.begin(), arguments.end()));
 }
 
 // There is none for a moment while it is saved.
@@ -168,27 +101,10 @@ std::string ProgramTest::JournalBytes() {
     }
 }
 
-json ProgramTest::Ask(const std::string& line) { return json::parse(device().Command(line)); }
-
-json ProgramTest::Comparable() {
-    const json dump = Ask("dump");
-    return {{"files", ComparableFiles(dump["files"])},
-            {"registry", ComparableRegistry(dump["registry"])},
-            {"databases", ComparableDatabases(dump["databases"])}};
-}
-
-std::vector<std::string> ProgramTest::Differences(const json& before, const json& after) {
-    std::vector<std::string> lines;
-    Compare(before, after, "files", "path", lines);
-    Compare(before, after, "registry", "key", lines);
-    Compare(before, after, "databases", "name", lines);
-    return lines;
-}
-
-std::vector<int> ProgramTest::States() {
+Numbers ProgramTest::States() {
     constexpr std::size_t kRecordBytes = 32;
     constexpr unsigned char kStateType = 32;
-    std::vector<int> states;
+    Numbers states;
     const std::string journal = JournalBytes();
     for (std::size_t at = 0; at + kRecordBytes <= journal.size(); at += kRecordBytes) {
         const auto byte = [&](std::size_t i) {
@@ -210,7 +126,92 @@ bool ProgramTest::RulesAreUsedUp() {
     return Eventually([&] { return device().Faults() == "[]"; });
 }
 
-void ProgramTest::LetGo() { Ask("faults clear"); }
+void ProgramTest::LetGo() {
+    EXPECT_EQ("[]", device().Faults()) << "no call met them";
+    Ask("faults clear");
+}
+
+void ProgramTest::SetDword(const std::string& name, unsigned value) {
+    Ask("reg-set " + kSettingsKey + " " + name + " REG_DWORD " + std::to_string(value));
+}
+
+void ProgramTest::SetText(const std::string& name, const std::string& text) {
+    Ask("reg-set " + kSettingsKey + " " + name + " REG_SZ \"" + text + "\"");
+}
+
+void ProgramTest::DeleteSetting(const std::string& name) {
+    Ask("reg-delete " + kSettingsKey + " " + name);
+}
+
+std::optional<std::string> ProgramTest::SettingBytes(const std::string& name) {
+    const sim::registry::Registry registry(device().sim());
+    std::u16string subkey;
+    sim::registry::KeyId key;
+    const auto root = sim::registry::RootOfPath(kSettingsPath, subkey);
+    if (!root || registry.Place(*root, subkey, key) != sim::registry::kOk) {
+        return std::nullopt;
+    }
+    const auto value = registry.Find(key, std::u16string(name.begin(), name.end()));
+    return value ? std::optional(value->data) : std::nullopt;
+}
+
+std::optional<unsigned> ProgramTest::Dword(const std::string& name) {
+    const auto bytes = SettingBytes(name);
+    unsigned number = 0;
+    if (!bytes || bytes->size() != sizeof number) {
+        return std::nullopt;
+    }
+    std::memcpy(&number, bytes->data(), sizeof number);
+    return number;
+}
+
+std::string ProgramTest::SettingText(const std::string& name) {
+    const auto bytes = SettingBytes(name);
+    if (!bytes) {
+        return "no value";
+    }
+    std::string text;
+    for (std::size_t i = 0; i + 1 < bytes->size() && (*bytes)[i] != 0; i += 2) {
+        text += (*bytes)[i];
+    }
+    return text;
+}
+
+std::string Call::Behind(const std::string& text) const {
+    const std::size_t at = arguments.find(text);
+    return at != text.npos ? arguments.substr(at + text.size()) : "";
+}
+
+std::vector<Call> ProgramTest::Traced(const std::string& function,
+                                      const std::string& in_arguments) {
+    std::vector<Call> calls;
+    for (const json& line : Ask("trace show " + function)) {
+        Call call = {line["process"],  line["thread"],    line["time"],
+                     line["function"], line["arguments"], line["result"]};
+        if (call.Has(in_arguments)) {
+            calls.push_back(std::move(call));
+        }
+    }
+    return calls;
+}
+
+std::size_t ProgramTest::Calls(const std::string& function, const std::string& in_arguments) {
+    return Traced(function, in_arguments).size();
+}
+
+long ProgramTest::Counted(const std::string& function) {
+    return Ask("counters")["calls"].value(function, 0L);
+}
+
+json ProgramTest::ProgramCounters() {
+    const json counters = Ask("counters");
+    for (const json& process : counters["processes"]) {
+        if (process["name"] == kProgram && process["windows"] != 0) {
+            return process;
+        }
+    }
+    return {};
+}
 
 void ProgramTest::Pause(unsigned milliseconds) {
     std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));

@@ -1,8 +1,10 @@
 #include "tests/support/programs.h"
 
+#include <algorithm>
 #include <chrono>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
 #include "simulator/host/attach.h"
 #include "simulator/host/host_files.h"
@@ -13,7 +15,7 @@ namespace tests {
 namespace {
 
 constexpr std::uint32_t kLimitMs = 20000;
-constexpr auto kPause = std::chrono::milliseconds(20);
+constexpr int kLongestPauseMs = 20;
 
 }  // namespace
 
@@ -25,11 +27,12 @@ void InstallProgram(sim::Device& device, const std::string& name, const std::wst
 
 bool Eventually(const std::function<bool()>& done) {
     const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(kLimitMs);
-    while (std::chrono::steady_clock::now() < end) {
+    for (int pause = 1; std::chrono::steady_clock::now() < end; pause *= 2) {
         if (done()) {
             return true;
         }
-        std::this_thread::sleep_for(kPause);
+        pause = std::min(pause, kLongestPauseMs);
+        std::this_thread::sleep_for(std::chrono::milliseconds(pause));
     }
     return done();
 }
@@ -42,9 +45,14 @@ Program::Program(sim::Device& device, const std::wstring& path, const std::wstri
 }
 
 Program::~Program() {
-    sim::processes::Kill(device_, started_.pid);
-    sim::processes::CloseStarted(started_);
+    if (started_.process != nullptr) {
+        sim::processes::Kill(device_, started_.pid);
+        sim::processes::CloseStarted(started_);
+    }
 }
+
+Program::Program(Program&& other) noexcept
+    : device_(other.device_), started_(std::exchange(other.started_, {})) {}
 
 int Program::ExitCode() {
     const auto code = sim::processes::Wait(started_.process, kLimitMs);

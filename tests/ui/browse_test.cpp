@@ -1,35 +1,21 @@
 // Choosing a storage file: what the open dialog is given, and what each choice comes to.
-#include "platform/win32.h"
-
 #include "tests/ui/storage_ui_test.h"
 
+namespace tests {
 namespace {
-
-using Texts = std::vector<std::string>;
-
-constexpr char kNoText[] = "";
-constexpr char kUnreadable[] = "Storage header was not created.";
-constexpr char kOtherDevice[] = "Storage file is not compatible with your device.";
-constexpr char kOtherVersion[] =
-    "This Storage File is not compatible with the Tolvenar version,\nplease use earlier Tolvenar "
-    "version.";
 
 // A device's storage with one byte of its head changed.
 std::string Changed(std::size_t at, char byte) {
-    std::string storage = tests::EmptyStorage();
+    std::string storage = EmptyStorage();
     storage[at] = byte;
     return storage;
 }
 std::string OtherProcessors() { return Changed(200, 1); }
 
-class BrowseTest : public tests::StorageUiTest {
+class BrowseTest : public StorageUiTest {
 protected:
-    void TearDown() override {
-        EXPECT_EQ("[]", device().Faults());
-        StorageUiTest::TearDown();
-    }
     static std::wstring OnCard(const std::string& name) {
-        const std::string path = tests::kCardFolder + name;
+        const std::string path = kCardFolder + name;
         return {path.begin(), path.end()};
     }
     void Put(const std::string& name, const std::string& bytes) {
@@ -39,47 +25,40 @@ protected:
         return device().Exists(OnCard(name)) ? device().FileBytes(OnCard(name)) : "no file";
     }
     bool DialogIsFree() {
-        return Eventually([&] { return !Shows(tests::kOpenTitle); }) && DialogIsDone();
+        return Eventually([&] { return !Shows(kOpenTitle); }) && DialogIsDone();
     }
     // Handles, windows, threads and blocks of memory that the program has now.
-    std::vector<int> Held() {
-        const nlohmann::json counters = Ask("counters");
-        for (const nlohmann::json& process : counters["processes"]) {
-            if (process["name"] == tests::kProgram && process["windows"] != 0) {
-                return {process["handles"], process["windows"], process["threads"],
-                        process["heapBlocks"]};
-            }
-        }
-        return {};
+    Numbers Held() {
+        const Json counters = ProgramCounters();
+        return {counters["handles"], counters["windows"], counters["threads"],
+                counters["heapBlocks"]};
     }
     // The first storage is still open.
-    void ExpectRefused(const char* text) {
-        if (text != kNoText) {
-            ExpectBox(tests::kPlainBox, text);
-        }
+    void ExpectRefused() {
         ASSERT_TRUE(DialogIsFree());
         ExpectFirstOpen();
-        EXPECT_FALSE(Shows(tests::kDescriptionTitle));
+        EXPECT_FALSE(Shows(kDescriptionTitle));
+    }
+    void ExpectRefused(const Box& box) {
+        ExpectBox(box);
+        ExpectRefused();
     }
 };
 
 TEST_F(BrowseTest, TheOpenDialogBeginsWithTheStorageInUseAndCancellingItChangesNothing) {
     OpenPage();
     Browse();
-    EXPECT_EQ("Backup", Text(tests::kOpenName));
-    EXPECT_EQ("\\Storage Card\\Tolvenar", Text(tests::kOpenFolder));
-    EXPECT_EQ((Texts{"Backup Files (*.jrn)", "All files (*.*)"}), Items(tests::kOpenFilter));
-    EXPECT_EQ(0, Selected(tests::kOpenFilter));
-    EXPECT_EQ((Texts{"Backup.jrn", "Other.jrn"}), Items(tests::kOpenList));
-    EXPECT_FALSE(Sees(tests::kOpenReadOnly));
-    EXPECT_FALSE(Top("Tolvenar")->at("enabled"));
-    Select(tests::kOpenFilter, "All files (*.*)");
-    EXPECT_TRUE(Eventually([&] {
-        return Items(tests::kOpenList) ==
-               Texts({"Backup.jrn", "Backup.sav", "Other.jrn", "Other.sav"});
-    }));
-    Type(tests::kOpenName, "Other.jrn");
-    Press(tests::kCancel);
+    EXPECT_SOON_EQ("Backup", Text(kOpenName));
+    EXPECT_SOON_EQ("\\Storage Card\\Tolvenar", Text(kOpenFolder));
+    EXPECT_SOON_EQ((Texts{"Backup Files (*.jrn)", "All files (*.*)"}), Items(kOpenFilter));
+    EXPECT_SOON_EQ(0, Selected(kOpenFilter));
+    EXPECT_SOON_EQ((Texts{"Backup.jrn", "Other.jrn"}), Items(kOpenList));
+    EXPECT_FALSE(Sees(kOpenReadOnly));
+    EXPECT_SOON(IsDisabled(kMainTitle));
+    Select(kOpenFilter, "All files (*.*)");
+    EXPECT_SOON_EQ((Texts{"Backup.jrn", "Backup.sav", "Other.jrn", "Other.sav"}), Items(kOpenList));
+    Type(kOpenName, "Other.jrn");
+    Press(IDCANCEL);
     ASSERT_TRUE(DialogIsFree());
     ExpectFirstOpen();
     EXPECT_EQ(0u, Calls("RegSetValueExW", "Storage"));
@@ -94,12 +73,12 @@ TEST_F(BrowseTest, AForeignOrDamagedStorageIsToldAndThePreviousOneStays) {
     const struct {
         const char* name;
         std::string storage;
-        const char* text;
+        Box box;
     } kRows[] = {
         {"Foreign", OtherProcessors(), kOtherDevice},
         {"Later", Changed(216, 5), kOtherDevice},  // the format's revision
         {"Early", Changed(216, 0), kOtherVersion},
-        {"Short", "no storage", kUnreadable},
+        {"Short", "no storage", kHeaderUnread},
     };
     OpenPage();
     for (const auto& row : kRows) {
@@ -108,7 +87,7 @@ TEST_F(BrowseTest, AForeignOrDamagedStorageIsToldAndThePreviousOneStays) {
         Put(stem + ".sav", row.storage);
         Put(stem + ".jrn", "");
         ChooseFile(stem + ".jrn");
-        ExpectRefused(row.text);
+        ExpectRefused(row.box);
         EXPECT_EQ(row.storage, Bytes(stem + ".sav"));
         EXPECT_EQ("", Bytes(stem + ".jrn"));
     }
@@ -117,13 +96,13 @@ TEST_F(BrowseTest, AForeignOrDamagedStorageIsToldAndThePreviousOneStays) {
 // A new storage file would empty the journal; a lost journal's storage file is judged like any.
 TEST_F(BrowseTest, HalfOfAPairIsNeverOverwritten) {
     const std::string journal = Bytes("Other.jrn");
-    device().Remove(tests::kOtherStorage);
+    device().Remove(kOtherStorage);
     Put("Foreign.sav", OtherProcessors());
     OpenPage();
     ChooseFile("Other.jrn");
-    ExpectRefused(kUnreadable);
+    ExpectRefused(kHeaderUnread);
     ChooseNew("Other.new");
-    ExpectRefused(kUnreadable);
+    ExpectRefused(kHeaderUnread);
     EXPECT_EQ("no file", Bytes("Other.sav"));
     EXPECT_EQ(journal, Bytes("Other.jrn"));
     ChooseNew("Foreign");
@@ -135,22 +114,21 @@ TEST_F(BrowseTest, HalfOfAPairIsNeverOverwritten) {
 TEST_F(BrowseTest, OtherFailuresSayNothingAndThePreviousOneStays) {
     OpenPage();
     {
-        const auto lock = device().Lock(tests::kOtherJournal);
+        const auto lock = device().Lock(kOtherJournal);
         ChooseFile("Other.jrn");
-        ExpectRefused(kNoText);
+        ExpectRefused();
     }
     {
-        Put("Held.sav", tests::EmptyStorage());
+        Put("Held.sav", EmptyStorage());
         const auto lock = device().Lock(OnCard("Held.sav"));
         ChooseNew("Held");
-        ExpectRefused(kNoText);
+        ExpectRefused();
     }
     Browse();
-    Type(tests::kOpenName, "Other.jrn");
+    Type(kOpenName, "Other.jrn");
     device().Fault("HeapAlloc", 2, 1, 8);  // the header comes first, then the lists
-    Press(tests::kOk);
-    ExpectRefused(kNoText);
-    EXPECT_EQ("[]", device().Faults());
+    Press(IDOK);
+    ExpectRefused();
     EXPECT_EQ(0u, BoxCount());
     ChooseFile("Other.jrn");
     EXPECT_TRUE(NameBecomes("Other"));
@@ -162,16 +140,16 @@ TEST_F(BrowseTest, UnderAMessageNoSecondFileCanBeChosenButTheProgramCloses) {
     Put("Short.jrn", "");
     OpenPage();
     ChooseFile("Short.jrn");
-    ASSERT_TRUE(Eventually([&] { return BoxIsUp(); }));
-    EXPECT_TRUE(Top("Tolvenar")->at("enabled"));
-    Press(tests::kBrowse);
+    ASSERT_SOON(BoxIsUp());
+    EXPECT_SOON(IsEnabled(kMainTitle));
+    Press(IDC_BROWSE);
     Pause(200);
-    EXPECT_FALSE(Shows(tests::kOpenTitle));
+    EXPECT_FALSE(Shows(kOpenTitle));
     EXPECT_EQ(1u, Calls("GetOpenFileNameW"));
-    ExpectBox(tests::kPlainBox, kUnreadable);
+    ExpectBox(kHeaderUnread);
     ChooseFile("Short.jrn");
-    ASSERT_TRUE(Eventually([&] { return BoxIsUp(); }));
-    ::PostMessageW(::FindWindowW(L"Dialog", L"Tolvenar"), WM_COMMAND, 40004, 0);
+    ASSERT_SOON(BoxIsUp());
+    ::PostMessageW(MainDialog(), WM_COMMAND, IDM_CLOSE, 0);
     ExpectEnd();
 }
 
@@ -179,28 +157,28 @@ TEST_F(BrowseTest, UnderAMessageNoSecondFileCanBeChosenButTheProgramCloses) {
 TEST_F(BrowseTest, AStorageFileWithoutAJournalIsOpenedAsItStands) {
     const std::string storage = Bytes("Other.sav");
     const std::string journal = Bytes("Other.jrn");
-    device().Remove(tests::kOtherJournal);
+    device().Remove(kOtherJournal);
     Put("Other.jrn_1", journal);
     Put("Lone.sav", storage);
     OpenPage();
     ChooseNew("Other");
     EXPECT_TRUE(NameBecomes("Other"));
-    EXPECT_TRUE(Eventually([&] { return Bytes("Other.jrn") == journal; }));
+    EXPECT_SOON_EQ(journal, Bytes("Other.jrn"));
     EXPECT_EQ("no file", Bytes("Other.jrn_1"));
     EXPECT_TRUE(DialogIsFree());
     ChooseNew("Lone");
     EXPECT_TRUE(NameBecomes("Lone"));
-    EXPECT_EQ("The other one", Text(tests::kStorageDescription));
-    EXPECT_TRUE(Eventually([&] { return Bytes("Lone.jrn").empty(); }));
+    EXPECT_EQ("The other one", Text(IDC_STORAGE_DESCRIPTION));
+    EXPECT_SOON(Bytes("Lone.jrn").empty());
     EXPECT_TRUE(DialogIsFree());
     // A name of which only the stem is that of a storage means this storage.
     ChooseNew("Other.new");
     EXPECT_TRUE(NameBecomes("Other"));
     EXPECT_EQ(storage, Bytes("Other.sav"));
     EXPECT_EQ(storage, Bytes("Lone.sav"));
-    EXPECT_FALSE(Shows(tests::kDescriptionTitle));
+    EXPECT_FALSE(Shows(kDescriptionTitle));
     ShowTab("Restore");
-    EXPECT_EQ((Texts{"State 1"}), Items(1014));
+    EXPECT_EQ((Texts{"State 1"}), Items(IDC_STATES));
 }
 
 TEST_F(BrowseTest, AnExistingStorageKeepsEveryByteAndTheProgramNothingOfTheOldOne) {
@@ -223,3 +201,4 @@ TEST_F(BrowseTest, AnExistingStorageKeepsEveryByteAndTheProgramNothingOfTheOldOn
 }
 
 }  // namespace
+}  // namespace tests

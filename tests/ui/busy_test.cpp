@@ -1,15 +1,13 @@
 // What is refused from the posting of a request until its operation has ended.
 #include "simulator/host/window_thread.h"
-#include "tests/ui/ui_test.h"
+#include "tests/support/ui_test.h"
 
+namespace tests {
 namespace {
 
-constexpr UINT kConfirmedBackup = WM_APP + 124;
-constexpr UINT kConfirmedRestore = WM_APP + 128;
-constexpr int kStates = 1014, kRestore = 1002;
 constexpr unsigned kLimitMs = 10000;
 
-class BusyTest : public tests::UiTest {
+class BusyTest : public UiTest {
 protected:
     void SetUp() override {
         UiTest::SetUp();
@@ -25,13 +23,17 @@ protected:
         }
         dialog_ = MainDialog();
         main_window_ = MainWindow();
-        list_ = Handle(kStates);
+        list_ = Handle(IDC_STATES);
         page_ = ::GetParent(list_);
-        ::SendMessageW(page_, WM_COMMAND, MAKEWPARAM(kStates, LBN_DBLCLK), 0);
-        ASSERT_EQ("Differences from State 1 to State 2", Text(1041));
-        for (const int id : {1001, kRestore, 1037, 1038, 1043, 1012, 1060, 1063, 1064, 1065}) {
-            buttons_.push_back({id, ButtonOf(id)});
-            ASSERT_NE(nullptr, buttons_.back().window) << id;
+        ShowDifferences();
+        for (const int id : {IDC_BACKUP, IDC_RESTORE, IDC_APPLY_CHANGES, IDC_TAKE_BACK_CHANGES,
+                             IDC_FAILED_OK, IDC_BROWSE, IDC_ON_TIME, IDC_ADVANCED_TREE,
+                             IDC_RESTORE_DATABASES, IDC_DELETE_OLD_STORAGE}) {
+            // The tree's window has a button's number.
+            const Window button = AwaitWindow([id](const Window& window) {
+                return window.id == id && window.class_name == "Button";
+            });
+            buttons_.push_back({id, HandleOf(button)});
         }
     }
     // Sent rather than posted: whoever goes on in a modal loop does not answer.
@@ -46,18 +48,19 @@ protected:
         EXPECT_TRUE(::IsWindow(dialog_));
         EXPECT_TRUE(::IsWindow(main_window_));
         EXPECT_EQ(0, ::SendMessageW(list_, LB_GETCURSEL, 0, 0));
-        EXPECT_NE(0, ::SendMessageW(::GetDlgItem(page_, 1041), WM_GETTEXTLENGTH, 0, 0));
+        EXPECT_NE(0, ::SendMessageW(::GetDlgItem(page_, IDC_DIFFERENCES_CAPTION), WM_GETTEXTLENGTH,
+                                    0, 0));
     }
     void ExpectEverythingRefused() {
         ExpectRefused("closing the dialog", dialog_, WM_CLOSE);
         ExpectRefused("its close box", dialog_, WM_SYSCOMMAND, SC_CLOSE);
         ExpectRefused("closing the main window", main_window_, WM_CLOSE);
-        ExpectRefused("Ctrl+W and Alt+X", dialog_, WM_COMMAND, MAKEWPARAM(40004, 1));
-        ExpectRefused("Ctrl+Q", dialog_, WM_COMMAND, MAKEWPARAM(40014, 1));
-        ExpectRefused("double click", page_, WM_COMMAND, MAKEWPARAM(kStates, LBN_DBLCLK),
+        ExpectRefused("Ctrl+W and Alt+X", dialog_, WM_COMMAND, MAKEWPARAM(IDM_CLOSE, 1));
+        ExpectRefused("Ctrl+Q", dialog_, WM_COMMAND, MAKEWPARAM(IDM_QUIT, 1));
+        ExpectRefused("double click", page_, WM_COMMAND, MAKEWPARAM(IDC_STATES, LBN_DBLCLK),
                       reinterpret_cast<LPARAM>(list_));
         ::SendMessageW(list_, LB_SETCURSEL, 1, 0);
-        ExpectRefused("selection", page_, WM_COMMAND, MAKEWPARAM(kStates, LBN_SELCHANGE),
+        ExpectRefused("selection", page_, WM_COMMAND, MAKEWPARAM(IDC_STATES, LBN_SELCHANGE),
                       reinterpret_cast<LPARAM>(list_));
         for (const Button& button : buttons_) {
             const LRESULT check = ::SendMessageW(button.window, BM_GETCHECK, 0, 0);
@@ -71,15 +74,6 @@ private:
         int id;
         HWND window;
     };
-    // The tree's window has a button's number.
-    HWND ButtonOf(int id) {
-        for (const Json& window : Windows()) {
-            if (window["id"] == id && window["class"] == "Button") {
-                return reinterpret_cast<HWND>(window["handle"].get<std::uintptr_t>());
-            }
-        }
-        return nullptr;
-    }
     // Calls that something new would begin with.
     std::vector<long> Work() {
         const Json calls = Ask("counters")["calls"];
@@ -106,7 +100,7 @@ TEST_F(BusyTest, NothingElseIsTakenWhileARequestIsOnItsWay) {
     {
         const sim::host::HeldThread held(OperationWindow());
         const long posted = Counted("PostMessageW");
-        EXPECT_TRUE(sim::host::AnswerTime(page_, kLimitMs, WM_COMMAND, kRestore));
+        EXPECT_TRUE(sim::host::AnswerTime(page_, kLimitMs, WM_COMMAND, IDC_RESTORE));
         ASSERT_EQ(posted + 1, Counted("PostMessageW"));
         ExpectEverythingRefused();
         Keys("ctrl+w");
@@ -115,7 +109,7 @@ TEST_F(BusyTest, NothingElseIsTakenWhileARequestIsOnItsWay) {
         Pause(100);
         EXPECT_TRUE(::IsWindow(dialog_));
     }
-    ExpectBox(tests::kInformationBox, "Difference not found. There is nothing to Restore.");
+    ExpectBox(kNothingToRestore);
     EXPECT_TRUE(BecomesIdle());
     Keys("ctrl+q");
     ExpectEnd();
@@ -124,53 +118,52 @@ TEST_F(BusyTest, NothingElseIsTakenWhileARequestIsOnItsWay) {
 TEST_F(BusyTest, NothingElseIsTakenUnderTheBoxOfAnOperation) {
     OpenAll();
     EXPECT_FALSE(IsBusy());
-    ::PostMessageW(OperationWindow(), kConfirmedBackup, 1, 0);
-    ASSERT_TRUE(Eventually([&] { return BoxIsUp(); }));
+    PostBackup();
+    ASSERT_SOON(BoxIsUp());
     EXPECT_TRUE(IsBusy());
     ExpectEverythingRefused();
-    ExpectBox(tests::kInformationBox, "Difference not found. There is nothing to Backup.");
+    ExpectBox(kNothingToBackUp);
     EXPECT_TRUE(BecomesIdle());
-    EXPECT_EQ((std::vector<int>{1, 2}), States());
+    EXPECT_EQ((Numbers{1, 2}), States());
     ::PostMessageW(MainWindow(), WM_CLOSE, 0, 0);
     ExpectEnd();
 }
 
 TEST_F(BusyTest, NothingElseIsTakenUnderTheReminderAfterARestore) {
-    device().PutFile(L"\\My Documents\\a.txt", "again");
+    device().PutFile(kNote, "again");
     OpenAll();
     ShowTab("Restore");
-    Press(kRestore);
-    ASSERT_TRUE(Eventually([&] { return Shows("Reminder"); }));
+    PressForReminder(IDC_RESTORE);
     EXPECT_TRUE(IsBusy());
-    const HWND reminder = ::FindWindowW(L"Dialog", L"Reminder");
+    const HWND reminder = Reminder();
     for (const UINT message : {UINT{WM_CLOSE}, kConfirmedBackup, kConfirmedRestore}) {
         const bool is_close = message == WM_CLOSE;
         EXPECT_TRUE(sim::host::AnswerTime(is_close ? MainWindow() : OperationWindow(), kLimitMs,
-                                          message, 1, is_close ? 0 : kRestore));
+                                          message, 1, is_close ? 0 : IDC_RESTORE));
     }
     EXPECT_TRUE(::IsWindow(reminder));
     EXPECT_FALSE(Shows("Backing up in progress"));
-    ExpectReminder(tests::kRestoredReminder, tests::kCancel);
+    RefuseReminder(kRestoredReminder);
     EXPECT_TRUE(BecomesIdle());
-    EXPECT_EQ((std::vector<int>{1, 2}), States());
+    EXPECT_EQ((Numbers{1, 2}), States());
 }
 
 // A box has a loop of its own, in which a second operation would nest.
 TEST_F(BusyTest, ARequestUnderABoxIsDropped) {
     Open();
-    ::PostMessageW(OperationWindow(), kConfirmedBackup, 1, 0);
-    ::PostMessageW(OperationWindow(), kConfirmedBackup, 1, 0);
-    ASSERT_TRUE(Eventually([&] { return BoxIsUp(); }));
+    PostBackup();
+    PostBackup();
+    ASSERT_SOON(BoxIsUp());
     device().PutFile(L"\\My Documents\\b.txt", "new");
-    ::PostMessageW(OperationWindow(), kConfirmedBackup, 1, 0);
-    ::PostMessageW(OperationWindow(), kConfirmedRestore, 1, kRestore);
+    PostBackup();
+    PostRestore(IDC_RESTORE);
     EXPECT_TRUE(IsBusy());
-    ExpectBox(tests::kInformationBox, "Difference not found. There is nothing to Backup.");
+    ExpectBox(kNothingToBackUp);
     EXPECT_TRUE(BecomesIdle());
     Pause(200);
     EXPECT_FALSE(IsBusy());
     EXPECT_EQ(1u, BoxCount());
-    EXPECT_EQ((std::vector<int>{1, 2}), States());
+    EXPECT_EQ((Numbers{1, 2}), States());
     EXPECT_TRUE(device().Exists(L"\\My Documents\\b.txt"));
 }
 
@@ -178,21 +171,18 @@ TEST_F(BusyTest, ARequestUnderABoxIsDropped) {
 TEST_F(BusyTest, ADroppedRequestIsNoLongerPending) {
     SetDword("Reminders", 14);
     Open();
-    const HWND page = ::GetParent(Handle(1018));
-    ::PostMessageW(page, WM_COMMAND, 1001, 0);
-    ASSERT_TRUE(Eventually([&] { return Shows("Reminder"); }));
-    const HWND first = ::FindWindowW(L"Dialog", L"Reminder");
-    ::PostMessageW(page, WM_COMMAND, 1001, 0);
-    HWND second = nullptr;
-    ASSERT_TRUE(Eventually([&] {
-        second = ::FindWindowW(L"Dialog", L"Reminder");
-        return second != nullptr && second != first;
-    }));
+    const HWND page = PageOf(IDC_NEW_DESCRIPTION);
+    ::PostMessageW(page, WM_COMMAND, IDC_BACKUP, 0);
+    ASSERT_SOON(Shows("Reminder"));
+    const HWND first = Reminder();
+    ::PostMessageW(page, WM_COMMAND, IDC_BACKUP, 0);
+    const HWND second = Await([] { return Reminder(); },
+                              [&](HWND window) { return window != nullptr && window != first; });
     ::PostMessageW(second, WM_COMMAND, IDOK, 0);
-    ASSERT_TRUE(Eventually([&] { return BoxIsUp(); }));
+    ASSERT_SOON(BoxIsUp());
     ::PostMessageW(first, WM_COMMAND, IDOK, 0);
-    ASSERT_TRUE(Eventually([&] { return !::IsWindow(first); }));
-    ExpectBox(tests::kInformationBox, "Difference not found. There is nothing to Backup.");
+    ASSERT_SOON(!::IsWindow(first));
+    ExpectBox(kNothingToBackUp);
     EXPECT_TRUE(BecomesIdle());
     EXPECT_EQ(1u, BoxCount());
     ::PostMessageW(MainDialog(), WM_CLOSE, 0, 0);
@@ -205,18 +195,19 @@ TEST_F(BusyTest, NothingClosesTheProgramWhileABackupWorks) {
     const HWND dialog = MainDialog();
     Ask("counters clear");
     HoldCall("GlobalMemoryStatus");
-    Press(1001);
-    ASSERT_TRUE(Eventually([&] { return Counted("GlobalMemoryStatus") == 1; }));
-    EXPECT_TRUE(sim::host::AnswerTime(dialog, kLimitMs, WM_COMMAND, 40004));
-    EXPECT_TRUE(sim::host::AnswerTime(dialog, kLimitMs, WM_COMMAND, 40014));
+    Press(IDC_BACKUP);
+    ASSERT_SOON(Counted("GlobalMemoryStatus") == 1);
+    EXPECT_TRUE(sim::host::AnswerTime(dialog, kLimitMs, WM_COMMAND, IDM_CLOSE));
+    EXPECT_TRUE(sim::host::AnswerTime(dialog, kLimitMs, WM_COMMAND, IDM_QUIT));
     EXPECT_TRUE(sim::host::AnswerTime(dialog, kLimitMs, WM_CLOSE));
     EXPECT_TRUE(sim::host::AnswerTime(MainWindow(), kLimitMs, WM_CLOSE));
     LetGo();
     EXPECT_TRUE(sim::host::AnswerTime(OperationWindow(), kLimitMs, WM_NULL));
-    EXPECT_TRUE(Eventually([&] { return States().size() == 3; }));
+    EXPECT_SOON_EQ(3u, States().size());
     EXPECT_TRUE(::IsWindow(dialog));
     EXPECT_TRUE(BecomesIdle());
     EXPECT_TRUE(ProgramRuns());
 }
 
 }  // namespace
+}  // namespace tests

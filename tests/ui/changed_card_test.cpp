@@ -1,19 +1,16 @@
 // A card that is taken out while the program runs, and another one, with files of the same names,
 // put in: nothing of one storage may reach the other.
-#include "platform/win32.h"
+#include "tests/support/ui_test.h"
 
-#include "tests/ui/ui_test.h"
-
+namespace tests {
 namespace {
-
-const std::wstring kNote = L"\\My Documents\\note.txt";
 
 struct StoragePair {
     std::string storage;
     std::string journal;
 };
 
-class ChangedCardTest : public tests::UiTest {
+class ChangedCardTest : public UiTest {
 protected:
     void SetUp() override {
         UiTest::SetUp();
@@ -21,8 +18,8 @@ protected:
         device().PutFile(kNote, "on the other card");
         BackUp();
         other_ = Pair();
-        device().Remove(tests::kStorageFile);
-        device().Remove(tests::kJournalFile);
+        device().Remove(kStorageFile);
+        device().Remove(kJournalFile);
         device().PutFile(kNote, "first");
         BackUp();
         device().PutFile(kNote, "second");
@@ -30,14 +27,14 @@ protected:
         device().PutFile(kNote, "now");
     }
     void ChangeCard() {
-        device().PutFile(tests::kStorageFile, other_.storage);
-        device().PutFile(tests::kJournalFile, other_.journal);
+        device().PutFile(kStorageFile, other_.storage);
+        device().PutFile(kJournalFile, other_.journal);
     }
     StoragePair Pair() {
-        return {device().FileBytes(tests::kStorageFile), device().FileBytes(tests::kJournalFile)};
+        return {device().FileBytes(kStorageFile), device().FileBytes(kJournalFile)};
     }
     void ExpectRefusal() {
-        ExpectBox(tests::kErrorBox, "Journal read Fail.");
+        ExpectBox(kJournalUnread);
         EXPECT_TRUE(BecomesIdle());
         EXPECT_EQ(other_.storage, Pair().storage);
         EXPECT_EQ(other_.journal, Pair().journal);
@@ -51,36 +48,33 @@ private:
 TEST_F(ChangedCardTest, ABackupLeavesTheOtherStorageAlone) {
     Open();
     ChangeCard();
-    Press(1001);
+    Press(IDC_BACKUP);
     ExpectRefusal();
 }
 
 TEST_F(ChangedCardTest, ARestoreLeavesTheDeviceAlone) {
-    Open();
-    ShowTab("Restore");
+    OpenOn("Restore");
     ChangeCard();
-    Press(1002);
+    Press(IDC_RESTORE);
     ExpectRefusal();
 }
 
 TEST_F(ChangedCardTest, DifferencesOfTheOldCardAreNotRestored) {
     Open();
-    ShowTab("Advanced Restore");
-    Keys("alt+s");
-    Keys("enter");
-    EXPECT_TRUE(Eventually([&] { return Text(1041) == "Differences from State 1 to State 2"; }));
+    ShowDifferences();
     ChangeCard();
-    Press(1038);
+    Press(IDC_TAKE_BACK_CHANGES);
     ExpectRefusal();
 }
 
 TEST_F(ChangedCardTest, AfterwardsTheStorageIsChosenAgain) {
     Open();
     ChangeCard();
-    Press(1001);
+    Press(IDC_BACKUP);
     ExpectRefusal();
-    Press(1001);
-    EXPECT_TRUE(Eventually([&] { return SelectedTab() == "Storage file"; }));
+    Press(IDC_BACKUP);
+    ExpectTab("Storage file");
 }
 
 }  // namespace
+}  // namespace tests

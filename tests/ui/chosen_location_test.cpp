@@ -1,52 +1,53 @@
 // Where a chosen storage comes to lie: folders with dots, settings that refuse it, long names.
 #include "tests/ui/storage_ui_test.h"
 
+namespace tests {
 namespace {
 
-class ChosenLocationTest : public tests::StorageUiTest {
+class ChosenLocationTest : public StorageUiTest {
 protected:
     void ChooseNewWithoutDescription(const std::string& name) {
         ChooseNew(name);
-        AnswerDescription(tests::kCancel);
+        AnswerDescription(IDCANCEL);
     }
     void ExpectNoneOpenFor(const std::string& stem) {
-        EXPECT_TRUE(Eventually([&] { return Setting("StorageFile") == stem; }));
+        EXPECT_SOON_EQ(stem, SettingText("StorageFile"));
         ExpectNoneOpen();
         EXPECT_EQ(0u, BoxCount());
     }
 };
 
 TEST_F(ChosenLocationTest, FolderAndStemAreKept) {
-    device().PutFile(L"\\Storage Card\\Backups\\Home.sav", tests::EmptyStorage(u"at home"));
+    device().PutFile(L"\\Storage Card\\Backups\\Home.sav", EmptyStorage(u"at home"));
     device().PutFile(L"\\Storage Card\\Backups\\Home.two.jrn", "");
     OpenPage();
     ChooseFile("\\Storage Card\\Backups\\Home.two.jrn");  // a stem ends at its first dot
     EXPECT_TRUE(NameBecomes("Home"));
-    EXPECT_EQ("at home", Text(tests::kStorageDescription));
-    EXPECT_EQ("Home", Setting("StorageFile"));
-    EXPECT_EQ("\\Storage Card\\Backups\\", Setting("StoragePath"));
-    EXPECT_EQ("\\Storage Card\\Backups\\", Text(tests::kStorageFolder));
+    EXPECT_EQ("at home", Text(IDC_STORAGE_DESCRIPTION));
+    EXPECT_EQ("Home", SettingText("StorageFile"));
+    EXPECT_EQ("\\Storage Card\\Backups\\", SettingText("StoragePath"));
+    EXPECT_EQ("\\Storage Card\\Backups\\", Text(IDC_STORAGE_FOLDER));
     ChooseNewWithoutDescription("\\Root");
     EXPECT_TRUE(NameBecomes("Root"));
-    EXPECT_EQ("\\", Setting("StoragePath"));
-    EXPECT_EQ("\\", Text(tests::kStorageFolder));
+    EXPECT_EQ("\\", SettingText("StoragePath"));
+    EXPECT_EQ("\\", Text(IDC_STORAGE_FOLDER));
     EXPECT_EQ(236u, device().FileBytes(L"\\Root.sav").size());
 }
 
-// The first dot of the whole path ends the storage file's name, a folder's too, on purpose.
+// The first dot of the whole path ends the storage file's name, a folder's too (oddity 4).
 TEST_F(ChosenLocationTest, ADotInAFolderCutsTheStorageFilesPath) {
     device().MakeFolder(L"\\Storage Card\\my.backup");
     OpenPage();
     ChooseNewWithoutDescription("\\Storage Card\\my.backup\\data");
     EXPECT_TRUE(NameBecomes("data"));
-    EXPECT_EQ("\\Storage Card\\my.backup\\", Setting("StoragePath"));
+    EXPECT_EQ("\\Storage Card\\my.backup\\", SettingText("StoragePath"));
     EXPECT_EQ(236u, device().FileBytes(L"\\Storage Card\\my.sav").size());
     EXPECT_EQ("", device().FileBytes(L"\\Storage Card\\my.backup\\data.jrn"));
     EXPECT_FALSE(device().Exists(L"\\Storage Card\\my.backup\\data.sav"));
     // Its neighbour shares the storage file and is opened as it stands.
     ChooseNew("\\Storage Card\\my.backup\\more");
     EXPECT_TRUE(NameBecomes("more"));
-    EXPECT_FALSE(Shows(tests::kDescriptionTitle));
+    EXPECT_FALSE(Shows(kDescriptionTitle));
     EXPECT_EQ(0u, BoxCount());
 }
 
@@ -54,20 +55,20 @@ TEST_F(ChosenLocationTest, ADotInAFolderCutsTheStorageFilesPath) {
 // and names belong together.
 TEST_F(ChosenLocationTest, ARefusedFolderOpensTheStorageThatTheSettingsNameOrNone) {
     DeleteSetting("StoragePath");
-    const std::string storage = device().FileBytes(tests::kOtherStorage);
+    const std::string storage = device().FileBytes(kOtherStorage);
     Open();
     ChooseFile("\\Storage Card\\Tolvenar\\Other.jrn");
     ExpectNoneOpenFor("Other");
-    EXPECT_EQ("no value", Setting("StoragePath"));
-    EXPECT_EQ(storage, device().FileBytes(tests::kOtherStorage));
+    EXPECT_EQ("no value", SettingText("StoragePath"));
+    EXPECT_EQ(storage, device().FileBytes(kOtherStorage));
     device().PutFile(L"\\Program Files\\Tolvenar\\Storage\\Other.sav",
-                     tests::EmptyStorage(u"beside the program"));
+                     EmptyStorage(u"beside the program"));
     ChooseFile("\\Storage Card\\Tolvenar\\Other.jrn");
     EXPECT_TRUE(NameBecomes("Other"));
-    EXPECT_EQ("beside the program", Text(tests::kStorageDescription));
-    EXPECT_EQ("\\Program Files\\Tolvenar\\Storage\\", Text(tests::kStorageFolder));
+    EXPECT_EQ("beside the program", Text(IDC_STORAGE_DESCRIPTION));
+    EXPECT_EQ("\\Program Files\\Tolvenar\\Storage\\", Text(IDC_STORAGE_FOLDER));
     ShowTab("Restore");
-    EXPECT_TRUE(Items(1014).empty());
+    EXPECT_TRUE(Items(IDC_STATES).empty());
 }
 
 // Settings of more than 129 characters are written and not read back.
@@ -87,3 +88,4 @@ TEST_F(ChosenLocationTest, ANameOrFolderThatIsTooLongLeavesNoStorageOpen) {
 }
 
 }  // namespace
+}  // namespace tests

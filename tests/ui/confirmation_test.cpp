@@ -1,135 +1,118 @@
 // The step between a wish and its operation.
-#include "platform/win32.h"
+#include <algorithm>
 
-#include "tests/ui/ui_test.h"
+#include "tests/support/ui_test.h"
 
+namespace tests {
 namespace {
 
-constexpr UINT kConfirmedBackup = WM_APP + 124;
-constexpr UINT kConfirmedRestore = WM_APP + 128;
-
-class ConfirmationTest : public tests::UiTest {
+class ConfirmationTest : public UiTest {
 protected:
-    using Texts = std::vector<std::string>;
     void SetUp() override {
         UiTest::SetUp();
         BackUpThenChange();
     }
-    bool StatesBecome(const std::vector<int>& states) {
-        return Eventually([&] { return States() == states && !IsBusy(); });
-    }
     // The answers that reached the operation window: message, wParam, lParam.
     Texts Answers() {
         Texts answers;
-        for (const auto& line : Ask("trace show PostMessageW")) {
-            const std::string arguments = line["arguments"];
-            for (const char* message : {"32890", "32892", "32896"}) {  // WM_APP + 122, 124, 128
-                const std::size_t at = arguments.find(std::string(", ") + message + ", ");
-                if (at != std::string::npos) {
-                    answers.push_back(arguments.substr(at + 2));
+        for (const Call& call : Traced("PostMessageW")) {
+            for (const std::string& message : {kTracedRestored, kTracedBackup, kTracedRestore}) {
+                if (call.Has(message)) {
+                    answers.push_back(message.substr(2) + call.Behind(message));
                 }
             }
         }
         return answers;
     }
-    void ExpectAnswers(const Texts& expected) {
-        Eventually([&] { return Answers() == expected; });
-        EXPECT_EQ(expected, Answers());
-    }
-    // The line of the trace with the first such call; behind all lines when there is none.
+    void ExpectAnswers(const Texts& expected) { EXPECT_SOON_EQ(expected, Answers()); }
+    // The place in the trace of the first such call; behind all when there is none.
     std::size_t PlaceOf(const std::string& function, const std::string& in_arguments) {
-        std::size_t place = 0;
-        for (const auto& line : Ask("trace show")) {
-            const std::string arguments = line["arguments"];
-            if (line["function"] == function && arguments.find(in_arguments) != std::string::npos) {
-                break;
-            }
-            ++place;
-        }
-        return place;
+        const std::vector<Call> calls = Traced();
+        const auto found = std::find_if(calls.begin(), calls.end(), [&](const Call& call) {
+            return call.function == function && call.Has(in_arguments);
+        });
+        return static_cast<std::size_t>(found - calls.begin());
     }
     // How often the list of states was emptied to be filled before the answer `answer` was posted:
     // once when the page was made, once more for a request that goes on.
     int FillsBefore(const std::string& answer) {
         int fills = 0;
-        for (const auto& line : Ask("trace show")) {
-            const std::string arguments = line["arguments"];
-            if (line["function"] == "PostMessageW" &&
-                arguments.find(", " + answer) != std::string::npos) {
+        for (const Call& call : Traced()) {
+            if (call.function == "PostMessageW" && call.Has(answer)) {
                 return fills;
             }
-            fills += arguments.find(", 388, 0, 0") != std::string::npos ? 1 : 0;  // LB_RESETCONTENT
+            fills += call.Has(", 388, 0, 0") ? 1 : 0;  // LB_RESETCONTENT
         }
         return -1;
+    }
+    void ExpectAllReminders() {
+        Open();
+        BackUpInDialog();
+        ExpectStates({1, 2});
+        EXPECT_EQ(14u, Dword("Reminders"));
     }
 };
 
 TEST_F(ConfirmationTest, ABackupAsksFirst) {
     Open();
-    Press(1001);
-    ASSERT_TRUE(Eventually([&] { return Shows("Reminder"); }));
-    EXPECT_EQ(tests::kBackupReminder, Text(1032));
-    EXPECT_TRUE(Sees(1030));
-    EXPECT_EQ("&Do not show this reminder again", Text(1030));
-    EXPECT_TRUE(Control(1)->at("focused"));
-    EXPECT_FALSE(Top("Tolvenar")->at("enabled"));
-    Press(tests::kOk);
-    EXPECT_TRUE(StatesBecome({1, 2}));
-    ExpectAnswers(Texts{"32892, 1, 0"});
-    EXPECT_LT(PlaceOf("RegSetValueExW", "Reminders"), PlaceOf("PostMessageW", ", 32892, 1, "));
+    PressForReminder(IDC_BACKUP);
+    EXPECT_SOON_EQ(kBackupReminder, Text(IDC_REMINDER_TEXT));
+    EXPECT_TRUE(Sees(IDC_REMINDER_OFF));
+    EXPECT_EQ("&Do not show this reminder again", Text(IDC_REMINDER_OFF));
+    EXPECT_TRUE(FocusComesTo(IDOK));
+    EXPECT_SOON(IsDisabled(kMainTitle));
+    Press(IDOK);
+    ExpectStates({1, 2});
+    ExpectAnswers({"32892, 1, 0"});
+    EXPECT_LT(PlaceOf("RegSetValueExW", "Reminders"),
+              PlaceOf("PostMessageW", kTracedBackup + "1, "));
 }
 
 TEST_F(ConfirmationTest, ARefusedBackupRunsNothing) {
     Open();
-    Press(1001);
-    ExpectReminder(tests::kBackupReminder, tests::kCancel);
-    ExpectAnswers(Texts{"32892, 0, 0"});
+    Press(IDC_BACKUP);
+    RefuseReminder(kBackupReminder);
+    ExpectAnswers({"32892, 0, 0"});
     Pause(300);
-    EXPECT_EQ(std::vector<int>{1}, States());
-    EXPECT_TRUE(Top("Tolvenar")->at("enabled"));
+    EXPECT_EQ(Numbers{1}, States());
+    EXPECT_SOON(IsEnabled(kMainTitle));
 }
 
 TEST_F(ConfirmationTest, ARestoreAsksFirstAndItsCancelHasTheFocus) {
-    Open();
-    ShowTab("Restore");
-    Press(1002);
-    ASSERT_TRUE(Eventually([&] { return Shows("Reminder"); }));
-    EXPECT_EQ(tests::kRestoreReminder, Text(1032));
-    EXPECT_TRUE(Control(2)->at("focused"));
+    OpenOn("Restore");
+    PressForReminder(IDC_RESTORE);
+    EXPECT_SOON_EQ(kRestoreReminder, Text(IDC_REMINDER_TEXT));
+    EXPECT_TRUE(FocusComesTo(IDCANCEL));
     Keys("enter");
-    EXPECT_TRUE(Eventually([&] { return !Shows("Reminder"); }));
-    ExpectAnswers(Texts{"32896, 0, 1002"});
-    EXPECT_EQ(1, FillsBefore("32896, 0, "));
-    EXPECT_EQ("changed", device().FileBytes(L"\\My Documents\\a.txt"));
+    EXPECT_SOON(!Shows("Reminder"));
+    ExpectAnswers({"32896, 0, " + std::to_string(IDC_RESTORE)});
+    EXPECT_EQ(1, FillsBefore(kTracedRestore + "0, "));
+    EXPECT_EQ("changed", device().FileBytes(kNote));
 }
 
 TEST_F(ConfirmationTest, AConfirmedRestoreHandsItsButtonOn) {
-    Open();
-    ShowTab("Restore");
+    OpenOn("Restore");
     RestoreInDialog();
-    ExpectReminder(tests::kRestoredReminder, tests::kCancel);
-    EXPECT_EQ("hello", device().FileBytes(L"\\My Documents\\a.txt"));
-    ExpectAnswers(Texts{"32896, 1, 1002", "32890, 0, 0"});
+    RefuseReminder(kRestoredReminder);
+    EXPECT_EQ("hello", device().FileBytes(kNote));
+    ExpectAnswers({"32896, 1, " + std::to_string(IDC_RESTORE), "32890, 0, 0"});
 }
 
 TEST_F(ConfirmationTest, AfterARestoreTheBoxIsHiddenAndOkEndsTheProgram) {
     SetDword("Reminders", 14);
-    Open();
-    ShowTab("Restore");
+    OpenOn("Restore");
     RestoreInDialog();
-    ASSERT_TRUE(
-        Eventually([&] { return Shows("Reminder") && Text(1032) == tests::kRestoredReminder; }));
-    EXPECT_FALSE(Sees(1030));
-    Press(tests::kOk);
+    ASSERT_SOON(Shows("Reminder") && Text(IDC_REMINDER_TEXT) == kRestoredReminder);
+    EXPECT_FALSE(Sees(IDC_REMINDER_OFF));
+    Press(IDOK);
     ExpectEnd();
     EXPECT_EQ(14u, Dword("Reminders"));
 }
 
 TEST_F(ConfirmationTest, RefusingToEndKeepsTheProgram) {
-    Open();
-    ShowTab("Restore");
+    OpenOn("Restore");
     RestoreInDialog();
-    ExpectReminder(tests::kRestoredReminder, tests::kCancel);
+    RefuseReminder(kRestoredReminder);
     EXPECT_TRUE(BecomesIdle());
     EXPECT_TRUE(ProgramRuns());
     EXPECT_EQ("Restore", SelectedTab());
@@ -138,95 +121,82 @@ TEST_F(ConfirmationTest, RefusingToEndKeepsTheProgram) {
 TEST_F(ConfirmationTest, WithItsBitClearAGoodRestoreJustEndsTheProgram) {
     SetDword("Reminders", 12);  // part of the state that is restored
     BackUpThenChange();
-    Open();
-    ShowTab("Restore");
+    OpenOn("Restore");
     RestoreInDialog();
     ExpectEnd();
-    EXPECT_EQ("hello", device().FileBytes(L"\\My Documents\\a.txt"));
+    EXPECT_EQ("hello", device().FileBytes(kNote));
     EXPECT_EQ(12u, Dword("Reminders"));
 }
 
 TEST_F(ConfirmationTest, TheCheckBoxSwitchesTheReminderOff) {
     Open();
-    Press(1001);
-    ASSERT_TRUE(Eventually([&] { return Shows("Reminder"); }));
-    Press(1030);
-    EXPECT_TRUE(Eventually([&] { return Control(1030)->at("check") == 1; }));
-    Press(tests::kOk);
-    EXPECT_TRUE(StatesBecome({1, 2}));
+    PressForReminder(IDC_BACKUP);
+    Press(IDC_REMINDER_OFF);
+    EXPECT_SOON(IsChecked(IDC_REMINDER_OFF));
+    Press(IDOK);
+    ExpectStates({1, 2});
     EXPECT_EQ(10u, Dword("Reminders"));
 
     device().PutFile(L"\\My Documents\\b.txt", "more");
     ShowTab("Backup");
-    Press(1001);
-    EXPECT_TRUE(StatesBecome({1, 2, 3}));
+    Press(IDC_BACKUP);
+    ExpectStates({1, 2, 3});
     EXPECT_FALSE(Shows("Reminder"));
 }
 
 TEST_F(ConfirmationTest, CancelLeavesTheSettingAlone) {
     SetDword("Reminders", 6);
     Open();
-    Press(1001);
-    ASSERT_TRUE(Eventually([&] { return Shows("Reminder"); }));
-    Press(1030);
-    Press(tests::kCancel);
-    EXPECT_TRUE(Eventually([&] { return !Shows("Reminder"); }));
+    PressForReminder(IDC_BACKUP);
+    Press(IDC_REMINDER_OFF);
+    Press(IDCANCEL);
+    EXPECT_SOON(!Shows("Reminder"));
     EXPECT_EQ(6u, Dword("Reminders"));
 }
 
 TEST_F(ConfirmationTest, AnAbsentSettingShowsAllReminders) {
     ASSERT_FALSE(Dword("Reminders").has_value());
-    Open();
-    Press(1001);
-    ExpectReminder(tests::kBackupReminder, tests::kOk);
-    EXPECT_TRUE(StatesBecome({1, 2}));
-    EXPECT_EQ(14u, Dword("Reminders"));
+    ExpectAllReminders();
 }
 
 TEST_F(ConfirmationTest, AnOddSettingShowsAllReminders) {
     SetDword("Reminders", 0x80000000u);
-    Open();
-    Press(1001);
-    ExpectReminder(tests::kBackupReminder, tests::kOk);
-    EXPECT_TRUE(StatesBecome({1, 2}));
-    EXPECT_EQ(14u, Dword("Reminders"));
+    ExpectAllReminders();
 }
 
 // The list is filled again before the answer is posted, and must still say what the user chose;
 // after the restore it begins anew.
 TEST_F(ConfirmationTest, TheChosenStateIsRestoredNotTheNewest) {
     BackUp();
-    device().PutFile(L"\\My Documents\\a.txt", "third");
+    device().PutFile(kNote, "third");
     BackUp();
     for (const unsigned reminders : {14u, 6u}) {
         SetDword("Reminders", reminders);
-        Open();
-        ShowTab("Restore");
-        Select(1014, "State 1");
-        Press(1002);
+        OpenOn("Restore");
+        Select(IDC_STATES, "State 1");
+        Press(IDC_RESTORE);
         if (reminders == 14u) {
-            ExpectReminder(tests::kRestoreReminder);
+            ExpectReminder(kRestoreReminder);
         }
-        EXPECT_TRUE(Eventually(
-            [&] { return Shows("Reminder") && Text(1032) == tests::kRestoredReminder; }));
-        EXPECT_EQ(0, Selected(1014));
-        ExpectReminder(tests::kRestoredReminder, tests::kOk);
+        EXPECT_SOON(Shows("Reminder") && Text(IDC_REMINDER_TEXT) == kRestoredReminder);
+        EXPECT_EQ(0, Selected(IDC_STATES));
+        ExpectReminder(kRestoredReminder);
         ExpectEnd();
-        EXPECT_EQ(2, FillsBefore("32896, 1, "));
-        EXPECT_EQ("hello", device().FileBytes(L"\\My Documents\\a.txt"));
-        device().PutFile(L"\\My Documents\\a.txt", "third");
+        EXPECT_EQ(2, FillsBefore(kTracedRestore + "1, "));
+        EXPECT_EQ("hello", device().FileBytes(kNote));
+        device().PutFile(kNote, "third");
     }
 }
 
 TEST_F(ConfirmationTest, ARefusalThatReachesTheOperationWindowIsIgnored) {
     Open();
-    const HWND window = ::FindWindowW(L"TolvenarOperationClass", nullptr);
-    ::PostMessageW(window, kConfirmedBackup, 0, 0);
-    ::PostMessageW(window, kConfirmedRestore, 0, 1002);
+    ::PostMessageW(OperationWindow(), kConfirmedBackup, 0, 0);
+    ::PostMessageW(OperationWindow(), kConfirmedRestore, 0, IDC_RESTORE);
     Pause(500);
     EXPECT_FALSE(IsBusy());
-    EXPECT_EQ(std::vector<int>{1}, States());
-    EXPECT_EQ("changed", device().FileBytes(L"\\My Documents\\a.txt"));
+    EXPECT_EQ(Numbers{1}, States());
+    EXPECT_EQ("changed", device().FileBytes(kNote));
 }
 
 }  // namespace
+}  // namespace tests

@@ -1,27 +1,21 @@
 // A name that does not exist yet becomes a new storage, with the description that the user gives.
-#include "platform/win32.h"
-
 #include <cstring>
 
 #include "simulator/gate/gate.h"
 #include "tests/ui/storage_ui_test.h"
 
+namespace tests {
 namespace {
 
 const std::wstring kNew = L"\\Storage Card\\Tolvenar\\New";
 constexpr std::size_t kDescriptionAt = 232;
 
-class DescriptionDialogTest : public tests::StorageUiTest {
+class DescriptionDialogTest : public StorageUiTest {
 protected:
-    void TearDown() override {
-        EXPECT_EQ("[]", device().Faults());
-        StorageUiTest::TearDown();
-    }
     void ChooseNewName(const std::string& name) {
         ChooseNew(name);
-        ASSERT_TRUE(Eventually(
-            [&] { return Shows(tests::kDescriptionTitle) && Sees(tests::kDescriptionText); }));
-        EXPECT_TRUE(FocusComesTo(tests::kDescriptionText));
+        ASSERT_SOON(Shows(kDescriptionTitle) && Sees(IDC_DESCRIPTION_TEXT));
+        EXPECT_TRUE(FocusComesTo(IDC_DESCRIPTION_TEXT));
     }
     std::string Storage(const std::wstring& ending = L"") {
         return device().FileBytes(kNew + ending + L".sav");
@@ -44,7 +38,7 @@ protected:
     }
     void ExpectWithoutDescription(const std::wstring& ending) {
         EXPECT_TRUE(NameBecomes("New" + std::string(ending.begin(), ending.end())));
-        EXPECT_EQ(" ", Text(tests::kStorageDescription));
+        EXPECT_EQ(" ", Text(IDC_STORAGE_DESCRIPTION));
         ASSERT_EQ(236u, Storage(ending).size());
         EXPECT_EQ(std::string(8, '\0'), Storage(ending).substr(228));
         EXPECT_EQ("", Journal(ending));
@@ -53,7 +47,7 @@ protected:
     void ExpectNothingMade() {
         EXPECT_TRUE(RulesAreUsedUp());
         ExpectFirstOpen();
-        EXPECT_FALSE(Shows(tests::kDescriptionTitle));
+        EXPECT_FALSE(Shows(kDescriptionTitle));
         EXPECT_FALSE(device().Exists(kNew + L".sav"));
         EXPECT_FALSE(device().Exists(kNew + L".jrn"));
     }
@@ -63,68 +57,66 @@ TEST_F(DescriptionDialogTest, OffersTheDevicesTextAndTakesWhatIsTypedBelowIt) {
     Ask("reg-set HKLM\\Ident OrigName REG_SZ \"My handheld\"");
     OpenPage();
     ChooseNewName("New");
-    const std::string text = Text(tests::kDescriptionText);
+    const std::string text = Text(IDC_DESCRIPTION_TEXT);
     EXPECT_EQ(0u, text.find("Device: My handheld, Processor:StrongARM(2577)\r\nWindows CE "
                             "v3.00\r\nStorage created at Monday, November 16, 2026, 9:"))
         << text;
     EXPECT_EQ(" AM\r\n----------\r\n", text.substr(text.size() - 17));
-    EXPECT_FALSE(Top("Tolvenar")->at("enabled"));
-    const std::string edit = sim::Describe(reinterpret_cast<const void*>(
-        Control(tests::kDescriptionText)->at("handle").get<std::uintptr_t>()));
+    EXPECT_SOON(IsDisabled(kMainTitle));
+    const std::string edit = sim::Describe(static_cast<const void*>(Handle(IDC_DESCRIPTION_TEXT)));
     EXPECT_EQ(1u, Calls("SendMessageW", edit + ", 197, 199, "));       // EM_LIMITTEXT
     EXPECT_EQ(1u, Calls("SendMessageW", edit + ", 177, 1000, 1000"));  // EM_SETSEL
     for (const char* key : {"m", "enter", "n"}) {
         Keys(key);
     }
-    EXPECT_TRUE(Eventually([&] { return Text(tests::kDescriptionText) == text + "m\r\nn"; }));
-    Keys("tab");
-    EXPECT_TRUE(FocusComesTo(tests::kOk));
+    EXPECT_SOON_EQ(text + "m\r\nn", Text(IDC_DESCRIPTION_TEXT));
+    ExpectFocus("tab", IDOK);
     Keys("enter");
     EXPECT_TRUE(NameBecomes("New"));
-    EXPECT_EQ(text + "m\r\nn", Text(tests::kStorageDescription));
+    EXPECT_EQ(text + "m\r\nn", Text(IDC_STORAGE_DESCRIPTION));
     EXPECT_EQ(text + "m\r\nn", Description(Storage()));
 }
 
 TEST_F(DescriptionDialogTest, ANewNameBecomesAnEmptyStorageWithUpTo199Characters) {
     OpenPage();
     ChooseNewName("New");
-    Type(tests::kDescriptionText, "0123456789");
+    Type(IDC_DESCRIPTION_TEXT, "0123456789");
     AnswerDescription();
     EXPECT_TRUE(NameBecomes("New"));
-    EXPECT_EQ("0123456789", Text(tests::kStorageDescription));
-    EXPECT_EQ("New", Setting("StorageFile"));
+    EXPECT_EQ("0123456789", Text(IDC_STORAGE_DESCRIPTION));
+    EXPECT_EQ("New", SettingText("StorageFile"));
     EXPECT_EQ(252u, Storage().size());
     EXPECT_EQ(20u, DescriptionBytes(Storage()));
     EXPECT_EQ("0123456789", Description(Storage()));
     EXPECT_EQ("", Journal());
     EXPECT_EQ(0u, BoxCount());
     ShowTab("Restore");
-    EXPECT_TRUE(Items(1014).empty());
+    EXPECT_TRUE(Items(IDC_STATES).empty());
 
     ShowTab("Storage file");
     ChooseNewName("New2");
-    Type(tests::kDescriptionText, std::string(250, 'd'));
+    Type(IDC_DESCRIPTION_TEXT, std::string(250, 'd'));
     AnswerDescription();
     EXPECT_TRUE(NameBecomes("New2"));
     EXPECT_EQ(398u, DescriptionBytes(Storage(L"2")));
     EXPECT_EQ(std::string(199, 'd'), Description(Storage(L"2")));
-    EXPECT_EQ(std::string(199, 'd'), Text(tests::kStorageDescription));
+    EXPECT_EQ(std::string(199, 'd'), Text(IDC_STORAGE_DESCRIPTION));
 }
 
 TEST_F(DescriptionDialogTest, CancelEscapeAndAnEmptyTextMakeAStorageWithoutADescription) {
     OpenPage();
     ChooseNewName("New1");
-    AnswerDescription(tests::kCancel);
+    AnswerDescription(IDCANCEL);
     ExpectWithoutDescription(L"1");
     ChooseNewName("New2");
     Keys("esc");
     ExpectWithoutDescription(L"2");
     ChooseNewName("New3");
-    Type(tests::kDescriptionText, "");
+    Type(IDC_DESCRIPTION_TEXT, "");
     AnswerDescription();
     ExpectWithoutDescription(L"3");
     ChooseNewName("New4");
-    Type(tests::kDescriptionText, " ");
+    Type(IDC_DESCRIPTION_TEXT, " ");
     AnswerDescription();
     EXPECT_TRUE(NameBecomes("New4"));
     EXPECT_EQ(" ", Description(Storage(L"4")));
@@ -133,19 +125,19 @@ TEST_F(DescriptionDialogTest, CancelEscapeAndAnEmptyTextMakeAStorageWithoutADesc
 TEST_F(DescriptionDialogTest, AStorageThatCannotBeMadeLeavesNothingBehind) {
     OpenPage();
     ChooseFile("New");
-    ASSERT_TRUE(Eventually([&] { return BoxIsUp(); }));
-    Press(tests::kNo);
-    EXPECT_TRUE(Eventually([&] { return !BoxIsUp(); }));
-    EXPECT_TRUE(Shows(tests::kOpenTitle));
-    Press(tests::kCancel);
+    ASSERT_SOON(BoxIsUp());
+    Press(IDNO);
+    EXPECT_SOON(!BoxIsUp());
+    EXPECT_TRUE(Shows(kOpenTitle));
+    Press(IDCANCEL);
     ExpectNothingMade();
 
     // The page shows anew what the settings name.
-    SetSetting("StorageFile", "Else");
+    SetText("StorageFile", "Else");
     device().Fault("CreateFileW", 1, 1, 112, "New.sav, 3221225472, 0, 2");
     ChooseNew("New");
     EXPECT_TRUE(NameBecomes("Else"));
-    SetSetting("StorageFile", "Backup");
+    SetText("StorageFile", "Backup");
     device().Fault("CreateFileW", 1, 1, 112, "New.sav, 3221225472, 0, 2");
     ChooseNew("New");
     ExpectNothingMade();
@@ -166,7 +158,7 @@ TEST_F(DescriptionDialogTest, AStorageThatCannotBeMadeLeavesNothingBehind) {
     ChooseNewName("New");
     device().Set("card.free", "0");
     AnswerDescription();
-    ExpectBox(tests::kPlainBox, "Storage header was not created.");
+    ExpectBox(kHeaderUnread);
     ExpectNothingMade();
 }
 
@@ -174,14 +166,13 @@ TEST_F(DescriptionDialogTest, AStorageThatCannotBeMadeLeavesNothingBehind) {
 TEST_F(DescriptionDialogTest, AnOperationUnderItLeavesTheNewStorageUnopened) {
     OpenPage();
     ChooseNewName("New");
-    const HWND dialog = ::FindWindowW(L"Dialog", L"Storage description");
+    const HWND dialog = Dialog(L"Storage description");
     StartHeldBackupOfNote();
     ::PostMessageW(dialog, WM_COMMAND, IDOK, 0);
-    EXPECT_TRUE(Eventually([&] { return !::IsWindow(dialog) && device().Exists(kNew + L".jrn"); }));
-    LetGo();
-    EXPECT_TRUE(BecomesIdle());
-    EXPECT_EQ("Backup", Setting("StorageFile"));
-    EXPECT_EQ((std::vector<int>{1, 2, 3}), States());
+    EXPECT_SOON(!::IsWindow(dialog) && device().Exists(kNew + L".jrn"));
+    LetGoAndRest();
+    EXPECT_EQ("Backup", SettingText("StorageFile"));
+    EXPECT_EQ((Numbers{1, 2, 3}), States());
     EXPECT_EQ(1u, Calls("CreateFileW", "New.sav"));  // made, never opened
     EXPECT_EQ("", Journal());
 }
@@ -189,32 +180,32 @@ TEST_F(DescriptionDialogTest, AnOperationUnderItLeavesTheNewStorageUnopened) {
 // Another copy closes this one for its backup. The loops of dialogs end then with what looks like
 // OK.
 TEST_F(DescriptionDialogTest, ATakeOverUnderItIsCancel) {
-    device().PutFile(tests::kNote, "meanwhile");
+    device().PutFile(kNote, "meanwhile");
     OpenPage();
     ChooseNewName("New");
-    Type(tests::kDescriptionText, "must not be kept");
+    Type(IDC_DESCRIPTION_TEXT, "must not be kept");
     EXPECT_EQ(0, Run("AutoBackup: External"));
     ExpectEnd();
-    EXPECT_EQ("Backup", Setting("StorageFile"));
+    EXPECT_EQ("Backup", SettingText("StorageFile"));
     EXPECT_EQ(236u, Storage().size());
     EXPECT_EQ("", Journal());
-    EXPECT_EQ((std::vector<int>{1, 2, 3}), States());
+    EXPECT_EQ((Numbers{1, 2, 3}), States());
 }
 
 TEST_F(DescriptionDialogTest, ATakeOverUnderTheOpenDialogIsCancel) {
-    device().PutFile(tests::kNote, "meanwhile");
+    device().PutFile(kNote, "meanwhile");
     OpenPage();
     Browse();
-    Type(tests::kOpenName, "Other.jrn");
+    Type(kOpenName, "Other.jrn");
     EXPECT_EQ(0, Run("AutoBackup: External"));
     ExpectEnd();
-    EXPECT_EQ("Backup", Setting("StorageFile"));
-    for (const nlohmann::json& call : Ask("trace show CreateFileW")) {
-        const std::string arguments = call["arguments"];
-        EXPECT_EQ(0u, arguments.find('\\')) << "no path: " << arguments;
-        EXPECT_EQ(std::string::npos, arguments.find("Other"));
+    EXPECT_EQ("Backup", SettingText("StorageFile"));
+    for (const Call& call : Traced("CreateFileW")) {
+        EXPECT_EQ('\\', call.arguments[0]) << "no path: " << call.arguments;
+        EXPECT_FALSE(call.Has("Other"));
     }
-    EXPECT_EQ((std::vector<int>{1, 2, 3}), States());
+    EXPECT_EQ((Numbers{1, 2, 3}), States());
 }
 
 }  // namespace
+}  // namespace tests

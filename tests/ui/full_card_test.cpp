@@ -1,15 +1,10 @@
 // A backup for which the card has no room, and what the user says to it.
-#include "platform/win32.h"
+#include "tests/support/ui_test.h"
 
-#include "tests/ui/ui_test.h"
-
+namespace tests {
 namespace {
 
-const std::string kQuestion =
-    "Not enough disk space to backup. Old Storage may be deleted to free disk "
-    "space.\r\nContinue?";
-
-class FullCardTest : public tests::UiTest {
+class FullCardTest : public UiTest {
 protected:
     void SetUp() override {
         UiTest::SetUp();
@@ -19,15 +14,12 @@ protected:
     // How many bytes the message of the full card asks for.
     long AskedFor() {
         const std::string begin = "Not enough disk space to backup. You need to free ";
-        const tests::Box box = Answer();
+        const Box box = Answer();
         EXPECT_EQ(0u, box.text.find(begin));
-        EXPECT_EQ(unsigned(tests::kErrorBox), box.style);
+        EXPECT_EQ(unsigned(kErrorBox), box.style);
         const std::string rest = box.text.substr(begin.size());
         EXPECT_EQ(" bytes on the storage card.", rest.substr(rest.find(' ')));
         return std::stol(rest);
-    }
-    bool StatesBecome(const std::vector<int>& states) {
-        return Eventually([&] { return States() == states && !IsBusy(); });
     }
 };
 
@@ -36,23 +28,22 @@ TEST_F(FullCardTest, ItTellsWhatIsMissingOnce) {
     Open();
     SetDword("MayDeleteOldStorage", 1);
     device().Set("card.free", "12000");
-    Press(1001);
+    Press(IDC_BACKUP);
     EXPECT_LT(0, AskedFor());
     EXPECT_TRUE(BecomesIdle());
     EXPECT_EQ(1u, BoxCount());
-    EXPECT_EQ(std::vector<int>{1}, States());
+    EXPECT_EQ(Numbers{1}, States());
 }
 
 TEST_F(FullCardTest, ItAsksForTheOldStorageAndKeepsItOnNo) {
     SetDword("MayDeleteOldStorage", 1);
     Open();
     device().Set("card.free", "12000");
-    const std::string before = device().FileBytes(tests::kStorageFile);
-    Press(1001);
-    ExpectBox(tests::kQuestionBox, kQuestion, tests::kNo);
+    const std::string before = device().FileBytes(kStorageFile);
+    PressAndExpect(IDC_BACKUP, kMayOldStorageGo, IDNO);
     EXPECT_LT(0, AskedFor());
     EXPECT_TRUE(BecomesIdle());
-    EXPECT_EQ(before, device().FileBytes(tests::kStorageFile));
+    EXPECT_EQ(before, device().FileBytes(kStorageFile));
 }
 
 TEST_F(FullCardTest, ItGivesUpTheOldStorageOnYes) {
@@ -63,11 +54,10 @@ TEST_F(FullCardTest, ItGivesUpTheOldStorageOnYes) {
     SetDword("MayDeleteOldStorage", 1);
     Open();
     device().Set("card.free", "20000");
-    Press(1001);
-    ExpectBox(tests::kQuestionBox, kQuestion, tests::kYes);
-    EXPECT_TRUE(StatesBecome({1}));
-    EXPECT_TRUE(Eventually([&] { return SelectedTab() == "Restore"; }));
-    EXPECT_EQ(std::vector<std::string>{"State 1"}, Items(1014));
+    PressAndExpect(IDC_BACKUP, kMayOldStorageGo, IDYES);
+    ExpectStates({1});
+    ExpectTab("Restore");
+    EXPECT_EQ(Texts{"State 1"}, Items(IDC_STATES));
     EXPECT_EQ(2u, Calls("SetWindowTextW", ", Backing up in progress"));
     EXPECT_EQ(4u, Calls("RegSetValueExW", "onTime"));
 }
@@ -77,18 +67,19 @@ TEST_F(FullCardTest, OneThatIsStillTooFullIsTold) {
     SetDword("MayDeleteOldStorage", 1);
     Open();
     device().Set("card.free", "100");
-    Press(1001);
-    Answer(tests::kYes);
+    Press(IDC_BACKUP);
+    Answer(IDYES);
     const long missing = AskedFor();
     EXPECT_TRUE(BecomesIdle());
-    EXPECT_EQ(std::vector<int>(), States());
+    EXPECT_EQ(Numbers(), States());
     EXPECT_EQ("Backup", SelectedTab());
     ULARGE_INTEGER free{};
     ASSERT_TRUE(::GetDiskFreeSpaceExW(L"\\Storage Card", &free, nullptr, nullptr));
     device().Set("card.free", std::to_string(free.QuadPart + missing));
-    Press(1001);
-    EXPECT_TRUE(StatesBecome({1}));
+    Press(IDC_BACKUP);
+    ExpectStates({1});
     EXPECT_EQ(2u, BoxCount());
 }
 
 }  // namespace
+}  // namespace tests

@@ -1,24 +1,22 @@
 // A device without its installation: the program is started from the card, as the manual says.
-#include "tests/ui/ui_test.h"
+#include "tests/support/ui_test.h"
 
+namespace tests {
 namespace {
 
 const std::wstring kLetter = L"\\My Documents\\letter.txt";
-const std::wstring kInstalled = L"\\Program Files\\Tolvenar\\Tolvenar.exe";
 const std::string kOnCard = "\\Storage Card\\Tolvenar.exe";
 
-class HardResetTest : public tests::UiTest {
+class HardResetTest : public UiTest {
 protected:
     void SetUp() override {
         UiTest::SetUp();
         device().PutFile(kLetter, "Dear reader");
         SetDword("onTime", 1);
         BackUp();
-        device().PutFile(L"\\Storage Card\\Tolvenar.exe", device().FileBytes(kInstalled));
-        device().PutFile(L"\\Storage Card\\Storage\\Backup.sav",
-                         device().FileBytes(tests::kStorageFile));
-        device().PutFile(L"\\Storage Card\\Storage\\Backup.jrn",
-                         device().FileBytes(tests::kJournalFile));
+        device().PutFile(L"\\Storage Card\\Tolvenar.exe", device().FileBytes(kProgramPath));
+        device().PutFile(L"\\Storage Card\\Storage\\Backup.sav", device().FileBytes(kStorageFile));
+        device().PutFile(L"\\Storage Card\\Storage\\Backup.jrn", device().FileBytes(kJournalFile));
         Ask("reg-delete HKCU\\Software\\Kestrin2");
         device().Remove(L"\\Program Files\\Tolvenar");
         device().Remove(kLetter);
@@ -29,25 +27,26 @@ protected:
 TEST_F(HardResetTest, TheStorageBesideTheProgramBringsTheDeviceBack) {
     Ask("trace on");
     Ask("start \"" + kOnCard + "\"");
-    ASSERT_TRUE(Eventually([&] { return Sees(1000) && SelectedTab() == "Storage file"; }));
-    EXPECT_EQ("", Text(1019));
+    ASSERT_SOON(Sees(IDC_TABS) && SelectedTab() == "Storage file");
+    EXPECT_EQ("", Text(IDC_STORAGE_NAME));
     // A storage comes first: what else is missing is told when there is one.
     ShowTab("Backup");
-    Press(1001);
-    EXPECT_TRUE(Eventually([&] { return SelectedTab() == "Storage file"; }));
-    Press(1012);
-    ASSERT_TRUE(Eventually([&] { return Shows("Choose backup file"); }));
-    Type(0x480, "\\Storage Card\\Storage\\Backup.jrn");
-    Press(tests::kOk);
-    EXPECT_TRUE(Eventually([&] { return Text(1019) == "Backup"; }));
+    Press(IDC_BACKUP);
+    ExpectTab("Storage file");
+    Press(IDC_BROWSE);
+    ASSERT_SOON(Shows(kOpenTitle));
+    Type(kOpenName, "\\Storage Card\\Storage\\Backup.jrn");
+    Press(IDOK);
+    EXPECT_SOON_EQ("Backup", Text(IDC_STORAGE_NAME));
     ShowTab("Restore");
     RestoreInDialog();
-    ExpectReminder(tests::kRestoredReminder, tests::kCancel);
-    EXPECT_TRUE(Eventually([&] { return !Runs(); }));
+    RefuseReminder(kRestoredReminder);
+    EXPECT_SOON(!Runs());
     EXPECT_EQ("Dear reader", device().FileBytes(kLetter));
-    EXPECT_TRUE(device().Exists(kInstalled));
+    EXPECT_TRUE(device().Exists(kProgramPath));
     EXPECT_EQ(0u, BoxCount());
     EXPECT_EQ(0u, Dword("onTime"));  // there again, and off
 }
 
 }  // namespace
+}  // namespace tests

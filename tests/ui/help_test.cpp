@@ -1,25 +1,25 @@
 // The help of the main dialog: what the viewer is started with, and when it is not.
-#include "tests/ui/ui_test.h"
+#include "tests/support/ui_test.h"
 
+namespace tests {
 namespace {
 
-class HelpTest : public tests::UiTest {
+class HelpTest : public UiTest {
 protected:
     // The viewer would come to the front and take the next keys; that it is asked for is enough.
     void OpenWithoutViewer() {
         device().Remove(L"\\Windows\\peghelp.exe");
         Open();
     }
-    std::vector<std::string> Asked() {
-        std::vector<std::string> asked;
-        for (const Json& call : Ask("trace show CreateProcessW")) {
-            asked.push_back(call["arguments"]);
+    Texts Asked() {
+        Texts asked;
+        for (const Call& call : Traced("CreateProcessW")) {
+            asked.push_back(call.arguments);
         }
         return asked;
     }
     void ExpectHelp(const std::string& argument) {
-        EXPECT_TRUE(Eventually([&] { return !Asked().empty(); })) << argument;
-        EXPECT_EQ(std::vector<std::string>{"\\Windows\\peghelp.exe, " + argument}, Asked());
+        EXPECT_SOON_EQ(Texts{"\\Windows\\peghelp.exe, " + argument}, Asked());
         Ask("trace on");
     }
 };
@@ -50,21 +50,18 @@ TEST_F(HelpTest, F1OpensTheContentsFromEveryControl) {
     // Alt+D on the Options page begins a countdown, which would start the agent.
     Ask("set sleep.scale 0");
     OpenWithoutViewer();
-    const struct {
-        const char* tab;
-        const char* keys;
-        int control;
-    } kControls[] = {
-        {"Backup", "alt+d", 1018},  {"Backup", "tab", 1001},    {"Backup", "tab", 1000},
-        {"Restore", "alt+s", 1014}, {"Restore", "alt+e", 1016}, {"Storage file", "alt+n", 1019},
-        {"Options", "alt+d", 1060}, {"Options", "tab", 1062},
+    const KeyToControl kControls[] = {
+        {"Backup", "alt+d", IDC_NEW_DESCRIPTION},
+        {"Backup", "tab", IDC_BACKUP},
+        {"Backup", "tab", IDC_TABS},
+        {"Restore", "alt+s", IDC_STATES},
+        {"Restore", "alt+e", IDC_STATE_DESCRIPTION},
+        {"Storage file", "alt+n", IDC_STORAGE_NAME},
+        {"Options", "alt+d", IDC_ON_TIME},
+        {"Options", "tab", IDC_TIME},
     };
     for (const auto& place : kControls) {
-        if (SelectedTab() != place.tab) {
-            ShowTab(place.tab);
-        }
-        Keys(place.keys);
-        EXPECT_TRUE(FocusComesTo(place.control)) << place.control;
+        ExpectFocusOn(place);
         Ask("trace on");
         Keys("f1");
         ExpectHelp("tolvenar.htc");
@@ -72,23 +69,24 @@ TEST_F(HelpTest, F1OpensTheContentsFromEveryControl) {
 }
 
 TEST_F(HelpTest, WithoutAnInstallationThereIsNoHelp) {
-    Ask("reg-delete HKCU\\Software\\Kestrin2\\Tolvenar onTime");
+    RemoveInstallation();
     Open();
     Keys("alt+h");
-    ExpectBox(tests::kWarningBox, tests::kInstallationText);
+    ExpectBox(kNotInstalled);
     Keys("f1");
-    ExpectBox(tests::kWarningBox, tests::kInstallationText);
+    ExpectBox(kNotInstalled);
     EXPECT_EQ(0u, Calls("CreateProcessW", "peghelp.exe"));
 }
 
 TEST_F(HelpTest, AMissingViewerShowsNothing) {
     OpenWithoutViewer();
     Keys("alt+h");
-    EXPECT_TRUE(Eventually([&] { return Calls("CreateProcessW", "peghelp.exe") == 1; }));
+    EXPECT_SOON_EQ(1u, Calls("CreateProcessW", "peghelp.exe"));
     Keys("ctrl+tab");
-    EXPECT_TRUE(Eventually([&] { return SelectedTab() != "Storage file"; }));
+    EXPECT_SOON(SelectedTab() != "Storage file");
     EXPECT_EQ(0u, BoxCount());
-    EXPECT_TRUE(Top("Tolvenar")->at("active"));
+    EXPECT_SOON(IsActive(kMainTitle));
 }
 
 }  // namespace
+}  // namespace tests

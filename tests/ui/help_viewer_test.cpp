@@ -1,37 +1,21 @@
 // The help viewer with the installed manual.
-#include "tests/ui/ui_test.h"
+#include "tests/support/ui_test.h"
 
+namespace tests {
 namespace {
 
-constexpr int kTopic = 1151, kText = 1152;
 const std::string kViewer = "\\Windows\\peghelp.exe";
 const std::string kTitle = "Tolvenar Help";
 
-class HelpViewerTest : public tests::UiTest {
+class HelpViewerTest : public UiTest {
 protected:
     void View(const std::string& argument) { Ask("start " + kViewer + " " + argument); }
-    std::string Topic() {
-        const int selected = Selected(kTopic);
-        return selected >= 0 ? Items(kTopic).at(static_cast<std::size_t>(selected)) : "none";
-    }
     // The first line of the section.
     std::string Heading() {
-        const std::string text = Text(kText);
+        const std::string text = Text(IDC_HELP_TEXT);
         return text.substr(0, text.find('\r'));
     }
-    bool HeadingBecomes(const std::string& heading) {
-        return Eventually([&] { return Heading() == heading; });
-    }
-    // Handles that the program has.
-    int Handles() {
-        const Json counters = Ask("counters");
-        for (const Json& process : counters["processes"]) {
-            if (process["name"] == tests::kProgram) {
-                return process["handles"];
-            }
-        }
-        return -1;
-    }
+    int Handles() { return ProgramCounters()["handles"]; }
     int Viewers() {
         int count = 0;
         for (const Json& process : Ask("ps")) {
@@ -58,32 +42,32 @@ TEST_F(HelpViewerTest, EachArgumentShowsItsSection) {
     };
     for (const auto& section : kSections) {
         View(section.argument);
-        EXPECT_TRUE(HeadingBecomes(section.heading)) << section.argument << ": " << Heading();
-        EXPECT_TRUE(Eventually([&] { return Viewers() == 1; })) << Viewers();
-        EXPECT_EQ(section.topic, Topic());
-        EXPECT_TRUE(Top(kTitle)->at("active"));
+        EXPECT_SOON_EQ(section.heading, Heading());
+        EXPECT_SOON_EQ(1, Viewers());
+        EXPECT_SOON_EQ(section.topic, SelectedItem(IDC_HELP_TOPIC));
+        EXPECT_SOON(IsActive(kTitle));
     }
 }
 
 TEST_F(HelpViewerTest, AnyTopicCanBeChosen) {
     View("tolvenar.htc");
-    EXPECT_TRUE(HeadingBecomes("Tolvenar Help"));
-    Select(kTopic, "Keys");
-    EXPECT_TRUE(HeadingBecomes("Keys"));
-    Select(kTopic, "Contents");
-    EXPECT_TRUE(HeadingBecomes("Tolvenar Help"));
+    EXPECT_SOON_EQ("Tolvenar Help", Heading());
+    Select(IDC_HELP_TOPIC, "Keys");
+    EXPECT_SOON_EQ("Keys", Heading());
+    Select(IDC_HELP_TOPIC, "Contents");
+    EXPECT_SOON_EQ("Tolvenar Help", Heading());
 }
 
 TEST_F(HelpViewerTest, AnUnknownSectionShowsTheContents) {
     View("tolvenar_all.htp#no_such_section");
-    EXPECT_TRUE(HeadingBecomes("Tolvenar Help"));
-    EXPECT_EQ("Contents", Topic());
+    EXPECT_SOON_EQ("Tolvenar Help", Heading());
+    EXPECT_SOON_EQ("Contents", SelectedItem(IDC_HELP_TOPIC));
 }
 
 TEST_F(HelpViewerTest, WithoutTheManualItSaysSo) {
     device().Remove(L"\\Windows\\tolvenar_all.htp");
     View("tolvenar_all.htp#tolvenar_manual_backup");
-    EXPECT_TRUE(HeadingBecomes("This topic is not on the device."));
+    EXPECT_SOON_EQ("This topic is not on the device.", Heading());
 }
 
 // The list of topics is missing then, not the text.
@@ -92,29 +76,29 @@ TEST_F(HelpViewerTest, ContentsThatCannotBeReadForTheListHaveNoTopics) {
         SCOPED_TRACE(fault);
         Ask(std::string("fault ") + fault);
         View("tolvenar.htc");
-        EXPECT_TRUE(Eventually([&] { return Viewers() == 1 && Items(kTopic).size() == 1; }));
-        EXPECT_TRUE(HeadingBecomes("Tolvenar Help"));
-        EXPECT_EQ("[]", device().Faults());
+        EXPECT_SOON_EQ(1, Viewers());
+        EXPECT_SOON_EQ(Texts{"Contents"}, Items(IDC_HELP_TOPIC));
+        EXPECT_SOON_EQ("Tolvenar Help", Heading());
+        EXPECT_TRUE(RulesAreUsedUp());
         PressCloseBox();
-        EXPECT_TRUE(Eventually([&] { return Viewers() == 0; }));
+        EXPECT_SOON_EQ(0, Viewers());
     }
 }
 
 TEST_F(HelpViewerTest, ItStandsBeforeTheProgramUntilEscape) {
-    Open();
-    ShowTab("Options");
-    Keys("alt+b");
-    EXPECT_TRUE(FocusComesTo(1061));
+    OpenOn("Options");
+    ExpectFocus("alt+b", IDC_ON_BATTERY);
     const int handles = Handles();
     Keys("alt+h");
-    EXPECT_TRUE(HeadingBecomes("Options"));
-    EXPECT_TRUE(FocusComesTo(kText));
-    EXPECT_TRUE(Top(kTitle)->at("active"));
+    EXPECT_SOON_EQ("Options", Heading());
+    EXPECT_TRUE(FocusComesTo(IDC_HELP_TEXT));
+    EXPECT_SOON(IsActive(kTitle));
     Keys("esc");
-    EXPECT_TRUE(Eventually([&] { return !Shows(kTitle); }));
-    EXPECT_TRUE(Eventually([&] { return Top("Tolvenar")->at("active") == true; }));
-    EXPECT_TRUE(FocusComesTo(1061));
+    EXPECT_SOON(!Shows(kTitle));
+    EXPECT_SOON(IsActive(kMainTitle));
+    EXPECT_TRUE(FocusComesTo(IDC_ON_BATTERY));
     EXPECT_EQ(handles, Handles());
 }
 
 }  // namespace
+}  // namespace tests

@@ -1,15 +1,11 @@
 // What looks like an oversight and is none: operations that say nothing, check nothing or ask
 // again.
-#include "tests/support/programs.h"
-#include "tests/ui/ui_test.h"
+#include "tests/support/ui_test.h"
 
+namespace tests {
 namespace {
 
-constexpr UINT kConfirmedBackup = WM_APP + 124;
-constexpr UINT kConfirmedRestore = WM_APP + 128;
-constexpr int kStates = 1014, kRestore = 1002;
-
-class IntendedOdditiesTest : public tests::UiTest {
+class IntendedOdditiesTest : public UiTest {
 protected:
     void SetUp() override {
         UiTest::SetUp();
@@ -18,12 +14,6 @@ protected:
         SetDword("WakeUpTime", 8);
         BackUpThenChange();
         BackUp();
-    }
-    void ShowDifferences() {
-        ShowTab("Advanced Restore");
-        const HWND list = Handle(kStates);
-        ::SendMessageW(::GetParent(list), WM_COMMAND, MAKEWPARAM(kStates, LBN_DBLCLK), 0);
-        ASSERT_EQ("Differences from State 1 to State 2", Text(1041));
     }
     void TakeMemory() {
         device().Set("memory.free", "7340032");
@@ -37,14 +27,14 @@ TEST_F(IntendedOdditiesTest, DifferencesNeedNeitherMemoryNorARestFromTheSchedule
     device().Set("memory.free", "1048576");
     device().Set("store.free", "2097152");
     Ask("trace on");
-    Press(1038);
-    ExpectReminder(tests::kRestoredReminder, tests::kCancel);
+    Press(IDC_TAKE_BACK_CHANGES);
+    RefuseReminder(kRestoredReminder);
     EXPECT_TRUE(BecomesIdle());
-    EXPECT_EQ("hello", device().FileBytes(L"\\My Documents\\a.txt"));
+    EXPECT_EQ("hello", device().FileBytes(kNote));
     ShowDifferences();
-    Press(1037);
-    ExpectReminder(tests::kRestoredReminder, tests::kCancel);
-    EXPECT_EQ("changed", device().FileBytes(L"\\My Documents\\a.txt"));
+    Press(IDC_APPLY_CHANGES);
+    RefuseReminder(kRestoredReminder);
+    EXPECT_EQ("changed", device().FileBytes(kNote));
     EXPECT_EQ(0u, Calls("CeClearUserNotification"));
     EXPECT_EQ(0u, Calls("RegSetValueExW", "onTime"));
     EXPECT_EQ(0u, BoxCount());
@@ -52,10 +42,10 @@ TEST_F(IntendedOdditiesTest, DifferencesNeedNeitherMemoryNorARestFromTheSchedule
 
 TEST_F(IntendedOdditiesTest, AStorageThatIsNoLongerChosenEndsABackupSilently) {
     Open();
-    Ask("reg-delete HKCU\\Software\\Kestrin2\\Tolvenar StorageFile");
+    DeleteSetting("StorageFile");
     const long before = Counted("RegQueryValueExW");
-    ::PostMessageW(OperationWindow(), kConfirmedBackup, 1, 0);
-    EXPECT_TRUE(Eventually([&] { return Counted("RegQueryValueExW") > before; }));
+    PostBackup();
+    EXPECT_SOON(Counted("RegQueryValueExW") > before);
     EXPECT_TRUE(BecomesIdle());
     EXPECT_EQ(0u, BoxCount());
     EXPECT_EQ(0u, Calls("SetWindowTextW", "Backing up"));
@@ -63,27 +53,24 @@ TEST_F(IntendedOdditiesTest, AStorageThatIsNoLongerChosenEndsABackupSilently) {
 }
 
 TEST_F(IntendedOdditiesTest, ARestoreThatCannotCompareSaysNothing) {
-    device().PutFile(L"\\My Documents\\a.txt", "third");
-    Open();
-    ShowTab("Restore");
+    device().PutFile(kNote, "third");
+    OpenOn("Restore");
     device().Fault("HeapAlloc", 1, 1000000, 8);
-    ::PostMessageW(OperationWindow(), kConfirmedRestore, 1, kRestore);
-    EXPECT_TRUE(Eventually([&] { return Calls("SetWindowTextW", "Restoring in") == 1; }));
+    PostRestore(IDC_RESTORE);
+    EXPECT_SOON_EQ(1u, Calls("SetWindowTextW", "Restoring in"));
     EXPECT_TRUE(BecomesIdle());
-    Ask("faults clear");
+    LetGo();
     EXPECT_EQ(0u, BoxCount());
-    EXPECT_EQ("third", device().FileBytes(L"\\My Documents\\a.txt"));
+    EXPECT_EQ("third", device().FileBytes(kNote));
 }
 
 // The box that would switch it off is hidden, hence never ticked.
 TEST_F(IntendedOdditiesTest, TheReminderAfterARestoreSwitchesItselfOn) {
-    device().PutFile(L"\\My Documents\\a.txt", "third");
-    Open();
-    ShowTab("Restore");
-    Press(1002);
-    ASSERT_TRUE(Eventually([&] { return Shows("Reminder"); }));
+    device().PutFile(kNote, "third");
+    OpenOn("Restore");
+    PressForReminder(IDC_RESTORE);
     SetDword("Reminders", 4);
-    Press(tests::kOk);
+    Press(IDOK);
     ExpectEnd();
     EXPECT_EQ(6u, Dword("Reminders"));
 }
@@ -91,41 +78,38 @@ TEST_F(IntendedOdditiesTest, TheReminderAfterARestoreSwitchesItselfOn) {
 // An unattended backup is silent; a restore is not, since the user waits for what it brings back.
 class UnattendedRestoreTest : public IntendedOdditiesTest {
 protected:
-    void ExpectRestoreEnds(unsigned style, const std::string& text) {
-        SCOPED_TRACE(text);
+    void ExpectRestoreEnds(const Box& box) {
+        SCOPED_TRACE(box.text);
         Ask("trace on");
-        tests::Program program(device().sim(), L"\\Program Files\\Tolvenar\\Tolvenar.exe",
-                               L"AutoRestore: Last State");
-        ExpectBox(style, text);
+        Program program = Launch("AutoRestore: Last State");
+        ExpectBox(box);
         EXPECT_EQ(0, program.ExitCode());  // whatever it told
-        Ask("faults clear");
+        LetGo();
     }
 };
 
 TEST_F(UnattendedRestoreTest, ItTellsItsResult) {
-    ExpectRestoreEnds(tests::kInformationBox, "Difference not found. There is nothing to Restore.");
-    device().PutFile(L"\\My Documents\\a.txt", "third");
+    ExpectRestoreEnds(kNothingToRestore);
+    device().PutFile(kNote, "third");
     {
-        const auto lock = device().Lock(L"\\My Documents\\a.txt");
-        ExpectRestoreEnds(tests::kWarningBox, "Restore Fail. Probably some files are locked.");
+        const auto lock = device().Lock(kNote);
+        ExpectRestoreEnds({"Restore Fail. Probably some files are locked.", kWarningBox});
     }
     device().Fault("CreateFileForMappingW", 1, 1000, 50, ".sav");
-    ExpectRestoreEnds(tests::kWarningBox,
-                      "Restore Fail. Probably your Storage Card Driver is obsolete.");
+    ExpectRestoreEnds(kDriverIsObsolete);
     device().Fault("CeClearUserNotification", 1, 1, 5);
-    ExpectRestoreEnds(tests::kWarningBox, "Can't start action. Try again.");
+    ExpectRestoreEnds(kNotStarted);
     TakeMemory();
-    ExpectRestoreEnds(tests::kErrorBox,
-                      "Not enough memory to start operation. You need to free at least the 8.0 Mb "
-                      "of the device memory.");
-    EXPECT_EQ("third", device().FileBytes(L"\\My Documents\\a.txt"));
+    ExpectRestoreEnds(TooLittleMemory("8.0"));
+    EXPECT_EQ("third", device().FileBytes(kNote));
 }
 
 TEST_F(UnattendedRestoreTest, ItTellsThatTheJournalCannotBeReadAfterIt) {
-    device().PutFile(L"\\My Documents\\a.txt", "third");
+    device().PutFile(kNote, "third");
     // It is opened at the start, and again after the restore.
     device().Fault("CreateFileW", 2, 1000, 5, ".jrn, 3221225472");
-    ExpectRestoreEnds(tests::kErrorBox, "Journal read Fail.");
+    ExpectRestoreEnds(kJournalUnread);
 }
 
 }  // namespace
+}  // namespace tests

@@ -1,10 +1,11 @@
 // One sitting without a stylus: back up, look at the states, restore, set the daily backup, make
 // another storage, read the help, close.
-#include "tests/ui/ui_test.h"
+#include "tests/support/ui_test.h"
 
+namespace tests {
 namespace {
 
-class KeyboardStoryTest : public tests::UiTest {
+class KeyboardStoryTest : public UiTest {
 protected:
     void SetUp() override {
         UiTest::SetUp();
@@ -12,42 +13,31 @@ protected:
         BackUp();
         device().PutFile(L"\\My Documents\\letter.txt", "second");
     }
-    bool TabBecomes(const std::string& name) {
-        return Eventually([&] { return SelectedTab() == name; });
-    }
-    void ExpectShown(const std::string& title) {
-        ASSERT_TRUE(Eventually([&] { return Shows(title); })) << title;
-    }
-    void ExpectGone(const std::string& title) {
-        ASSERT_TRUE(Eventually([&] { return !Shows(title); })) << title;
-    }
+    void ExpectShown(const std::string& title) { ASSERT_SOON(Shows(title)) << title; }
+    void ExpectGone(const std::string& title) { ASSERT_SOON(!Shows(title)) << title; }
     // No popup comes or goes any more: the keys are the dialog's.
     void ExpectDialogReady() {
         EXPECT_TRUE(BecomesIdle());
         EXPECT_TRUE(DialogIsDone());
         EXPECT_TRUE(MainDialogBecomesActive());
     }
-    bool DescriptionBecomes(const std::string& text) {
-        return Eventually([&] { return Text(1016) == text; });
-    }
-
     void BackUpByKeys() {
-        EXPECT_TRUE(FocusComesTo(1018));
+        EXPECT_TRUE(FocusComesTo(IDC_NEW_DESCRIPTION));
         Keys("t o d a y enter");
         ExpectShown("Reminder");
         Keys("enter");
-        EXPECT_TRUE(TabBecomes("Restore"));
-        EXPECT_TRUE(DescriptionBecomes("today"));
+        ExpectTab("Restore");
+        EXPECT_SOON_EQ("today", Text(IDC_STATE_DESCRIPTION));
         ExpectDialogReady();
     }
     void RestoreTheFirstStateByKeys() {
-        EXPECT_TRUE(FocusComesTo(1014));
+        EXPECT_TRUE(FocusComesTo(IDC_STATES));
         Keys("down");
-        EXPECT_TRUE(DescriptionBecomes("AutoBackup: External"));
+        EXPECT_SOON_EQ("AutoBackup: External", Text(IDC_STATE_DESCRIPTION));
         Keys("alt+r");
         ExpectShown("Reminder");
         Keys("shift+tab enter");  // Cancel has the focus
-        EXPECT_TRUE(Eventually([&] { return Text(1032) == tests::kRestoredReminder; }));
+        EXPECT_SOON_EQ(kRestoredReminder, Text(IDC_REMINDER_TEXT));
         EXPECT_EQ("first", device().FileBytes(L"\\My Documents\\letter.txt"));
         Keys("esc");
         ExpectGone("Reminder");
@@ -55,35 +45,33 @@ protected:
     }
     void SetTheDailyBackupByKeys() {
         Keys("ctrl+tab ctrl+tab ctrl+tab");
-        EXPECT_TRUE(TabBecomes("Options"));
-        EXPECT_TRUE(FocusComesTo(1060));
+        ExpectTab("Options");
+        EXPECT_TRUE(FocusComesTo(IDC_ON_TIME));
         Keys("space");
-        EXPECT_TRUE(Eventually([&] { return Dword("onTime") == 1u; }));
-        Keys("tab");
-        EXPECT_TRUE(FocusComesTo(1062));
+        EXPECT_SOON_EQ(1u, Dword("onTime"));
+        ExpectFocus("tab", IDC_TIME);
         Keys("right 7 right 3 0 tab");  // the first arrow selects the hour
-        EXPECT_TRUE(Eventually([&] { return Dword("WakeUpTime") == 0x001E0007u; }));
+        EXPECT_SOON_EQ(0x001E0007u, Dword("WakeUpTime"));
     }
     void MakeAnotherStorageByKeys() {
         Keys("ctrl+shift+tab");
-        EXPECT_TRUE(TabBecomes("Storage file"));
+        ExpectTab("Storage file");
         Keys("alt+b");
-        ExpectShown("Choose backup file");
-        Keys("tab tab");
-        EXPECT_TRUE(FocusComesTo(0x480));
+        ExpectShown(kOpenTitle);
+        ExpectFocus("tab tab", kOpenName);
         Keys("h o m e enter");
-        ASSERT_TRUE(Eventually([&] { return BoxIsUp(); }));
+        ASSERT_SOON(BoxIsUp());
         Keys("enter");
-        ExpectShown("Storage description");
+        ExpectShown(kDescriptionTitle);
         Keys("tab enter");
-        ExpectGone("Storage description");
-        EXPECT_TRUE(Eventually([&] { return Text(1019) == "home"; }));
+        ExpectGone(kDescriptionTitle);
+        EXPECT_SOON_EQ("home", Text(IDC_STORAGE_NAME));
         ExpectDialogReady();
     }
     void ReadTheHelpByKeys() {
         Keys("alt+h");
         ExpectShown("Tolvenar Help");
-        EXPECT_EQ(0u, Text(1152).find("The storage file"));
+        EXPECT_SOON_EQ(0u, Text(IDC_HELP_TEXT).find("The storage file"));
         Keys("pagedown esc");
         ExpectGone("Tolvenar Help");
         ExpectDialogReady();
@@ -104,3 +92,4 @@ TEST_F(KeyboardStoryTest, EverythingCanBeDoneWithoutAStylus) {
 }
 
 }  // namespace
+}  // namespace tests

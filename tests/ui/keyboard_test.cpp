@@ -1,41 +1,30 @@
 // The dialog by keyboard alone.
-#include "platform/win32.h"
+#include "tests/support/ui_test.h"
 
-#include "tests/ui/ui_test.h"
-
+namespace tests {
 namespace {
 
-constexpr int kTabs = 1000;
-
-class KeyboardTest : public tests::UiTest {
+class KeyboardTest : public UiTest {
 protected:
     void SetUp() override {
         UiTest::SetUp();
         TakeFirstState();
     }
-    bool TabBecomes(const std::string& name) {
-        return Eventually([&] { return SelectedTab() == name; });
-    }
-    bool CaptionBecomes(const std::string& text) {
-        return Eventually([&] { return Text(1041) == text; });
-    }
     // The tree has no number of its own.
     bool FocusComesToTree() {
         return Eventually([&] {
-            for (const Json& window : Windows()) {
-                if (window["class"] == "SysTreeView32" && window["focused"] == true) {
-                    return true;
-                }
-            }
-            return false;
+            return Find([](const Window& window) {
+                       return window.class_name == "SysTreeView32" && window.focused;
+                   })
+                .has_value();
         });
     }
     void AddState() {
-        device().PutFile(L"\\My Documents\\a.txt", "hello");
+        device().PutFile(kNote, "hello");
         BackUp();
     }
     static constexpr int kTree = -1;
-    void ExpectTabOrder(const std::vector<int>& order) {
+    void ExpectTabOrder(const Numbers& order) {
         for (const int id : order) {
             EXPECT_TRUE(id == kTree ? FocusComesToTree() : FocusComesTo(id)) << id;
             Keys("tab");
@@ -50,177 +39,159 @@ TEST_F(KeyboardTest, ControlTabGoesRoundAndEscapeDoesNothingOnAnyPage) {
     for (const char* name :
          {"Restore", "Advanced Restore", "Storage file", "Options", "About", "Backup"}) {
         Keys("esc ctrl+tab");
-        EXPECT_TRUE(TabBecomes(name)) << name;
+        ExpectTab(name);
     }
-    EXPECT_TRUE(Sees(1018));
+    EXPECT_TRUE(Sees(IDC_NEW_DESCRIPTION));
     for (const char* name : {"About", "Options", "Storage file"}) {
         Keys("ctrl+shift+tab");
-        EXPECT_TRUE(TabBecomes(name)) << name;
+        ExpectTab(name);
     }
 }
 
 TEST_F(KeyboardTest, ArrowsOnTheTabsShowThePageBeside) {
     Open();
-    Keys("shift+tab");
-    EXPECT_TRUE(FocusComesTo(kTabs));
+    ExpectFocus("shift+tab", IDC_TABS);
     Keys("right");
-    EXPECT_TRUE(Eventually([&] { return SelectedTab() == "Restore" && Sees(1014); }));
+    EXPECT_SOON(SelectedTab() == "Restore" && Sees(IDC_STATES));
     Keys("right");
-    EXPECT_TRUE(Eventually([&] { return SelectedTab() == "Advanced Restore" && Sees(1037); }));
+    EXPECT_SOON(SelectedTab() == "Advanced Restore" && Sees(IDC_APPLY_CHANGES));
     Keys("left");
-    EXPECT_TRUE(Eventually([&] { return SelectedTab() == "Restore" && !Sees(1037); }));
-    EXPECT_TRUE(Control(kTabs)->at("focused"));
+    EXPECT_SOON(SelectedTab() == "Restore" && !Sees(IDC_APPLY_CHANGES));
+    EXPECT_TRUE(FocusComesTo(IDC_TABS));
 }
 
 TEST_F(KeyboardTest, TabGoesThroughEachPageAsItIsReadAndTheTabs) {
     const struct {
         const char* tab;
-        std::vector<int> order;
+        Numbers order;
     } kPages[] = {
-        {"Backup", {1018, 1001, kTabs}},
-        {"Restore", {1014, 1016, 1002, kTabs}},
-        {"Advanced Restore", {1014, 1016, kTree, 1037, 1038, kTabs}},
-        {"Storage file", {1019, 1012, 1026, kTabs}},
-        {"Options", {1060, 1062, 1061, 1063, 1064, 1065, kTabs}},
+        {"Backup", {IDC_NEW_DESCRIPTION, IDC_BACKUP, IDC_TABS}},
+        {"Restore", {IDC_STATES, IDC_STATE_DESCRIPTION, IDC_RESTORE, IDC_TABS}},
+        {"Advanced Restore",
+         {IDC_STATES, IDC_STATE_DESCRIPTION, kTree, IDC_APPLY_CHANGES, IDC_TAKE_BACK_CHANGES,
+          IDC_TABS}},
+        {"Storage file", {IDC_STORAGE_NAME, IDC_BROWSE, IDC_STORAGE_DESCRIPTION, IDC_TABS}},
+        {"Options",
+         {IDC_ON_TIME, IDC_TIME, IDC_ON_BATTERY, IDC_ADVANCED_TREE, IDC_RESTORE_DATABASES,
+          IDC_DELETE_OLD_STORAGE, IDC_TABS}},
     };
     Open();
     for (const auto& page : kPages) {
-        EXPECT_TRUE(TabBecomes(page.tab));
+        ExpectTab(page.tab);
         ExpectTabOrder(page.order);
         Keys("ctrl+tab");
     }
-    EXPECT_TRUE(TabBecomes("About"));
-    EXPECT_TRUE(FocusComesTo(kTabs));
+    ExpectTab("About");
+    EXPECT_TRUE(FocusComesTo(IDC_TABS));
 }
 
 TEST_F(KeyboardTest, UnderlinedLettersLeadToTheirControls) {
-    const struct {
-        const char* tab;
-        const char* keys;
-        int control;
-    } kLetters[] = {
-        {"Backup", "alt+d", 1018},       {"Restore", "alt+e", 1016},
-        {"Restore", "alt+s", 1014},      {"Storage file", "alt+d", 1026},
-        {"Storage file", "alt+n", 1019},
+    const KeyToControl kLetters[] = {
+        {"Backup", "alt+d", IDC_NEW_DESCRIPTION},
+        {"Restore", "alt+e", IDC_STATE_DESCRIPTION},
+        {"Restore", "alt+s", IDC_STATES},
+        {"Storage file", "alt+d", IDC_STORAGE_DESCRIPTION},
+        {"Storage file", "alt+n", IDC_STORAGE_NAME},
     };
     Open();
     Keys("tab");
     for (const auto& letter : kLetters) {
-        if (SelectedTab() != letter.tab) {
-            ShowTab(letter.tab);
-        }
-        Keys(letter.keys);
-        EXPECT_TRUE(FocusComesTo(letter.control)) << letter.tab << " " << letter.keys;
+        ExpectFocusOn(letter);
     }
     ShowTab("Backup");
     Keys("alt+u");
-    ExpectReminder(tests::kBackupReminder, tests::kCancel);
+    RefuseReminder(kBackupReminder);
     ShowTab("Restore");
     Keys("alt+r");
-    ExpectReminder(tests::kRestoreReminder, tests::kCancel);
+    RefuseReminder(kRestoreReminder);
 }
 
 // An edit control of several lines closes its dialog on Escape.
 TEST_F(KeyboardTest, EscapeInADescriptionLeavesThePage) {
-    Open();
-    ShowTab("Restore");
-    Keys("alt+e");
-    EXPECT_TRUE(FocusComesTo(1016));
+    OpenOn("Restore");
+    ExpectFocus("alt+e", IDC_STATE_DESCRIPTION);
     Keys("esc");
     Keys("ctrl+shift+tab");
-    EXPECT_TRUE(TabBecomes("Backup"));
+    ExpectTab("Backup");
     ShowTab("Restore");
-    EXPECT_TRUE(Eventually([&] { return Sees(1016); }));
+    EXPECT_SOON(Sees(IDC_STATE_DESCRIPTION));
     EXPECT_EQ(4u, Calls("CreateDialogIndirectParamW"));  // no page or tree was made again
 }
 
 TEST_F(KeyboardTest, EnterPressesThePagesButtonAlsoOnTheTabs) {
     Open();
     Keys("enter");
-    ExpectReminder(tests::kBackupReminder, tests::kCancel);
-    Keys("shift+tab");
-    EXPECT_TRUE(FocusComesTo(kTabs));
+    RefuseReminder(kBackupReminder);
+    ExpectFocus("shift+tab", IDC_TABS);
     Keys("enter");
-    ExpectReminder(tests::kBackupReminder, tests::kCancel);
+    RefuseReminder(kBackupReminder);
     ShowTab("Restore");
     Keys("enter");
-    ExpectReminder(tests::kRestoreReminder, tests::kCancel);
+    RefuseReminder(kRestoreReminder);
     ShowTab("Storage file");
     Keys("enter");
-    ASSERT_TRUE(Eventually([&] { return Shows("Choose backup file"); }));
+    ASSERT_SOON(Shows(kOpenTitle));
     Keys("esc");
-    EXPECT_TRUE(Eventually([&] { return !Shows("Choose backup file"); }));
+    EXPECT_SOON(!Shows(kOpenTitle));
 }
 
 TEST_F(KeyboardTest, EnterClicksTheButtonThatHasTheFocus) {
-    Open();
-    ShowTab("Advanced Restore");
-    Keys("alt+s");
-    EXPECT_TRUE(FocusComesTo(1014));
+    OpenOn("Advanced Restore");
+    ExpectFocus("alt+s", IDC_STATES);
     Keys("shift+tab");
-    Keys("shift+tab");
-    EXPECT_TRUE(FocusComesTo(1038));
+    ExpectFocus("shift+tab", IDC_TAKE_BACK_CHANGES);
     Keys("enter");
-    ExpectReminder(tests::kRestoreReminder, tests::kCancel);
+    RefuseReminder(kRestoreReminder);
 }
 
 TEST_F(KeyboardTest, EnterInTheStatesOfTheAdvancedPageShowsTheDifferences) {
     AddState();
-    Open();
-    ShowTab("Advanced Restore");
-    Keys("alt+s");
-    EXPECT_TRUE(FocusComesTo(1014));
+    OpenOn("Advanced Restore");
+    ExpectFocus("alt+s", IDC_STATES);
     Keys("enter");
-    EXPECT_TRUE(CaptionBecomes("Differences from State 1 to State 2"));
-    EXPECT_TRUE(Eventually([&] { return !Shows("Creating tree..."); }));
+    EXPECT_SOON_EQ("Differences from State 1 to State 2", Text(IDC_DIFFERENCES_CAPTION));
+    EXPECT_SOON(!Shows(kTreePopupTitle));
 }
 
 // An edit control of several lines looks for a button itself, and finds one that this form hides.
 TEST_F(KeyboardTest, EnterInADescriptionPressesOnlyAButtonThatIsSeen) {
     AddState();
-    Open();
-    ShowTab("Restore");
-    Keys("alt+e");
-    EXPECT_TRUE(FocusComesTo(1016));
+    OpenOn("Restore");
+    ExpectFocus("alt+e", IDC_STATE_DESCRIPTION);
     Keys("enter");
-    ExpectReminder(tests::kRestoreReminder, tests::kCancel);
+    RefuseReminder(kRestoreReminder);
     ShowTab("Advanced Restore");
-    Keys("alt+s");
-    EXPECT_TRUE(FocusComesTo(1014));
-    Keys("tab");
-    EXPECT_TRUE(FocusComesTo(1016));
+    ExpectFocus("alt+s", IDC_STATES);
+    ExpectFocus("tab", IDC_STATE_DESCRIPTION);
     Keys("enter");
     Pause(300);
     EXPECT_FALSE(Shows("Reminder"));
-    EXPECT_TRUE(Control(1016)->at("focused"));
-    EXPECT_EQ("", Text(1041));
+    EXPECT_TRUE(FocusComesTo(IDC_STATE_DESCRIPTION));
+    EXPECT_EQ("", Text(IDC_DIFFERENCES_CAPTION));
     ShowTab("Storage file");
-    Keys("alt+d");
-    EXPECT_TRUE(FocusComesTo(1026));
+    ExpectFocus("alt+d", IDC_STORAGE_DESCRIPTION);
     Keys("enter");
-    EXPECT_TRUE(Eventually([&] { return Shows("Choose backup file"); }));
+    EXPECT_SOON(Shows(kOpenTitle));
 }
 
 TEST_F(KeyboardTest, EnterWithoutAButtonDoesNothing) {
     AddState();
-    Open();
-    ShowTab("Advanced Restore");
-    Keys("alt+s");
-    EXPECT_TRUE(FocusComesTo(1014));
-    Keys("shift+tab");
-    EXPECT_TRUE(FocusComesTo(kTabs));
+    OpenOn("Advanced Restore");
+    ExpectFocus("alt+s", IDC_STATES);
+    ExpectFocus("shift+tab", IDC_TABS);
     Keys("enter");
     ShowTab("Options");
     Keys("tab");
     Keys("enter");
     Keys("ctrl+tab");
-    EXPECT_TRUE(TabBecomes("About"));
+    ExpectTab("About");
     Keys("enter");
     Keys("ctrl+tab");
-    EXPECT_TRUE(TabBecomes("Backup"));
-    EXPECT_EQ("", AnyControl(1041)->at("text"));
+    ExpectTab("Backup");
+    EXPECT_EQ("", AnyControl(IDC_DIFFERENCES_CAPTION).text);
     EXPECT_EQ(0u, Dword("onTime").value_or(0));
     EXPECT_EQ(0u, BoxCount());
 }
 
 }  // namespace
+}  // namespace tests

@@ -1,13 +1,10 @@
 // Every page on the two screens that the dialog is made for: nothing clipped, nothing on top of
 // anything else, nothing too small for a finger.
-#include "platform/win32.h"
-
 #include "platform/unique_resource.h"
-#include "tests/ui/ui_test.h"
+#include "tests/support/ui_test.h"
 
+namespace tests {
 namespace {
-
-using Json = nlohmann::json;
 
 constexpr int kSmallestButton = 24;  // pixels
 constexpr int kCheckMark = 18;       // a check box's mark and its gap
@@ -17,10 +14,8 @@ struct Area {
     int left, top, right, bottom;
 };
 
-Area AreaOf(const Json& window) {
-    const int left = window["left"];
-    const int top = window["top"];
-    return {left, top, left + window["width"].get<int>(), top + window["height"].get<int>()};
+Area AreaOf(const Window& window) {
+    return {window.left, window.top, window.left + window.width, window.top + window.height};
 }
 bool IsWithin(const Area& inner, const Area& outer) {
     return inner.left >= outer.left && inner.top >= outer.top && inner.right <= outer.right &&
@@ -64,44 +59,40 @@ private:
     HGDIOBJ old_ = nullptr;
 };
 
-class LayoutTest : public tests::UiTest, public ::testing::WithParamInterface<const char*> {
+class LayoutTest : public UiTest, public ::testing::WithParamInterface<const char*> {
 protected:
     // The controls of the shown page, without those inside controls.
-    std::vector<Json> PageControls() {
-        const Json windows = Windows();
-        std::vector<Json> controls;
-        Json page;
-        for (const Json& window : windows) {
-            const bool is_child = window["parent"] != 0 && window["visible"] == true;
-            if (is_child && page.is_null() && window["class"] == "Dialog") {
+    std::vector<Window> PageControls() {
+        std::vector<Window> controls;
+        std::optional<Window> page;
+        for (const Window& window : Windows()) {
+            const bool is_child = window.parent != 0 && window.visible;
+            if (is_child && !page && window.class_name == "Dialog") {
                 page = window;
-            } else if (is_child && !page.is_null() && window["parent"] == page["handle"]) {
-                EXPECT_TRUE(IsWithin(AreaOf(window), AreaOf(page))) << window;
+            } else if (is_child && page && window.parent == page->handle) {
+                EXPECT_TRUE(IsWithin(AreaOf(window), AreaOf(*page))) << Told(window);
                 controls.push_back(window);
             }
         }
-        EXPECT_FALSE(page.is_null());
+        EXPECT_TRUE(page.has_value());
         return controls;
     }
-    static bool IsGroup(const Json& control) {
-        const int id = control["id"];
-        return id == 1101 || id == 1130 || id == 1131;
+    static bool IsGroup(const Window& control) {
+        return control.id == IDC_STORAGE_GROUP || control.id == IDC_AUTOMATIC_GROUP ||
+               control.id == IDC_RESTORE_GROUP;
     }
-    void ExpectFits(const Json& control) {
-        const std::string kind = control["class"];
-        const std::string text = control["text"];
-        int width = control["width"];
-        const int height = control["height"];
-        if (kind == "Button" && !IsGroup(control)) {
-            const bool is_check = control.contains("check");
-            width -= is_check ? kCheckMark : 2 * kButtonEdge;
-            EXPECT_GE(height, kSmallestButton) << control;
-        } else if (kind != "Static") {
+    static std::string Told(const Window& window) { return ::testing::PrintToString(window); }
+    void ExpectFits(const Window& control) {
+        int width = control.width;
+        if (control.class_name == "Button" && !IsGroup(control)) {
+            width -= control.check >= 0 ? kCheckMark : 2 * kButtonEdge;
+            EXPECT_GE(control.height, kSmallestButton) << Told(control);
+        } else if (control.class_name != "Static") {
             return;
         }
-        const SIZE size = ruler_.Measure(text, width);
-        EXPECT_LE(size.cx, width) << control;
-        EXPECT_LE(size.cy, height) << control;
+        const SIZE size = ruler_.Measure(control.text, width);
+        EXPECT_LE(size.cx, width) << Told(control);
+        EXPECT_LE(size.cy, control.height) << Told(control);
     }
 
     Ruler ruler_;
@@ -113,19 +104,21 @@ TEST_P(LayoutTest, EveryPageFits) {
     Open();
     const std::string size = GetParam();
     const Area screen = {0, 0, std::stoi(size), std::stoi(size.substr(size.find('x') + 1))};
-    EXPECT_TRUE(IsWithin(AreaOf(*Top("Tolvenar")), screen)) << *Top("Tolvenar");
+    const Window dialog = AwaitWindow(
+        [](const Window& window) { return window.text == kMainTitle && window.visible; });
+    EXPECT_TRUE(IsWithin(AreaOf(dialog), screen)) << Told(dialog);
     for (const char* tab :
          {"Backup", "Restore", "Advanced Restore", "Storage file", "Options", "About"}) {
         SCOPED_TRACE(tab);
         ShowTab(tab);
-        const std::vector<Json> controls = PageControls();
+        const std::vector<Window> controls = PageControls();
         EXPECT_GE(controls.size(), 4u);
         for (std::size_t i = 0; i < controls.size(); ++i) {
             ExpectFits(controls[i]);
             for (std::size_t j = 0; j < i && !IsGroup(controls[i]); ++j) {
                 EXPECT_TRUE(IsGroup(controls[j]) ||
                             !Overlap(AreaOf(controls[i]), AreaOf(controls[j])))
-                    << controls[i] << controls[j];
+                    << Told(controls[i]) << Told(controls[j]);
             }
         }
     }
@@ -134,3 +127,4 @@ TEST_P(LayoutTest, EveryPageFits) {
 INSTANTIATE_TEST_SUITE_P(Screens, LayoutTest, ::testing::Values("640x480", "640x240"));
 
 }  // namespace
+}  // namespace tests

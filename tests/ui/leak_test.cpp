@@ -1,20 +1,14 @@
 // What the running program holds after many dialogs and operations is what it held before.
-#include <functional>
-
 #include "simulator/host/window_thread.h"
-#include "tests/ui/ui_test.h"
+#include "tests/support/ui_test.h"
 
+namespace tests {
 namespace {
 
-constexpr UINT kConfirmedBackup = WM_APP + 124;
-constexpr UINT kConfirmedRestore = WM_APP + 128;
-constexpr UINT kSelectPage = WM_APP + 103;
-constexpr WPARAM kAdvancedPage = 2;
-constexpr int kStates = 1014, kBackup = 1001, kRestore = 1002, kTakeBack = 1038;
 constexpr int kDialogs = 200;
 constexpr int kRounds = 10;  // of five operations
 
-class LeakTest : public tests::UiTest {
+class LeakTest : public UiTest {
 protected:
     // Every page was shown before anything is counted.
     void SetUp() override {
@@ -28,8 +22,8 @@ protected:
             ShowTab(tab);
         }
         operations_ = OperationWindow();
-        list_ = Handle(kStates);
-        backup_page_ = ::GetParent(Handle(1018));
+        list_ = Handle(IDC_STATES);
+        backup_page_ = PageOf(IDC_NEW_DESCRIPTION);
     }
     struct Held {
         long windows = 0;
@@ -41,17 +35,13 @@ protected:
         unsigned host_handles = 0;
     };
     Held Hold() {
-        const Json windows = Windows();
-        const unsigned pid = windows.at(0)["pid"];
-        const Json counters = Ask("counters");
-        for (const Json& process : counters["processes"]) {
-            if (process["id"] == pid) {
-                return {process["windows"],         process["threads"],    process["gdiObjects"],
-                        process["handles"],         process["heapBlocks"], windows.size(),
-                        sim::host::HostHandles(pid)};
-            }
-        }
-        return {};
+        const std::vector<Window> windows =
+            Await([&] { return Windows(); }, [](const auto& all) { return !all.empty(); });
+        const Json process = ProgramCounters();
+        const unsigned pid = process.value("id", 0u);
+        return {process["windows"],         process["threads"],    process["gdiObjects"],
+                process["handles"],         process["heapBlocks"], windows.size(),
+                sim::host::HostHandles(pid)};
     }
     static void ExpectSame(const Held& before, const Held& after) {
         EXPECT_NE(0, before.windows);
@@ -62,27 +52,17 @@ protected:
         EXPECT_EQ(before.listed_windows, after.listed_windows);
         EXPECT_EQ(before.host_handles, after.host_handles);
     }
-    static bool Soon(const std::function<bool()>& condition) {
-        for (int i = 0; i < 5000; ++i) {
-            if (condition()) {
-                return true;
-            }
-            Pause(1);
-        }
-        return false;
-    }
-    static HWND Reminder() { return ::FindWindowW(L"Dialog", L"Reminder"); }
     void OpenAndCloseReminder() {
-        ::PostMessageW(backup_page_, WM_COMMAND, kBackup, 0);
-        ASSERT_TRUE(Soon([] { return Reminder() != nullptr; }));
+        ::PostMessageW(backup_page_, WM_COMMAND, IDC_BACKUP, 0);
+        ASSERT_SOON(Reminder() != nullptr);
         ::PostMessageW(Reminder(), WM_COMMAND, IDCANCEL, 0);
-        ASSERT_TRUE(Soon([] { return Reminder() == nullptr; }));
+        ASSERT_SOON(Reminder() == nullptr);
     }
     // One that is busy answers a question that was sent before it began.
     void Operate(UINT message, int button) {
         ::PostMessageW(operations_, message, 1, button);
-        ASSERT_TRUE(Soon([&] { return IsBusy(); }));
-        ASSERT_TRUE(Soon([&] {
+        ASSERT_TRUE(BecomesBusy());
+        ASSERT_TRUE(Eventually([&] {
             if (const HWND reminder = Reminder()) {
                 ::PostMessageW(reminder, WM_COMMAND, IDCANCEL, 0);
             }
@@ -93,13 +73,13 @@ protected:
         }));
     }
     void OperateRound(int round) {
-        device().PutFile(L"\\My Documents\\a.txt", std::to_string(round));
+        device().PutFile(kNote, std::to_string(round));
         Operate(kConfirmedBackup, 0);
         Operate(kConfirmedBackup, 0);  // without a difference
-        ::SendMessageW(MainDialog(), kSelectPage, kAdvancedPage, 0);
-        ::SendMessageW(::GetParent(list_), WM_COMMAND, MAKEWPARAM(kStates, LBN_DBLCLK), 0);
-        Operate(kConfirmedRestore, kTakeBack);
-        Operate(kConfirmedRestore, kRestore);
+        SelectPage(kAdvancedTab);
+        ::SendMessageW(::GetParent(list_), WM_COMMAND, MAKEWPARAM(IDC_STATES, LBN_DBLCLK), 0);
+        Operate(kConfirmedRestore, IDC_TAKE_BACK_CHANGES);
+        Operate(kConfirmedRestore, IDC_RESTORE);
     }
 
 private:
@@ -135,3 +115,4 @@ TEST_F(LeakTest, OperationsLeaveNothingBehind) {
 }
 
 }  // namespace
+}  // namespace tests

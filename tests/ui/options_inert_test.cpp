@@ -1,39 +1,31 @@
 // The Options page while an operation runs: the schedule belongs to the operation, which has put
 // zeros in its place.
-#include "platform/win32.h"
-
 #include <map>
 
-#include "tests/ui/ui_test.h"
+#include "tests/support/ui_test.h"
 
+namespace tests {
 namespace {
 
-using Json = nlohmann::json;
-
-constexpr UINT kActivated = WM_APP + 300;
-constexpr UINT kSelectPage = WM_APP + 103;
-constexpr int kOnTime = 1060, kOnBattery = 1061, kAdvancedTree = 1063, kTime = 1062;
 constexpr WPARAM kCountdown = 651211;
 constexpr unsigned kHalfPastSeven = 0x001E0007;
 
-class OptionsInertTest : public tests::UiTest {
+class OptionsInertTest : public UiTest {
 protected:
     void SetUp() override {
         UiTest::SetUp();
         SetDword("onTime", 1);
         SetDword("WakeUpTime", kHalfPastSeven);
         BackUp();
-        device().PutFile(L"\\My Documents\\a.txt", "hello");
-        Open();
-        ShowTab("Options");
-        EXPECT_TRUE(Eventually([&] { return Sees(kTime); }));
+        device().PutFile(kNote, "hello");
+        OpenOn("Options");
         FindControls();
     }
     // Without the list of windows, which asks each for its title: a thread that is held up answers
     // nobody.
     void FindControls() {
-        const HWND dialog = ::FindWindowW(L"Dialog", L"Tolvenar");
-        for (const int id : {kOnTime, kOnBattery, kAdvancedTree, kTime}) {
+        const HWND dialog = MainDialog();
+        for (const int id : {IDC_ON_TIME, IDC_ON_BATTERY, IDC_ADVANCED_TREE, IDC_TIME}) {
             HWND page = ::GetWindow(dialog, GW_CHILD);
             while (page != nullptr && ::GetDlgItem(page, id) == nullptr) {
                 page = ::GetWindow(page, GW_HWNDNEXT);
@@ -53,39 +45,35 @@ protected:
     // The timer's messages come from here alone.
     void BeginCountdown() {
         Ask("set sleep.scale 0");
-        Press(kOnBattery);
-        EXPECT_TRUE(Eventually([&] { return Dword("onBattery") == 1u; }));
+        Press(IDC_ON_BATTERY);
+        EXPECT_SOON_EQ(1u, Dword("onBattery"));
     }
     void TickThreeTimes() {
         for (int i = 0; i < 3; ++i) {
             ::SendMessageW(Page(), WM_TIMER, kCountdown, 0);
         }
     }
-    HWND Page() { return ::GetParent(controls_[kTime]); }
-    bool IsChecked(int id) {
-        return ::SendMessageW(controls_[id], BM_GETCHECK, 0, 0) == BST_CHECKED;
-    }
-    std::string Time() { return Ask("window text 1062")["text"].get<std::string>().substr(11, 5); }
+    HWND Page() { return ::GetParent(controls_[IDC_TIME]); }
+    bool HasMark(int id) { return ::SendMessageW(controls_[id], BM_GETCHECK, 0, 0) == BST_CHECKED; }
 
     std::map<int, HWND> controls_;
 };
 
 TEST_F(OptionsInertTest, AnOperationKeepsSwitchesAndTimeAsTheyAreAndReadsNothingAgain) {
     StartHeldBackup();
-    for (const int id : {kOnTime, kOnBattery, kAdvancedTree}) {
+    for (const int id : {IDC_ON_TIME, IDC_ON_BATTERY, IDC_ADVANCED_TREE}) {
         Toggle(controls_[id]);
     }
-    Type(kTime, "21:45");
+    Type(IDC_TIME, "21:45");
     ::SendMessageW(Page(), kActivated, WA_ACTIVE, 0);
-    EXPECT_TRUE(IsChecked(kOnTime));
-    EXPECT_FALSE(IsChecked(kOnBattery));
-    EXPECT_FALSE(IsChecked(kAdvancedTree));
-    EXPECT_EQ("07:30", Time());
+    EXPECT_TRUE(HasMark(IDC_ON_TIME));
+    EXPECT_FALSE(HasMark(IDC_ON_BATTERY));
+    EXPECT_FALSE(HasMark(IDC_ADVANCED_TREE));
+    EXPECT_EQ("2026-11-16T07:30:00", AnyControl(IDC_TIME).text);
     EXPECT_EQ(0u, Dword("onBattery").value_or(0));
     EXPECT_EQ(0u, Dword("WakeUpTime"));
     ASSERT_TRUE(ScheduleIsOff());
-    LetGo();
-    EXPECT_TRUE(BecomesIdle());
+    LetGoAndRest();
     EXPECT_EQ(1u, Dword("onTime"));
     EXPECT_EQ(0u, Dword("onBattery").value_or(0));
     EXPECT_EQ(0u, Dword("AdvancedTreeView").value_or(0));
@@ -98,14 +86,12 @@ TEST_F(OptionsInertTest, APageThatIsMadeDuringAnOperationShowsTheSettings) {
     ExpectEnd();
     Open();
     StartHeldBackup();
-    const HWND dialog = ::FindWindowW(L"Dialog", L"Tolvenar");
-    ::SendMessageW(dialog, kSelectPage, 4, 0);
+    SelectPage(kOptionsTab);
     FindControls();
-    EXPECT_TRUE(IsChecked(kOnTime));
-    EXPECT_EQ("07:30", Time());
+    EXPECT_TRUE(HasMark(IDC_ON_TIME));
+    EXPECT_EQ("2026-11-16T07:30:00", AnyControl(IDC_TIME).text);
     ASSERT_TRUE(ScheduleIsOff());
-    LetGo();
-    EXPECT_TRUE(BecomesIdle());
+    LetGoAndRest();
 }
 
 // The backup ends with another page, which applies it; what is set then is registered.
@@ -116,25 +102,24 @@ TEST_F(OptionsInertTest, ACountdownThatAnOperationMeetsIsAppliedAfterIt) {
     EXPECT_EQ(0u, AgentStarts());
     EXPECT_EQ(0u, Ask("notifications").size());
     ASSERT_TRUE(ScheduleIsOff());
-    LetGo();
-    EXPECT_TRUE(BecomesIdle());
-    EXPECT_TRUE(Eventually([&] { return AgentStarts() == 1; }));
+    LetGoAndRest();
+    EXPECT_SOON_EQ(1u, AgentStarts());
     EXPECT_EQ(1u, Dword("onBattery"));
-    EXPECT_EQ(4u, Ask("notifications").size());
+    EXPECT_SOON_EQ(4u, Ask("notifications").size());
 }
 
 TEST_F(OptionsInertTest, APageThatIsLeftDuringAnOperationAppliesNothingYet) {
     BeginCountdown();
     StartHeldBackup();
-    ::SendMessageW(::FindWindowW(L"Dialog", L"Tolvenar"), kSelectPage, 0, 0);
+    SelectPage(kBackupTab);
     EXPECT_FALSE(::IsWindowVisible(Page()));
     EXPECT_EQ(0u, AgentStarts());
     ASSERT_TRUE(ScheduleIsOff());
-    LetGo();
-    EXPECT_TRUE(BecomesIdle());
+    LetGoAndRest();
     TickThreeTimes();
     EXPECT_EQ(1u, AgentStarts());
-    EXPECT_EQ(4u, Ask("notifications").size());
+    EXPECT_SOON_EQ(4u, Ask("notifications").size());
 }
 
 }  // namespace
+}  // namespace tests

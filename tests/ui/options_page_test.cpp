@@ -1,14 +1,8 @@
 // The Options page: what it shows, what it writes and when the automatic backup follows.
-#include "platform/win32.h"
+#include "tests/support/ui_test.h"
 
-#include "tests/ui/ui_test.h"
-
+namespace tests {
 namespace {
-
-using Json = nlohmann::json;
-
-constexpr int kTime = 1062, kHint = 1066, kBar = 1067, kLabel = 1068;
-const std::string kSettings = "HKCU\\Software\\Kestrin2\\Tolvenar";
 
 struct Switch {
     int id;
@@ -16,45 +10,36 @@ struct Switch {
     const char* text;
 };
 constexpr Switch kSwitches[] = {
-    {1060, "onTime", "every &day at"},
-    {1061, "onBattery", "at &battery low"},
-    {1063, "AdvancedTreeView", "Ad&vanced difference tree"},
-    {1064, "AdvancedDBRestoring", "Databases in advanced &restore"},
-    {1065, "MayDeleteOldStorage", "Delete &old storage on a full card"},
+    {IDC_ON_TIME, "onTime", "every &day at"},
+    {IDC_ON_BATTERY, "onBattery", "at &battery low"},
+    {IDC_ADVANCED_TREE, "AdvancedTreeView", "Ad&vanced difference tree"},
+    {IDC_RESTORE_DATABASES, "AdvancedDBRestoring", "Databases in advanced &restore"},
+    {IDC_DELETE_OLD_STORAGE, "MayDeleteOldStorage", "Delete &old storage on a full card"},
 };
 
 constexpr char kStep[] = ", 1029, ";  // PBM_STEPIT
 
-class OptionsPageTest : public tests::UiTest {
+class OptionsPageTest : public UiTest {
 protected:
-    void OpenOptions() {
-        Open();
-        ShowTab("Options");
-        EXPECT_TRUE(Eventually([&] { return Sees(kTime); }));
-    }
-    bool IsChecked(int id) { return Control(id)->at("check") == 1; }
-    bool SettingBecomes(const std::string& name, unsigned value) {
-        return Eventually([&] { return Dword(name) == value; });
-    }
+    void OpenOptions() { OpenOn("Options"); }
     // Hours and minutes of the picker.
-    std::string Time() { return Text(kTime).substr(11, 5); }
-    std::string LabelText() { return AnyControl(kLabel)->at("text"); }
-    int BarPosition() { return AnyControl(kBar)->at("position"); }
+    std::string Time() {
+        const std::string text = Text(IDC_TIME);  // "2026-11-16T07:30:00"
+        return text.size() > 16 ? text.substr(11, 5) : text;
+    }
+    std::string LabelText() { return AnyControl(IDC_AGENT_LABEL).text; }
+    int BarPosition() { return AnyControl(IDC_AGENT_BAR).position.value_or(-1); }
     std::size_t Ticks() { return Calls("SendMessageW", kStep); }
     // What a countdown does, in order; a step of the bar with the position that it left.
-    std::vector<std::string> Countdown() {
-        std::vector<std::string> steps;
-        for (const Json& call : Ask("trace show")) {
-            const std::string function = call["function"];
-            const std::string arguments = call["arguments"];
-            const auto has = [&](const char* text) {
-                return arguments.find(text) != std::string::npos;
-            };
-            if (function == "SetWindowTextW" && (has("update:") || has("ready:"))) {
-                steps.push_back(has("update:") ? "update:" : "ready:");
-            } else if (function == "SendMessageW" && has(kStep)) {
-                steps.push_back("bar " + call["result"].get<std::string>());
-            } else if (function == "CreateProcessW") {
+    Texts Countdown() {
+        Texts steps;
+        for (const Call& call : Traced()) {
+            const bool is_update = call.Has("update:");
+            if (call.function == "SetWindowTextW" && (is_update || call.Has("ready:"))) {
+                steps.push_back(is_update ? "update:" : "ready:");
+            } else if (call.function == "SendMessageW" && call.Has(kStep)) {
+                steps.push_back("bar " + call.result);
+            } else if (call.function == "CreateProcessW") {
                 steps.push_back("agent");
             }
         }
@@ -65,10 +50,15 @@ protected:
         Ask("set sleep.scale 0");
         OpenOptions();
     }
+    void OpenWithPendingChange(int id, const std::string& setting) {
+        OpenOptionsWithoutCountdown();
+        Press(id);
+        EXPECT_SOON_EQ(1u, Dword(setting));
+    }
     Json OwnSettings() {
         const Json dump = Ask("dump");
         for (const Json& key : dump["registry"]) {
-            if (key["key"] == kSettings) {
+            if (key["key"] == kSettingsKey) {
                 return key;
             }
         }
@@ -92,13 +82,13 @@ TEST_F(OptionsPageTest, EachSwitchWritesItsSettingAlone) {
     OpenOptions();
     for (const Switch& row : kSwitches) {
         Press(row.id);
-        EXPECT_TRUE(SettingBecomes(row.setting, 1)) << row.setting;
+        EXPECT_SOON_EQ(1u, Dword(row.setting)) << row.setting;
         for (const Switch& other : kSwitches) {
             EXPECT_EQ(other.id == row.id ? 1u : 0u, Dword(other.setting).value_or(0))
                 << row.setting << " " << other.setting;
         }
         Press(row.id);
-        EXPECT_TRUE(SettingBecomes(row.setting, 0)) << row.setting;
+        EXPECT_SOON_EQ(0u, Dword(row.setting)) << row.setting;
     }
     EXPECT_EQ(0x001E0007u, Dword("WakeUpTime"));
 }
@@ -106,19 +96,19 @@ TEST_F(OptionsPageTest, EachSwitchWritesItsSettingAlone) {
 TEST_F(OptionsPageTest, ThePickerShowsTheWakeUpTimeOfToday) {
     SetDword("WakeUpTime", 0x001E0007);
     OpenOptions();
-    EXPECT_EQ("2026-11-16T07:30:00", Text(kTime));
+    EXPECT_EQ("2026-11-16T07:30:00", Text(IDC_TIME));
     EXPECT_EQ(1u, Calls("SendMessageW", ", 4146, "));  // DTM_SETFORMATW: it shows no seconds
 }
 
 TEST_F(OptionsPageTest, WithoutAWakeUpTimeThePickerShowsMidnight) {
-    Ask("reg-delete " + kSettings + " WakeUpTime");
+    DeleteSetting("WakeUpTime");
     OpenOptions();
     EXPECT_EQ("00:00", Time());
 }
 
 // Its window text is the time; the title stands in the program's resources.
 TEST_F(OptionsPageTest, ThePickerIsTitledTime) {
-    const std::string program = device().FileBytes(L"\\Program Files\\Tolvenar\\Tolvenar.exe");
+    const std::string program = device().FileBytes(kProgramPath);
     std::string title;
     for (const char c : std::string("SYSDATETIMEPICK32\0Time", 22)) {
         title += {c, '\0'};
@@ -128,8 +118,8 @@ TEST_F(OptionsPageTest, ThePickerIsTitledTime) {
 
 TEST_F(OptionsPageTest, ANewTimeIsWrittenAtOnceAndStartsNoCountdown) {
     OpenOptions();
-    Type(kTime, "21:45");
-    EXPECT_TRUE(SettingBecomes("WakeUpTime", 0x002D0015));
+    Type(IDC_TIME, "21:45");
+    EXPECT_SOON_EQ(0x002D0015u, Dword("WakeUpTime"));
     EXPECT_EQ("ready:", LabelText());
     EXPECT_EQ(0u, AgentStarts());
     Keys("ctrl+q");
@@ -138,15 +128,13 @@ TEST_F(OptionsPageTest, ANewTimeIsWrittenAtOnceAndStartsNoCountdown) {
 }
 
 TEST_F(OptionsPageTest, ANewTimeAppliesAPendingChange) {
-    OpenOptionsWithoutCountdown();
-    Press(1060);
-    EXPECT_TRUE(SettingBecomes("onTime", 1));
-    Type(kTime, "21:45");
-    EXPECT_TRUE(SettingBecomes("WakeUpTime", 0x002D0015));
-    EXPECT_TRUE(Eventually([&] { return AgentStarts() == 1; }));
+    OpenWithPendingChange(IDC_ON_TIME, "onTime");
+    Type(IDC_TIME, "21:45");
+    EXPECT_SOON_EQ(0x002D0015u, Dword("WakeUpTime"));
+    EXPECT_SOON_EQ(1u, AgentStarts());
     EXPECT_EQ(0u, Ticks());
-    const Json notifications = Ask("notifications");
-    ASSERT_EQ(2u, notifications.size());
+    const Json notifications = Await([&] { return Ask("notifications"); },
+                                     [](const Json& all) { return all.size() == 2; });
     EXPECT_NE(std::string::npos, notifications.dump().find("T21:45:00")) << notifications;
 }
 
@@ -156,102 +144,95 @@ TEST_F(OptionsPageTest, AChangeIsAppliedAfterThreeSecondsOutOfSight) {
     EXPECT_EQ("ready:", LabelText());
     EXPECT_EQ(0, BarPosition());
     Ask("trace on");
-    Press(1060);
-    EXPECT_TRUE(Eventually([&] { return AgentStarts() == 1 && LabelText() == "ready:"; }));
-    EXPECT_EQ((std::vector<std::string>{"update:", "bar 0", "bar 1", "bar 2", "agent", "ready:"}),
-              Countdown());
-    EXPECT_EQ(0, BarPosition());
-    EXPECT_EQ(2u, Ask("notifications").size());
-    EXPECT_FALSE(Sees(kBar));
-    EXPECT_FALSE(Sees(kLabel));
+    Press(IDC_ON_TIME);
+    EXPECT_SOON(AgentStarts() == 1 && LabelText() == "ready:");
+    EXPECT_SOON_EQ((Texts{"update:", "bar 0", "bar 1", "bar 2", "agent", "ready:"}), Countdown());
+    EXPECT_SOON_EQ(0, BarPosition());
+    EXPECT_SOON_EQ(2u, Ask("notifications").size());
+    EXPECT_FALSE(Sees(IDC_AGENT_BAR));
+    EXPECT_FALSE(Sees(IDC_AGENT_LABEL));
 }
 
 TEST_F(OptionsPageTest, AChangeThatIsUndoneAppliesNothing) {
     OpenOptionsWithoutCountdown();
-    Press(1061);
-    EXPECT_TRUE(Eventually([&] { return LabelText() == "update:"; }));
-    Press(1061);
-    EXPECT_TRUE(Eventually([&] { return LabelText() == "ready:"; }));
+    Press(IDC_ON_BATTERY);
+    EXPECT_SOON_EQ("update:", LabelText());
+    Press(IDC_ON_BATTERY);
+    EXPECT_SOON_EQ("ready:", LabelText());
     ShowTab("Backup");
     EXPECT_EQ(0u, AgentStarts());
     EXPECT_EQ(0u, Ask("notifications").size());
 }
 
 TEST_F(OptionsPageTest, LeavingThePageAppliesAtOnce) {
-    OpenOptionsWithoutCountdown();
-    Press(1061);
-    EXPECT_TRUE(SettingBecomes("onBattery", 1));
+    OpenWithPendingChange(IDC_ON_BATTERY, "onBattery");
     ShowTab("About");
-    EXPECT_TRUE(Eventually([&] { return AgentStarts() == 1; }));
+    EXPECT_SOON_EQ(1u, AgentStarts());
     EXPECT_EQ(0u, Ticks());
-    EXPECT_EQ(4u, Ask("notifications").size());
+    EXPECT_SOON_EQ(4u, Ask("notifications").size());
 }
 
 // Once for the pending change, once because the agent always runs when the program has ended; on
 // purpose.
 TEST_F(OptionsPageTest, ClosingWithAPendingChangeStartsTheAgentTwice) {
-    OpenOptionsWithoutCountdown();
-    Press(1060);
-    EXPECT_TRUE(SettingBecomes("onTime", 1));
+    OpenWithPendingChange(IDC_ON_TIME, "onTime");
     EXPECT_EQ(0u, AgentStarts());
     Keys("ctrl+q");
     ExpectEnd();
     EXPECT_EQ(2u, AgentStarts());
-    EXPECT_EQ(2u, Ask("notifications").size());
+    EXPECT_SOON_EQ(2u, Ask("notifications").size());
 }
 
 // Another copy takes over: the main window alone is told to close.
 TEST_F(OptionsPageTest, ATakeOverAppliesAPendingChange) {
-    OpenOptionsWithoutCountdown();
-    Press(1061);
-    EXPECT_TRUE(SettingBecomes("onBattery", 1));
-    ::PostMessageW(::FindWindowW(L"TolvenarClass", nullptr), WM_CLOSE, 0, 0);
+    OpenWithPendingChange(IDC_ON_BATTERY, "onBattery");
+    ::PostMessageW(MainWindow(), WM_CLOSE, 0, 0);
     ExpectEnd();
     EXPECT_EQ(0u, Ticks());
     EXPECT_EQ(2u, AgentStarts());
-    EXPECT_EQ(4u, Ask("notifications").size());
+    EXPECT_SOON_EQ(4u, Ask("notifications").size());
 }
 
 TEST_F(OptionsPageTest, TheHintIsThereWhileNothingIsAutomatic) {
     OpenOptions();
-    EXPECT_EQ("Automatic backup is off.", Text(kHint));
-    EXPECT_TRUE(Control(kHint)->at("enabled"));
-    for (const int id : {1060, 1061}) {
+    EXPECT_EQ("Automatic backup is off.", Text(IDC_AUTOMATIC_OFF_HINT));
+    EXPECT_TRUE(AnyControl(IDC_AUTOMATIC_OFF_HINT).enabled);
+    for (const int id : {IDC_ON_TIME, IDC_ON_BATTERY}) {
         Press(id);
-        EXPECT_TRUE(Eventually([&] { return !Sees(kHint); })) << id;
-        EXPECT_FALSE(AnyControl(kHint)->at("enabled"));
+        EXPECT_SOON(!Sees(IDC_AUTOMATIC_OFF_HINT)) << id;
+        EXPECT_SOON(!AnyControl(IDC_AUTOMATIC_OFF_HINT).enabled);
         Press(id);
-        EXPECT_TRUE(Eventually([&] { return Sees(kHint); })) << id;
+        EXPECT_SOON(Sees(IDC_AUTOMATIC_OFF_HINT)) << id;
     }
 }
 
 TEST_F(OptionsPageTest, TheHiddenStatusLeavesNoHoleBetweenTheOthers) {
     OpenOptions();
-    const Json hint = *Control(kHint);
-    for (const int id : {kBar, kLabel}) {
-        const Json hidden = *AnyControl(id);
-        EXPECT_FALSE(hidden["visible"]);
-        EXPECT_GE(hidden["top"].get<int>(), hint["top"].get<int>() + hint["height"].get<int>());
+    const Window hint = AnyControl(IDC_AUTOMATIC_OFF_HINT);
+    for (const int id : {IDC_AGENT_BAR, IDC_AGENT_LABEL}) {
+        const Window hidden = AnyControl(id);
+        EXPECT_FALSE(hidden.visible);
+        EXPECT_GE(hidden.top, hint.top + hint.height);
     }
 }
 
 TEST_F(OptionsPageTest, WithoutThePowerFunctionTheBatterySwitchIsOff) {
     device().Set("power.present", "0");
     OpenOptions();
-    EXPECT_FALSE(Control(1061)->at("enabled"));
-    EXPECT_TRUE(Control(1060)->at("enabled"));
+    EXPECT_FALSE(AnyControl(IDC_ON_BATTERY).enabled);
+    EXPECT_TRUE(AnyControl(IDC_ON_TIME).enabled);
 }
 
 TEST_F(OptionsPageTest, WithoutAnInstallationNothingCanBeChanged) {
-    Ask("reg-delete " + kSettings + " onTime");
+    RemoveInstallation();
     const Json before = OwnSettings();
     ASSERT_FALSE(before.is_null());
     OpenOptions();
     for (const Switch& row : kSwitches) {
-        EXPECT_FALSE(Control(row.id)->at("enabled")) << row.setting;
+        EXPECT_FALSE(AnyControl(row.id).enabled) << row.setting;
     }
-    EXPECT_FALSE(Control(kTime)->at("enabled"));
-    EXPECT_FALSE(Control(kHint)->at("enabled"));
+    EXPECT_FALSE(AnyControl(IDC_TIME).enabled);
+    EXPECT_FALSE(AnyControl(IDC_AUTOMATIC_OFF_HINT).enabled);
     for (const char* keys : {"alt+d", "alt+b", "alt+v", "alt+r", "alt+o", "ctrl+q"}) {
         Keys(keys);
     }
@@ -262,10 +243,10 @@ TEST_F(OptionsPageTest, WithoutAnInstallationNothingCanBeChanged) {
 TEST_F(OptionsPageTest, ASettingThatCannotBeWrittenIsPassedOver) {
     device().Fault("RegSetValueExW", 1, 1, 5, "onBattery");
     OpenOptions();
-    Press(1061);
+    Press(IDC_ON_BATTERY);
     EXPECT_TRUE(RulesAreUsedUp());
-    Press(1060);
-    EXPECT_TRUE(SettingBecomes("onTime", 1));
+    Press(IDC_ON_TIME);
+    EXPECT_SOON_EQ(1u, Dword("onTime"));
     EXPECT_NE(1u, Dword("onBattery").value_or(0));
     EXPECT_EQ(0u, BoxCount());
 }
@@ -275,20 +256,19 @@ TEST_F(OptionsPageTest, AnActivationReadsTheSettingsAgain) {
     OpenOptions();
     SetDword("onBattery", 1);
     SetDword("WakeUpTime", 0x000F0006);
-    EXPECT_FALSE(IsChecked(1061));
-    ::PostMessageW(::FindWindowW(L"Dialog", L"Tolvenar"), WM_ACTIVATE, WA_ACTIVE, 0);
-    EXPECT_TRUE(Eventually([&] { return IsChecked(1061); }));
-    EXPECT_EQ("06:15", Time());
-    EXPECT_FALSE(Sees(kHint));
+    EXPECT_FALSE(IsChecked(IDC_ON_BATTERY));
+    ::PostMessageW(MainDialog(), WM_ACTIVATE, WA_ACTIVE, 0);
+    EXPECT_SOON(IsChecked(IDC_ON_BATTERY));
+    EXPECT_SOON_EQ("06:15", Time());
+    EXPECT_SOON(!Sees(IDC_AUTOMATIC_OFF_HINT));
 }
 
 // The picker tells of more than a change; that it got the keyboard is none.
 TEST_F(OptionsPageTest, GoingToThePickerAppliesNothing) {
     OpenOptionsWithoutCountdown();
     Keys("alt+d");
-    EXPECT_TRUE(Eventually([&] { return LabelText() == "update:"; }));
-    Keys("tab");
-    EXPECT_TRUE(Eventually([&] { return Control(kTime)->at("focused") == true; }));
+    EXPECT_SOON_EQ("update:", LabelText());
+    ExpectFocus("tab", IDC_TIME);
     EXPECT_EQ("update:", LabelText());
     EXPECT_EQ(0u, AgentStarts());
 }
@@ -299,8 +279,9 @@ TEST_F(OptionsPageTest, AShownPageReadsTheSettingsAgain) {
     SetDword("onBattery", 1);
     SetDword("WakeUpTime", 0x000F0006);
     ShowTab("Options");
-    EXPECT_TRUE(Eventually([&] { return Sees(kTime) && IsChecked(1061); }));
-    EXPECT_EQ("06:15", Time());
+    EXPECT_SOON(Sees(IDC_TIME) && IsChecked(IDC_ON_BATTERY));
+    EXPECT_SOON_EQ("06:15", Time());
 }
 
 }  // namespace
+}  // namespace tests

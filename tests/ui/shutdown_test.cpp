@@ -1,39 +1,28 @@
 // Every way in which the program ends.
 #include <functional>
 
-#include "tests/support/programs.h"
-#include "tests/ui/ui_test.h"
+#include "tests/support/ui_test.h"
 
+namespace tests {
 namespace {
 
-using tests::Program;
-
-const std::wstring kPath = L"\\Program Files\\Tolvenar\\Tolvenar.exe";
-const std::string kNotStarted = "Can't start action. Try again.";
-constexpr UINT kConfirmedRestored = WM_APP + 122;
-
-class ShutdownTest : public tests::UiTest {
+class ShutdownTest : public UiTest {
 protected:
     void SetUp() override {
         UiTest::SetUp();
         SetDword("Reminders", 2);
         BackUp();
-        device().PutFile(L"\\My Documents\\a.txt", "hello");
-    }
-    Program OpenProgram(const std::wstring& arguments = L"") {
-        Ask("trace on");
-        return Program(device().sim(), kPath, arguments);
+        device().PutFile(kNote, "hello");
     }
     // The calls of a function, as the trace numbers its lines.
-    std::vector<std::size_t> PlacesOf(const std::string& function, const std::string& arguments) {
+    std::vector<std::size_t> PlacesOf(const std::string& function,
+                                      const std::string& in_arguments = "") {
         std::vector<std::size_t> places;
-        std::size_t place = 0;
-        for (const Json& line : Ask("trace show")) {
-            if (line["function"] == function &&
-                line["arguments"].get<std::string>().find(arguments) != std::string::npos) {
-                places.push_back(place);
+        const std::vector<Call> calls = Traced();
+        for (std::size_t i = 0; i < calls.size(); ++i) {
+            if (calls[i].function == function && calls[i].Has(in_arguments)) {
+                places.push_back(i);
             }
-            ++place;
         }
         return places;
     }
@@ -41,11 +30,11 @@ protected:
     void ExpectGoodEnd(Program& program) {
         EXPECT_EQ(0, program.ExitCode());
         EXPECT_EQ(nullptr, MainDialog());
-        EXPECT_EQ(1u, PlacesOf("CreateProcessW", "kestrin_tolvenar_agent.exe").size());
-        const auto heap = PlacesOf("HeapDestroy", "");
+        EXPECT_EQ(1u, AgentStarts());
+        const auto heap = PlacesOf("HeapDestroy");
         ASSERT_EQ(1u, heap.size());
         for (const char* function : {"DestroyWindow", "PostQuitMessage", "GetMessageW"}) {
-            const auto places = PlacesOf(function, "");
+            const auto places = PlacesOf(function);
             ASSERT_FALSE(places.empty()) << function;
             EXPECT_LT(places.back(), heap[0]) << function;
         }
@@ -72,8 +61,8 @@ TEST_F(ShutdownTest, EveryWayOutIsTheSame) {
         {"both commands at once",
          [&] {
              const HWND dialog = MainDialog();
-             Post(dialog, WM_COMMAND, 40004);
-             Post(dialog, WM_COMMAND, 40014);
+             Post(dialog, WM_COMMAND, IDM_CLOSE);
+             Post(dialog, WM_COMMAND, IDM_QUIT);
          }},
         {"the main window twice",
          [&] {
@@ -90,7 +79,7 @@ TEST_F(ShutdownTest, EveryWayOutIsTheSame) {
         {"the operation window first",
          [&] {
              Post(OperationWindow(), WM_CLOSE);
-             Eventually([&] { return OperationWindow() == nullptr; });
+             EXPECT_SOON(OperationWindow() == nullptr);
              Post(MainDialog(), WM_CLOSE);
          }},
         {"the answer after a restore", [&] { Post(OperationWindow(), kConfirmedRestored, 1); }},
@@ -98,7 +87,6 @@ TEST_F(ShutdownTest, EveryWayOutIsTheSame) {
     for (const auto& way : kWays) {
         SCOPED_TRACE(way.name);
         Program program = OpenProgram();
-        WaitForDialog();
         way.close();
         ExpectGoodEnd(program);
     }
@@ -109,19 +97,18 @@ TEST_F(ShutdownTest, EveryWayOutIsTheSame) {
 TEST_F(ShutdownTest, ItsStepsHaveTheirOrder) {
     SetDword("onTime", 1);
     Program program = OpenProgram();
-    WaitForDialog();
     Ask("trace on");
     Keys("ctrl+q");
     EXPECT_EQ(0, program.ExitCode());
-    const auto schedule = PlacesOf("CeSetUserNotificationEx", "");
+    const auto schedule = PlacesOf("CeSetUserNotificationEx");
     const auto apply = PlacesOf("SendMessageW", ", 32898, ");  // WM_APP + 130
     // The dialog's to the main window, that one's to the operation window, and one more to whoever
     // still stands at the end.
     const auto closes = PlacesOf("PostMessageW", ", 16, 0, 0");
     const auto settings = PlacesOf("RegQueryValueExW", "MayDeleteOldStorage");
     const auto agent = PlacesOf("CreateProcessW", "kestrin_tolvenar_agent.exe");
-    const auto heap = PlacesOf("HeapDestroy", "");
-    ASSERT_FALSE(schedule.empty() || settings.empty() || agent.empty());
+    const auto heap = PlacesOf("HeapDestroy");
+    ASSERT_FALSE(schedule.empty() || settings.empty() || agent.empty() || heap.empty());
     ASSERT_LE(2u, closes.size());
     EXPECT_LT(closes[0], schedule.front());
     EXPECT_LT(schedule.back(), closes[1]);
@@ -136,7 +123,6 @@ TEST_F(ShutdownTest, ItsStepsHaveTheirOrder) {
 TEST_F(ShutdownTest, EachWayOutOfAReminderIsCancel) {
     SetDword("Reminders", 14);
     Program program = OpenProgram();
-    WaitForDialog();
     const struct {
         const char* name;
         std::function<void()> close;
@@ -144,31 +130,29 @@ TEST_F(ShutdownTest, EachWayOutOfAReminderIsCancel) {
         {"Escape", [&] { Keys("esc"); }},
         {"Alt+F4", [&] { Keys("alt+f4"); }},
         {"close box", [&] { PressCloseBox(); }},
-        {"WM_CLOSE", [&] { Post(::FindWindowW(L"Dialog", L"Reminder"), WM_CLOSE); }},
+        {"WM_CLOSE", [&] { Post(Reminder(), WM_CLOSE); }},
     };
     for (const auto& way : kWays) {
         SCOPED_TRACE(way.name);
-        Press(1001);
-        ASSERT_TRUE(Eventually([&] { return Shows("Reminder") && Top("Reminder")->at("active"); }));
+        Press(IDC_BACKUP);
+        ASSERT_SOON(IsActive("Reminder"));
         way.close();
-        EXPECT_TRUE(Eventually([&] { return !Shows("Reminder"); }));
-        EXPECT_TRUE(Eventually([&] { return Top("Tolvenar")->at("enabled") == true; }));
+        EXPECT_SOON(!Shows("Reminder"));
+        EXPECT_SOON(IsEnabled(kMainTitle));
     }
     EXPECT_TRUE(DialogIsDone());
-    EXPECT_EQ(std::size(kWays), Calls("PostMessageW", ", 32892, 0, 0"));
-    EXPECT_EQ(std::vector<int>{1}, States());
+    EXPECT_EQ(std::size(kWays), Calls("PostMessageW", kTracedBackup + "0, 0"));
+    EXPECT_EQ(Numbers{1}, States());
     Keys("ctrl+q");
     ExpectGoodEnd(program);
 }
 
 TEST_F(ShutdownTest, WithoutItsOperationThreadARequestIsNotStarted) {
     Program program = OpenProgram();
-    WaitForDialog();
     Post(OperationWindow(), WM_CLOSE);
-    ASSERT_TRUE(Eventually([&] { return OperationWindow() == nullptr; }));
+    ASSERT_SOON(OperationWindow() == nullptr);
     for (int twice = 0; twice < 2; ++twice) {
-        Press(1001);
-        ExpectBox(tests::kWarningBox, kNotStarted);
+        PressAndExpect(IDC_BACKUP, kNotStarted);
     }
     Keys("ctrl+q");
     ExpectGoodEnd(program);
@@ -176,18 +160,16 @@ TEST_F(ShutdownTest, WithoutItsOperationThreadARequestIsNotStarted) {
 
 TEST_F(ShutdownTest, BesideACopyThatStaysTheDialogStartsNothing) {
     LeaveOldCopy();
-    Program program = OpenProgram(L"AutoBackup: External");
-    WaitForDialog();
-    EXPECT_EQ(std::vector<int>{1}, States());
+    Program program = OpenProgram("AutoBackup: External");
+    EXPECT_EQ(Numbers{1}, States());
     EXPECT_EQ(10u, PlacesOf("Sleep", "200").size());
-    Press(1001);
-    ExpectBox(tests::kWarningBox, kNotStarted);
+    PressAndExpect(IDC_BACKUP, kNotStarted);
     ShowTab("Restore");
-    Press(1002);
-    ExpectBox(tests::kWarningBox, kNotStarted);
+    PressAndExpect(IDC_RESTORE, kNotStarted);
     Keys("ctrl+q");
     EXPECT_EQ(0, program.ExitCode());
-    EXPECT_EQ(std::vector<int>{1}, States());
+    EXPECT_EQ(Numbers{1}, States());
 }
 
 }  // namespace
+}  // namespace tests

@@ -1,16 +1,15 @@
 // What a start asks the platform for, by its values: heap, hidden windows, keys, thread, mutex.
-#include "tests/ui/ui_test.h"
+#include "tests/support/ui_test.h"
 
+namespace tests {
 namespace {
 
-using Texts = std::vector<std::string>;
-
-class StartupCallsTest : public tests::UiTest {
+class StartupCallsTest : public UiTest {
 protected:
     Texts Arguments(const std::string& function) {
         Texts all;
-        for (const Json& line : Ask("trace show " + function)) {
-            all.push_back(line["arguments"]);
+        for (const Call& call : Traced(function)) {
+            all.push_back(call.arguments);
         }
         return all;
     }
@@ -58,7 +57,7 @@ TEST_F(StartupCallsTest, AScheduledBackupTakesTheMutexAndLoadsUnderTheHourglass)
     SetDword("WakeUpTime", kHalfPastNine);
     device().Set("sleep.scale", "100");
     StartProgram("TolvenarRunAtTime");
-    EXPECT_TRUE(Eventually([&] { return !States().empty() && !ProgramRuns(); }));
+    EXPECT_SOON(!States().empty() && !ProgramRuns());
     EXPECT_EQ(1u, Calls("CreateMutexW", "TolvenarMutexObject"));
     EXPECT_EQ(Texts{"0x0, 0x7f02"}, Arguments("LoadCursorW"));
     EXPECT_EQ(2u, Calls("SetCursor"));  // and the previous one
@@ -79,3 +78,4 @@ TEST_F(StartupCallsTest, AnUnattendedRestoreLoadsUnderTheHourglassToo) {
 }
 
 }  // namespace
+}  // namespace tests

@@ -1,16 +1,11 @@
 // What the interactive start makes of the storage that the settings name.
-#include "platform/win32.h"
-
 #include "tests/ui/storage_ui_test.h"
 
+namespace tests {
 namespace {
 
-class StartupTest : public tests::StorageUiTest {
+class StartupTest : public StorageUiTest {
 protected:
-    void TearDown() override {
-        EXPECT_EQ("[]", device().Faults());
-        StorageUiTest::TearDown();
-    }
     // The program comes up without a word, and without a storage.
     void ExpectSilentStart() {
         Open();
@@ -21,16 +16,16 @@ protected:
 };
 
 TEST_F(StartupTest, AnUnreadableHeaderSaysNothing) {
-    device().PutFile(tests::kStorageFile, "short");
+    device().PutFile(kStorageFile, "short");
     ExpectSilentStart();
-    EXPECT_EQ("short", device().FileBytes(tests::kStorageFile));
+    EXPECT_EQ("short", device().FileBytes(kStorageFile));
 }
 
 TEST_F(StartupTest, AHeldStorageFileSaysNothing) {
-    const std::string storage = device().FileBytes(tests::kStorageFile);
-    const auto lock = device().Lock(tests::kStorageFile, "write");
+    const std::string storage = device().FileBytes(kStorageFile);
+    const auto lock = device().Lock(kStorageFile, "write");
     ExpectSilentStart();
-    EXPECT_EQ(storage, device().FileBytes(tests::kStorageFile));
+    EXPECT_EQ(storage, device().FileBytes(kStorageFile));
 }
 
 TEST_F(StartupTest, TooLittleMemorySaysNothing) {
@@ -46,36 +41,36 @@ TEST_F(StartupTest, WithoutMemoryAtAllItEnds) {
 }
 
 TEST_F(StartupTest, AnInterruptedSavesJournalIsTaken) {
-    device().PutFile(tests::kJournalFile + L"_1", device().FileBytes(tests::kJournalFile));
-    device().Remove(tests::kJournalFile);
-    Open();
-    ShowTab("Restore");
-    EXPECT_EQ((std::vector<std::string>{"State 2", "State 1"}), Items(1014));
-    EXPECT_FALSE(device().Exists(tests::kJournalFile + L"_1"));
+    device().PutFile(kJournalFile + L"_1", device().FileBytes(kJournalFile));
+    device().Remove(kJournalFile);
+    OpenOn("Restore");
+    EXPECT_EQ((Texts{"State 2", "State 1"}), Items(IDC_STATES));
+    EXPECT_FALSE(device().Exists(kJournalFile + L"_1"));
 }
 
 // Whoever brings a storage of another device may choose their own after the message.
 TEST_F(StartupTest, AfterTheMessageAnotherStorageCanBeChosen) {
-    std::string storage = device().FileBytes(tests::kStorageFile);
+    std::string storage = device().FileBytes(kStorageFile);
     storage[200] = 1;  // the processor
-    device().PutFile(tests::kStorageFile, storage);
+    device().PutFile(kStorageFile, storage);
     StartProgram();
-    ExpectBox(tests::kPlainBox, "Storage file is not compatible with your device.");
-    EXPECT_TRUE(Eventually([&] { return Sees(tests::kBrowse); }));
+    ExpectBox(kOtherDevice);
+    EXPECT_SOON(Sees(IDC_BROWSE));
     ExpectNoneOpen();
     ChooseFile("Other.jrn");
     EXPECT_TRUE(NameBecomes("Other"));
-    EXPECT_EQ(storage, device().FileBytes(tests::kStorageFile));
+    EXPECT_EQ(storage, device().FileBytes(kStorageFile));
 }
 
 TEST_F(StartupTest, TheStatesAreLoadedUnderThePopup) {
     HoldCall("CreateFileW", "Backup.jrn, 3221225472, 1");
     StartProgram();
     // There are no steps to count in all.
-    EXPECT_TRUE(Eventually([&] { return Shows("Loading List") && !Sees(1027); }));
-    EXPECT_TRUE(Sees(1025));
+    EXPECT_SOON(Shows("Loading List") && !Sees(IDC_TOTAL_BAR));
+    EXPECT_TRUE(Sees(IDC_STEP_BAR));
     LetGo();
-    EXPECT_TRUE(Eventually([&] { return Sees(1018) && !Shows("Loading List"); }));
+    EXPECT_SOON(Sees(IDC_NEW_DESCRIPTION) && !Shows("Loading List"));
 }
 
 }  // namespace
+}  // namespace tests

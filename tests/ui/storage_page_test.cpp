@@ -1,25 +1,18 @@
 // The Storage file page, and what the others do when another storage is open, or none.
-#include "platform/win32.h"
-
 #include "simulator/host/window_thread.h"
 #include "tests/ui/storage_ui_test.h"
 
+namespace tests {
 namespace {
 
-using Texts = std::vector<std::string>;
-
-constexpr int kStates = 1014;
 constexpr LONG kReadOnlyStyle = 0x0800;
 constexpr unsigned kLimitMs = 10000;
 
-class StoragePageTest : public tests::StorageUiTest {
+class StoragePageTest : public StorageUiTest {
 protected:
     void SetUp() override {
         StorageUiTest::SetUp();
         SetDword("Reminders", 2);
-    }
-    HWND Handle(int id) {
-        return reinterpret_cast<HWND>(AnyControl(id)->at("handle").get<std::uintptr_t>());
     }
     bool IsReadOnly(int id) {
         return (::GetWindowLongW(Handle(id), GWL_STYLE) & kReadOnlyStyle) != 0;
@@ -28,23 +21,20 @@ protected:
         ChooseFile("Other.jrn");
         ASSERT_TRUE(NameBecomes("Other"));
     }
-    bool PageBecomes(const std::string& tab) {
-        return Eventually([&] { return SelectedTab() == tab; });
-    }
 };
 
 // A single blank for a storage without a description: an empty field means that none is open.
 TEST_F(StoragePageTest, ShowsNameFolderAndDescriptionOfTheOpenStorage) {
     OpenPage();
     ExpectFirstOpen();
-    EXPECT_TRUE(IsReadOnly(tests::kStorageName));
-    EXPECT_TRUE(IsReadOnly(tests::kStorageDescription));
+    EXPECT_TRUE(IsReadOnly(IDC_STORAGE_NAME));
+    EXPECT_TRUE(IsReadOnly(IDC_STORAGE_DESCRIPTION));
     Ask("trace on");
     ChooseOther();
     EXPECT_EQ(1u, Calls("SetWindowTextW", ", Loading List"));  // the popup's
-    EXPECT_EQ("The other one", Text(tests::kStorageDescription));
-    EXPECT_EQ(tests::kCardFolder, Text(tests::kStorageFolder));
-    EXPECT_EQ("Other", Setting("StorageFile"));
+    EXPECT_EQ("The other one", Text(IDC_STORAGE_DESCRIPTION));
+    EXPECT_EQ(kCardFolder, Text(IDC_STORAGE_FOLDER));
+    EXPECT_EQ("Other", SettingText("StorageFile"));
     EXPECT_EQ(0u, BoxCount());
 }
 
@@ -54,109 +44,100 @@ TEST_F(StoragePageTest, WithoutSettingsAllIsEmptyAndSoIsTheOpenDialog) {
     EXPECT_EQ("Storage file", SelectedTab());
     ExpectNoneOpen();
     Browse();
-    EXPECT_EQ("", Text(tests::kOpenName));
-    EXPECT_EQ("\\", Text(tests::kOpenFolder));
-    Press(tests::kCancel);
+    EXPECT_SOON_EQ("", Text(kOpenName));
+    EXPECT_SOON_EQ("\\", Text(kOpenFolder));
+    Press(IDCANCEL);
     ExpectNoneOpen();
 }
 
 // The list keeps copies of its own of the old storage's records, which are freed.
 TEST_F(StoragePageTest, StatesAreThoseOfTheNewStorageAndARestoreTakesThem) {
-    device().PutFile(tests::kNote, "meanwhile");
-    Open();
-    ShowTab("Restore");
-    EXPECT_EQ((Texts{"State 2", "State 1"}), Items(kStates));
-    Select(kStates, "State 1");
+    device().PutFile(kNote, "meanwhile");
+    OpenOn("Restore");
+    EXPECT_EQ((Texts{"State 2", "State 1"}), Items(IDC_STATES));
+    Select(IDC_STATES, "State 1");
     ShowTab("Storage file");
     ChooseOther();
     ShowTab("Restore");
-    EXPECT_EQ((Texts{"State 1"}), Items(kStates));
-    EXPECT_EQ(0, Selected(kStates));
-    EXPECT_EQ(0u, Text(1015).find("11/16/26"));
-    Press(1002);
-    ASSERT_TRUE(Eventually([&] { return Shows("Reminder"); }));
-    EXPECT_EQ(tests::kOtherText, device().FileBytes(tests::kNote));
+    EXPECT_EQ((Texts{"State 1"}), Items(IDC_STATES));
+    EXPECT_EQ(0, Selected(IDC_STATES));
+    EXPECT_EQ(0u, Text(IDC_STATE_TIME).find("11/16/26"));
+    PressForReminder(IDC_RESTORE);
+    EXPECT_EQ(kOtherText, device().FileBytes(kNote));
 }
 
 // They must never be applied by "+" and "--".
 TEST_F(StoragePageTest, DifferencesOfTheOldStorageAreForgotten) {
     Open();
-    ShowTab("Advanced Restore");
-    Keys("alt+s");
-    Keys("enter");
-    EXPECT_TRUE(Eventually([&] { return Text(1041) == "Differences from State 1 to State 2"; }));
+    ShowDifferences();
     ShowTab("Storage file");
     ChooseOther();
     ShowTab("Advanced Restore");
-    EXPECT_EQ("", Text(1041));
-    Press(1038);
-    ExpectBox(tests::kInformationBox, "Difference not found. There is nothing to Restore.");
-    EXPECT_EQ(tests::kOtherText, device().FileBytes(tests::kNote));
+    EXPECT_EQ("", Text(IDC_DIFFERENCES_CAPTION));
+    PressAndExpect(IDC_TAKE_BACK_CHANGES, kNothingToRestore);
+    EXPECT_EQ(kOtherText, device().FileBytes(kNote));
 }
 
 TEST_F(StoragePageTest, ABackupGoesIntoTheNewStorageAndLeavesTheOldOneAlone) {
-    device().PutFile(tests::kNote, "meanwhile");
-    const std::string storage = device().FileBytes(tests::kStorageFile);
-    const std::string journal = device().FileBytes(tests::kJournalFile);
+    device().PutFile(kNote, "meanwhile");
+    const std::string storage = device().FileBytes(kStorageFile);
+    const std::string journal = device().FileBytes(kJournalFile);
     OpenPage();
     ChooseOther();
     ShowTab("Backup");
-    Press(1001);
-    EXPECT_TRUE(Eventually([&] { return Sees(kStates) && !IsBusy(); }));
-    EXPECT_EQ((Texts{"State 2", "State 1"}), Items(kStates));
-    EXPECT_EQ(storage, device().FileBytes(tests::kStorageFile));
-    EXPECT_EQ(journal, device().FileBytes(tests::kJournalFile));
+    Press(IDC_BACKUP);
+    EXPECT_SOON(Sees(IDC_STATES) && !IsBusy());
+    EXPECT_EQ((Texts{"State 2", "State 1"}), Items(IDC_STATES));
+    EXPECT_EQ(storage, device().FileBytes(kStorageFile));
+    EXPECT_EQ(journal, device().FileBytes(kJournalFile));
 }
 
 TEST_F(StoragePageTest, AJournalThatCannotBeReadLeavesNoStorageOpen) {
-    Open();
-    ShowTab("Restore");
+    OpenOn("Restore");
     ShowTab("Storage file");
     // Shared reading: the journal itself is read, not only tried.
     device().Fault("CreateFileW", 1, 1, 5, "Other.jrn, 3221225472, 1");
     ChooseFile("Other.jrn");
     ExpectNoneOpen();
-    EXPECT_EQ("[]", device().Faults());
     EXPECT_EQ(0u, BoxCount());
-    EXPECT_EQ("Other", Setting("StorageFile"));
+    EXPECT_EQ("Other", SettingText("StorageFile"));
     ShowTab("Restore");
-    EXPECT_TRUE(Items(kStates).empty());
-    EXPECT_EQ("", Text(1015));
-    Press(1002);
-    EXPECT_TRUE(PageBecomes("Storage file"));
+    EXPECT_TRUE(Items(IDC_STATES).empty());
+    EXPECT_EQ("", Text(IDC_STATE_TIME));
+    Press(IDC_RESTORE);
+    ExpectTab("Storage file");
     ShowTab("Advanced Restore");
-    ::PostMessageW(::GetParent(Handle(kStates)), WM_COMMAND, MAKEWPARAM(kStates, LBN_DBLCLK),
-                   reinterpret_cast<LPARAM>(Handle(kStates)));
-    EXPECT_TRUE(PageBecomes("Storage file"));
+    ::PostMessageW(PageOf(IDC_STATES), WM_COMMAND, MAKEWPARAM(IDC_STATES, LBN_DBLCLK),
+                   reinterpret_cast<LPARAM>(Handle(IDC_STATES)));
+    ExpectTab("Storage file");
     ChooseOther();  // once it can be read it is opened
-    EXPECT_EQ("The other one", Text(tests::kStorageDescription));
+    EXPECT_EQ("The other one", Text(IDC_STORAGE_DESCRIPTION));
 }
 
 // Whether the question came before the operation or during it.
 TEST_F(StoragePageTest, DuringAnOperationNoStorageIsChosen) {
     OpenPage();
-    const HWND button = Handle(tests::kBrowse);
+    const HWND button = Handle(IDC_BROWSE);
     StartHeldBackupOfNote();
     EXPECT_TRUE(sim::host::AnswerTime(::GetParent(button), kLimitMs, WM_COMMAND,
-                                      MAKEWPARAM(tests::kBrowse, BN_CLICKED),
+                                      MAKEWPARAM(IDC_BROWSE, BN_CLICKED),
                                       reinterpret_cast<LPARAM>(button)));
-    LetGo();
-    EXPECT_TRUE(BecomesIdle());
-    EXPECT_TRUE(PageBecomes("Restore"));
-    EXPECT_FALSE(Shows(tests::kOpenTitle));
+    LetGoAndRest();
+    ExpectTab("Restore");
+    EXPECT_FALSE(Shows(kOpenTitle));
 
     ShowTab("Storage file");
     Browse();
-    Type(tests::kOpenName, "Other.jrn");
-    const HWND dialog = ::GetParent(Handle(tests::kOpenName));
+    Type(kOpenName, "Other.jrn");
+    const HWND dialog = ::GetParent(Handle(kOpenName));
     StartHeldBackupOfNote();
     ::PostMessageW(dialog, WM_COMMAND, IDOK, 0);
-    EXPECT_TRUE(Eventually([&] { return !::IsWindow(dialog); }));
-    LetGo();
-    EXPECT_TRUE(BecomesIdle());
-    EXPECT_EQ("Backup", Setting("StorageFile"));
+    EXPECT_SOON(!::IsWindow(dialog));
+    LetGoAndRest();
+    EXPECT_EQ("Backup", SettingText("StorageFile"));
     EXPECT_EQ(0u, Calls("CreateFileW", "Other"));
-    EXPECT_EQ((std::vector<int>{1, 2, 3, 4}), States());
+    EXPECT_EQ((Numbers{1, 2, 3, 4}), States());
 }
 
 }  // namespace
+}  // namespace tests

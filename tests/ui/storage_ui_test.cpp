@@ -1,17 +1,11 @@
 #include "tests/ui/storage_ui_test.h"
 
-#include "platform/win32.h"
-
 #include <cstring>
 #include <map>
-
-#include "simulator/registry/registry.h"
 
 namespace tests {
 namespace {
 
-constexpr char kSettingsKey[] = "HKCU\\Software\\Kestrin2\\Tolvenar";
-constexpr char16_t kSettingsPath[] = u"HKCU\\Software\\Kestrin2\\Tolvenar";
 constexpr std::size_t kHeadBytes = 232;
 
 void PutNumber(std::string& bytes, std::size_t at, std::uint32_t number) {
@@ -44,91 +38,60 @@ void StorageUiTest::MakeStorages() {
     device().PutFile(kNote, "second one");
     BackUp();
     device().PutFile(kOtherStorage, EmptyStorage(u"The other one"));
-    SetSetting("StorageFile", "Other");
+    SetText("StorageFile", "Other");
     device().PutFile(kNote, kOtherText);
     BackUp();
-    SetSetting("StorageFile", "Backup");
+    SetText("StorageFile", "Backup");
 }
 
-void StorageUiTest::OpenPage() {
-    Open();
-    ShowTab("Storage file");
-    ASSERT_TRUE(Eventually([&] { return Sees(kBrowse); }));
-}
+void StorageUiTest::OpenPage() { OpenOn("Storage file"); }
 
 void StorageUiTest::Browse() {
-    Press(kBrowse);
-    ASSERT_TRUE(Eventually([&] { return Shows(kOpenTitle) && Sees(kOpenName); }));
+    Press(IDC_BROWSE);
+    ASSERT_SOON(Shows(kOpenTitle) && Sees(kOpenName));
 }
 
 void StorageUiTest::ChooseFile(const std::string& name) {
     Browse();
     Type(kOpenName, name);
-    Press(kOk);
+    Press(IDOK);
 }
 
 void StorageUiTest::ChooseNew(const std::string& name) {
     ChooseFile(name);
-    ASSERT_TRUE(Eventually([&] { return BoxIsUp(); }));
-    Press(kYes);
+    ASSERT_SOON(BoxIsUp());
+    Press(IDYES);
 }
 
 void StorageUiTest::AnswerDescription(int button) {
-    ASSERT_TRUE(Eventually([&] { return Shows(kDescriptionTitle); }));
+    ASSERT_SOON(Shows(kDescriptionTitle));
     Press(button);
-    EXPECT_TRUE(Eventually([&] { return !Shows(kDescriptionTitle); }));
+    EXPECT_SOON(!Shows(kDescriptionTitle));
 }
 
 bool StorageUiTest::NameBecomes(const std::string& text) {
-    return Eventually([&] { return Text(kStorageName) == text; }) && DialogIsDone();
+    return Eventually([&] { return Text(IDC_STORAGE_NAME) == text; }) && DialogIsDone();
 }
 
 void StorageUiTest::ExpectNoneOpen() {
     EXPECT_TRUE(NameBecomes(""));
-    EXPECT_EQ("", Text(kStorageDescription));
-    EXPECT_EQ("No storage file is open. Browse to choose or create one.", Text(kStorageFolder));
-    EXPECT_FALSE(Sees(kStorageFolderLabel));
+    EXPECT_EQ("", Text(IDC_STORAGE_DESCRIPTION));
+    EXPECT_EQ("No storage file is open. Browse to choose or create one.", Text(IDC_STORAGE_FOLDER));
+    EXPECT_FALSE(Sees(IDC_STORAGE_FOLDER_LABEL));
 }
 
 void StorageUiTest::ExpectFirstOpen() {
     EXPECT_TRUE(NameBecomes("Backup"));
-    EXPECT_EQ(" ", Text(kStorageDescription));
-    EXPECT_EQ(kCardFolder, Text(kStorageFolder));
-    EXPECT_TRUE(Sees(kStorageFolderLabel));
-    EXPECT_EQ("Backup", Setting("StorageFile"));
-    EXPECT_EQ(kCardFolder, Setting("StoragePath"));
+    EXPECT_EQ(" ", Text(IDC_STORAGE_DESCRIPTION));
+    EXPECT_EQ(kCardFolder, Text(IDC_STORAGE_FOLDER));
+    EXPECT_TRUE(Sees(IDC_STORAGE_FOLDER_LABEL));
+    EXPECT_EQ("Backup", SettingText("StorageFile"));
+    EXPECT_EQ(kCardFolder, SettingText("StoragePath"));
 }
 
 void StorageUiTest::StartHeldBackupOfNote() {
     device().PutFile(kNote, "meanwhile " + std::to_string(++backups_));
     StartHeldBackup();
-}
-
-std::string StorageUiTest::Setting(const std::string& name) {
-    const sim::registry::Registry registry(device().sim());
-    std::u16string subkey;
-    sim::registry::KeyId key;
-    const auto root = sim::registry::RootOfPath(kSettingsPath, subkey);
-    if (!root || registry.Place(*root, subkey, key) != sim::registry::kOk) {
-        return "no key";
-    }
-    const auto value = registry.Find(key, std::u16string(name.begin(), name.end()));
-    if (!value) {
-        return "no value";
-    }
-    std::string text;
-    for (std::size_t i = 0; i + 1 < value->data.size() && value->data[i] != 0; i += 2) {
-        text += static_cast<char>(value->data[i]);
-    }
-    return text;
-}
-
-void StorageUiTest::SetSetting(const std::string& name, const std::string& text) {
-    Ask(std::string("reg-set ") + kSettingsKey + " " + name + " REG_SZ \"" + text + "\"");
-}
-
-void StorageUiTest::DeleteSetting(const std::string& name) {
-    Ask(std::string("reg-delete ") + kSettingsKey + " " + name);
 }
 
 std::string EmptyStorage(const std::u16string& description) {

@@ -1,26 +1,9 @@
 // Choosing storage files in the dialog: the steps that several tests take, and files to choose.
 #pragma once
 
-#include "tests/ui/ui_test.h"
+#include "tests/support/ui_test.h"
 
 namespace tests {
-
-// The open dialog and its controls.
-inline const std::string kOpenTitle = "Choose backup file";
-inline const std::string kDescriptionTitle = "Storage description";
-enum : int {
-    kOpenFolder = 0x440,
-    kOpenList = 0x460,
-    kOpenFilter = 0x470,
-    kOpenReadOnly = 0x410,
-    kOpenName = 0x480,
-    kStorageName = 1019,
-    kStorageFolderLabel = 1121,
-    kStorageFolder = 1122,
-    kStorageDescription = 1026,
-    kDescriptionText = 1014,
-    kBrowse = 1012,
-};
 
 // Beside the storage that an installed program uses lies a second one, "Other", with a state and a
 // description of its own.
@@ -38,7 +21,7 @@ protected:
     // The same for a name that does not exist yet: the system asks whether it shall be made.
     void ChooseNew(const std::string& name);
     // Waits for the dialog that asks for a description and answers it.
-    void AnswerDescription(int button = kOk);
+    void AnswerDescription(int button = IDOK);
     // The page shows that name and the choosing is over.
     bool NameBecomes(const std::string& text);
     // The page shows that no storage is open.
@@ -48,18 +31,13 @@ protected:
     // A held backup that has something to store.
     void StartHeldBackupOfNote();
 
-    std::string Setting(const std::string& name);
-    void SetSetting(const std::string& name, const std::string& text);
-    void DeleteSetting(const std::string& name);
-
 private:
     void MakeStorages();
 
     int backups_ = 0;
 };
 
-// A file of the device that all states hold, and what it is in the second storage.
-inline const std::wstring kNote = L"\\My Documents\\a.txt";
+// What kNote, which all states hold, is in the second storage.
 inline const std::string kOtherText = "of the other storage";
 
 // Files of the second storage.

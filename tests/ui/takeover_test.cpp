@@ -1,36 +1,25 @@
 // A scheduled or external backup that meets a copy whose user has a question on the screen.
 #include <functional>
 
-#include "tests/support/programs.h"
-#include "tests/ui/ui_test.h"
+#include "tests/support/ui_test.h"
 
+namespace tests {
 namespace {
 
-using tests::Program;
-
-const std::wstring kPath = L"\\Program Files\\Tolvenar\\Tolvenar.exe";
-const std::string kNothingToBackUp = "Difference not found. There is nothing to Backup.";
-constexpr UINT kConfirmedBackup = WM_APP + 124;
-
-class TakeOverTest : public tests::UiTest {
+class TakeOverTest : public UiTest {
 protected:
     void SetUp() override {
         UiTest::SetUp();
         BackUpThenChange();
     }
-    // The user's copy, with its dialog.
-    Program OpenFirst() {
-        Ask("trace on");
-        return Program(device().sim(), kPath, L"");
-    }
-    Program StartBackup() { return Program(device().sim(), kPath, L"AutoBackup: External"); }
+    Program StartBackup() { return Launch("AutoBackup: External"); }
     // The second copy does its backup once the first has gone, without what it was asked.
     void ExpectTakenOver(Program& first) {
         Program second = StartBackup();
         EXPECT_EQ(0, second.ExitCode());
         EXPECT_EQ(0, first.ExitCode());
-        EXPECT_EQ((std::vector<int>{1, 2}), States());
-        EXPECT_EQ("changed", device().FileBytes(L"\\My Documents\\a.txt"));
+        EXPECT_EQ((Numbers{1, 2}), States());
+        EXPECT_EQ("changed", device().FileBytes(kNote));
     }
     // The first copy is at work: it comes forward and goes on. `meanwhile` is done once the second
     // has been started.
@@ -53,83 +42,70 @@ protected:
 
 // Its loop ends with the first copy's main window, just as after OK.
 TEST_F(TakeOverTest, UnderTheReminderBeforeABackupItRunsOneBackup) {
-    Program first = OpenFirst();
-    WaitForDialog();
-    Press(1001);
-    ASSERT_TRUE(Eventually([&] { return Shows("Reminder"); }));
+    Program first = OpenProgram();
+    PressForReminder(IDC_BACKUP);
     ExpectTakenOver(first);
-    EXPECT_EQ(0u, Calls("PostMessageW", ", 32892, "));
+    EXPECT_EQ(0u, Calls("PostMessageW", kTracedBackup));
 }
 
 TEST_F(TakeOverTest, UnderTheReminderBeforeARestoreNothingIsRestored) {
-    Program first = OpenFirst();
-    WaitForDialog();
+    Program first = OpenProgram();
     ShowTab("Restore");
-    Press(1002);
-    ASSERT_TRUE(Eventually([&] { return Shows("Reminder"); }));
+    PressForReminder(IDC_RESTORE);
     ExpectTakenOver(first);
-    EXPECT_EQ(0u, Calls("PostMessageW", ", 32896, "));
+    EXPECT_EQ(0u, Calls("PostMessageW", kTracedRestore));
     EXPECT_FALSE(Dword("Reminders").has_value());
 }
 
 TEST_F(TakeOverTest, UnderAMessageOfThePageTheProgramEnds) {
-    Ask("reg-delete HKCU\\Software\\Kestrin2\\Tolvenar onTime");
-    Program first = OpenFirst();
-    WaitForDialog();
-    Press(1001);
-    ASSERT_TRUE(Eventually([&] { return BoxIsUp(); }));
+    RemoveInstallation();
+    Program first = OpenProgram();
+    PressForBox(IDC_BACKUP);
     ExpectTakenOver(first);
 }
 
 TEST_F(TakeOverTest, UnderTheBoxOfAResultTheFirstCopyComesForward) {
     SetDword("Reminders", 2);
     BackUp();
-    Program first = OpenFirst();
-    WaitForDialog();
-    Press(1001);
-    ASSERT_TRUE(Eventually([&] { return BoxIsUp(); }));
+    Program first = OpenProgram();
+    PressForBox(IDC_BACKUP);
     ExpectHandedOver(first);
-    ExpectBox(tests::kInformationBox, kNothingToBackUp);
+    ExpectBox(kNothingToBackUp);
     ExpectStillUsable(first);
-    EXPECT_EQ((std::vector<int>{1, 2}), States());
+    EXPECT_EQ((Numbers{1, 2}), States());
 }
 
 TEST_F(TakeOverTest, UnderTheQuestionForTheOldStorageItIsKept) {
     SetDword("Reminders", 2);
     SetDword("MayDeleteOldStorage", 1);
     device().PutFile(L"\\My Documents\\b.txt", std::string(50000, 'b'));
-    Program first = OpenFirst();
-    WaitForDialog();
+    Program first = OpenProgram();
     device().Set("card.free", "12000");
-    const std::string storage = device().FileBytes(tests::kStorageFile);
-    Press(1001);
-    ASSERT_TRUE(Eventually([&] { return BoxIsUp(); }));
+    const std::string storage = device().FileBytes(kStorageFile);
+    PressForBox(IDC_BACKUP);
     ExpectHandedOver(first);
-    ExpectBox(tests::kQuestionBox,
-              "Not enough disk space to backup. Old Storage may be deleted to free disk "
-              "space.\r\nContinue?",
-              tests::kNo);
-    EXPECT_EQ(unsigned(tests::kErrorBox), Answer().style);
+    ExpectBox(kMayOldStorageGo, IDNO);
+    EXPECT_EQ(unsigned(kErrorBox), Answer().style);
     ExpectStillUsable(first);
-    EXPECT_EQ(storage, device().FileBytes(tests::kStorageFile));
+    EXPECT_EQ(storage, device().FileBytes(kStorageFile));
 }
 
 TEST_F(TakeOverTest, UnderThePopupTheFirstCopyComesForwardAndEndsItsBackup) {
     SetDword("Reminders", 2);
-    Program first = OpenFirst();
-    WaitForDialog();
+    Program first = OpenProgram();
     HoldCall("GlobalMemoryStatus");
-    ::PostMessageW(OperationWindow(), kConfirmedBackup, 1, 0);
+    PostBackup();
     ASSERT_TRUE(RulesAreUsedUp());
     const long sent = Counted("SendMessageW");
     ExpectHandedOver(first, [&] {
-        EXPECT_TRUE(Eventually([&] { return Counted("SendMessageW") > sent; }));
+        EXPECT_SOON(Counted("SendMessageW") > sent);
         Pause(200);  // the question is counted a moment before it is sent
         LetGo();
     });
-    EXPECT_TRUE(Eventually([&] { return States() == std::vector<int>({1, 2}); }));
+    EXPECT_SOON_EQ((Numbers{1, 2}), States());
     ExpectStillUsable(first);
-    EXPECT_EQ((std::vector<int>{1, 2}), States());
+    EXPECT_EQ((Numbers{1, 2}), States());
 }
 
 }  // namespace
+}  // namespace tests

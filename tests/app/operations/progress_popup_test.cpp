@@ -53,7 +53,11 @@ protected:
         ::DestroyWindow(owner_);
         DeviceTest::TearDown();
     }
-    void Show(int steps = kSteps) { popup_.Show(owner_, L"Backing up in progress", steps); }
+    // The popup publishes its window before it is seen; an answer comes once it is.
+    void Show(int steps = kSteps) {
+        popup_.Show(owner_, L"Backing up in progress", steps);
+        ::SendMessageW(popup_.window(), WM_NULL, 0, 0);
+    }
     static std::wstring TextOf(HWND window) {
         wchar_t text[100] = L"";
         ::GetWindowTextW(window, text, 100);

@@ -39,7 +39,7 @@ void TreeWindowFixture::Create(int width) {
 int TreeWindowFixture::Build(const std::vector<FakeObject>& objects, int end) {
     FakeEnumerator enumerator(objects, end);
     const tests::MemoryCount count;
-    return window_.BuildDifferenceTree(enumerator, build_);
+    return window_.BuildDifferenceTree(enumerator, build_) ? 1 : 0;
 }
 
 void TreeWindowFixture::Pump() {

@@ -114,8 +114,8 @@ TEST_F(CmpListsTest, TheFirstFreeCandidateFromTheFrontMatches) {
     ObjectRecord first = MakeRecord(kDatabase, 5, 0, 6, 1);
     ObjectRecord second = MakeRecord(kDatabase, 5, 0, 6, 2);
     list1_ = ObjectList::CreateList();
-    list1_->InsertCopy({2, 0, 0, 0, 0}, second);
-    list1_->InsertCopy({1, 0, 0, 0, 0}, first);
+    list1_->InsertCopy({2, 0, 0, 0}, second);
+    list1_->InsertCopy({1, 0, 0, 0}, first);
     list2_ = ListOf({MakeRecord(kDatabase, 5, 0, 6, 3)});
     diff_ = ObjectList::CreateList();
     ASSERT_TRUE(CmpLists(list1_.get(), list2_.get(), *diff_, info_));
@@ -146,11 +146,11 @@ TEST_F(CmpListsTest, TheCopyKeepsItsStateAndLosesItsScanFlags) {
     ASSERT_NE(nullptr, node);
     EXPECT_EQ(3, node->record->state_number);
     EXPECT_EQ(JF_ADD | kFlagAddition20 | JF_FAILED, node->record->flags);
-    EXPECT_EQ((ObjectKey{0, 0xABCD, 0x1234, 5, 0}), node->key);
+    EXPECT_EQ((ObjectKey{0xABCD0000, 0x1234, 5, 0}), node->key);
     // The record itself loses its state number and keeps its flags; its node's key stays.
     EXPECT_EQ(0, list2_->First()->record->state_number);
     EXPECT_EQ(JF_PRESENT | kFlagAddition20 | JF_FAILED, list2_->First()->record->flags);
-    EXPECT_EQ((ObjectKey{3, 0xABCD, 0x1234, 5, 0}), list2_->First()->key);
+    EXPECT_EQ((ObjectKey{0xABCD0003, 0x1234, 5, 0}), list2_->First()->key);
 }
 
 TEST_F(CmpListsTest, AScannedFilesCopyKeepsTheScanStateNumber) {
@@ -158,7 +158,7 @@ TEST_F(CmpListsTest, AScannedFilesCopyKeepsTheScanStateNumber) {
     record.state_number = kScannedFileState;
     ASSERT_TRUE(Compare({}, {record}));
     EXPECT_EQ(0xFFFF, Differences()[0].state_number);
-    EXPECT_EQ((ObjectKey{0, 1, 0, 5, 0}), diff_->First()->key);
+    EXPECT_EQ((ObjectKey{0x00010000, 0, 5, 0}), diff_->First()->key);
     EXPECT_EQ(0, list2_->First()->record->state_number);
 }
 

@@ -32,7 +32,7 @@ std::unique_ptr<ObjectList> MakeJournal(const std::vector<ObjectRecord>& walked)
     std::uint32_t serial = 0;
     for (auto record = walked.rbegin(); record != walked.rend(); ++record) {
         // Keys of their own, so that records which are equal but for their place can be told apart.
-        EXPECT_TRUE(journal->InsertCopy(ObjectKey{0, 0, 0, ++serial, 0}, *record));
+        EXPECT_TRUE(journal->InsertCopy(ObjectKey{++serial, 0, 0, 0}, *record));
     }
     return journal;
 }

@@ -39,7 +39,7 @@ protected:
 TEST_F(BuildStateListTest, KeysCarryNoStateAndRecordsKeepTheirs) {
     Build({File(1, 7, 3, JF_ADD | JF_FAILED)}, 3);
     ASSERT_EQ(1u, out_->CountRecords());
-    EXPECT_EQ((ObjectKey{0, 7, 0, 1, 0}), out_->First()->key);
+    EXPECT_EQ((ObjectKey{0x00070000, 0, 1, 0}), out_->First()->key);
     EXPECT_EQ(3, out_->First()->record->state_number);
     EXPECT_EQ(0, out_->First()->record->flags);
 }

@@ -40,19 +40,33 @@ protected:
     HashIndex<Item> index_;
 };
 
-TEST(MixBitsTest, EveryBitOfEveryWordReachesTheLowBits) {
-    for (int bit = 0; bit < 32; ++bit) {
-        const std::uint32_t word = 1u << bit;
-        // Among so many words with one bit changed, some low bits of some must change.
-        std::uint32_t first = 0;
-        std::uint32_t second = 0;
-        for (std::uint32_t base = 0; base < 64; ++base) {
-            first |= (MixBits(0, base) ^ MixBits(0, base ^ word)) & 63;
-            second |= (MixBits(MixBits(0, base), 7) ^ MixBits(MixBits(0, base ^ word), 7)) & 63;
-        }
-        EXPECT_NE(0u, first) << bit;
-        EXPECT_NE(0u, second) << bit;
+// The low six bits that differ between two hashes, for any of several words with `bit` changed.
+template <typename Hash>
+std::uint32_t ChangedBits(int bit, Hash hash) {
+    std::uint32_t changed = 0;
+    for (std::uint32_t word = 0; word < 64; ++word) {
+        changed |= (hash(word) ^ hash(word ^ 1u << bit)) & 63;
     }
+    return changed;
+}
+
+TEST(MixBitsTest, EveryBitOfAnEarlierWordReachesTheLowBits) {
+    for (int bit = 0; bit < 32; ++bit) {
+        EXPECT_EQ(63u, ChangedBits(bit,
+                                   [](std::uint32_t word) {
+                                       return MixBits(MixBits(MixBits(0, word), 7), 9);
+                                   }))
+            << bit;
+    }
+}
+
+TEST(MixBitsTest, TheLower20BitsOfTheLastWordReachTheLowBits) {
+    for (int bit = 0; bit < 20; ++bit) {
+        EXPECT_NE(0u, ChangedBits(bit, [](std::uint32_t word) { return MixBits(7, word); })) << bit;
+    }
+}
+
+TEST(MixBitsTest, TheOrderOfTheWordsCounts) {
     EXPECT_NE(MixBits(MixBits(0, 1), 2), MixBits(MixBits(0, 2), 1));
 }
 

@@ -94,7 +94,7 @@ TEST_F(DatabaseScannerTest, AnEmptyRecordDoesNotHideTheRecordsBehindIt) {
     }
 }
 
-// Kept so: only the identifier of such a property counts.
+// Oddity 8: only the identifier of such a property counts.
 TEST_F(DatabaseScannerTest, AChangedBooleanOrDoubleIsNotSeen) {
     MakeDatabase(L"First");
     const CEOID oid = AddRecord(L"First", {{kBool, 1}, {kDouble, 0, {}, {}, 1.5}});

@@ -128,7 +128,7 @@ TEST_F(FileScannerTest, AnEmptyFileHasTheFingerprintFfffAndAFolderZero) {
     EXPECT_EQ(0, RecordOf(L"\\A")->content_fingerprint);
 }
 
-// Kept so: such a file is in no state, and a restore of that state deletes it.
+// Oddity 13: such a file is in no state, and a restore of that state deletes it.
 TEST_F(FileScannerTest, AFileThatIsOpenElsewhereWithoutSharingGetsNoRecord) {
     device().PutFile(L"\\A\\held.txt", "held");
     device().PutFile(L"\\A\\other.txt", "other");

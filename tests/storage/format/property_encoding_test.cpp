@@ -57,7 +57,7 @@ TEST(PropertyEncodingTest, ABlobCountsWithAsManyBytesAsItsLengthSays) {
     EXPECT_EQ(SumOf(canonical), ChecksumOf(buffer, 1));
 }
 
-// Kept so: a change of such a value alone is not seen.
+// Oddity 8: a change of such a value alone is not seen.
 TEST(PropertyEncodingTest, BooleansDoublesAndUnknownTypesCountByTheirPresenceOnly) {
     for (const int type : {11, 5, 99}) {
         const Bytes canonical = Raw({type, 0, 1, 0, 0, 0});

@@ -53,7 +53,7 @@ std::vector<CEPROPID> SortOrdersTaken(WORD count) {
     return taken;
 }
 
-// Kept so: SetDatabaseInfo gives a new database its sort orders.
+// Oddity 7: SetDatabaseInfo gives a new database its sort orders.
 TEST_F(DatabaseLayerTest, OfFourSortOrdersANewDatabaseIsGivenThree) {
     EXPECT_EQ((std::vector<CEPROPID>{}), SortOrdersTaken(0));
     EXPECT_EQ((std::vector<CEPROPID>{0x00010003}), SortOrdersTaken(1));

@@ -51,7 +51,7 @@ TEST_F(RestoreDatabaseTest, AnExistingDatabaseKeepsItsRecordsAndGetsTheSortOrder
     EXPECT_EQ(1, InfoOf(u"People").wNumSortOrder);
 }
 
-// Kept so: the type of a database that is there is not changed; the restore reports the database
+// Oddity 17: the type of a database that is there is not changed; the restore reports the database
 // because it could not be deleted.
 TEST_F(RestoreDatabaseTest, AnExistingDatabaseKeepsItsType) {
     MakeDatabase(L"People", 5);

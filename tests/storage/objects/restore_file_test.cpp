@@ -71,7 +71,7 @@ TEST_F(RestoreFileTest, ALockedFileCanBeTriedAgain) {
     EXPECT_TRUE(LogLines().empty());
 }
 
-// Kept so: a changed read-only file can neither be deleted nor written over.
+// Oddity 15: a changed read-only file can neither be deleted nor written over.
 TEST_F(RestoreFileTest, AReadOnlyFileStaysAsItIs) {
     device().PutFile(L"\\a.txt", "old");
     device().SetAttributes(L"\\a.txt", FILE_ATTRIBUTE_READONLY);
@@ -157,7 +157,7 @@ TEST_F(RestoreFileTest, AFileOfTheLongestPathComesBack) {
     EXPECT_EQ(device().Info(Wide(path.c_str())).oid, newOid());
 }
 
-// Kept so: a folder whose attributes changed while it has contents is reported.
+// Oddity 14: a folder whose attributes changed while it has contents is reported.
 TEST_F(RestoreFileTest, AFolderThatIsThereFails) {
     device().MakeFolder(L"\\Sub");
     EXPECT_EQ(kFailed, WriteBack(StoreFolder(u"\\Sub")));
@@ -195,7 +195,7 @@ TEST_F(RestoreFileTest, AnEmptyFolderIsDeletedAndOneWithContentsIsNot) {
     EXPECT_TRUE(device().Exists(L"\\Full\\a.txt"));
 }
 
-// Kept so: what the ROM holds keeps its folder, and the restore says so.
+// Oddity 16: what the ROM holds keeps its folder, and the restore says so.
 TEST_F(RestoreFileTest, AFolderThatRomFilesKeepIsNotDeleted) {
     device().PutFile(L"\\Full\\rom.dll", "x");
     device().SetAttributes(L"\\Full\\rom.dll", FILE_ATTRIBUTE_INROM);

@@ -73,7 +73,7 @@ TEST_F(AdvancedRestoreTest, AFullRestoreTakesDatabasesWhateverTheSettingSays) {
     EXPECT_EQ((Lines{"Ann=1"}), Records(u"People"));
 }
 
-// Kept so: ids of objects that an advanced restore made anew are not in the journal.
+// Oddity 32: ids of objects that an advanced restore made anew are not in the journal.
 TEST_F(AdvancedRestoreTest, TheJournalIsFreedWithoutSavingAndLoadedAgain) {
     MakeTwoStates();
     const std::string journal = Content(kJournal);
@@ -95,7 +95,7 @@ TEST_F(AdvancedRestoreTest, WithoutAListNothingIsDone) {
               RestoreAdvanced(false));  // the number of an early failure too
 }
 
-// Kept so: the newer value is looked for on the device, which was not scanned.
+// Oddity 33: the newer value is looked for on the device, which was not scanned.
 TEST_F(AdvancedRestoreTest, NoPairIsPrunedFromTheDifferencesOfTwoStates) {
     ObjectRecord older = StoreValue(HKEY_CURRENT_USER, u"Software\\Kestrin2\\Tolvenar", u"onTime",
                                     REG_DWORD, Word(0));

@@ -131,7 +131,7 @@ TEST_F(BackupWriterTest, ABackupThatNeedsExactlyTheFreeSpaceProceedsAndOneByteMo
     EXPECT_EQ(Content(kSav).size() - kHead + Content(kJournal).size() + 10000, needed);
 }
 
-// Kept so: a card with more than 4 GB free counts with what is over.
+// Oddity 6: a card with more than 4 GB free counts with what is over.
 TEST_F(BackupWriterTest, OnlyTheLowHalfOfTheFreeSpaceIsLookedAt) {
     device().Set("card.free", "4294967296");
     EXPECT_EQ(Failed(ResultCode::kNoSpace), Backup(1));

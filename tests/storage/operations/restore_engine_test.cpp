@@ -247,7 +247,7 @@ TEST_F(RestoreEngineTest, AnUrlCacheDatabaseThatIsGoneComesBack) {
     EXPECT_TRUE(DatabaseExists(u"\\URL Cache"));
 }
 
-// Kept so: reported, with the contents and everything else restored.
+// Oddity 14: reported, with the contents and everything else restored.
 TEST_F(RestoreEngineTest, AFolderWithContentsWhoseAttributesChangedIsReported) {
     BackUpWith(L"\\Sub\\a.txt", "stored");
     device().SetAttributes(L"\\Sub", FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_HIDDEN);
@@ -302,7 +302,7 @@ TEST_F(RestoreEngineTest, AFolderThatRomFilesKeepIsReported) {
     EXPECT_TRUE(device().Exists(L"\\New\\rom.dll"));
 }
 
-// Kept so: a file that the scan could not open is in no state.
+// Oddity 13: a file that the scan could not open is in no state.
 TEST_F(RestoreEngineTest, AFileThatWasLockedAtTheBackupIsDeletedByARestoreOfThatState) {
     device().PutFile(L"\\a.txt", "x");
     {

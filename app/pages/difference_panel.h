@@ -6,7 +6,7 @@
 
 namespace tolvenar {
 
-class DifferenceView {
+class DifferencePanel {
 public:
     // Makes the tree in the place of `place_holder`, a control of the page. Without a tree the page
     // goes on as it is.

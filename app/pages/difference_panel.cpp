@@ -1,18 +1,18 @@
-#include "app/pages/difference_view.h"
+#include "app/pages/difference_panel.h"
 
 #include "difftree/window/opened_differences.h"
 #include "platform/text.h"
 
 namespace tolvenar {
 
-RECT DifferenceView::Place() const {
+RECT DifferencePanel::Place() const {
     RECT place{};
     ::GetWindowRect(place_holder_, &place);
     ::MapWindowPoints(nullptr, ::GetParent(place_holder_), reinterpret_cast<POINT*>(&place), 2);
     return place;
 }
 
-void DifferenceView::Create(HINSTANCE instance, HWND place_holder) {
+void DifferencePanel::Create(HINSTANCE instance, HWND place_holder) {
     place_holder_ = place_holder;
     if (!tree_.RegisterTreeWindowClass(instance)) {
         return;
@@ -21,7 +21,7 @@ void DifferenceView::Create(HINSTANCE instance, HWND place_holder) {
     tree_.CreateTreeDialog(::GetParent(place_holder), &place);
 }
 
-void DifferenceView::Build(Application& app, const wchar_t* caption) {
+void DifferencePanel::Build(Application& app, const wchar_t* caption) {
     OpenedDifferences differences(app.engine);
     TreeBuild build;
     build.advanced_view = app.settings.AdvancedTreeView != 0;
@@ -29,7 +29,7 @@ void DifferenceView::Build(Application& app, const wchar_t* caption) {
     tree_.BuildDifferenceTree(differences.enumerator(), build);
 }
 
-void DifferenceView::OnLayout(bool is_shown) {
+void DifferencePanel::OnLayout(bool is_shown) {
     const HWND host = tree_.host();
     if (host == nullptr) {
         return;
