@@ -5,9 +5,6 @@
 namespace tolvenar {
 namespace {
 
-using tests::Contents;
-using tests::Differences;
-
 class EveryCallBackupTest : public FaultTest {};
 
 ResultCode Backup(QuietParts& parts) { return parts.Backup().code; }

@@ -5,9 +5,6 @@
 namespace tolvenar {
 namespace {
 
-using tests::Contents;
-using tests::Differences;
-
 class EveryCallRestoreTest : public FaultTest {
 protected:
     // A folder whose new id could not be told is to be deleted and written back by every later

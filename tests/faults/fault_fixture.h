@@ -28,6 +28,8 @@ struct FaultRun {
     ResultCode code{};  // what the operation told
 };
 
+using tests::Contents;
+using tests::Differences;
 using Lines = std::vector<std::string>;
 
 // Silent, since its notes would be counted among the allocations.

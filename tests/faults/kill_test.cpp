@@ -12,8 +12,6 @@ namespace tolvenar {
 namespace {
 
 using nlohmann::json;
-using tests::Contents;
-using tests::Differences;
 
 constexpr int kKilled = 205;
 

@@ -62,9 +62,6 @@ protected:
         const auto people = Records(u"People");
         EXPECT_NE(people.end(), std::find(people.begin(), people.end(), "Keep=1"));
     }
-    void ExpectState() {
-        EXPECT_EQ(Lines(), tests::Differences(content_, tests::ContentsOf(device().sim())));
-    }
 
     // A list that could be saved in part only replaces the journal: kept so. The records that are
     // there are whole; the test goes on with the journal from before.
@@ -102,7 +99,7 @@ protected:
             answer.code == ResultCode::kFailed && std::string(GetParam()) == "FindFirstFileW";
         EXPECT_TRUE(answer.code == ResultCode::kSuccess ||
                     answer.code == ResultCode::kNoDifference || ids_are_stale);
-        ExpectState();
+        EXPECT_EQ(Lines(), tests::Differences(content_, tests::ContentsOf(device().sim())));
     }
 
     tests::Contents content_;

@@ -1,6 +1,7 @@
 // What the fuzzers share: blocks and records cut out of the input.
 #pragma once
 
+#include <cstdlib>
 #include <cstring>
 
 #include "snapshot/compare/info_source.h"
@@ -28,6 +29,12 @@ private:
     MemoryBytes file_;
     StorageReader storage_{file_};
 };
+
+inline void Require(bool holds) {
+    if (!holds) {
+        std::abort();
+    }
+}
 
 // Every 32 bytes from `begin` on are a record; a rest is left.
 inline std::unique_ptr<ObjectList> LoadRecords(const std::uint8_t* begin, std::size_t size) {

@@ -1,6 +1,4 @@
 // Records as a damaged journal may hold them, replayed and compared; the plain walk must agree.
-#include <cstdlib>
-
 #include "snapshot/compare/difference.h"
 #include "tests/fuzz/fuzz_source.h"
 #include "tests/native/recording_log.h"
@@ -15,16 +13,10 @@ plain::List Copy(const ObjectList& list) {
     return {walk.begin(), walk.end()};
 }
 
-void Expect(bool condition) {
-    if (!condition) {
-        std::abort();
-    }
-}
-
 void ExpectSameLog(const plain::Reference& reference) {
-    Expect(reference.log.size() == LogLines().size());
+    Require(reference.log.size() == LogLines().size());
     for (std::size_t i = 0; i < reference.log.size(); ++i) {
-        Expect(reference.log[i] == LogLines()[i].substr(2));
+        Require(reference.log[i] == LogLines()[i].substr(2));
     }
     ClearLog();
 }
@@ -42,17 +34,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (std::uint32_t i = 0; i < 2; ++i) {
         // The plain walk looks at every state from the least on, so only low ones are affordable.
         const std::uint32_t state = i + (size > 1 ? data[1] % 8u : 0u);
-        Expect(BuildStateList(*states[i], *all, state, info));
+        Require(BuildStateList(*states[i], *all, state, info));
         plain::BuildStateList(plain_states[i], plain_all, state, reference);
-        Expect(Copy(*states[i]) == plain_states[i]);
+        Require(Copy(*states[i]) == plain_states[i]);
         ExpectSameLog(reference);
         reference.log.clear();
     }
     const auto diff = ObjectList::CreateList();
     plain::List plain_diff;
-    Expect(CmpLists(states[0].get(), states[1].get(), *diff, info));
+    Require(CmpLists(states[0].get(), states[1].get(), *diff, info));
     plain::CmpLists(plain_states[0], plain_states[1], plain_diff, reference);
-    Expect(Copy(*diff) == plain_diff);
+    Require(Copy(*diff) == plain_diff);
     ExpectSameLog(reference);
     return 0;
 }

@@ -1,21 +1,15 @@
 // The head of a storage file comes from a card that anything may have damaged; names come from
 // paths that a user types.
-#include <cstdlib>
 #include <cstring>
 #include <string>
 
 #include "storage/format/storage_header.h"
 #include "storage/format/storage_names.h"
+#include "tests/fuzz/fuzz_source.h"
 
 using namespace tolvenar;
 
 namespace {
-
-void Require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
 
 void CheckHeader(const std::uint8_t* data, std::size_t size) {
     StorageHeader header;

@@ -1,7 +1,5 @@
 #include "tests/model/advanced_fixture.h"
 
-#include "simulator/host/host_files.h"
-#include "simulator/store/utf8.h"
 #include "snapshot/compare/record_info.h"
 #include "snapshot/engine/difference_engine.h"
 #include "storage/files/handle_bytes.h"
@@ -52,11 +50,11 @@ std::string AdvancedModelTest::LineOf(const ObjectRecord& record, InfoSource& in
     const std::u16string name = HiveOf(record, block) + block.name();
     const std::size_t separator = name.find(kNameSeparator);
     switch (record.type) {
-        case ObjectType::kFile: return sign + tests::FileName({name.begin(), name.end()});
-        case ObjectType::kRegistryKey: return sign + tests::KeyName(name);
-        case ObjectType::kRegistryValue:
+        case kFile: return sign + tests::FileName({name.begin(), name.end()});
+        case kKey: return sign + tests::KeyName(name);
+        case kValue:
             return sign + tests::ValueName(name.substr(0, separator), name.substr(separator + 1));
-        case ObjectType::kDatabase: return sign + tests::DatabaseName(name);
+        case kDatabase: return sign + tests::DatabaseName(name);
         default: return sign + tests::RecordName(name, record.dwOID);
     }
 }
@@ -74,7 +72,7 @@ Names AdvancedModelTest::LinesOf(const ObjectList* list, std::uint16_t state_num
     }
     for (const ObjectRecord& record : RecordsOf(*list)) {
         const bool is_asked = state_number == 0 || record.state_number == state_number;
-        if (is_asked && record.type != ObjectType::kState) {
+        if (is_asked && record.type != kState) {
             lines.insert(LineOf(record, info));
         }
     }
@@ -114,11 +112,7 @@ void AdvancedModelTest::RestoreAndCheck(std::size_t state) {
 }
 
 void AdvancedModelTest::ExchangeDevice(std::uint32_t first_id) {
-    const std::wstring empty = folder() + L"\\empty";
-    sim::host::MakeFolder(empty);
-    device().Command("create \"" + sim::Utf8(empty) + "\"");
-    device().DropFaults();
-    LetTimePass();
+    ResetDevice();
     device().Set("oid.next", std::to_string(first_id));
     SetStorageSettings();
     RestoreDatabases(with_databases_);

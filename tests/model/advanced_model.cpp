@@ -11,6 +11,13 @@ bool IsBelow(const Text& path, const Text& ancestor) {
            path[ancestor.size()] == '\\';
 }
 
+// An empty thing when there is none of the name.
+template <typename Map>
+typename Map::mapped_type At(const Map& map, const typename Map::key_type& name) {
+    const auto found = map.find(name);
+    return found != map.end() ? found->second : typename Map::mapped_type();
+}
+
 bool HasParent(const DeviceImage& device, const std::wstring& path) {
     const std::wstring parent = path.substr(0, path.rfind(L'\\'));
     const auto found = device.files.find(parent);
@@ -97,10 +104,6 @@ void AdvancedModel::CompareFiles(const DeviceImage& from, const DeviceImage& to)
 void AdvancedModel::CompareKeys(const DeviceImage& from, const DeviceImage& to) {
     const auto any = [](const auto&, const auto&) { return true; };
     const auto same = [](const ImageValue& a, const ImageValue& b) { return a == b; };
-    const auto values_of = [](const DeviceImage& image, const std::u16string& path) {
-        const auto found = image.keys.find(path);
-        return found != image.keys.end() ? found->second : std::map<std::u16string, ImageValue>();
-    };
     ForEachBeyond(from.keys, to.keys, any, [&](const std::u16string& path, const auto&) {
         deletions_.push_back({"- " + KeyName(path), [=](DeviceImage& device, const Paths&) {
                                   for (auto key = device.keys.begin(); key != device.keys.end();) {
@@ -119,7 +122,7 @@ void AdvancedModel::CompareKeys(const DeviceImage& from, const DeviceImage& to) 
     });
     for (const auto& entry : from.keys) {
         const std::u16string path = entry.first;
-        ForEachBeyond(entry.second, values_of(to, path), same,
+        ForEachBeyond(entry.second, At(to.keys, path), same,
                       [&](const std::u16string& name, const ImageValue&) {
                           deletions_.push_back({"- " + ValueName(path, name),
                                                 [=](DeviceImage& device, const Paths&) {
@@ -129,7 +132,7 @@ void AdvancedModel::CompareKeys(const DeviceImage& from, const DeviceImage& to) 
     }
     for (const auto& entry : to.keys) {
         const std::u16string path = entry.first;
-        ForEachBeyond(entry.second, values_of(from, path), same,
+        ForEachBeyond(entry.second, At(from.keys, path), same,
                       [&](const std::u16string& name, const ImageValue& value) {
                           others_.push_back({"+ " + ValueName(path, name),
                                              [=](DeviceImage& device, const Paths&) {
@@ -181,11 +184,6 @@ void AdvancedModel::CompareDatabases(const DeviceImage& from, const DeviceImage&
     const auto same_database = [](const ImageDatabase& a, const ImageDatabase& b) {
         return a.shape.oid == b.shape.oid && a.shape.type == b.shape.type;
     };
-    const auto records_of = [](const DeviceImage& image, const std::u16string& name) {
-        const auto found = image.databases.find(name);
-        return found != image.databases.end() ? found->second.records
-                                              : std::map<std::uint32_t, sim::databases::Record>();
-    };
     ForEachBeyond(
         from.databases, to.databases, same_database,
         [&](const std::u16string& name, const ImageDatabase&) {
@@ -205,7 +203,7 @@ void AdvancedModel::CompareDatabases(const DeviceImage& from, const DeviceImage&
                   });
     for (const auto& entry : from.databases) {
         const std::u16string name = entry.first;
-        const auto others = records_of(to, name);
+        const auto others = At(to.databases, name).records;
         for (const auto& [oid, record] : entry.second.records) {
             const auto other = others.find(oid);
             if (other != others.end() && SameRecord(other->second, record)) {
@@ -225,7 +223,7 @@ void AdvancedModel::CompareDatabases(const DeviceImage& from, const DeviceImage&
                       });
     }
     for (const auto& [name, database] : to.databases) {
-        ForEachBeyond(database.records, records_of(from, name), SameRecord,
+        ForEachBeyond(database.records, At(from.databases, name).records, SameRecord,
                       [&, &of = name](std::uint32_t oid, const sim::databases::Record& record) {
                           WriteRecord(of, oid, record);
                       });

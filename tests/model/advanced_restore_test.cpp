@@ -1,7 +1,5 @@
 // Restores of the differences between two states with objects of every kind, and what a backup and
 // a restore find afterwards.
-#include <gtest/gtest.h>
-
 #include "tests/model/advanced_fixture.h"
 
 namespace tolvenar {
@@ -18,7 +16,6 @@ const HKEY kHives[] = {HKEY_CLASSES_ROOT, HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE,
 class AdvancedChangesTest : public AdvancedModelTest {
 protected:
     static constexpr CEPROPID kText = 0x4013001F;
-    static constexpr CEPROPID kNumber = 0x00020003;
 
     void MakeOlder() {
         device().PutFile(L"\\My Documents\\kept.txt", "kept");

@@ -1,7 +1,5 @@
 // Random series of changes, backups and restores of the differences between two states, checked
 // against a model after every step.
-#include <gtest/gtest.h>
-
 #include "tests/model/advanced_fixture.h"
 #include "tests/model/change_generator.h"
 
@@ -27,11 +25,7 @@ protected:
     }
     std::string ChangeSome(std::size_t most) {
         changed_.model() = ImageOf(device().sim());
-        std::string told;
-        for (std::uint32_t count = 1 + changes_.Below(most); count != 0; --count) {
-            told += changes_.Change() + "; ";
-        }
-        return told;
+        return changes_.ChangeSome(most);
     }
     std::set<std::wstring> SomeFiles(std::uint32_t most) {
         std::set<std::wstring> files;

@@ -293,4 +293,12 @@ std::string ChangeGenerator::Change() {
     }
 }
 
+std::string ChangeGenerator::ChangeSome(std::size_t most) {
+    std::string told;
+    for (std::uint32_t count = 1 + Below(most); count != 0; --count) {
+        told += Change() + "; ";
+    }
+    return told;
+}
+
 }  // namespace tests

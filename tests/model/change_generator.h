@@ -25,6 +25,8 @@ public:
 
     // Makes one change and tells it.
     std::string Change();
+    // As many as `most`.
+    std::string ChangeSome(std::size_t most);
     std::uint32_t Below(std::size_t limit) {
         return static_cast<std::uint32_t>(random_() % static_cast<std::uint32_t>(limit));
     }

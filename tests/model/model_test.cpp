@@ -1,10 +1,6 @@
 // Random series of changes, backups and restores, checked after every step against a model of what
 // the device should hold.
-#include <gtest/gtest.h>
-
 #include "simulator/files/files.h"
-#include "simulator/host/host_files.h"
-#include "simulator/store/utf8.h"
 #include "snapshot/records/checksum.h"
 #include "tests/model/change_generator.h"
 #include "tests/support/engine_test.h"
@@ -28,26 +24,14 @@ class ModelTest : public EngineTest, public ::testing::WithParamInterface<Series
 protected:
     void SetUp() override {
         EngineTest::SetUp();
-        Prepare();
+        LetTimePass();
+        device().Set("order", GetParam().order);
         first_id_ = device().sim().TakeObjectId();
         device_model_.model().keys[u"HKCU\\Software"];  // of the program's own settings
     }
 
-    void Prepare() {
-        LetTimePass();
-        device().Set("order", GetParam().order);
-    }
-
     void ExpectDeviceIsAsTheModel() {
         EXPECT_EQ(Lines(), Differences(device_model_.model().Lines(), ContentsOf(device().sim())));
-    }
-
-    std::string ChangeSome(std::size_t most) {
-        std::string told;
-        for (std::uint32_t count = 1 + changes_.Below(most); count != 0; --count) {
-            told += changes_.Change() + "; ";
-        }
-        return told;
     }
 
     // States are numbered from 1; the model of state n stands at n - 1.
@@ -76,13 +60,9 @@ protected:
         return "restore " + std::to_string(number);
     }
 
-    // The device as it comes from a reset: empty, with the card still in it.
     std::string Reset() {
-        const std::wstring empty = folder() + L"\\empty";
-        sim::host::MakeFolder(empty);
-        device().Command("create \"" + sim::Utf8(empty) + "\"");
-        device().DropFaults();
-        Prepare();
+        ResetDevice();
+        device().Set("order", GetParam().order);
         // The ids that it gives out are new ones, or those of objects that were stored.
         const std::uint32_t first_id = changes_.Below(2) == 0 ? 100 : first_id_;
         device().Set("oid.next", std::to_string(first_id + changes_.Below(100)));
@@ -92,11 +72,11 @@ protected:
     std::string Step() {
         const std::uint32_t kind = changes_.Below(100);
         if (states_.empty() || kind < 45) {
-            const std::string changes = ChangeSome(states_.empty() ? 40 : 10);
+            const std::string changes = changes_.ChangeSome(states_.empty() ? 40 : 10);
             return changes + BackUpAndCheck();
         }
         const std::uint32_t number = 1 + changes_.Below(states_.size());
-        const std::string before = kind < 55 ? Reset() : kind < 90 ? ChangeSome(10) : "";
+        const std::string before = kind < 55 ? Reset() : kind < 90 ? changes_.ChangeSome(10) : "";
         return before + RestoreAndCheck(number);
     }
 

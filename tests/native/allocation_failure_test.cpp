@@ -34,7 +34,7 @@ protected:
     static std::vector<ObjectRecord> Files(std::uint32_t count, std::uint16_t flags) {
         std::vector<ObjectRecord> records;
         for (std::uint32_t oid = 1; oid <= count; ++oid) {
-            records.push_back(JournalRecord(MakeRecord(ObjectType::kFile, oid, 0), 1, flags, 9));
+            records.push_back(JournalRecord(MakeRecord(kFile, oid, 0), 1, flags, 9));
         }
         return records;
     }
@@ -51,7 +51,7 @@ TEST_F(AllocationFailureTest, AListCannotBeMade) {
 }
 
 TEST_F(AllocationFailureTest, AnInsertionLeavesTheListAsItWas) {
-    const ObjectRecord record = MakeRecord(ObjectType::kFile, 100, 0);
+    const ObjectRecord record = MakeRecord(kFile, 100, 0);
     // Record, node, and the index, which an empty list has none of yet.
     const auto list = ObjectList::CreateList();
     EXPECT_EQ(3u, ForEachAllocation([&] {
@@ -62,8 +62,8 @@ TEST_F(AllocationFailureTest, AnInsertionLeavesTheListAsItWas) {
 }
 
 TEST_F(AllocationFailureTest, AReplacementLeavesTheOldRecord) {
-    const auto list = ListOf({MakeRecord(ObjectType::kFile, 1, 0, 0, 5)});
-    const ObjectRecord changed = MakeRecord(ObjectType::kFile, 1, 0, 0, 6);
+    const auto list = ListOf({MakeRecord(kFile, 1, 0, 0, 5)});
+    const ObjectRecord changed = MakeRecord(kFile, 1, 0, 0, 6);
     EXPECT_EQ(1u, ForEachAllocation([&] {
                   EXPECT_EQ(5, list->First()->record->content_fingerprint);
                   return list->AddObject(changed);
@@ -72,7 +72,7 @@ TEST_F(AllocationFailureTest, AReplacementLeavesTheOldRecord) {
 
 TEST_F(AllocationFailureTest, ARefusedRecordStaysTheCallers) {
     const auto list = ObjectList::CreateList();
-    std::unique_ptr<ObjectRecord> record(NewObjectRecord(MakeRecord(ObjectType::kFile, 1, 0)));
+    std::unique_ptr<ObjectRecord> record(NewObjectRecord(MakeRecord(kFile, 1, 0)));
     FailAllocationsFrom(1);
     EXPECT_EQ(nullptr, list->InsertByKey({1, 0, 0, 0}, record.get()));
     FailAllocationsFrom(0);
@@ -83,7 +83,7 @@ TEST_F(AllocationFailureTest, ARefusedRecordStaysTheCallers) {
 TEST_F(AllocationFailureTest, AFullIndexStillFindsEverything) {
     // The list wants a larger index when it doubles; without memory for it the chains get longer.
     const auto list = ListOf(Files(64, JF_ADD));
-    std::unique_ptr<ObjectRecord> record(NewObjectRecord(MakeRecord(ObjectType::kFile, 1000, 0)));
+    std::unique_ptr<ObjectRecord> record(NewObjectRecord(MakeRecord(kFile, 1000, 0)));
     const ObjectKey key = KeyOf(*record);
     FailAllocationsFrom(1);
     EXPECT_EQ(nullptr, list->InsertByKey(key, record.get()));
@@ -96,7 +96,7 @@ TEST_F(AllocationFailureTest, AFullIndexStillFindsEverything) {
 
 TEST_F(AllocationFailureTest, ARecordIsInsertedThoughTheIndexCannotGrow) {
     const auto list = ListOf(Files(64, JF_ADD));
-    const ObjectRecord another = MakeRecord(ObjectType::kFile, 1000, 0);
+    const ObjectRecord another = MakeRecord(kFile, 1000, 0);
     // The copy of the record comes before the index.
     FailAllocationsFrom(2, 1);
     EXPECT_TRUE(list->AddObject(another));
@@ -121,7 +121,7 @@ TEST_F(AllocationFailureTest, BuildStateListFails) {
 
 TEST_F(AllocationFailureTest, CmpListsFails) {
     const auto older = ListOf(Files(3, JF_PRESENT));
-    const auto newer = ListOf({MakeRecord(ObjectType::kFile, 100, 0)});
+    const auto newer = ListOf({MakeRecord(kFile, 100, 0)});
     EXPECT_LT(10u, ForEachAllocation([&] {
                   auto diff = ObjectList::CreateList();
                   if (diff == nullptr) {
@@ -137,7 +137,7 @@ TEST_F(AllocationFailureTest, NewIdsReachTheJournalAllTheSame) {
     JournalUpdater updater(journal.get());
     FailAllocationsFrom(1);
     for (std::uint32_t oid = 1; oid <= 3; ++oid) {
-        ObjectRecord file = MakeRecord(ObjectType::kFile, oid, 0);
+        ObjectRecord file = MakeRecord(kFile, oid, 0);
         updater.UpdateJournalOid(JournalRecord(file, 1, JF_ADD, 9), oid + 40);
     }
     FailAllocationsFrom(0);
@@ -147,7 +147,7 @@ TEST_F(AllocationFailureTest, NewIdsReachTheJournalAllTheSame) {
 }
 
 TEST_F(AllocationFailureTest, NothingIsKeptOfWhatIsDeletedAndWrittenBack) {
-    ObjectRecord deleted = MakeRecord(ObjectType::kRegistryKey, 0, 5);
+    ObjectRecord deleted = MakeRecord(kKey, 0, 5);
     deleted.flags = JF_ADD;
     const auto diff = ListOf({deleted});
     EXPECT_EQ(1u, ForEachAllocation([&] {
@@ -175,7 +175,7 @@ TEST_F(AllocationFailureTest, WithoutAnyIndexNothingIsEntered) {
     FailAllocationsFrom(1, 1);
     EXPECT_EQ(0, table.RegObjectAdd(1, {true, 1, u"k"}));
     FailAllocationsFrom(2, 1);  // behind the copy of the record
-    EXPECT_FALSE(list->AddObject(MakeRecord(ObjectType::kFile, 1, 0)));
+    EXPECT_FALSE(list->AddObject(MakeRecord(kFile, 1, 0)));
     FailAllocationsFrom(0);
     EXPECT_EQ(nullptr, table.RegObjectFind(1));
     EXPECT_EQ(0u, list->CountRecords());

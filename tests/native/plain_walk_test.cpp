@@ -19,13 +19,13 @@ public:
     explicit PlainWalkRound(unsigned seed) : random_(seed) {
         for (std::uint32_t offset = 1; offset < 8; ++offset) {
             if (Below(4) != 0) {
-                info_.stored[offset] = {Name(), ObjectType::kRegistryValue, 0};
+                info_.stored[offset] = {Name(), kValue, 0};
             }
         }
         for (std::uint32_t id : kIds) {
             for (std::uint32_t oid = 0; oid < 3; ++oid) {
                 if (Below(3) != 0) {
-                    info_.live[{id, oid}] = {Name(), ObjectType::kRegistryKey, 0};
+                    info_.live[{id, oid}] = {Name(), kKey, 0};
                 }
             }
         }
@@ -145,12 +145,20 @@ TEST(PlainWalkTest, BuildStateListReplaysTheSame) {
 class DifferenceLogTest : public testing::Test {
 protected:
     DifferenceLogTest() { ClearLog(); }
+    // The differences between a stored value and the one of the device.
+    std::size_t CompareOneValue() {
+        const auto older = ListOf({JournalRecord(MakeRecord(kValue, 0, 9), 1, 0, 77)});
+        const auto newer = ListOf({MakeRecord(kValue, 0, 9, 1)});
+        const auto diff = ObjectList::CreateList();
+        EXPECT_TRUE(CmpLists(older.get(), newer.get(), *diff, info_));
+        return diff->CountRecords();
+    }
     FakeInfoSource info_;
 };
 
 TEST_F(DifferenceLogTest, AReplacedDifferenceIsANote) {
-    const auto list = ListOf({MakeRecord(ObjectType::kFile, 1, 0, 5, 6)});
-    const auto older = ListOf({MakeRecord(ObjectType::kFile, 1, 0, 5, 7)});
+    const auto list = ListOf({MakeRecord(kFile, 1, 0, 5, 6)});
+    const auto older = ListOf({MakeRecord(kFile, 1, 0, 5, 7)});
     const auto diff = ObjectList::CreateList();
     ASSERT_TRUE(CmpLists(older.get(), list.get(), *diff, info_));
     EXPECT_EQ((std::vector<std::string>{"I CmpLists: Key is equal"}), LogLines());
@@ -161,13 +169,8 @@ TEST_F(DifferenceLogTest, AReplacedDifferenceIsANote) {
 }
 
 TEST_F(DifferenceLogTest, ANameThatCannotBeFetchedIsAnErrorAndAMismatch) {
-    const auto older =
-        ListOf({JournalRecord(MakeRecord(ObjectType::kRegistryValue, 0, 9), 1, 0, 77)});
-    const auto newer = ListOf({MakeRecord(ObjectType::kRegistryValue, 0, 9, 1)});
-    const auto diff = ObjectList::CreateList();
-    info_.live[{9, 0}] = {u"name", ObjectType::kRegistryValue, 0};
-    ASSERT_TRUE(CmpLists(older.get(), newer.get(), *diff, info_));
-    EXPECT_EQ(2u, diff->CountRecords());
+    info_.live[{9, 0}] = {u"name", kValue, 0};
+    EXPECT_EQ(2u, CompareOneValue());
     // Once from either side.
     EXPECT_EQ((std::vector<std::string>{"E IsEqualRegs: Fail GetInfoFromStorage",
                                         "E IsEqualRegs: Fail GetInfoFromStorage"}),
@@ -175,14 +178,10 @@ TEST_F(DifferenceLogTest, ANameThatCannotBeFetchedIsAnErrorAndAMismatch) {
 }
 
 TEST_F(DifferenceLogTest, ALiveObjectThatCannotBeDescribedIsNamedAsSuch) {
-    const auto older =
-        ListOf({JournalRecord(MakeRecord(ObjectType::kRegistryValue, 0, 9), 1, 0, 77)});
-    const auto newer = ListOf({MakeRecord(ObjectType::kRegistryValue, 0, 9, 1)});
-    const auto diff = ObjectList::CreateList();
-    info_.stored[77] = {u"name", ObjectType::kRegistryValue, 0};
-    ASSERT_TRUE(CmpLists(older.get(), newer.get(), *diff, info_));
-    EXPECT_EQ("E IsEqualRegs: Fail GetOIDInfo", LogLines().at(0));
-    EXPECT_EQ(2u, diff->CountRecords());
+    info_.stored[77] = {u"name", kValue, 0};
+    EXPECT_EQ(2u, CompareOneValue());
+    ASSERT_FALSE(LogLines().empty());
+    EXPECT_EQ("E IsEqualRegs: Fail GetOIDInfo", LogLines().front());
 }
 
 }  // namespace

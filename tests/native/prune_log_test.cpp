@@ -15,8 +15,7 @@ class PruneLogTest : public testing::Test {
 protected:
     PruneLogTest() { ClearLog(); }
     void AddValue(std::uint32_t TolvOID, std::uint16_t flags, std::uint32_t offset) {
-        diff_->AddObject(
-            JournalRecord(MakeRecord(ObjectType::kRegistryValue, 0, TolvOID), 1, flags, offset));
+        diff_->AddObject(JournalRecord(MakeRecord(kValue, 0, TolvOID), 1, flags, offset));
     }
 
     FakeInfoSource info_;
@@ -34,8 +33,7 @@ TEST_F(PruneLogTest, AStoredBlockThatCannotBeReadStaysAndIsLoggedByEveryRule) {
 
 // Not even with an addition whose value has no name.
 TEST_F(PruneLogTest, AStoredBlockThatCannotBeReadMakesNoPair) {
-    info_.live[{2, 0}] = {u"Software\\Kestrin2\\Tolvenar\u00FF", ObjectType::kRegistryValue,
-                          kHiveCurrentUser};
+    info_.live[{2, 0}] = {u"Software\\Kestrin2\\Tolvenar\u00FF", kValue, kHiveCurrentUser};
     AddValue(2, JF_ADD, 0);
     AddValue(1, JF_DELETE, 40);
     PruneDifferences(*diff_, kBackupPruning, info_);
@@ -43,7 +41,7 @@ TEST_F(PruneLogTest, AStoredBlockThatCannotBeReadMakesNoPair) {
 }
 
 TEST_F(PruneLogTest, ALiveValueThatCannotBeDescribedIsPassedOver) {
-    const FakeInfoSource::Object value{kOwnValue, ObjectType::kRegistryValue, kHiveCurrentUser};
+    const FakeInfoSource::Object value{kOwnValue, kValue, kHiveCurrentUser};
     info_.stored[40] = value;
     info_.live[{2, 0}] = value;
     AddValue(2, JF_ADD, 0);
@@ -57,8 +55,8 @@ TEST_F(PruneLogTest, ALiveValueThatCannotBeDescribedIsPassedOver) {
 }
 
 TEST_F(PruneLogTest, ADatabaseThatCannotBeDescribedStays) {
-    diff_->AddObject(JournalRecord(MakeRecord(ObjectType::kDatabase, 1, 0), 1, JF_ADD, 40));
-    diff_->AddObject(JournalRecord(MakeRecord(ObjectType::kDatabase, 2, 0), 0, JF_ADD, 0));
+    diff_->AddObject(JournalRecord(MakeRecord(kDatabase, 1, 0), 1, JF_ADD, 40));
+    diff_->AddObject(JournalRecord(MakeRecord(kDatabase, 2, 0), 0, JF_ADD, 0));
     PruneDifferences(*diff_, kRestorePruning, info_);
     EXPECT_EQ(2u, diff_->CountRecords());
     EXPECT_EQ(std::vector<std::string>(2,
@@ -71,7 +69,7 @@ TEST_F(PruneLogTest, ADatabaseThatCannotBeDescribedStays) {
 // After a pair is gone the walk starts again from the front, so what could not be read is read
 // again.
 TEST_F(PruneLogTest, TheWalkStartsAgainAfterARemoval) {
-    const FakeInfoSource::Object value{kOwnValue, ObjectType::kRegistryValue, kHiveCurrentUser};
+    const FakeInfoSource::Object value{kOwnValue, kValue, kHiveCurrentUser};
     info_.stored[40] = value;
     info_.live[{2, 0}] = value;
     AddValue(2, JF_ADD, 0);

@@ -9,7 +9,6 @@
 namespace tolvenar {
 namespace {
 
-constexpr auto kValue = ObjectType::kRegistryValue;
 constexpr std::uint32_t kTolvOID = 0x00120034;
 constexpr std::uint32_t kOffset = 500;
 

@@ -4,6 +4,8 @@
 
 #include "simulator/databases/database_store.h"
 #include "simulator/gate/rules.h"
+#include "simulator/host/host_files.h"
+#include "simulator/store/utf8.h"
 #include "storage/files/handle_bytes.h"
 #include "tests/support/text.h"
 
@@ -27,6 +29,14 @@ void StorageTest::LetTimePass() {
     device().Set("clock.step", "2000");
     device().Fault("Sleep", 1, 1000000000, 1);
     ::Sleep(0);  // the rule has fired, whether a restore comes or not
+}
+
+void StorageTest::ResetDevice() {
+    const std::wstring empty = folder() + L"\\empty";
+    sim::host::MakeFolder(empty);
+    device().Command("create \"" + sim::Utf8(empty) + "\"");
+    device().DropFaults();
+    LetTimePass();
 }
 
 void StorageTest::Fail(const char* function, int n, std::uint32_t error) {

@@ -22,6 +22,8 @@ protected:
 
     // Time moves at every write, and a restore does not wait for the store to settle.
     void LetTimePass();
+    // The device as it comes from a reset: empty, with the card still in it. Time passes.
+    void ResetDevice();
 
     // The `n`th call of `function` from now on fails with `error`. Nothing is allocated behind the
     // rule.

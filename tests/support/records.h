@@ -9,6 +9,13 @@
 
 namespace tolvenar {
 
+constexpr auto kFile = ObjectType::kFile;  // or a folder
+constexpr auto kValue = ObjectType::kRegistryValue;
+constexpr auto kKey = ObjectType::kRegistryKey;
+constexpr auto kDatabase = ObjectType::kDatabase;
+constexpr auto kDbRecord = ObjectType::kDatabaseRecord;
+constexpr auto kState = ObjectType::kState;
+
 inline ObjectRecord MakeRecord(ObjectType type, std::uint32_t dwOID, std::uint32_t TolvOID,
                                std::uint16_t info_checksum = 0, std::uint16_t fingerprint = 0) {
     ObjectRecord record{};

@@ -20,8 +20,8 @@ void RestoreFixture::TearDown() {
 ObjectRecord RestoreFixture::StoreBlock(ObjectType type, std::uint32_t first_field,
                                         std::uint32_t second_field, const Text& name,
                                         const Bytes& data, std::uint32_t dwOID) {
-    const Bytes block = Block(first_field, second_field, type == ObjectType::kFile ? kSomeTime : 0,
-                              data.size(), type, name);
+    const Bytes block =
+        Block(first_field, second_field, type == kFile ? kSomeTime : 0, data.size(), type, name);
     ObjectRecord record{};
     record.dwOID = dwOID;
     record.propOffset = static_cast<std::uint32_t>(sav_.size());
@@ -37,24 +37,24 @@ ObjectRecord RestoreFixture::StoreBlock(ObjectType type, std::uint32_t first_fie
 
 ObjectRecord RestoreFixture::StoreFile(const Text& path, const Bytes& contents,
                                        std::uint32_t attributes, std::uint32_t dwOID) {
-    return StoreBlock(ObjectType::kFile, attributes, 0, path, contents, dwOID);
+    return StoreBlock(kFile, attributes, 0, path, contents, dwOID);
 }
 
 ObjectRecord RestoreFixture::StoreFolder(const Text& path, std::uint32_t attributes,
                                          std::uint32_t dwOID) {
-    return StoreBlock(ObjectType::kFile, attributes, 0, path, "", dwOID);
+    return StoreBlock(kFile, attributes, 0, path, "", dwOID);
 }
 
 ObjectRecord RestoreFixture::StoreKey(HKEY root, const Text& key_path) {
-    ObjectRecord record = StoreBlock(ObjectType::kRegistryKey, HiveOf(root), 0, key_path, "");
+    ObjectRecord record = StoreBlock(kKey, HiveOf(root), 0, key_path, "");
     record.TolvOID = 0x00110000u + record.propOffset;
     return record;
 }
 
 ObjectRecord RestoreFixture::StoreValue(HKEY root, const Text& key_path, const Text& value_name,
                                         std::uint32_t type, const Bytes& data) {
-    ObjectRecord record = StoreBlock(ObjectType::kRegistryValue, HiveOf(root), type,
-                                     key_path + kNameSeparator + value_name, data);
+    ObjectRecord record =
+        StoreBlock(kValue, HiveOf(root), type, key_path + kNameSeparator + value_name, data);
     record.TolvOID = 0x00110000u + record.propOffset;
     return record;
 }
@@ -67,8 +67,8 @@ ObjectRecord RestoreFixture::StoreDatabase(const Text& name, std::uint32_t type,
         data += BytesOf(spec);
     }
     data.resize(32);
-    return StoreBlock(ObjectType::kDatabase, type, static_cast<std::uint32_t>(sort_orders.size()),
-                      name, data, dwOID);
+    return StoreBlock(kDatabase, type, static_cast<std::uint32_t>(sort_orders.size()), name, data,
+                      dwOID);
 }
 
 ObjectRecord RestoreFixture::StoreRecord(const Text& database, std::uint32_t dwOID,
@@ -90,8 +90,8 @@ ObjectRecord RestoreFixture::StoreRecord(const Text& database, std::uint32_t dwO
             data += Property(property.propid, property.number);
         }
     }
-    return StoreBlock(ObjectType::kDatabaseRecord, static_cast<std::uint32_t>(properties.size()), 0,
-                      database, data + behind, dwOID);
+    return StoreBlock(kDbRecord, static_cast<std::uint32_t>(properties.size()), 0, database,
+                      data + behind, dwOID);
 }
 
 void RestoreFixture::SaveJournal(const std::vector<ObjectRecord>& records) {
@@ -100,15 +100,6 @@ void RestoreFixture::SaveJournal(const std::vector<ObjectRecord>& records) {
         bytes += BytesOf(record);
     }
     Put(kJournal, bytes);
-}
-
-std::vector<ObjectRecord> RestoreFixture::JournalOnCard() {
-    const Bytes bytes = Content(kJournal);
-    std::vector<ObjectRecord> records(bytes.size() / sizeof(ObjectRecord));
-    if (!records.empty()) {
-        std::memcpy(records.data(), bytes.data(), records.size() * sizeof(ObjectRecord));
-    }
-    return records;
 }
 
 ObjectList& RestoreFixture::MakeDifference(const std::vector<ObjectRecord>& walked) {
@@ -143,18 +134,18 @@ ObjectRecord RestoreFixture::Live(ObjectType type, std::uint32_t dwOID) {
 }
 
 ObjectRecord RestoreFixture::LiveFile(const std::wstring& path) {
-    return Live(ObjectType::kFile, device().Info(path).oid);
+    return Live(kFile, device().Info(path).oid);
 }
 
 ObjectRecord RestoreFixture::LiveKey(HKEY root, const Text& key_path) {
-    ObjectRecord record = Live(ObjectType::kRegistryKey, 0);
+    ObjectRecord record = Live(kKey, 0);
     EXPECT_TRUE(storage_.registry_objects.Generate(
         key_path.c_str(), {true, HiveOf(root), key_path.c_str()}, record.TolvOID));
     return record;
 }
 
 ObjectRecord RestoreFixture::LiveValue(HKEY root, const Text& key_path, const Text& value_name) {
-    ObjectRecord record = Live(ObjectType::kRegistryValue, 0);
+    ObjectRecord record = Live(kValue, 0);
     const Text full = key_path + kNameSeparator + value_name;
     EXPECT_TRUE(storage_.registry_objects.Generate(
         full.c_str(), {false, HiveOf(root), key_path.c_str(), value_name.c_str(), REG_SZ, "", 0},

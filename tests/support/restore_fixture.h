@@ -35,7 +35,6 @@ protected:
     // Write the bytes as the storage file, records as the journal.
     void SaveStorage() { Put(kSav, sav_); }
     void SaveJournal(const std::vector<ObjectRecord>& records);
-    std::vector<ObjectRecord> JournalOnCard();
 
     // The difference list, in the order of a walk. Returned by reference: the storage owns it.
     ObjectList& MakeDifference(const std::vector<ObjectRecord>& walked);

@@ -65,11 +65,11 @@ TEST_F(OpenedDifferencesTest, StoredObjectsAreDescribedByTheirBlocks) {
         std::uint32_t dwOID;
         std::uint32_t hive;
     } kObjects[] = {
-        {u"\\a.txt", ObjectType::kFile, JF_ADD, 77, 0},
-        {u"Some\\Key", ObjectType::kRegistryKey, JF_DELETE, 0, 0x80000003},
-        {u"Some\\Key\u00FFv", ObjectType::kRegistryValue, JF_ADD, 0, 0x80000001},
-        {u"People", ObjectType::kDatabase, JF_ADD, 902, 0},
-        {u"People", ObjectType::kDatabaseRecord, JF_ADD, 9, 0},
+        {u"\\a.txt", kFile, JF_ADD, 77, 0},
+        {u"Some\\Key", kKey, JF_DELETE, 0, 0x80000003},
+        {u"Some\\Key\u00FFv", kValue, JF_ADD, 0, 0x80000001},
+        {u"People", kDatabase, JF_ADD, 902, 0},
+        {u"People", kDbRecord, JF_ADD, 9, 0},
     };
     for (const auto& expected : kObjects) {
         ASSERT_EQ(DifferenceEnumerator::kObject, Next());
@@ -90,7 +90,7 @@ TEST_F(OpenedDifferencesTest, WithoutAListThereIsNothing) {
 
 TEST_F(OpenedDifferencesTest, AStateIsNoObject) {
     ObjectRecord state{};
-    state.type = ObjectType::kState;
+    state.type = kState;
     Enumerate({state, StoreFile(u"\\a.txt", "")});
     EXPECT_EQ(DifferenceEnumerator::kNoObject, Next());
     EXPECT_EQ(DifferenceEnumerator::kObject, Next());
@@ -100,8 +100,8 @@ TEST_F(OpenedDifferencesTest, WhatCannotBeDescribedIsLoggedAndLeftOut) {
     ObjectRecord beyond = StoreFile(u"\\a.txt", "");
     beyond.propOffset = 1000000;
     ObjectRecord other = StoreFile(u"\\b.txt", "");
-    other.type = ObjectType::kDatabase;  // not what the block says
-    Enumerate({beyond, other, Live(ObjectType::kFile, 0x7654321),
+    other.type = kDatabase;  // not what the block says
+    Enumerate({beyond, other, Live(kFile, 0x7654321),
                StoreFile(u"\\c.txt", "", FILE_ATTRIBUTE_ARCHIVE, 5)});
     for (int i = 0; i < 3; ++i) {
         EXPECT_EQ(DifferenceEnumerator::kNoObject, Next());
@@ -148,14 +148,14 @@ TEST_F(OpenedDifferencesTest, ALiveValueWithoutATerminatorIsReadToItsEnd) {
 
 TEST_F(OpenedDifferencesTest, AnIdThatLeadsToAnotherKindOfObjectIsLeftOut) {
     MakeDatabase(L"People");
-    Enumerate({Live(ObjectType::kFile, AddRecord(L"People", L"Ann", 1))});
+    Enumerate({Live(kFile, AddRecord(L"People", L"Ann", 1))});
     EXPECT_EQ(DifferenceEnumerator::kNoObject, Next());
 }
 
 TEST_F(OpenedDifferencesTest, ALiveRecordsTitleIsReadFromItsDatabase) {
     MakeDatabase(L"People");
     const CEOID ann = AddRecord(L"People", L"Ann", 1);
-    Enumerate({Live(ObjectType::kDatabaseRecord, ann)});
+    Enumerate({Live(kDbRecord, ann)});
     EXPECT_EQ(u"People", NextName());
     EXPECT_EQ(u"=Ann", Property(kName));
     EXPECT_EQ(u"none", Property(kTitle));
@@ -197,7 +197,7 @@ TEST_F(OpenedDifferencesTest, BlocksAreFoundAnywhereInALargeFile) {
          {u"\\first", u"\\across the border", u"People", u"\\last", u"\\first"}) {
         ASSERT_EQ(DifferenceEnumerator::kObject, Next());
         EXPECT_EQ(name, Name());
-        if (object_.type == ObjectType::kDatabaseRecord) {
+        if (object_.type == kDbRecord) {
             EXPECT_EQ(u"=" + Text(260, u'x'), Property(kTitle));
         }
     }

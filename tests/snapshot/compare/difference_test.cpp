@@ -8,12 +8,6 @@
 namespace tolvenar {
 namespace {
 
-constexpr auto kFile = ObjectType::kFile;
-constexpr auto kValue = ObjectType::kRegistryValue;
-constexpr auto kKey = ObjectType::kRegistryKey;
-constexpr auto kDatabase = ObjectType::kDatabase;
-constexpr auto kDbRecord = ObjectType::kDatabaseRecord;
-
 class CmpListsTest : public testing::Test {
 protected:
     // A registry record whose block stands at `offset` with that name.
@@ -169,7 +163,7 @@ TEST_F(CmpListsTest, AScannedFilesCopyKeepsTheScanStateNumber) {
 }
 
 TEST_F(CmpListsTest, AStateRecordIsNeverADifference) {
-    ObjectRecord state = JournalRecord(MakeRecord(ObjectType::kState, 0, 0, 5), 3, 0, 236);
+    ObjectRecord state = JournalRecord(MakeRecord(kState, 0, 0, 5), 3, 0, 236);
     ASSERT_TRUE(Compare({state}, {}));
     EXPECT_EQ(0u, diff_->CountRecords());
     EXPECT_EQ(3, list1_->First()->record->state_number);

@@ -40,21 +40,17 @@ TEST(ExclusionTest, FilesByNameInAnyFolder) {
 }
 
 TEST(ExclusionTest, FilesByTheBeginningOfTheirFolder) {
-    EXPECT_TRUE(File(u"\\Recycled", u"a.txt"));
-    EXPECT_TRUE(File(u"\\Recycled\\deep\\down", u"a.txt"));
     // No separator is asked for behind the name.
-    EXPECT_TRUE(File(u"\\RecycledStuff", u"a.txt"));
-    EXPECT_FALSE(File(u"\\My Documents\\Recycled", u"a.txt"));
-    EXPECT_FALSE(File(u"Recycled", u"a.txt"));
-    EXPECT_FALSE(File(u"\\Recycle", u"a.txt"));
     for (const char16_t* folder :
-         {u"\\mine.sav", u"\\mine.sav\\x", u"\\mine.savings", u"\\mine.jrn", u"\\mine.jrn_1"}) {
+         {u"\\Recycled", u"\\Recycled\\deep\\down", u"\\RecycledStuff", u"\\mine.sav",
+          u"\\mine.sav\\x", u"\\mine.savings", u"\\mine.jrn", u"\\mine.jrn_1"}) {
         EXPECT_TRUE(File(folder, u"a.txt"));
     }
-    EXPECT_FALSE(File(u"\\My Documents\\mine.sav", u"a.txt"));
-    EXPECT_FALSE(File(u"mine.sav", u"a.txt"));
-    EXPECT_FALSE(File(u"/mine.sav", u"a.txt"));
-    EXPECT_FALSE(File(u"\\mine.sa", u"a.txt"));
+    for (const char16_t* folder :
+         {u"\\My Documents\\Recycled", u"Recycled", u"\\Recycle", u"\\My Documents\\mine.sav",
+          u"mine.sav", u"/mine.sav", u"\\mine.sa"}) {
+        EXPECT_FALSE(File(folder, u"a.txt"));
+    }
 }
 
 TEST(ExclusionTest, TheCaseOfLettersMatters) {
@@ -83,14 +79,14 @@ TEST(ExclusionTest, AbsentOrEmptyStorageNamesExcludeNothing) {
 }
 
 TEST(ExclusionTest, KeysThatContainARulesText) {
-    EXPECT_TRUE(Key(u"Drivers\\Active"));
-    EXPECT_TRUE(Key(u"Drivers\\Active\\07"));
-    EXPECT_TRUE(Key(u"My\\Drivers\\ActiveThings"));
-    EXPECT_TRUE(Key(u"Comm\\Tcpip\\Hosts\\ppp_peer"));
-    EXPECT_TRUE(Key(u"Comm\\Tcpip\\Hosts\\ppp_peer\\x"));
-    EXPECT_FALSE(Key(u"Drivers"));
-    EXPECT_FALSE(Key(u"Comm\\Tcpip\\Hosts"));
-    EXPECT_FALSE(Key(u""));
+    for (const char16_t* path :
+         {u"Drivers\\Active", u"Drivers\\Active\\07", u"My\\Drivers\\ActiveThings",
+          u"Comm\\Tcpip\\Hosts\\ppp_peer", u"Comm\\Tcpip\\Hosts\\ppp_peer\\x"}) {
+        EXPECT_TRUE(Key(path));
+    }
+    for (const char16_t* path : {u"Drivers", u"Comm\\Tcpip\\Hosts", u""}) {
+        EXPECT_FALSE(Key(path));
+    }
 }
 
 TEST(ExclusionTest, MachineValuesByKeyPathAndName) {

@@ -22,7 +22,7 @@ ObjectRecord FileRecord(std::uint32_t dwOID, std::uint16_t state, std::uint16_t 
     record.data_offset = propOffset + 60;
     record.state_number = state;
     record.flags = flags;
-    record.type = ObjectType::kFile;
+    record.type = kFile;
     return record;
 }
 
@@ -60,9 +60,8 @@ void PlainWalk(ObjectList& journal, const ObjectRecord& object, std::uint32_t ne
             record->type != object.type) {
             continue;
         }
-        const bool has_id = record->type != ObjectType::kRegistryValue &&
-                            record->type != ObjectType::kRegistryKey &&
-                            record->type != ObjectType::kState;
+        const bool has_id =
+            record->type != kValue && record->type != kKey && record->type != kState;
         if (record->state_number == object.state_number) {
             if (has_id && (record->flags & JF_ADD) != 0) {
                 record->dwOID = newOid;
@@ -111,13 +110,12 @@ TEST(JournalUpdateTest, EveryFieldOfTheVersionMustAgree) {
     walked[2].content_fingerprint ^= 1;
     walked[3].propOffset ^= 1;
     walked[4].data_offset ^= 1;
-    walked[5].type = ObjectType::kDatabase;
+    walked[5].type = kDatabase;
     EXPECT_EQ((Ids{6, 7, 7, 7, 7, 7}), Updated(walked, object));
 }
 
 TEST(JournalUpdateTest, RegistryAndStateRecordsOfTheSameStateKeepTheirIds) {
-    for (const ObjectType type :
-         {ObjectType::kRegistryValue, ObjectType::kRegistryKey, ObjectType::kState}) {
+    for (const ObjectType type : {kValue, kKey, kState}) {
         ObjectRecord object = FileRecord(7, 1, JF_ADD, 500);
         object.type = type;
         EXPECT_EQ(Ids{7}, Updated({object}, object));
@@ -125,7 +123,7 @@ TEST(JournalUpdateTest, RegistryAndStateRecordsOfTheSameStateKeepTheirIds) {
 }
 
 TEST(JournalUpdateTest, DatabasesAndRecordsGetTheirNewIds) {
-    for (const ObjectType type : {ObjectType::kDatabase, ObjectType::kDatabaseRecord}) {
+    for (const ObjectType type : {kDatabase, kDbRecord}) {
         ObjectRecord object = FileRecord(7, 1, JF_ADD, 500);
         object.type = type;
         EXPECT_EQ(Ids{40}, Updated({object}, object));
@@ -180,8 +178,7 @@ TEST(JournalUpdateTest, RandomJournalsComeOutAsFromThePlainWalk) {
             ObjectRecord record =
                 FileRecord(below(6), static_cast<std::uint16_t>(1 + below(5)),
                            static_cast<std::uint16_t>(below(16)), 500 + below(4) * 0x40);
-            constexpr ObjectType kTypes[] = {ObjectType::kFile, ObjectType::kDatabase,
-                                             ObjectType::kState, ObjectType::kRegistryKey};
+            constexpr ObjectType kTypes[] = {kFile, kDatabase, kState, kKey};
             record.type = kTypes[below(8) < 5 ? 0 : below(4)];
             walked.push_back(record);
         }

@@ -8,8 +8,6 @@
 namespace tolvenar {
 namespace {
 
-constexpr auto kValue = ObjectType::kRegistryValue;
-constexpr auto kKey = ObjectType::kRegistryKey;
 constexpr std::uint32_t kHive = 0x80000001;
 
 class KeptObjectsTest : public testing::Test {
@@ -99,7 +97,7 @@ TEST_F(KeptObjectsTest, AChangedValueIsDeletedFirst) {
 }
 
 TEST_F(KeptObjectsTest, FilesAreLeftAlone) {
-    ObjectRecord file = MakeRecord(ObjectType::kFile, 9, 0);
+    ObjectRecord file = MakeRecord(kFile, 9, 0);
     file.flags = JF_ADD;
     Insert(file);
     EXPECT_EQ(1, Deletions());

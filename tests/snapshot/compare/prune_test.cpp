@@ -9,8 +9,6 @@
 namespace tolvenar {
 namespace {
 
-constexpr auto kValue = ObjectType::kRegistryValue;
-constexpr auto kDatabase = ObjectType::kDatabase;
 constexpr const char16_t* kOwnKey = u"Software\\Kestrin2\\Tolvenar";
 
 class PruneTest : public testing::Test {
@@ -131,7 +129,7 @@ TEST_F(PruneTest, ADeletionWithoutABlockIsNotLookedAt) {
 }
 
 TEST_F(PruneTest, ABlockThatIsNoValueStays) {
-    Deleted(kHiveCurrentUser, Name(kOwnKey, u"onTime"), ObjectType::kRegistryKey);
+    Deleted(kHiveCurrentUser, Name(kOwnKey, u"onTime"), kKey);
     Added(kHiveCurrentUser, Name(kOwnKey, u"onTime"));
     EXPECT_EQ(2u, PruneForBackup());
 }
@@ -145,7 +143,7 @@ TEST_F(PruneTest, ANameWithoutSeparatorStays) {
 TEST_F(PruneTest, AnAdditionOfAnotherTypeIsNotLookedAt) {
     Deleted(kHiveCurrentUser, Name(kOwnKey, u"onTime"));
     info_.live[{7, 0}] = {Name(kOwnKey, u"onTime"), kValue, kHiveCurrentUser};
-    diff_->AddObject(JournalRecord(MakeRecord(ObjectType::kRegistryKey, 0, 7), 0, JF_ADD, 0));
+    diff_->AddObject(JournalRecord(MakeRecord(kKey, 0, 7), 0, JF_ADD, 0));
     EXPECT_EQ(2u, PruneForBackup());
 }
 
@@ -207,8 +205,7 @@ TEST_F(PruneTest, ADatabaseWithoutABlockIsDescribedLive) {
 
 TEST_F(PruneTest, TheRestoreTableLooksAtDatabasesAlone) {
     info_.stored[50] = {u"\\URL Cache", kDatabase, 0};
-    for (ObjectType type : {kValue, ObjectType::kRegistryKey, ObjectType::kDatabaseRecord,
-                            ObjectType::kFile, ObjectType::kState}) {
+    for (ObjectType type : {kValue, kKey, kDbRecord, kFile, kState}) {
         diff_->AddObject(
             JournalRecord(MakeRecord(type, static_cast<std::uint32_t>(type), 0), 1, JF_ADD, 50));
     }

@@ -7,11 +7,6 @@
 namespace tolvenar {
 namespace {
 
-constexpr auto kFile = ObjectType::kFile;
-constexpr auto kValue = ObjectType::kRegistryValue;
-constexpr auto kDatabase = ObjectType::kDatabase;
-constexpr auto kState = ObjectType::kState;
-
 ObjectRecord File(std::uint32_t dwOID, std::uint16_t checksum, std::uint16_t state,
                   std::uint16_t flags, std::uint32_t offset = 500) {
     return JournalRecord(MakeRecord(kFile, dwOID, 0, checksum, checksum), state, flags, offset);

@@ -12,14 +12,8 @@ namespace {
 
 class ObjectListTest : public testing::Test {
 protected:
-    std::vector<std::uint32_t> Oids() const {
-        std::vector<std::uint32_t> oids;
-        for (const KeyedRecord& entry : Walk(*list_)) {
-            oids.push_back(entry.record.dwOID);
-        }
-        return oids;
-    }
-    void AddFile(std::uint32_t dwOID) { list_->AddObject(MakeRecord(ObjectType::kFile, dwOID, 0)); }
+    std::vector<std::uint32_t> Oids() const { return FieldsOf(*list_, &ObjectRecord::dwOID); }
+    void AddFile(std::uint32_t dwOID) { list_->AddObject(MakeRecord(kFile, dwOID, 0)); }
 
     std::unique_ptr<ObjectList> list_ = ObjectList::CreateList();
 };
@@ -54,7 +48,7 @@ TEST_F(ObjectListTest, ALoadedListComesOutInReverseOrder) {
 }
 
 TEST_F(ObjectListTest, TheKeyIsMadeFromTheRecord) {
-    ObjectRecord record = MakeRecord(ObjectType::kRegistryValue, 7, 0x01020304, 0xABCD, 0x1357);
+    ObjectRecord record = MakeRecord(kValue, 7, 0x01020304, 0xABCD, 0x1357);
     record.state_number = 0x0246;
     EXPECT_EQ((ObjectKey{0xABCD0246, 0x1357, 7, 0x01020304}), KeyOf(record));
     EXPECT_EQ((ObjectKey{0xABCD0000, 0x1357, 7, 0x01020304}), StatelessKeyOf(record));
@@ -68,19 +62,15 @@ TEST_F(ObjectListTest, OnlyValuesAndDatabaseRecordsHaveTheFingerprintInTheirKey)
         EXPECT_EQ(0u, KeyOf(MakeRecord(static_cast<ObjectType>(type), 1, 2, 3, 4)).fingerprint)
             << type;
     }
-    EXPECT_EQ(4u, KeyOf(MakeRecord(ObjectType::kRegistryValue, 1, 2, 3, 4)).fingerprint);
-    EXPECT_EQ(4u, KeyOf(MakeRecord(ObjectType::kDatabaseRecord, 1, 2, 3, 4)).fingerprint);
+    EXPECT_EQ(4u, KeyOf(MakeRecord(kValue, 1, 2, 3, 4)).fingerprint);
+    EXPECT_EQ(4u, KeyOf(MakeRecord(kDbRecord, 1, 2, 3, 4)).fingerprint);
 }
 
 TEST_F(ObjectListTest, RecordsThatDifferInTheFingerprintAloneReplaceOneAnotherUnlessOfTypes1Or8) {
     const struct {
         ObjectType type;
         std::size_t count;
-    } rows[] = {{ObjectType::kFile, 1},
-                {ObjectType::kDatabase, 1},
-                {ObjectType::kRegistryKey, 1},
-                {ObjectType::kRegistryValue, 2},
-                {ObjectType::kDatabaseRecord, 2}};
+    } rows[] = {{kFile, 1}, {kDatabase, 1}, {kKey, 1}, {kValue, 2}, {kDbRecord, 2}};
     for (const auto& row : rows) {
         list_->ClearList();
         list_->AddObject(MakeRecord(row.type, 1, 2, 3, 4));
@@ -92,7 +82,7 @@ TEST_F(ObjectListTest, RecordsThatDifferInTheFingerprintAloneReplaceOneAnotherUn
 
 TEST_F(ObjectListTest, EveryWordOfTheKeyIsCompared) {
     const ObjectKey key{1, 2, 3, 4};
-    ASSERT_TRUE(list_->InsertCopy(key, MakeRecord(ObjectType::kFile, 1, 0)));
+    ASSERT_TRUE(list_->InsertCopy(key, MakeRecord(kFile, 1, 0)));
     EXPECT_NE(nullptr, list_->FindByKey(key));
     EXPECT_EQ(nullptr, list_->FindByKey({0, 2, 3, 4}));
     EXPECT_EQ(nullptr, list_->FindByKey({1, 0, 3, 4}));
@@ -104,7 +94,7 @@ TEST_F(ObjectListTest, APresentKeyKeepsItsPlaceAndGetsTheNewRecord) {
     for (std::uint32_t oid = 1; oid <= 3; ++oid) {
         AddFile(oid);
     }
-    ObjectRecord changed = MakeRecord(ObjectType::kFile, 2, 0);
+    ObjectRecord changed = MakeRecord(kFile, 2, 0);
     changed.propOffset = 99;
     const ObjectList::Node* node = list_->FindByKey(KeyOf(changed));
     auto* record = NewObjectRecord(changed);
@@ -137,8 +127,8 @@ TEST_F(ObjectListTest, RemovesAtTheFrontInTheMiddleAndAtTheEnd) {
         AddFile(oid);
     }
     for (std::uint32_t oid : {5u, 3u, 1u}) {
-        EXPECT_EQ(1, list_->RemoveByKey(KeyOf(MakeRecord(ObjectType::kFile, oid, 0))));
-        EXPECT_EQ(0, list_->RemoveByKey(KeyOf(MakeRecord(ObjectType::kFile, oid, 0))));
+        EXPECT_EQ(1, list_->RemoveByKey(KeyOf(MakeRecord(kFile, oid, 0))));
+        EXPECT_EQ(0, list_->RemoveByKey(KeyOf(MakeRecord(kFile, oid, 0))));
     }
     EXPECT_EQ((std::vector<std::uint32_t>{4, 2}), Oids());
     const ObjectList::Node* last = list_->First()->next;
@@ -216,7 +206,7 @@ TEST_F(ObjectListTest, StateNumbersAreTakenFromTheRecords) {
     EXPECT_EQ(0, list_->MaxStateNumber());
     EXPECT_EQ(0xFFFFFFFF, list_->MinStateNumber());
     for (std::uint16_t state : std::vector<std::uint16_t>{7, 3, 65535, 4}) {
-        list_->AddObject(JournalRecord(MakeRecord(ObjectType::kFile, state, 0), state, JF_ADD, 1));
+        list_->AddObject(JournalRecord(MakeRecord(kFile, state, 0), state, JF_ADD, 1));
     }
     EXPECT_EQ(65535, list_->MaxStateNumber());
     EXPECT_EQ(3u, list_->MinStateNumber());
@@ -243,7 +233,7 @@ TEST_F(ObjectListTest, ResetPutsAnEmptyListIntoTheCell) {
 }
 
 TEST_F(ObjectListTest, ReservedBytesAreCarriedUnchanged) {
-    ObjectRecord record = MakeRecord(ObjectType::kFile, 1, 0);
+    ObjectRecord record = MakeRecord(kFile, 1, 0);
     for (std::uint8_t i = 0; i < 7; ++i) {
         record.reserved[i] = static_cast<std::uint8_t>(i + 1);
     }
@@ -260,7 +250,7 @@ TEST_F(ObjectListTest, RandomOperationsGiveThePlainListsOrder) {
             return static_cast<std::uint32_t>(random() % below);
         };
         const ObjectKey key{word(4), word(4), word(8), word(8)};
-        ObjectRecord record = MakeRecord(ObjectType::kFile, key.dwOID, key.TolvOID);
+        ObjectRecord record = MakeRecord(kFile, key.dwOID, key.TolvOID);
         record.propOffset = step;
         auto place = std::find_if(plain.begin(), plain.end(),
                                   [&key](const KeyedRecord& entry) { return entry.key == key; });

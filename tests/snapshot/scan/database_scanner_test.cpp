@@ -1,8 +1,5 @@
 #include "snapshot/scan/database_scanner.h"
 
-#include <gtest/gtest.h>
-
-#include "platform/text.h"
 #include "snapshot/records/checksum.h"
 #include "tests/support/engine_test.h"
 
@@ -19,11 +16,6 @@ void NoteEntry(DatabaseScan&, const DatabaseEntry& entry) { visited.push_back(en
 
 class DatabaseScannerTest : public EngineTest {
 protected:
-    void SetUp() override {
-        EngineTest::SetUp();
-        ASSERT_TRUE(ResetList(list_));
-    }
-
     void Scan() {
         list_->ClearList();
         DatabaseScan whole{*list_, info_, databases_};
@@ -40,7 +32,7 @@ protected:
     // The record of the object; null when there is none.
     const ObjectRecord* RecordOf(CEOID oid) { return StorageTest::RecordOf(*list_, oid); }
 
-    std::unique_ptr<ObjectList> list_;
+    const std::unique_ptr<ObjectList> list_ = ObjectList::CreateList();
 };
 
 TEST_F(DatabaseScannerTest, ADatabaseComesBeforeItsRecords) {
@@ -60,7 +52,7 @@ TEST_F(DatabaseScannerTest, ADatabasesRecordHasItsNumberOfRecordsAsFingerprint) 
     InfoBlock block;
     ASSERT_TRUE(info_.GetOIDInfo(0, oid, block));
     EXPECT_EQ(28u + 10u, block.size());
-    EXPECT_EQ(BytesOf(MakeRecord(ObjectType::kDatabase, oid, 0, Checksum16(block.bytes(), 38), 2)),
+    EXPECT_EQ(BytesOf(MakeRecord(kDatabase, oid, 0, Checksum16(block.bytes(), 38), 2)),
               BytesOf(*record));
 }
 
@@ -71,7 +63,7 @@ TEST_F(DatabaseScannerTest, ARecordsFingerprintIsTheChecksumOfItsCanonicalForm) 
     ASSERT_NE(nullptr, RecordOf(oid));
     const unsigned char canonical[] = {0x1F, 0, 1, 0, 0, 0, 'a', 0, 'b', 0};
     EXPECT_EQ(Checksum16(canonical, sizeof canonical), RecordOf(oid)->content_fingerprint);
-    EXPECT_EQ(ObjectType::kDatabaseRecord, RecordOf(oid)->type);
+    EXPECT_EQ(kDbRecord, RecordOf(oid)->type);
     EXPECT_EQ(0, RecordOf(oid)->state_number);
     EXPECT_EQ(JF_PRESENT, RecordOf(oid)->flags);
 }

@@ -1,10 +1,7 @@
 #include "snapshot/scan/file_scanner.h"
 
 #include <algorithm>
-#include <gtest/gtest.h>
 
-#include "platform/text.h"
-#include "platform/unique_resource.h"
 #include "snapshot/records/checksum.h"
 #include "tests/support/engine_test.h"
 
@@ -21,7 +18,6 @@ class FileScannerTest : public EngineTest {
 protected:
     void SetUp() override {
         EngineTest::SetUp();
-        ASSERT_TRUE(ResetList(list_));
         device().MakeFolder(L"\\A");
     }
 
@@ -46,7 +42,7 @@ protected:
     }
 
     StorageFileNames names_{{u"Home.sav", u"Home.jrn", u"Home.jrn_1"}};
-    std::unique_ptr<ObjectList> list_;
+    const std::unique_ptr<ObjectList> list_ = ObjectList::CreateList();
 };
 
 TEST_F(FileScannerTest, AFolderComesBeforeItsContents) {
@@ -117,8 +113,8 @@ TEST_F(FileScannerTest, AFilesRecordHoldsIdentifierChecksumsAndTheMarkOfAScan) {
     InfoBlock block;
     ASSERT_TRUE(info_.GetOIDInfo(0, record->dwOID, block));
     EXPECT_EQ(28u + 22u, block.size());
-    ObjectRecord expected = MakeRecord(ObjectType::kFile, OidOfPath(L"\\A\\nine.txt"), 0,
-                                       Checksum16(block.bytes(), 50), 0x6F91);
+    ObjectRecord expected =
+        MakeRecord(kFile, OidOfPath(L"\\A\\nine.txt"), 0, Checksum16(block.bytes(), 50), 0x6F91);
     expected.state_number = 0xFFFF;
     EXPECT_EQ(BytesOf(expected), BytesOf(*record));
 }

@@ -1,9 +1,5 @@
 #include "snapshot/scan/registry_scanner.h"
 
-#include <gtest/gtest.h>
-
-#include "platform/text.h"
-#include "platform/unique_resource.h"
 #include "snapshot/compare/exclusion.h"
 #include "snapshot/records/checksum.h"
 #include "tests/support/engine_test.h"
@@ -20,11 +16,6 @@ void NoteEntry(RegistryScan&, const RegistryEntry& entry) {
 
 class RegistryScannerTest : public EngineTest {
 protected:
-    void SetUp() override {
-        EngineTest::SetUp();
-        ASSERT_TRUE(ResetList(list_));
-    }
-
     RegistryScan scan() { return {*list_, info_, storage_.registry_objects}; }
 
     void Scan(std::uint32_t hive = kHiveCurrentUser, const char16_t* key_path = u"T") {
@@ -57,7 +48,7 @@ protected:
         return nullptr;
     }
 
-    std::unique_ptr<ObjectList> list_;
+    const std::unique_ptr<ObjectList> list_ = ObjectList::CreateList();
 };
 
 TEST_F(RegistryScannerTest, AKeyComesFirstThenItsSubkeysThenItsValues) {
@@ -76,7 +67,7 @@ TEST_F(RegistryScannerTest, TheEmptyPathIsTheHivesRootAndPutsNoSeparatorBeforeIt
     Scan(kHiveCurrentUser, u"");
     const ObjectRecord* root = RecordOf(u"");
     ASSERT_NE(nullptr, root);
-    EXPECT_EQ(ObjectType::kRegistryKey, root->type);
+    EXPECT_EQ(kKey, root->type);
 }
 
 TEST_F(RegistryScannerTest, AKeyThatCannotBeOpenedIsPassedOverWithItsSubtree) {
@@ -135,8 +126,7 @@ TEST_F(RegistryScannerTest, AValuesRecordHoldsIdentifierChecksumsAndTheMarkOfASc
     ASSERT_TRUE(info_.GetOIDInfo(record->TolvOID, 0, block));
     EXPECT_EQ(28u + 12u, block.size());
     const ObjectRecord expected =
-        MakeRecord(ObjectType::kRegistryValue, 0,
-                   Checksum16(full_name.c_str(), 2 * full_name.size() + 2) | 0x00910000u,
+        MakeRecord(kValue, 0, Checksum16(full_name.c_str(), 2 * full_name.size() + 2) | 0x00910000u,
                    Checksum16(block.bytes(), 40), 0x6F91);
     EXPECT_EQ(BytesOf(expected), BytesOf(*record));
 }
@@ -151,7 +141,7 @@ TEST_F(RegistryScannerTest, AKeysRecordHasTheFingerprintFfffAndItsPathAsData) {
                   (Checksum16(u"T\\S", 6) & 0xFFu) << 16,
               record->TolvOID);
     EXPECT_EQ(0xFFFF, record->content_fingerprint);
-    EXPECT_EQ(ObjectType::kRegistryKey, record->type);
+    EXPECT_EQ(kKey, record->type);
     EXPECT_EQ(0, record->state_number);
     const RegistryObject* object = storage_.registry_objects.RegObjectFind(record->TolvOID);
     ASSERT_NE(nullptr, object);

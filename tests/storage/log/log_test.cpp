@@ -78,11 +78,8 @@ TEST_F(LogTest, AStoragePathWithoutABackslashHasItsLogInTheRoot) {
 
 // So that every line is on the medium when the call returns, and two writers never mix theirs.
 TEST_F(LogTest, ALineIsOneOpeningOneSeekOneWriteAndOneClosing) {
-    device().Command("trace on");
-    Note(u"x");
-    device().Command("trace off");
     const auto calls = [&](const char* function) {
-        return nlohmann::json::parse(device().Command(std::string("trace show ") + function));
+        return nlohmann::json::parse(device().Traced(function, [] { Note(u"x"); }));
     };
     for (const char* function : {"CreateFileW", "SetFilePointer", "WriteFile", "CloseHandle"}) {
         EXPECT_EQ(1u, calls(function).size()) << function;

@@ -1,9 +1,5 @@
 #include "storage/objects/database_layer.h"
 
-#include <gtest/gtest.h>
-
-#include "platform/text.h"
-#include "platform/unique_resource.h"
 #include "tests/support/engine_test.h"
 
 namespace tolvenar {

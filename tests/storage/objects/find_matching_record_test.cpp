@@ -1,15 +1,11 @@
 #include "storage/objects/find_matching_record.h"
 
-#include <gtest/gtest.h>
-
-#include "platform/text.h"
-#include "platform/unique_resource.h"
 #include "tests/support/engine_test.h"
 
 namespace tolvenar {
 namespace {
 
-constexpr CEPROPID kKey = 0x4021001F;
+constexpr CEPROPID kKeyText = 0x4021001F;
 constexpr const char16_t* kDesktop = u"\\DesktopPositions";
 
 class FindMatchingRecordTest : public EngineTest {
@@ -20,7 +16,7 @@ protected:
         EXPECT_TRUE(database);
         CEPROPVAL properties[2]{};
         properties[0].propid = kNumber;
-        properties[1].propid = kKey;
+        properties[1].propid = kKeyText;
         properties[1].val.lpwstr = const_cast<wchar_t*>(key);
         return FindMatchingRecord(databases_, database.get(), database_name, properties,
                                   key == nullptr ? 1 : 2, record_oid, written_);
@@ -60,10 +56,10 @@ TEST_F(FindMatchingRecordTest, ARecordThatThisRestoreWroteIsNeverOverwritten) {
 
 TEST_F(FindMatchingRecordTest, TheDesktopsRecordsAreKnownByTheirKey) {
     MakeDatabase(L"\\DesktopPositions");
-    const CEOID other = AddRecord(L"\\DesktopPositions", {{kKey, 0, L"My Device"}});
+    const CEOID other = AddRecord(L"\\DesktopPositions", {{kKeyText, 0, L"My Device"}});
     AddRecord(L"\\DesktopPositions", {{kNumber, 1}});
-    const CEOID same = AddRecord(L"\\DesktopPositions", {{kNumber, 1}, {kKey, 0, L"Recycler"}});
-    AddRecord(L"\\DesktopPositions", {{kKey, 0, L"Recycler"}});
+    const CEOID same = AddRecord(L"\\DesktopPositions", {{kNumber, 1}, {kKeyText, 0, L"Recycler"}});
+    AddRecord(L"\\DesktopPositions", {{kKeyText, 0, L"Recycler"}});
     EXPECT_EQ(same, Find(kDesktop, L"Recycler", other));
     EXPECT_EQ(0u, Find(kDesktop, L"recycler", other));
     EXPECT_EQ(0u, Find(kDesktop, L"None", other));
@@ -77,8 +73,8 @@ TEST_F(FindMatchingRecordTest, ADesktopRecordWithoutAKeyIsMadeAnew) {
 
 TEST_F(FindMatchingRecordTest, ADesktopRecordThatThisRestoreWroteIsPassedOver) {
     MakeDatabase(L"\\DesktopPositions");
-    const CEOID first = AddRecord(L"\\DesktopPositions", {{kKey, 0, L"Recycler"}});
-    const CEOID second = AddRecord(L"\\DesktopPositions", {{kKey, 0, L"Recycler"}});
+    const CEOID first = AddRecord(L"\\DesktopPositions", {{kKeyText, 0, L"Recycler"}});
+    const CEOID second = AddRecord(L"\\DesktopPositions", {{kKeyText, 0, L"Recycler"}});
     ASSERT_TRUE(written_.Add(first));
     EXPECT_EQ(second, Find(kDesktop, L"Recycler", first));
 }

@@ -1,7 +1,6 @@
 #include "storage/objects/object_info.h"
 
 #include <cstring>
-#include <gtest/gtest.h>
 
 #include "tests/support/engine_test.h"
 
@@ -28,18 +27,18 @@ TEST_F(ObjectInfoTest, AFileHasAttributesTimeSizeAndFullPath) {
     device().PutFile(L"\\A\\b.txt", "12345");
     device().Touch(L"\\A\\b.txt", 0x01C0FFEE12345680);
     device().SetAttributes(L"\\A\\b.txt", FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_ARCHIVE);
-    EXPECT_EQ(Block(0x21, 0, 0x01C0FFEE12345680, 5, ObjectType::kFile, u"\\A\\b.txt"),
+    EXPECT_EQ(Block(0x21, 0, 0x01C0FFEE12345680, 5, kFile, u"\\A\\b.txt"),
               Described(0, OidOfPath(L"\\A\\b.txt")));
 }
 
 TEST_F(ObjectInfoTest, AFolderHasTheFolderBitNoTimeAndNoData) {
     device().MakeFolder(L"\\A");
-    EXPECT_EQ(Block(0x10, 0, 0, 0, ObjectType::kFile, u"\\A"), Described(0, OidOfPath(L"\\A")));
+    EXPECT_EQ(Block(0x10, 0, 0, 0, kFile, u"\\A"), Described(0, OidOfPath(L"\\A")));
 }
 
 TEST_F(ObjectInfoTest, ADatabaseHasTypeNumberOfSortOrdersAndItsFourSpecifications) {
     const CEOID oid = MakeDatabase(L"First", 77);
-    EXPECT_EQ(Block(77, 0, 0, 32, ObjectType::kDatabase, u"First"), Described(0, oid));
+    EXPECT_EQ(Block(77, 0, 0, 32, kDatabase, u"First"), Described(0, oid));
 }
 
 TEST_F(ObjectInfoTest, ARecordHasItsPropertiesAndTheNameOfItsDatabase) {
@@ -50,7 +49,7 @@ TEST_F(ObjectInfoTest, ARecordHasItsPropertiesAndTheNameOfItsDatabase) {
     EXPECT_EQ(0u, block.head().value_type);
     EXPECT_EQ(0u, block.head().time_low);
     EXPECT_LE(2 * sizeof(CEPROPVAL) + 6, block.head().data_bytes);
-    EXPECT_EQ(ObjectType::kDatabaseRecord, block.type());
+    EXPECT_EQ(kDbRecord, block.type());
     EXPECT_EQ(Text(u"First"), block.name());
 }
 
@@ -58,7 +57,7 @@ TEST_F(ObjectInfoTest, ARecordWhoseDatabaseCannotBeOpenedHasZeroValues) {
     MakeDatabase(L"First");
     const CEOID oid = AddRecord(L"First", {{kNumber, 1}});
     Fail("CeOpenDatabaseEx", 1, ERROR_NOT_ENOUGH_MEMORY);
-    EXPECT_EQ(Block(0, 0, 0, 0, ObjectType::kDatabaseRecord, u"First"), Described(0, oid));
+    EXPECT_EQ(Block(0, 0, 0, 0, kDbRecord, u"First"), Described(0, oid));
 }
 
 TEST_F(ObjectInfoTest, ADatabaseTellsHowManySortOrdersItHas) {
@@ -77,7 +76,7 @@ TEST_F(ObjectInfoTest, ARecordThatCannotBeFoundInItsDatabaseHasZeroValues) {
     AddRecord(L"First", {{kNumber, 1}});
     const CEOID oid = AddRecord(L"First", {{kNumber, 2}});
     Fail("CeSeekDatabase", 1, ERROR_INVALID_PARAMETER);
-    EXPECT_EQ(Block(0, 0, 0, 0, ObjectType::kDatabaseRecord, u"First"), Described(0, oid));
+    EXPECT_EQ(Block(0, 0, 0, 0, kDbRecord, u"First"), Described(0, oid));
 }
 
 TEST_F(ObjectInfoTest, ARecordWhoseDatabaseCannotBeDescribedFails) {
@@ -105,14 +104,13 @@ TEST_F(ObjectInfoTest, ABlockThatIsUsedAgainKeepsNothing) {
 TEST_F(ObjectInfoTest, ARegistryKeyHasItsRootAndPath) {
     ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(
         0x1234, {true, 0x80000002, u"A\\B", nullptr, 0, nullptr, 3}));
-    EXPECT_EQ(Block(0x80000002, 0, 0, 0, ObjectType::kRegistryKey, u"A\\B"), Described(0x1234, 0));
+    EXPECT_EQ(Block(0x80000002, 0, 0, 0, kKey, u"A\\B"), Described(0x1234, 0));
 }
 
 TEST_F(ObjectInfoTest, ARegistryValueHasItsTypeSizeAndBothNames) {
     ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(
         0x1234, {false, 0x80000001, u"A\\B", u"v", REG_DWORD, nullptr, 4}));
-    EXPECT_EQ(Block(0x80000001, 4, 0, 4, ObjectType::kRegistryValue, u"A\\B\u00FFv"),
-              Described(0x1234, 0));
+    EXPECT_EQ(Block(0x80000001, 4, 0, 4, kValue, u"A\\B\u00FFv"), Described(0x1234, 0));
 }
 
 TEST_F(ObjectInfoTest, ARegistryNameThatABlockCannotHoldFails) {
@@ -149,7 +147,7 @@ TEST_F(ObjectInfoTest, TheStateBeingWrittenIsCalledTitleAndHasTheTimeOfNow) {
     EXPECT_EQ(0u, block.head().attributes);
     EXPECT_EQ(0u, block.head().value_type);
     EXPECT_EQ(30u, block.head().data_bytes);
-    EXPECT_EQ(ObjectType::kState, block.type());
+    EXPECT_EQ(kState, block.type());
     EXPECT_EQ(Text(u"Title"), block.name());
 }
 

@@ -75,15 +75,15 @@ TEST_F(RestoreDatabaseTest, AnEmptyDatabaseIsDeletedThoughARecordOfItWasDeletedB
     const CEOID oid = MakeDatabase(L"People");
     const CEOID record = AddRecord(L"People", L"Ann", 1);
     // Leaves the database open in the handle cache.
-    EXPECT_EQ(kDone, Delete(Live(ObjectType::kDatabaseRecord, record)));
-    EXPECT_EQ(kDone, Delete(Live(ObjectType::kDatabase, oid)));
+    EXPECT_EQ(kDone, Delete(Live(kDbRecord, record)));
+    EXPECT_EQ(kDone, Delete(Live(kDatabase, oid)));
     EXPECT_FALSE(DatabaseExists(u"People"));
 }
 
 TEST_F(RestoreDatabaseTest, ADatabaseWithRecordsWaits) {
     const CEOID oid = MakeDatabase(L"People");
     AddRecord(L"People", L"Ann", 1);
-    EXPECT_EQ(kFailed, Delete(Live(ObjectType::kDatabase, oid)));
+    EXPECT_EQ(kFailed, Delete(Live(kDatabase, oid)));
     EXPECT_EQ((Lines{"Ann=1"}), Records(u"People"));
 }
 
@@ -95,12 +95,12 @@ TEST_F(RestoreDatabaseTest, ADatabaseThatAnotherProgramHasOpenIsNotDeleted) {
     const CEOID oid = MakeDatabase(L"People");
     CEOID held_oid = 0;
     const UniqueHandle held(databases_.OpenDatabase(held_oid, u"People", 0, 0, nullptr));
-    EXPECT_EQ(kFailed, Delete(Live(ObjectType::kDatabase, oid)));
+    EXPECT_EQ(kFailed, Delete(Live(kDatabase, oid)));
 }
 
 TEST_F(RestoreDatabaseTest, ADatabaseThatIsGoneAfterAFailedDeletionCountsAsDeleted) {
     const CEOID oid = MakeDatabase(L"People");
-    const ObjectRecord live = Live(ObjectType::kDatabase, oid);
+    const ObjectRecord live = Live(kDatabase, oid);
     FailInRun("CeDeleteDatabaseEx", 1, ERROR_ACCESS_DENIED);
     Fail("CeOpenDatabaseEx", 2, ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(kDone, RestoreObject(live));
@@ -191,7 +191,7 @@ TEST_F(RestoreDatabaseTest, ARecordIsDeleted) {
     MakeDatabase(L"People");
     const CEOID ann = AddRecord(L"People", L"Ann", 1);
     AddRecord(L"People", L"Bob", 2);
-    EXPECT_EQ(kDone, Delete(Live(ObjectType::kDatabaseRecord, ann)));
+    EXPECT_EQ(kDone, Delete(Live(kDbRecord, ann)));
     EXPECT_EQ((Lines{"Bob=2"}), Records(u"People"));
 }
 
@@ -207,7 +207,7 @@ TEST_F(RestoreDatabaseTest, ARecordThatCannotBeDeletedFails) {
     MakeDatabase(L"People");
     const CEOID ann = AddRecord(L"People", L"Ann", 1);
     FailInRun("CeDeleteRecord", 1, ERROR_NOT_ENOUGH_MEMORY);
-    EXPECT_EQ(kFailed, Delete(Live(ObjectType::kDatabaseRecord, ann)));
+    EXPECT_EQ(kFailed, Delete(Live(kDbRecord, ann)));
 }
 
 TEST_F(RestoreDatabaseTest, DatabasesAreSkippedWhenAskedSo) {
@@ -217,7 +217,7 @@ TEST_F(RestoreDatabaseTest, DatabasesAreSkippedWhenAskedSo) {
     Run().skip_databases = true;
     EXPECT_EQ(kDone, WriteBack(database));
     EXPECT_EQ(kDone, WriteBack(record));
-    EXPECT_EQ(kDone, Delete(Live(ObjectType::kDatabase, oid)));
+    EXPECT_EQ(kDone, Delete(Live(kDatabase, oid)));
     EXPECT_FALSE(DatabaseExists(u"Other"));
     EXPECT_TRUE(DatabaseExists(u"People"));
     EXPECT_TRUE(Records(u"People").empty());

@@ -13,7 +13,7 @@ ObjectRecord FileRecord(std::uint32_t dwOID, std::uint16_t state) {
     record.data_offset = kNoData;
     record.state_number = state;
     record.flags = JF_ADD;
-    record.type = ObjectType::kFile;
+    record.type = kFile;
     return record;
 }
 
@@ -54,7 +54,7 @@ TEST_F(JournalTest, EveryFieldIsLoadedAndTheLastRecordStandsInFront) {
     Put(kJournal, kThreeRecords);
     ASSERT_TRUE(Open());
     ASSERT_EQ(3u, storage_.journal->CountRecords());
-    EXPECT_EQ(ObjectType::kState, Front().type);
+    EXPECT_EQ(kState, Front().type);
     EXPECT_EQ(0x02ECu, Front().propOffset);
     const ObjectRecord* value = storage_.journal->First()->next->record;
     EXPECT_EQ(0x12345678u, value->TolvOID);

@@ -12,12 +12,11 @@ protected:
         record_.propOffset = 236;
         record_.data_offset = 274;
         record_.state_number = 1;
-        record_.type = ObjectType::kState;
+        record_.type = kState;
     }
     // 236 bytes of head, the block of a state made at 16.11.2026 04:33:10, and its description.
     static Bytes File(const Text& description, std::uint32_t claimed_bytes) {
-        return Bytes(236, '\0') +
-               Block(0, 0, 0x01DD7583957AC700, claimed_bytes, ObjectType::kState, u"Title") +
+        return Bytes(236, '\0') + Block(0, 0, 0x01DD7583957AC700, claimed_bytes, kState, u"Title") +
                Units(description);
     }
     bool Read() { return ReadStateDetails(storage_.names, record_, details_); }

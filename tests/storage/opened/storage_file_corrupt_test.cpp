@@ -1,20 +1,15 @@
 // Storage files from a card that anything may have damaged.
-#include "tests/support/engine_test.h"
+#include "tests/storage/opened/storage_file_fixture.h"
 
 namespace tolvenar {
 namespace {
 
-class StorageFileCorruptTest : public StorageTest {
+class StorageFileCorruptTest : public StorageFileFixture {
 protected:
     void SetUp() override {
         StorageTest::SetUp();
         ASSERT_TRUE(CreateStorage(kSav, nullptr));
         head_ = Content(kSav);
-    }
-    OpenStorageResult Open() {
-        OpenStorageResult result = OpenStorageResult::kOutOfMemory;
-        OpenStorage(kSav, storage_, result);
-        return result;
     }
     Bytes head_;
 };

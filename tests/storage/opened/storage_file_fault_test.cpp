@@ -1,28 +1,10 @@
 // The storage file while the platform fails, and files cut off by such a failure.
-#include "tests/support/engine_test.h"
+#include "tests/storage/opened/storage_file_fixture.h"
 
 namespace tolvenar {
 namespace {
 
-class StorageFileFaultTest : public StorageTest {
-protected:
-    OpenStorageResult Open() {
-        OpenStorageResult result = OpenStorageResult::kOutOfMemory;
-        const bool opened = OpenStorage(kSav, storage_, result);
-        EXPECT_EQ(opened, result == OpenStorageResult::kOpened);
-        return result;
-    }
-};
-
-class FixedPrompt : public DescriptionPrompt {
-public:
-    bool AskDescription(const char16_t*, char16_t (&answer)[kMaxDescriptionUnits],
-                        std::size_t& units) override {
-        units = 4;
-        Text(u"text").copy(answer, units);
-        return true;
-    }
-};
+class StorageFileFaultTest : public StorageFileFixture {};
 
 TEST_F(StorageFileFaultTest, AFailedWriteIsFoundAtTheNextOpen) {
     Fail("WriteFile", 1, ERROR_DISK_FULL);
@@ -33,7 +15,7 @@ TEST_F(StorageFileFaultTest, AFailedWriteIsFoundAtTheNextOpen) {
 }
 
 TEST_F(StorageFileFaultTest, ADescriptionThatCannotBeWrittenIsFoundAtTheNextOpen) {
-    FixedPrompt prompt;
+    ScriptedPrompt prompt(true, u"text");
     Fail("WriteFile", 2, ERROR_DISK_FULL);
     EXPECT_TRUE(CreateStorage(kSav, &prompt));
     EXPECT_EQ(232u, Content(kSav).size());
@@ -41,7 +23,7 @@ TEST_F(StorageFileFaultTest, ADescriptionThatCannotBeWrittenIsFoundAtTheNextOpen
 }
 
 TEST_F(StorageFileFaultTest, AHeadThatCannotBeReadIsNotOpened) {
-    FixedPrompt prompt;
+    ScriptedPrompt prompt(true, u"text");
     ASSERT_TRUE(CreateStorage(kSav, &prompt));
     for (int n = 1; n <= 2; ++n) {
         Fail("ReadFile", n, ERROR_READ_FAULT);

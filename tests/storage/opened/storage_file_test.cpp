@@ -1,29 +1,11 @@
 #include "storage/opened/storage_file.h"
 
-#include "tests/support/engine_test.h"
+#include "tests/storage/opened/storage_file_fixture.h"
 
 namespace tolvenar {
 namespace {
 
-// Answers what it is given; remembers what was offered.
-class ScriptedPrompt : public DescriptionPrompt {
-public:
-    ScriptedPrompt(bool confirm, Text text) : confirm_(confirm), text_(std::move(text)) {}
-    bool AskDescription(const char16_t* proposed, char16_t (&answer)[kMaxDescriptionUnits],
-                        std::size_t& units) override {
-        offered = proposed;
-        units = text_.size();
-        text_.copy(answer, kMaxDescriptionUnits);
-        return confirm_;
-    }
-    Text offered;
-
-private:
-    bool confirm_;
-    Text text_;
-};
-
-class StorageFileTest : public StorageTest {
+class StorageFileTest : public StorageFileFixture {
 protected:
     void SetUp() override {
         StorageTest::SetUp();
@@ -37,12 +19,6 @@ protected:
     }
     // The head of a storage made on this device, without description.
     static Bytes Head() { return tolvenar::Head(u"Handheld", 0x01DD7583957AC700); }
-    OpenStorageResult Open() {
-        OpenStorageResult result = OpenStorageResult::kOutOfMemory;
-        const bool opened = OpenStorage(kSav, storage_, result);
-        EXPECT_EQ(opened, result == OpenStorageResult::kOpened);
-        return result;
-    }
 };
 
 TEST_F(StorageFileTest, ASilentStorageHas236BytesWithoutDescription) {

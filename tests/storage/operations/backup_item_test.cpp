@@ -1,7 +1,6 @@
 // The objects of a backup, one by one: their blocks and data in the storage file, their records.
 #include <cstring>
 
-#include "platform/text.h"
 #include "snapshot/records/checksum.h"
 #include "storage/files/handle_bytes.h"
 #include "storage/format/property_encoding.h"
@@ -25,6 +24,11 @@ protected:
         StorageAppender storage;
     };
 
+    bool Store(ObjectRecord& record) {
+        OpenedSav sav(storage_.names);
+        return BackupItem(engine_, sav.storage, record);
+    }
+
     // The record of an object that is to be stored.
     static ObjectRecord Added(ObjectType type, CEOID oid) {
         ObjectRecord record{};
@@ -33,7 +37,7 @@ protected:
         record.type = type;
         return record;
     }
-    static ObjectRecord AddedFile(CEOID oid) { return Added(ObjectType::kFile, oid); }
+    static ObjectRecord AddedFile(CEOID oid) { return Added(kFile, oid); }
 
     // The record fails, and the place behind the head is taken by the next one.
     void ExpectFailure(ObjectRecord record) {
@@ -51,7 +55,7 @@ TEST_F(BackupItemTest, AFilesRecordLeadsToItsBlockAndData) {
     ASSERT_EQ(Done(), Backup(1));
     device().PutFile(L"\\n.txt", "123456789");
     ASSERT_TRUE(Backup(2).done);
-    const ObjectRecord* record = JournalRecord(2, OidOfPath(L"\\n.txt"), ObjectType::kFile);
+    const ObjectRecord* record = JournalRecord(2, OidOfPath(L"\\n.txt"), kFile);
     ASSERT_NE(nullptr, record);
     EXPECT_EQ(Checksum16(Content(kSav).data() + record->propOffset, 40), record->info_checksum);
     EXPECT_EQ(record->propOffset + 40, record->data_offset);
@@ -63,7 +67,7 @@ TEST_F(BackupItemTest, AFilesRecordLeadsToItsBlockAndData) {
 TEST_F(BackupItemTest, AnEmptyFileHasNoDataAndTheFingerprintFfff) {
     device().PutFile(L"\\empty", "");
     ASSERT_EQ(Done(), Backup(1));
-    const ObjectRecord* record = JournalRecord(1, OidOfPath(L"\\empty"), ObjectType::kFile);
+    const ObjectRecord* record = JournalRecord(1, OidOfPath(L"\\empty"), kFile);
     ASSERT_NE(nullptr, record);
     EXPECT_EQ(kNoData, record->data_offset);
     EXPECT_EQ(0xFFFF, record->content_fingerprint);
@@ -72,7 +76,7 @@ TEST_F(BackupItemTest, AnEmptyFileHasNoDataAndTheFingerprintFfff) {
 TEST_F(BackupItemTest, AFolderHasABlockWithoutDataAndTheFingerprintZero) {
     device().MakeFolder(L"\\A");
     ASSERT_EQ(Done(), Backup(1));
-    const ObjectRecord* record = JournalRecord(1, OidOfPath(L"\\A"), ObjectType::kFile);
+    const ObjectRecord* record = JournalRecord(1, OidOfPath(L"\\A"), kFile);
     ASSERT_NE(nullptr, record);
     EXPECT_NE(0u, record->propOffset);
     EXPECT_EQ(kNoData, record->data_offset);
@@ -83,18 +87,18 @@ TEST_F(BackupItemTest, AKeyHasNoDataAndAValueItsBytes) {
     ASSERT_EQ(Done(), Backup(1));
     SetValue(HKEY_CURRENT_USER, L"T", L"v", REG_BINARY, "123456789");
     ASSERT_TRUE(Backup(2).done);
-    const std::string key = Block(0x80000001, 0, 0, 0, ObjectType::kRegistryKey, u"T");
+    const std::string key = Block(0x80000001, 0, 0, 0, kKey, u"T");
     const std::string value =
-        Block(0x80000001, REG_BINARY, 0, 9, ObjectType::kRegistryValue, u"T\u00FFv") + "123456789";
+        Block(0x80000001, REG_BINARY, 0, 9, kValue, u"T\u00FFv") + "123456789";
     const std::string sav = Content(kSav);
     EXPECT_NE(std::string::npos, sav.find(key));
     EXPECT_NE(std::string::npos, sav.find(value));
     for (const ObjectRecord& record : RecordsOf(*storage_.journal)) {
-        if (record.state_number == 2 && record.type == ObjectType::kRegistryKey) {
+        if (record.state_number == 2 && record.type == kKey) {
             EXPECT_EQ(kNoData, record.data_offset);
             EXPECT_EQ(0xFFFF, record.content_fingerprint);
         }
-        if (record.state_number == 2 && record.type == ObjectType::kRegistryValue) {
+        if (record.state_number == 2 && record.type == kValue) {
             EXPECT_EQ("123456789", sav.substr(record.data_offset, 9));
             EXPECT_EQ(0x6F91, record.content_fingerprint);
         }
@@ -112,8 +116,8 @@ TEST_F(BackupItemTest, AnEmptyValueIsStored) {
     SetValue(HKEY_CURRENT_USER, L"T", L"", REG_SZ, "");
     ASSERT_EQ(Done(), Backup(1));
     EXPECT_EQ(u"", Log());
-    EXPECT_NE(std::string::npos, Content(kSav).find(Block(0x80000001, REG_SZ, 0, 0,
-                                                          ObjectType::kRegistryValue, u"T\u00FF")));
+    EXPECT_NE(std::string::npos,
+              Content(kSav).find(Block(0x80000001, REG_SZ, 0, 0, kValue, u"T\u00FF")));
 }
 
 TEST_F(BackupItemTest, AValueThatIsGoneOrHasAnotherLengthFails) {
@@ -129,7 +133,7 @@ TEST_F(BackupItemTest, AValueThatIsGoneOrHasAnotherLengthFails) {
         ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(
             5, {false, 0x80000001, row.key_path, row.value_name, REG_BINARY, nullptr,
                 row.data_bytes}));
-        ObjectRecord record = Added(ObjectType::kRegistryValue, 0);
+        ObjectRecord record = Added(kValue, 0);
         record.TolvOID = 5;
         ExpectFailure(record);
     }
@@ -139,7 +143,7 @@ TEST_F(BackupItemTest, ADatabaseThatVanishesBehindItsBlockFails) {
     const CEOID oid = MakeDatabase(L"First");
     // Asked for the block first.
     Fail("CeOidGetInfoEx", 2, ERROR_INVALID_HANDLE);
-    ExpectFailure(Added(ObjectType::kDatabase, oid));
+    ExpectFailure(Added(kDatabase, oid));
 }
 
 TEST_F(BackupItemTest, ALargeFileOfWhichTheBlockAloneWasWrittenFails) {
@@ -156,11 +160,10 @@ TEST_F(BackupItemTest, AnObjectWhoseDataCannotBeWrittenFails) {
     SetValue(HKEY_CURRENT_USER, L"T", L"v", REG_BINARY, "x");
     ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(
         5, {false, 0x80000001, u"T", u"v", REG_BINARY, nullptr, 1}));
-    ObjectRecord value = Added(ObjectType::kRegistryValue, 0);
+    ObjectRecord value = Added(kValue, 0);
     value.TolvOID = 5;
-    for (const ObjectRecord& object :
-         {AddedFile(OidOfPath(L"\\a.txt")), Added(ObjectType::kDatabase, database),
-          Added(ObjectType::kDatabaseRecord, record), value, Added(ObjectType::kState, 0)}) {
+    for (const ObjectRecord& object : {AddedFile(OidOfPath(L"\\a.txt")), Added(kDatabase, database),
+                                       Added(kDbRecord, record), value, Added(kState, 0)}) {
         Put(kSav, Content(kSav).substr(0, kHead));
         Fail("WriteFile", 1, ERROR_WRITE_FAULT);
         ExpectFailure(object);
@@ -197,10 +200,10 @@ TEST_F(BackupItemTest, ADatabaseStoresItsSortOrdersAndKeepsItsRecordCount) {
     const CEOID oid = MakeDatabase(L"First", 77);
     AddRecord(L"First", {{kNumber, 1}});
     ASSERT_TRUE(Backup(2).done);
-    const ObjectRecord* record = JournalRecord(2, oid, ObjectType::kDatabase);
+    const ObjectRecord* record = JournalRecord(2, oid, kDatabase);
     ASSERT_NE(nullptr, record);
     EXPECT_EQ(1, record->content_fingerprint);
-    EXPECT_EQ(Block(77, 0, 0, 32, ObjectType::kDatabase, u"First"),
+    EXPECT_EQ(Block(77, 0, 0, 32, kDatabase, u"First"),
               Content(kSav).substr(record->propOffset, 38));
     EXPECT_EQ(record->propOffset + 38, record->data_offset);
     CEOIDINFO info;
@@ -214,7 +217,7 @@ TEST_F(BackupItemTest, ARecordStoresItsPropertiesWithOffsetsForPointers) {
     const CEOID oid = AddRecord(
         L"First", {{kNumber, 0x11223344}, {0x0002001F, 0, L"ab"}, {0x00030041, 0, {}, "xyz"}});
     ASSERT_EQ(Done(), Backup(1));
-    const ObjectRecord* record = JournalRecord(1, oid, ObjectType::kDatabaseRecord);
+    const ObjectRecord* record = JournalRecord(1, oid, kDbRecord);
     ASSERT_NE(nullptr, record);
     InfoBlock block;
     ASSERT_TRUE(info_.GetOIDInfo(0, oid, block));
@@ -246,7 +249,7 @@ TEST_F(BackupItemTest, ARecordWithoutPropertiesHasTheFingerprintZeroAndIsNoDiffe
         const auto number = static_cast<std::uint16_t>(state);
         ASSERT_TRUE(Backup(state++).done);
         EXPECT_EQ(u"", Log()) << read_as;
-        const ObjectRecord* record = JournalRecord(number, oid, ObjectType::kDatabaseRecord);
+        const ObjectRecord* record = JournalRecord(number, oid, kDbRecord);
         ASSERT_NE(nullptr, record) << read_as;
         EXPECT_EQ(0, record->content_fingerprint);
         EXPECT_EQ(record->propOffset + 38, record->data_offset);
@@ -269,7 +272,7 @@ TEST_F(BackupItemTest, ARecordThatCannotBeReadIsNotStoredAsAnotherOneOrAsAnEmpty
     for (const auto& row : rows) {
         Put(kSav, Content(kSav).substr(0, kHead));
         device().Fault(row.function, row.n, row.count, ERROR_NOT_ENOUGH_MEMORY);
-        ExpectFailure(Added(ObjectType::kDatabaseRecord, oid));
+        ExpectFailure(Added(kDbRecord, oid));
         device().EndFaults();
     }
 }
@@ -340,8 +343,7 @@ TEST_F(BackupItemTest, AFileInRomHasABlockWithoutDataAndTheFingerprintZero) {
         device().SetAttributes(L"\\rom.dll", attribute);
         ObjectRecord record = AddedFile(OidOfPath(L"\\rom.dll"));
         record.content_fingerprint = 0x1234;
-        OpenedSav sav(storage_.names);
-        ASSERT_TRUE(BackupItem(engine_, sav.storage, record));
+        ASSERT_TRUE(Store(record));
         EXPECT_EQ(kNoData, record.data_offset);
         EXPECT_EQ(0, record.content_fingerprint);
     }
@@ -366,8 +368,7 @@ TEST_F(BackupItemTest, ALargeFileIsCopiedInChunksOfTheFreeMemory) {
     device().PutFile(L"\\big", contents);
     device().Set("memory.free", std::to_string(0x10000 + 100));
     ObjectRecord record = AddedFile(OidOfPath(L"\\big"));
-    OpenedSav sav(storage_.names);
-    ASSERT_TRUE(BackupItem(engine_, sav.storage, record));
+    ASSERT_TRUE(Store(record));
     EXPECT_EQ(contents, Content(kSav).substr(record.data_offset));
     EXPECT_EQ(Checksum16(contents.data(), contents.size()), record.content_fingerprint);
 }
@@ -376,8 +377,7 @@ TEST_F(BackupItemTest, WithLessThanAGranuleOfMemoryAFileFails) {
     device().PutFile(L"\\n.txt", "123456789");
     device().Set("memory.free", std::to_string(0xFFFF));
     ObjectRecord record = AddedFile(OidOfPath(L"\\n.txt"));
-    OpenedSav sav(storage_.names);
-    EXPECT_FALSE(BackupItem(engine_, sav.storage, record));
+    EXPECT_FALSE(Store(record));
 }
 
 }  // namespace

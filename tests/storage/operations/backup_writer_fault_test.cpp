@@ -113,7 +113,7 @@ TEST_F(BackupWriterFaultTest, AStateWhoseOwnBlockCannotBeWrittenStillHoldsItsObj
     Fail("WriteFile", 1, ERROR_WRITE_FAULT);
     ASSERT_TRUE(Backup(2).done);
     device().EndFaults();
-    EXPECT_EQ(nullptr, JournalRecord(2, 0, ObjectType::kState));
+    EXPECT_EQ(nullptr, JournalRecord(2, 0, kState));
     EXPECT_EQ(3u, NextStateNumber(storage_.journal.get()));
 }
 

@@ -14,15 +14,14 @@ TEST_F(BackupWriterTest, TwoStatesStandInTheStorageFileByteForByte) {
     ASSERT_EQ(Done(), Backup(1));
     const std::uint64_t now = 0x01C08D967DB50500;  // 2001-02-03 04:05:06 as a FILETIME
     const std::string first = Content(kSav);
-    EXPECT_EQ(Block(0, 0, now, 0, ObjectType::kState, u"Title"), first.substr(kHead, 38));
+    EXPECT_EQ(Block(0, 0, now, 0, kState, u"Title"), first.substr(kHead, 38));
 
     device().PutFile(L"\\n.txt", "123456789");
     device().Touch(L"\\n.txt", 0x01C0000011223300);
     device().SetAttributes(L"\\n.txt", FILE_ATTRIBUTE_ARCHIVE);
     ASSERT_TRUE(Backup(2, u"two").done);
-    const std::string title = Block(0, 0, now, 6, ObjectType::kState, u"Title") + Units(u"two");
-    const std::string file =
-        Block(0x20, 0, 0x01C0000011223300, 9, ObjectType::kFile, u"\\n.txt") + "123456789";
+    const std::string title = Block(0, 0, now, 6, kState, u"Title") + Units(u"two");
+    const std::string file = Block(0x20, 0, 0x01C0000011223300, 9, kFile, u"\\n.txt") + "123456789";
     const std::string second = Content(kSav);
     ASSERT_EQ(first.size() + title.size() + file.size(), second.size());
     EXPECT_EQ(first, second.substr(0, first.size())) << "a stored state was changed";
@@ -32,7 +31,7 @@ TEST_F(BackupWriterTest, TwoStatesStandInTheStorageFileByteForByte) {
 
 TEST_F(BackupWriterTest, TheFirstStatesBlockStandsAtOffset236) {
     ASSERT_EQ(Done(), Backup(1));
-    const ObjectRecord* state = JournalRecord(1, 0, ObjectType::kState);
+    const ObjectRecord* state = JournalRecord(1, 0, kState);
     ASSERT_NE(nullptr, state);
     EXPECT_EQ(kHead, state->propOffset);
     EXPECT_EQ(kHead + 38, state->data_offset);
@@ -40,7 +39,7 @@ TEST_F(BackupWriterTest, TheFirstStatesBlockStandsAtOffset236) {
 
 TEST_F(BackupWriterTest, AStateRecordIsOfType32AndItsDataIsTheDescription) {
     ASSERT_TRUE(Backup(1, u"before the trip").done);
-    const ObjectRecord* state = JournalRecord(1, 0, ObjectType::kState);
+    const ObjectRecord* state = JournalRecord(1, 0, kState);
     ASSERT_NE(nullptr, state);
     EXPECT_EQ(0u, state->dwOID);
     EXPECT_EQ(0u, state->TolvOID);
@@ -63,10 +62,10 @@ TEST_F(BackupWriterTest, DeletionsWriteNoBlock) {
     device().Remove(L"\\gone.txt");
     ASSERT_TRUE(Backup(2).done);
     EXPECT_EQ(before + 38, Content(kSav).size()) << "the state's block only";
-    const ObjectRecord* deletion = JournalRecord(2, oid, ObjectType::kFile);
+    const ObjectRecord* deletion = JournalRecord(2, oid, kFile);
     ASSERT_NE(nullptr, deletion);
     EXPECT_EQ(JF_DELETE, deletion->flags);
-    EXPECT_EQ(JournalRecord(1, oid, ObjectType::kFile)->propOffset, deletion->propOffset);
+    EXPECT_EQ(JournalRecord(1, oid, kFile)->propOffset, deletion->propOffset);
 }
 
 TEST_F(BackupWriterTest, WithoutADifferenceNothingIsWritten) {

@@ -86,7 +86,7 @@ TEST_F(RestoreCorruptTest, AnUnknownBlockTypeIsUnreadable) {
 
 TEST_F(RestoreCorruptTest, ABlockOfAnotherTypeThanItsRecordIsUnreadable) {
     ObjectRecord record = StoreFolder(u"\\Sub");
-    record.type = ObjectType::kRegistryKey;
+    record.type = kKey;
     ExpectUnreadable(record);
 }
 
@@ -98,7 +98,7 @@ TEST_F(RestoreCorruptTest, ARecordOfUnknownTypeIsUnreadable) {
 }
 
 TEST_F(RestoreCorruptTest, AStateHasNothingToRestore) {
-    EXPECT_EQ(kDone, WriteBack(StoreBlock(ObjectType::kState, 0, 0, u"Title", "text")));
+    EXPECT_EQ(kDone, WriteBack(StoreBlock(kState, 0, 0, u"Title", "text")));
     EXPECT_FALSE(DatabaseExists(u"Title"));
     EXPECT_TRUE(LogLines().empty());
 }
@@ -143,8 +143,7 @@ TEST_F(RestoreCorruptTest, ARootThatIsNoHiveFailsTheObject) {
 
 TEST_F(RestoreCorruptTest, AValueWithoutSeparatorFails) {
     SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Word(1));
-    const ObjectRecord record =
-        StoreBlock(ObjectType::kRegistryValue, 0x80000001, REG_SZ, u"Key", Word(2));
+    const ObjectRecord record = StoreBlock(kValue, 0x80000001, REG_SZ, u"Key", Word(2));
     EXPECT_EQ(kFailed, WriteBack(record));
     EXPECT_EQ(kFailed, Delete(record));
     EXPECT_EQ("4:" + Word(1), Value(HKEY_CURRENT_USER, L"Key", L"v"));
@@ -258,7 +257,7 @@ TEST_F(CorruptRecordTest, PropertiesBeyondTheFileFailTheRecord) {
 class UnstoredRecordTest : public RestoreCorruptTest {};
 
 TEST_F(UnstoredRecordTest, AnObjectThatIsGoneNeedsNoDeletion) {
-    EXPECT_EQ(kDone, Delete(Live(ObjectType::kFile, 0x7FFFFFF0)));
+    EXPECT_EQ(kDone, Delete(Live(kFile, 0x7FFFFFF0)));
     EXPECT_TRUE(LogLines().empty());
 }
 
@@ -266,19 +265,19 @@ TEST_F(UnstoredRecordTest, AnObjectThatIsGoneNeedsNoDeletion) {
 TEST_F(UnstoredRecordTest, AnIdThatLeadsToAnotherKindOfObjectNeedsNoDeletion) {
     MakeDatabase(L"People");
     const CEOID ann = AddRecord(L"People", L"Ann", 1);
-    EXPECT_EQ(kDone, Delete(Live(ObjectType::kDatabase, ann)));
-    EXPECT_EQ(kDone, Delete(Live(ObjectType::kFile, ann)));
+    EXPECT_EQ(kDone, Delete(Live(kDatabase, ann)));
+    EXPECT_EQ(kDone, Delete(Live(kFile, ann)));
     EXPECT_EQ((Lines{"Ann=1"}), Records(u"People"));
 }
 
 TEST_F(UnstoredRecordTest, AnUnknownRegistryObjectNeedsNoDeletion) {
-    ObjectRecord record = Live(ObjectType::kRegistryValue, 0);
+    ObjectRecord record = Live(kValue, 0);
     record.TolvOID = 0x123456;
     EXPECT_EQ(kDone, RestoreObject(record));
 }
 
 TEST_F(UnstoredRecordTest, AnObjectThatIsGoneAndWasNeverStoredCannotBeWrittenBack) {
-    ObjectRecord record = Live(ObjectType::kFile, 0x7FFFFFF0);
+    ObjectRecord record = Live(kFile, 0x7FFFFFF0);
     record.flags = JF_DELETE;
     EXPECT_EQ(kFailed, RestoreObject(record));
     EXPECT_EQ((Lines{"E DoRestoreRecord: Fail GetOIDInfo"}), LogLines());

@@ -169,9 +169,9 @@ TEST_F(RestoreEngineTest, FailedObjectsLeaveTheDifferenceListWithExactlyThem) {
 TEST_F(RestoreEngineTest, NewIdsOfWhatSucceededAreSavedThoughOthersFailed) {
     RestoreTwoFilesOfWhichOneIsReadOnly();
     const std::uint32_t oid = device().Info(L"\\b.txt").oid;
-    const auto journal = JournalOnCard();
-    EXPECT_EQ(1, std::count_if(journal.begin(), journal.end(),
-                               [&](const ObjectRecord& record) { return record.dwOID == oid; }));
+    ASSERT_TRUE(OpenJournal(storage_, nullptr));
+    const auto ids = FieldsOf(*storage_.journal, &ObjectRecord::dwOID);
+    EXPECT_EQ(1, std::count(ids.begin(), ids.end(), oid));
 }
 
 TEST_F(RestoreEngineTest, OnACardWithoutRoomForAnotherJournalTheOldOneStaysAsItIs) {

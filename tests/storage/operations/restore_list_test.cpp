@@ -13,6 +13,11 @@ protected:
         code_ = ResultCode::kSuccess;
         return RestoreList(engine_, MakeDifference(walked), false, code_);
     }
+    // "\\locked.txt", held open.
+    tests::FileLock PutLocked() {
+        device().PutFile(L"\\locked.txt", "held");
+        return device().Lock(L"\\locked.txt");
+    }
     ResultCode code_ = ResultCode::kSuccess;
 };
 
@@ -66,8 +71,7 @@ TEST_F(RestoreListTest, ADatabaseIsDeletedAfterItsRecords) {
     const CEOID ann = AddRecord(L"People", L"Ann", 1);
     const CEOID bob = AddRecord(L"People", L"Bob", 2);
     EXPECT_TRUE(
-        RestoreAll({Live(ObjectType::kDatabase, database), Live(ObjectType::kDatabaseRecord, ann),
-                    Live(ObjectType::kDatabaseRecord, bob)}));
+        RestoreAll({Live(kDatabase, database), Live(kDbRecord, ann), Live(kDbRecord, bob)}));
     EXPECT_FALSE(DatabaseExists(u"People"));
 }
 
@@ -85,8 +89,7 @@ TEST_F(RestoreListTest, NoDatabaseIsLeftOpen) {
 }
 
 TEST_F(RestoreListTest, ALockedFileStaysInTheListWithItsSenseReversedAndTheRestIsRestored) {
-    device().PutFile(L"\\locked.txt", "held");
-    const auto lock = device().Lock(L"\\locked.txt");
+    const auto lock = PutLocked();
     EXPECT_FALSE(
         RestoreAll({ToWriteBack(StoreFile(u"\\locked.txt", "stored")),
                     ToWriteBack(StoreFile(u"\\free.txt", "stored", FILE_ATTRIBUTE_ARCHIVE, 905)),
@@ -101,8 +104,7 @@ TEST_F(RestoreListTest, ALockedFileStaysInTheListWithItsSenseReversedAndTheRestI
 }
 
 TEST_F(RestoreListTest, AnObjectThatCannotBeDeletedStaysAsOneToWriteBack) {
-    device().PutFile(L"\\locked.txt", "held");
-    const auto lock = device().Lock(L"\\locked.txt");
+    const auto lock = PutLocked();
     EXPECT_FALSE(RestoreAll({LiveFile(L"\\locked.txt")}));
     EXPECT_EQ(ResultCode::kFailed, code_);
     EXPECT_EQ((std::vector<std::uint16_t>{JF_DELETE}), DifferenceFlags());
@@ -110,8 +112,7 @@ TEST_F(RestoreListTest, AnObjectThatCannotBeDeletedStaysAsOneToWriteBack) {
 
 // Intended: the count of failures is not reset between the phases.
 TEST_F(RestoreListTest, APhaseEndsAtOnceWhenItFailsAsOftenAsThePhaseBefore) {
-    device().PutFile(L"\\locked.txt", "held");
-    const auto lock = device().Lock(L"\\locked.txt");
+    const auto lock = PutLocked();
     const ObjectRecord file = ToWriteBack(StoreFile(u"\\Sub\\a.txt", "x"));
     const ObjectRecord folder = ToWriteBack(StoreFolder(u"\\Sub"));
     EXPECT_FALSE(RestoreAll({LiveFile(L"\\locked.txt"), file, folder}));
@@ -121,8 +122,7 @@ TEST_F(RestoreListTest, APhaseEndsAtOnceWhenItFailsAsOftenAsThePhaseBefore) {
 }
 
 TEST_F(RestoreListTest, APhaseGoesOnWhenItFailsMoreOftenThanThePhaseBefore) {
-    device().PutFile(L"\\locked.txt", "held");
-    const auto lock = device().Lock(L"\\locked.txt");
+    const auto lock = PutLocked();
     const ObjectRecord a = ToWriteBack(StoreFile(u"\\Sub\\a.txt", "x"));
     const ObjectRecord b = ToWriteBack(StoreFile(u"\\Sub\\b.txt", "y"));
     const ObjectRecord folder = ToWriteBack(StoreFolder(u"\\Sub"));
@@ -133,8 +133,7 @@ TEST_F(RestoreListTest, APhaseGoesOnWhenItFailsMoreOftenThanThePhaseBefore) {
 }
 
 TEST_F(RestoreListTest, TheOthersPhaseToo) {
-    device().PutFile(L"\\locked.txt", "held");
-    const auto lock = device().Lock(L"\\locked.txt");
+    const auto lock = PutLocked();
     const ObjectRecord value =
         ToWriteBack(StoreValue(HKEY_CURRENT_USER, u"Key", u"v", REG_DWORD, Word(7)));
     EXPECT_FALSE(RestoreAll({ToWriteBack(StoreFile(u"\\locked.txt", "x")), value,
@@ -155,7 +154,7 @@ TEST_F(RestoreListTest, AStorageFileThatCannotBeMappedLeavesListAndDeviceAsTheyW
 
 TEST_F(RestoreListTest, AnAbsentStorageFileIsADriversFailureToo) {
     code_ = ResultCode::kSuccess;
-    EXPECT_FALSE(RestoreList(engine_, MakeDifference({Live(ObjectType::kFile, 5)}), false, code_));
+    EXPECT_FALSE(RestoreList(engine_, MakeDifference({Live(kFile, 5)}), false, code_));
     EXPECT_EQ(ResultCode::kDriver, code_);
 }
 
@@ -193,8 +192,7 @@ TEST_F(RestoreListTest, RecordsWithoutFlagsArePassedOver) {
 TEST_F(RestoreListTest, TheJournalInMemoryGetsTheNewIds) {
     const ObjectRecord file = StoreFile(u"\\a.txt", "x");
     const ObjectRecord locked = StoreFile(u"\\locked.txt", "x", FILE_ATTRIBUTE_ARCHIVE, 906);
-    device().PutFile(L"\\locked.txt", "held");
-    const auto lock = device().Lock(L"\\locked.txt");
+    const auto lock = PutLocked();
     SaveJournal({file, locked});
     ASSERT_TRUE(OpenJournal(storage_, nullptr));
     EXPECT_FALSE(RestoreAll({ToWriteBack(file), ToWriteBack(locked)}));
