@@ -2,7 +2,7 @@
 add_test(NAME imports COMMAND ${CMAKE_COMMAND} -DOBJDUMP=${CMAKE_OBJDUMP}
   -DPROGRAMS=$<TARGET_FILE:Tolvenar> -P ${CMAKE_SOURCE_DIR}/cmake/check_imports.cmake)
 
-foreach(check includes resources format)
+foreach(check includes resources format oddities)
   add_test(NAME check_${check} COMMAND ${CMAKE_SOURCE_DIR}/scripts/check_${check})
 endforeach()
 
