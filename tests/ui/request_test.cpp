@@ -1,16 +1,13 @@
 // What a request carries from its page to the operation: what the page showed when it was asked.
 #include "simulator/host/window_thread.h"
-#include "tests/ui/ui_test.h"
+#include "tests/support/ui_test.h"
 
+namespace tests {
 namespace {
 
-constexpr UINT kConfirmedBackup = WM_APP + 124;
-constexpr int kStates = 1014, kStateDescription = 1016, kNewDescription = 1018;
-constexpr int kBackup = 1001, kRestore = 1002;
-constexpr int kDifferencesCaption = 1041, kAdvancedTree = 1063;
 constexpr unsigned kLimitMs = 10000;
 
-class RequestTest : public tests::UiTest {
+class RequestTest : public UiTest {
 protected:
     void SetUp() override {
         UiTest::SetUp();
@@ -26,19 +23,18 @@ protected:
         ::SendMessageW(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text));
     }
     void ExpectNewestDescription(const std::string& text) {
-        EXPECT_TRUE(Eventually([&] { return States().size() == 2 && !IsBusy(); }));
-        EXPECT_TRUE(Eventually([&] { return Sees(kStateDescription); }));
-        EXPECT_EQ(text, Text(kStateDescription));
+        ExpectStates({1, 2});
+        EXPECT_SOON_EQ(text, Text(IDC_STATE_DESCRIPTION));
     }
 };
 
 TEST_F(RequestTest, ABackupHasTheDescriptionThatStoodThereWhenItWasAskedFor) {
     Open();
-    Type(kNewDescription, "Before the holidays");
-    const HWND edit = Handle(kNewDescription);
+    Type(IDC_NEW_DESCRIPTION, "Before the holidays");
+    const HWND edit = Handle(IDC_NEW_DESCRIPTION);
     {
         const sim::host::HeldThread held(OperationWindow());
-        PressOf(::GetParent(edit), kBackup);
+        PressOf(::GetParent(edit), IDC_BACKUP);
         Write(edit, L"too late");
     }
     ExpectNewestDescription("Before the holidays");
@@ -48,36 +44,36 @@ TEST_F(RequestTest, ARestoreBringsBackTheStateThatWasSelectedWhenItWasAskedFor) 
     BackUp();
     Open();
     ShowTab("Restore");
-    Select(kStates, "State 1");
-    const HWND list = Handle(kStates);
+    Select(IDC_STATES, "State 1");
+    const HWND list = Handle(IDC_STATES);
     {
         const sim::host::HeldThread held(OperationWindow());
-        PressOf(::GetParent(list), kRestore);
+        PressOf(::GetParent(list), IDC_RESTORE);
         ::SendMessageW(list, LB_SETCURSEL, 0, 0);
     }
-    ExpectReminder(tests::kRestoredReminder, tests::kCancel);
+    RefuseReminder(kRestoredReminder);
     EXPECT_EQ("hello", device().FileBytes(L"\\My Documents\\a.txt"));
 }
 
 TEST_F(RequestTest, OfARefusedRequestNothingIsLeft) {
     SetDword("Reminders", 14);
     Open();
-    Type(kNewDescription, "refused");
-    Press(kBackup);
-    ExpectReminder(tests::kBackupReminder, tests::kCancel);
-    Write(Handle(kNewDescription), L"as it stands");
-    ::PostMessageW(OperationWindow(), kConfirmedBackup, 1, 0);
+    Type(IDC_NEW_DESCRIPTION, "refused");
+    Press(IDC_BACKUP);
+    RefuseReminder(kBackupReminder);
+    Write(Handle(IDC_NEW_DESCRIPTION), L"as it stands");
+    PostBackup();
     ExpectNewestDescription("as it stands");
 }
 
 TEST_F(RequestTest, OfARequestThatCouldNotBePostedNothingIsLeft) {
     Open();
-    Type(kNewDescription, "lost");
-    device().Fault("PostMessageW", 1, 1, 8, ", 32892, ");
-    Press(kBackup);
-    ExpectBox(tests::kWarningBox, "Can't start action. Try again.");
-    Write(Handle(kNewDescription), L"as it stands");
-    ::PostMessageW(OperationWindow(), kConfirmedBackup, 1, 0);
+    Type(IDC_NEW_DESCRIPTION, "lost");
+    device().Fault("PostMessageW", 1, 1, 8, kTracedBackup);
+    Press(IDC_BACKUP);
+    ExpectBox(kNotStarted);
+    Write(Handle(IDC_NEW_DESCRIPTION), L"as it stands");
+    PostBackup();
     ExpectNewestDescription("as it stands");
 }
 
@@ -85,19 +81,19 @@ TEST_F(RequestTest, OfARequestThatCouldNotBePostedNothingIsLeft) {
 TEST_F(RequestTest, TheTreeKeepsItsCaptionWhateverTheWindowSays) {
     BackUp();
     Open();
-    ShowTab("Advanced Restore");
-    ::SendMessageW(::GetParent(Handle(kStates)), WM_COMMAND, MAKEWPARAM(kStates, LBN_DBLCLK), 0);
+    ShowDifferences();
     const std::string caption = "Differences from State 1 to State 2";
-    ASSERT_EQ(caption, Text(kDifferencesCaption));
-    Write(Handle(kDifferencesCaption), L"Something else");
+    ASSERT_EQ(caption, Text(IDC_DIFFERENCES_CAPTION));
+    Write(Handle(IDC_DIFFERENCES_CAPTION), L"Something else");
     ShowTab("Options");
-    Press(kAdvancedTree);
-    EXPECT_TRUE(Eventually([&] { return Dword("AdvancedTreeView") == 1u; }));
+    Press(IDC_ADVANCED_TREE);
+    EXPECT_SOON(Dword("AdvancedTreeView") == 1u);
     ShowTab("Advanced Restore");
-    EXPECT_TRUE(Eventually([&] { return Sees(kDifferencesCaption); }));
-    const Json tree = Ask("window tree");
+    const Json tree =
+        Await([&] { return Ask("window tree"); }, [](const Json& shown) { return !shown.empty(); });
     ASSERT_FALSE(tree.empty());
     EXPECT_EQ(caption, tree[0]["text"]);
 }
 
 }  // namespace
+}  // namespace tests
