@@ -8,10 +8,9 @@ void StateList::Fill(const ObjectList* journal) {
         return;
     }
     ::SendMessageW(list_box_, WM_SETREDRAW, FALSE, 0);
-    ObjectRecord* record = nullptr;
-    for (auto cursor = journal->First(); ObjectList::Next(cursor, nullptr, &record);) {
-        if (record->type == ObjectType::kState) {
-            Insert(*record);
+    for (const ObjectList::Node& node : *journal) {
+        if (node.record->type == ObjectType::kState) {
+            Insert(*node.record);
         }
     }
     ::SendMessageW(list_box_, WM_SETREDRAW, TRUE, 0);

@@ -1,8 +1,8 @@
 #include "difftree/window/device_contents.h"
 
 #include "difftree/model/difference_enumerator.h"
+#include "platform/registry_key.h"
 #include "platform/text.h"
-#include "platform/unique_resource.h"
 #include "storage/format/property_encoding.h"
 #include "storage/format/property_text.h"
 
@@ -24,10 +24,11 @@ bool DeviceContents::ReadTextProperty(const ObjectRecord& record, const InfoBloc
 
 bool DeviceContents::ReadValueText(const ObjectRecord& record, TextBuilder& text) {
     const RegistryObject* const object = live_.FindRegistryObject(record.TolvOID);
-    UniqueHkey key;
-    if (object == nullptr ||
-        ::RegOpenKeyExW(reinterpret_cast<HKEY>(static_cast<std::uintptr_t>(object->hive)),
-                        Wide(object->key_path), 0, 0, key.Put()) != ERROR_SUCCESS) {
+    if (object == nullptr) {
+        return false;
+    }
+    const UniqueHkey key = OpenKey(RootKey(object->hive), Wide(object->key_path));
+    if (!key) {
         return false;
     }
     BYTE bytes[kObjectNameUnits * sizeof(char16_t)];

@@ -4,8 +4,8 @@
 #include <new>
 #include <string_view>
 
+#include "platform/registry_key.h"
 #include "platform/text.h"
-#include "platform/unique_resource.h"
 #include "snapshot/compare/exclusion.h"
 #include "snapshot/records/checksum.h"
 #include "snapshot/text/text_buffer.h"
@@ -31,10 +31,6 @@ bool QueryKey(HKEY key, KeyCounts& counts) {
                               nullptr) == ERROR_SUCCESS;
 }
 
-HKEY RootKey(std::uint32_t hive) {
-    return reinterpret_cast<HKEY>(static_cast<std::uintptr_t>(hive));
-}
-
 // What all levels of one walk share, so that a level costs little of a device's stack.
 class Walk {
 public:
@@ -52,10 +48,9 @@ public:
 
     // Visits the key in path_. Each level lengthens the path, so the path's limit bounds the depth.
     void VisitKey() {
-        UniqueHkey key;
+        const UniqueHkey key = OpenKey(RootKey(hive_), Wide(path_), KEY_READ);
         KeyCounts counts{};
-        if (::RegOpenKeyExW(RootKey(hive_), Wide(path_), 0, KEY_READ, key.Put()) != ERROR_SUCCESS ||
-            !QueryKey(key.get(), counts)) {
+        if (!key || !QueryKey(key.get(), counts)) {
             return;
         }
         maker_(scan_, {true, hive_, path_});

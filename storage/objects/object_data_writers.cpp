@@ -5,8 +5,8 @@
 #include <new>
 
 #include "platform/file_mapping.h"
+#include "platform/registry_key.h"
 #include "platform/text.h"
-#include "platform/unique_resource.h"
 #include "snapshot/records/checksum.h"
 #include "storage/format/property_encoding.h"
 
@@ -23,10 +23,8 @@ bool Append(const DataWriter& writer, const void* bytes, StoredData& data) {
 
 // The names come from the table: a key path may hold the character that joins them in a block.
 bool ReadRegistryValue(const RegistryObject& object, std::uint8_t* buffer, DWORD bytes) {
-    UniqueHkey key;
-    const HKEY root = reinterpret_cast<HKEY>(static_cast<std::uintptr_t>(object.hive));
-    if (::RegOpenKeyExW(root, Wide(object.key_path), 0, KEY_ALL_ACCESS, key.Put()) !=
-        ERROR_SUCCESS) {
+    const UniqueHkey key = OpenKey(RootKey(object.hive), Wide(object.key_path), KEY_ALL_ACCESS);
+    if (!key) {
         return false;
     }
     DWORD read = bytes;

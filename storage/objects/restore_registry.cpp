@@ -3,8 +3,8 @@
 #include <cstring>
 #include <string_view>
 
+#include "platform/registry_key.h"
 #include "platform/text.h"
-#include "platform/unique_resource.h"
 #include "snapshot/compare/exclusion.h"
 
 namespace tolvenar {
@@ -39,10 +39,6 @@ bool TakeName(const InfoBlock& block, const RegistryObject* live, RegistryName& 
 }
 
 bool IsHive(std::uint32_t root) { return root >= kHiveClassesRoot && root <= kHiveUsers; }
-
-HKEY RootKey(const InfoBlock& block) {
-    return reinterpret_cast<HKEY>(static_cast<std::uintptr_t>(block.head().hive));
-}
 
 RestoreOutcome Outcome(LONG status) {
     return status == ERROR_SUCCESS ? RestoreOutcome::kDone : RestoreOutcome::kFailed;
@@ -110,8 +106,8 @@ RestoreOutcome DeleteValue(HKEY key, const char16_t* value_name) {
 
 RestoreOutcome RestoreValue(const StoredBytes& data, const InfoBlock& block,
                             const RegistryName& name, RestoreMode mode) {
-    UniqueHkey key;
-    if (::RegOpenKeyExW(RootKey(block), Wide(name.key_path), 0, 0, key.Put()) != ERROR_SUCCESS) {
+    const UniqueHkey key = OpenKey(RootKey(block.head().hive), Wide(name.key_path));
+    if (!key) {
         return mode == RestoreMode::kDelete ? RestoreOutcome::kDone : RestoreOutcome::kFailed;
     }
     const LocaleValue* guarded = FindLocaleValue(block.head().hive, name);
@@ -137,7 +133,7 @@ RestoreOutcome RestoreRegistryObject(const StoredBytes& data, const InfoBlock& b
         return RestoreOutcome::kFailed;
     }
     return block.type() == ObjectType::kRegistryKey
-               ? RestoreKey(RootKey(block), name.key_path, mode)
+               ? RestoreKey(RootKey(block.head().hive), name.key_path, mode)
                : RestoreValue(data, block, name, mode);
 }
 
