@@ -15,6 +15,8 @@ protected:
     void SetUp() override {
         EngineTest::SetUp();
         device().PutFile(L"\\Keep\\keep.txt", "kept");
+        // The blocks behind its contents are reached by a seek.
+        device().PutFile(L"\\Keep\\large.txt", Bytes(50000, 'l'));
         device().PutFile(L"\\a.txt", "first");
         device().PutFile(L"\\Gone\\b.txt", "second");
         SetValue(HKEY_CURRENT_USER, L"Keep", L"v", REG_DWORD, Word(1));
