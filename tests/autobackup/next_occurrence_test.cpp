@@ -86,7 +86,6 @@ TEST_F(NextOccurrenceTest, AConversionThatFailsIsTold) {
     EXPECT_FALSE(NextOccurrence(8, 0, &start));
     device().Fault("FileTimeToSystemTime", 1, 1, ERROR_INVALID_PARAMETER);
     EXPECT_FALSE(NextOccurrence(8, 0, &start));
-    EXPECT_EQ("[]", device().Faults());
 }
 
 TEST_F(NextOccurrenceTest, AddingSecondsDropsTheFraction) {

@@ -84,7 +84,6 @@ TEST_F(DialogTest, ADialogThatCannotBeMadeHasNoWindow) {
     device().Fault("DialogBoxIndirectParamW", 1, 1, 8);
     EXPECT_FALSE(Create());
     EXPECT_GE(0, dialog_.RunModal(Instance(), IDD_DESCRIPTION, nullptr));
-    EXPECT_EQ("[]", device().Faults());
     EXPECT_TRUE(dialog_.messages.empty());
     EXPECT_EQ(nullptr, dialog_.window());
 }

@@ -23,10 +23,6 @@ public:
 
 class SettingsTest : public tests::DeviceTest {
 protected:
-    void TearDown() override {
-        EXPECT_EQ("[]", device().Faults());
-        DeviceTest::TearDown();
-    }
     static UniqueHkey Key() {
         HKEY hkey = nullptr;
         DWORD disposition = 0;
