@@ -34,6 +34,7 @@ enum class FingerprintKind : std::uint8_t {
 enum class RestorePhase : std::uint8_t { kFiles, kOthers };
 
 struct TypeTraits {
+    bool is_known;
     IdSource id;
     FingerprintKind fingerprint;
     bool fingerprint_in_key;
@@ -47,17 +48,18 @@ constexpr TypeTraits TraitsOf(ObjectType type) {
     using Phase = RestorePhase;
     // clang-format off
     switch (type) {
-        case ObjectType::kRegistryValue:  return {Id::kGenerated,   Print::kData,        true,  Phase::kOthers};
-        case ObjectType::kRegistryKey:    return {Id::kGenerated,   Print::kFixed,       false, Phase::kOthers};
-        case ObjectType::kDatabase:       return {Id::kObjectStore, Print::kRecordCount, false, Phase::kOthers};
-        case ObjectType::kDatabaseRecord: return {Id::kObjectStore, Print::kData,        true,  Phase::kOthers};
-        case ObjectType::kFile:           return {Id::kObjectStore, Print::kData,        false, Phase::kFiles};
-        case ObjectType::kState:          return {Id::kNone,        Print::kData,        false, Phase::kOthers};
-        default:                          return {Id::kObjectStore, Print::kData,        false, Phase::kOthers};
+        case ObjectType::kRegistryValue:  return {true,  Id::kGenerated,   Print::kData,        true,  Phase::kOthers};
+        case ObjectType::kRegistryKey:    return {true,  Id::kGenerated,   Print::kFixed,       false, Phase::kOthers};
+        case ObjectType::kDatabase:       return {true,  Id::kObjectStore, Print::kRecordCount, false, Phase::kOthers};
+        case ObjectType::kDatabaseRecord: return {true,  Id::kObjectStore, Print::kData,        true,  Phase::kOthers};
+        case ObjectType::kFile:           return {true,  Id::kObjectStore, Print::kData,        false, Phase::kFiles};
+        case ObjectType::kState:          return {true,  Id::kNone,        Print::kData,        false, Phase::kOthers};
+        default:                          return {false, Id::kObjectStore, Print::kData,        false, Phase::kOthers};
     }
     // clang-format on
 }
 
+constexpr bool IsKnownType(ObjectType type) { return TraitsOf(type).is_known; }
 constexpr bool HasObjectStoreId(ObjectType type) {
     return TraitsOf(type).id == IdSource::kObjectStore;
 }

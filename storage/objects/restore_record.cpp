@@ -24,19 +24,6 @@ void LogMapFailure(const ObjectRecord& record) {
     LogMessage(message.text(), kModule, kLogError);
 }
 
-// The kinds that a restore knows; a state has nothing to restore.
-bool IsKnownType(ObjectType type) {
-    switch (type) {
-        case ObjectType::kRegistryValue:
-        case ObjectType::kRegistryKey:
-        case ObjectType::kDatabase:
-        case ObjectType::kDatabaseRecord:
-        case ObjectType::kFile:
-        case ObjectType::kState: return true;
-        default: return false;
-    }
-}
-
 bool ReadStoredBlock(StorageReader& stored, const ObjectRecord& record, InfoBlock& block) {
     std::uint8_t bytes[kInfoBlockBytes];
     std::uint32_t read = 0;

@@ -53,6 +53,7 @@ TEST(ObjectTypeTest, QuestionsAreAnsweredFromTheRow) {
         EXPECT_EQ(value != 1 && value != 2 && value != 32, HasObjectStoreId(type)) << value;
         EXPECT_EQ(value != 2 && value != 4, CarriesDataChecksum(type)) << value;
         EXPECT_EQ(value == 4, CountsRecords(type)) << value;
+        EXPECT_EQ(RowOf(value).type != 0, IsKnownType(type)) << value;
     }
 }
 
