@@ -47,8 +47,11 @@ void RegistryIndex::Remove(const ObjectList::Node& node) {
     if (!IsRegistryObject(*node.record)) {
         return;
     }
-    index_.Remove(*index_.Find(HashOf(*node.record),
-                               [&node](const Entry& entry) { return entry.node == &node; }));
+    Entry** link = &index_.LinkOf(HashOf(*node.record));
+    while ((*link)->node != &node) {
+        link = &(*link)->bucket_next;
+    }
+    index_.RemoveAt(*link);
 }
 
 ObjectList::Node* RegistryIndex::FindSame(const ObjectRecord& record, InfoSource& info) const {
