@@ -34,19 +34,17 @@ struct BackupOrder {
     std::uint32_t state_number;
     const wchar_t* description;
     bool automatic;
-    std::uint32_t bytes_needed;
 };
 
 // One backup between taking the schedule off and putting it back.
-ResultCode RunSuspended(Application& app, BackupOrder& order) {
-    ResultCode result = ResultCode::kNotStarted;
+BackupResult RunSuspended(Application& app, const BackupOrder& order) {
+    BackupResult result{ResultCode::kNotStarted};
     if (SuspendAutoBackup(app.schedule)) {
         // An automatic one ends the program, which needs the journal no more.
-        DoBackup(app.engine, order.state_number, Utf16(order.description), order.automatic, result,
-                 order.bytes_needed);
+        DoBackup(app.engine, order.state_number, Utf16(order.description), order.automatic, result);
     }
     ResumeAutoBackup(app.schedule);
-    KeepStatus(app, result);
+    KeepStatus(app, result.code);
     return result;
 }
 
@@ -92,15 +90,16 @@ bool LoadUnderHourglass(Application& app) {
 bool BackupDriver(Application& app, std::uint32_t state_number, const wchar_t* description,
                   bool automatic) {
     app.popup.Show(app.main_dialog, kBackupTitle, kBackupSteps);
-    BackupOrder order{state_number, description, automatic, 0};
+    BackupOrder order{state_number, description, automatic};
     ReportContext context{app.main_dialog, automatic, true, 0, 0};
-    ResultCode result = ResultCode::kJournalUnreadable;
+    BackupResult result{ResultCode::kJournalUnreadable};
     if (StorageIsReady(app)) {
-        result = MemoryCheck(context.available) ? RunSuspended(app, order) : ResultCode::kNoMemory;
+        result = MemoryCheck(context.available) ? RunSuspended(app, order)
+                                                : BackupResult{ResultCode::kNoMemory};
     }
     app.popup.CloseAndWait();
-    const bool succeeded = ReportBackup(result, context);
-    if (result != ResultCode::kNoSpace) {
+    const bool succeeded = ReportBackup(result.code, context);
+    if (result.code != ResultCode::kNoSpace) {
         return succeeded;
     }
 
@@ -111,8 +110,8 @@ bool BackupDriver(Application& app, std::uint32_t state_number, const wchar_t* d
         app.popup.CloseAndWait();
     }
     context.is_first_pass = false;
-    context.amount = order.bytes_needed;
-    return ReportBackup(result, context);
+    context.amount = result.bytes_needed;
+    return ReportBackup(result.code, context);
 }
 
 ResultCode RunStateRestore(Application& app, std::uint32_t state_number) {

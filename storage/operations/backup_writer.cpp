@@ -22,8 +22,8 @@ constexpr std::uint64_t kSpareBytes = 10000;
 constexpr std::uint32_t kMaxStateNumber = 0xFFFF;
 constexpr std::size_t kFailureTextUnits = 400;
 
-bool Fail(ResultCode code, ResultCode& result_code) {
-    result_code = code;
+bool Fail(ResultCode code, BackupResult& result) {
+    result.code = code;
     return false;
 }
 
@@ -48,27 +48,26 @@ std::uint64_t NumberAndEstimate(Engine& engine, std::uint32_t state_number) {
     return total;
 }
 
-bool CheckRoom(Engine& engine, std::uint64_t estimate, ResultCode& result_code,
-               std::uint32_t& bytes_needed) {
+bool CheckRoom(Engine& engine, std::uint64_t estimate, BackupResult& result) {
     const StorageNames& names = engine.storage.names;
     std::uint64_t free_on_card = 0;
     if (!FreeBytesOfCard(names, free_on_card)) {
-        return Fail(ResultCode::kFailed, result_code);
+        return Fail(ResultCode::kFailed, result);
     }
     // Only the low half is looked at (docs/oddities.md, 6).
     const auto free_bytes = static_cast<std::uint32_t>(free_on_card);
     const std::uint32_t journal_bytes = JournalFileSize(names);
     if (journal_bytes == kNoFileSize) {
-        return Fail(ResultCode::kFailed, result_code);
+        return Fail(ResultCode::kFailed, result);
     }
     const std::uint64_t needed = journal_bytes + estimate + kSpareBytes;
-    bytes_needed = static_cast<std::uint32_t>(std::min<std::uint64_t>(needed, 0xFFFFFFFF));
-    return free_bytes >= needed || Fail(ResultCode::kNoSpace, result_code);
+    result.bytes_needed = static_cast<std::uint32_t>(std::min<std::uint64_t>(needed, 0xFFFFFFFF));
+    return free_bytes >= needed || Fail(ResultCode::kNoSpace, result);
 }
 
 // Appends the blocks of the difference list to the storage file.
 bool WriteState(Engine& engine, std::uint32_t state_number, const char16_t* description,
-                ResultCode& result_code, std::uint32_t& bytes_needed) {
+                BackupResult& result) {
     const UniqueHandle sav_file = OpenSavFile(engine.storage.names);
     HandleBytes sav_bytes(sav_file.get());
     ObjectList& difference = *engine.storage.difference;
@@ -76,16 +75,16 @@ bool WriteState(Engine& engine, std::uint32_t state_number, const char16_t* desc
     std::uint32_t end = 0;
     if (!sav_file || !sav_bytes.Size(end) || !sav_bytes.MoveTo(end) ||
         !AddStateRecord(difference, state_number)) {
-        return Fail(ResultCode::kFailed, result_code);
+        return Fail(ResultCode::kFailed, result);
     }
     const std::uint64_t estimate = NumberAndEstimate(engine, state_number);
-    if (!CheckRoom(engine, estimate, result_code, bytes_needed)) {
+    if (!CheckRoom(engine, estimate, result)) {
         return false;
     }
     StorageAppender storage(sav_bytes, end);
     std::size_t failed_count = 0;
     BackupItems(engine, storage, difference, failed_count);
-    return ::FlushFileBuffers(sav_file.get()) || Fail(ResultCode::kFailed, result_code);
+    return ::FlushFileBuffers(sav_file.get()) || Fail(ResultCode::kFailed, result);
 }
 
 // Records that failed stay out: their objects are not in the new state and the next backup meets
@@ -101,34 +100,34 @@ bool MergeIntoJournal(const ObjectList& difference, ObjectList& journal) {
 
 // Writes the journal with the new state and loads it again. A journal that could not be merged
 // whole is not written: the state would lack objects, and its restore would delete them.
-bool SaveJournal(Engine& engine, bool keep_journal_closed, ResultCode& result_code) {
+bool SaveJournal(Engine& engine, bool keep_journal_closed, BackupResult& result) {
     OpenedStorage& storage = engine.storage;
     const bool merged = MergeIntoJournal(*storage.difference, *storage.journal);
     const int written = CloseJournal(storage.names, storage.journal, merged, &engine.progress);
     FreeWorkingLists(storage, true);
     if (!keep_journal_closed && !OpenJournal(storage, &engine.progress)) {
-        return Fail(ResultCode::kJournalUnreadable, result_code);
+        return Fail(ResultCode::kJournalUnreadable, result);
     }
-    return written != 0 || Fail(ResultCode::kFailed, result_code);
+    return written != 0 || Fail(ResultCode::kFailed, result);
 }
 
 bool RunBackup(Engine& engine, std::uint32_t state_number, const char16_t* description,
-               bool keep_journal_closed, ResultCode& result_code, std::uint32_t& bytes_needed) {
+               bool keep_journal_closed, BackupResult& result) {
     if (state_number == 0 || state_number > kMaxStateNumber) {
-        return Fail(ResultCode::kFailed, result_code);
+        return Fail(ResultCode::kFailed, result);
     }
     if (!FindDifference(engine, state_number - 1)) {
-        return Fail(ResultCode::kNoDifferenceList, result_code);
+        return Fail(ResultCode::kNoDifferenceList, result);
     }
     if (engine.storage.difference->CountRecords() == 0) {
-        result_code = ResultCode::kNoDifference;
+        result.code = ResultCode::kNoDifference;
         for (int i = 0; i < kCompleteSteps; ++i) {
             engine.progress.ProgressStep(u"Complete.");
         }
         return true;
     }
-    return WriteState(engine, state_number, description, result_code, bytes_needed) &&
-           SaveJournal(engine, keep_journal_closed, result_code);
+    return WriteState(engine, state_number, description, result) &&
+           SaveJournal(engine, keep_journal_closed, result);
 }
 
 void LogFailedItem(Engine& engine, const ObjectRecord& record) {
@@ -149,11 +148,9 @@ void LogFailedItem(Engine& engine, const ObjectRecord& record) {
 }  // namespace
 
 bool DoBackup(Engine& engine, std::uint32_t state_number, const char16_t* description,
-              bool keep_journal_closed, ResultCode& result_code, std::uint32_t& bytes_needed) {
-    result_code = ResultCode::kSuccess;
-    bytes_needed = 0;
-    const bool done = RunBackup(engine, state_number, description, keep_journal_closed, result_code,
-                                bytes_needed);
+              bool keep_journal_closed, BackupResult& result) {
+    result = {};
+    const bool done = RunBackup(engine, state_number, description, keep_journal_closed, result);
     // The difference list of a backup must not be met by the advanced page's buttons.
     FreeWorkingLists(engine.storage, true);
     engine.storage.registry_objects.RegObjectClear();

@@ -7,18 +7,17 @@
 #include "snapshot/engine/difference_engine.h"
 #include "storage/format/storage_appender.h"
 #include "storage/opened/engine.h"
-#include "storage/operations/result_code.h"
+#include "storage/operations/backup_result.h"
 
 namespace tolvenar {
 
 // Steps of the popup's total bar: to compare, to write, to save the journal and to load it.
 constexpr int kBackupSteps = kDeviceSteps + 3;
 
-// Makes state `state_number`. On success the code is kSuccess or kNoDifference. `bytes_needed` is
-// the room on the card that the backup asks for, once it is known. The journal in memory is written
-// and loaded again, or left closed when `keep_journal_closed`.
+// Makes state `state_number`. On success the code is kSuccess or kNoDifference. The journal in
+// memory is written and loaded again, or left closed when `keep_journal_closed`.
 bool DoBackup(Engine& engine, std::uint32_t state_number, const char16_t* description,
-              bool keep_journal_closed, ResultCode& result_code, std::uint32_t& bytes_needed);
+              bool keep_journal_closed, BackupResult& result);
 
 // Appends every record of `list`. A record that cannot be written is marked
 // JF_FAILED, logged and counted. Returns 1.

@@ -28,10 +28,9 @@ constexpr CEPROPID kFlag = 0x0003000B;
 class WholeOperationsTest : public EngineTest {
 protected:
     ResultCode Backup() {
-        ResultCode code{};
-        std::uint32_t needed = 0;
-        DoBackup(engine_, NextStateNumber(storage_.journal.get()), u"", false, code, needed);
-        return code;
+        BackupResult result;
+        DoBackup(engine_, NextStateNumber(storage_.journal.get()), u"", false, result);
+        return result.code;
     }
     ResultCode Restore(std::uint32_t state) {
         ResultCode code{};

@@ -53,7 +53,8 @@ bool EngineParts::Make() { return CreateStorage(kStoragePath, nullptr) != nullpt
 
 Answer EngineParts::Backup(std::uint32_t state, const char16_t* description, bool keep_closed) {
     Answer answer{};
-    answer.done = DoBackup(engine_, state, description, keep_closed, answer.code, bytes_needed_);
+    answer.done = DoBackup(engine_, state, description, keep_closed, backup_);
+    answer.code = backup_.code;
     return answer;
 }
 

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "storage/opened/engine.h"
-#include "storage/operations/result_code.h"
+#include "storage/operations/backup_result.h"
 #include "tests/support/bytes.h"
 #include "tests/support/recording_progress.h"
 #include "tests/support/records.h"
@@ -51,7 +51,7 @@ public:
     ObjectInfo info_{storage_.registry_objects, databases_};
     RecordingProgress progress_;
     Engine engine_{storage_, databases_, info_, progress_};
-    std::uint32_t bytes_needed_ = 0;  // by the last backup
+    BackupResult backup_;  // the last one's
 };
 
 // The settings that name the storage, for a device that gets the card.

@@ -43,11 +43,10 @@ StoredStates::~StoredStates() { CloseStorage(storage_); }
 
 void StoredStates::BackUp(const std::string& description) {
     const std::u16string text(description.begin(), description.end());
-    ResultCode code{};
-    std::uint32_t needed = 0;
+    BackupResult result;
     const std::uint32_t number = NextStateNumber(storage_.journal.get());
-    EXPECT_TRUE(DoBackup(engine_, number, text.c_str(), false, code, needed));
-    EXPECT_EQ(ResultCode::kSuccess, code);
+    EXPECT_TRUE(DoBackup(engine_, number, text.c_str(), false, result));
+    EXPECT_EQ(ResultCode::kSuccess, result.code);
 }
 
 std::vector<TreeLine> StoredStates::Tree(unsigned older, unsigned newer, bool advanced_view) {

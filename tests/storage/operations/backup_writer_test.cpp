@@ -117,11 +117,11 @@ TEST_F(BackupWriterTest, ABackupThatNeedsExactlyTheFreeSpaceProceedsAndOneByteMo
     device().PutFile(L"\\a.txt", "a");
     device().Set("card.free", "0");
     EXPECT_EQ(Failed(ResultCode::kNoSpace), Backup(1));
-    const std::uint32_t needed = bytes_needed_;
+    const std::uint32_t needed = backup_.bytes_needed;
     EXPECT_EQ(kHead, Content(kSav).size());
     device().Set("card.free", std::to_string(needed - 1));
     EXPECT_EQ(Failed(ResultCode::kNoSpace), Backup(1));
-    EXPECT_EQ(needed, bytes_needed_);
+    EXPECT_EQ(needed, backup_.bytes_needed);
     EXPECT_EQ(kHead, Content(kSav).size());
     ExpectClosed();
     EXPECT_NE(nullptr, storage_.journal);
@@ -135,7 +135,7 @@ TEST_F(BackupWriterTest, ABackupThatNeedsExactlyTheFreeSpaceProceedsAndOneByteMo
 TEST_F(BackupWriterTest, OnlyTheLowHalfOfTheFreeSpaceIsLookedAt) {
     device().Set("card.free", "4294967296");
     EXPECT_EQ(Failed(ResultCode::kNoSpace), Backup(1));
-    device().Set("card.free", std::to_string(4294967296 + bytes_needed_));
+    device().Set("card.free", std::to_string(4294967296 + backup_.bytes_needed));
     EXPECT_TRUE(Backup(1).done);
 }
 
