@@ -1,5 +1,7 @@
 #include "app/operations/messages.h"
 
+#include <algorithm>
+
 #include "app/operations/application.h"
 #include "app/operations/memory_check.h"
 
@@ -24,6 +26,7 @@ constexpr ResultMessage kBackupMessages[] = {
     {ResultCode::kFailed, L"Backup Fail.", MB_ICONERROR, false},
     {ResultCode::kJournalUnreadable, L"Journal read Fail.", MB_ICONERROR, false},
     {ResultCode::kNotStarted, kNotStartedText, MB_ICONWARNING, false},
+    {ResultCode::kWriteProtected, L"The storage is write-protected.", MB_ICONERROR, false},
 };
 
 constexpr ResultMessage kRestoreMessages[] = {
@@ -72,12 +75,19 @@ void ShowMemoryMessage(HWND owner, std::uint32_t missing_bytes) {
     ShowMessage(owner, text, MB_ICONERROR);
 }
 
-void ShowSpaceMessage(HWND owner, std::uint32_t bytes) {
+void ShowSpaceMessage(const ReportContext& context) {
+    if (context.storage_is_full) {
+        ShowMessage(context.owner,
+                    L"The storage file is full and takes no more states. Its states can be "
+                    L"restored as before.\nPlease choose a new storage file.",
+                    MB_ICONERROR);
+        return;
+    }
     wchar_t text[kTextUnits];
     ::wsprintfW(text,
-                L"Not enough disk space to backup. You need to free %i bytes on the storage card.",
-                bytes);
-    ShowMessage(owner, text, MB_ICONERROR);
+                L"Not enough disk space to backup. You need to free %u bytes on the storage card.",
+                static_cast<std::uint32_t>(std::min<std::uint64_t>(context.amount, 0xFFFFFFFF)));
+    ShowMessage(context.owner, text, MB_ICONERROR);
 }
 
 }  // namespace
@@ -95,7 +105,7 @@ bool ReportBackup(ResultCode result, const ReportContext& context) {
             ShowMessage(context.owner, message->text, message->icon);
         }
         if (is_space && !context.is_first_pass) {
-            ShowSpaceMessage(context.owner, context.amount);
+            ShowSpaceMessage(context);
         }
         if (is_memory) {
             ShowMemoryMessage(context.owner, kMinimumFreeBytes - context.available);
@@ -139,6 +149,14 @@ void ShowInstallationMissing(HWND owner) {
     ShowMessage(owner,
                 L"Tolvenar installation is not detected on the device, restore Tolvenar first "
                 L"please.",
+                MB_ICONWARNING);
+}
+
+void TellOfMissingStates() {
+    ShowMessage(nullptr,
+                L"The storage file holds data, but its list of states is empty or missing. A first "
+                L"backup that was ended looks the same.\nThe data stay in the file; new states are "
+                L"added behind them.",
                 MB_ICONWARNING);
 }
 

@@ -18,8 +18,9 @@ struct ReportContext {
     HWND owner;
     bool automatic;           // no message at all
     bool is_first_pass;       // a full card stays silent: the old storage may be given up for it
-    std::uint32_t amount;     // bytes that the card must have free
+    std::uint64_t amount;     // bytes that the card must have free
     std::uint32_t available;  // bytes of memory that were free
+    bool storage_is_full = false;  // not the card lacks room
 };
 // Tells the user of a backup's result. True when it counts as success.
 bool ReportBackup(ResultCode result, const ReportContext& context);
@@ -36,6 +37,9 @@ void TellWhyNotOpened(OpenStorageResult result);
 
 // The message of too little memory before a restore; its figure is fixed (docs/oddities.md, 22).
 void ShowRestoreMemoryMessage(HWND owner);
+
+// The storage file holds data of which its journal says nothing: its states cannot be listed.
+void TellOfMissingStates();
 
 // Backup, differences and help need the installation.
 void ShowInstallationMissing(HWND owner);

@@ -5,7 +5,10 @@
 #include "app/operations/requests.h"
 #include "app/operations/storage_files.h"
 #include "platform/text.h"
+#include "snapshot/text/log.h"
 #include "storage/opened/journal.h"
+#include "storage/opened/storage_file.h"
+#include "storage/operations/backup_room.h"
 #include "storage/operations/backup_writer.h"
 #include "storage/operations/restore_engine.h"
 
@@ -48,6 +51,17 @@ BackupResult RunSuspended(Application& app, const BackupOrder& order) {
     return result;
 }
 
+// A backup from its checks on.
+BackupResult RunChecked(Application& app, const BackupOrder& order, std::uint32_t& available) {
+    if (!StorageIsReady(app)) {
+        return {ResultCode::kJournalUnreadable};
+    }
+    if (StorageIsWriteProtected(app.storage.names)) {
+        return {ResultCode::kWriteProtected};
+    }
+    return MemoryCheck(available) ? RunSuspended(app, order) : BackupResult{ResultCode::kNoMemory};
+}
+
 bool MayDeleteOldStorage(Application& app, bool automatic) {
     if (automatic) {
         app.settings.MayDeleteOldStorage =
@@ -77,6 +91,9 @@ bool LoadUnderPopup(Application& app) {
     app.popup.Show(app.main_dialog, L"Loading List", 0);
     const bool loaded = OpenJournal(app.storage, &app.progress);
     app.popup.CloseAndWait();
+    if (loaded && LacksItsStates(app.storage)) {
+        TellOfMissingStates();
+    }
     return loaded;
 }
 
@@ -84,6 +101,9 @@ bool LoadUnderHourglass(Application& app) {
     const HCURSOR previous = ::SetCursor(::LoadCursorW(nullptr, IDC_WAIT));
     const bool loaded = OpenJournal(app.storage, &app.progress);
     ::SetCursor(previous);
+    if (loaded && LacksItsStates(app.storage)) {
+        LogMessage(u"The storage file holds data, its journal no state", u"OpenJournal", kLogNote);
+    }
     return loaded;
 }
 
@@ -92,18 +112,16 @@ bool BackupDriver(Application& app, std::uint32_t state_number, const wchar_t* d
     app.popup.Show(app.main_dialog, kBackupTitle, kBackupSteps);
     BackupOrder order{state_number, description, automatic};
     ReportContext context{app.main_dialog, automatic, true, 0, 0};
-    BackupResult result{ResultCode::kJournalUnreadable};
-    if (StorageIsReady(app)) {
-        result = MemoryCheck(context.available) ? RunSuspended(app, order)
-                                                : BackupResult{ResultCode::kNoMemory};
-    }
+    BackupResult result = RunChecked(app, order, context.available);
     app.popup.CloseAndWait();
     const bool succeeded = ReportBackup(result.code, context);
     if (result.code != ResultCode::kNoSpace) {
         return succeeded;
     }
 
-    if (MayDeleteOldStorage(app, automatic) && StartNewStorage(app)) {
+    // Otherwise every state would go for nothing.
+    if (DeletionMakesRoom(app.storage.names, result) && MayDeleteOldStorage(app, automatic) &&
+        StartNewStorage(app)) {
         order.state_number = NextStateNumber(app.storage.journal.get());
         app.popup.Show(app.main_dialog, kBackupTitle, kBackupSteps);
         result = RunSuspended(app, order);
@@ -111,6 +129,7 @@ bool BackupDriver(Application& app, std::uint32_t state_number, const wchar_t* d
     }
     context.is_first_pass = false;
     context.amount = result.bytes_needed;
+    context.storage_is_full = result.storage_is_full;
     return ReportBackup(result.code, context);
 }
 

@@ -9,7 +9,8 @@ namespace tolvenar {
 
 constexpr wchar_t kRestoreTitle[] = L"Restoring in progress";
 
-// Loads the journal. False when it cannot be loaded.
+// Loads the journal. False when it cannot be loaded. A storage file whose states are missing is
+// told of: by a message with the popup, in the log under the hourglass.
 bool LoadUnderPopup(Application& app);
 bool LoadUnderHourglass(Application& app);
 

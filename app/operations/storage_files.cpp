@@ -21,7 +21,7 @@ bool CreateStoragePair(const StorageNames& names, DescriptionPrompt* prompt) {
     if (!CreateStorage(names.sav, prompt)) {
         return false;
     }
-    if (EmptyJournal(names)) {
+    if (BeginJournal(names)) {
         return true;
     }
     ::DeleteFileW(Wide(names.sav));
@@ -40,9 +40,10 @@ bool DeleteOldStorage() {
     }
     const bool journal_deleted = ::DeleteFileW(Wide(names.journal)) != FALSE;
     const bool storage_deleted = ::DeleteFileW(Wide(names.sav)) != FALSE;
-    // A save that was stopped left it; beside a storage file that stays it would pass for the
-    // journal.
-    ::DeleteFileW(Wide(names.journal_temporary));
+    // A save that was stopped left it. Beside a journal that stays nobody deletes it.
+    if (journal_deleted) {
+        ::DeleteFileW(Wide(names.journal_temporary));
+    }
     return journal_deleted && storage_deleted;
 }
 

@@ -13,12 +13,13 @@ namespace {
 constexpr int kDone = 0;
 constexpr int kFailed = 1;
 
-// A storage that another program holds answers as a missing one does, and must not be made anew.
+// A storage that another program holds answers as a missing one does, and must not be made anew. A
+// write-protected one is of no use to a backup.
 bool OpenOrCreate(Application& app) {
     OpenStorageResult result;
     const char16_t* sav = app.storage.names.sav;
     if (OpenStorage(sav, app.storage, result)) {
-        return true;
+        return !StorageIsWriteProtected(app.storage.names);
     }
     if (result != OpenStorageResult::kFileMissing || !IsReallyAbsent(sav)) {
         return false;

@@ -141,6 +141,10 @@ std::optional<Node> FileTable::ByOid(std::uint32_t oid) {
     return number != nullptr ? Get(Stored(*number)) : std::nullopt;
 }
 
+bool FileTable::IsProtected(const Node& node) {
+    return node.on_card && device_.Setting("card.protected", "no") == "yes";
+}
+
 std::vector<std::uint32_t> FileTable::Children(std::uint32_t parent) {
     LogStore::View view(store());
     std::vector<std::uint32_t> numbers;

@@ -78,6 +78,9 @@ public:
     std::optional<Node> Get(std::uint32_t number);
     std::optional<Node> Child(std::uint32_t parent, const std::wstring& name);
     std::optional<Node> ByOid(std::uint32_t oid);
+    // True for what lies on a card whose switch keeps it from being written (setting
+    // "card.protected").
+    bool IsProtected(const Node& node);
     // The children's numbers in the order that the setting "order" tells: "stored" (as they came),
     // "reversed" or "shuffled:<seed>".
     std::vector<std::uint32_t> Children(std::uint32_t parent);

@@ -46,6 +46,9 @@ std::uint32_t CheckFile(FileTable& table, const Node& node, const OpenRequest& r
         return ERROR_ACCESS_DENIED;
     }
     if (Writes(request)) {
+        if (table.IsProtected(node)) {
+            return ERROR_WRITE_PROTECT;
+        }
         if (node.is_rom() || (node.stored_attributes & kReadOnly) != 0) {
             return ERROR_ACCESS_DENIED;
         }
@@ -62,7 +65,7 @@ std::uint32_t CheckFile(FileTable& table, const Node& node, const OpenRequest& r
 std::shared_ptr<OpenFile> OpenFolder(FileTable& table, const Node& node, const OpenRequest& request,
                                      std::uint32_t& error) {
     const bool allowed = request.disposition == OPEN_EXISTING && Writes(request) &&
-                         node.number != kRoot &&
+                         node.number != kRoot && !table.IsProtected(node) &&
                          table.device().Setting("folder.open", "yes") == "yes";
     error = allowed ? 0 : ERROR_ACCESS_DENIED;
     if (!allowed) {
@@ -151,6 +154,10 @@ std::shared_ptr<OpenFile> OpenExisting(FileTable& table, Node node, const OpenRe
 
 std::shared_ptr<OpenFile> OpenNew(FileTable& table, const Found& found, const OpenRequest& request,
                                   std::uint32_t& error) {
+    if (table.IsProtected(found.parent)) {
+        error = ERROR_WRITE_PROTECT;
+        return nullptr;
+    }
     const Node node = table.Add(found.parent, found.name, NewAttributes(request));
     HANDLE host = OpenHost(table, node, request);
     if (host == INVALID_HANDLE_VALUE) {

@@ -30,6 +30,9 @@ std::uint32_t CheckMove(FileTable& table, const Found& from, const Found& to) {
     if (to.error != 0 && to.error != ERROR_FILE_NOT_FOUND) {
         return to.error;
     }
+    if (table.IsProtected(from.node) || table.IsProtected(to.parent)) {
+        return ERROR_WRITE_PROTECT;
+    }
     if (from.node.number == kRoot || from.node.is_card || from.node.is_rom()) {
         return ERROR_ACCESS_DENIED;
     }
@@ -69,6 +72,9 @@ std::uint32_t ChangeNode(Device& device, const wchar_t* path, Change&& change) {
 }
 
 std::uint32_t DeleteFileNode(FileTable& table, const Node& node) {
+    if (table.IsProtected(node)) {
+        return ERROR_WRITE_PROTECT;
+    }
     if (node.is_folder() || node.is_rom() || (node.stored_attributes & kReadOnly) != 0) {
         return ERROR_ACCESS_DENIED;
     }
@@ -84,6 +90,9 @@ std::uint32_t DeleteFileNode(FileTable& table, const Node& node) {
 std::uint32_t RemoveFolderNode(FileTable& table, const Node& node) {
     if (!node.is_folder()) {
         return ERROR_DIRECTORY;
+    }
+    if (table.IsProtected(node)) {
+        return ERROR_WRITE_PROTECT;
     }
     if (node.number == kRoot || node.is_card || node.is_rom() ||
         (node.stored_attributes & kReadOnly) != 0) {
@@ -163,6 +172,9 @@ std::uint32_t CreateFolder(Device& device, const wchar_t* path) {
     if (found.error != ERROR_FILE_NOT_FOUND) {
         return found.error;
     }
+    if (table.IsProtected(found.parent)) {
+        return ERROR_WRITE_PROTECT;
+    }
     table.Add(found.parent, found.name, kFolder);
     return 0;
 }
@@ -182,6 +194,9 @@ std::uint32_t GetAttributes(Device& device, const wchar_t* path, std::uint32_t& 
 
 std::uint32_t SetAttributes(Device& device, const wchar_t* path, std::uint32_t attributes) {
     return ChangeNode(device, path, [&](FileTable& table, Node node) -> std::uint32_t {
+        if (table.IsProtected(node)) {
+            return ERROR_WRITE_PROTECT;
+        }
         if (node.number == kRoot || node.is_rom()) {
             return ERROR_ACCESS_DENIED;
         }

@@ -3,14 +3,45 @@
 #include "platform/text.h"
 
 namespace tolvenar {
+namespace {
+
+// Whether the opening of `path` for writing failed with `error` because of a write protection. A
+// read-only attribute alone answers with a denied access, which has other reasons too.
+bool IsProtection(DWORD error, const char16_t* path) {
+    if (error != ERROR_ACCESS_DENIED) {
+        return error == ERROR_WRITE_PROTECT;
+    }
+    const DWORD attributes = ::GetFileAttributesW(Wide(path));
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
+}
+
+}  // namespace
 
 UniqueHandle OpenFile(const char16_t* path, DWORD access, DWORD sharing, DWORD disposition) {
     return UniqueHandle(::CreateFileW(Wide(path), access, sharing, nullptr, disposition,
                                       FILE_ATTRIBUTE_NORMAL, nullptr));
 }
 
+UniqueHandle OpenForWritingIfAllowed(const char16_t* path, DWORD sharing, DWORD disposition) {
+    UniqueHandle file = OpenFile(path, GENERIC_READ | GENERIC_WRITE, sharing, disposition);
+    if (!file && IsProtection(::GetLastError(), path)) {
+        file = OpenFile(path, GENERIC_READ, sharing, OPEN_EXISTING);
+    }
+    return file;
+}
+
 UniqueHandle OpenSavFile(const StorageNames& names) {
+    return OpenForWritingIfAllowed(names.sav, FILE_SHARE_READ, OPEN_EXISTING);
+}
+
+UniqueHandle OpenSavFileForWriting(const StorageNames& names) {
     return OpenFile(names.sav, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, OPEN_EXISTING);
+}
+
+bool IsWriteProtected(const char16_t* path) {
+    const UniqueHandle file =
+        OpenFile(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, OPEN_EXISTING);
+    return !file && IsProtection(::GetLastError(), path);
 }
 
 bool HandleBytes::ReadAt(std::uint32_t offset, void* buffer, std::uint32_t bytes,

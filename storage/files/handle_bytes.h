@@ -14,9 +14,19 @@ namespace tolvenar {
 // A file of normal attributes; empty when it cannot be opened, with the last error telling why.
 UniqueHandle OpenFile(const char16_t* path, DWORD access, DWORD sharing, DWORD disposition);
 
-// The storage file of `names` as operations have it: for reading and writing, an existing one only,
-// others may read meanwhile.
+// A file for reading and writing; an existing one for reading only where it or its card is
+// write-protected.
+UniqueHandle OpenForWritingIfAllowed(const char16_t* path, DWORD sharing, DWORD disposition);
+
+// The storage file of `names` as operations that only read have it: others may read meanwhile.
 UniqueHandle OpenSavFile(const StorageNames& names);
+
+// The same for a backup, which appends: empty where the file is write-protected.
+UniqueHandle OpenSavFileForWriting(const StorageNames& names);
+
+// True when the file is there and cannot be written because it or its card is write-protected. One
+// that another program holds is none of these.
+bool IsWriteProtected(const char16_t* path);
 
 // Reads and writes behind a handle. The position is known, so that what goes on where the last call
 // ended costs no seek.

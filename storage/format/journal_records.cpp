@@ -38,17 +38,17 @@ bool ReadJournalRecords(ByteReader& file, ObjectList& list, Progress* progress,
     return true;
 }
 
-bool WriteJournalRecords(ByteAppender& file, const ObjectList& list, Progress* progress) {
-    bool written = false;
+std::size_t WriteJournalRecords(ByteAppender& file, const ObjectList& list, Progress* progress) {
+    std::size_t written = 0;
     for (const ObjectList::Node& node : list) {
         const ObjectRecord& record = *node.record;
         if (record.propOffset == 0 && (record.flags & JF_DELETE) != 0) {
             LogMessage(u"Empty propOffset, but JF_DELETE", u"CloseJournal", kLogError);
         }
-        written = file.Append(&record, kRecordBytes);
-        if (!written) {
+        if (!file.Append(&record, kRecordBytes)) {
             break;
         }
+        ++written;
         Step(progress);
     }
     return written;

@@ -33,8 +33,8 @@ constexpr std::uint32_t JournalRecordCount(std::uint32_t bytes) {
 // failed read, which only the count tells. False when memory is short. `progress` may be null.
 bool ReadJournalRecords(ByteReader& file, ObjectList& list, Progress* progress,
                         std::uint32_t& taken);
-// Appends the records of `list` in the order of a walk and stops at the first failed write. The
-// result of the last write; false for an empty list. A deletion without a stored block is logged.
-bool WriteJournalRecords(ByteAppender& file, const ObjectList& list, Progress* progress);
+// Appends the records of `list` in the order of a walk and stops at the first failed write. Returns
+// how many were written. A deletion without a stored block is logged.
+std::size_t WriteJournalRecords(ByteAppender& file, const ObjectList& list, Progress* progress);
 
 }  // namespace tolvenar

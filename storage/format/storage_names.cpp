@@ -39,6 +39,16 @@ bool MakeSavName(const char16_t* path, char16_t (&sav)[kStorageNameUnits]) {
     return Join(text.substr(0, text.find(u'.')), u".sav", sav);
 }
 
+bool MakeOldJournalName(const StorageNames& names, std::uint32_t number,
+                        char16_t (&name)[kStorageNameUnits]) {
+    TextBuffer<16> extension;
+    extension.Append(u".jrn_old");
+    if (number > 1) {
+        extension.AppendUnsigned(number);
+    }
+    return Join(names.path, extension.text(), name);
+}
+
 const char16_t* NameWithoutFolder(const char16_t* path) {
     const std::size_t backslash = std::u16string_view(path).rfind(u'\\');
     return backslash == std::u16string_view::npos ? path : path + backslash + 1;

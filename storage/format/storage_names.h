@@ -2,12 +2,13 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 namespace tolvenar {
 
 // A folder of 259 units at most and the stem behind it, with the terminator.
 constexpr std::size_t kStoragePathUnits = 260;
-constexpr std::size_t kStorageNameUnits = kStoragePathUnits + 8;
+constexpr std::size_t kStorageNameUnits = kStoragePathUnits + 12;  // ".jrn_old" and four digits
 
 struct StorageNames {
     char16_t path[kStoragePathUnits];     // full storage path: folder and stem, no extension
@@ -21,6 +22,12 @@ struct StorageNames {
 bool MakeStorageNames(const char16_t* full_path, StorageNames& names);
 // The ".sav" name of `path`: cut at its first dot, a folder's too (docs/oddities.md, 4).
 bool MakeSavName(const char16_t* path, char16_t (&sav)[kStorageNameUnits]);
+
+// The name under which a journal that is no longer in use is kept: path + ".jrn_old" for number 1,
+// with the number behind it for those from 2 to 9999. False, and an empty name, when it is too
+// long.
+bool MakeOldJournalName(const StorageNames& names, std::uint32_t number,
+                        char16_t (&name)[kStorageNameUnits]);
 
 // The part of a path behind its last backslash.
 const char16_t* NameWithoutFolder(const char16_t* path);

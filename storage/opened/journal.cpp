@@ -5,44 +5,91 @@
 #include "snapshot/text/log.h"
 #include "storage/files/handle_bytes.h"
 #include "storage/format/journal_records.h"
+#include "storage/opened/old_journals.h"
 
 namespace tolvenar {
 namespace {
-
-UniqueHandle OpenJournalFile(const StorageNames& names) {
-    return OpenFile(names.journal, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, OPEN_ALWAYS);
-}
 
 bool Exists(const char16_t* path) {
     return ::GetFileAttributesW(Wide(path)) != INVALID_FILE_ATTRIBUTES;
 }
 
+bool HoldsAState(const char16_t* journal, bool& holds) {
+    const UniqueHandle file = OpenFile(journal, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING);
+    HandleBytes bytes(file.get());
+    JournalRecordReader records(bytes);
+    ObjectRecord record{};
+    holds = false;
+    while (file && !holds && records.Next(record)) {
+        holds = record.type == ObjectType::kState;
+    }
+    return static_cast<bool>(file);
+}
+
 // A storage file without a journal but with a temporary one: saving was stopped between the
-// deletion and the renaming, so the temporary file is whole.
+// deletion and the renaming, so the temporary file is whole. One without any state is no journal
+// that a save left.
 bool FinishInterruptedSave(const StorageNames& names) {
     if (Exists(names.journal) || !Exists(names.sav) || !Exists(names.journal_temporary)) {
         return true;
     }
-    return ::MoveFileW(Wide(names.journal_temporary), Wide(names.journal)) != FALSE;
+    bool is_journal = false;
+    if (!HoldsAState(names.journal_temporary, is_journal)) {
+        return false;
+    }
+    return is_journal ? ::MoveFileW(Wide(names.journal_temporary), Wide(names.journal)) != FALSE
+                      : MoveJournalAside(names, names.journal_temporary);
 }
 
-int SaveObjectList(const StorageNames& names, const ObjectList& list, Progress* progress) {
-    UniqueHandle file = OpenFile(names.journal_temporary, GENERIC_WRITE, 0, CREATE_ALWAYS);
-    if (!file) {
-        return 0;
+// Makes the file as large as the list will be, so that a full card is met before anything of the
+// journal is given up.
+bool ReserveRoom(HANDLE file, HandleBytes& bytes, const ObjectList& list) {
+    const std::uint64_t size = std::uint64_t{sizeof(ObjectRecord)} * list.CountRecords();
+    return size <= 0xFFFFFFFF && bytes.MoveTo(static_cast<std::uint32_t>(size)) &&
+           ::SetEndOfFile(file) && bytes.MoveTo(0);
+}
+
+enum class Saved { kNothing, kPart, kAll };
+
+// Writes the list into the temporary file.
+Saved WriteTemporary(const StorageNames& names, const ObjectList& list, Progress* progress) {
+    const UniqueHandle file = OpenFile(names.journal_temporary, GENERIC_WRITE, 0, CREATE_ALWAYS);
+    HandleBytes bytes(file.get());
+    if (!file || !ReserveRoom(file.get(), bytes, list)) {
+        return Saved::kNothing;
     }
     if (progress != nullptr) {
         progress->ProgressBegin(list.CountRecords());
         progress->ProgressStep(u"Saving object list...");
     }
-    HandleBytes bytes(file.get());
-    const int result = WriteJournalRecords(bytes, list, progress) ? 1 : 0;
-    ::FlushFileBuffers(file.get());
-    file.Reset();
-    // A list that could be written in part only replaces the journal all the same: what it holds is
-    // newer, and the caller reports the failure by the result.
-    ::DeleteFileW(Wide(names.journal));
-    return ::MoveFileW(Wide(names.journal_temporary), Wide(names.journal)) ? result : 0;
+    const std::size_t written = WriteJournalRecords(bytes, list, progress);
+    const bool is_whole = written == list.CountRecords();
+    // What is left of the reserved room would be read as records.
+    const auto end = static_cast<std::uint32_t>(written * sizeof(ObjectRecord));
+    if (!is_whole && !(bytes.MoveTo(end) && ::SetEndOfFile(file.get()))) {
+        return Saved::kNothing;
+    }
+    if (!::FlushFileBuffers(file.get())) {
+        return Saved::kNothing;
+    }
+    return is_whole ? Saved::kAll : Saved::kPart;
+}
+
+// Returns the result of the last record's write. A list that could be written in part only replaces
+// the journal all the same (docs/oddities.md, 3): what it holds is newer, and the caller reports
+// the failure by the result. The journal of before is then kept.
+int SaveObjectList(const StorageNames& names, const ObjectList& list, Progress* progress) {
+    const Saved saved = WriteTemporary(names, list, progress);
+    if (saved == Saved::kNothing) {
+        return 0;
+    }
+    if (saved == Saved::kAll) {
+        ::DeleteFileW(Wide(names.journal));
+    } else if (!MoveJournalAside(names, names.journal)) {
+        return 0;
+    }
+    const bool replaced = ::MoveFileW(Wide(names.journal_temporary), Wide(names.journal)) != FALSE;
+    return replaced && saved == Saved::kAll && list.CountRecords() != 0 ? 1 : 0;
 }
 
 }  // namespace
@@ -75,7 +122,7 @@ bool LoadObjectList(const StorageNames& names, ObjectList& list, Progress* progr
     if (!FinishInterruptedSave(names)) {
         return false;
     }
-    const UniqueHandle file = OpenJournalFile(names);
+    const UniqueHandle file = OpenForWritingIfAllowed(names.journal, FILE_SHARE_READ, OPEN_ALWAYS);
     HandleBytes bytes(file.get());
     std::uint32_t size = 0;
     if (!file || !bytes.Size(size)) {
@@ -99,12 +146,29 @@ int CloseJournal(const StorageNames& names, std::unique_ptr<ObjectList>& list, b
     return result;
 }
 
-bool EmptyJournal(const StorageNames& names) {
-    const UniqueHandle file = OpenJournalFile(names);
-    if (!file || !::SetEndOfFile(file.get())) {
+bool BeginJournal(const StorageNames& names) {
+    // An empty journal holds nothing to be kept.
+    const bool has_records = JournalFileSize(names) != 0;
+    for (const char16_t* old : {names.journal, names.journal_temporary}) {
+        const bool is_kept = old != names.journal || has_records;
+        if (is_kept && Exists(old) && !MoveJournalAside(names, old)) {
+            return false;
+        }
+    }
+    return static_cast<bool>(
+        OpenFile(names.journal, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, OPEN_ALWAYS));
+}
+
+bool LacksItsStates(const OpenedStorage& storage) {
+    if (storage.header == nullptr || storage.journal == nullptr ||
+        storage.journal->CountRecords() != 0) {
         return false;
     }
-    return !Exists(names.journal_temporary) || ::DeleteFileW(Wide(names.journal_temporary));
+    const UniqueHandle file = OpenSavFile(storage.names);
+    std::uint32_t size = 0;
+    // One that is too large to be told holds blocks.
+    return file && (!HandleBytes(file.get()).Size(size) ||
+                    size > StorageHeaderBytesToRead(*storage.header));
 }
 
 std::uint32_t NextStateNumber(const ObjectList* journal) { return HighestStateNumber(journal) + 1; }

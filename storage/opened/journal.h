@@ -30,15 +30,21 @@ struct JournalLoad {
 bool LoadObjectList(const StorageNames& names, ObjectList& list, Progress* progress,
                     JournalLoad& load);
 
-// Saves the list, when `save` is set, through the temporary file; frees it in any case. Returns the
-// result of the last record's write; 0 also when nothing was written or the saved file did not take
-// the journal's place.
+// Saves the list, when `save` is set, through the temporary file; frees it in any case. Room for
+// the whole list is reserved before its first record: without it, and when the temporary file
+// cannot be made or flushed, the journal stays as it was. Returns the result of the last record's
+// write; 0 also when nothing was written or the saved file did not take the journal's place.
 int CloseJournal(const StorageNames& names, std::unique_ptr<ObjectList>& list, bool save,
                  Progress* progress);
 
-// Leaves an empty journal and no temporary one: what a new storage file begins with. False when
-// either cannot be had.
-bool EmptyJournal(const StorageNames& names);
+// Leaves an empty journal and no temporary one: what a new storage file begins with. A journal that
+// is there belongs to a storage file that is gone, and is moved aside. False when an empty one
+// cannot be had.
+bool BeginJournal(const StorageNames& names);
+
+// True when the storage file holds more than its head and the loaded journal nothing: a backup was
+// ended before its journal was saved, or the journal is lost.
+bool LacksItsStates(const OpenedStorage& storage);
 
 // The number of the state to be written next: 1 for an absent or empty journal. Not cut to 16 bits.
 std::uint32_t NextStateNumber(const ObjectList* journal);

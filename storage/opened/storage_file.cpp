@@ -90,7 +90,7 @@ std::unique_ptr<StorageHeader> ReadStorageHeader(const char16_t* sav_path) {
 
 bool OpenStorage(const char16_t* path, OpenedStorage& storage, OpenStorageResult& result) {
     // Opened without sharing only to see that nobody else holds it.
-    if (!OpenFile(path, GENERIC_READ | GENERIC_WRITE, 0, OPEN_EXISTING)) {
+    if (!OpenForWritingIfAllowed(path, 0, OPEN_EXISTING)) {
         result = OpenStorageResult::kFileMissing;
         return false;
     }
@@ -121,6 +121,10 @@ bool OpenStorage(const char16_t* path, OpenedStorage& storage, OpenStorageResult
     storage.older = std::move(older);
     storage.newer = std::move(newer);
     return true;
+}
+
+bool StorageIsWriteProtected(const StorageNames& names) {
+    return IsWriteProtected(names.sav) || IsWriteProtected(names.journal);
 }
 
 bool IsReallyAbsent(const char16_t* path) {

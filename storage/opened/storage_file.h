@@ -37,6 +37,10 @@ std::unique_ptr<StorageHeader> ReadStorageHeader(const char16_t* sav_path);
 // `storage`. On failure `result` says why and `storage` stays as it was.
 bool OpenStorage(const char16_t* path, OpenedStorage& storage, OpenStorageResult& result);
 
+// True when one of the two files is write-protected: the storage can be read and restored from, and
+// nothing is written to either.
+bool StorageIsWriteProtected(const StorageNames& names);
+
 // True when there is certainly no such file, so that one may be created: a file that exists but is
 // held by another program is not absent.
 bool IsReallyAbsent(const char16_t* path);

@@ -11,7 +11,13 @@ namespace tolvenar {
 struct BackupResult {
     ResultCode code = ResultCode::kSuccess;
     // Room on the card that the backup asks for; 0 until it is known.
-    std::uint32_t bytes_needed = 0;
+    std::uint64_t bytes_needed = 0;
+    // With kNoSpace: what was free on the card, and the room that a backup of the whole device into
+    // a new storage would ask for.
+    std::uint64_t bytes_free = 0;
+    std::uint64_t bytes_of_full_backup = 0;
+    // With kNoSpace: it is not the card that lacks room. The storage file takes no more states.
+    bool storage_is_full = false;
 };
 
 }  // namespace tolvenar

@@ -1,25 +1,22 @@
 #include "storage/operations/backup_writer.h"
 
-#include <algorithm>
-
 #include "platform/text.h"
 #include "platform/unique_resource.h"
 #include "snapshot/engine/difference_engine.h"
 #include "snapshot/records/checksum.h"
 #include "snapshot/text/log.h"
 #include "snapshot/text/text_buffer.h"
-#include "storage/files/card_space.h"
 #include "storage/files/handle_bytes.h"
 #include "storage/objects/object_data_writers.h"
 #include "storage/opened/journal.h"
+#include "storage/operations/backup_room.h"
 
 namespace tolvenar {
 namespace {
 
 constexpr int kCompleteSteps = 4;
-// Room that is left on the card beside the new blocks and the rewritten journal.
-constexpr std::uint64_t kSpareBytes = 10000;
 constexpr std::uint32_t kMaxStateNumber = 0xFFFF;
+constexpr std::uint64_t kMaxStorageBytes = 0xFFFFFFFF;  // offsets have 32 bits
 constexpr std::size_t kFailureTextUnits = 400;
 
 bool Fail(ResultCode code, BackupResult& result) {
@@ -37,38 +34,24 @@ bool AddStateRecord(ObjectList& difference, std::uint32_t state_number) {
     return difference.AddObject(record);
 }
 
-// Gives every record the new state's number; the list's keys stay as they are. Answers the room
-// that blocks and records will take.
-std::uint64_t NumberAndEstimate(Engine& engine, std::uint32_t state_number) {
-    std::uint64_t total = 0;
-    for (const ObjectList::Node& node : *engine.storage.difference) {
+// Gives every record the new state's number; the list's keys stay as they are.
+void Number(ObjectList& list, std::uint32_t state_number) {
+    for (ObjectList::Node& node : list) {
         node.record->state_number = static_cast<std::uint16_t>(state_number);
-        total += std::uint64_t{EstimateBlockSize(engine, *node.record)} + sizeof(ObjectRecord);
     }
-    return total;
 }
 
-bool CheckRoom(Engine& engine, std::uint64_t estimate, BackupResult& result) {
-    const StorageNames& names = engine.storage.names;
-    std::uint64_t free_on_card = 0;
-    if (!FreeBytesOfCard(names, free_on_card)) {
-        return Fail(ResultCode::kFailed, result);
-    }
-    // Only the low half is looked at (docs/oddities.md, 6).
-    const auto free_bytes = static_cast<std::uint32_t>(free_on_card);
-    const std::uint32_t journal_bytes = JournalFileSize(names);
-    if (journal_bytes == kNoFileSize) {
-        return Fail(ResultCode::kFailed, result);
-    }
-    const std::uint64_t needed = journal_bytes + estimate + kSpareBytes;
-    result.bytes_needed = static_cast<std::uint32_t>(std::min<std::uint64_t>(needed, 0xFFFFFFFF));
-    return free_bytes >= needed || Fail(ResultCode::kNoSpace, result);
+// Neither room on the card nor the deletion of old states helps.
+bool FailFull(const char16_t* reason, BackupResult& result) {
+    LogMessage(reason, u"DoBackup", kLogError);
+    result.storage_is_full = true;
+    return Fail(ResultCode::kNoSpace, result);
 }
 
 // Appends the blocks of the difference list to the storage file.
 bool WriteState(Engine& engine, std::uint32_t state_number, const char16_t* description,
                 BackupResult& result) {
-    const UniqueHandle sav_file = OpenSavFile(engine.storage.names);
+    const UniqueHandle sav_file = OpenSavFileForWriting(engine.storage.names);
     HandleBytes sav_bytes(sav_file.get());
     ObjectList& difference = *engine.storage.difference;
     engine.info.SetStateDescription(description);
@@ -77,9 +60,14 @@ bool WriteState(Engine& engine, std::uint32_t state_number, const char16_t* desc
         !AddStateRecord(difference, state_number)) {
         return Fail(ResultCode::kFailed, result);
     }
-    const std::uint64_t estimate = NumberAndEstimate(engine, state_number);
-    if (!CheckRoom(engine, estimate, result)) {
-        return false;
+    Number(difference, state_number);
+    const std::uint64_t estimate = EstimateList(engine, difference);
+    if (end + estimate > kMaxStorageBytes) {
+        return FailFull(u"The storage file cannot grow over 4 GB", result);
+    }
+    const ResultCode room = CheckRoom(engine, estimate, result);
+    if (room != ResultCode::kSuccess) {
+        return Fail(room, result);
     }
     StorageAppender storage(sav_bytes, end);
     std::size_t failed_count = 0;
@@ -113,8 +101,11 @@ bool SaveJournal(Engine& engine, bool keep_journal_closed, BackupResult& result)
 
 bool RunBackup(Engine& engine, std::uint32_t state_number, const char16_t* description,
                bool keep_journal_closed, BackupResult& result) {
-    if (state_number == 0 || state_number > kMaxStateNumber) {
+    if (state_number == 0) {
         return Fail(ResultCode::kFailed, result);
+    }
+    if (state_number > kMaxStateNumber) {
+        return FailFull(u"The storage file has no number for another state", result);
     }
     if (!FindDifference(engine, state_number - 1)) {
         return Fail(ResultCode::kNoDifferenceList, result);
@@ -202,15 +193,6 @@ bool BackupItem(Engine& engine, StorageAppender& storage, ObjectRecord& record) 
     }
     record.propOffset = block_offset;
     return true;
-}
-
-std::uint32_t EstimateBlockSize(Engine& engine, const ObjectRecord& record) {
-    InfoBlock block;
-    if ((record.flags & JF_ADD) == 0 ||
-        !engine.info.GetOIDInfo(record.TolvOID, record.dwOID, block)) {
-        return 0;
-    }
-    return static_cast<std::uint32_t>(block.size()) + block.head().data_bytes;
 }
 
 }  // namespace tolvenar

@@ -29,7 +29,4 @@ int BackupItems(Engine& engine, StorageAppender& storage, ObjectList& list,
 // was written.
 bool BackupItem(Engine& engine, StorageAppender& storage, ObjectRecord& record);
 
-// Bytes that the object will take in the storage file; 0 when it needs none or cannot be described.
-std::uint32_t EstimateBlockSize(Engine& engine, const ObjectRecord& record);
-
 }  // namespace tolvenar

@@ -7,10 +7,10 @@
 #include "snapshot/compare/kept_objects.h"
 #include "snapshot/compare/prune.h"
 #include "snapshot/engine/difference_engine.h"
-#include "storage/files/card_space.h"
 #include "storage/files/handle_bytes.h"
 #include "storage/format/storage_reader.h"
 #include "storage/opened/journal.h"
+#include "storage/opened/storage_file.h"
 #include "storage/operations/restore_list.h"
 
 namespace tolvenar {
@@ -47,23 +47,16 @@ bool PruneForRestore(Engine& engine) {
     return KeepStoredObjects(*engine.storage.difference, info);
 }
 
-// Whether the journal fits on the card once more. A list that is saved in part replaces the whole
-// one, and a restore from it would delete what it lacks.
-bool HasRoomForJournal(const OpenedStorage& storage) {
-    std::uint64_t free_bytes = 0;
-    return storage.journal != nullptr && FreeBytesOfCard(storage.names, free_bytes) &&
-           free_bytes / sizeof(ObjectRecord) >= storage.journal->CountRecords();
-}
-
-// Restores the difference list, then loads the journal again, saved before with `keep_ids`.
+// Restores the difference list, then loads the journal again, saved before with `keep_ids`. A
+// write-protected one keeps the ids of before.
 bool RestoreDifferences(Engine& engine, bool skip_databases, bool keep_ids,
                         ResultCode& result_code) {
     OpenedStorage& storage = engine.storage;
     if (!RestoreList(engine, *storage.difference, skip_databases, result_code)) {
         FreeWorkingLists(storage, false);
     }
-    CloseJournal(storage.names, storage.journal, keep_ids && HasRoomForJournal(storage),
-                 &engine.progress);
+    CloseJournal(storage.names, storage.journal,
+                 keep_ids && !StorageIsWriteProtected(storage.names), &engine.progress);
     if (OpenJournal(storage, &engine.progress)) {
         FreeWorkingLists(storage, result_code != ResultCode::kFailed);
         return true;

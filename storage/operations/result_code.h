@@ -16,6 +16,7 @@ enum class ResultCode : std::uint32_t {
     kDriver = 7,   // restore: the storage file could not be mapped
     kNotStarted = 8,
     kNoMemory = 9,
+    kWriteProtected = 10,  // backup: the pair of files can be read only
 };
 
 }  // namespace tolvenar

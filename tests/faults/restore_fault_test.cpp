@@ -123,12 +123,11 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values("CreateFileW", "CreateFileForMappingW", "CreateFileMappingW", "GetFileSize",
                       "MapViewOfFile", "ReadFile", "WriteFile", "SetFilePointer", "SetFileTime",
                       "SetFileAttributesW", "FindFirstFileW", "DeleteFileW", "MoveFileW",
-                      "CreateDirectoryW", "RemoveDirectoryW", "GetDiskFreeSpaceExW",
-                      "GetStoreInformation", "RegOpenKeyExW", "RegQueryInfoKeyW", "RegEnumKeyExW",
-                      "RegEnumValueW", "RegCreateKeyExW", "RegSetValueExW", "RegDeleteKeyW",
-                      "CeFindFirstDatabaseEx", "CeOpenDatabaseEx", "CeOidGetInfoEx",
-                      "CeReadRecordPropsEx", "CeWriteRecordProps", "CeDeleteRecord",
-                      "CeDeleteDatabaseEx"),
+                      "CreateDirectoryW", "RemoveDirectoryW", "SetEndOfFile", "GetStoreInformation",
+                      "RegOpenKeyExW", "RegQueryInfoKeyW", "RegEnumKeyExW", "RegEnumValueW",
+                      "RegCreateKeyExW", "RegSetValueExW", "RegDeleteKeyW", "CeFindFirstDatabaseEx",
+                      "CeOpenDatabaseEx", "CeOidGetInfoEx", "CeReadRecordPropsEx",
+                      "CeWriteRecordProps", "CeDeleteRecord", "CeDeleteDatabaseEx"),
     [](const auto& row) { return std::string(row.param); });
 
 }  // namespace

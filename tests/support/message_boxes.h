@@ -44,6 +44,15 @@ inline const Box kMayOldStorageGo = {
     "Not enough disk space to backup. Old Storage may be deleted to free disk "
     "space.\r\nContinue?",
     kQuestionBox};
+inline const Box kWriteProtected = {"The storage is write-protected.", kErrorBox};
+inline const Box kStorageIsFull = {
+    "The storage file is full and takes no more states. Its states can be restored as before.\n"
+    "Please choose a new storage file.",
+    kErrorBox};
+inline const Box kStatesAreMissing = {
+    "The storage file holds data, but its list of states is empty or missing. A first backup that "
+    "was ended looks the same.\nThe data stay in the file; new states are added behind them.",
+    kWarningBox};
 inline const Box kHeaderUnread = {"Storage header was not created.", kPlainBox};
 inline const Box kOtherDevice = {"Storage file is not compatible with your device.", kPlainBox};
 inline const Box kOtherVersion = {

@@ -11,6 +11,13 @@ protected:
         SetDword("Reminders", 2);
         BackUpThenChange(std::string(5000, 'a'));
     }
+    // A new storage would be smaller by much of this one.
+    void HaveAStorageOfWhatIsGone() {
+        device().PutFile(L"\\My Documents\\big.txt", std::string(200000, 'b'));
+        BackUp();
+        device().Remove(L"\\My Documents\\big.txt");
+        device().PutFile(L"\\My Documents\\b.txt", std::string(50000, 'b'));
+    }
     // How many bytes the message of the full card asks for.
     long AskedFor() {
         const std::string begin = "Not enough disk space to backup. You need to free ";
@@ -36,9 +43,10 @@ TEST_F(FullCardTest, ItTellsWhatIsMissingOnce) {
 }
 
 TEST_F(FullCardTest, ItAsksForTheOldStorageAndKeepsItOnNo) {
+    HaveAStorageOfWhatIsGone();
     SetDword("MayDeleteOldStorage", 1);
     Open();
-    device().Set("card.free", "12000");
+    device().Set("card.free", "20000");
     const std::string before = device().FileBytes(kStorageFile);
     PressAndExpect(IDC_BACKUP, kMayOldStorageGo, IDNO);
     EXPECT_LT(0, AskedFor());
@@ -47,10 +55,7 @@ TEST_F(FullCardTest, ItAsksForTheOldStorageAndKeepsItOnNo) {
 }
 
 TEST_F(FullCardTest, ItGivesUpTheOldStorageOnYes) {
-    device().PutFile(L"\\My Documents\\big.txt", std::string(200000, 'b'));
-    BackUp();
-    device().Remove(L"\\My Documents\\big.txt");
-    device().PutFile(L"\\My Documents\\b.txt", std::string(50000, 'b'));
+    HaveAStorageOfWhatIsGone();
     SetDword("MayDeleteOldStorage", 1);
     Open();
     device().Set("card.free", "20000");
@@ -62,23 +67,51 @@ TEST_F(FullCardTest, ItGivesUpTheOldStorageOnYes) {
     EXPECT_EQ(4u, Calls("RegSetValueExW", "onTime"));
 }
 
-// What is missing then is what the new storage lacks.
-TEST_F(FullCardTest, OneThatIsStillTooFullIsTold) {
+// A backup into a new storage would find no room either: every state would go for nothing.
+TEST_F(FullCardTest, TheOldStorageStaysWhereItsDeletionWouldNotHelp) {
     SetDword("MayDeleteOldStorage", 1);
     Open();
     device().Set("card.free", "100");
+    const std::string before = device().FileBytes(kStorageFile);
     Press(IDC_BACKUP);
-    Answer(IDYES);
-    const long missing = AskedFor();
+    const long asked_for = AskedFor();
     EXPECT_TRUE(BecomesIdle());
-    EXPECT_EQ(Numbers(), States());
+    EXPECT_EQ(before, device().FileBytes(kStorageFile));
+    EXPECT_EQ(Numbers{1}, States());
     EXPECT_EQ("Backup", SelectedTab());
-    ULARGE_INTEGER free{};
-    ASSERT_TRUE(::GetDiskFreeSpaceExW(L"\\Storage Card", &free, nullptr, nullptr));
-    device().Set("card.free", std::to_string(free.QuadPart + missing));
+    device().Set("card.free", std::to_string(asked_for));
     Press(IDC_BACKUP);
-    ExpectStates({1});
-    EXPECT_EQ(2u, BoxCount());
+    ExpectStates({1, 2});
+    EXPECT_EQ(1u, BoxCount());
+}
+
+// 4 GB and a little are free; that little is all that is looked at.
+TEST_F(FullCardTest, ACardWith4GigabytesFreeLosesNoState) {
+    SetDword("MayDeleteOldStorage", 1);
+    Open();
+    device().Set("card.size", "8000000000");
+    device().Set("card.free", std::to_string(4294967296 + 5 * 1024));
+    const std::string before = device().FileBytes(kStorageFile);
+    Press(IDC_BACKUP);
+    EXPECT_LT(0, AskedFor());
+    EXPECT_TRUE(BecomesIdle());
+    EXPECT_EQ(before, device().FileBytes(kStorageFile));
+    EXPECT_EQ(Numbers{1}, States());
+}
+
+// The record of the last state has its number at byte 20.
+TEST_F(FullCardTest, AStorageFileWithoutAFurtherNumberSaysSoAndStays) {
+    SetDword("MayDeleteOldStorage", 1);
+    std::string journal = device().FileBytes(kJournalFile);
+    for (std::size_t record = 0; record < journal.size(); record += 32) {
+        journal.replace(record + 20, 2, "\xFF\xFF");
+    }
+    device().PutFile(kJournalFile, journal);
+    Open();
+    Press(IDC_BACKUP);
+    ExpectBox(kStorageIsFull);
+    EXPECT_TRUE(BecomesIdle());
+    EXPECT_EQ(journal, device().FileBytes(kJournalFile));
 }
 
 }  // namespace

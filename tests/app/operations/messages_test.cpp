@@ -79,6 +79,7 @@ TEST_F(MessagesTest, OfABackup) {
         {7, kGood, ""},
         {8, kBad, kNotStarted},
         {9, kBad, NoMemory("1.5")},
+        {10, kBad, "The storage is write-protected." + kError},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.code);
@@ -89,6 +90,26 @@ TEST_F(MessagesTest, OfABackup) {
         EXPECT_EQ(row.is_good, Backup(row.code, true, true));
         EXPECT_EQ(row.is_good, Backup(row.code, true, false));
     }
+}
+
+TEST_F(MessagesTest, OfAStorageFileThatIsFull) {
+    ReportContext context{nullptr, false, false, 12345, 0};
+    context.storage_is_full = true;
+    EXPECT_FALSE(ReportBackup(ResultCode::kNoSpace, context));
+    ExpectBox(
+        "The storage file is full and takes no more states. Its states can be restored as "
+        "before.\nPlease choose a new storage file." +
+        kError);
+    context.automatic = true;
+    EXPECT_FALSE(ReportBackup(ResultCode::kNoSpace, context));
+}
+
+// The figure of a backup of more than 2 GB is no negative one.
+TEST_F(MessagesTest, OfALargeBackup) {
+    ReportBackup(ResultCode::kNoSpace, {nullptr, false, false, 3000000000, 0});
+    ExpectBox(
+        "Not enough disk space to backup. You need to free 3000000000 bytes on the storage card." +
+        kError);
 }
 
 TEST_F(MessagesTest, OfAnUnattendedRestore) {

@@ -72,16 +72,18 @@ TEST_F(StorageFilesTest, ANewStorageIsAHeadAndAnEmptyJournal) {
     EXPECT_TRUE(OpenJournal(storage, nullptr));
 }
 
-// Otherwise the old records match the device and nothing is ever stored again.
-TEST_F(StorageFilesTest, ANewStorageForgetsAnOldJournalAndATemporaryOne) {
+// In its place the old records would match the device, and nothing would ever be stored again.
+TEST_F(StorageFilesTest, ANewStorageKeepsAnOldJournalAndATemporaryOneAside) {
     device().PutFile(kJournal, std::string(64, 'j'));
     device().PutFile(kTemporary, std::string(32, 't'));
     EXPECT_TRUE(CreateNewStorage());
     EXPECT_EQ("", device().FileBytes(kJournal));
     EXPECT_FALSE(device().Exists(kTemporary));
+    EXPECT_EQ(std::string(64, 'j'), device().FileBytes(L"\\Backups\\Home.jrn_old"));
+    EXPECT_EQ(std::string(32, 't'), device().FileBytes(L"\\Backups\\Home.jrn_old2"));
 }
 
-TEST_F(StorageFilesTest, AJournalThatCannotBeEmptiedLeavesNoNewStorage) {
+TEST_F(StorageFilesTest, AJournalThatCannotBeMovedAsideLeavesNoNewStorage) {
     device().PutFile(kJournal, std::string(64, 'j'));
     {
         const tests::FileLock lock = device().Lock(kJournal);
@@ -146,6 +148,14 @@ TEST_F(StorageFilesTest, DeletingAHeldStorageFileIsFalse) {
     EXPECT_FALSE(DeleteOldStorage());
     EXPECT_TRUE(device().Exists(kSav));
     EXPECT_FALSE(device().Exists(kJournal));
+}
+
+TEST_F(StorageFilesTest, BesideAJournalThatStaysTheTemporaryOneIsNotDeleted) {
+    ASSERT_TRUE(CreateNewStorage());
+    device().PutFile(kTemporary, "t");
+    const tests::FileLock lock = device().Lock(kJournal);
+    EXPECT_FALSE(DeleteOldStorage());
+    EXPECT_TRUE(device().Exists(kTemporary));
 }
 
 // Else the next load would take what an interrupted save left for the journal.

@@ -73,7 +73,7 @@ TEST(JournalRecordsTest, WhatWasReadIsWrittenBackByteForByteInReverse) {
     std::uint32_t taken = 0;
     ASSERT_TRUE(ReadJournalRecords(file, *list, nullptr, taken));
     MemoryBytes saved;
-    EXPECT_TRUE(WriteJournalRecords(saved, *list, nullptr));
+    EXPECT_EQ(list->CountRecords(), WriteJournalRecords(saved, *list, nullptr));
     EXPECT_TRUE(second + kRecord == saved.content());
     EXPECT_EQ(2, saved.writes);
 }
@@ -85,8 +85,8 @@ TEST(JournalRecordsTest, WritingEndsAtTheFirstFailure) {
     ASSERT_TRUE(ReadJournalRecords(file, *list, nullptr, taken));
     MemoryBytes saved;
     saved.room = 31;
-    EXPECT_FALSE(WriteJournalRecords(saved, *list, nullptr));
-    EXPECT_FALSE(WriteJournalRecords(saved, *ObjectList::CreateList(), nullptr));
+    EXPECT_EQ(0u, WriteJournalRecords(saved, *list, nullptr));
+    EXPECT_EQ(0u, WriteJournalRecords(saved, *ObjectList::CreateList(), nullptr));
 }
 
 }  // namespace

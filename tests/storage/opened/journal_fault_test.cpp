@@ -1,4 +1,4 @@
-// The journal while the platform fails.
+// Loading the journal while the platform fails.
 #include "tests/support/engine_test.h"
 
 namespace tolvenar {
@@ -23,7 +23,6 @@ protected:
         EXPECT_EQ(0u, Log().find(u"E - "));
         EXPECT_EQ(records_, Content(kJournal));
     }
-    int Save() { return CloseJournal(storage_.names, storage_.journal, true, nullptr); }
 
     Bytes records_;
 };
@@ -64,7 +63,9 @@ TEST_F(JournalFaultTest, ASizeThatCannotBeHadIsAFailedLoad) {
 
 TEST_F(JournalFaultTest, AFailedRenamingOfAWholeTemporaryJournalIsAFailedLoad) {
     Put(kSav, "x");
-    ASSERT_TRUE(::MoveFileW(Wide(kJournal), Wide(kJournalTemporary)));
+    records_[88] = 32;  // a state
+    Put(kJournalTemporary, records_);
+    device().Remove(Wide(kJournal));
     Fail("MoveFileW", 1, ERROR_ACCESS_DENIED);
     EXPECT_FALSE(OpenJournal(storage_, nullptr));
     EXPECT_EQ(nullptr, storage_.journal);
@@ -92,88 +93,6 @@ TEST_F(JournalFaultTest, NoMemoryForARecordIsAFailedLoad) {
     }
     EXPECT_EQ(static_cast<std::size_t>(allocations) - 1, Occurrences(Log(), kNotRead));
     EXPECT_EQ(records_, Content(kJournal));
-}
-
-TEST_F(JournalFaultTest, WithoutATemporaryFileTheJournalStays) {
-    ASSERT_TRUE(OpenJournal(storage_, nullptr));
-    Fail("CreateFileW", 1, ERROR_DISK_FULL);
-    EXPECT_EQ(0, Save());
-    EXPECT_EQ(nullptr, storage_.journal);
-    EXPECT_EQ(records_, Content(kJournal));
-}
-
-// Intended: what could be written replaces the journal.
-TEST_F(JournalFaultTest, APartlyWrittenListReplacesTheJournal) {
-    ASSERT_TRUE(OpenJournal(storage_, nullptr));
-    Fail("WriteFile", 3, ERROR_DISK_FULL);
-    EXPECT_EQ(0, Save());
-    EXPECT_EQ(nullptr, storage_.journal);
-    const Bytes content = Content(kJournal);
-    ASSERT_EQ(64u, content.size());
-    EXPECT_EQ(3, content[0]);
-    EXPECT_EQ(2, content[32]);
-    EXPECT_FALSE(Exists(kJournalTemporary));
-}
-
-TEST_F(JournalFaultTest, AFailedFirstWriteEmptiesTheJournal) {
-    ASSERT_TRUE(OpenJournal(storage_, nullptr));
-    Fail("WriteFile", 1, ERROR_DISK_FULL);
-    EXPECT_EQ(0, Save());
-    EXPECT_EQ(Bytes{}, Content(kJournal));
-}
-
-TEST_F(JournalFaultTest, ProgressStopsWithTheFailedWrite) {
-    ASSERT_TRUE(OpenJournal(storage_, nullptr));
-    Fail("WriteFile", 2, ERROR_DISK_FULL);
-    EXPECT_EQ(0, CloseJournal(storage_.names, storage_.journal, true, &progress_));
-    EXPECT_EQ((Lines{"begin 3", "Saving object list...", "step"}), progress_.events);
-}
-
-TEST_F(JournalFaultTest, AListThatCannotTakeTheJournalsPlaceIsNotSaved) {
-    ASSERT_TRUE(OpenJournal(storage_, nullptr));
-    {
-        const UniqueHandle held = Hold(kJournal);
-        EXPECT_EQ(0, Save());
-    }
-    EXPECT_EQ(nullptr, storage_.journal);
-    EXPECT_EQ(records_, Content(kJournal));
-}
-
-TEST_F(JournalFaultTest, AFailedRenamingIsMadeUpForByTheNextLoad) {
-    Put(kSav, "x");
-    ASSERT_TRUE(OpenJournal(storage_, nullptr));
-    Fail("MoveFileW", 1, ERROR_ACCESS_DENIED);
-    EXPECT_EQ(0, Save());
-    EXPECT_FALSE(Exists(kJournal));
-    ASSERT_TRUE(OpenJournal(storage_, nullptr));
-    EXPECT_EQ(3u, storage_.journal->CountRecords());
-    EXPECT_TRUE(Exists(kJournal));
-}
-
-TEST_F(JournalFaultTest, AFailedFlushDoesNotKeepTheListFromTakingItsPlace) {
-    ASSERT_TRUE(OpenJournal(storage_, nullptr));
-    Fail("FlushFileBuffers", 1, ERROR_WRITE_FAULT);
-    EXPECT_EQ(1, Save());
-    EXPECT_EQ(96u, Content(kJournal).size());
-    EXPECT_EQ(3, Content(kJournal)[0]);
-}
-
-TEST_F(JournalFaultTest, AJournalThatCannotBeCutIsNotEmptied) {
-    Fail("SetEndOfFile", 1, ERROR_WRITE_FAULT);
-    EXPECT_FALSE(EmptyJournal(storage_.names));
-    EXPECT_EQ(records_, Content(kJournal));
-    EXPECT_TRUE(IsFree(kJournal));
-}
-
-TEST_F(JournalFaultTest, ATemporaryJournalThatStaysIsAFailure) {
-    Put(kJournalTemporary, records_);
-    const UniqueHandle held = Hold(kJournalTemporary);
-    EXPECT_FALSE(EmptyJournal(storage_.names));
-}
-
-TEST_F(JournalFaultTest, AJournalThatCannotBeOpenedIsNotEmptied) {
-    const UniqueHandle held = Hold(kJournal);
-    EXPECT_FALSE(EmptyJournal(storage_.names));
 }
 
 }  // namespace

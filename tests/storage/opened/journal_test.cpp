@@ -316,20 +316,6 @@ TEST_F(JournalTest, ATemporaryJournalWithoutAStorageIsNoJournal) {
     EXPECT_TRUE(Exists(kJournalTemporary));
 }
 
-TEST_F(JournalTest, AnEmptiedJournalHasNoTemporaryOne) {
-    Put(kJournal, kThreeRecords);
-    Put(kJournalTemporary, kThreeRecords);
-    EXPECT_TRUE(EmptyJournal(storage_.names));
-    EXPECT_EQ(Bytes{}, Content(kJournal));
-    EXPECT_FALSE(Exists(kJournalTemporary));
-    EXPECT_TRUE(IsFree(kJournal));
-}
-
-TEST_F(JournalTest, EmptyingMakesAMissingJournal) {
-    EXPECT_TRUE(EmptyJournal(storage_.names));
-    EXPECT_EQ(Bytes{}, Content(kJournal));
-}
-
 TEST_F(JournalTest, AThousandRecordsComeBackAsTheyWere) {
     storage_.journal = ObjectList::CreateList();
     Bytes expected;

@@ -229,10 +229,10 @@ TEST_F(StorageFileTest, AHeadThatIsBeingReadCanBeReadAndAMissingOneIsNotMade) {
     EXPECT_FALSE(Exists(u"\\Storage Card\\None.sav"));
 }
 
-TEST_F(StorageFileTest, AStorageThatCannotBeWrittenIsNotOpened) {
+TEST_F(StorageFileTest, AStorageThatIsWriteProtectedIsOpened) {
     ASSERT_TRUE(CreateStorage(kSav, nullptr));
     device().SetAttributes(Wide(kSav), FILE_ATTRIBUTE_READONLY);
-    EXPECT_EQ(OpenStorageResult::kFileMissing, Open());
+    EXPECT_EQ(OpenStorageResult::kOpened, Open());
 }
 
 TEST_F(StorageFileTest, OnlyAFileThatIsNotThereIsReallyAbsent) {

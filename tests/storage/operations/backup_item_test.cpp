@@ -5,6 +5,7 @@
 #include "storage/files/handle_bytes.h"
 #include "storage/format/property_encoding.h"
 #include "storage/objects/object_data_writers.h"
+#include "storage/operations/backup_room.h"
 #include "storage/operations/backup_writer.h"
 #include "tests/support/engine_test.h"
 
@@ -18,7 +19,8 @@ protected:
     // The storage file, open for appending.
     struct OpenedSav {
         explicit OpenedSav(const StorageNames& names)
-            : file(OpenSavFile(names)), storage(bytes, ::GetFileSize(file.get(), nullptr)) {}
+            : file(OpenSavFileForWriting(names)),
+              storage(bytes, ::GetFileSize(file.get(), nullptr)) {}
         UniqueHandle file;
         HandleBytes bytes{file.get()};
         StorageAppender storage;

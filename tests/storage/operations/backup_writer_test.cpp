@@ -117,7 +117,7 @@ TEST_F(BackupWriterTest, ABackupThatNeedsExactlyTheFreeSpaceProceedsAndOneByteMo
     device().PutFile(L"\\a.txt", "a");
     device().Set("card.free", "0");
     EXPECT_EQ(Failed(ResultCode::kNoSpace), Backup(1));
-    const std::uint32_t needed = backup_.bytes_needed;
+    const std::uint64_t needed = backup_.bytes_needed;
     EXPECT_EQ(kHead, Content(kSav).size());
     device().Set("card.free", std::to_string(needed - 1));
     EXPECT_EQ(Failed(ResultCode::kNoSpace), Backup(1));
@@ -139,9 +139,16 @@ TEST_F(BackupWriterTest, OnlyTheLowHalfOfTheFreeSpaceIsLookedAt) {
     EXPECT_TRUE(Backup(1).done);
 }
 
-TEST_F(BackupWriterTest, AStateNumberThatARecordCannotHoldFails) {
-    EXPECT_EQ(Failed(), Backup(0x10000));
+TEST_F(BackupWriterTest, BehindTheLastStateNumberTheStorageFileIsFullAndTheLogSaysSo) {
+    EXPECT_EQ(Failed(ResultCode::kNoSpace), Backup(0x10000));
+    EXPECT_TRUE(backup_.storage_is_full);
     EXPECT_EQ(kHead, Content(kSav).size());
+    EXPECT_EQ((Lines{"E DoBackup: The storage file has no number for another state"}), LogLines());
+}
+
+TEST_F(BackupWriterTest, TheLastStateNumberIsUsed) {
+    EXPECT_EQ(Done(), Backup(0xFFFF));
+    EXPECT_EQ(0xFFFF, storage_.journal->MaxStateNumber());
 }
 
 }  // namespace
