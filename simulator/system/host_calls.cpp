@@ -43,9 +43,9 @@ void* FindFunction(void* module, const wchar_t* name) {
 }
 
 std::wstring ModulePath(void* module) {
-    wchar_t path[MAX_PATH] = L"";
+    wchar_t path[2 * MAX_PATH] = L"";
     const bool is_program = module == nullptr || module == ::GetModuleHandleW(nullptr);
-    if (is_program && ::GetEnvironmentVariableW(L"CEPROGRAM", path, MAX_PATH) != 0) {
+    if (is_program && ::GetEnvironmentVariableW(L"CEPROGRAM", path, 2 * MAX_PATH) != 0) {
         return path;
     }
     if (::GetModuleFileNameW(static_cast<HMODULE>(module), path, MAX_PATH) == 0) {

@@ -157,6 +157,15 @@ void DatabaseLayer::CloseDatabaseCached(HANDLE database) {
     }
 }
 
+DWORD DatabaseLayer::UsersOf(HANDLE database) const {
+    for (const CacheEntry& entry : cache_) {
+        if (entry.handle == database && database != INVALID_HANDLE_VALUE) {
+            return entry.use_count;
+        }
+    }
+    return 0;
+}
+
 bool DatabaseLayer::DropCachedDatabase(const char16_t* name) {
     CacheEntry* entry = FindCached(0, name);
     if (entry == nullptr) {

@@ -72,6 +72,8 @@ public:
                               HWND notify_window);
     // Keeps a cached handle open, with one user less; closes any other.
     void CloseDatabaseCached(HANDLE database);
+    // How many have a cached handle now; 0 for any other.
+    DWORD UsersOf(HANDLE database) const;
     // Closes the database's cached handle before it is deleted or changed; false when there is
     // none.
     bool DropCachedDatabase(const char16_t* name);

@@ -77,6 +77,9 @@ TEST_F(SystemTest, AModulesFileNameIsADevicePath) {
     wchar_t small[9];
     EXPECT_EQ(8u, ::GetModuleFileNameW(nullptr, small, 9));
     EXPECT_STREQ(L"\\Windows", small);
+    device().Set("program.name", "filled");
+    EXPECT_EQ(9u, ::GetModuleFileNameW(nullptr, small, 9));
+    EXPECT_EQ(L"\\Windows\\", std::wstring(small, 9));
 }
 
 class LocaleTest : public tests::DeviceTest {

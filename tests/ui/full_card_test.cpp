@@ -32,14 +32,26 @@ protected:
 
 // Whether the old storage may go is what the Options page had when it was last read.
 TEST_F(FullCardTest, ItTellsWhatIsMissingOnce) {
+    HaveAStorageOfWhatIsGone();
     Open();
     SetDword("MayDeleteOldStorage", 1);
-    device().Set("card.free", "12000");
+    device().Set("card.free", "20000");
     Press(IDC_BACKUP);
     EXPECT_LT(0, AskedFor());
     EXPECT_TRUE(BecomesIdle());
     EXPECT_EQ(1u, BoxCount());
-    EXPECT_EQ(Numbers{1}, States());
+    EXPECT_EQ((Numbers{1, 2}), States());
+}
+
+TEST_F(FullCardTest, ThatTheOldStorageMayGoIsNotTakenBackBehindTheOptionsPage) {
+    HaveAStorageOfWhatIsGone();
+    SetDword("MayDeleteOldStorage", 1);
+    Open();
+    SetDword("MayDeleteOldStorage", 0);
+    device().Set("card.free", "20000");
+    PressAndExpect(IDC_BACKUP, kMayOldStorageGo, IDNO);
+    EXPECT_LT(0, AskedFor());
+    EXPECT_TRUE(BecomesIdle());
 }
 
 TEST_F(FullCardTest, ItAsksForTheOldStorageAndKeepsItOnNo) {

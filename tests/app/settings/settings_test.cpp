@@ -234,6 +234,13 @@ TEST_F(SettingsTest, TheDefaultFolderLiesBesideTheProgramWhereverThatIs) {
     EXPECT_EQ(Text(u"\\Storage\\"), Folder());
 }
 
+// Nothing says then where the path ends.
+TEST_F(SettingsTest, AProgramWhosePathFillsTheBufferHasItsStorageInTheRoot) {
+    device().Set("program.name", "filled");
+    const RunningAs too_deep(L"\\p\\" + std::wstring(257, L'T'));
+    EXPECT_EQ(Text(u"\\Storage\\"), Folder());
+}
+
 TEST_F(SettingsTest, TheStoragePathIsFolderAndStemWithNothingBetween) {
     SetText(setting::kStorageFile, u"Home");
     EXPECT_EQ(ProgramFolder() + u"\\Storage\\Home", Path());

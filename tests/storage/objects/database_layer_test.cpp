@@ -58,6 +58,11 @@ TEST_F(DatabaseLayerTest, OfFourSortOrdersANewDatabaseIsGivenThree) {
     EXPECT_EQ((std::vector<CEPROPID>{}), SortOrdersTaken(0));
     EXPECT_EQ((std::vector<CEPROPID>{0x00010003}), SortOrdersTaken(1));
     EXPECT_EQ((std::vector<CEPROPID>{0x00010003, 0x00020003, 0x00030003}), SortOrdersTaken(3));
+    // A description has room for four and no more.
+    for (const WORD many : {WORD{5}, WORD{100}, WORD{0xFFFF}}) {
+        EXPECT_EQ((std::vector<CEPROPID>{0x00010003, 0x00020003, 0x00030003}),
+                  SortOrdersTaken(many));
+    }
     EXPECT_EQ((std::vector<CEPROPID>{0x00010003, 0x00020003, 0x00030003}), SortOrdersTaken(4));
     EXPECT_EQ((std::vector<CEPROPID>{0x00010003, 0x00020003, 0x00030003}), SortOrdersTaken(9));
 }
@@ -170,6 +175,27 @@ TEST_F(DatabaseLayerTest, ADatabaseThatIsOpenInTheCacheGivesTheSameHandle) {
     EXPECT_EQ(first, OpenCached(u"First"));
     CEOID by_oid = oid;
     EXPECT_EQ(first, databases_.OpenDatabaseCached(by_oid, nullptr, 0, 0, nullptr));
+}
+
+TEST_F(DatabaseLayerTest, ACachedHandleCountsItsUsers) {
+    MakeDatabase(L"First");
+    const HANDLE handle = OpenCached(u"First");
+    EXPECT_EQ(1u, databases_.UsersOf(handle));
+    OpenCached(u"First");
+    EXPECT_EQ(2u, databases_.UsersOf(handle));
+    for (const DWORD left : {1u, 0u, 0u}) {
+        databases_.CloseDatabaseCached(handle);
+        EXPECT_EQ(left, databases_.UsersOf(handle));
+    }
+    EXPECT_EQ(0u, databases_.UsersOf(INVALID_HANDLE_VALUE));
+}
+
+TEST_F(DatabaseLayerTest, ADatabaseThatIsOpenedAgainAfterItWasDroppedHasOneUser) {
+    MakeDatabase(L"First");
+    OpenCached(u"First");
+    OpenCached(u"First");
+    ASSERT_TRUE(databases_.DropCachedDatabase(u"First"));
+    EXPECT_EQ(1u, databases_.UsersOf(OpenCached(u"First")));
 }
 
 TEST_F(DatabaseLayerTest, AFoundEntryGivesItsIdentifier) {

@@ -71,6 +71,23 @@ TEST_F(FindMatchingRecordTest, ADesktopRecordWithoutAKeyIsMadeAnew) {
     EXPECT_EQ(0u, Find(kDesktop, nullptr, oid));
 }
 
+// The platform says so where a property was asked for and is not there; its value means nothing.
+TEST_F(FindMatchingRecordTest, AKeyThatIsMarkedAsNotFoundIsNone) {
+    MakeDatabase(L"\\DesktopPositions");
+    const CEOID oid = AddRecord(L"\\DesktopPositions", {{kKeyText, 0, L"Recycler"}});
+    CEOID database_oid = 0;
+    const UniqueHandle database(databases_.OpenDatabase(database_oid, kDesktop, 0, 0, nullptr));
+    CEPROPVAL property{};
+    property.propid = kKeyText;
+    property.val.lpwstr = const_cast<wchar_t*>(L"Recycler");
+    EXPECT_EQ(oid,
+              FindMatchingRecord(databases_, database.get(), kDesktop, &property, 1, 0, written_));
+    property.wFlags = CEDB_PROPNOTFOUND;
+    property.val.lpwstr = reinterpret_cast<wchar_t*>(1);
+    EXPECT_EQ(0u,
+              FindMatchingRecord(databases_, database.get(), kDesktop, &property, 1, 0, written_));
+}
+
 TEST_F(FindMatchingRecordTest, ADesktopRecordThatThisRestoreWroteIsPassedOver) {
     MakeDatabase(L"\\DesktopPositions");
     const CEOID first = AddRecord(L"\\DesktopPositions", {{kKeyText, 0, L"Recycler"}});

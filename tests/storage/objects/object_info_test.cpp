@@ -171,6 +171,19 @@ TEST_F(ObjectInfoTest, AnObjectThatIsUnavailableForAMomentIsAskedTenTimes) {
     EXPECT_EQ(before + 10, device().Calls("CeOidGetInfoEx"));
 }
 
+// The first call is for the record, those behind it for its database.
+TEST_F(ObjectInfoTest, ARecordsDatabaseThatIsUnavailableForAMomentIsAskedTenTimesToo) {
+    MakeDatabase(L"First");
+    const CEOID oid = AddRecord(L"First", {{kNumber, 1}});
+    InfoBlock block;
+    device().Fault("CeOidGetInfoEx", 2, 9, ERROR_INVALID_HANDLE);
+    EXPECT_TRUE(info_.GetOIDInfo(0, oid, block));
+    EXPECT_EQ(Text(u"First"), block.name());
+    device().EndFaults();
+    device().Fault("CeOidGetInfoEx", 2, 10, ERROR_INVALID_HANDLE);
+    EXPECT_FALSE(info_.GetOIDInfo(0, oid, block));
+}
+
 TEST_F(ObjectInfoTest, TenMillisecondsPassBehindEveryFailure) {
     device().PutFile(L"\\a.txt", "a");
     const CEOID oid = OidOfPath(L"\\a.txt");
