@@ -1,0 +1,231 @@
+// Random series in which backups are disturbed: files are held, calls fail, the card is
+// write-protected. Whatever happened, no state of before changes, what was there before and still
+// is stays in the new state, and the program comes to rest.
+#include <optional>
+
+#include "tests/model/change_generator.h"
+#include "tests/support/engine_test.h"
+
+namespace tolvenar {
+namespace {
+
+using tests::Contents;
+using tests::ContentsOf;
+using tests::DeviceImage;
+using tests::Differences;
+
+constexpr int kStepsOfASeries = 40;
+constexpr Answer kNothing = Done(ResultCode::kNoDifference);
+constexpr wchar_t kOldJournal[] = L"\\Storage Card\\Backup\\Home.jrn_old";
+
+// What a state must bring back: `exactly` this, or of each thing the version of one of two devices.
+struct State {
+    std::optional<DeviceImage> exactly;
+    DeviceImage before;
+    DeviceImage now;
+};
+
+struct Disturbance {
+    const char* function;
+    int most;  // the call that fails is one of the first so many
+    std::uint32_t error;
+};
+constexpr Disturbance kDisturbances[] = {
+    {"WriteFile", 2, ERROR_WRITE_FAULT},
+    {"WriteFile", 12, ERROR_DISK_FULL},
+    {"SetEndOfFile", 1, ERROR_DISK_FULL},
+    {"FlushFileBuffers", 2, ERROR_WRITE_FAULT},
+    {"CreateFileForMappingW", 8, ERROR_SHARING_VIOLATION},
+    {"MapViewOfFile", 8, ERROR_NOT_ENOUGH_MEMORY},
+    {"FindFirstFileW", 4, ERROR_NOT_ENOUGH_MEMORY},
+    {"FindNextFileW", 8, ERROR_NOT_ENOUGH_MEMORY},
+    {"RegOpenKeyExW", 12, ERROR_NOT_ENOUGH_MEMORY},
+    {"RegEnumValueW", 6, ERROR_NOT_ENOUGH_MEMORY},
+    {"RegQueryValueExW", 3, ERROR_NOT_ENOUGH_MEMORY},
+    {"CeFindFirstDatabaseEx", 1, ERROR_NOT_ENOUGH_MEMORY},
+    {"CeOpenDatabaseEx", 6, ERROR_NOT_ENOUGH_MEMORY},
+    {"CeReadRecordPropsEx", 8, ERROR_NOT_ENOUGH_MEMORY},
+};
+
+class DisturbedSeriesTest : public EngineTest, public ::testing::WithParamInterface<std::uint32_t> {
+protected:
+    void SetUp() override {
+        EngineTest::SetUp();
+        LetTimePass();
+        device_model_.model().keys[u"HKCU\\Software"];  // of the program's own settings
+        changes_.ChangeSome(40);
+        ASSERT_EQ(Done(), Backup());
+        states_.push_back({model(), {}, {}});
+    }
+
+    DeviceImage& model() { return device_model_.model(); }
+
+    // The device is whole and nothing disturbs: at most one backup, then there is nothing to do.
+    std::string BackUpUndisturbed() {
+        const Answer backup = Backup();
+        EXPECT_TRUE(backup == Done() || backup == kNothing) << backup;
+        if (backup == Done()) {
+            states_.push_back({model(), {}, {}});
+        }
+        EXPECT_EQ(kNothing, Backup()) << "a second backup";
+        return backup == Done() ? "backup " + std::to_string(states_.size()) : "no backup";
+    }
+
+    // Some files are held; the state has the versions of the state before of them.
+    std::string BackUpWithHeldFiles() {
+        DeviceImage wanted = model();
+        std::string told = "held:";
+        std::vector<tests::FileLock> locks;
+        for (const auto& [path, file] : model().files) {
+            if (file.is_folder || file.bytes.empty() || changes_.Below(4) != 0) {
+                continue;
+            }
+            locks.push_back(device().Lock(path));
+            told += " " + std::string(path.begin(), path.end());
+            const auto& before = states_.back().exactly->files;
+            const auto kept = before.find(path);
+            if (kept == before.end()) {
+                wanted.files.erase(path);
+            } else {
+                wanted.files[path] = kept->second;
+            }
+        }
+        const Answer backup = Backup();
+        EXPECT_TRUE(backup == Done() || backup == kNothing) << backup;
+        if (backup == Done()) {
+            states_.push_back({wanted, {}, {}});
+        } else {
+            EXPECT_EQ(Lines(), Differences(states_.back().exactly->Lines(), wanted.Lines()));
+        }
+        EXPECT_EQ(kNothing, Backup()) << "a second backup with the same files held";
+        return told;
+    }
+
+    // A backup of which one call fails, and one that makes it good.
+    std::string BackUpDisturbed() {
+        const Disturbance& row = kDisturbances[changes_.Below(std::size(kDisturbances))];
+        const int n = 1 + static_cast<int>(changes_.Below(static_cast<std::size_t>(row.most)));
+        const Bytes journal = Content(kJournal);
+        device().Fault(row.function, n, 1, row.error);
+        const Answer backup = Backup();
+        device().DropFaults();
+        if (backup == Done()) {
+            states_.push_back({std::nullopt, *states_.back().exactly, model()});
+        } else if (device().Exists(kOldJournal)) {
+            // The card failed while the new list was written: the old one is there.
+            EXPECT_EQ(journal, device().FileBytes(kOldJournal));
+            Put(kJournal, journal);
+            device().Remove(kOldJournal);
+        } else if (!(backup == kNothing)) {
+            EXPECT_EQ(journal, Content(kJournal)) << "a backup that failed";
+        }
+        CloseStorage(storage_);
+        EXPECT_TRUE(Open());
+        EXPECT_EQ(states_.size(), HighestStateNumber(storage_.journal.get()));
+        return std::string(row.function) + " " + std::to_string(n) + ", then " +
+               BackUpUndisturbed();
+    }
+
+    std::string BackUpOntoAProtectedCard() {
+        const Bytes journal = Content(kJournal);
+        const Bytes sav = Content(kSav);
+        device().Set("card.protected", "yes");
+        const Answer backup = Backup();
+        EXPECT_TRUE(backup == Failed() || backup == kNothing) << backup;
+        CloseStorage(storage_);
+        EXPECT_TRUE(Open());
+        RestoreAndCheck(1 + changes_.Below(states_.size()), 3);
+        device().Set("card.protected", "no");
+        EXPECT_EQ(journal, Content(kJournal));
+        EXPECT_EQ(sav, Content(kSav));
+        return "write-protected";
+    }
+
+    // The state comes back; at most `most` restores until there is nothing to do.
+    std::string RestoreAndCheck(std::uint32_t number, int most = 2) {
+        Answer restore = Restore(number);
+        for (int i = 1; i < most && !(restore == kNothing); ++i) {
+            EXPECT_TRUE(restore == Done() || most > 2) << restore;
+            restore = Restore(number);
+        }
+        EXPECT_EQ(kNothing, restore) << "the last restore of " << number;
+        const State& state = states_[number - 1];
+        if (state.exactly) {
+            EXPECT_EQ(Lines(), Differences(state.exactly->Lines(), ContentsOf(device().sim())));
+            model() = *state.exactly;
+        } else {
+            model() = tests::ImageOf(device().sim());
+            ExpectOneOrTheOther(state);
+        }
+        return "restore " + std::to_string(number);
+    }
+
+    // Whatever both had is there, in one version or the other, and nothing else is.
+    void ExpectOneOrTheOther(const State& state) {
+        Contents either = state.before.Lines();
+        either.merge(state.now.Lines());
+        for (const std::string& line : model().Lines()) {
+            EXPECT_NE(either.end(), either.find(line)) << "came from nowhere: " << line;
+        }
+        for (const auto& [path, file] : state.before.files) {
+            EXPECT_GE(model().files.count(path), state.now.files.count(path))
+                << "lost " << std::string(path.begin(), path.end());
+        }
+        for (const auto& [path, values] : state.before.keys) {
+            const auto now = state.now.keys.find(path);
+            if (now == state.now.keys.end()) {
+                continue;
+            }
+            for (const auto& [name, value] : values) {
+                EXPECT_GE(model().keys[path].count(name), now->second.count(name))
+                    << "lost a value of " << std::string(path.begin(), path.end());
+            }
+        }
+        EXPECT_EQ(Lines(), tests::Lost(state.before.Lines(), state.now.Lines(), model().Lines()));
+    }
+
+    std::string Step() {
+        const std::uint32_t kind = changes_.Below(100);
+        std::string told = kind < 80 ? changes_.ChangeSome(10) : "";
+        if (kind < 25) {
+            return told + BackUpWithHeldFiles() + ", then " + BackUpUndisturbed();
+        }
+        if (kind < 55) {
+            return told + BackUpDisturbed();
+        }
+        if (kind < 60) {
+            return told + BackUpOntoAProtectedCard();
+        }
+        if (kind < 70) {
+            return told + BackUpUndisturbed();
+        }
+        told += RestoreAndCheck(1 + changes_.Below(states_.size()));
+        return told;
+    }
+
+    tests::TestDevice test_device_{device()};
+    tests::ModelledDevice device_model_{test_device_};
+    tests::ChangeGenerator changes_{device_model_, GetParam()};
+    std::vector<State> states_;
+};
+
+TEST_P(DisturbedSeriesTest, NothingThatWasThereAndIsThereIsLost) {
+    std::string story;
+    for (int i = 0; i < kStepsOfASeries && !HasFailure(); ++i) {
+        story += Step() + "\n";
+    }
+    EXPECT_FALSE(HasFailure()) << story;
+    for (std::uint32_t number = 1; number <= states_.size() && !HasFailure(); ++number) {
+        RestoreAndCheck(number);
+    }
+    if (!HasFailure() && states_.back().exactly) {
+        RestoreAndCheck(static_cast<std::uint32_t>(states_.size()));
+        EXPECT_EQ(kNothing, Backup()) << "a backup of the last state";
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, DisturbedSeriesTest,
+                         ::testing::Values(1u, 2u, 3u, 4u, 5u, 6u, 7u, 8u));
+
+}  // namespace
+}  // namespace tolvenar
