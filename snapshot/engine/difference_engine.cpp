@@ -46,10 +46,13 @@ struct Descriptions {
 
 void ScanObjectStoreFiles(Engine& engine) {
     const StorageNames& names = engine.storage.names;
-    const StorageFileNames storage_files{{NameWithoutFolder(names.sav),
-                                          NameWithoutFolder(names.journal),
-                                          NameWithoutFolder(names.journal_temporary)}};
-    FileScan scan{*engine.storage.newer, engine.info, storage_files};
+    StorageLocation location;
+    SplitStoragePath(names.path, location);
+    const StorageFileNames storage_files{
+        {NameWithoutFolder(names.sav), NameWithoutFolder(names.journal),
+         NameWithoutFolder(names.journal_temporary)},
+        location.folder};
+    FileScan scan{*engine.storage.newer, engine.info, storage_files, engine.storage.left_out};
     ScanFiles(scan, u"", MakeFileObject);
 }
 
@@ -63,12 +66,14 @@ void ScanHives(Engine& engine) {
 
 // Scans the device into the newer list.
 void ScanDevice(Engine& engine) {
+    engine.storage.left_out.Clear();
     engine.progress.ProgressStep(u"Scanning files...");
     ScanObjectStoreFiles(engine);
     engine.storage.registry_objects.RegObjectClear();
     ScanHives(engine);
     engine.progress.ProgressStep(u"Scanning databases...");
-    DatabaseScan scan{*engine.storage.newer, engine.info, engine.databases};
+    DatabaseScan scan{*engine.storage.newer, engine.info, engine.databases,
+                      engine.storage.left_out};
     ScanDatabases(scan, MakeDatabaseObject);
 }
 
