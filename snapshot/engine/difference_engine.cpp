@@ -1,16 +1,14 @@
 #include "snapshot/engine/difference_engine.h"
 
 #include "platform/text.h"
-#include "platform/unique_resource.h"
 #include "snapshot/compare/difference.h"
+#include "snapshot/compare/own_files.h"
 #include "snapshot/compare/prune.h"
+#include "snapshot/engine/descriptions.h"
 #include "snapshot/scan/database_scanner.h"
 #include "snapshot/scan/file_scanner.h"
 #include "snapshot/scan/registry_scanner.h"
 #include "snapshot/text/log.h"
-#include "storage/files/handle_bytes.h"
-#include "storage/format/storage_names.h"
-#include "storage/format/storage_reader.h"
 
 namespace tolvenar {
 namespace {
@@ -30,29 +28,9 @@ constexpr Hive kHives[] = {
     {kHiveUsers, u"Scanning HKU registry entry..."},
 };
 
-// The open storage file and what describes objects while it is open.
-struct Descriptions {
-    explicit Descriptions(Engine& engine)
-        : sav_file(OpenSavFile(engine.storage.names)),
-          bytes(sav_file.get()),
-          stored(bytes),
-          source(stored, engine.info) {}
-
-    UniqueHandle sav_file;
-    HandleBytes bytes;
-    StorageReader stored;
-    InfoSource source;
-};
-
 void ScanObjectStoreFiles(Engine& engine) {
-    const StorageNames& names = engine.storage.names;
-    StorageLocation location;
-    SplitStoragePath(names.path, location);
-    const StorageFileNames storage_files{
-        {NameWithoutFolder(names.sav), NameWithoutFolder(names.journal),
-         NameWithoutFolder(names.journal_temporary)},
-        location.folder};
-    FileScan scan{*engine.storage.newer, engine.info, storage_files, engine.storage.left_out};
+    const OwnFiles own_files(engine.storage.names);
+    FileScan scan{*engine.storage.newer, engine.info, own_files.names(), engine.storage.left_out};
     ScanFiles(scan, u"", MakeFileObject);
 }
 

@@ -12,6 +12,10 @@ struct BackupResult {
     ResultCode code = ResultCode::kSuccess;
     // Room on the card that the backup asks for; 0 until it is known.
     std::uint32_t bytes_needed = 0;
+    // What the new state, or the last one with kNoDifference, does not hold as it is on the device.
+    std::uint32_t held = 0;    // not read, and stored in no version
+    std::uint32_t kept = 0;    // not read; the version of the state before stays
+    std::uint32_t failed = 0;  // read, but could not be written
 };
 
 }  // namespace tolvenar

@@ -197,7 +197,7 @@ TEST_F(BackupItemTest, ARecordThatGrewOrShrankSinceItWasDescribedFails) {
     const CEOID oid = AddRecord(L"First", {{kNumber, 1}, {kName, 0, L"name"}});
     InfoBlock block;
     ASSERT_TRUE(info_.GetOIDInfo(0, oid, block));
-    for (const wchar_t* name : {L"nam", L"names"}) {
+    for (const wchar_t* name : {L"n", L"a longer name"}) {
         WriteRecord(L"First", oid, {{kName, 0, name}});
         EXPECT_FALSE(Writes(block, oid)) << name;
     }
