@@ -2,6 +2,8 @@
 
 #include <string_view>
 
+#include "snapshot/text/letter_case.h"
+
 namespace tolvenar {
 namespace {
 
@@ -44,28 +46,61 @@ constexpr ValueRule kValueRules[] = {
     {kHiveLocalMachine, u"SOFTWARE\\Microsoft\\Shell\\Rai\\:MSSHELL32", u"4"},
 };
 
+constexpr Text kOldJournalMark = u"_old";
+constexpr Text kLogName = u"tolvenar_log.txt";
+
 constexpr Text kRecycleDatabases = u"\\RecycleInfo";
 
 bool BeginsWith(Text text, Text beginning) {
     return text.size() >= beginning.size() && Text(text.data(), beginning.size()) == beginning;
 }
 
+bool BeginsWithIgnoringCase(Text text, Text beginning) {
+    return text.size() >= beginning.size() &&
+           EqualIgnoringCase(Text(text.data(), beginning.size()), beginning);
+}
+
+bool IsNumber(Text text) { return text.find_first_not_of(u"0123456789") == Text::npos; }
+
+// What is behind `beginning`; false when the text begins otherwise.
+bool Skip(Text& text, Text beginning) {
+    if (!BeginsWithIgnoringCase(text, beginning)) {
+        return false;
+    }
+    text.remove_prefix(beginning.size());
+    return true;
+}
+
+// A journal that was moved aside: its name, the mark, and a number or none.
+bool IsOldJournal(Text name, const StorageFileNames& storage_files) {
+    const char16_t* journal = storage_files.names[kJournalName];
+    return journal != nullptr && *journal != 0 && Skip(name, journal) &&
+           Skip(name, kOldJournalMark) && IsNumber(name);
+}
+
+bool IsLogFile(Text folder, Text name, const StorageFileNames& storage_files) {
+    return storage_files.folder != nullptr && EqualIgnoringCase(name, kLogName) &&
+           EqualIgnoringCase(folder, storage_files.folder);
+}
+
+// Without regard to the case of letters, as the device finds the files: the program's own journal
+// in a state would be deleted by a restore.
 bool IsStorageFile(Text folder, Text name, const StorageFileNames& storage_files) {
     for (const char16_t* file : storage_files.names) {
         if (file == nullptr || *file == 0) {
             continue;
         }  // no storage is configured
-        if (name == file) {
+        if (EqualIgnoringCase(name, file)) {
             return true;
         }
         if (folder.empty() || folder[0] != u'\\') {
             continue;
         }
-        if (BeginsWith(Text(folder.data() + 1, folder.size() - 1), file)) {
+        if (BeginsWithIgnoringCase(Text(folder.data() + 1, folder.size() - 1), file)) {
             return true;
         }
     }
-    return false;
+    return IsOldJournal(name, storage_files) || IsLogFile(folder, name, storage_files);
 }
 
 bool IsExcludedFile(Text folder, Text name, const StorageFileNames* storage_files) {
@@ -125,6 +160,16 @@ bool IsExcludedValue(std::uint32_t hive, const char16_t* key_path, const char16_
         return false;
     }
     return AnyRow(kValueRules, hive, key_path, value_name);
+}
+
+bool IsExcludedRegistryObject(std::uint32_t hive, const char16_t* key_path,
+                              const char16_t* value_name) {
+    if (hive == kHiveLocalMachine &&
+        (IsExcluded(ExclusionKind::kRegistryKey, key_path, nullptr, nullptr) ||
+         IsExcluded(ExclusionKind::kRegistryValue, key_path, value_name, nullptr))) {
+        return true;
+    }
+    return IsExcludedValue(hive, key_path, value_name);
 }
 
 bool IsExcludedDatabase(const char16_t* name) {

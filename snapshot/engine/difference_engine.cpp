@@ -1,16 +1,14 @@
 #include "snapshot/engine/difference_engine.h"
 
 #include "platform/text.h"
-#include "platform/unique_resource.h"
 #include "snapshot/compare/difference.h"
+#include "snapshot/compare/own_files.h"
 #include "snapshot/compare/prune.h"
+#include "snapshot/engine/descriptions.h"
 #include "snapshot/scan/database_scanner.h"
 #include "snapshot/scan/file_scanner.h"
 #include "snapshot/scan/registry_scanner.h"
 #include "snapshot/text/log.h"
-#include "storage/files/handle_bytes.h"
-#include "storage/format/storage_names.h"
-#include "storage/format/storage_reader.h"
 
 namespace tolvenar {
 namespace {
@@ -30,26 +28,9 @@ constexpr Hive kHives[] = {
     {kHiveUsers, u"Scanning HKU registry entry..."},
 };
 
-// The open storage file and what describes objects while it is open.
-struct Descriptions {
-    explicit Descriptions(Engine& engine)
-        : sav_file(OpenSavFile(engine.storage.names)),
-          bytes(sav_file.get()),
-          stored(bytes),
-          source(stored, engine.info) {}
-
-    UniqueHandle sav_file;
-    HandleBytes bytes;
-    StorageReader stored;
-    InfoSource source;
-};
-
 void ScanObjectStoreFiles(Engine& engine) {
-    const StorageNames& names = engine.storage.names;
-    const StorageFileNames storage_files{{NameWithoutFolder(names.sav),
-                                          NameWithoutFolder(names.journal),
-                                          NameWithoutFolder(names.journal_temporary)}};
-    FileScan scan{*engine.storage.newer, engine.info, storage_files};
+    const OwnFiles own_files(engine.storage.names);
+    FileScan scan{*engine.storage.newer, engine.info, own_files.names(), engine.storage.left_out};
     ScanFiles(scan, u"", MakeFileObject);
 }
 
@@ -63,12 +44,14 @@ void ScanHives(Engine& engine) {
 
 // Scans the device into the newer list.
 void ScanDevice(Engine& engine) {
+    engine.storage.left_out.Clear();
     engine.progress.ProgressStep(u"Scanning files...");
     ScanObjectStoreFiles(engine);
     engine.storage.registry_objects.RegObjectClear();
     ScanHives(engine);
     engine.progress.ProgressStep(u"Scanning databases...");
-    DatabaseScan scan{*engine.storage.newer, engine.info, engine.databases};
+    DatabaseScan scan{*engine.storage.newer, engine.info, engine.databases,
+                      engine.storage.left_out};
     ScanDatabases(scan, MakeDatabaseObject);
 }
 

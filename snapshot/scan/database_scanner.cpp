@@ -40,9 +40,14 @@ void VisitDatabase(DatabaseScan& scan, CEOID oid, DatabaseMaker maker) {
     if (!scan.databases.GetObjectInfo(oid, info) || info.wObjType != OBJTYPE_DATABASE) {
         return;
     }
+    const char16_t* name = Utf16(info.infDatabase.szDbaseName);
+    if (IsExcludedDatabase(name)) {
+        return;
+    }
     const UniqueHandle database(
         scan.databases.OpenDatabase(oid, nullptr, 0, CEDB_AUTOINCREMENT, nullptr));
-    if (!database || IsExcludedDatabase(Utf16(info.infDatabase.szDbaseName))) {
+    if (!database) {
+        scan.left_out.Add(ObjectType::kDatabase, name);
         return;
     }
     maker(scan, {true, oid, info.infDatabase.wNumRecords, nullptr, 0});

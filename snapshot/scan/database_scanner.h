@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "snapshot/compare/info_source.h"
+#include "snapshot/records/left_out.h"
 #include "snapshot/records/object_list.h"
 #include "storage/objects/database_layer.h"
 
@@ -14,6 +15,7 @@ struct DatabaseScan {
     ObjectList& list;
     LiveObjects& info;
     DatabaseLayer& databases;
+    LeftOut& left_out;  // gets the databases that are there and cannot be opened
 };
 
 // A database or one of its records as the walk meets it.

@@ -15,9 +15,18 @@ namespace {
 constexpr DWORD kMountedCard = FILE_ATTRIBUTE_TEMPORARY;
 constexpr DWORD kInRom = FILE_ATTRIBUTE_INROM | FILE_ATTRIBUTE_ROMMODULE;
 constexpr std::u16string_view kAllEntries = u"\\*.*";
+// The same behind a path that leaves no room for the longer one.
+constexpr std::u16string_view kAllEntriesShort = u"\\*";
 
 constexpr std::uint16_t kFolderFingerprint = 0;
 constexpr std::uint16_t kEmptyFileFingerprint = 0xFFFF;
+
+bool IsFolder(const WIN32_FIND_DATAW& entry) {
+    return (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+bool IsMountedCard(const WIN32_FIND_DATAW& entry) {
+    return IsFolder(entry) && (entry.dwFileAttributes & kMountedCard) != 0;
+}
 
 // What all levels of one walk share, so that a level costs little of a device's stack.
 class Walk {
@@ -37,8 +46,9 @@ public:
     // Visits the contents of the folder in path_. Each level lengthens the path, so the path's
     // limit bounds the depth.
     void VisitContents() {
-        kAllEntries.copy(path_ + length_, kAllEntries.size());
-        path_[length_ + kAllEntries.size()] = 0;
+        const std::u16string_view pattern =
+            length_ + kAllEntries.size() < MAX_PATH ? kAllEntries : kAllEntriesShort;
+        path_[length_ + pattern.copy(path_ + length_, pattern.size())] = 0;
         UniqueFind search(::FindFirstFileW(Wide(path_), &entry_));
         path_[length_] = 0;
         if (!search) {
@@ -55,8 +65,7 @@ private:
             return;
         }
         maker_(scan_, path_, entry_);
-        const bool is_folder = (entry_.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-        if (!is_folder || (entry_.dwFileAttributes & kMountedCard) != 0) {
+        if (!IsFolder(entry_) || IsMountedCard(entry_)) {
             return;
         }
         const std::size_t folder_length = length_;
@@ -86,15 +95,10 @@ private:
 };
 
 // False when the file is held by someone else or its contents cannot be mapped.
-bool ChecksumOfContents(const char16_t* folder_path, const WIN32_FIND_DATAW& entry,
+bool ChecksumOfContents(const char16_t* path, const WIN32_FIND_DATAW& entry,
                         std::uint16_t& checksum) {
-    TextBuffer<MAX_PATH> path;
-    path.Append(folder_path).AppendUnit(u'\\').Append(Utf16(entry.cFileName));
-    if (path.cut()) {
-        return false;
-    }
     const UniqueHandle mapping =
-        MapFileForReading(Wide(path.text()), 0, entry.dwFileAttributes | FILE_FLAG_RANDOM_ACCESS);
+        MapFileForReading(Wide(path), 0, entry.dwFileAttributes | FILE_FLAG_RANDOM_ACCESS);
     if (!mapping) {
         return false;
     }
@@ -107,17 +111,26 @@ bool ChecksumOfContents(const char16_t* folder_path, const WIN32_FIND_DATAW& ent
     return true;
 }
 
-bool FingerprintOf(const char16_t* folder_path, const WIN32_FIND_DATAW& entry,
+bool FingerprintOf(const char16_t* path, const WIN32_FIND_DATAW& entry,
                    std::uint16_t& fingerprint) {
-    if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+    if (IsFolder(entry)) {
         fingerprint = kFolderFingerprint;
-        return (entry.dwFileAttributes & kMountedCard) == 0;
+        return true;
     }
     if (entry.nFileSizeLow == 0) {
         fingerprint = kEmptyFileFingerprint;
         return true;
     }
-    return ChecksumOfContents(folder_path, entry, fingerprint);
+    return ChecksumOfContents(path, entry, fingerprint);
+}
+
+// What no state is to hold. Something without an identifier cannot be described: 0 means the state
+// that is being written.
+bool IsPassedOver(const FileScan& scan, const char16_t* folder_path,
+                  const WIN32_FIND_DATAW& entry) {
+    return entry.dwOID == 0 || (entry.dwFileAttributes & kInRom) != 0 || IsMountedCard(entry) ||
+           IsExcluded(ExclusionKind::kFile, folder_path, Utf16(entry.cFileName),
+                      &scan.storage_files);
 }
 
 }  // namespace
@@ -130,18 +143,18 @@ void ScanFiles(FileScan& scan, const char16_t* folder_path, FileMaker maker) {
     }
 }
 
-// A file that is held open elsewhere is in no state (docs/oddities.md, 13).
+// A file that is held open elsewhere gets no record (docs/oddities.md, 13).
 void MakeFileObject(FileScan& scan, const char16_t* folder_path, const WIN32_FIND_DATAW& entry) {
-    if (IsExcluded(ExclusionKind::kFile, folder_path, Utf16(entry.cFileName),
-                   &scan.storage_files)) {
+    if (IsPassedOver(scan, folder_path, entry)) {
         return;
     }
+    TextBuffer<MAX_PATH> path;
+    path.Append(folder_path).AppendUnit(u'\\').Append(Utf16(entry.cFileName));
     InfoBlock block;
-    if ((entry.dwFileAttributes & kInRom) != 0 || !scan.info.GetOIDInfo(0, entry.dwOID, block)) {
-        return;
-    }
     ObjectRecord record{};
-    if (!FingerprintOf(folder_path, entry, record.content_fingerprint)) {
+    if (path.cut() || !scan.info.GetOIDInfo(0, entry.dwOID, block) ||
+        !FingerprintOf(path.text(), entry, record.content_fingerprint)) {
+        scan.left_out.Add(ObjectType::kFile, path.text());
         return;
     }
     record.dwOID = entry.dwOID;

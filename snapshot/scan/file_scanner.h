@@ -5,6 +5,7 @@
 
 #include "snapshot/compare/exclusion.h"
 #include "snapshot/compare/info_source.h"
+#include "snapshot/records/left_out.h"
 #include "snapshot/records/object_list.h"
 
 namespace tolvenar {
@@ -13,6 +14,7 @@ struct FileScan {
     ObjectList& list;
     LiveObjects& info;
     const StorageFileNames& storage_files;
+    LeftOut& left_out;  // gets the files that are there and cannot be read
 };
 
 // Called for each entry of the walk; the folder's path has no backslash at its end and is empty for
@@ -25,8 +27,8 @@ using FileMaker = void (*)(FileScan& scan, const char16_t* folder_path,
 // is left out.
 void ScanFiles(FileScan& scan, const char16_t* folder_path, FileMaker maker);
 
-// Enters the record of one entry, or none: what is excluded, in ROM, a mounted card, or cannot be
-// described or read is left out.
+// Enters the record of one entry, or none: what is excluded, in ROM, a mounted card, without an
+// identifier, or cannot be described or read is left out.
 void MakeFileObject(FileScan& scan, const char16_t* folder_path, const WIN32_FIND_DATAW& entry);
 
 }  // namespace tolvenar

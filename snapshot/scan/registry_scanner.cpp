@@ -124,19 +124,6 @@ private:
     char16_t value_name_[kMaxNameUnits + 1];
 };
 
-bool IsLeftOut(const RegistryEntry& entry) {
-    if (entry.hive == kHiveLocalMachine) {
-        if (IsExcluded(ExclusionKind::kRegistryKey, entry.key_path, nullptr, nullptr)) {
-            return true;
-        }
-        if (!entry.is_key &&
-            IsExcluded(ExclusionKind::kRegistryValue, entry.key_path, entry.value_name, nullptr)) {
-            return true;
-        }
-    }
-    return IsExcludedValue(entry.hive, entry.key_path, entry.value_name);
-}
-
 // Takes a free identifier for the object and enters it in the table; 0 when there is none.
 std::uint32_t Identify(RegistryScan& scan, const RegistryEntry& entry) {
     TextBuffer<kHiveDigits + kMaxNameUnits + 1> full_name;
@@ -163,7 +150,7 @@ void ScanRegistry(RegistryScan& scan, std::uint32_t hive, const char16_t* key_pa
 }
 
 void MakeRegistryObject(RegistryScan& scan, const RegistryEntry& entry) {
-    if (IsLeftOut(entry)) {
+    if (IsExcludedRegistryObject(entry.hive, entry.key_path, entry.value_name)) {
         return;
     }
     const std::uint32_t TolvOID = Identify(scan, entry);

@@ -101,4 +101,18 @@ private:
     CacheEntry cache_[kCacheEntries];
 };
 
+// The cached handles of one piece of work, closed at its end.
+class DatabaseCacheScope {
+public:
+    explicit DatabaseCacheScope(DatabaseLayer& databases) : databases_(databases) {
+        databases_.ResetDatabaseCache();
+    }
+    ~DatabaseCacheScope() { databases_.CloseDatabaseCache(); }
+    DatabaseCacheScope(const DatabaseCacheScope&) = delete;
+    DatabaseCacheScope& operator=(const DatabaseCacheScope&) = delete;
+
+private:
+    DatabaseLayer& databases_;
+};
+
 }  // namespace tolvenar

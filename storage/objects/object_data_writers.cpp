@@ -95,10 +95,14 @@ bool CopyChunk(const DataWriter& writer, HANDLE mapping, DWORD offset, DWORD byt
     return writer.storage.Write(view.get(), bytes) && view.Close();
 }
 
+// A file that grew or shrank since it was described fails: cut to the described size it would be no
+// version that ever was.
 bool CopyFileContents(const DataWriter& writer, StoredData& data) {
-    const UniqueHandle mapping = MapFileForReading(Wide(writer.block.name()), 0,
-                                                   FILE_ATTRIBUTE_NORMAL | FILE_FLAG_RANDOM_ACCESS);
-    if (!mapping) {
+    const DWORD total = writer.block.head().data_bytes;
+    DWORD size = 0;
+    const UniqueHandle mapping = MapFileForReading(
+        Wide(writer.block.name()), 0, FILE_ATTRIBUTE_NORMAL | FILE_FLAG_RANDOM_ACCESS, &size);
+    if (!mapping || size != total) {
         return false;
     }
     const DWORD chunk = ChunkBytes();
@@ -107,7 +111,6 @@ bool CopyFileContents(const DataWriter& writer, StoredData& data) {
     }
     data.offset = writer.storage.position();
     data.checksum = kChecksumSeed;
-    const DWORD total = writer.block.head().data_bytes;
     for (DWORD done = 0; done < total;) {
         const DWORD bytes = std::min(chunk, total - done);
         if (!CopyChunk(writer, mapping.get(), done, bytes, data.checksum)) {

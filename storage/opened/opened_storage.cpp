@@ -5,6 +5,7 @@ namespace tolvenar {
 void FreeWorkingLists(OpenedStorage& storage, bool all) {
     storage.older.reset();
     storage.newer.reset();
+    storage.left_out.Clear();
     if (all) {
         storage.difference.reset();
     }

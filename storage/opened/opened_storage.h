@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include "snapshot/records/left_out.h"
 #include "snapshot/records/object_list.h"
 #include "snapshot/records/registry_objects.h"
 #include "storage/files/journal_stamp.h"
@@ -21,6 +22,7 @@ struct OpenedStorage {
     std::unique_ptr<ObjectList> newer;       // the newer state or the device
     std::unique_ptr<ObjectList> difference;  // what differs, for writer, restore and tree
     RegistryObjects registry_objects;        // what the last registry scan met
+    LeftOut left_out;                        // what the last scan met and could not read
 };
 
 // Frees the working lists without saving, the difference list too when `all` is set.

@@ -18,6 +18,10 @@ struct BackupResult {
     std::uint64_t bytes_of_full_backup = 0;
     // With kNoSpace: it is not the card that lacks room. The storage file takes no more states.
     bool storage_is_full = false;
+    // What the new state, or the last one with kNoDifference, does not hold as it is on the device.
+    std::uint32_t held = 0;    // not read, and stored in no version
+    std::uint32_t kept = 0;    // not read; the version of the state before stays
+    std::uint32_t failed = 0;  // read, but could not be written
 };
 
 }  // namespace tolvenar

@@ -10,6 +10,7 @@
 #include "storage/objects/object_data_writers.h"
 #include "storage/opened/journal.h"
 #include "storage/operations/backup_room.h"
+#include "storage/operations/withdrawals.h"
 
 namespace tolvenar {
 namespace {
@@ -71,12 +72,13 @@ bool WriteState(Engine& engine, std::uint32_t state_number, const char16_t* desc
     }
     StorageAppender storage(sav_bytes, end);
     std::size_t failed_count = 0;
-    BackupItems(engine, storage, difference, failed_count);
-    return ::FlushFileBuffers(sav_file.get()) || Fail(ResultCode::kFailed, result);
+    const bool has_state = BackupItems(engine, storage, difference, failed_count) != 0;
+    result.failed = static_cast<std::uint32_t>(failed_count);
+    return (has_state && ::FlushFileBuffers(sav_file.get())) || Fail(ResultCode::kFailed, result);
 }
 
-// Records that failed stay out: their objects are not in the new state and the next backup meets
-// them again.
+// Records that failed stay out: the new state has what the state before had, and the next backup
+// meets the objects again.
 bool MergeIntoJournal(const ObjectList& difference, ObjectList& journal) {
     for (const ObjectList::Node& node : difference) {
         if ((node.record->flags & JF_FAILED) == 0 && !journal.AddObject(*node.record)) {
@@ -110,6 +112,9 @@ bool RunBackup(Engine& engine, std::uint32_t state_number, const char16_t* descr
     if (!FindDifference(engine, state_number - 1)) {
         return Fail(ResultCode::kNoDifferenceList, result);
     }
+    if (!WithdrawDeletions(engine, result)) {
+        return Fail(ResultCode::kFailed, result);
+    }
     if (engine.storage.difference->CountRecords() == 0) {
         result.code = ResultCode::kNoDifference;
         for (int i = 0; i < kCompleteSteps; ++i) {
@@ -117,8 +122,13 @@ bool RunBackup(Engine& engine, std::uint32_t state_number, const char16_t* descr
         }
         return true;
     }
-    return WriteState(engine, state_number, description, result) &&
-           SaveJournal(engine, keep_journal_closed, result);
+    if (!WriteState(engine, state_number, description, result)) {
+        return false;
+    }
+    if (result.failed != 0 && !WithdrawDeletionsOfFailed(engine)) {
+        return Fail(ResultCode::kFailed, result);
+    }
+    return SaveJournal(engine, keep_journal_closed, result);
 }
 
 void LogFailedItem(Engine& engine, const ObjectRecord& record) {
@@ -158,6 +168,9 @@ int BackupItems(Engine& engine, StorageAppender& storage, ObjectList& list,
             node.record->flags |= JF_FAILED;
             LogFailedItem(engine, *node.record);
             ++failed_count;
+            if (node.record->type == ObjectType::kState) {
+                return 0;
+            }
         }
         engine.progress.ProgressStep();
     }

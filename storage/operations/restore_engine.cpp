@@ -6,9 +6,8 @@
 #include "snapshot/compare/journal_update.h"
 #include "snapshot/compare/kept_objects.h"
 #include "snapshot/compare/prune.h"
+#include "snapshot/engine/descriptions.h"
 #include "snapshot/engine/difference_engine.h"
-#include "storage/files/handle_bytes.h"
-#include "storage/format/storage_reader.h"
 #include "storage/opened/journal.h"
 #include "storage/opened/storage_file.h"
 #include "storage/operations/restore_list.h"
@@ -36,15 +35,12 @@ private:
 // Takes out of the difference list what is never restored. False when the storage file, which
 // describes the objects, cannot be opened, or there is no memory.
 bool PruneForRestore(Engine& engine) {
-    const UniqueHandle sav_file = OpenSavFile(engine.storage.names);
-    if (!sav_file) {
+    Descriptions descriptions(engine);
+    if (!descriptions.sav_file) {
         return false;
     }
-    HandleBytes bytes(sav_file.get());
-    StorageReader stored(bytes);
-    InfoSource info(stored, engine.info);
-    PruneDifferences(*engine.storage.difference, kRestorePruning, info);
-    return KeepStoredObjects(*engine.storage.difference, info);
+    PruneDifferences(*engine.storage.difference, kRestorePruning, descriptions.source);
+    return KeepStoredObjects(*engine.storage.difference, descriptions.source);
 }
 
 // Restores the difference list, then loads the journal again, saved before with `keep_ids`. A

@@ -80,20 +80,6 @@ private:
     bool failed_ = false;
 };
 
-// The handles of the databases that a restore uses, closed at its end.
-class DatabaseCacheScope {
-public:
-    explicit DatabaseCacheScope(DatabaseLayer& databases) : databases_(databases) {
-        databases_.ResetDatabaseCache();
-    }
-    ~DatabaseCacheScope() { databases_.CloseDatabaseCache(); }
-    DatabaseCacheScope(const DatabaseCacheScope&) = delete;
-    DatabaseCacheScope& operator=(const DatabaseCacheScope&) = delete;
-
-private:
-    DatabaseLayer& databases_;
-};
-
 // Enters the device's records that the state holds as they are among those that are never
 // overwritten: on a device that was reset one of them may have the id that another stored record
 // had before. False when there is no memory.

@@ -5,7 +5,8 @@
 namespace tolvenar {
 namespace {
 
-constexpr StorageFileNames kStorage = {{u"mine.sav", u"mine.jrn", u"mine.jrn_1"}};
+constexpr StorageFileNames kStorage = {{u"mine.sav", u"mine.jrn", u"mine.jrn_1"},
+                                       u"\\My Documents\\Backup"};
 
 bool File(const char16_t* folder, const char16_t* name) {
     return IsExcluded(ExclusionKind::kFile, folder, name, &kStorage);
@@ -58,10 +59,44 @@ TEST(ExclusionTest, TheCaseOfLettersMatters) {
     EXPECT_FALSE(File(u"\\Windows", u"Wince.nls"));
     EXPECT_FALSE(File(u"", u"recycled"));
     EXPECT_FALSE(File(u"\\recycled", u"a.txt"));
-    EXPECT_FALSE(File(u"", u"Mine.sav"));
     EXPECT_FALSE(Key(u"drivers\\active"));
     EXPECT_FALSE(Value(u"Comm\\SecurityProviders\\Schannel", u"Seed"));
     EXPECT_FALSE(IsExcludedDatabase(u"\\recycleinfo"));
+}
+
+// The device finds the storage's files whatever the case: "Mine" chosen where "mine.sav" is.
+TEST(ExclusionTest, TheCaseOfLettersInTheStoragesOwnNamesDoesNotMatter) {
+    for (const char16_t* name : {u"Mine.sav", u"MINE.JRN", u"mine.Jrn_1", u"Mine.jrn_old"}) {
+        EXPECT_TRUE(File(u"\\My Documents", name));
+    }
+    EXPECT_TRUE(File(u"\\MINE.SAV", u"a.txt"));
+    EXPECT_FALSE(File(u"", u"Mine.sav2"));
+}
+
+TEST(ExclusionTest, JournalsThatWereMovedAsideByTheirNumber) {
+    for (const char16_t* name : {u"mine.jrn_old", u"mine.jrn_old2", u"mine.jrn_old1234567890"}) {
+        EXPECT_TRUE(File(u"", name));
+        EXPECT_TRUE(File(u"\\My Documents", name));
+    }
+    for (const char16_t* name :
+         {u"mine.jrn_ol", u"mine.jrn_older", u"mine.jrn_old2x", u"mine.jrn_old 2", u"mine.sav_old",
+          u"mine.jrn_1_old", u"other.jrn_old", u"mine.jrn_2"}) {
+        EXPECT_FALSE(File(u"", name));
+    }
+    // Only the three names exclude what is in a folder.
+    EXPECT_FALSE(File(u"\\My Documents\\mine.jrn_old", u"a.txt"));
+}
+
+TEST(ExclusionTest, TheLogInTheStoragesFolderOnly) {
+    EXPECT_TRUE(File(u"\\My Documents\\Backup", u"tolvenar_log.txt"));
+    EXPECT_TRUE(File(u"\\my documents\\BACKUP", u"Tolvenar_Log.txt"));
+    EXPECT_FALSE(File(u"\\My Documents", u"tolvenar_log.txt"));
+    EXPECT_FALSE(File(u"\\My Documents\\Backup\\Sub", u"tolvenar_log.txt"));
+    EXPECT_FALSE(File(u"", u"tolvenar_log.txt"));
+    EXPECT_FALSE(File(u"\\My Documents\\Backup", u"tolvenar_log2.txt"));
+    // Of a storage in the root.
+    const StorageFileNames in_root = {{u"mine.sav", u"mine.jrn", u"mine.jrn_1"}, u""};
+    EXPECT_TRUE(IsExcluded(ExclusionKind::kFile, u"", u"tolvenar_log.txt", &in_root));
 }
 
 TEST(ExclusionTest, StorageNamesAreReadAtEveryCall) {
@@ -75,6 +110,7 @@ TEST(ExclusionTest, AbsentOrEmptyStorageNamesExcludeNothing) {
     EXPECT_FALSE(IsExcluded(ExclusionKind::kFile, u"\\My Documents", u"a.txt", &none));
     EXPECT_FALSE(IsExcluded(ExclusionKind::kFile, u"\\My Documents", u"", &none));
     EXPECT_FALSE(IsExcluded(ExclusionKind::kFile, u"\\My Documents", u"a.txt", nullptr));
+    EXPECT_FALSE(IsExcluded(ExclusionKind::kFile, u"", u"_old", &none));
     EXPECT_TRUE(IsExcluded(ExclusionKind::kFile, u"", u"Recycled", nullptr));
 }
 
@@ -120,6 +156,18 @@ TEST(ExclusionTest, ValuesOfTheTableForAllHives) {
         EXPECT_FALSE(IsExcludedValue(row.hive, nullptr, row.name));
         EXPECT_FALSE(IsExcludedValue(0, row.key_path, row.name));
     }
+}
+
+TEST(ExclusionTest, ARegistryObjectByAllRulesForItsHive) {
+    const char16_t* schannel = u"Comm\\SecurityProviders\\SCHANNEL";
+    EXPECT_TRUE(IsExcludedRegistryObject(0x80000002, schannel, u"Seed"));
+    EXPECT_FALSE(IsExcludedRegistryObject(0x80000001, schannel, u"Seed"));
+    EXPECT_FALSE(IsExcludedRegistryObject(0x80000002, schannel, nullptr));
+    EXPECT_TRUE(IsExcludedRegistryObject(0x80000002, u"Drivers\\Active\\07", nullptr));
+    EXPECT_TRUE(IsExcludedRegistryObject(0x80000002, u"Drivers\\Active\\07", u"v"));
+    EXPECT_FALSE(IsExcludedRegistryObject(0x80000001, u"Drivers\\Active\\07", u"v"));
+    EXPECT_TRUE(IsExcludedRegistryObject(0x80000001, u"Software\\Microsoft\\AirSync\\Connection",
+                                         u"LastAutoSyncTime"));
 }
 
 TEST(ExclusionTest, DatabasesOfTheRecycleBin) {

@@ -18,13 +18,13 @@ class DatabaseScannerTest : public EngineTest {
 protected:
     void Scan() {
         list_->ClearList();
-        DatabaseScan whole{*list_, info_, databases_};
+        DatabaseScan whole{*list_, info_, databases_, left_out_};
         ScanDatabases(whole, MakeDatabaseObject);
     }
 
     std::vector<CEOID> Walk() {
         visited.clear();
-        DatabaseScan whole{*list_, info_, databases_};
+        DatabaseScan whole{*list_, info_, databases_, left_out_};
         ScanDatabases(whole, NoteEntry);
         return visited;
     }
@@ -32,6 +32,7 @@ protected:
     // The record of the object; null when there is none.
     const ObjectRecord* RecordOf(CEOID oid) { return StorageTest::RecordOf(*list_, oid); }
 
+    LeftOut left_out_;
     const std::unique_ptr<ObjectList> list_ = ObjectList::CreateList();
 };
 
@@ -148,6 +149,10 @@ TEST_F(DatabaseScannerTest, ADatabaseThatCannotBeOpenedIsLeftOutAndTheNextIsNot)
     EXPECT_EQ(second, all.front());
     EXPECT_EQ(record, all.back());
     EXPECT_NE(first, all.front());
+    ASSERT_NE(nullptr, left_out_.First());
+    EXPECT_EQ(kDatabase, left_out_.First()->type);
+    EXPECT_EQ(u"First", Text(left_out_.First()->name));
+    EXPECT_EQ(nullptr, left_out_.First()->next);
 }
 
 TEST_F(DatabaseScannerTest, AReadThatFailsEndsItsDatabaseAndNotTheScan) {
@@ -164,7 +169,7 @@ TEST_F(DatabaseScannerTest, AReadThatFailsEndsItsDatabaseAndNotTheScan) {
 TEST_F(DatabaseScannerTest, ARecordThatCannotBeDescribedIsLeftOut) {
     MakeDatabase(L"First");
     const CEOID oid = AddRecord(L"First", {{kNumber, 1}});
-    DatabaseScan whole{*list_, info_, databases_};
+    DatabaseScan whole{*list_, info_, databases_, left_out_};
     MakeDatabaseObject(whole, {false, oid + 1000, 0, nullptr, 0});
     EXPECT_EQ(0u, list_->CountRecords());
     MakeDatabaseObject(whole, {false, oid, 0, nullptr, 0});

@@ -21,7 +21,7 @@ protected:
         device().MakeFolder(L"\\A");
     }
 
-    FileScan scan() { return {*list_, info_, names_}; }
+    FileScan scan() { return {*list_, info_, names_, left_out_}; }
 
     void Scan() {
         FileScan whole = scan();
@@ -36,12 +36,24 @@ protected:
         return visited;
     }
 
+    // What was there and could not be read.
+    Texts LeftOutNames() const {
+        Texts names;
+        for (const LeftOut::Entry* entry = left_out_.First(); entry != nullptr;
+             entry = entry->next) {
+            EXPECT_EQ(kFile, entry->type);
+            names.emplace_back(entry->name);
+        }
+        return names;
+    }
+
     // The record of the object at `path`; null when there is none.
     const ObjectRecord* RecordOf(const wchar_t* path) {
         return StorageTest::RecordOf(*list_, OidOfPath(path));
     }
 
-    StorageFileNames names_{{u"Home.sav", u"Home.jrn", u"Home.jrn_1"}};
+    StorageFileNames names_{{u"Home.sav", u"Home.jrn", u"Home.jrn_1"}, u"\\A\\Backup"};
+    LeftOut left_out_;
     const std::unique_ptr<ObjectList> list_ = ObjectList::CreateList();
 };
 
@@ -103,6 +115,7 @@ TEST_F(FileScannerTest, AMountedCardGetsNoRecord) {
     FileScan whole = scan();
     MakeFileObject(whole, u"", card);
     EXPECT_EQ(0u, list_->CountRecords());
+    EXPECT_EQ(nullptr, left_out_.First());
 }
 
 TEST_F(FileScannerTest, AFilesRecordHoldsIdentifierChecksumsAndTheMarkOfAScan) {
@@ -128,7 +141,7 @@ TEST_F(FileScannerTest, AnEmptyFileHasTheFingerprintFfffAndAFolderZero) {
     EXPECT_EQ(0, RecordOf(L"\\A")->content_fingerprint);
 }
 
-// Oddity 13: such a file is in no state, and a restore of that state deletes it.
+// Oddity 13.
 TEST_F(FileScannerTest, AFileThatIsOpenElsewhereWithoutSharingGetsNoRecord) {
     device().PutFile(L"\\A\\held.txt", "held");
     device().PutFile(L"\\A\\other.txt", "other");
@@ -136,6 +149,7 @@ TEST_F(FileScannerTest, AFileThatIsOpenElsewhereWithoutSharingGetsNoRecord) {
     Scan();
     EXPECT_EQ(nullptr, RecordOf(L"\\A\\held.txt"));
     EXPECT_NE(nullptr, RecordOf(L"\\A\\other.txt"));
+    EXPECT_EQ(Texts{u"\\A\\held.txt"}, LeftOutNames());
 }
 
 TEST_F(FileScannerTest, AFileIsOpenedWithoutSharing) {
@@ -170,6 +184,7 @@ TEST_F(FileScannerTest, FilesInRomAreNeverRecorded) {
         FileScan whole = scan();
         MakeFileObject(whole, u"\\A", entry);
         EXPECT_EQ(0u, list_->CountRecords()) << attributes;
+        EXPECT_EQ(nullptr, left_out_.First());
         entry.dwFileAttributes = FILE_ATTRIBUTE_ARCHIVE;
         MakeFileObject(whole, u"\\A", entry);
         EXPECT_EQ(1u, list_->CountRecords());
@@ -190,6 +205,27 @@ TEST_F(FileScannerTest, ExcludedNamesGetNoRecord) {
     EXPECT_EQ(nullptr, RecordOf(L"\\A\\Home.jrn_1"));
     EXPECT_EQ(nullptr, RecordOf(L"\\A\\new_expl.exe"));
     EXPECT_NE(nullptr, RecordOf(L"\\A\\Home2.sav"));
+    EXPECT_EQ(nullptr, left_out_.First());
+}
+
+// The log of a storage in the object store lies beside the storage; elsewhere the name is a user's.
+TEST_F(FileScannerTest, TheLogBesideTheStorageGetsNoRecordAndAFileOfThatNameElsewhereDoes) {
+    device().PutFile(L"\\A\\backup\\tolvenar_log.txt", "x");
+    device().PutFile(L"\\A\\tolvenar_log.txt", "x");
+    Scan();
+    EXPECT_EQ(nullptr, RecordOf(L"\\A\\backup\\tolvenar_log.txt"));
+    EXPECT_NE(nullptr, RecordOf(L"\\A\\tolvenar_log.txt"));
+}
+
+// Identifier 0 describes the state that is being written.
+TEST_F(FileScannerTest, AnEntryWithoutAnIdentifierGetsNoRecord) {
+    WIN32_FIND_DATAW entry{};
+    entry.dwFileAttributes = FILE_ATTRIBUTE_ARCHIVE;
+    wcscpy(entry.cFileName, L"x.txt");
+    FileScan whole = scan();
+    MakeFileObject(whole, u"\\A", entry);
+    EXPECT_EQ(0u, list_->CountRecords());
+    EXPECT_EQ(nullptr, left_out_.First());
 }
 
 // The name of a folder excludes the folder, not what is in it: the walk goes on below.
@@ -234,6 +270,23 @@ TEST_F(FileScannerTest, AFileThatCannotBeMappedGetsNoRecordAndStaysUsable) {
         EXPECT_NE(nullptr, RecordOf(L"\\A")) << call;
     }
     EXPECT_TRUE(::DeleteFileW(L"\\A\\x.txt"));
+}
+
+// "\*.*" does not fit behind paths of 256 and 257 units, and there is room for a file in them.
+TEST_F(FileScannerTest, AFileInTheLongestFolderPathIsRecorded) {
+    std::wstring path = L"\\A";
+    while (path.size() < 240) {
+        path += L"\\" + std::wstring(19, L'b');
+    }
+    const std::wstring parent = path;
+    for (const std::size_t units : {255u, 256u, 257u}) {
+        path = parent + L"\\" + std::wstring(units - parent.size() - 1, L'c');
+        ASSERT_EQ(units, path.size());
+        device().PutFile(path + L"\\x", "x");
+        list_->ClearList();
+        Scan();
+        EXPECT_NE(nullptr, RecordOf((path + L"\\x").c_str())) << units;
+    }
 }
 
 TEST_F(FileScannerTest, TheDeepestPathIsWalkedToItsEnd) {

@@ -31,6 +31,14 @@ protected:
         return BackupItem(engine_, sav.storage, record);
     }
 
+    // Whether the data of an object that was described by `block` before can be written.
+    bool Writes(const InfoBlock& block, CEOID oid) {
+        OpenedSav sav(storage_.names);
+        StoredData data;
+        return BackupObjectData(
+            {databases_, storage_.registry_objects, u"", sav.storage, block, 0, oid}, data);
+    }
+
     // The record of an object that is to be stored.
     static ObjectRecord Added(ObjectType type, CEOID oid) {
         ObjectRecord record{};
@@ -171,6 +179,35 @@ TEST_F(BackupItemTest, AnObjectWhoseDataCannotBeWrittenFails) {
         ExpectFailure(object);
         device().EndFaults();
     }
+}
+
+// Cut to the size of before it would be no version that ever was.
+TEST_F(BackupItemTest, AFileThatGrewOrShrankSinceItWasDescribedFails) {
+    device().PutFile(L"\\n.txt", "123456789");
+    InfoBlock block;
+    ASSERT_TRUE(info_.GetOIDInfo(0, OidOfPath(L"\\n.txt"), block));
+    for (const char* contents : {"1234567890", "12345678", ""}) {
+        device().PutFile(L"\\n.txt", contents);
+        EXPECT_FALSE(Writes(block, 0)) << contents;
+    }
+    device().PutFile(L"\\n.txt", "987654321");
+    EXPECT_TRUE(Writes(block, 0));
+}
+
+TEST_F(BackupItemTest, ARecordThatGrewOrShrankSinceItWasDescribedFails) {
+    MakeDatabase(L"First");
+    const CEOID oid = AddRecord(L"First", {{kNumber, 1}, {kName, 0, L"name"}});
+    InfoBlock block;
+    ASSERT_TRUE(info_.GetOIDInfo(0, oid, block));
+    for (const wchar_t* name : {L"n", L"a longer name"}) {
+        WriteRecord(L"First", oid, {{kName, 0, name}});
+        EXPECT_FALSE(Writes(block, oid)) << name;
+    }
+    WriteRecord(L"First", oid, {{kName, 0, L"eman"}});
+    EXPECT_TRUE(Writes(block, oid));
+    // With as many bytes, and a property less.
+    block.head().property_count = 3;
+    EXPECT_FALSE(Writes(block, oid));
 }
 
 TEST_F(BackupItemTest, AFileIsOpenedWithoutSharingAndForRandomAccess) {

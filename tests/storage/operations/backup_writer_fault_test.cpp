@@ -1,4 +1,6 @@
 // Backups whose platform calls fail: the result that is told, and what is left behind.
+#include "snapshot/engine/difference_engine.h"
+#include "storage/operations/withdrawals.h"
 #include "tests/support/engine_test.h"
 
 namespace tolvenar {
@@ -91,30 +93,166 @@ TEST_F(BackupWriterFaultTest, AJournalThatCannotBeLoadedAgainGives5AndNoJournal)
     ExpectClosed();
 }
 
-// A block that cannot be written is left out and its place taken; a restore of the state deletes
-// the object's older version, and the next backup heals it.
+// A block that cannot be written is left out and its place taken; the next backup stores the
+// object.
 TEST_F(BackupWriterFaultTest, AnObjectWhoseBlockCannotBeWrittenIsLeftOutOfTheJournal) {
     const std::size_t before = Content(kSav).size();
     // The state's block is written first.
     Fail("WriteFile", 2, ERROR_WRITE_FAULT);
     ASSERT_EQ(Done(), Backup(2));
     device().EndFaults();
-    EXPECT_NE(Text::npos, Log().find(u"backup item failed"));
+    EXPECT_EQ(1u, backup_.failed);
+    EXPECT_EQ(1u, Occurrences(Log(), u"backup item failed"));
     EXPECT_EQ(nullptr, RecordOf(*storage_.journal, OidOfPath(L"\\n.txt")));
     for (const ObjectRecord& record : RecordsOf(*storage_.journal)) {
         EXPECT_EQ(0, record.flags & JF_FAILED);
     }
     ASSERT_TRUE(Backup(3).done);
+    EXPECT_EQ(0u, backup_.failed);
     EXPECT_NE(std::string::npos, Content(kSav).find("123456789", before));
 }
 
-// The state has no record then; the next backup takes the number behind it.
-TEST_F(BackupWriterFaultTest, AStateWhoseOwnBlockCannotBeWrittenStillHoldsItsObjects) {
-    Fail("WriteFile", 1, ERROR_WRITE_FAULT);
-    ASSERT_TRUE(Backup(2).done);
+TEST_F(BackupWriterFaultTest, AChangedFileWhoseBlockCannotBeWrittenKeepsItsOlderVersion) {
+    device().PutFile(L"\\a.txt", "second, longer");
+    device().Remove(L"\\n.txt");
+    Fail("WriteFile", 2, ERROR_WRITE_FAULT);
+    ASSERT_EQ(Done(), Backup(2));
     device().EndFaults();
-    EXPECT_EQ(nullptr, JournalRecord(2, 0, kState));
-    EXPECT_EQ(3u, NextStateNumber(storage_.journal.get()));
+    EXPECT_EQ(1u, backup_.failed) << "its deletion counts with it";
+    ASSERT_EQ(Done(), Restore(2));
+    EXPECT_EQ("first", Content(u"\\a.txt"));
+}
+
+TEST_F(BackupWriterFaultTest, AFileThatWasReplacedAndCannotBeStoredKeepsItsOlderVersion) {
+    device().Remove(L"\\a.txt");
+    device().Remove(L"\\n.txt");
+    device().PutFile(L"\\A.TXT", "second, longer");
+    Fail("WriteFile", 2, ERROR_WRITE_FAULT);
+    ASSERT_EQ(Done(), Backup(2));
+    device().EndFaults();
+    device().Remove(L"\\a.txt");
+    ASSERT_EQ(Done(), Restore(2));
+    EXPECT_EQ("first", Content(u"\\a.txt"));
+}
+
+// It grew, shrank or was held between the scan and its turn: the copy is the second opening.
+TEST_F(BackupWriterFaultTest, AFileThatCannotBeOpenedForItsCopyKeepsItsOlderVersion) {
+    device().PutFile(L"\\a.txt", "second, longer");
+    device().Fault("CreateFileForMappingW", 2, 1, ERROR_SHARING_VIOLATION, "a.txt");
+    ASSERT_EQ(Done(), Backup(2));
+    device().EndFaults();
+    EXPECT_EQ(1u, backup_.failed);
+    ASSERT_EQ(Done(), Restore(2));
+    EXPECT_EQ("first", Content(u"\\a.txt"));
+    EXPECT_EQ("123456789", Content(u"\\n.txt"));
+}
+
+// The object store no longer knows the file when its turn comes: once for the room that it takes,
+// once for its block and once for the log, each with ten tries.
+TEST_F(BackupWriterFaultTest, AFileThatVanishedSinceTheScanKeepsItsOlderVersion) {
+    device().PutFile(L"\\a.txt", "second, longer");
+    const std::string oid = std::to_string(OidOfPath(L"\\a.txt"));
+    device().Fault("CeOidGetInfoEx", 2, 1000, ERROR_INVALID_PARAMETER, oid);
+    ASSERT_EQ(Done(), Backup(2));
+    device().EndFaults();
+    EXPECT_EQ(1u, backup_.failed);
+    ASSERT_EQ(Done(), Restore(2));
+    EXPECT_EQ("first", Content(u"\\a.txt"));
+}
+
+TEST_F(BackupWriterFaultTest, AValueThatVanishedSinceTheScanKeepsItsOlderVersion) {
+    SetValue(HKEY_CURRENT_USER, L"T", L"changing", REG_BINARY, "first");
+    ASSERT_EQ(Done(), Backup(2));
+    SetValue(HKEY_CURRENT_USER, L"T", L"changing", REG_BINARY, "second, longer");
+    SetValue(HKEY_CURRENT_USER, L"T", L"w", REG_BINARY, "another");
+    device().Fault("RegQueryValueExW", 1, 1, ERROR_FILE_NOT_FOUND, "changing");
+    ASSERT_EQ(Done(), Backup(3));
+    device().EndFaults();
+    EXPECT_EQ(1u, backup_.failed);
+    ASSERT_EQ(Done(), Restore(3));
+    EXPECT_EQ("3:first", Value(HKEY_CURRENT_USER, L"T", L"changing"));
+    EXPECT_EQ("3:another", Value(HKEY_CURRENT_USER, L"T", L"w"));
+}
+
+// Records of a database share its name: they are told by their ids.
+TEST_F(BackupWriterFaultTest, ARecordThatCannotBeStoredKeepsItsOlderVersionAndItsNeighbourDoesNot) {
+    MakeDatabase(L"People");
+    const CEOID ann = AddRecord(L"People", L"Ann", 1);
+    const CEOID bob = AddRecord(L"People", L"Bob", 2);
+    ASSERT_EQ(Done(), Backup(2));
+    WriteRecord(L"People", ann, {{kNumber, 11}});
+    WriteRecord(L"People", bob, {{kNumber, 22}});
+    // The additions stand in the list with the newest first; the state's block is written before.
+    Fail("WriteFile", 2, ERROR_WRITE_FAULT);
+    ASSERT_EQ(Done(), Backup(3));
+    device().EndFaults();
+    EXPECT_EQ(1u, backup_.failed);
+    ASSERT_EQ(Done(), Restore(3));
+    const Lines records = Records(u"People");
+    EXPECT_TRUE(records == (Lines{"Ann=1", "Bob=22"}) || records == (Lines{"Ann=11", "Bob=2"}))
+        << ::testing::PrintToString(records);
+}
+
+// One that replaced the failed one has no addition of its own.
+TEST_F(BackupWriterFaultTest, AFileThatWasReplacedSinceTheScanKeepsItsOlderVersion) {
+    device().Remove(L"\\a.txt");
+    device().PutFile(L"\\a.txt", "second, longer");
+    const CEOID scanned = OidOfPath(L"\\a.txt");
+    // The second search for the name is that for the deletion's file: the scan's entry is another.
+    ASSERT_EQ(1, FindDifference(engine_, 1));
+    EXPECT_NE(nullptr, RecordOf(*storage_.difference, scanned));
+    ASSERT_NE(nullptr, storage_.newer);
+    device().Remove(L"\\a.txt");
+    device().PutFile(L"\\a.txt", "third");
+    for (ObjectList::Node& node : *storage_.difference) {
+        node.record->flags |= node.record->dwOID == scanned ? JF_FAILED : 0;
+    }
+    ASSERT_TRUE(WithdrawDeletionsOfFailed(engine_));
+    for (const ObjectRecord& record : RecordsOf(*storage_.difference)) {
+        EXPECT_TRUE((record.flags & JF_DELETE) == 0 || (record.flags & JF_FAILED) != 0);
+    }
+}
+
+TEST_F(BackupWriterFaultTest, WhatIsGoneStaysGoneThoughSomethingElseFailed) {
+    device().Remove(L"\\a.txt");
+    Fail("WriteFile", 2, ERROR_WRITE_FAULT);
+    ASSERT_EQ(Done(), Backup(2));
+    device().EndFaults();
+    EXPECT_EQ(1u, backup_.failed);
+    device().PutFile(L"\\a.txt", "again");
+    ASSERT_EQ(Done(), Restore(2));
+    EXPECT_FALSE(Exists(u"\\a.txt"));
+}
+
+// Whether an older version stays in it could not be told.
+TEST_F(BackupWriterFaultTest, AStorageFileThatCannotBeReadBehindAFailedObjectFailsTheBackup) {
+    device().PutFile(L"\\a.txt", "second, longer");
+    const std::string journal = Content(kJournal);
+    Fail("WriteFile", 2, ERROR_WRITE_FAULT);
+    // To compare, to look at what is there, to write, to look at what failed.
+    device().Fault("CreateFileW", 4, 1, ERROR_SHARING_VIOLATION, "Home.sav");
+    EXPECT_EQ(Failed(), Backup(2));
+    EXPECT_EQ(journal, Content(kJournal));
+    ExpectClosed();
+}
+
+// Without its own record a state is in no list, and nothing would lead to its objects.
+TEST_F(BackupWriterFaultTest, AStateWhoseOwnBlockCannotBeWrittenIsNoneAndNothingElseIsWritten) {
+    const std::string sav = Content(kSav);
+    const std::string journal = Content(kJournal);
+    device().PutFile(L"\\a.txt", "second, longer");
+    Fail("WriteFile", 1, ERROR_WRITE_FAULT);
+    const long writes = device().Calls("WriteFile");
+    EXPECT_EQ(Failed(), Backup(2));
+    device().EndFaults();
+    EXPECT_EQ(sav, Content(kSav));
+    EXPECT_EQ(journal, Content(kJournal));
+    // The state's block and the log's line.
+    EXPECT_EQ(writes + 2, device().Calls("WriteFile"));
+    ExpectClosed();
+    EXPECT_EQ(2u, NextStateNumber(storage_.journal.get()));
+    EXPECT_EQ(Done(), Backup(2));
+    EXPECT_EQ(Done(ResultCode::kNoDifference), Backup(3));
 }
 
 TEST_F(BackupWriterFaultTest, AChunkThatCannotBeMappedFailsItsItem) {

@@ -302,8 +302,8 @@ TEST_F(RestoreEngineTest, AFolderThatRomFilesKeepIsReported) {
     EXPECT_TRUE(device().Exists(L"\\New\\rom.dll"));
 }
 
-// Oddity 13: a file that the scan could not open is in no state.
-TEST_F(RestoreEngineTest, AFileThatWasLockedAtTheBackupIsDeletedByARestoreOfThatState) {
+// Oddity 13: a file that no scan could open is in no state.
+TEST_F(RestoreEngineTest, AFileThatWasLockedAtItsOnlyBackupIsDeletedByARestoreOfThatState) {
     device().PutFile(L"\\a.txt", "x");
     {
         const auto lock = device().Lock(L"\\a.txt");

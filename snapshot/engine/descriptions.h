@@ -1,0 +1,25 @@
+// The open storage file and what describes objects while it is open. Header only.
+#pragma once
+
+#include "platform/unique_resource.h"
+#include "snapshot/compare/info_source.h"
+#include "storage/files/handle_bytes.h"
+#include "storage/format/storage_reader.h"
+#include "storage/opened/engine.h"
+
+namespace tolvenar {
+
+struct Descriptions {
+    explicit Descriptions(Engine& engine)
+        : sav_file(OpenSavFile(engine.storage.names)),
+          bytes(sav_file.get()),
+          stored(bytes),
+          source(stored, engine.info) {}
+
+    UniqueHandle sav_file;  // empty when the file could not be opened
+    HandleBytes bytes;
+    StorageReader stored;
+    InfoSource source;
+};
+
+}  // namespace tolvenar

@@ -1,0 +1,56 @@
+#include "snapshot/records/left_out.h"
+
+#include <memory>
+#include <new>
+
+#include "snapshot/records/name_hash.h"
+#include "snapshot/text/letter_case.h"
+
+namespace tolvenar {
+namespace {
+
+std::uint32_t HashOf(ObjectType type, std::u16string_view name) {
+    return HashOfName(static_cast<std::uint32_t>(type), name);
+}
+
+}  // namespace
+
+std::uint32_t LeftOut::Entry::Hash() const { return HashOf(type, name); }
+
+void LeftOut::Add(ObjectType type, std::u16string_view name) {
+    std::unique_ptr<char16_t[]> copy(new (std::nothrow) char16_t[name.size() + 1]);
+    if (copy == nullptr || !index_.ReserveOneMore()) {
+        return;
+    }
+    copy[name.copy(copy.get(), name.size())] = 0;
+    auto* entry = new (std::nothrow) Entry{type, false, copy.get(), nullptr, nullptr};
+    if (entry == nullptr) {
+        return;
+    }
+    static_cast<void>(copy.release());
+    (last_ == nullptr ? first_ : last_->next) = entry;
+    last_ = entry;
+    index_.Add(*entry);
+}
+
+void LeftOut::MarkKept(ObjectType type, std::u16string_view name) {
+    Entry* entry = index_.Find(HashOf(type, name), [type, name](const Entry& present) {
+        return present.type == type && EqualIgnoringCase(present.name, name);
+    });
+    if (entry != nullptr) {
+        entry->is_kept = true;
+    }
+}
+
+void LeftOut::Clear() {
+    while (first_ != nullptr) {
+        Entry* entry = first_;
+        first_ = entry->next;
+        delete[] entry->name;
+        delete entry;
+    }
+    last_ = nullptr;
+    index_.Clear();
+}
+
+}  // namespace tolvenar

@@ -1,0 +1,124 @@
+#include "storage/objects/presence.h"
+
+#include <string_view>
+
+#include "platform/registry_key.h"
+#include "platform/text.h"
+#include "snapshot/records/registry_objects.h"
+
+namespace tolvenar {
+namespace {
+
+constexpr DWORD kInRom = FILE_ATTRIBUTE_INROM | FILE_ATTRIBUTE_ROMMODULE;
+constexpr DWORD kMountedCard = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_TEMPORARY;
+
+bool Find(const char16_t* path, WIN32_FIND_DATAW& found) {
+    return static_cast<bool>(UniqueFind(::FindFirstFileW(Wide(path), &found)));
+}
+
+bool IsMountedCard(const WIN32_FIND_DATAW& entry) {
+    return (entry.dwFileAttributes & kMountedCard) == kMountedCard;
+}
+
+// Calls `is_sought` with what is before and behind each `separator` of the block's name, each with
+// a terminator, until it answers true.
+template <typename Predicate>
+bool AnySplit(const InfoBlock& block, char16_t separator, Predicate is_sought) {
+    InfoBlock split = block;
+    char16_t* const name = split.name();
+    for (char16_t* unit = name; *unit != 0; ++unit) {
+        if (*unit == separator) {
+            *unit = 0;
+            if (is_sought(name, unit + 1)) {
+                return true;
+            }
+            *unit = separator;
+        }
+    }
+    return false;
+}
+
+bool IsOnCard(const InfoBlock& block) {
+    return AnySplit(block, u'\\', [](const char16_t* folder, const char16_t*) {
+        WIN32_FIND_DATAW found{};
+        return *folder != 0 && Find(folder, found) && IsMountedCard(found);
+    });
+}
+
+bool IsExcludedPath(const InfoBlock& block, const StorageFileNames& storage_files) {
+    InfoBlock split = block;
+    const std::size_t backslash = std::u16string_view(split.name()).rfind(u'\\');
+    if (backslash == std::u16string_view::npos) {
+        return true;
+    }
+    split.name()[backslash] = 0;
+    return IsExcluded(ExclusionKind::kFile, split.name(), split.name() + backslash + 1,
+                      &storage_files);
+}
+
+bool IsFileOnDevice(const InfoBlock& block, const StorageFileNames& storage_files, CEOID& oid) {
+    WIN32_FIND_DATAW found{};
+    if (!Find(block.name(), found) || (found.dwFileAttributes & kInRom) != 0 ||
+        IsMountedCard(found)) {
+        return false;
+    }
+    oid = found.dwOID;
+    const DWORD other_kind =
+        (found.dwFileAttributes ^ block.head().attributes) & FILE_ATTRIBUTE_DIRECTORY;
+    return other_kind == 0 && !IsExcludedPath(block, storage_files) && !IsOnCard(block);
+}
+
+bool IsKeyOnDevice(const InfoBlock& block) {
+    const std::uint32_t hive = block.head().hive;
+    return OpenKey(RootKey(hive), Wide(block.name())) &&
+           !IsExcludedRegistryObject(hive, block.name(), nullptr);
+}
+
+bool IsValueOnDevice(const InfoBlock& block) {
+    const std::uint32_t hive = block.head().hive;
+    return AnySplit(block, kNameSeparator, [hive](const char16_t* key_path, const char16_t* name) {
+        const UniqueHkey key = OpenKey(RootKey(hive), Wide(key_path));
+        return key && !IsExcludedRegistryObject(hive, key_path, name) &&
+               ::RegQueryValueExW(key.get(), Wide(name), nullptr, nullptr, nullptr, nullptr) ==
+                   ERROR_SUCCESS;
+    });
+}
+
+// The database of that name, and the record when `record_oid` is not 0.
+bool IsInDatabase(DatabaseLayer& databases, const char16_t* name, CEOID record_oid, CEOID& oid) {
+    if (IsExcludedDatabase(name)) {
+        return false;
+    }
+    const HANDLE database = databases.OpenDatabaseCached(oid, name, 0, 0, nullptr);
+    if (database == INVALID_HANDLE_VALUE) {
+        return false;
+    }
+    if (record_oid != 0) {
+        oid = databases.SeekRecord(database, CEDB_SEEK_CEOID, record_oid);
+    }
+    databases.CloseDatabaseCached(database);
+    return oid != 0;
+}
+
+bool IsHive(std::uint32_t root) { return root >= kHiveClassesRoot && root <= kHiveUsers; }
+
+}  // namespace
+
+bool IsOnDevice(DatabaseLayer& databases, const StorageFileNames& storage_files,
+                const ObjectRecord& record, const InfoBlock& block, CEOID& oid) {
+    oid = 0;
+    if (IsRegistryObject(record) && !IsHive(block.head().hive)) {
+        return false;
+    }
+    switch (record.type) {
+        case ObjectType::kRegistryValue: return IsValueOnDevice(block);
+        case ObjectType::kRegistryKey: return IsKeyOnDevice(block);
+        case ObjectType::kFile: return IsFileOnDevice(block, storage_files, oid);
+        case ObjectType::kDatabase: return IsInDatabase(databases, block.name(), 0, oid);
+        case ObjectType::kDatabaseRecord:
+            return record.dwOID != 0 && IsInDatabase(databases, block.name(), record.dwOID, oid);
+        default: return false;
+    }
+}
+
+}  // namespace tolvenar
