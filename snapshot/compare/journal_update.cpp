@@ -1,6 +1,7 @@
 #include "snapshot/compare/journal_update.h"
 
 #include <algorithm>
+#include <cstring>
 #include <new>
 
 namespace tolvenar {
@@ -20,25 +21,32 @@ bool IsSameVersion(const ObjectRecord& a, const ObjectRecord& b) {
            a.data_offset == b.data_offset && a.type == b.type;
 }
 
+bool HaveOneKey(const ObjectRecord& a, const ObjectRecord& b) {
+    return StatelessKeyOf(a) == StatelessKeyOf(b);
+}
+
 // Takes the records of a journal in the order of a walk and changes ids as they come by.
 class IdChange {
 public:
     IdChange(const ObjectRecord& object, std::uint32_t newOid) : object_(object), newOid_(newOid) {}
 
-    void Visit(ObjectRecord& record) {
+    // True when the record is the object's addition, which has the new id now.
+    bool Visit(ObjectRecord& record) {
         if (!IsSameVersion(record, object_)) {
-            return;
+            return false;
         }
         if (record.state_number == object_.state_number) {
-            if ((record.flags & JF_ADD) != 0 && HasObjectStoreId(record.type)) {
-                record.dwOID = newOid_;
+            if ((record.flags & JF_ADD) == 0 || !HasObjectStoreId(record.type)) {
+                return false;
             }
-            return;
+            record.dwOID = newOid_;
+            return true;
         }
         if (record.state_number > object_.state_number && (record.flags & JF_DELETE) != 0 &&
             (deletion_ == nullptr || record.state_number <= deletion_->state_number)) {
             deletion_ = &record;
         }
+        return false;
     }
 
     void Finish() {
@@ -60,19 +68,59 @@ std::uint32_t JournalUpdater::Entry::Hash() const { return HashOf(record->propOf
 void JournalUpdater::BuildIndex() {
     index_tried_ = true;
     const std::size_t count = journal_->CountRecords();
-    std::unique_ptr<Entry[]> entries(new (std::nothrow) Entry[count + 1]);
-    if (entries == nullptr || !index_.Reserve(count)) {
+    std::unique_ptr<Entry[]> entries(new (std::nothrow) Entry[count + 1]{});
+    by_key_.reset(new (std::nothrow) Entry*[count + 1]);
+    if (entries == nullptr || by_key_ == nullptr || !index_.Reserve(count)) {
         return;
     }
     std::size_t filled = 0;
     for (const ObjectList::Node& node : *journal_) {
-        entries[filled++].record = node.record;
+        Entry& entry = entries[filled++];
+        entry.record = node.record;
+        if (HasObjectStoreId(node.record->type)) {
+            by_key_[by_key_count_++] = &entry;
+        }
     }
     // From the back, since each is put in front of its chain.
     while (filled != 0) {
         index_.Add(entries[--filled]);
     }
     entries_ = std::move(entries);
+    SortByKey();
+    FindLives();
+}
+
+// By key without state number, then as a replay meets them: by state, then as the journal is
+// walked.
+void JournalUpdater::SortByKey() {
+    std::sort(by_key_.get(), by_key_.get() + by_key_count_, [](const Entry* a, const Entry* b) {
+        const ObjectKey key_a = StatelessKeyOf(*a->record);
+        const ObjectKey key_b = StatelessKeyOf(*b->record);
+        const int order = std::memcmp(&key_a, &key_b, sizeof key_a);
+        if (order != 0) {
+            return order < 0;
+        }
+        const std::uint16_t state_a = a->record->state_number;
+        const std::uint16_t state_b = b->record->state_number;
+        return state_a != state_b ? state_a < state_b : a < b;
+    });
+}
+
+void JournalUpdater::FindLives() {
+    Entry* living = nullptr;
+    for (std::size_t i = 0; i < by_key_count_; ++i) {
+        Entry& entry = *by_key_[i];
+        if (i != 0 && !HaveOneKey(*by_key_[i - 1]->record, *entry.record)) {
+            living = nullptr;
+        }
+        if (living == nullptr && (entry.record->flags & kAdditionFlags) != 0) {
+            living = &entry;
+        }
+        entry.life = living != nullptr ? living : &entry;
+        if ((entry.record->flags & JF_DELETE) != 0) {
+            living = nullptr;
+        }
+    }
 }
 
 void JournalUpdater::UpdateJournalOid(const ObjectRecord& record, std::uint32_t newOid) {
@@ -86,7 +134,9 @@ void JournalUpdater::UpdateJournalOid(const ObjectRecord& record, std::uint32_t 
     if (entries_ != nullptr) {
         for (Entry* entry = index_.ChainOf(HashOf(record.propOffset)); entry != nullptr;
              entry = entry->bucket_next) {
-            change.Visit(*entry->record);
+            if (change.Visit(*entry->record)) {
+                entry->life->new_id = newOid;
+            }
         }
     } else {
         for (const ObjectList::Node& node : *journal_) {
@@ -94,78 +144,51 @@ void JournalUpdater::UpdateJournalOid(const ObjectRecord& record, std::uint32_t 
         }
     }
     change.Finish();
-    Remember({newOid, record.propOffset});
-}
-
-void JournalUpdater::Remember(const NewId& id) {
-    if (new_id_count_ == new_id_room_) {
-        const std::size_t room = new_id_room_ == 0 ? 64 : 2 * new_id_room_;
-        std::unique_ptr<NewId[]> grown(new (std::nothrow) NewId[room]);
-        if (grown == nullptr) {
-            is_complete_ = false;
-            return;
-        }
-        std::copy_n(new_ids_.get(), new_id_count_, grown.get());
-        new_ids_ = std::move(grown);
-        new_id_room_ = room;
-    }
-    new_ids_[new_id_count_++] = id;
 }
 
 bool JournalUpdater::SeparateVersions() {
-    if (!is_complete_) {
-        return false;
-    }
-    if (new_id_count_ == 0) {
+    if (!index_tried_) {
         return true;
     }
     if (entries_ == nullptr) {
         return false;
     }
-    std::sort(new_ids_.get(), new_ids_.get() + new_id_count_,
-              [](const NewId& a, const NewId& b) { return a.oid < b.oid; });
-    std::uint32_t stale_id = LowestStaleId();
-    for (const ObjectList::Node& node : *journal_) {
-        const NewId* id = FindOtherVersion(*node.record);
-        if (id != nullptr && HasKeyOfNewId(*node.record, *id)) {
-            GiveId(*node.record, --stale_id);
+    Entry* const* const end = by_key_.get() + by_key_count_;
+    for (Entry* const* at = by_key_.get(); at != end; ++at) {
+        if ((*at)->life->new_id != 0) {
+            (*at)->record->dwOID = (*at)->life->new_id;
         }
+    }
+    SortByKey();
+    std::uint32_t stale_id = LowestStaleId();
+    for (Entry* const* first = by_key_.get(); first != end;) {
+        Entry* const* const next = std::find_if(first, end, [first](const Entry* entry) {
+            return !HaveOneKey(*entry->record, *(*first)->record);
+        });
+        GiveWay(first, next, stale_id);
+        first = next;
     }
     return true;
 }
 
-// The new id that a record has although it belongs to another version; null when there is none.
-const JournalUpdater::NewId* JournalUpdater::FindOtherVersion(const ObjectRecord& record) const {
-    if (!HasObjectStoreId(record.type)) {
-        return nullptr;
+// Of the lives with one key, whose records these are, the one that has a new id keeps it, since its
+// object is on the device; every other one gets an id of its own.
+void JournalUpdater::GiveWay(Entry* const* begin, Entry* const* end, std::uint32_t& stale_id) {
+    Entry* const* const kept =
+        std::find_if(begin, end, [](const Entry* entry) { return entry->life->new_id != 0; });
+    if (kept == end) {
+        return;
     }
-    const NewId* begin = new_ids_.get();
-    const NewId* end = begin + new_id_count_;
-    const NewId* id = std::lower_bound(
-        begin, end, record.dwOID, [](const NewId& a, std::uint32_t oid) { return a.oid < oid; });
-    const NewId* first = id != end && id->oid == record.dwOID ? id : nullptr;
-    for (; id != end && id->oid == record.dwOID; ++id) {
-        if (id->propOffset == record.propOffset) {
-            return nullptr;
+    const Entry* const living = (*kept)->life;
+    for (Entry* const* at = begin; at != end; ++at) {
+        Entry& life = *(*at)->life;
+        if (&life == living) {
+            continue;
         }
-    }
-    return first;
-}
-
-bool JournalUpdater::HasKeyOfNewId(const ObjectRecord& record, const NewId& id) const {
-    const ObjectKey key = KeyOf(record);
-    return index_.Find(HashOf(id.propOffset), [&key, &id](const Entry& entry) {
-        return entry.record->propOffset == id.propOffset && KeyOf(*entry.record) == key;
-    }) != nullptr;
-}
-
-void JournalUpdater::GiveId(const ObjectRecord& version, std::uint32_t oid) {
-    const ObjectRecord stale = version;
-    for (Entry* entry = index_.ChainOf(HashOf(stale.propOffset)); entry != nullptr;
-         entry = entry->bucket_next) {
-        if (IsSameVersion(*entry->record, stale)) {
-            entry->record->dwOID = oid;
+        if (life.new_id < kFirstStaleId) {
+            life.new_id = --stale_id;
         }
+        (*at)->record->dwOID = life.new_id;
     }
 }
 

@@ -26,40 +26,39 @@ public:
     // Nodes keep the keys under which they stand.
     void UpdateJournalOid(const ObjectRecord& record, std::uint32_t newOid);
 
-    // After the last object. A device that was reset gives out ids again, so a new id may be the
-    // stale one of another version of the journal, and two records of one state with one key are
-    // one when the journal is loaded again. Such a version gets an id that no object has. False
-    // without memory: the journal must not be saved then.
+    // After the last object; the journal's states hold the same objects then as before. Versions
+    // that replace one another without a deletion, as those of a file of which only the contents
+    // changed, share an id: the new one goes to all of them and to the deletion that ends them. A
+    // device that was reset gives out ids again, so a new id may be the stale one of another
+    // version, which would be one with this one as soon as a state held both: it gets an id that no
+    // object has. False without memory: the journal must not be saved then.
     bool SeparateVersions();
 
 private:
-    // The data block of an object and the id that it has now.
-    struct NewId {
-        std::uint32_t oid;
-        std::uint32_t propOffset;
-    };
     struct Entry {
         ObjectRecord* record;
         Entry* bucket_next;
+        // The first record of the same life, null for an object without an object-store id. A life
+        // begins with an addition, goes on with the additions that replace it and ends with the
+        // deletion of the last one; all its records have one key without state number.
+        Entry* life;
+        std::uint32_t new_id;  // of a life, in its first record; 0 while it keeps its id
 
         std::uint32_t Hash() const;
     };
 
     void BuildIndex();
-    void Remember(const NewId& id);
-    const NewId* FindOtherVersion(const ObjectRecord& record) const;
-    bool HasKeyOfNewId(const ObjectRecord& record, const NewId& id) const;
-    void GiveId(const ObjectRecord& version, std::uint32_t oid);
+    void SortByKey();
+    void FindLives();
+    void GiveWay(Entry* const* begin, Entry* const* end, std::uint32_t& stale_id);
     std::uint32_t LowestStaleId() const;
 
     ObjectList* journal_;
     bool index_tried_ = false;
     std::unique_ptr<Entry[]> entries_;  // null without an index
     HashIndex<Entry> index_;            // every chain in the order of the journal
-    std::unique_ptr<NewId[]> new_ids_;
-    std::size_t new_id_count_ = 0;
-    std::size_t new_id_room_ = 0;
-    bool is_complete_ = true;  // every new id could be remembered
+    std::unique_ptr<Entry*[]> by_key_;  // those that belong to a life
+    std::size_t by_key_count_ = 0;
 };
 
 // Exchanges JF_ADD and JF_DELETE of every record that has either, and removes every record that has

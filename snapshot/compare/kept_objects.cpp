@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <memory>
 #include <new>
-#include <string_view>
 
 #include "snapshot/compare/record_info.h"
 
@@ -15,7 +14,8 @@ bool IsRegistryObjectWith(const ObjectRecord& record, std::uint16_t flag) {
     return IsRegistryObject(record) && (record.flags & flag) != 0;
 }
 
-// A changed value has another identifier, so only versions with the same data come this far.
+// Two versions of one value come this far when their data differ and the identifier does not show
+// it: writing the one over the other is all that it takes, and should it fail the other is there.
 bool MayBeSameObject(const ObjectRecord& deleted, const ObjectRecord& stored, InfoSource& info) {
     if (deleted.type != stored.type) {
         return false;
@@ -25,8 +25,7 @@ bool MayBeSameObject(const ObjectRecord& deleted, const ObjectRecord& stored, In
     if (!FetchInfo(deleted, info, deleted_block) || !FetchInfo(stored, info, stored_block)) {
         return true;
     }
-    return deleted_block.head().hive == stored_block.head().hive &&
-           std::u16string_view(deleted_block.name()) == stored_block.name();
+    return HaveOneName(deleted_block, stored_block);
 }
 
 // The registry objects that are written back, by identifiers without their counters: a deletion

@@ -58,7 +58,8 @@ bool CandidateIndex::Build(const ObjectList& against) {
     return true;
 }
 
-ObjectRecord* CandidateIndex::FirstMatch(const ObjectRecord& a, InfoSource& info) {
+ObjectRecord* CandidateIndex::FirstMatch(const ObjectRecord& a, InfoSource& info,
+                                         PairTest may_match) {
     // Candidates stand in two chains, which are followed together in the order of the list.
     Entry* no_second_chain = nullptr;
     Entry** registry = &index_.LinkOf(RegistryHash(a));
@@ -71,7 +72,8 @@ ObjectRecord* CandidateIndex::FirstMatch(const ObjectRecord& a, InfoSource& info
         Entry& entry = **link;
         if (entry.record->flags & JF_MATCHED) {
             index_.RemoveAt(*link);
-        } else if (IsMatch(a, *entry.record, info)) {
+        } else if ((may_match == nullptr || may_match(a, *entry.record)) &&
+                   IsMatch(a, *entry.record, info)) {
             return entry.record;
         } else {
             link = &entry.bucket_next;

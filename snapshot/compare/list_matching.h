@@ -12,6 +12,9 @@
 
 namespace tolvenar {
 
+// Whether two records may be a pair at all, told from themselves.
+using PairTest = bool (*)(const ObjectRecord& a, const ObjectRecord& b);
+
 // The unmatched records of one list, arranged so that the first one from the front that matches a
 // given record is found without walking the list. What is asked of whom, in which order and with
 // which log lines is as if the list was walked. The list must not change meanwhile.
@@ -19,8 +22,9 @@ class CandidateIndex {
 public:
     // False when there is no memory.
     bool Build(const ObjectList& against);
-    // The first record of the list without JF_MATCHED that matches `a`, or null.
-    ObjectRecord* FirstMatch(const ObjectRecord& a, InfoSource& info);
+    // The first record of the list without JF_MATCHED that matches `a`, or null. Where `may_match`
+    // does not hold nothing else is asked; it may be null.
+    ObjectRecord* FirstMatch(const ObjectRecord& a, InfoSource& info, PairTest may_match);
 
 private:
     struct Entry {

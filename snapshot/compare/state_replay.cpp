@@ -2,19 +2,27 @@
 
 #include <new>
 
+#include "snapshot/compare/entry_key.h"
 #include "snapshot/compare/record_info.h"
 
 namespace tolvenar {
 namespace {
 
+// True when a deletion's record repeats what stands in front of the state number in an addition's.
+// The counter may differ: a deletion takes another one where its key was taken.
+bool RepeatsBytes(const ObjectRecord& deletion, const ObjectRecord& addition) {
+    return HaveOneBlock(deletion, addition) && deletion.dwOID == addition.dwOID &&
+           deletion.info_checksum == addition.info_checksum &&
+           deletion.content_fingerprint == addition.content_fingerprint &&
+           deletion.data_offset == addition.data_offset;
+}
+
 // The same block is the same object, also when the block can no longer be read: a damaged one must
 // not bring its object back as an old version in every later state.
 bool IsSameObject(const ObjectRecord& record, const ObjectRecord& candidate, InfoSource& info) {
-    if (!SameTolvOID(record, candidate)) {
-        return false;
-    }
-    const bool same_block = record.propOffset != 0 && record.propOffset == candidate.propOffset;
-    return same_block || IsEqualRegs(record, candidate, info);
+    return SameTolvOID(record, candidate) &&
+           (HaveOneBlock(record, candidate) ||
+            CompareObjects(record, candidate, info) == Sameness::kSame);
 }
 
 std::uint32_t HashOf(const ObjectRecord& record) {
@@ -55,9 +63,15 @@ void RegistryIndex::Remove(const ObjectList::Node& node) {
 }
 
 ObjectList::Node* RegistryIndex::FindSame(const ObjectRecord& record, InfoSource& info) const {
-    const Entry* entry = index_.Find(HashOf(record), [&record, &info](const Entry& present) {
-        return IsSameObject(record, *present.node->record, info);
+    // Two versions of one value may have one identifier: the bytes tell which of them is meant.
+    const Entry* entry = index_.Find(HashOf(record), [&record](const Entry& present) {
+        return RepeatsBytes(record, *present.node->record);
     });
+    if (entry == nullptr) {
+        entry = index_.Find(HashOf(record), [&record, &info](const Entry& present) {
+            return IsSameObject(record, *present.node->record, info);
+        });
+    }
     return entry == nullptr ? nullptr : entry->node;
 }
 
@@ -100,7 +114,8 @@ bool StateReplay::Apply(const ObjectList::Node& source) {
     return true;
 }
 
-bool StateReplay::Add(const ObjectKey& key, const ObjectRecord& record) {
+bool StateReplay::Add(const ObjectKey& own_key, const ObjectRecord& record) {
+    const ObjectKey key = EntryKey(out_, own_key, record, info_);
     std::unique_ptr<ObjectRecord> copy(NewObjectRecord(record));
     if (copy == nullptr) {
         return false;

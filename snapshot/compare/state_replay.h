@@ -19,7 +19,8 @@ public:
     // Enters and takes out a node of the list; one that holds no registry record is passed over.
     void Add(ObjectList::Node& node);
     void Remove(const ObjectList::Node& node);
-    // The first node of the list that is the same registry object as `record`, or null.
+    // The node whose record the deletion `record` repeats, else the first node of the list that is
+    // the same registry object; null when there is neither.
     ObjectList::Node* FindSame(const ObjectRecord& record, InfoSource& info) const;
 
 private:
@@ -59,7 +60,7 @@ public:
     bool Apply(const ObjectList::Node& source);
 
 private:
-    bool Add(const ObjectKey& key, const ObjectRecord& record);
+    bool Add(const ObjectKey& own_key, const ObjectRecord& record);
     void Delete(const ObjectKey& key, const ObjectRecord& record);
 
     ObjectList& out_;

@@ -4,6 +4,7 @@
 #include "snapshot/compare/difference.h"
 #include "snapshot/compare/own_files.h"
 #include "snapshot/compare/prune.h"
+#include "snapshot/compare/state_identifiers.h"
 #include "snapshot/engine/descriptions.h"
 #include "snapshot/scan/database_scanner.h"
 #include "snapshot/scan/file_scanner.h"
@@ -34,21 +35,22 @@ void ScanObjectStoreFiles(Engine& engine) {
     ScanFiles(scan, u"", MakeFileObject);
 }
 
-void ScanHives(Engine& engine) {
-    RegistryScan scan{*engine.storage.newer, engine.info, engine.storage.registry_objects};
+void ScanHives(Engine& engine, IdentifierHolders& holders) {
+    RegistryScan scan{*engine.storage.newer, engine.info, engine.storage.registry_objects,
+                      &holders};
     for (const Hive& hive : kHives) {
         engine.progress.ProgressStep(hive.progress_text);
         ScanRegistry(scan, hive.root, u"", MakeRegistryObject);
     }
 }
 
-// Scans the device into the newer list.
-void ScanDevice(Engine& engine) {
+// Scans the device into the newer list. `holders` have the identifiers of the older.
+void ScanDevice(Engine& engine, IdentifierHolders& holders) {
     engine.storage.left_out.Clear();
     engine.progress.ProgressStep(u"Scanning files...");
     ScanObjectStoreFiles(engine);
     engine.storage.registry_objects.RegObjectClear();
-    ScanHives(engine);
+    ScanHives(engine, holders);
     engine.progress.ProgressStep(u"Scanning databases...");
     DatabaseScan scan{*engine.storage.newer, engine.info, engine.databases,
                       engine.storage.left_out};
@@ -59,7 +61,7 @@ void ScanDevice(Engine& engine) {
 bool CompareLists(Engine& engine, InfoSource& info) {
     OpenedStorage& storage = engine.storage;
     engine.progress.ProgressStep(u"Finding differences...");
-    if (!CmpLists(storage.older.get(), storage.newer.get(), *storage.difference, info)) {
+    if (!FindChanges(storage.older.get(), storage.newer.get(), *storage.difference, info)) {
         return false;
     }
     PruneDifferences(*storage.difference, kBackupPruning, info);
@@ -93,7 +95,11 @@ int FindDifference(Engine& engine, std::uint32_t state) {
         LogMessage(kNoList, u"FindDifference", kLogError);
         return 0;
     }
-    ScanDevice(engine);
+    StateIdentifiers identifiers(descriptions.source);
+    if (!identifiers.Build(*storage.older)) {
+        return 0;
+    }
+    ScanDevice(engine, identifiers);
     if (!ResetList(storage.difference)) {
         descriptions.sav_file.Reset();
         ::MessageBoxW(nullptr, Wide(kNoList), L"FindDifference", MB_SETFOREGROUND);

@@ -11,8 +11,6 @@
 namespace tolvenar {
 namespace {
 
-constexpr std::uint16_t kCounterValues = 256;  // the identifier has 8 bits for the counter
-
 // Null for an absent text and without memory.
 char16_t* CopyText(const char16_t* text) {
     if (text == nullptr) {
@@ -32,11 +30,11 @@ void Free(RegistryObject* object) {
     delete object;
 }
 
-void LogCollision(const char16_t* full_name, const RegistryObject& present) {
+void LogCollision(const char16_t* full_name, const HolderNames& present, std::uint32_t TolvOID) {
     TextBuffer<1024> text;
     text.Append(full_name).Append(u"\r\n");
     text.Append(present.key_path).Append(u"!").Append(present.value_name).Append(u"\r\n");
-    text.AppendHex(present.TolvOID, 8);
+    text.AppendHex(TolvOID, 8);
     LogMessage(text.text(), u"OID generation", kLogNote);
 }
 
@@ -91,8 +89,17 @@ void RegistryObjects::RegObjectClear() {
     index_.Clear();
 }
 
+bool RegistryObjects::IsTaken(std::uint32_t TolvOID, const RegistryEntry& entry,
+                              IdentifierHolders* holders, HolderNames& names) const {
+    if (const RegistryObject* present = RegObjectFind(TolvOID)) {
+        names = {present->key_path, present->value_name};
+        return true;
+    }
+    return holders != nullptr && holders->IsHeldByAnother(TolvOID, entry, names);
+}
+
 bool RegistryObjects::Generate(const char16_t* full_name, const RegistryEntry& entry,
-                               std::uint32_t& TolvOID_out) {
+                               std::uint32_t& TolvOID_out, IdentifierHolders* holders) {
     if (entry.key_path == nullptr) {
         return false;
     }
@@ -100,14 +107,14 @@ bool RegistryObjects::Generate(const char16_t* full_name, const RegistryEntry& e
     const std::size_t data_bytes =
         entry.is_key ? std::u16string_view(entry.key_path).size() * sizeof(char16_t)
                      : entry.data_bytes;
-    for (std::uint16_t counter = 0; counter < kCounterValues; ++counter) {
-        const std::uint32_t TolvOID = MakeTolvOID(full_name, data, data_bytes, counter);
-        const RegistryObject* present = RegObjectFind(TolvOID);
-        if (present == nullptr) {
+    std::uint32_t TolvOID = MakeTolvOID(full_name, data, data_bytes, 0);
+    for (int counter = 0; counter < kCounterValues; ++counter, TolvOID += kCounterStep) {
+        HolderNames holder;
+        if (!IsTaken(TolvOID, entry, holders, holder)) {
             TolvOID_out = TolvOID;
             return RegObjectAdd(TolvOID, entry) != 0;
         }
-        LogCollision(full_name, *present);
+        LogCollision(full_name, holder, TolvOID);
     }
     return false;
 }

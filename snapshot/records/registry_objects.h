@@ -19,6 +19,8 @@ std::uint32_t MakeTolvOID(const char16_t* path, const void* data, std::size_t da
 
 // Only these bits are compared between scans: the collision counter depends on the order of a scan.
 constexpr std::uint32_t kTolvOidMask = 0x00FFFFFF;
+constexpr std::uint32_t kCounterStep = 0x01000000;
+constexpr int kCounterValues = 256;  // the counter has 8 bits
 
 // A key or a value as a walk of the registry meets it; text and data are the walk's.
 struct RegistryEntry {
@@ -50,6 +52,25 @@ struct RegistryObject {
     }
 };
 
+// Names as the log of a collision tells them; null for what there is not.
+struct HolderNames {
+    const char16_t* key_path = nullptr;
+    const char16_t* value_name = nullptr;
+};
+
+// The identifiers that objects outside the table have: those of the state that a scan is compared
+// with.
+class IdentifierHolders {
+public:
+    // Whether an object other than `entry` has this identifier. Its names are in `names` then,
+    // until the next call.
+    virtual bool IsHeldByAnother(std::uint32_t TolvOID, const RegistryEntry& entry,
+                                 HolderNames& names) = 0;
+
+protected:
+    ~IdentifierHolders() = default;
+};
+
 class RegistryObjects {
 public:
     RegistryObjects() = default;
@@ -64,13 +85,16 @@ public:
     const RegistryObject* RegObjectFind(std::uint32_t TolvOID) const;
     void RegObjectClear();
 
-    // Takes the first identifier that is free, logging each collision, and enters the object. False
-    // when 256 tries found none (the counter has 8 bits) or memory is short; else the identifier is
-    // in `TolvOID_out`.
-    bool Generate(const char16_t* full_name, const RegistryEntry& entry,
-                  std::uint32_t& TolvOID_out);
+    // Takes the first identifier that neither the table nor `holders` (may be null) have for
+    // another object, logging each collision, and enters the object. False when 256 tries found
+    // none (the counter has 8 bits) or memory is short; else the identifier is in `TolvOID_out`.
+    bool Generate(const char16_t* full_name, const RegistryEntry& entry, std::uint32_t& TolvOID_out,
+                  IdentifierHolders* holders = nullptr);
 
 private:
+    bool IsTaken(std::uint32_t TolvOID, const RegistryEntry& entry, IdentifierHolders* holders,
+                 HolderNames& names) const;
+
     RegistryObject* first_ = nullptr;
     HashIndex<RegistryObject> index_;  // of equal identifiers the newest stands first
 };

@@ -135,7 +135,7 @@ std::uint32_t Identify(RegistryScan& scan, const RegistryEntry& entry) {
         return 0;
     }
     std::uint32_t TolvOID = 0;
-    return scan.objects.Generate(full_name.text(), entry, TolvOID) ? TolvOID : 0;
+    return scan.objects.Generate(full_name.text(), entry, TolvOID, scan.holders) ? TolvOID : 0;
 }
 
 }  // namespace

@@ -15,6 +15,8 @@ struct RegistryScan {
     ObjectList& list;
     LiveObjects& info;  // describes what `objects` holds
     RegistryObjects& objects;
+    // Whose identifiers no other object gets; may be null.
+    IdentifierHolders* holders = nullptr;
 };
 
 using RegistryMaker = void (*)(RegistryScan& scan, const RegistryEntry& entry);

@@ -4,6 +4,7 @@
 #include "snapshot/compare/difference.h"
 #include "snapshot/compare/journal_update.h"
 #include "snapshot/compare/kept_objects.h"
+#include "snapshot/compare/state_identifiers.h"
 #include "snapshot/records/registry_objects.h"
 #include "tests/native/failing_new.h"
 #include "tests/support/fake_info_source.h"
@@ -155,6 +156,11 @@ TEST_F(AllocationFailureTest, NothingIsKeptOfWhatIsDeletedAndWrittenBack) {
                   EXPECT_EQ(JF_ADD, diff->First()->record->flags);
                   return done;
               }));
+}
+
+TEST_F(AllocationFailureTest, TheIdentifiersOfAStateCannotBeLookedUp) {
+    const auto state = ListOf({JournalRecord(MakeRecord(kValue, 0, 5), 1, 0, 9)});
+    EXPECT_EQ(2u, ForEachAllocation([&] { return StateIdentifiers(info_).Build(*state); }));
 }
 
 TEST_F(AllocationFailureTest, ARegistryObjectIsNotEntered) {

@@ -6,6 +6,15 @@
 namespace tolvenar {
 namespace {
 
+// A state that holds identifiers for another object.
+struct HeldIdentifiers : IdentifierHolders {
+    bool IsHeldByAnother(std::uint32_t TolvOID, const RegistryEntry&, HolderNames& names) override {
+        names = {u"stored\\key", u"value"};
+        return TolvOID == held;
+    }
+    std::uint32_t held = 0;
+};
+
 class CollisionTest : public testing::Test {
 protected:
     CollisionTest() { ClearLog(); }
@@ -46,6 +55,19 @@ TEST_F(CollisionTest, EachCollisionIsLogged) {
               LogLines()[0]);
     // The name of an absent value is empty.
     EXPECT_EQ(std::string("I OID generation: full name\r\nkey!\r\n") + digits[1], LogLines()[1]);
+}
+
+TEST_F(CollisionTest, AnIdentifierThatTheStateHasForAnotherObjectIsACollision) {
+    HeldIdentifiers state;
+    state.held = MakeTolvOID(u"full name", "data", 4, 0);
+    std::uint32_t id = 0;
+    ASSERT_TRUE(table_.Generate(u"full name", {false, 1, u"k", u"v", 1, "data", 4}, id, &state));
+    EXPECT_EQ(state.held + 0x01000000, id);
+    char digits[9];
+    std::snprintf(digits, 9, "%08x", state.held);
+    ASSERT_EQ(1u, LogLines().size());
+    EXPECT_EQ(std::string("I OID generation: full name\r\nstored\\key!value\r\n") + digits,
+              LogLines()[0]);
 }
 
 TEST_F(CollisionTest, TheCounterHas8BitsAnd256TriesAreAll) {

@@ -19,7 +19,7 @@ public:
     explicit PlainWalkRound(unsigned seed) : random_(seed) {
         for (std::uint32_t offset = 1; offset < 8; ++offset) {
             if (Below(4) != 0) {
-                info_.stored[offset] = {Name(), kValue, 0};
+                info_.stored[offset] = {Name(), kValue, Below(2)};
             }
         }
         for (std::uint32_t id : kIds) {

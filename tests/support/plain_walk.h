@@ -64,6 +64,43 @@ inline bool EqualNames(const ObjectRecord& a, const ObjectRecord& b, Reference& 
     return std::u16string(block_a.name()) == std::u16string(block_b.name());
 }
 
+enum class Kinship { kSame, kOther, kUnknown };
+
+inline Kinship Compare(const ObjectRecord& a, const ObjectRecord& b, Reference& reference) {
+    if (a.type != b.type) {
+        return Kinship::kOther;
+    }
+    InfoBlock block_a;
+    InfoBlock block_b;
+    if (!Fetch(a, block_a, reference) || !Fetch(b, block_b, reference)) {
+        return Kinship::kUnknown;
+    }
+    const bool equal = block_a.head().hive == block_b.head().hive &&
+                       std::u16string(block_a.name()) == std::u16string(block_b.name());
+    return equal ? Kinship::kSame : Kinship::kOther;
+}
+
+inline bool OneBlock(const ObjectRecord& a, const ObjectRecord& b) {
+    return a.propOffset != 0 && a.propOffset == b.propOffset &&
+           a.TolvOID % 0x1000000 == b.TolvOID % 0x1000000;
+}
+
+// The first counter under which no other registry object stands.
+inline ObjectKey FreeKey(List& list, const ObjectKey& key, const ObjectRecord& record,
+                         Reference& reference) {
+    for (std::uint32_t counter = 0; counter < 256; ++counter) {
+        ObjectKey tried = key;
+        tried.TolvOID += counter * 0x1000000;
+        const auto present = Find(list, tried);
+        if (present == list.end() || !IsRegistry(record) || !IsRegistry(present->record) ||
+            OneBlock(record, present->record) ||
+            Compare(record, present->record, reference) != Kinship::kOther) {
+            return tried;
+        }
+    }
+    return key;
+}
+
 inline bool Matches(const ObjectRecord& a, const ObjectRecord& b, Reference& reference) {
     const int type_b = static_cast<int>(b.type);
     if (type_b == 1 || (type_b == 2 && IsRegistry(a))) {
@@ -87,11 +124,15 @@ inline void AddToDifference(ObjectRecord& a, std::uint16_t mark, List& diff, Ref
         return;
     }
     const std::uint32_t fingerprint = type == 1 || type == 8 ? a.content_fingerprint : 0;
-    const ObjectKey key{a.info_checksum * 0x10000u, fingerprint, a.dwOID, a.TolvOID};
-    if (Find(diff, key) != diff.end()) {
+    const ObjectKey own_key{a.info_checksum * 0x10000u, fingerprint, a.dwOID, a.TolvOID};
+    if (Find(diff, own_key) != diff.end()) {
         reference.log.push_back("CmpLists: Key is equal");
     }
+    const ObjectKey key = FreeKey(diff, own_key, a, reference);
     ObjectRecord copy = a;
+    if (mark == 8) {
+        copy.TolvOID = key.TolvOID;
+    }
     copy.flags = static_cast<std::uint16_t>((a.flags & 0xFFFC) | mark);
     Insert(diff, key, copy);
     a.state_number = 0;
@@ -137,11 +178,18 @@ inline void DeleteCounterpart(List& out, const ObjectKey& key, const ObjectRecor
     }
     for (auto place = out.begin(); place != out.end(); ++place) {
         const ObjectRecord& c = place->record;
+        if (IsRegistry(c) && OneBlock(r, c) && c.dwOID == r.dwOID &&
+            std::memcmp(&c.info_checksum, &r.info_checksum, 12) == 0) {
+            out.erase(place);
+            return;
+        }
+    }
+    for (auto place = out.begin(); place != out.end(); ++place) {
+        const ObjectRecord& c = place->record;
         if (!IsRegistry(c) || c.TolvOID % 0x1000000 != r.TolvOID % 0x1000000) {
             continue;
         }
-        const bool same_block = c.propOffset == r.propOffset && r.propOffset != 0;
-        if (same_block || EqualNames(r, c, reference)) {
+        if (OneBlock(r, c) || Compare(r, c, reference) == Kinship::kSame) {
             out.erase(place);
             return;
         }
@@ -152,9 +200,11 @@ inline void Replay(List& out, const KeyedRecord& source, Reference& reference) {
     const ObjectRecord& r = source.record;
     ObjectKey key = source.key;
     key.state_and_info = key.state_and_info / 0x10000 * 0x10000;
+    const ObjectKey own_key = key;
     if (r.flags & 0x34) {
         ObjectRecord copy = r;
         copy.flags = 0;
+        key = FreeKey(out, key, r, reference);
         const auto present = Find(out, key);
         if (static_cast<int>(r.type) == 4 && (r.flags & 0x20) && present != out.end()) {
             copy.content_fingerprint = static_cast<std::uint16_t>(
@@ -163,7 +213,7 @@ inline void Replay(List& out, const KeyedRecord& source, Reference& reference) {
         Insert(out, key, copy);
     }
     if (r.flags & 8) {
-        DeleteCounterpart(out, key, r, reference);
+        DeleteCounterpart(out, own_key, r, reference);
     }
 }
 

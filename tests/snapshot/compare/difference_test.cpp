@@ -206,5 +206,104 @@ TEST_F(CmpListsTest, AKeyAndAValueOfOneNameMatch) {
     ExpectMatch(Stored(kKey, 0x123456, 40, u"name"), Live(kValue, 0x123456, u"name"));
 }
 
+TEST_F(CmpListsTest, AnotherObjectWithTheSameKeyIsKeptBesideIt) {
+    ASSERT_TRUE(Compare({Stored(kValue, 0x123456, 40, u"gone")}, {Live(kValue, 0x123456, u"new")}));
+    ASSERT_EQ(2u, diff_->CountRecords());
+    const std::vector<ObjectRecord> differences = Differences();
+    EXPECT_EQ(JF_DELETE, differences[0].flags);
+    EXPECT_EQ(40u, differences[0].propOffset);
+    EXPECT_EQ(JF_ADD, differences[1].flags);
+    // The device knows the new one by its identifier; the deletion makes room in the journal.
+    EXPECT_EQ(0x123456u, differences[1].TolvOID);
+    EXPECT_EQ(0x01123456u, differences[0].TolvOID);
+    EXPECT_FALSE(KeyOf(differences[0]).Stateless() == KeyOf(differences[1]).Stateless());
+}
+
+TEST_F(CmpListsTest, TwoDeletedObjectsWithTheSameKeyAreBothDeleted) {
+    list1_ = ObjectList::CreateList();
+    list1_->InsertCopy({1, 0, 0, 0}, Stored(kValue, 0x123456, 40, u"one"));
+    list1_->InsertCopy({2, 0, 0, 0}, Stored(kValue, 0x123456, 80, u"two"));
+    diff_ = ObjectList::CreateList();
+    ASSERT_TRUE(CmpLists(list1_.get(), nullptr, *diff_, info_));
+    EXPECT_EQ((std::vector<std::uint32_t>{40, 80}), FieldsOf(*diff_, &ObjectRecord::propOffset));
+}
+
+TEST_F(CmpListsTest, AnUnreadableObjectWithTheSameKeyIsReplaced) {
+    const ObjectRecord stored = JournalRecord(MakeRecord(kValue, 0, 0x123456), 1, 0, 40);
+    ASSERT_TRUE(Compare({stored}, {Live(kValue, 0x123456, u"name")}));
+    ASSERT_EQ(1u, diff_->CountRecords());
+    EXPECT_EQ(JF_DELETE, Differences()[0].flags);
+}
+
+// As backups and restores compare.
+class FindChangesTest : public CmpListsTest {
+protected:
+    std::vector<std::uint16_t> FlagsOfChanges(const ObjectRecord& older,
+                                              const ObjectRecord& newer) {
+        list1_ = ListOf({older});
+        list2_ = ListOf({newer});
+        diff_ = ObjectList::CreateList();
+        EXPECT_TRUE(FindChanges(list1_.get(), list2_.get(), *diff_, info_));
+        return FieldsOf(*diff_, &ObjectRecord::flags);
+    }
+    using Flags = std::vector<std::uint16_t>;
+    const Flags change_{JF_DELETE, JF_ADD};
+};
+
+TEST_F(FindChangesTest, AnEqualValueIsNoChange) {
+    EXPECT_EQ(Flags{}, FlagsOfChanges(Stored(kValue, 0x123456, 40, u"name"),
+                                      Live(kValue, 0x01123456, u"name")));
+    EXPECT_TRUE(list1_->First()->record->flags & JF_MATCHED);
+    EXPECT_TRUE(list2_->First()->record->flags & JF_MATCHED);
+}
+
+TEST_F(FindChangesTest, AValueWhoseDataChangedUnderTheSameIdentifierIsAChange) {
+    ObjectRecord newer = Live(kValue, 0x123456, u"name");
+    newer.content_fingerprint = 0x0100;
+    EXPECT_EQ(change_, FlagsOfChanges(Stored(kValue, 0x123456, 40, u"name"), newer));
+    EXPECT_FALSE(list1_->First()->record->flags & JF_MATCHED);
+    EXPECT_FALSE(list2_->First()->record->flags & JF_MATCHED);
+    EXPECT_EQ(0x123456u, Differences()[0].TolvOID);
+    EXPECT_EQ(0x123456u, Differences()[1].TolvOID);
+}
+
+TEST_F(FindChangesTest, AValueOfTwoStatesWhoseDataChangedUnderTheSameIdentifierIsAChange) {
+    ObjectRecord newer = Stored(kValue, 0x123456, 80, u"name");
+    newer.content_fingerprint = 0x0100;
+    EXPECT_EQ(change_, FlagsOfChanges(Stored(kValue, 0x123456, 40, u"name"), newer));
+}
+
+TEST_F(FindChangesTest, AValueWhoseTypeOrLengthChangedIsAChange) {
+    ObjectRecord newer = Live(kValue, 0x123456, u"name");
+    newer.info_checksum = 5;
+    EXPECT_EQ(change_, FlagsOfChanges(Stored(kValue, 0x123456, 40, u"name"), newer));
+}
+
+TEST_F(FindChangesTest, AKeyAndAValueOfOneNameAreTwoObjects) {
+    EXPECT_EQ(change_, FlagsOfChanges(Stored(kKey, 0x123456, 40, u"a\u00FFb"),
+                                      Live(kValue, 0x123456, u"a\u00FFb")));
+}
+
+TEST_F(FindChangesTest, AKeyAndAValueOfOneNameEachFindTheirOwn) {
+    list1_ =
+        ListOf({Stored(kKey, 0x00123456, 40, u"name"), Stored(kValue, 0x01123456, 80, u"name")});
+    list2_ = ListOf({Live(kValue, 0x00123456, u"name"), Live(kKey, 0x01123456, u"name")});
+    diff_ = ObjectList::CreateList();
+    ASSERT_TRUE(FindChanges(list1_.get(), list2_.get(), *diff_, info_));
+    EXPECT_EQ(0u, diff_->CountRecords());
+}
+
+TEST_F(FindChangesTest, AKeysChecksumsAreNotCompared) {
+    ObjectRecord newer = Live(kKey, 0x123456, u"name");
+    newer.info_checksum = 5;
+    newer.content_fingerprint = 6;
+    EXPECT_EQ(Flags{}, FlagsOfChanges(Stored(kKey, 0x123456, 40, u"name"), newer));
+}
+
+TEST_F(FindChangesTest, ADatabaseMatchesWhateverItsNumberOfRecords) {
+    EXPECT_EQ(Flags{}, FlagsOfChanges(MakeRecord(kDatabase, 5, 0, 6, 10),
+                                      MakeRecord(kDatabase, 5, 0, 6, 11)));
+}
+
 }  // namespace
 }  // namespace tolvenar

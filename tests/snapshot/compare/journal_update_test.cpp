@@ -277,6 +277,72 @@ TEST_F(SeparateVersionsTest, EachVersionThatGivesWayHasAnIdOfItsOwn) {
     EXPECT_EQ((Ids{200, 200, 0xFFFFFFFD, 0xFFFFFFFD, 0xFFFFFFFE}), IdsOf(*journal));
 }
 
+TEST_F(SeparateVersionsTest, AVersionOfAnotherStateGivesWayToo) {
+    const ObjectRecord later = FileRecord(100, 3, JF_ADD, kFirstBlock);
+    const ObjectRecord before = FileRecord(200, 1, JF_ADD, kSecondBlock);
+    const ObjectRecord gone = FileRecord(200, 4, JF_DELETE, kSecondBlock);
+    const auto journal = MakeJournal({later, before, gone});
+    JournalUpdater updater(journal.get());
+    updater.UpdateJournalOid(later, 200);
+    EXPECT_TRUE(updater.SeparateVersions());
+    EXPECT_EQ((Ids{200, 0xFFFFFFFE, 0xFFFFFFFE}), IdsOf(*journal));
+}
+
+TEST_F(SeparateVersionsTest, VersionsThatReplaceOneAnotherKeepOneId) {
+    const ObjectRecord versions[] = {
+        FileRecord(100, 1, JF_ADD, 500), FileRecord(100, 3, JF_ADD, 700),
+        FileRecord(100, 4, JF_ADD, 900), FileRecord(100, 6, JF_DELETE, 900)};
+    for (const ObjectRecord& restored : {versions[0], versions[1], versions[2]}) {
+        const auto journal = MakeJournal({versions[3], versions[0], versions[2], versions[1]});
+        JournalUpdater updater(journal.get());
+        updater.UpdateJournalOid(restored, 300);
+        EXPECT_TRUE(updater.SeparateVersions());
+        EXPECT_EQ((Ids{300, 300, 300, 300}), IdsOf(*journal));
+    }
+}
+
+TEST_F(SeparateVersionsTest, AnEarlierAndALaterLifeKeepTheirId) {
+    const ObjectRecord second = FileRecord(100, 3, JF_ADD, 700);
+    const auto journal =
+        MakeJournal({FileRecord(100, 1, JF_ADD, 500), FileRecord(100, 2, JF_DELETE, 500), second,
+                     FileRecord(100, 5, JF_DELETE, 700), FileRecord(100, 6, JF_ADD, 900)});
+    JournalUpdater updater(journal.get());
+    updater.UpdateJournalOid(second, 300);
+    EXPECT_TRUE(updater.SeparateVersions());
+    EXPECT_EQ((Ids{100, 100, 300, 300, 100}), IdsOf(*journal));
+}
+
+TEST_F(SeparateVersionsTest, VersionsThatGiveWayStayOneToo) {
+    const ObjectRecord restored = FileRecord(100, 2, JF_ADD, 500);
+    const auto journal =
+        MakeJournal({restored, FileRecord(200, 1, JF_ADD, 700), FileRecord(200, 3, JF_ADD, 900),
+                     FileRecord(200, 4, JF_DELETE, 900)});
+    JournalUpdater updater(journal.get());
+    updater.UpdateJournalOid(restored, 200);
+    EXPECT_TRUE(updater.SeparateVersions());
+    EXPECT_EQ((Ids{200, 0xFFFFFFFE, 0xFFFFFFFE, 0xFFFFFFFE}), IdsOf(*journal));
+}
+
+TEST_F(SeparateVersionsTest, OfTwoThatGotOneIdTheSecondGivesWay) {
+    const ObjectRecord another = FileRecord(200, 1, JF_ADD, kSecondBlock);
+    const auto journal = MakeJournal({first_, another});
+    JournalUpdater updater(journal.get());
+    updater.UpdateJournalOid(first_, 300);
+    updater.UpdateJournalOid(another, 300);
+    EXPECT_TRUE(updater.SeparateVersions());
+    EXPECT_EQ((Ids{300, 0xFFFFFFFE}), IdsOf(*journal));
+}
+
+TEST_F(SeparateVersionsTest, AnotherDescriptionUnderTheSameIdKeepsIt) {
+    ObjectRecord other = FileRecord(200, 1, JF_ADD, kSecondBlock);
+    other.info_checksum ^= 1;
+    const auto journal = MakeJournal({first_, other});
+    JournalUpdater updater(journal.get());
+    updater.UpdateJournalOid(first_, 200);
+    EXPECT_TRUE(updater.SeparateVersions());
+    EXPECT_EQ((Ids{200, 200}), IdsOf(*journal));
+}
+
 TEST_F(SeparateVersionsTest, WithoutANewIdNothingHappens) {
     JournalUpdater updater(journal_.get());
     EXPECT_TRUE(updater.SeparateVersions());

@@ -96,6 +96,14 @@ TEST_F(KeptObjectsTest, AChangedValueIsDeletedFirst) {
     EXPECT_EQ(1, Deletions());
 }
 
+// Were it deleted first, a write that fails would leave neither version.
+TEST_F(KeptObjectsTest, AChangedValueWithTheSameIdentifierIsWrittenOverNotDeleted) {
+    AddDeletion(kValue, 0x00110005, u"Software\u00FFName");
+    AddWriteBack(kValue, 0x00110005, 500, u"Software\u00FFName");
+    EXPECT_EQ(0, Deletions());
+    EXPECT_EQ(2u, diff_->CountRecords());
+}
+
 TEST_F(KeptObjectsTest, FilesAreLeftAlone) {
     ObjectRecord file = MakeRecord(kFile, 9, 0);
     file.flags = JF_ADD;

@@ -199,5 +199,108 @@ TEST_F(BuildStateListTest, AReplacedRegistryRecordIsFoundByItsNewBlock) {
     EXPECT_EQ(0u, out_->CountRecords());
 }
 
+TEST_F(BuildStateListTest, AnotherObjectUnderTheSameKeyIsKeptBesideIt) {
+    info_.stored[100] = {u"one", kValue, 0};
+    info_.stored[200] = {u"two", kValue, 0};
+    Build({Value(0x123456, 2, JF_ADD, 200), Value(0x123456, 1, JF_ADD, 100)}, 2);
+    EXPECT_EQ((Offset{200, 100}), Offsets());
+    // The node finds its place under another counter; the record keeps its identifier.
+    EXPECT_EQ((ObjectKey{0, 0, 0, 0x01123456}), out_->First()->key);
+    EXPECT_EQ(0x123456u, out_->First()->record->TolvOID);
+}
+
+TEST_F(BuildStateListTest, AnObjectOfAnotherHiveOrTypeUnderTheSameKeyIsKeptBesideIt) {
+    info_.stored[100] = {u"name", kValue, 1};
+    info_.stored[200] = {u"name", kValue, 2};
+    Build({Value(0x123456, 2, JF_ADD, 200), Value(0x123456, 1, JF_ADD, 100)}, 2);
+    EXPECT_EQ((Offset{200, 100}), Offsets());
+    ObjectRecord key = Value(0x123456, 2, JF_ADD, 300);
+    key.type = kKey;
+    info_.stored[300] = {u"name", kKey, 1};
+    Build({key, Value(0x123456, 1, JF_ADD, 100)}, 2);
+    EXPECT_EQ((Offset{300, 100}), Offsets());
+}
+
+TEST_F(BuildStateListTest, AThirdObjectUnderTheSameKeyIsKeptTooAndANewVersionReplacesItsOwn) {
+    info_.stored[100] = {u"one", kValue, 0};
+    info_.stored[200] = {u"two", kValue, 0};
+    info_.stored[300] = {u"three", kValue, 0};
+    info_.stored[201] = {u"two", kValue, 0};
+    Build({Value(0x123456, 4, JF_ADD, 201), Value(0x123456, 3, JF_ADD, 300),
+           Value(0x123456, 2, JF_ADD, 200), Value(0x123456, 1, JF_ADD, 100)},
+          4);
+    EXPECT_EQ((Offset{300, 201, 100}), Offsets());
+}
+
+TEST_F(BuildStateListTest, A257thObjectUnderTheSameKeyReplacesTheFirst) {
+    std::vector<ObjectRecord> journal;
+    for (std::uint16_t state = 257; state != 0; --state) {
+        info_.stored[state] = {std::u16string(state, u'n'), kValue, 0};
+        journal.push_back(Value(0x123456, state, JF_ADD, state));
+    }
+    Build(journal, 257);
+    ASSERT_EQ(256u, out_->CountRecords());
+    EXPECT_EQ(257u, Offsets().back());
+}
+
+TEST_F(BuildStateListTest, AnUnreadableObjectIsReplacedByWhatHasItsKey) {
+    info_.stored[200] = {u"name", kValue, 0};
+    Build({Value(0x123456, 2, JF_ADD, 200), Value(0x123456, 1, JF_ADD, 100)}, 2);
+    EXPECT_EQ((Offset{200}), Offsets());
+}
+
+TEST_F(BuildStateListTest, OfTwoVersionsOfAValueTheOneWhoseBytesAreRepeatedGoes) {
+    info_.stored[100] = {u"name", kValue, 0};
+    info_.stored[200] = {u"name", kValue, 0};
+    ObjectRecord changed = Value(0x123456, 2, JF_ADD, 200);
+    changed.content_fingerprint = 0x0101;
+    const ObjectRecord deletion = Value(0x123456, 2, JF_DELETE, 100);
+    const ObjectRecord older = Value(0x123456, 1, JF_ADD, 100);
+    Build({changed, deletion, older}, 2);
+    EXPECT_EQ((Offset{200}), Offsets());
+    Build({deletion, changed, older}, 2);
+    EXPECT_EQ((Offset{200}), Offsets());
+    EXPECT_TRUE(info_.asked.empty());
+}
+
+TEST_F(BuildStateListTest, ADeletionUnderAnotherCounterStillRepeatsItsObject) {
+    info_.stored[100] = {u"name", kValue, 0};
+    info_.stored[200] = {u"name", kValue, 0};
+    Build({Value(0x01123456, 3, JF_DELETE, 100), Value(0x02123456, 2, JF_ADD, 200),
+           Value(0x123456, 1, JF_ADD, 100)},
+          3);
+    EXPECT_EQ((Offset{200}), Offsets());
+}
+
+TEST_F(BuildStateListTest, EachFieldOfARepeatedRecordCounts) {
+    info_.stored[100] = {u"name", kValue, 0};
+    info_.stored[200] = {u"name", kValue, 0};
+    const auto left_after = [this](void (*change)(ObjectRecord&)) {
+        ObjectRecord deletion = Value(0x123456, 3, JF_DELETE, 100);
+        change(deletion);
+        Build({deletion, Value(0x01123456, 2, JF_ADD, 200), Value(0x123456, 1, JF_ADD, 100)}, 3);
+        return Offsets();
+    };
+    EXPECT_EQ((Offset{200}), left_after([](ObjectRecord&) {}));
+    // What repeats none goes by identifier and name, the first from the front.
+    const Offset first{100};
+    EXPECT_EQ(first, left_after([](ObjectRecord& record) { record.info_checksum = 1; }));
+    EXPECT_EQ(first, left_after([](ObjectRecord& record) { record.content_fingerprint = 1; }));
+    EXPECT_EQ(first, left_after([](ObjectRecord& record) { record.data_offset = 1; }));
+    EXPECT_EQ(first, left_after([](ObjectRecord& record) { record.dwOID = 1; }));
+}
+
+TEST_F(BuildStateListTest, ADeletionTakesNoObjectOfAnotherHiveOrType) {
+    info_.stored[100] = {u"name", kValue, 1};
+    info_.stored[300] = {u"name", kValue, 2};
+    Build({Value(0x123456, 2, JF_DELETE, 300), Value(0x123456, 1, JF_ADD, 100)}, 2);
+    EXPECT_EQ((Offset{100}), Offsets());
+    info_.stored[300] = {u"name", kKey, 1};
+    ObjectRecord key = Value(0x123456, 2, JF_DELETE, 300);
+    key.type = kKey;
+    Build({key, Value(0x123456, 1, JF_ADD, 100)}, 2);
+    EXPECT_EQ((Offset{100}), Offsets());
+}
+
 }  // namespace
 }  // namespace tolvenar
