@@ -1,5 +1,6 @@
 #include "tests/model/change_generator.h"
 
+#include "snapshot/records/checksum.h"
 #include "tests/support/bytes.h"
 #include "tests/support/text.h"
 
@@ -36,6 +37,25 @@ std::vector<Database> Shapes() {
 
 }  // namespace
 
+namespace {
+
+std::string Dword(std::uint32_t number) {
+    return std::string(reinterpret_cast<const char*>(&number), sizeof number);
+}
+
+// The first number from `number` on with the low byte of the checksum that `other` has.
+std::string SameLowByte(const std::string& other, std::uint32_t number) {
+    const auto low_byte = [](const std::string& data) {
+        return tolvenar::Checksum16(data.data(), data.size()) & 0xFF;
+    };
+    while (low_byte(Dword(number)) != low_byte(other)) {
+        ++number;
+    }
+    return Dword(number);
+}
+
+}  // namespace
+
 const std::array<ImageValue, kValueKinds>& ValuePalette() {
     static const std::array<ImageValue, kValueKinds> palette = {{
         {4, std::string("\x01\0\0\0", 4)},
@@ -50,6 +70,10 @@ const std::array<ImageValue, kValueKinds>& ValuePalette() {
         {3, std::string(70000, 'y')},
         {7, Terminated(u"one") + Terminated(u"two") + Terminated(u"")},
         {0x1234, std::string("odd type")},
+        {1, std::string("odd type")},
+        {4, SameLowByte(Dword(1), 100)},
+        {4, SameLowByte(Dword(1), 1000)},
+        {3, SameLowByte(std::string(300, 'x'), 5000)},
     }};
     return palette;
 }

@@ -1,7 +1,6 @@
 // Random changes of a device, the same ones for the same seed. Left out are the changes that the
-// program does not see or cannot take back, which have tests of their own: a value's type alone,
-// Booleans, real numbers and sort properties, attributes of folders, read-only files, types and
-// sort orders of databases.
+// program does not see or cannot take back, which have tests of their own: Booleans, real numbers
+// and sort properties, attributes of folders, read-only files, types and sort orders of databases.
 #pragma once
 
 #include <array>
@@ -14,9 +13,9 @@
 
 namespace tests {
 
-constexpr std::size_t kValueKinds = 12;
-// All data that values ever have. No two have the same low byte of their checksum, since a change
-// from one to the other would not be seen; and the data tells the type.
+constexpr std::size_t kValueKinds = 16;
+// All data that values ever have. Some have the same low byte of their checksum, so that an
+// identifier does not tell one from the other; some differ in their type alone.
 const std::array<ImageValue, kValueKinds>& ValuePalette();
 
 class ChangeGenerator {

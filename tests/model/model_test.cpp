@@ -106,12 +106,20 @@ INSTANTIATE_TEST_SUITE_P(Seeds, ModelTest,
                                            Series{7, "shuffled:7"}, Series{8, "shuffled:8"},
                                            Series{306, "shuffled:4"}, Series{346, "shuffled:8"}));
 
-TEST(ValuePaletteTest, NoTwoDataHaveTheSameLowByteOfTheirChecksum) {
+// So an identifier does not tell all of them apart, and the fingerprint does but for the types.
+TEST(ValuePaletteTest, SomeDataHaveTheSameLowByteOfTheirChecksumAndNoTwoTheSameChecksum) {
     std::set<int> low_bytes;
+    std::set<int> checksums;
+    std::set<std::string> data;
     for (const tests::ImageValue& value : tests::ValuePalette()) {
-        low_bytes.insert(Checksum16(value.second.data(), value.second.size()) & 0xFF);
+        const int checksum = Checksum16(value.second.data(), value.second.size());
+        low_bytes.insert(checksum & 0xFF);
+        checksums.insert(checksum);
+        data.insert(value.second);
     }
-    EXPECT_EQ(tests::kValueKinds, low_bytes.size());
+    EXPECT_EQ(tests::kValueKinds - 1, data.size());
+    EXPECT_EQ(data.size(), checksums.size());
+    EXPECT_EQ(data.size() - 3, low_bytes.size());
 }
 
 }  // namespace
