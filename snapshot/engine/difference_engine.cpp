@@ -95,6 +95,8 @@ int FindDifference(Engine& engine, std::uint32_t state) {
         LogMessage(kNoList, u"FindDifference", kLogError);
         return 0;
     }
+    storage.aimed_state = state;
+    storage.opposite_state = 0;
     StateIdentifiers identifiers(descriptions.source);
     if (!identifiers.Build(*storage.older)) {
         return 0;
@@ -116,6 +118,8 @@ int FindDifferenceEx(Engine& engine, std::uint32_t state_a, std::uint32_t state_
     if (!descriptions.sav_file || storage.journal == nullptr) {
         return 0;
     }
+    storage.aimed_state = state_a;
+    storage.opposite_state = state_b;
     engine.progress.ProgressStep(u"Preparing list 1...");
     if (!PrepareStateList(engine, storage.older, state_a, descriptions.source)) {
         return 0;

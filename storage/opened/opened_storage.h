@@ -2,6 +2,7 @@
 // application owns one and hands it on by reference.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 
 #include "snapshot/records/left_out.h"
@@ -21,8 +22,12 @@ struct OpenedStorage {
     std::unique_ptr<ObjectList> older;       // the older state
     std::unique_ptr<ObjectList> newer;       // the newer state or the device
     std::unique_ptr<ObjectList> difference;  // what differs, for writer, restore and tree
-    RegistryObjects registry_objects;        // what the last registry scan met
-    LeftOut left_out;                        // what the last scan met and could not read
+    // The states that the difference list leads to when it is restored as it stands, and with its
+    // sense turned round; 0 is none, or the device as it was.
+    std::uint32_t aimed_state = 0;
+    std::uint32_t opposite_state = 0;
+    RegistryObjects registry_objects;  // what the last registry scan met
+    LeftOut left_out;                  // what the last scan met and could not read
 };
 
 // Frees the working lists without saving, the difference list too when `all` is set.

@@ -3,13 +3,13 @@
 #include "platform/win32.h"
 
 #include "app/settings/settings.h"
-#include "snapshot/compare/journal_update.h"
 #include "snapshot/compare/kept_objects.h"
 #include "snapshot/compare/prune.h"
 #include "snapshot/engine/descriptions.h"
 #include "snapshot/engine/difference_engine.h"
 #include "storage/opened/journal.h"
 #include "storage/opened/storage_file.h"
+#include "storage/operations/aimed_state.h"
 #include "storage/operations/restore_list.h"
 
 namespace tolvenar {
@@ -73,7 +73,7 @@ bool FailEarly(OpenedStorage& storage, ResultCode reason, ResultCode& result_cod
 // Nothing was restored. The list is left as one that was restored in part: whoever tries again has
 // its sense turned round first, and would delete what is to be written back.
 bool FailWithWholeList(OpenedStorage& storage, ResultCode& result_code) {
-    InvertPendingFlags(*storage.difference);
+    TurnRound(storage, *storage.difference);
     return FailEarly(storage, ResultCode::kFailed, result_code);
 }
 
@@ -108,9 +108,9 @@ bool DoAdvancedRestore(Engine& engine, bool invert_first, ResultCode& result_cod
         return false;
     }
     if (invert_first) {
-        InvertPendingFlags(*storage.difference);
+        TurnRound(storage, *storage.difference);
     }
-    if (!PruneForRestore(engine)) {
+    if (!PruneForRestore(engine) || !WriteBackAimedVersions(engine)) {
         return FailWithWholeList(storage, result_code);
     }
     const bool restores_databases =

@@ -4,6 +4,7 @@
 
 #include "snapshot/compare/journal_update.h"
 #include "storage/objects/restore_record.h"
+#include "storage/operations/aimed_state.h"
 
 namespace tolvenar {
 namespace {
@@ -113,7 +114,7 @@ bool RestoreList(Engine& engine, ObjectList& list, bool skip_databases, ResultCo
     StorageReader stored(bytes);
     RestoreTools tools{engine.info, stored, engine.databases, storage, skip_databases, {}};
     if (!ProtectMatchedRecords(engine.storage.newer.get(), tools.written)) {
-        InvertPendingFlags(list);
+        TurnRound(engine.storage, list);
         result_code = ResultCode::kFailed;
         return false;
     }
@@ -129,7 +130,7 @@ bool RestoreList(Engine& engine, ObjectList& list, bool skip_databases, ResultCo
     if (!passes.failed()) {
         return true;
     }
-    InvertPendingFlags(list);
+    TurnRound(engine.storage, list);
     result_code = ResultCode::kFailed;
     return false;
 }

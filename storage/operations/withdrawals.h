@@ -10,8 +10,8 @@ namespace tolvenar {
 // place of its file's addition becomes that addition. A deletion is taken out when an object of the
 // kind is on the device under the name (a record: under the id) and the scan did not read it: the
 // new state keeps the version of the state before. What is kept, and what was not read and is in no
-// state, is logged and counted in `result`. False, and nothing decided, when the storage file
-// cannot be opened or there is no memory.
+// state, is logged and counted in `result`. False when the storage file cannot be opened or there
+// is no memory: the backup must end then.
 bool WithdrawDeletions(Engine& engine, BackupResult& result);
 
 // After the blocks are written: an addition that failed takes the deletion of its older version

@@ -79,17 +79,18 @@ void AdvancedModel::DeleteFile(const std::wstring& path, bool is_folder) {
                           }});
 }
 
-void AdvancedModel::WriteFile(const std::wstring& path, const ImageFile& file) {
-    files_.push_back({"+ " + FileName(path), [=](DeviceImage& device, const Paths& locked) {
-                          const auto found = device.files.find(path);
-                          const bool is_there = found != device.files.end();
-                          if (!HasParent(device, path) || locked.count(path) != 0 ||
-                              (is_there && (file.is_folder || found->second.is_folder))) {
-                              return false;
-                          }
-                          device.files[path] = file;
-                          return true;
-                      }});
+AdvancedModel::Operation AdvancedModel::FileToWrite(const std::wstring& path,
+                                                    const ImageFile& file) {
+    return {"+ " + FileName(path), [=](DeviceImage& device, const Paths& locked) {
+                const auto found = device.files.find(path);
+                const bool is_there = found != device.files.end();
+                if (!HasParent(device, path) || locked.count(path) != 0 ||
+                    (is_there && (file.is_folder || found->second.is_folder))) {
+                    return false;
+                }
+                device.files[path] = file;
+                return true;
+            }};
 }
 
 // A file that was moved or written anew is another version of another object.
@@ -98,7 +99,12 @@ void AdvancedModel::CompareFiles(const DeviceImage& from, const DeviceImage& to)
         from.files, to.files, SameVersion,
         [&](const std::wstring& path, const ImageFile& file) { DeleteFile(path, file.is_folder); });
     ForEachBeyond(to.files, from.files, SameVersion,
-                  [&](const std::wstring& path, const ImageFile& file) { WriteFile(path, file); });
+                  [&](const std::wstring& path, const ImageFile& file) {
+                      files_.push_back(FileToWrite(path, file));
+                  });
+    for (const auto& [path, file] : to.files) {
+        wanted_["- " + FileName(path)] = FileToWrite(path, file);
+    }
 }
 
 void AdvancedModel::CompareKeys(const DeviceImage& from, const DeviceImage& to) {
@@ -243,9 +249,28 @@ bool AdvancedModel::WorkOff(Operations& operations, DeviceImage& device, const P
     return operations.size() != before;
 }
 
+// A deletion of what the state has, and that nothing writes back, is a write.
+void AdvancedModel::KeepWhatIsWanted() {
+    const auto wanted_alone = [this](const Operation& deletion) {
+        const auto wanted = wanted_.find(deletion.line);
+        return wanted != wanted_.end() &&
+               std::none_of(files_.begin(), files_.end(), [&](const Operation& write) {
+                   return write.line == wanted->second.line;
+               });
+    };
+    const auto first =
+        std::stable_partition(deletions_.begin(), deletions_.end(),
+                              [&](const Operation& deletion) { return !wanted_alone(deletion); });
+    for (auto deletion = first; deletion != deletions_.end(); ++deletion) {
+        files_.push_back(wanted_.at(deletion->line));
+    }
+    deletions_.erase(first, deletions_.end());
+}
+
 bool AdvancedModel::Run(DeviceImage& device, const Paths& locked) {
     bool whole = true;
     for (bool first = true, any = true; any; first = false) {
+        KeepWhatIsWanted();
         any = WorkOff(deletions_, device, locked);
         any = WorkOff(files_, device, locked) || any;
         any = WorkOff(others_, device, locked) || any;

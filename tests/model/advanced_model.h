@@ -3,6 +3,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -18,7 +19,8 @@ public:
     AdvancedModel(const DeviceImage& from, const DeviceImage& to, bool with_databases);
 
     // Does what can be done to the device while these files are held open. True when a run of a
-    // restore leaves nothing over; what a second one could still do is done too.
+    // restore leaves nothing over; what a second one could still do is done too. It writes once
+    // more what it would else delete, when `to` has a file or folder of the name.
     bool Run(DeviceImage& device, const std::set<std::wstring>& locked);
     // What is left over, a line each: "- " for what could not be deleted, "+ " for what could not
     // be written, and the object's name.
@@ -32,11 +34,12 @@ private:
     };
     using Operations = std::vector<Operation>;
 
+    void KeepWhatIsWanted();
     void CompareFiles(const DeviceImage& from, const DeviceImage& to);
     void CompareKeys(const DeviceImage& from, const DeviceImage& to);
     void CompareDatabases(const DeviceImage& from, const DeviceImage& to);
     void DeleteFile(const std::wstring& path, bool is_folder);
-    void WriteFile(const std::wstring& path, const ImageFile& file);
+    static Operation FileToWrite(const std::wstring& path, const ImageFile& file);
     void WriteDatabase(const std::u16string& name, const sim::databases::Database& shape);
     void WriteRecord(const std::u16string& database, std::uint32_t oid,
                      const sim::databases::Record& record);
@@ -46,6 +49,7 @@ private:
 
     Operations deletions_;
     Operations files_;
+    std::map<std::string, Operation> wanted_;  // the files of `to` by the lines of their deletions
     Operations others_;
     std::set<std::uint32_t> matched_;  // records that both states hold as they are
     std::uint32_t next_id_ = 0xF0000000;

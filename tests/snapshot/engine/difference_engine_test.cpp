@@ -37,6 +37,20 @@ TEST_F(DifferenceEngineTest, TheStepsOfAComparisonWithTheDeviceAreAnnouncedInOrd
     EXPECT_EQ(std::vector<std::size_t>{8}, progress_.begins);
 }
 
+TEST_F(DifferenceEngineTest, WhatCouldNotBeReadIsThatOfTheLastScan) {
+    device().PutFile(L"\\held.txt", "held");
+    {
+        const auto held = device().Lock(L"\\held.txt");
+        ASSERT_EQ(1, FindDifference(engine_, 0));
+        ASSERT_EQ(1, FindDifference(engine_, 0));
+    }
+    ASSERT_NE(nullptr, storage_.left_out.First());
+    EXPECT_EQ(u"\\held.txt", Text(storage_.left_out.First()->name));
+    EXPECT_EQ(nullptr, storage_.left_out.First()->next);
+    ASSERT_EQ(1, FindDifference(engine_, 0));
+    EXPECT_EQ(nullptr, storage_.left_out.First());
+}
+
 TEST_F(DifferenceEngineTest, FilesKeysValuesAndDatabasesOfTheDeviceAreAdditionsToAnEmptyState) {
     device().PutFile(L"\\a.txt", "a");
     const CEOID database = MakeDatabase(L"First");

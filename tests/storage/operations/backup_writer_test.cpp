@@ -131,6 +131,25 @@ TEST_F(BackupWriterTest, ABackupThatNeedsExactlyTheFreeSpaceProceedsAndOneByteMo
     EXPECT_EQ(Content(kSav).size() - kHead + Content(kJournal).size() + 10000, needed);
 }
 
+// "--" would delete the live journal.
+TEST_F(BackupWriterTest, AStorageInTheObjectStoreIsInNoStateWhateverTheCaseOfItsName) {
+    device().MakeFolder(L"\\Docs");
+    ASSERT_NE(nullptr, CreateStorage(u"\\Docs\\backup", nullptr));
+    OpenStorageResult result{};
+    ASSERT_TRUE(MakeStorageNames(u"\\docs\\Backup", storage_.names));
+    ASSERT_TRUE(OpenStorage(storage_.names.sav, storage_, result));
+    ASSERT_TRUE(OpenJournal(storage_, nullptr));
+    device().PutFile(L"\\Docs\\BACKUP.jrn_old2", "x");
+    device().PutFile(L"\\Docs\\Tolvenar_Log.txt", "x");
+    ASSERT_EQ(Done(), Backup(1));
+    for (const wchar_t* name :
+         {L"backup.sav", L"backup.jrn", L"BACKUP.jrn_old2", L"Tolvenar_Log.txt"}) {
+        const CEOID oid = OidOfPath((std::wstring(L"\\Docs\\") + name).c_str());
+        EXPECT_EQ(nullptr, RecordOf(*storage_.journal, oid)) << oid;
+    }
+    EXPECT_EQ(Done(ResultCode::kNoDifference), Backup(2));
+}
+
 // Oddity 6: a card with more than 4 GB free counts with what is over.
 TEST_F(BackupWriterTest, OnlyTheLowHalfOfTheFreeSpaceIsLookedAt) {
     device().Set("card.free", "4294967296");
