@@ -2,7 +2,6 @@
 
 #include <cstring>
 #include <new>
-#include <string_view>
 
 #include "snapshot/records/checksum.h"
 #include "snapshot/text/log.h"
@@ -46,6 +45,17 @@ std::uint32_t MakeTolvOID(const char16_t* path, const void* data, std::size_t da
     const std::uint32_t low = Checksum16(path, path_bytes);
     const std::uint32_t high = (Checksum16(data, data_bytes) & 0xFFu) + (counter * 0x100u);
     return (high << 16) + low;
+}
+
+std::uint32_t MakeKeyTolvOID(std::uint32_t hive, std::u16string_view key_path) {
+    constexpr char16_t kTerminator = 0;
+    TextBuffer<9> hive_digits;
+    hive_digits.AppendHex(hive);
+    const std::size_t path_bytes = key_path.size() * sizeof(char16_t);
+    std::uint16_t name = Checksum16(hive_digits.text(), hive_digits.length() * sizeof(char16_t));
+    name = Checksum16(key_path.data(), path_bytes, name);
+    name = Checksum16(&kTerminator, sizeof kTerminator, name);
+    return (Checksum16(key_path.data(), path_bytes) & 0xFFu) << 16 | name;
 }
 
 int RegistryObjects::RegObjectAdd(std::uint32_t TolvOID, const RegistryEntry& entry) {

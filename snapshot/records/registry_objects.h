@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 #include "snapshot/records/hash_index.h"
 
@@ -16,6 +17,9 @@ constexpr char16_t kNameSeparator = 0x00FF;  // between key path and value name
 // its path without terminator.
 std::uint32_t MakeTolvOID(const char16_t* path, const void* data, std::size_t data_bytes,
                           std::uint16_t counter);
+
+// The same of a key, without counter.
+std::uint32_t MakeKeyTolvOID(std::uint32_t hive, std::u16string_view key_path);
 
 // Only these bits are compared between scans: the collision counter depends on the order of a scan.
 constexpr std::uint32_t kTolvOidMask = 0x00FFFFFF;

@@ -4,7 +4,7 @@
 #include "platform/unique_resource.h"
 #include "snapshot/compare/exclusion.h"
 #include "snapshot/records/checksum.h"
-#include "storage/format/property_encoding.h"
+#include "storage/objects/stored_record.h"
 
 namespace tolvenar {
 namespace {
@@ -54,21 +54,6 @@ void VisitDatabase(DatabaseScan& scan, CEOID oid, DatabaseMaker maker) {
     VisitRecords(scan, database.get(), maker);
 }
 
-std::uint16_t FingerprintOf(const DatabaseEntry& entry) {
-    if (entry.is_database) {
-        return entry.count;
-    }
-    const auto base =
-        static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(entry.properties));
-    std::uint16_t checksum = 0;
-    if (entry.count == 0 ||
-        !PointersToOffsets(entry.properties, entry.buffer_bytes, entry.count, base) ||
-        !ChecksumOfProperties(entry.properties, entry.buffer_bytes, entry.count, checksum)) {
-        return 0;
-    }
-    return checksum;
-}
-
 }  // namespace
 
 void ScanDatabases(DatabaseScan& scan, DatabaseMaker maker) {
@@ -83,7 +68,10 @@ void ScanDatabases(DatabaseScan& scan, DatabaseMaker maker) {
 
 void MakeDatabaseObject(DatabaseScan& scan, const DatabaseEntry& entry) {
     ObjectRecord record{};
-    record.content_fingerprint = FingerprintOf(entry);
+    record.content_fingerprint =
+        entry.is_database
+            ? entry.count
+            : FingerprintOfProperties(entry.properties, entry.buffer_bytes, entry.count);
     InfoBlock block;
     if (!scan.info.GetOIDInfo(0, entry.oid, block)) {
         return;

@@ -9,6 +9,7 @@
 #include "snapshot/compare/exclusion.h"
 #include "snapshot/records/checksum.h"
 #include "snapshot/text/text_buffer.h"
+#include "storage/format/info_block.h"
 
 namespace tolvenar {
 namespace {

@@ -86,7 +86,8 @@ RestoreOutcome RestoreRecord(DatabaseLayer& databases, WrittenRecords& written,
                              CEOID& newOid, RestoreMode mode) {
     const CachedDatabase database(databases, block.name());
     if (mode == RestoreMode::kDelete) {
-        return database ? DeleteRecord(database.get(), record_oid) : RestoreOutcome::kDone;
+        return database && record_oid != 0 ? DeleteRecord(database.get(), record_oid)
+                                           : RestoreOutcome::kDone;
     }
     if (!database) {
         return RestoreOutcome::kFailed;

@@ -12,9 +12,10 @@
 namespace tolvenar {
 
 // `block` describes a database or a record of the database that it names; `data` holds the sort
-// orders or the properties. `record_oid` is the record's stored id. `newOid` is the id of what was
-// written; a record's is entered in `written` too. Fails, touching nothing, when description and
-// data do not fit one another.
+// orders or the properties. `record_oid` is the device's id of the record, 0 when it has none:
+// there is nothing to delete then, and what is written is a new record. `newOid` is the id of what
+// was written; a record's is entered in `written` too. Fails, touching nothing, when description
+// and data do not fit one another.
 RestoreOutcome RestoreDatabaseObject(DatabaseLayer& databases, WrittenRecords& written,
                                      const StoredBytes& data, const InfoBlock& block,
                                      CEOID record_oid, CEOID& newOid, RestoreMode mode);

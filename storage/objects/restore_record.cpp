@@ -5,6 +5,7 @@
 #include "storage/objects/restore_database.h"
 #include "storage/objects/restore_file.h"
 #include "storage/objects/restore_registry.h"
+#include "storage/objects/stored_record.h"
 
 namespace tolvenar {
 namespace {
@@ -60,8 +61,34 @@ RestoreOutcome WithoutStoredBlock(LiveObjects& live, const ObjectRecord& record,
     return RestoreOutcome::kDone;
 }
 
-RestoreOutcome RestoreDescribed(RestoreTools& tools, const ObjectRecord& record,
-                                const InfoBlock& block, RestoreMode mode, CEOID& newOid) {
+// A live object is named by its entry in the registry-object table, a stored one by its block.
+RestoreOutcome RestoreRegistry(RestoreTools& tools, const ObjectRecord& record, InfoBlock& block,
+                               const StoredBytes& data, RestoreMode mode) {
+    if (const RegistryObject* live =
+            record.propOffset == 0 ? tools.live.FindRegistryObject(record.TolvOID) : nullptr) {
+        return RestoreRegistryObject(data, block, {live->key_path, live->value_name}, mode);
+    }
+    char16_t* const name = block.name();
+    if (record.type == ObjectType::kRegistryKey) {
+        return RestoreRegistryObject(data, block, {name, nullptr}, mode);
+    }
+    std::size_t separator = 0;
+    if (!tools.value_names.FindSeparator(record, block, separator)) {
+        return RestoreOutcome::kFailed;
+    }
+    name[separator] = 0;
+    return RestoreRegistryObject(data, block, {name, name + separator + 1}, mode);
+}
+
+// The id of the device's record that a deletion or a write-back is about; 0 when there is none.
+CEOID DeviceIdOf(RestoreTools& tools, const ObjectRecord& record, const InfoBlock& block) {
+    const bool is_stored_id = tools.database_restore == DatabaseRestore::kByStates &&
+                              record.type == ObjectType::kDatabaseRecord && record.propOffset != 0;
+    return !is_stored_id || IsStoredRecord(tools.databases, block, record) ? record.dwOID : 0;
+}
+
+RestoreOutcome RestoreDescribed(RestoreTools& tools, const ObjectRecord& record, InfoBlock& block,
+                                RestoreMode mode, CEOID& newOid) {
     if (record.type == ObjectType::kFile) {
         return RestoreFileObject(tools.storage, record.data_offset, block, newOid, mode);
     }
@@ -69,7 +96,7 @@ RestoreOutcome RestoreDescribed(RestoreTools& tools, const ObjectRecord& record,
         return RestoreOutcome::kDone;
     }
     const bool is_registry = IsRegistryObject(record);
-    if (!is_registry && tools.skip_databases) {
+    if (!is_registry && tools.database_restore == DatabaseRestore::kNone) {
         return RestoreOutcome::kDone;
     }
     const StoredBytes data =
@@ -77,12 +104,10 @@ RestoreOutcome RestoreDescribed(RestoreTools& tools, const ObjectRecord& record,
             ? MapStoredBytes(tools.storage, record.data_offset, block.head().data_bytes)
             : StoredBytes();
     if (is_registry) {
-        const RegistryObject* live =
-            record.propOffset == 0 ? tools.live.FindRegistryObject(record.TolvOID) : nullptr;
-        return RestoreRegistryObject(data, block, live, mode);
+        return RestoreRegistry(tools, record, block, data, mode);
     }
-    return RestoreDatabaseObject(tools.databases, tools.written, data, block, record.dwOID, newOid,
-                                 mode);
+    return RestoreDatabaseObject(tools.databases, tools.written, data, block,
+                                 DeviceIdOf(tools, record, block), newOid, mode);
 }
 
 }  // namespace

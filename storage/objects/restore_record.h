@@ -4,6 +4,7 @@
 #include "platform/win32.h"
 
 #include "snapshot/compare/info_source.h"
+#include "snapshot/compare/value_names.h"
 #include "snapshot/compare/written_records.h"
 #include "storage/files/storage_view.h"
 #include "storage/format/storage_reader.h"
@@ -12,14 +13,22 @@
 
 namespace tolvenar {
 
+// What a restore does with databases and records.
+enum class DatabaseRestore {
+    kByDevice,  // the list tells what the device has: a record's id is the device's
+    kByStates,  // the list tells what states have: an id counts while the device's record is theirs
+    kNone,      // they count as done, untouched
+};
+
 // What restoring an object works with.
 struct RestoreTools {
     LiveObjects& live;
     StorageReader& stored;
     DatabaseLayer& databases;
     const StorageMapping& storage;  // what `stored` reads
-    bool skip_databases;            // databases and records count as done, untouched
+    DatabaseRestore database_restore;
     WrittenRecords written;
+    ValueNames value_names;
 };
 
 // Deletes the object of a record with JF_ADD from the device, writes any other back. `newOid` is

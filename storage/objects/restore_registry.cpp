@@ -1,7 +1,6 @@
 #include "storage/objects/restore_registry.h"
 
 #include <cstring>
-#include <string_view>
 
 #include "platform/registry_key.h"
 #include "platform/text.h"
@@ -9,34 +8,6 @@
 
 namespace tolvenar {
 namespace {
-
-// Key path and value name of one object, with terminators.
-struct RegistryName {
-    InfoBlock split;  // a stored name, with a terminator in the separator's place
-    const char16_t* key_path = nullptr;
-    const char16_t* value_name = nullptr;  // null for a key
-};
-
-bool TakeName(const InfoBlock& block, const RegistryObject* live, RegistryName& name) {
-    const bool is_value = block.type() == ObjectType::kRegistryValue;
-    if (live != nullptr) {
-        name.key_path = live->key_path;
-        name.value_name = is_value ? live->value_name : nullptr;
-        return !is_value || name.value_name != nullptr;
-    }
-    name.split = block;
-    name.key_path = name.split.name();
-    if (!is_value) {
-        return true;
-    }
-    const std::size_t separator = std::u16string_view(name.key_path).find(kNameSeparator);
-    if (separator == std::u16string_view::npos) {
-        return false;
-    }
-    name.split.name()[separator] = 0;
-    name.value_name = name.key_path + separator + 1;
-    return true;
-}
 
 bool IsHive(std::uint32_t root) { return root >= kHiveClassesRoot && root <= kHiveUsers; }
 
@@ -127,9 +98,8 @@ RestoreOutcome RestoreValue(const StoredBytes& data, const InfoBlock& block,
 }  // namespace
 
 RestoreOutcome RestoreRegistryObject(const StoredBytes& data, const InfoBlock& block,
-                                     const RegistryObject* live, RestoreMode mode) {
-    RegistryName name;
-    if (!IsHive(block.head().hive) || !TakeName(block, live, name)) {
+                                     const RegistryName& name, RestoreMode mode) {
+    if (!IsHive(block.head().hive)) {
         return RestoreOutcome::kFailed;
     }
     return block.type() == ObjectType::kRegistryKey

@@ -3,17 +3,21 @@
 
 #include <cstdint>
 
-#include "snapshot/records/registry_objects.h"
 #include "storage/files/storage_view.h"
 #include "storage/format/info_block.h"
 #include "storage/objects/restore_outcome.h"
 
 namespace tolvenar {
 
-// `block` describes a key or a value, `data` is the value's. A live object is named by its entry in
-// the registry-object table, `live`; a stored one (null) by the block's name, split at the first
-// separator. Fails, touching nothing, when the description makes no sense.
+// Key path and value name of one object, with terminators.
+struct RegistryName {
+    const char16_t* key_path;
+    const char16_t* value_name;  // null for a key
+};
+
+// `block` describes a key or a value of this name, `data` is the value's. Fails, touching nothing,
+// when the description makes no sense.
 RestoreOutcome RestoreRegistryObject(const StoredBytes& data, const InfoBlock& block,
-                                     const RegistryObject* live, RestoreMode mode);
+                                     const RegistryName& name, RestoreMode mode);
 
 }  // namespace tolvenar

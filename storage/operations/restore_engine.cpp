@@ -45,10 +45,10 @@ bool PruneForRestore(Engine& engine) {
 
 // Restores the difference list, then loads the journal again, saved before with `keep_ids`. A
 // write-protected one keeps the ids of before.
-bool RestoreDifferences(Engine& engine, bool skip_databases, bool keep_ids,
+bool RestoreDifferences(Engine& engine, DatabaseRestore database_restore, bool keep_ids,
                         ResultCode& result_code) {
     OpenedStorage& storage = engine.storage;
-    if (!RestoreList(engine, *storage.difference, skip_databases, result_code)) {
+    if (!RestoreList(engine, *storage.difference, database_restore, result_code)) {
         FreeWorkingLists(storage, false);
     }
     CloseJournal(storage.names, storage.journal,
@@ -97,7 +97,7 @@ bool DoRestore(Engine& engine, std::uint32_t state_number, ResultCode& result_co
         result_code = ResultCode::kNoDifference;
         return true;
     }
-    return RestoreDifferences(engine, false, true, result_code);
+    return RestoreDifferences(engine, DatabaseRestore::kByDevice, true, result_code);
 }
 
 bool DoAdvancedRestore(Engine& engine, bool invert_first, ResultCode& result_code) {
@@ -115,7 +115,9 @@ bool DoAdvancedRestore(Engine& engine, bool invert_first, ResultCode& result_cod
     }
     const bool restores_databases =
         (ReadSetting(setting::kAdvancedDBRestoring) & kSettingMask) != 0;
-    return RestoreDifferences(engine, !restores_databases, false, result_code);
+    return RestoreDifferences(
+        engine, restores_databases ? DatabaseRestore::kByStates : DatabaseRestore::kNone, false,
+        result_code);
 }
 
 }  // namespace tolvenar

@@ -3,7 +3,6 @@
 #include "platform/win32.h"
 
 #include "snapshot/compare/journal_update.h"
-#include "storage/objects/restore_record.h"
 #include "storage/operations/aimed_state.h"
 
 namespace tolvenar {
@@ -101,7 +100,8 @@ bool ProtectMatchedRecords(const ObjectList* device, WrittenRecords& written) {
 
 }  // namespace
 
-bool RestoreList(Engine& engine, ObjectList& list, bool skip_databases, ResultCode& result_code) {
+bool RestoreList(Engine& engine, ObjectList& list, DatabaseRestore database_restore,
+                 ResultCode& result_code) {
     StorageMapping storage;
     if (!storage.Open(engine.storage.names.sav)) {
         result_code = ResultCode::kDriver;
@@ -112,7 +112,13 @@ bool RestoreList(Engine& engine, ObjectList& list, bool skip_databases, ResultCo
     const DatabaseCacheScope cache(engine.databases);
     MappedBytes bytes(storage);
     StorageReader stored(bytes);
-    RestoreTools tools{engine.info, stored, engine.databases, storage, skip_databases, {}};
+    RestoreTools tools{engine.info,
+                       stored,
+                       engine.databases,
+                       storage,
+                       database_restore,
+                       {},
+                       {engine.storage.journal.get(), stored, engine.info}};
     if (!ProtectMatchedRecords(engine.storage.newer.get(), tools.written)) {
         TurnRound(engine.storage, list);
         result_code = ResultCode::kFailed;

@@ -5,6 +5,7 @@
 #include "snapshot/compare/journal_update.h"
 #include "snapshot/compare/kept_objects.h"
 #include "snapshot/compare/state_identifiers.h"
+#include "snapshot/compare/value_names.h"
 #include "snapshot/records/registry_objects.h"
 #include "tests/native/failing_new.h"
 #include "tests/support/fake_info_source.h"
@@ -161,6 +162,19 @@ TEST_F(AllocationFailureTest, NothingIsKeptOfWhatIsDeletedAndWrittenBack) {
 TEST_F(AllocationFailureTest, TheIdentifiersOfAStateCannotBeLookedUp) {
     const auto state = ListOf({JournalRecord(MakeRecord(kValue, 0, 5), 1, 0, 9)});
     EXPECT_EQ(2u, ForEachAllocation([&] { return StateIdentifiers(info_).Build(*state); }));
+}
+
+// A name that is split in the wrong place is restored to another key.
+TEST_F(AllocationFailureTest, ANameOfSeveralSeparatorsIsNotSplit) {
+    const auto journal = ListOf({JournalRecord(MakeRecord(kKey, 0, 5), 1, JF_ADD, 9)});
+    const ObjectRecord value = JournalRecord(MakeRecord(kValue, 0, 5), 1, JF_ADD, 9);
+    InfoBlock block;
+    ASSERT_TRUE(block.SetName(u"a\u00FFb\u00FFc", 5));
+    EXPECT_LT(3u, ForEachAllocation([&] {
+                  ValueNames names(journal.get(), info_, info_);
+                  std::size_t place = 0;
+                  return names.FindSeparator(value, block, place);
+              }));
 }
 
 TEST_F(AllocationFailureTest, ARegistryObjectIsNotEntered) {

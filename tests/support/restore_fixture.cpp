@@ -161,7 +161,13 @@ RestoreTools& RestoreFixture::Run() {
         reader_.emplace(mapped_);
     }
     if (!run_) {
-        run_.reset(new RestoreTools{info_, *reader_, databases_, mapping_, false, {}});
+        run_.reset(new RestoreTools{info_,
+                                    *reader_,
+                                    databases_,
+                                    mapping_,
+                                    DatabaseRestore::kByDevice,
+                                    {},
+                                    {storage_.journal.get(), *reader_, info_}});
     }
     return *run_;
 }

@@ -1,5 +1,6 @@
 #include "storage/objects/restore_database.h"
 
+#include "storage/objects/stored_record.h"
 #include "tests/support/restore_fixture.h"
 
 namespace tolvenar {
@@ -214,13 +215,135 @@ TEST_F(RestoreDatabaseTest, DatabasesAreSkippedWhenAskedSo) {
     const CEOID oid = MakeDatabase(L"People");
     const ObjectRecord database = StoreDatabase(u"Other", 1);
     const ObjectRecord record = StoredPerson(u"People", 0x7FFFFFF0, u"Ann", 1);
-    Run().skip_databases = true;
+    Run().database_restore = DatabaseRestore::kNone;
     EXPECT_EQ(kDone, WriteBack(database));
     EXPECT_EQ(kDone, WriteBack(record));
     EXPECT_EQ(kDone, Delete(Live(kDatabase, oid)));
     EXPECT_FALSE(DatabaseExists(u"Other"));
     EXPECT_TRUE(DatabaseExists(u"People"));
     EXPECT_TRUE(Records(u"People").empty());
+}
+
+// A restore of the differences between two states: the device may have given the id to another
+// record, or the user may have changed the one that has it.
+class RecordOfAStateTest : public RestoreFixture {
+protected:
+    void SetUp() override {
+        RestoreFixture::SetUp();
+        MakeDatabase(L"People");
+    }
+    // The stored form of a record that is on the device now.
+    ObjectRecord Stored(CEOID oid, const Text& database,
+                        const std::vector<TestProperty>& properties) {
+        ObjectRecord record = StoreRecord(database, oid, properties);
+        record.content_fingerprint = FingerprintOnDevice(database, oid);
+        return record;
+    }
+    std::uint16_t FingerprintOnDevice(const Text& database, CEOID oid) {
+        CEOID database_oid = 0;
+        const UniqueHandle handle(
+            databases_.OpenDatabase(database_oid, database.c_str(), 0, 0, nullptr));
+        RecordBuffer buffer;
+        EXPECT_EQ(oid, databases_.SeekRecord(handle.get(), CEDB_SEEK_CEOID, oid));
+        databases_.ReadRecordProps(handle.get(), buffer);
+        return FingerprintOfProperties(buffer.bytes(), buffer.size(), buffer.count());
+    }
+    RestoreTools& RunByStates() {
+        Run().database_restore = DatabaseRestore::kByStates;
+        return Run();
+    }
+    RestoreOutcome DeleteByStates(const ObjectRecord& stored) {
+        RunByStates();
+        return Delete(stored);
+    }
+    RestoreOutcome WriteBackByStates(const ObjectRecord& stored) {
+        RunByStates();
+        return WriteBack(stored);
+    }
+    const std::vector<TestProperty> ann_{{kName, 0, L"Ann"}, {kNumber, 1}};
+};
+
+TEST_F(RecordOfAStateTest, OneThatIsAsItWasStoredIsDeleted) {
+    const CEOID oid = AddRecord(L"People", ann_);
+    EXPECT_EQ(kDone, DeleteByStates(Stored(oid, u"People", ann_)));
+    EXPECT_EQ(Lines{}, Records(u"People"));
+}
+
+TEST_F(RecordOfAStateTest, OneThatWasChangedSinceIsKept) {
+    const CEOID oid = AddRecord(L"People", ann_);
+    const ObjectRecord stored = Stored(oid, u"People", ann_);
+    WriteRecord(L"People", oid, {{kNumber, 2}});
+    EXPECT_EQ(kDone, DeleteByStates(stored));
+    EXPECT_EQ((Lines{"Ann=2"}), Records(u"People"));
+}
+
+TEST_F(RecordOfAStateTest, OneOfAnotherLengthOrNumberOfPropertiesIsKept) {
+    const CEOID oid = AddRecord(L"People", ann_);
+    ObjectRecord stored = Stored(oid, u"People", {{kName, 0, L"Anne"}, {kNumber, 1}});
+    EXPECT_EQ(kDone, DeleteByStates(stored));
+    stored = Stored(oid, u"People", {{kNumber, 1}});
+    NewRun();
+    EXPECT_EQ(kDone, DeleteByStates(stored));
+    EXPECT_EQ((Lines{"Ann=1"}), Records(u"People"));
+}
+
+TEST_F(RecordOfAStateTest, OneThatIsInAnotherDatabaseNowIsKept) {
+    MakeDatabase(L"Others");
+    const CEOID oid = AddRecord(L"Others", ann_);
+    ObjectRecord stored = Stored(oid, u"Others", ann_);
+    const std::uint16_t fingerprint = stored.content_fingerprint;
+    stored = StoreRecord(u"People", oid, ann_);
+    stored.content_fingerprint = fingerprint;
+    EXPECT_EQ(kDone, DeleteByStates(stored));
+    EXPECT_EQ((Lines{"Ann=1"}), Records(u"Others"));
+}
+
+TEST_F(RecordOfAStateTest, OneThatCannotBeReadIsKept) {
+    const CEOID oid = AddRecord(L"People", ann_);
+    const ObjectRecord stored = Stored(oid, u"People", ann_);
+    RunByStates();
+    FailInRun("CeReadRecordPropsEx", 1, ERROR_GEN_FAILURE);
+    EXPECT_EQ(kDone, Delete(stored));
+    EXPECT_EQ((Lines{"Ann=1"}), Records(u"People"));
+}
+
+TEST_F(RecordOfAStateTest, AnEmptyOneThatIsStillEmptyIsDeleted) {
+    const CEOID oid = AddEmptyRecord(L"People");
+    EXPECT_EQ(kDone, DeleteByStates(StoreRecord(u"People", oid, {})));
+    CEOIDINFO info;
+    EXPECT_FALSE(databases_.GetObjectInfo(oid, info));
+}
+
+TEST_F(RecordOfAStateTest, OneThatIsWrittenBackOverAnotherBecomesANewRecord) {
+    const CEOID oid = AddRecord(L"People", ann_);
+    const ObjectRecord stored = Stored(oid, u"People", ann_);
+    WriteRecord(L"People", oid, {{kNumber, 2}});
+    EXPECT_EQ(kDone, WriteBackByStates(stored));
+    EXPECT_EQ((Lines{"Ann=1", "Ann=2"}), Records(u"People"));
+    EXPECT_NE(oid, newOid());
+}
+
+TEST_F(RecordOfAStateTest, OneThatIsAsItWasStoredIsWrittenOver) {
+    const CEOID oid = AddRecord(L"People", ann_);
+    EXPECT_EQ(kDone, WriteBackByStates(Stored(oid, u"People", ann_)));
+    EXPECT_EQ(oid, newOid());
+    EXPECT_EQ((Lines{"Ann=1"}), Records(u"People"));
+}
+
+TEST_F(RecordOfAStateTest, ALiveOneIsDeletedByItsId) {
+    const CEOID oid = AddRecord(L"People", ann_);
+    EXPECT_EQ(kDone, DeleteByStates(Live(kDbRecord, oid)));
+    EXPECT_EQ(Lines{}, Records(u"People"));
+}
+
+TEST_F(RecordOfAStateTest, DesktopPositionsGoByTheirKeyAllTheSame) {
+    constexpr CEPROPID kPositionKey = 0x4021001F;
+    MakeDatabase(L"\\DesktopPositions");
+    const CEOID oid = AddRecord(L"\\DesktopPositions", {{kPositionKey, 0, L"icon"}, {kNumber, 2}});
+    const ObjectRecord stored =
+        StoreRecord(u"\\DesktopPositions", oid + 1, {{kPositionKey, 0, L"icon"}, {kNumber, 1}});
+    EXPECT_EQ(kDone, WriteBackByStates(stored));
+    EXPECT_EQ(oid, newOid());
 }
 
 }  // namespace

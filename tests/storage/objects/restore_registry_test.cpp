@@ -1,5 +1,6 @@
 #include "storage/objects/restore_registry.h"
 
+#include "snapshot/compare/exclusion.h"
 #include "tests/support/restore_fixture.h"
 
 namespace tolvenar {
@@ -213,6 +214,33 @@ TEST_F(RestoreRegistryTest, ALocaleValueOfAnotherLengthIsSkipped) {
 TEST_F(RestoreRegistryTest, ALocaleValueWaitsForItsKeyToo) {
     EXPECT_EQ(kFailed, WriteBack(StoreValue(HKEY_LOCAL_MACHINE, u"nls", u"DefaultLCID", REG_DWORD,
                                             Word(0x409))));
+}
+
+// The key of the value's own state tells which separator is the one between key and name.
+TEST_F(RestoreRegistryTest, AValueWhoseNamesHoldTheSeparatorComesBackToItsKey) {
+    ObjectRecord key = StoreKey(HKEY_CURRENT_USER, u"Key\u00FFa");
+    key.TolvOID = MakeKeyTolvOID(kHiveCurrentUser, u"Key\u00FFa");
+    storage_.journal = ListOf({key});
+    EXPECT_EQ(kDone, WriteBack(StoreKey(HKEY_CURRENT_USER, u"Key")));
+    EXPECT_EQ(kDone, WriteBack(key));
+    EXPECT_EQ(kDone,
+              WriteBack(StoreValue(HKEY_CURRENT_USER, u"Key\u00FFa", u"v\u00FFw", REG_SZ, kText)));
+    EXPECT_EQ("1:" + kText, Value(HKEY_CURRENT_USER, L"Key\u00FFa", L"v\u00FFw"));
+    EXPECT_EQ("", Value(HKEY_CURRENT_USER, L"Key", L"a\u00FFv\u00FFw"));
+    NewRun();
+    EXPECT_EQ(kDone,
+              Delete(StoreValue(HKEY_CURRENT_USER, u"Key\u00FFa", u"v\u00FFw", REG_SZ, kText)));
+    EXPECT_EQ("", Value(HKEY_CURRENT_USER, L"Key\u00FFa", L"v\u00FFw"));
+}
+
+TEST_F(RestoreRegistryTest, TheLocaleGuardLooksAtTheKeyOfTheState) {
+    ObjectRecord key = StoreKey(HKEY_LOCAL_MACHINE, u"nls\u00FFx");
+    key.TolvOID = MakeKeyTolvOID(kHiveLocalMachine, u"nls\u00FFx");
+    storage_.journal = ListOf({key});
+    EXPECT_EQ(kDone, WriteBack(key));
+    EXPECT_EQ(kDone, WriteBack(StoreValue(HKEY_LOCAL_MACHINE, u"nls\u00FFx", u"DefaultLCID",
+                                          REG_DWORD, Word(1))));
+    EXPECT_EQ("4:" + Word(1), Value(HKEY_LOCAL_MACHINE, L"nls\u00FFx", L"DefaultLCID"));
 }
 
 }  // namespace

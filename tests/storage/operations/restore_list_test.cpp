@@ -11,7 +11,7 @@ protected:
     bool RestoreAll(const std::vector<ObjectRecord>& walked) {
         SaveStorage();
         code_ = ResultCode::kSuccess;
-        return RestoreList(engine_, MakeDifference(walked), false, code_);
+        return RestoreList(engine_, MakeDifference(walked), DatabaseRestore::kByDevice, code_);
     }
     // "\\locked.txt", held open.
     tests::FileLock PutLocked() {
@@ -154,7 +154,8 @@ TEST_F(RestoreListTest, AStorageFileThatCannotBeMappedLeavesListAndDeviceAsTheyW
 
 TEST_F(RestoreListTest, AnAbsentStorageFileIsADriversFailureToo) {
     code_ = ResultCode::kSuccess;
-    EXPECT_FALSE(RestoreList(engine_, MakeDifference({Live(kFile, 5)}), false, code_));
+    EXPECT_FALSE(
+        RestoreList(engine_, MakeDifference({Live(kFile, 5)}), DatabaseRestore::kByDevice, code_));
     EXPECT_EQ(ResultCode::kDriver, code_);
 }
 

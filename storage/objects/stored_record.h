@@ -1,0 +1,18 @@
+// What a database record of the device is compared by.
+#pragma once
+
+#include "storage/format/info_block.h"
+#include "storage/objects/database_layer.h"
+
+namespace tolvenar {
+
+// The content fingerprint of a record's properties as the device hands them out; strings and blobs
+// in the buffer are turned into offsets. 0 for a record without properties and for damaged ones.
+std::uint16_t FingerprintOfProperties(void* properties, DWORD buffer_bytes, WORD count);
+
+// True while the device's record with the id of `record`, in the database that `block` names, still
+// has the description in `block` and the stored fingerprint. A device gives out ids again, and a
+// user changes records under their ids.
+bool IsStoredRecord(DatabaseLayer& databases, const InfoBlock& block, const ObjectRecord& record);
+
+}  // namespace tolvenar
