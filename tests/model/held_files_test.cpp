@@ -82,8 +82,7 @@ TEST_P(HeldFilesTest, EveryStateHoldsWhatCouldBeReadAndOfTheRestWhatTheStateBefo
     BackUpUntilNothingChanges();
     for (std::size_t state = states_.size(); state-- != 0 && !HasFailure();) {
         ExchangeDevice(static_cast<std::uint32_t>(state + 2) * kIdsOfADevice);
-        EXPECT_EQ(Done(), Restore(static_cast<std::uint32_t>(state + 1)));
-        ExpectState(state);
+        RestoreAndCheck(state);
     }
     EXPECT_FALSE(HasFailure()) << story_;
 }
