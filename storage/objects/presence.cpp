@@ -26,14 +26,14 @@ template <typename Predicate>
 bool AnySplit(const InfoBlock& block, char16_t separator, Predicate is_sought) {
     InfoBlock split = block;
     char16_t* const name = split.name();
-    for (char16_t* unit = name; *unit != 0; ++unit) {
-        if (*unit == separator) {
-            *unit = 0;
-            if (is_sought(name, unit + 1)) {
-                return true;
-            }
-            *unit = separator;
+    const std::u16string_view whole(block.name());
+    for (std::size_t at = whole.find(separator); at != whole.npos;
+         at = whole.find(separator, at + 1)) {
+        name[at] = 0;
+        if (is_sought(name, name + at + 1)) {
+            return true;
         }
+        name[at] = separator;
     }
     return false;
 }

@@ -164,13 +164,15 @@ int BackupItems(Engine& engine, StorageAppender& storage, ObjectList& list,
     engine.progress.ProgressStep(u"Backing Up...");
     failed_count = 0;
     for (const ObjectList::Node& node : list) {
-        if (!BackupItem(engine, storage, *node.record)) {
-            node.record->flags |= JF_FAILED;
-            LogFailedItem(engine, *node.record);
+        ObjectRecord& record = *node.record;
+        const bool is_stored = BackupItem(engine, storage, record);
+        if (!is_stored) {
+            record.flags |= JF_FAILED;
+            LogFailedItem(engine, record);
             ++failed_count;
-            if (node.record->type == ObjectType::kState) {
-                return 0;
-            }
+        }
+        if (!is_stored && record.type == ObjectType::kState) {
+            return 0;
         }
         engine.progress.ProgressStep();
     }
