@@ -38,6 +38,8 @@ private:
     void DeleteFile(const std::wstring& path, bool is_folder);
     void WriteFile(const std::wstring& path, const ImageFile& file);
     void WriteDatabase(const std::u16string& name, const sim::databases::Database& shape);
+    void DeleteRecord(const std::u16string& database, std::uint32_t oid,
+                      const sim::databases::Record& record);
     void WriteRecord(const std::u16string& database, std::uint32_t oid,
                      const sim::databases::Record& record);
 
