@@ -131,16 +131,15 @@ void JournalUpdater::UpdateJournalOid(const ObjectRecord& record, std::uint32_t 
         BuildIndex();
     }
     IdChange change(record, newOid);
-    if (entries_ != nullptr) {
-        for (Entry* entry = index_.ChainOf(HashOf(record.propOffset)); entry != nullptr;
-             entry = entry->bucket_next) {
-            if (change.Visit(*entry->record)) {
-                entry->life->new_id = newOid;
-            }
-        }
-    } else {
+    if (entries_ == nullptr) {
         for (const ObjectList::Node& node : *journal_) {
             change.Visit(*node.record);
+        }
+    }
+    Entry* entry = entries_ != nullptr ? index_.ChainOf(HashOf(record.propOffset)) : nullptr;
+    for (; entry != nullptr; entry = entry->bucket_next) {
+        if (change.Visit(*entry->record)) {
+            entry->life->new_id = newOid;
         }
     }
     change.Finish();

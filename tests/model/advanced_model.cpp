@@ -48,6 +48,12 @@ void CreateKey(DeviceImage& device, const std::u16string& path) {
     device.keys[path];
 }
 
+bool HoldsRecord(const std::map<std::uint32_t, sim::databases::Record>& records, std::uint32_t oid,
+                 const sim::databases::Record& record) {
+    const auto found = records.find(oid);
+    return found != records.end() && SameRecord(found->second, record);
+}
+
 bool DeleteValue(DeviceImage& device, const std::u16string& path, const std::u16string& name) {
     const auto key = device.keys.find(path);
     // A value that is not there cannot be deleted; a key that is not there has none.
@@ -166,7 +172,7 @@ void AdvancedModel::WriteDatabase(const std::u16string& name,
                        }});
 }
 
-// The record that has the id is written over; its other properties stay.
+// The record that has the id is written over if it still is the one that is written.
 void AdvancedModel::WriteRecord(const std::u16string& database, std::uint32_t oid,
                                 const sim::databases::Record& record) {
     const std::uint32_t new_id = next_id_++;
@@ -177,13 +183,27 @@ void AdvancedModel::WriteRecord(const std::u16string& database, std::uint32_t oi
                                return false;
                            }
                            auto& records = found->second.records;
-                           const bool is_there = records.count(oid) != 0 && matched.count(oid) == 0;
+                           const bool is_there =
+                               HoldsRecord(records, oid, record) && matched.count(oid) == 0;
                            sim::databases::Record& written = records[is_there ? oid : new_id];
                            for (const sim::databases::Property& property : record) {
                                sim::databases::Put(written, property);
                            }
                            return true;
                        }});
+}
+
+// A record that changed since, or another one with the id, is none of the state's.
+void AdvancedModel::DeleteRecord(const std::u16string& database, std::uint32_t oid,
+                                 const sim::databases::Record& record) {
+    deletions_.push_back({"- " + RecordName(database, oid), [=](DeviceImage& device, const Paths&) {
+                              const auto found = device.databases.find(database);
+                              if (found != device.databases.end() &&
+                                  HoldsRecord(found->second.records, oid, record)) {
+                                  found->second.records.erase(oid);
+                              }
+                              return true;
+                          }});
 }
 
 void AdvancedModel::CompareDatabases(const DeviceImage& from, const DeviceImage& to) {
@@ -217,15 +237,8 @@ void AdvancedModel::CompareDatabases(const DeviceImage& from, const DeviceImage&
             }
         }
         ForEachBeyond(entry.second.records, others, SameRecord,
-                      [&](std::uint32_t oid, const sim::databases::Record&) {
-                          deletions_.push_back({"- " + RecordName(name, oid),
-                                                [=](DeviceImage& device, const Paths&) {
-                                                    const auto found = device.databases.find(name);
-                                                    if (found != device.databases.end()) {
-                                                        found->second.records.erase(oid);
-                                                    }
-                                                    return true;
-                                                }});
+                      [&](std::uint32_t oid, const sim::databases::Record& record) {
+                          DeleteRecord(name, oid, record);
                       });
     }
     for (const auto& [name, database] : to.databases) {

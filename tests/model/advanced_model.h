@@ -41,6 +41,8 @@ private:
     void DeleteFile(const std::wstring& path, bool is_folder);
     static Operation FileToWrite(const std::wstring& path, const ImageFile& file);
     void WriteDatabase(const std::u16string& name, const sim::databases::Database& shape);
+    void DeleteRecord(const std::u16string& database, std::uint32_t oid,
+                      const sim::databases::Record& record);
     void WriteRecord(const std::u16string& database, std::uint32_t oid,
                      const sim::databases::Record& record);
 
