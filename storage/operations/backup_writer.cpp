@@ -2,6 +2,7 @@
 
 #include "platform/text.h"
 #include "platform/unique_resource.h"
+#include "snapshot/compare/lost_containers.h"
 #include "snapshot/engine/difference_engine.h"
 #include "snapshot/records/checksum.h"
 #include "snapshot/text/log.h"
@@ -146,6 +147,21 @@ void LogFailedItem(Engine& engine, const ObjectRecord& record) {
     LogMessage(text.text(), u"backup item failed", kLogError);
 }
 
+void NoteLost(Engine& engine, const ObjectRecord& record, LostContainers& lost) {
+    InfoBlock block;
+    if (engine.info.GetOIDInfo(record.TolvOID, record.dwOID, block) && !lost.Contain(block)) {
+        lost.Add(block);
+    }
+}
+
+// True for an addition in a container that could not be written. The scan meets a container before
+// what is in it, and so does the list.
+bool IsLost(Engine& engine, const ObjectRecord& record, const LostContainers& lost) {
+    InfoBlock block;
+    return !lost.empty() && (record.flags & JF_ADD) != 0 &&
+           engine.info.GetOIDInfo(record.TolvOID, record.dwOID, block) && lost.Contain(block);
+}
+
 }  // namespace
 
 bool DoBackup(Engine& engine, std::uint32_t state_number, const char16_t* description,
@@ -163,12 +179,14 @@ int BackupItems(Engine& engine, StorageAppender& storage, ObjectList& list,
     engine.progress.ProgressBegin(list.CountRecords());
     engine.progress.ProgressStep(u"Backing Up...");
     failed_count = 0;
+    LostContainers lost;
     for (const ObjectList::Node& node : list) {
         ObjectRecord& record = *node.record;
-        const bool is_stored = BackupItem(engine, storage, record);
+        const bool is_stored = !IsLost(engine, record, lost) && BackupItem(engine, storage, record);
         if (!is_stored) {
             record.flags |= JF_FAILED;
             LogFailedItem(engine, record);
+            NoteLost(engine, record, lost);
             ++failed_count;
         }
         if (!is_stored && record.type == ObjectType::kState) {

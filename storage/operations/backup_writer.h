@@ -19,8 +19,9 @@ constexpr int kBackupSteps = kDeviceSteps + 3;
 bool DoBackup(Engine& engine, std::uint32_t state_number, const char16_t* description,
               bool keep_journal_closed, BackupResult& result);
 
-// Appends every record of `list`. A record that cannot be written is marked JF_FAILED, logged and
-// counted. 1, or 0 as soon as the state's own record is one of them: nothing would find the others.
+// Appends every record of `list`, none in a folder, key or database that could not be written. A
+// record that cannot be written is marked JF_FAILED, logged and counted. 1, or 0 as soon as the
+// state's own record is one of them: nothing would find the others.
 int BackupItems(Engine& engine, StorageAppender& storage, ObjectList& list,
                 std::size_t& failed_count);
 

@@ -123,6 +123,51 @@ TEST_F(BackupWriterFaultTest, AChangedFileWhoseBlockCannotBeWrittenKeepsItsOlder
     EXPECT_EQ("first", Content(u"\\a.txt"));
 }
 
+// A restore of the state could never write it back: its folder, key or database is not there.
+TEST_F(BackupWriterFaultTest, WhatIsInAFolderThatCannotBeStoredWaitsForTheNextBackup) {
+    device().Remove(L"\\n.txt");
+    device().PutFile(L"\\New\\Below\\b.txt", "below");
+    device().PutFile(L"\\o.txt", "other");
+    Fail("WriteFile", 2, ERROR_WRITE_FAULT);
+    ASSERT_EQ(Done(), Backup(2));
+    device().EndFaults();
+    EXPECT_EQ(3u, backup_.failed);
+    EXPECT_EQ(Done(), Restore(2));
+    EXPECT_EQ("other", Content(u"\\o.txt"));
+    EXPECT_FALSE(Exists(u"\\New"));
+    EXPECT_EQ(Done(ResultCode::kNoDifference), Restore(2));
+}
+
+TEST_F(BackupWriterFaultTest, WhatIsInAKeyThatCannotBeStoredWaitsForTheNextBackup) {
+    device().Remove(L"\\n.txt");
+    SetValue(HKEY_CURRENT_USER, L"New", L"v", REG_SZ, "data");
+    SetValue(HKEY_CURRENT_USER, L"New\\Below", L"w", REG_SZ, "data");
+    Fail("WriteFile", 2, ERROR_WRITE_FAULT);
+    ASSERT_EQ(Done(), Backup(2));
+    device().EndFaults();
+    EXPECT_EQ(4u, backup_.failed);
+    EXPECT_EQ(Done(), Backup(3));
+    EXPECT_EQ(Done(), Restore(2));
+    EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, L"New"));
+    EXPECT_EQ(Done(), Restore(3));
+    EXPECT_EQ("1:data", Value(HKEY_CURRENT_USER, L"New\\Below", L"w"));
+}
+
+TEST_F(BackupWriterFaultTest, TheRecordsOfADatabaseThatCannotBeStoredWaitForTheNextBackup) {
+    device().Remove(L"\\n.txt");
+    MakeDatabase(L"New");
+    AddRecord(L"New", L"one", 1);
+    Fail("WriteFile", 2, ERROR_WRITE_FAULT);
+    ASSERT_EQ(Done(), Backup(2));
+    device().EndFaults();
+    EXPECT_EQ(2u, backup_.failed);
+    EXPECT_EQ(Done(), Backup(3));
+    EXPECT_EQ(Done(), Restore(2));
+    EXPECT_FALSE(DatabaseExists(u"New"));
+    EXPECT_EQ(Done(), Restore(3));
+    EXPECT_EQ((Lines{"one=1"}), Records(u"New"));
+}
+
 TEST_F(BackupWriterFaultTest, AFileThatWasReplacedAndCannotBeStoredKeepsItsOlderVersion) {
     device().Remove(L"\\a.txt");
     device().Remove(L"\\n.txt");
