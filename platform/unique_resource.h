@@ -33,11 +33,11 @@ public:
         return &handle_;
     }
     void Reset(T handle = T{}) noexcept {
-        const DWORD error = ::GetLastError();  // closing must not hide the caller's failure
         if (*this) {
+            const DWORD error = ::GetLastError();  // closing must not hide the caller's failure
             close(handle_);
+            ::SetLastError(error);
         }
-        ::SetLastError(error);
         handle_ = handle;
     }
 

@@ -42,19 +42,22 @@ PropertyType TypeOf(const StoredProperty& property) {
     return static_cast<PropertyType>(property.propid & 0xFFFF);
 }
 
-bool RelocateProperty(const PropertyBuffer& buffer, StoredProperty& property,
-                      std::uint32_t from_base, std::uint32_t to_base) {
+// Strings and blobs stand behind the array of `array_bytes` bytes. In the array itself they would
+// change with the places that are written there: a string could lose its terminator.
+bool RelocateProperty(const PropertyBuffer& buffer, std::size_t array_bytes,
+                      StoredProperty& property, std::uint32_t from_base, std::uint32_t to_base) {
     if (TypeOf(property) == kPropertyString) {
         const std::uint32_t offset = property.value - from_base;
         std::size_t string_bytes = 0;
         property.value = offset + to_base;
-        return buffer.StringBytes(offset, string_bytes);
+        return offset >= array_bytes && buffer.StringBytes(offset, string_bytes);
     }
     if (TypeOf(property) == kPropertyBlob) {
         // The place of an empty blob means nothing and may be null.
-        const std::uint32_t offset = property.value == 0 ? 0 : property.value_high - from_base;
+        const bool is_empty = property.value == 0;
+        const std::uint32_t offset = is_empty ? 0 : property.value_high - from_base;
         property.value_high = offset + to_base;
-        return buffer.HoldsBlob(offset, property.value);
+        return is_empty || (offset >= array_bytes && buffer.HoldsBlob(offset, property.value));
     }
     return true;
 }
@@ -67,7 +70,7 @@ bool Relocate(void* bytes, std::size_t buffer_bytes, std::size_t count, std::uin
     }
     for (std::size_t i = 0; i < count; ++i) {
         StoredProperty property = buffer.At(i);
-        if (!RelocateProperty(buffer, property, from_base, to_base)) {
+        if (!RelocateProperty(buffer, count * sizeof property, property, from_base, to_base)) {
             return false;
         }
         std::memcpy(static_cast<std::uint8_t*>(bytes) + i * sizeof property, &property,

@@ -167,6 +167,7 @@ TEST_F(BrowseTest, AStorageFileWithoutAJournalIsOpenedAsItStands) {
     EXPECT_EQ("no file", Bytes("Other.jrn_1"));
     EXPECT_TRUE(DialogIsFree());
     ChooseNew("Lone");
+    ExpectBox(kStatesAreMissing);
     EXPECT_TRUE(NameBecomes("Lone"));
     EXPECT_EQ("The other one", Text(IDC_STORAGE_DESCRIPTION));
     EXPECT_SOON(Bytes("Lone.jrn").empty());

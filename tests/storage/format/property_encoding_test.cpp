@@ -105,6 +105,7 @@ TEST(PropertyEncodingTest, AnEmptyBlobMayPointAnywhere) {
     Bytes buffer = Element(1, 65, 0, 0, 0);
     ASSERT_TRUE(PointersToOffsets(buffer.data(), buffer.size(), 1, kBase));
     EXPECT_EQ(Element(1, 65, 0, 0, 0), buffer);
+    EXPECT_TRUE(OffsetsToPointers(buffer.data(), buffer.size(), 1, kBase));
 }
 
 TEST(PropertyEncodingCorruptTest, ACountThatTheBufferDoesNotHoldFails) {
@@ -132,6 +133,18 @@ TEST(PropertyEncodingCorruptTest, AnOffsetOutsideTheBufferFails) {
         EXPECT_FALSE(OffsetsToPointers(text.data(), text.size(), 1, kBase)) << offset;
         EXPECT_FALSE(ChecksumOfProperties(blob.data(), blob.size(), 1, checksum)) << offset;
         EXPECT_FALSE(OffsetsToPointers(blob.data(), blob.size(), 1, kBase)) << offset;
+    }
+}
+
+// The second property's place would be written over the end of the first one's text.
+TEST(PropertyEncodingCorruptTest, ATextOrABlobInTheArrayItselfFails) {
+    for (const std::uint32_t offset : {0u, 8u, 24u, 30u, 31u}) {
+        auto text =
+            Exactly(Element(1, 31, 0, offset) + Element(2, 31, 0, 32) + Raw({'a', 0, 0, 0, 0, 0}));
+        auto blob = Exactly(Element(1, 65, 0, 2, offset) + Element(2, 31, 0, 32) +
+                            Raw({'a', 0, 0, 0, 0, 0}));
+        EXPECT_FALSE(OffsetsToPointers(text.data(), text.size(), 2, kBase)) << offset;
+        EXPECT_FALSE(OffsetsToPointers(blob.data(), blob.size(), 2, kBase)) << offset;
     }
 }
 

@@ -112,7 +112,8 @@ TEST_F(RestoreEngineTest,
 TEST_F(RestoreEngineTest, AJournalThatCannotBeLoadedAgainIsReportedAndThereIsNone) {
     ASSERT_EQ(Done(), Backup(1));
     device().PutFile(L"\\a.txt", "new");
-    device().Fault("CreateFileW", 2, 1, ERROR_SHARING_VIOLATION, "Home.jrn");  // after ".jrn_1"
+    // After the look for a write protection and ".jrn_1".
+    device().Fault("CreateFileW", 3, 1, ERROR_SHARING_VIOLATION, "Home.jrn");
     EXPECT_EQ(Failed(ResultCode::kJournalUnreadable), Restore(1));
     EXPECT_EQ(nullptr, storage_.journal);
     EXPECT_FALSE(device().Exists(L"\\a.txt"));
@@ -124,7 +125,7 @@ TEST_F(RestoreEngineTest, AnUnreadableJournalIsReportedRatherThanADriversFailure
     ASSERT_EQ(Done(), Backup(1));
     device().PutFile(L"\\a.txt", "new");
     device().Fault("CreateFileForMappingW", 1, 1, ERROR_INVALID_FUNCTION, "Home.sav");
-    device().Fault("CreateFileW", 2, 1, ERROR_SHARING_VIOLATION, "Home.jrn");
+    device().Fault("CreateFileW", 3, 1, ERROR_SHARING_VIOLATION, "Home.jrn");
     EXPECT_EQ(Failed(ResultCode::kJournalUnreadable), Restore(1));
     EXPECT_EQ(nullptr, storage_.journal);
 }
