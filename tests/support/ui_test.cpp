@@ -77,6 +77,13 @@ void UiTest::BackUpThenChange(const std::string& text) {
     device().PutFile(kNote, text);
 }
 
+void UiTest::HaveAStorageOfWhatIsGone() {
+    device().PutFile(L"\\My Documents\\big.txt", std::string(200000, 'b'));
+    BackUp();
+    device().Remove(L"\\My Documents\\big.txt");
+    device().PutFile(L"\\My Documents\\b.txt", std::string(50000, 'b'));
+}
+
 void UiTest::StartHeldBackup() {
     HoldCall("CeFindFirstDatabaseEx");
     PostBackup();

@@ -64,6 +64,9 @@ protected:
     void TakeFirstState();
     // A state with kNote, which says "hello" there and this by now.
     void BackUpThenChange(const std::string& text = "changed");
+    // A state more, mostly of what is gone by now, and 50,000 bytes that wait for the next: a new
+    // storage would be much smaller than the old one.
+    void HaveAStorageOfWhatIsGone();
     // Starts a backup that comes to the databases, when the schedule is off, and no further until
     // LetGo. It answers nobody meanwhile.
     void StartHeldBackup();

@@ -11,13 +11,6 @@ protected:
         SetDword("Reminders", 2);
         BackUpThenChange(std::string(5000, 'a'));
     }
-    // A new storage would be smaller by much of this one.
-    void HaveAStorageOfWhatIsGone() {
-        device().PutFile(L"\\My Documents\\big.txt", std::string(200000, 'b'));
-        BackUp();
-        device().Remove(L"\\My Documents\\big.txt");
-        device().PutFile(L"\\My Documents\\b.txt", std::string(50000, 'b'));
-    }
     // How many bytes the message of the full card asks for.
     long AskedFor() {
         const std::string begin = "Not enough disk space to backup. You need to free ";

@@ -182,6 +182,8 @@ TEST_F(OperationsTest, BeforeThePageOfStatesIsMadeNoneIsSelected) {
 }
 
 TEST_F(OperationsTest, ARestoreFromAnEmptyStorageSaysSo) {
+    constexpr std::size_t kHeadAlone = 236;
+    device().PutFile(kStorageFile, device().FileBytes(kStorageFile).substr(0, kHeadAlone));
     device().PutFile(kJournalFile, "");
     OpenRestore();
     EXPECT_TRUE(Items(IDC_STATES).empty());

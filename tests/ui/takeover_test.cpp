@@ -78,9 +78,9 @@ TEST_F(TakeOverTest, UnderTheBoxOfAResultTheFirstCopyComesForward) {
 TEST_F(TakeOverTest, UnderTheQuestionForTheOldStorageItIsKept) {
     SetDword("Reminders", 2);
     SetDword("MayDeleteOldStorage", 1);
-    device().PutFile(L"\\My Documents\\b.txt", std::string(50000, 'b'));
+    HaveAStorageOfWhatIsGone();
     Program first = OpenProgram();
-    device().Set("card.free", "12000");
+    device().Set("card.free", "20000");
     const std::string storage = device().FileBytes(kStorageFile);
     PressForBox(IDC_BACKUP);
     ExpectHandedOver(first);
