@@ -18,10 +18,11 @@ bool DeriveNames(StorageNames& names) {
 }
 
 bool CreateStoragePair(const StorageNames& names, DescriptionPrompt* prompt) {
-    if (!CreateStorage(names.sav, prompt)) {
+    // First, so that a stop in between leaves no old journal beside the new storage file.
+    if (!ClearJournalPlace(names) || !CreateStorage(names.sav, prompt)) {
         return false;
     }
-    if (BeginJournal(names)) {
+    if (CreateJournal(names)) {
         return true;
     }
     ::DeleteFileW(Wide(names.sav));

@@ -65,7 +65,8 @@ bool NamesOfChosen(const wchar_t* chosen, StorageNames& names) {
     return MakeStorageNames(path, names);
 }
 
-// A journal alone counts as a storage whose file cannot be read: a new one would empty it.
+// A journal alone counts as a storage whose file cannot be read: the user is told rather than given
+// a new one of the same name.
 OpenStorageResult CreateAndOpen(Application& app, const StorageNames& names) {
     if (!IsReallyAbsent(names.journal)) {
         return OpenStorageResult::kHeaderUnreadable;

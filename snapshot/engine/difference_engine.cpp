@@ -95,8 +95,6 @@ int FindDifference(Engine& engine, std::uint32_t state) {
         LogMessage(kNoList, u"FindDifference", kLogError);
         return 0;
     }
-    storage.aimed_state = state;
-    storage.opposite_state = 0;
     StateIdentifiers identifiers(descriptions.source);
     if (!identifiers.Build(*storage.older)) {
         return 0;
@@ -107,6 +105,8 @@ int FindDifference(Engine& engine, std::uint32_t state) {
         ::MessageBoxW(nullptr, Wide(kNoList), L"FindDifference", MB_SETFOREGROUND);
         return 0;
     }
+    storage.aimed_state = state;
+    storage.opposite_state = 0;
     return CompareLists(engine, descriptions.source) ? 1 : 0;
 }
 
@@ -118,8 +118,6 @@ int FindDifferenceEx(Engine& engine, std::uint32_t state_a, std::uint32_t state_
     if (!descriptions.sav_file || storage.journal == nullptr) {
         return 0;
     }
-    storage.aimed_state = state_a;
-    storage.opposite_state = state_b;
     engine.progress.ProgressStep(u"Preparing list 1...");
     if (!PrepareStateList(engine, storage.older, state_a, descriptions.source)) {
         return 0;
@@ -133,6 +131,8 @@ int FindDifferenceEx(Engine& engine, std::uint32_t state_a, std::uint32_t state_
         LogMessage(u"Can't create journal", u"FindDifferenceEx", kLogError);
         return 0;
     }
+    storage.aimed_state = state_a;
+    storage.opposite_state = state_b;
     return CompareLists(engine, descriptions.source) ? 1 : 0;
 }
 

@@ -7,7 +7,11 @@ namespace tolvenar {
 
 JournalStamp ReadJournalStamp(const StorageNames& names) {
     WIN32_FIND_DATAW found{};
-    const UniqueFind search(::FindFirstFileW(Wide(names.journal), &found));
+    UniqueFind search(::FindFirstFileW(Wide(names.journal), &found));
+    if (!search) {
+        // On a write-protected card the temporary one stays and is loaded in its place.
+        search = UniqueFind(::FindFirstFileW(Wide(names.journal_temporary), &found));
+    }
     if (!search) {
         return {};
     }

@@ -28,14 +28,19 @@ bool HoldsAState(const char16_t* journal, bool& holds) {
 
 // A storage file without a journal but with a temporary one: saving was stopped between the
 // deletion and the renaming, so the temporary file is whole. One without any state is no journal
-// that a save left.
-bool FinishInterruptedSave(const StorageNames& names) {
+// that a save left. On a write-protected card it stays where it is. `path` is the journal then.
+bool FinishInterruptedSave(const StorageNames& names, const char16_t*& path) {
+    path = names.journal;
     if (Exists(names.journal) || !Exists(names.sav) || !Exists(names.journal_temporary)) {
         return true;
     }
     bool is_journal = false;
     if (!HoldsAState(names.journal_temporary, is_journal)) {
         return false;
+    }
+    if (IsWriteProtected(names.journal_temporary)) {
+        path = is_journal ? names.journal_temporary : names.journal;
+        return true;
     }
     return is_journal ? ::MoveFileW(Wide(names.journal_temporary), Wide(names.journal)) != FALSE
                       : MoveJournalAside(names, names.journal_temporary);
@@ -119,10 +124,15 @@ bool JournalIsAsLoaded(const OpenedStorage& storage) {
 bool LoadObjectList(const StorageNames& names, ObjectList& list, Progress* progress,
                     JournalLoad& load) {
     load = {};
-    if (!FinishInterruptedSave(names)) {
+    const char16_t* path = nullptr;
+    if (!FinishInterruptedSave(names, path)) {
         return false;
     }
-    const UniqueHandle file = OpenForWritingIfAllowed(names.journal, FILE_SHARE_READ, OPEN_ALWAYS);
+    const UniqueHandle file = OpenForWritingIfAllowed(path, FILE_SHARE_READ, OPEN_ALWAYS);
+    // Only where none can be made is there none.
+    if (!file && ::GetLastError() == ERROR_FILE_NOT_FOUND) {
+        return true;
+    }
     HandleBytes bytes(file.get());
     std::uint32_t size = 0;
     if (!file || !bytes.Size(size)) {
@@ -146,8 +156,7 @@ int CloseJournal(const StorageNames& names, std::unique_ptr<ObjectList>& list, b
     return result;
 }
 
-bool BeginJournal(const StorageNames& names) {
-    // An empty journal holds nothing to be kept.
+bool ClearJournalPlace(const StorageNames& names) {
     const bool has_records = JournalFileSize(names) != 0;
     for (const char16_t* old : {names.journal, names.journal_temporary}) {
         const bool is_kept = old != names.journal || has_records;
@@ -155,6 +164,10 @@ bool BeginJournal(const StorageNames& names) {
             return false;
         }
     }
+    return true;
+}
+
+bool CreateJournal(const StorageNames& names) {
     return static_cast<bool>(
         OpenFile(names.journal, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, OPEN_ALWAYS));
 }

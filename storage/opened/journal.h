@@ -37,10 +37,11 @@ bool LoadObjectList(const StorageNames& names, ObjectList& list, Progress* progr
 int CloseJournal(const StorageNames& names, std::unique_ptr<ObjectList>& list, bool save,
                  Progress* progress);
 
-// Leaves an empty journal and no temporary one: what a new storage file begins with. A journal that
-// is there belongs to a storage file that is gone, and is moved aside. False when an empty one
-// cannot be had.
-bool BeginJournal(const StorageNames& names);
+// Moves journal and temporary journal aside, before a new storage file is made: they belong to one
+// that is gone. An empty journal holds nothing to be kept. False when one of them cannot be moved.
+bool ClearJournalPlace(const StorageNames& names);
+// Makes the empty journal of a new storage file. False when it cannot be had.
+bool CreateJournal(const StorageNames& names);
 
 // True when the storage file holds more than its head and the loaded journal nothing: a backup was
 // ended before its journal was saved, or the journal is lost.

@@ -30,7 +30,8 @@ bool MoveJournalAside(const StorageNames& names, const char16_t* path) {
             LogMoved(name);
             return true;
         }
-        if (::GetLastError() != ERROR_ALREADY_EXISTS) {
+        const DWORD error = ::GetLastError();
+        if (error != ERROR_ALREADY_EXISTS && error != ERROR_FILE_EXISTS) {
             return false;
         }
     }

@@ -10,8 +10,9 @@ namespace {
 
 // Left on the card beside the new blocks and the rewritten journal.
 constexpr std::uint64_t kSpareBytes = 10000;
-// At least what the head of a new storage and the block of its first state take.
-constexpr std::uint64_t kFirstBytes = 1024;
+// More than what the head of a new storage and the block of its first state take, each file in
+// whole clusters of the card, and the log meanwhile.
+constexpr std::uint64_t kFirstBytes = 0x10000;
 
 std::uint32_t BytesInStorage(Engine& engine, const ObjectRecord& record) {
     InfoBlock block;
@@ -76,9 +77,11 @@ ResultCode CheckRoom(Engine& engine, std::uint64_t estimate, BackupResult& resul
 
 bool DeletionMakesRoom(const StorageNames& names, const BackupResult& result) {
     const bool has_room_already = result.bytes_free >= result.bytes_needed;
+    // What could not be read has its only version in the old storage, and its size is not known.
+    const bool was_all_read = result.held == 0 && result.kept == 0;
     std::uint64_t freed = 0;
-    if (result.storage_is_full || has_room_already || !SizeOfDeletable(names.sav, freed) ||
-        !SizeOfDeletable(names.journal, freed)) {
+    if (result.storage_is_full || has_room_already || !was_all_read ||
+        !SizeOfDeletable(names.sav, freed) || !SizeOfDeletable(names.journal, freed)) {
         return false;
     }
     const std::uint64_t free_then = result.bytes_free + freed;

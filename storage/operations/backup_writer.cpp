@@ -107,9 +107,6 @@ bool RunBackup(Engine& engine, std::uint32_t state_number, const char16_t* descr
     if (state_number == 0) {
         return Fail(ResultCode::kFailed, result);
     }
-    if (state_number > kMaxStateNumber) {
-        return FailFull(u"The storage file has no number for another state", result);
-    }
     if (!FindDifference(engine, state_number - 1)) {
         return Fail(ResultCode::kNoDifferenceList, result);
     }
@@ -122,6 +119,9 @@ bool RunBackup(Engine& engine, std::uint32_t state_number, const char16_t* descr
             engine.progress.ProgressStep(u"Complete.");
         }
         return true;
+    }
+    if (state_number > kMaxStateNumber) {
+        return FailFull(u"The storage file has no number for another state", result);
     }
     if (!WriteState(engine, state_number, description, result)) {
         return false;
@@ -202,7 +202,9 @@ bool BackupItem(Engine& engine, StorageAppender& storage, ObjectRecord& record) 
         return true;
     }
     InfoBlock block;
-    if (!engine.info.GetOIDInfo(record.TolvOID, record.dwOID, block)) {
+    // An id that was given out again since the scan is another object's.
+    if (!engine.info.GetOIDInfo(record.TolvOID, record.dwOID, block) ||
+        block.type() != record.type) {
         return false;
     }
     StoredData data;

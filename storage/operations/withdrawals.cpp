@@ -82,6 +82,41 @@ private:
     bool out_of_memory_ = false;
 };
 
+// The additions of a difference list by name, indexed when one is first asked for. One that could
+// not be written is none.
+class AddedObjects {
+public:
+    AddedObjects(ObjectList& difference, InfoSource& info)
+        : difference_(difference), by_name_(info) {}
+
+    bool HoldsName(const InfoBlock& block) {
+        if (!is_known_) {
+            is_known_ = true;
+            Index();
+        }
+        return by_name_.FindByName(block) != nullptr;
+    }
+    bool out_of_memory() const { return out_of_memory_; }
+
+private:
+    void Index() {
+        out_of_memory_ = !by_name_.Reserve(difference_.CountRecords());
+        if (out_of_memory_) {
+            return;
+        }
+        for (ObjectList::Node& node : difference_) {
+            if ((node.record->flags & kUnwritten) == JF_ADD) {
+                by_name_.AddByName(*node.record);
+            }
+        }
+    }
+
+    ObjectList& difference_;
+    ObjectFinder by_name_;
+    bool is_known_ = false;
+    bool out_of_memory_ = false;
+};
+
 // The objects that are on the device and that the scan did not read. An addition is something that
 // the scan read.
 class UnreadObjects {
@@ -90,7 +125,8 @@ public:
         : databases_(engine.databases),
           cache_(engine.databases),
           own_files_(engine.storage.names),
-          scanned_(*engine.storage.newer, info) {}
+          scanned_(*engine.storage.newer, info),
+          added_(*engine.storage.difference, info) {}
 
     bool Hold(const ObjectRecord& deletion, const InfoBlock& block) {
         if (IsRegistryObject(deletion)) {
@@ -98,9 +134,14 @@ public:
             return !scanned_.HoldsName(block) && Find(deletion, block, none);
         }
         CEOID oid = 0;
-        return Find(deletion, block, oid) && !scanned_.HoldsId(deletion.type, oid);
+        return Find(deletion, block, oid) && !scanned_.HoldsId(deletion.type, oid) &&
+               !IsReplaced(deletion, block);
     }
-    bool out_of_memory() const { return scanned_.out_of_memory(); }
+    // True when another object of this name is added. Records share the name of their database.
+    bool IsReplaced(const ObjectRecord& deletion, const InfoBlock& block) {
+        return deletion.type != ObjectType::kDatabaseRecord && added_.HoldsName(block);
+    }
+    bool out_of_memory() const { return scanned_.out_of_memory() || added_.out_of_memory(); }
 
 private:
     bool Find(const ObjectRecord& deletion, const InfoBlock& block, CEOID& oid) {
@@ -111,6 +152,7 @@ private:
     const DatabaseCacheScope cache_;
     const OwnFiles own_files_;
     ScannedObjects scanned_;
+    AddedObjects added_;
 };
 
 // The key under which the scan entered the file of a difference list's key.
@@ -119,21 +161,34 @@ ObjectKey ScannedKey(ObjectKey key) {
     return key;
 }
 
-// A file whose contents alone changed has one key for both versions, and the deletion of the older
-// took the place of the newer's addition (docs/oddities.md, 11). The replay lets the addition
-// replace the older version.
+// What the scan read under the key of a deletion, in another version or because the stored one
+// could not be read to be compared with; null when there is none.
+const ObjectRecord* FindReplaced(const ObjectList::Node& deletion, const ObjectList& scanned) {
+    const bool is_file = deletion.record->type == ObjectType::kFile;
+    if (!is_file && !IsRegistryObject(*deletion.record)) {
+        return nullptr;
+    }
+    const ObjectList::Node* newer =
+        scanned.FindByKey(is_file ? ScannedKey(deletion.key) : deletion.key);
+    if (newer == nullptr || newer->record->type != deletion.record->type ||
+        (newer->record->flags & JF_MATCHED) != 0) {
+        return nullptr;
+    }
+    const bool is_same_file =
+        is_file && newer->record->content_fingerprint == deletion.record->content_fingerprint;
+    return is_same_file ? nullptr : newer->record;
+}
+
+// A file whose contents alone changed has one key for both versions, and so has a registry object
+// whose stored block cannot be read; the deletion of the older then took the place of the newer's
+// addition (docs/oddities.md, 11). The replay lets the addition replace the older version.
 void TurnIntoAdditions(ObjectList& difference, const ObjectList& scanned) {
     for (ObjectList::Node& node : difference) {
-        ObjectRecord& deletion = *node.record;
-        if (!IsDeletion(deletion) || deletion.type != ObjectType::kFile) {
-            continue;
-        }
-        const ObjectList::Node* newer = scanned.FindByKey(ScannedKey(node.key));
-        if (newer != nullptr && newer->record->type == deletion.type &&
-            (newer->record->flags & JF_MATCHED) == 0 &&
-            newer->record->content_fingerprint != deletion.content_fingerprint) {
-            deletion = *newer->record;
-            deletion.flags = JF_ADD;
+        const ObjectRecord* newer =
+            IsDeletion(*node.record) ? FindReplaced(node, scanned) : nullptr;
+        if (newer != nullptr) {
+            *node.record = *newer;
+            node.record->flags = JF_ADD;
         }
     }
 }
@@ -208,6 +263,9 @@ bool WithdrawDeletionsOfFailed(Engine& engine) {
             continue;
         }
         const bool has_name = Describe(record, descriptions.source, block);
+        if (has_name && unread.IsReplaced(record, block)) {
+            continue;
+        }
         if (unwritten.FindById(record.type, record.dwOID) != nullptr ||
             (has_name && (unwritten.FindByName(block) != nullptr || unread.Hold(record, block)))) {
             record.flags |= JF_FAILED;

@@ -114,13 +114,12 @@ TEST_F(UnattendedTest, AFullCardIsLeftAsItIs) {
 }
 
 TEST_F(UnattendedTest, AFullCardGivesUpTheOldStorageWhereTheUserAllowsIt) {
-    // The journal of so many files is what a new state has no room beside and a new storage has.
-    for (int i = 0; i < 200; ++i) {
-        device().PutFile(L"\\Many\\" + std::to_wstring(i), "x");
-    }
+    // Most of the old storage is of what is gone.
+    device().PutFile(L"\\big.txt", std::string(200000, 'b'));
     BackUp();
+    device().Remove(L"\\big.txt");
     device().PutFile(kNote, std::string(5000, 'a'));
-    device().Set("card.free", "18000");
+    device().Set("card.free", "12000");
     SetDword("MayDeleteOldStorage", 1);
     EXPECT_EQ(0, BackUp());
     EXPECT_EQ(Numbers{1}, States());

@@ -100,11 +100,14 @@ TEST_F(StorageFilesTest, ATemporaryJournalThatStaysLeavesNoNewStorage) {
     EXPECT_FALSE(device().Exists(kSav));
 }
 
-TEST_F(StorageFilesTest, AStorageFileThatCannotBeCreatedLeavesTheJournal) {
+// A stop in between must leave no old journal beside a new storage file.
+TEST_F(StorageFilesTest, AnOldJournalIsAsideBeforeTheStorageFileIsMade) {
     device().PutFile(kJournal, std::string(64, 'j'));
-    device().Fault("CreateFileW", 1, 1, ERROR_DISK_FULL);
+    device().Fault("CreateFileW", 1, 1, ERROR_DISK_FULL, "Home.sav");
     EXPECT_FALSE(CreateNewStorage());
-    EXPECT_EQ(std::string(64, 'j'), device().FileBytes(kJournal));
+    EXPECT_FALSE(device().Exists(kSav));
+    EXPECT_FALSE(device().Exists(kJournal));
+    EXPECT_EQ(std::string(64, 'j'), device().FileBytes(L"\\Backups\\Home.jrn_old"));
 }
 
 // Read and write access, others may read, made when it is not there.

@@ -43,6 +43,15 @@ TEST_F(RestoreDatabaseTest, FourSortOrdersComeBackAll) {
     EXPECT_EQ(4, InfoOf(u"People").wNumSortOrder);
 }
 
+// A description has room for four.
+TEST_F(RestoreDatabaseTest, ABlockThatTellsOfMoreThanFourSortOrdersFails) {
+    const ObjectRecord stored = StoreDatabase(
+        u"People", 1,
+        {{kName, 0}, {kNumber, 0}, {0x00050003, 0}, {0x00060003, 0}, {0x00070003, 0}});
+    EXPECT_EQ(kFailed, WriteBack(stored));
+    EXPECT_FALSE(DatabaseExists(u"People"));
+}
+
 TEST_F(RestoreDatabaseTest, AnExistingDatabaseKeepsItsRecordsAndGetsTheSortOrders) {
     const CEOID oid = MakeDatabase(L"People");
     AddRecord(L"People", L"Ann", 1);

@@ -176,7 +176,7 @@ TEST_F(JournalSaveTest, ATemporaryJournalThatCannotBeLookedIntoIsAFailedLoad) {
 
 TEST_F(JournalSaveTest, ANewStorageBeginsWithAnEmptyJournalAndKeepsTheOldOnesAside) {
     Put(kJournalTemporary, "temporary");
-    EXPECT_TRUE(BeginJournal(storage_.names));
+    EXPECT_TRUE(ClearJournalPlace(storage_.names) && CreateJournal(storage_.names));
     EXPECT_EQ(Bytes{}, Content(kJournal));
     EXPECT_EQ(records_, Content(kOld));
     EXPECT_EQ("temporary", Content(kOld2));
@@ -186,27 +186,27 @@ TEST_F(JournalSaveTest, ANewStorageBeginsWithAnEmptyJournalAndKeepsTheOldOnesAsi
 
 TEST_F(JournalSaveTest, AnEmptyJournalOfBeforeIsTakenAndNotKept) {
     Put(kJournal, "");
-    EXPECT_TRUE(BeginJournal(storage_.names));
+    EXPECT_TRUE(ClearJournalPlace(storage_.names) && CreateJournal(storage_.names));
     EXPECT_EQ(Bytes{}, Content(kJournal));
     EXPECT_FALSE(Exists(kOld));
 }
 
 TEST_F(JournalSaveTest, AMissingJournalIsMade) {
     device().Remove(Wide(kJournal));
-    EXPECT_TRUE(BeginJournal(storage_.names));
+    EXPECT_TRUE(ClearJournalPlace(storage_.names) && CreateJournal(storage_.names));
     EXPECT_EQ(Bytes{}, Content(kJournal));
     EXPECT_FALSE(Exists(kOld));
 }
 
 TEST_F(JournalSaveTest, AJournalThatIsHeldIsNoPlaceForANewOne) {
     const UniqueHandle held = Hold(kJournal);
-    EXPECT_FALSE(BeginJournal(storage_.names));
+    EXPECT_FALSE(ClearJournalPlace(storage_.names));
 }
 
 TEST_F(JournalSaveTest, ATemporaryJournalThatIsHeldIsNoPlaceForANewOne) {
     Put(kJournalTemporary, records_);
     const UniqueHandle held = Hold(kJournalTemporary);
-    EXPECT_FALSE(BeginJournal(storage_.names));
+    EXPECT_FALSE(ClearJournalPlace(storage_.names));
     EXPECT_EQ(records_, Content(kOld));
 }
 

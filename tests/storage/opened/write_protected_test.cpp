@@ -76,6 +76,28 @@ TEST_F(WriteProtectedTest, ADeviceThatWasResetIsRestoredFromAProtectedCard) {
     ExpectFilesAreAsTheyWere();
 }
 
+// A save was stopped between the deletion of the journal and the renaming, and the card protected.
+TEST_F(WriteProtectedTest, OnAProtectedCardTheTemporaryJournalIsReadWhereItLies) {
+    device().Remove(Wide(kJournal));
+    Put(kJournalTemporary, journal_);
+    Protect();
+    ASSERT_TRUE(OpenAgain());
+    EXPECT_EQ(3u, NextStateNumber(storage_.journal.get()));
+    EXPECT_TRUE(JournalIsAsLoaded(storage_));
+    EXPECT_EQ(Done(), Restore(1));
+    EXPECT_EQ("one", device().FileBytes(L"\\a.txt"));
+    EXPECT_FALSE(Exists(kJournal));
+    EXPECT_EQ(journal_, Content(kJournalTemporary));
+}
+
+TEST_F(WriteProtectedTest, OnAProtectedCardWithoutAJournalTheStorageIsOpenedWithoutStates) {
+    device().Remove(Wide(kJournal));
+    Protect();
+    ASSERT_TRUE(OpenAgain());
+    EXPECT_EQ(0u, storage_.journal->CountRecords());
+    EXPECT_TRUE(LacksItsStates(storage_));
+}
+
 TEST_F(WriteProtectedTest, ABackupWritesNothing) {
     device().PutFile(L"\\a.txt", "the third");
     Protect();

@@ -258,6 +258,29 @@ TEST_F(BackupWriterFaultTest, AFileThatWasReplacedSinceTheScanKeepsItsOlderVersi
     }
 }
 
+// The state would have two files of one name, and its restores would write now one, now the other.
+TEST_F(BackupWriterFaultTest, AReplacedFileThatWasStoredIsNotKeptInItsOlderVersionToo) {
+    const CEOID stored = OidOfPath(L"\\a.txt");
+    device().Remove(L"\\a.txt");
+    device().PutFile(L"\\a.txt", "second, longer");
+    const CEOID scanned = OidOfPath(L"\\a.txt");
+    ASSERT_EQ(1, FindDifference(engine_, 1));
+    const std::uint32_t block_of_that_name = RecordOf(*storage_.difference, stored)->propOffset;
+    // It is written, another file is not, and meanwhile it is replaced once more.
+    for (ObjectList::Node& node : *storage_.difference) {
+        ObjectRecord& record = *node.record;
+        if (record.dwOID == scanned) {
+            record.propOffset = block_of_that_name;
+        } else if ((record.flags & JF_ADD) != 0) {
+            record.flags |= JF_FAILED;
+        }
+    }
+    device().Remove(L"\\a.txt");
+    device().PutFile(L"\\a.txt", "third");
+    ASSERT_TRUE(WithdrawDeletionsOfFailed(engine_));
+    EXPECT_EQ(JF_DELETE, RecordOf(*storage_.difference, stored)->flags);
+}
+
 TEST_F(BackupWriterFaultTest, WhatIsGoneStaysGoneThoughSomethingElseFailed) {
     device().Remove(L"\\a.txt");
     Fail("WriteFile", 2, ERROR_WRITE_FAULT);

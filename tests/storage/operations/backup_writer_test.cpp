@@ -163,6 +163,8 @@ TEST_F(BackupWriterTest, BehindTheLastStateNumberTheStorageFileIsFullAndTheLogSa
     EXPECT_TRUE(backup_.storage_is_full);
     EXPECT_EQ(kHead, Content(kSav).size());
     EXPECT_EQ((Lines{"E DoBackup: The storage file has no number for another state"}), LogLines());
+    ASSERT_EQ(Done(), Backup(0xFFFF));
+    EXPECT_EQ(Done(ResultCode::kNoDifference), Backup(0x10000));
 }
 
 TEST_F(BackupWriterTest, TheLastStateNumberIsUsed) {
