@@ -34,12 +34,15 @@ void LeftOut::Add(ObjectType type, std::u16string_view name) {
 }
 
 void LeftOut::MarkKept(ObjectType type, std::u16string_view name) {
-    Entry* entry = index_.Find(HashOf(type, name), [type, name](const Entry& present) {
-        return present.type == type && EqualIgnoringCase(present.name, name);
-    });
-    if (entry != nullptr) {
+    if (Entry* entry = Find(type, name)) {
         entry->is_kept = true;
     }
+}
+
+LeftOut::Entry* LeftOut::Find(ObjectType type, std::u16string_view name) const {
+    return index_.Find(HashOf(type, name), [type, name](const Entry& present) {
+        return present.type == type && EqualIgnoringCase(present.name, name);
+    });
 }
 
 void LeftOut::Clear() {

@@ -28,6 +28,10 @@ public:
 
     // Enters an object. Without memory it is missing.
     void Add(ObjectType type, std::u16string_view name);
+    // Whether the object is in, whatever the case of the letters.
+    bool Contains(ObjectType type, std::u16string_view name) const {
+        return Find(type, name) != nullptr;
+    }
     // Marks the object, whatever the case of the letters, if it is in.
     void MarkKept(ObjectType type, std::u16string_view name);
     // In the order of the scan; null when there is none.
@@ -35,6 +39,8 @@ public:
     void Clear();
 
 private:
+    Entry* Find(ObjectType type, std::u16string_view name) const;
+
     Entry* first_ = nullptr;
     Entry* last_ = nullptr;
     HashIndex<Entry> index_;

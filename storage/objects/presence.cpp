@@ -1,7 +1,5 @@
 #include "storage/objects/presence.h"
 
-#include <algorithm>
-#include <iterator>
 #include <string_view>
 
 #include "platform/registry_key.h"
@@ -13,16 +11,6 @@ namespace {
 
 constexpr DWORD kInRom = FILE_ATTRIBUTE_INROM | FILE_ATTRIBUTE_ROMMODULE;
 constexpr DWORD kMountedCard = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_TEMPORARY;
-
-// Errors that say nothing of the object itself: it counts as there then.
-constexpr DWORD kTellsNothing[] = {ERROR_ACCESS_DENIED,     ERROR_NOT_ENOUGH_MEMORY,
-                                   ERROR_OUTOFMEMORY,       ERROR_NOT_READY,
-                                   ERROR_SHARING_VIOLATION, ERROR_LOCK_VIOLATION};
-
-bool TellsNothing(DWORD error) {
-    return std::find(std::begin(kTellsNothing), std::end(kTellsNothing), error) !=
-           std::end(kTellsNothing);
-}
 
 bool Find(const char16_t* path, WIN32_FIND_DATAW& found) {
     return static_cast<bool>(UniqueFind(::FindFirstFileW(Wide(path), &found)));
@@ -70,10 +58,8 @@ bool IsExcludedPath(const InfoBlock& block, const StorageFileNames& storage_file
 
 bool IsFileOnDevice(const InfoBlock& block, const StorageFileNames& storage_files, CEOID& oid) {
     WIN32_FIND_DATAW found{};
-    if (!Find(block.name(), found)) {
-        return TellsNothing(::GetLastError()) && !IsExcludedPath(block, storage_files);
-    }
-    if ((found.dwFileAttributes & kInRom) != 0 || IsMountedCard(found)) {
+    if (!Find(block.name(), found) || (found.dwFileAttributes & kInRom) != 0 ||
+        IsMountedCard(found)) {
         return false;
     }
     oid = found.dwOID;
@@ -82,30 +68,19 @@ bool IsFileOnDevice(const InfoBlock& block, const StorageFileNames& storage_file
     return other_kind == 0 && !IsExcludedPath(block, storage_files) && !IsOnCard(block);
 }
 
-bool IsThere(LONG status) {
-    return status == ERROR_SUCCESS || TellsNothing(static_cast<DWORD>(status));
-}
-
-LONG OpenKeyAt(std::uint32_t hive, const char16_t* key_path, UniqueHkey& key) {
-    return ::RegOpenKeyExW(RootKey(hive), Wide(key_path), 0, 0, key.Put());
-}
-
 bool IsKeyOnDevice(const InfoBlock& block) {
     const std::uint32_t hive = block.head().hive;
-    UniqueHkey key;
-    return IsThere(OpenKeyAt(hive, block.name(), key)) &&
+    return OpenKey(RootKey(hive), Wide(block.name())) &&
            !IsExcludedRegistryObject(hive, block.name(), nullptr);
 }
 
 bool IsValueOnDevice(const InfoBlock& block) {
     const std::uint32_t hive = block.head().hive;
     return AnySplit(block, kNameSeparator, [hive](const char16_t* key_path, const char16_t* name) {
-        UniqueHkey key;
-        LONG status = OpenKeyAt(hive, key_path, key);
-        if (status == ERROR_SUCCESS) {
-            status = ::RegQueryValueExW(key.get(), Wide(name), nullptr, nullptr, nullptr, nullptr);
-        }
-        return IsThere(status) && !IsExcludedRegistryObject(hive, key_path, name);
+        const UniqueHkey key = OpenKey(RootKey(hive), Wide(key_path));
+        return key && !IsExcludedRegistryObject(hive, key_path, name) &&
+               ::RegQueryValueExW(key.get(), Wide(name), nullptr, nullptr, nullptr, nullptr) ==
+                   ERROR_SUCCESS;
     });
 }
 
@@ -116,7 +91,7 @@ bool IsInDatabase(DatabaseLayer& databases, const char16_t* name, CEOID record_o
     }
     const HANDLE database = databases.OpenDatabaseCached(oid, name, 0, 0, nullptr);
     if (database == INVALID_HANDLE_VALUE) {
-        return TellsNothing(::GetLastError());
+        return false;
     }
     if (record_oid != 0) {
         oid = databases.SeekRecord(database, CEDB_SEEK_CEOID, record_oid);

@@ -11,8 +11,7 @@
 namespace tolvenar {
 
 // Asks the device for an object of the same kind and name as the stored one of `block`; of a
-// database record for its id. What the device cannot answer, for lack of memory say, counts as
-// there. False for what no state is to hold: what the exclusion rules name, is
+// database record for its id. False for what no state is to hold: what the exclusion rules name, is
 // in ROM, or is a mounted card or on one. `oid` receives the object-store id of what is there, 0
 // for registry objects. Databases are opened through the cache, which the caller closes.
 bool IsOnDevice(DatabaseLayer& databases, const StorageFileNames& storage_files,

@@ -125,6 +125,7 @@ public:
         : databases_(engine.databases),
           cache_(engine.databases),
           own_files_(engine.storage.names),
+          left_out_(engine.storage.left_out),
           scanned_(*engine.storage.newer, info),
           added_(*engine.storage.difference, info) {}
 
@@ -132,6 +133,12 @@ public:
         if (IsRegistryObject(deletion)) {
             CEOID none = 0;
             return !scanned_.HoldsName(block) && Find(deletion, block, none);
+        }
+        // The scan met the database: whether it opens by now or not, it is there with its records.
+        const bool is_of_database =
+            deletion.type == ObjectType::kDatabase || deletion.type == ObjectType::kDatabaseRecord;
+        if (is_of_database && left_out_.Contains(ObjectType::kDatabase, block.name())) {
+            return true;
         }
         CEOID oid = 0;
         return Find(deletion, block, oid) && !scanned_.HoldsId(deletion.type, oid) &&
@@ -151,6 +158,7 @@ private:
     DatabaseLayer& databases_;
     const DatabaseCacheScope cache_;
     const OwnFiles own_files_;
+    const LeftOut& left_out_;
     ScannedObjects scanned_;
     AddedObjects added_;
 };
