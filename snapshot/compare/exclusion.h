@@ -11,6 +11,8 @@ constexpr std::uint32_t kHiveClassesRoot = 0x80000000;
 constexpr std::uint32_t kHiveCurrentUser = 0x80000001;
 constexpr std::uint32_t kHiveLocalMachine = 0x80000002;
 constexpr std::uint32_t kHiveUsers = 0x80000003;
+// A damaged block may name any root.
+constexpr bool IsHive(std::uint32_t root) { return root >= kHiveClassesRoot && root <= kHiveUsers; }
 
 enum class ExclusionKind { kRegistryValue = 1, kRegistryKey = 3, kFile = 16 };
 

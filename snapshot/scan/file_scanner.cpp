@@ -4,6 +4,7 @@
 #include <new>
 #include <string_view>
 
+#include "platform/file_entry.h"
 #include "platform/file_mapping.h"
 #include "platform/text.h"
 #include "snapshot/records/checksum.h"
@@ -12,21 +13,12 @@
 namespace tolvenar {
 namespace {
 
-constexpr DWORD kMountedCard = FILE_ATTRIBUTE_TEMPORARY;
-constexpr DWORD kInRom = FILE_ATTRIBUTE_INROM | FILE_ATTRIBUTE_ROMMODULE;
 constexpr std::u16string_view kAllEntries = u"\\*.*";
 // The same behind a path that leaves no room for the longer one.
 constexpr std::u16string_view kAllEntriesShort = u"\\*";
 
 constexpr std::uint16_t kFolderFingerprint = 0;
 constexpr std::uint16_t kEmptyFileFingerprint = 0xFFFF;
-
-bool IsFolder(const WIN32_FIND_DATAW& entry) {
-    return (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-}
-bool IsMountedCard(const WIN32_FIND_DATAW& entry) {
-    return IsFolder(entry) && (entry.dwFileAttributes & kMountedCard) != 0;
-}
 
 // What all levels of one walk share, so that a level costs little of a device's stack.
 class Walk {
@@ -128,7 +120,7 @@ bool FingerprintOf(const char16_t* path, const WIN32_FIND_DATAW& entry,
 // that is being written.
 bool IsPassedOver(const FileScan& scan, const char16_t* folder_path,
                   const WIN32_FIND_DATAW& entry) {
-    return entry.dwOID == 0 || (entry.dwFileAttributes & kInRom) != 0 || IsMountedCard(entry) ||
+    return entry.dwOID == 0 || IsInRom(entry.dwFileAttributes) || IsMountedCard(entry) ||
            IsExcluded(ExclusionKind::kFile, folder_path, Utf16(entry.cFileName),
                       &scan.storage_files);
 }

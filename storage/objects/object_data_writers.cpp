@@ -9,6 +9,7 @@
 #include "platform/text.h"
 #include "snapshot/records/checksum.h"
 #include "storage/format/property_encoding.h"
+#include "storage/objects/stored_record.h"
 
 namespace tolvenar {
 namespace {
@@ -47,22 +48,10 @@ bool BackupSortOrders(const DataWriter& writer, StoredData& data) {
     return Append(writer, sort_specs, data);
 }
 
-bool ReadRecord(const DataWriter& writer, RecordBuffer& record) {
-    DatabaseLayer& databases = writer.databases;
-    CEOID database_oid = 0;
-    const UniqueHandle database(
-        databases.OpenDatabase(database_oid, writer.block.name(), 0, 0, nullptr));
-    if (!database || databases.SeekRecord(database.get(), CEDB_SEEK_CEOID, writer.oid) == 0) {
-        return false;
-    }
-    // A record without properties may read as "no data".
-    return databases.ReadRecordProps(database.get(), record) != 0 ||
-           ::GetLastError() == ERROR_NO_DATA;
-}
-
 bool BackupRecordProperties(const DataWriter& writer, StoredData& data) {
     RecordBuffer record;
-    if (!ReadRecord(writer, record) || record.count() != writer.block.head().property_count) {
+    if (!ReadRecordOf(writer.databases, writer.block.name(), writer.oid, record) ||
+        record.count() != writer.block.head().property_count) {
         return false;
     }
     if (record.count() == 0) {

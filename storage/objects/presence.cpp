@@ -2,23 +2,13 @@
 
 #include <string_view>
 
+#include "platform/file_entry.h"
 #include "platform/registry_key.h"
 #include "platform/text.h"
 #include "snapshot/records/registry_objects.h"
 
 namespace tolvenar {
 namespace {
-
-constexpr DWORD kInRom = FILE_ATTRIBUTE_INROM | FILE_ATTRIBUTE_ROMMODULE;
-constexpr DWORD kMountedCard = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_TEMPORARY;
-
-bool Find(const char16_t* path, WIN32_FIND_DATAW& found) {
-    return static_cast<bool>(UniqueFind(::FindFirstFileW(Wide(path), &found)));
-}
-
-bool IsMountedCard(const WIN32_FIND_DATAW& entry) {
-    return (entry.dwFileAttributes & kMountedCard) == kMountedCard;
-}
 
 // Calls `is_sought` with what is before and behind each `separator` of the block's name, each with
 // a terminator, until it answers true.
@@ -41,7 +31,7 @@ bool AnySplit(const InfoBlock& block, char16_t separator, Predicate is_sought) {
 bool IsOnCard(const InfoBlock& block) {
     return AnySplit(block, u'\\', [](const char16_t* folder, const char16_t*) {
         WIN32_FIND_DATAW found{};
-        return *folder != 0 && Find(folder, found) && IsMountedCard(found);
+        return *folder != 0 && FindEntry(folder, found) && IsMountedCard(found);
     });
 }
 
@@ -58,7 +48,7 @@ bool IsExcludedPath(const InfoBlock& block, const StorageFileNames& storage_file
 
 bool IsFileOnDevice(const InfoBlock& block, const StorageFileNames& storage_files, CEOID& oid) {
     WIN32_FIND_DATAW found{};
-    if (!Find(block.name(), found) || (found.dwFileAttributes & kInRom) != 0 ||
+    if (!FindEntry(block.name(), found) || IsInRom(found.dwFileAttributes) ||
         IsMountedCard(found)) {
         return false;
     }
@@ -99,8 +89,6 @@ bool IsInDatabase(DatabaseLayer& databases, const char16_t* name, CEOID record_o
     databases.CloseDatabaseCached(database);
     return oid != 0;
 }
-
-bool IsHive(std::uint32_t root) { return root >= kHiveClassesRoot && root <= kHiveUsers; }
 
 }  // namespace
 

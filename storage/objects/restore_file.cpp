@@ -1,5 +1,6 @@
 #include "storage/objects/restore_file.h"
 
+#include "platform/file_entry.h"
 #include "platform/text.h"
 #include "platform/unique_resource.h"
 #include "snapshot/text/log.h"
@@ -8,17 +9,12 @@
 namespace tolvenar {
 namespace {
 
-constexpr DWORD kInRom = FILE_ATTRIBUTE_INROM | FILE_ATTRIBUTE_ROMMODULE;
 // A damaged block must not ask CreateFileW for more than attributes.
 constexpr DWORD kAttributeBits = 0xFFFF;
 
-bool Find(const char16_t* path, WIN32_FIND_DATAW& found) {
-    return static_cast<bool>(UniqueFind(::FindFirstFileW(Wide(path), &found)));
-}
-
 CEOID ObjectIdOf(const char16_t* path) {
     WIN32_FIND_DATAW found{};
-    return Find(path, found) ? found.dwOID : 0;
+    return FindEntry(path, found) ? found.dwOID : 0;
 }
 
 DWORD AttributesOf(const InfoBlock& block) { return block.head().attributes & kAttributeBits; }
@@ -56,7 +52,7 @@ void LogWriteFailure() {
 
 RestoreOutcome WriteFileBack(const StorageMapping& storage, std::uint32_t data_offset,
                              const InfoBlock& block, CEOID& newOid) {
-    if ((block.head().attributes & kInRom) != 0) {
+    if (IsInRom(block.head().attributes)) {
         return RestoreOutcome::kDone;
     }
     const wchar_t* path = Wide(block.name());
@@ -100,7 +96,7 @@ RestoreOutcome RestoreFileObject(const StorageMapping& storage, std::uint32_t da
 
 int StillExists(const char16_t* path) {
     WIN32_FIND_DATAW found{};
-    return Find(path, found) && (found.dwFileAttributes & kInRom) == 0 ? 1 : 0;
+    return FindEntry(path, found) && !IsInRom(found.dwFileAttributes) ? 1 : 0;
 }
 
 }  // namespace tolvenar

@@ -9,8 +9,6 @@
 namespace tolvenar {
 namespace {
 
-bool IsHive(std::uint32_t root) { return root >= kHiveClassesRoot && root <= kHiveUsers; }
-
 RestoreOutcome Outcome(LONG status) {
     return status == ERROR_SUCCESS ? RestoreOutcome::kDone : RestoreOutcome::kFailed;
 }

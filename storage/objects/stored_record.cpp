@@ -4,14 +4,17 @@
 #include "storage/format/property_encoding.h"
 
 namespace tolvenar {
-namespace {
 
-// A record without properties reads as "no data".
-bool ReadRecord(DatabaseLayer& databases, HANDLE database, RecordBuffer& buffer) {
-    return databases.ReadRecordProps(database, buffer) != 0 || ::GetLastError() == ERROR_NO_DATA;
+bool ReadRecordOf(DatabaseLayer& databases, const char16_t* database_name, CEOID oid,
+                  RecordBuffer& buffer) {
+    CEOID database_oid = 0;
+    const UniqueHandle database(databases.OpenDatabase(database_oid, database_name, 0, 0, nullptr));
+    if (!database || databases.SeekRecord(database.get(), CEDB_SEEK_CEOID, oid) == 0) {
+        return false;
+    }
+    return databases.ReadRecordProps(database.get(), buffer) != 0 ||
+           ::GetLastError() == ERROR_NO_DATA;
 }
-
-}  // namespace
 
 std::uint16_t FingerprintOfProperties(void* properties, DWORD buffer_bytes, WORD count) {
     const auto base = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(properties));
@@ -24,13 +27,9 @@ std::uint16_t FingerprintOfProperties(void* properties, DWORD buffer_bytes, WORD
 }
 
 bool IsStoredRecord(DatabaseLayer& databases, const InfoBlock& block, const ObjectRecord& record) {
-    CEOID database_oid = 0;
-    // A handle of its own: the place in the one that the restore writes through stays.
-    const UniqueHandle database(databases.OpenDatabase(database_oid, block.name(), 0, 0, nullptr));
+    // The place in the handle that the restore writes through stays.
     RecordBuffer buffer;
-    if (!database || record.dwOID == 0 ||
-        databases.SeekRecord(database.get(), CEDB_SEEK_CEOID, record.dwOID) == 0 ||
-        !ReadRecord(databases, database.get(), buffer)) {
+    if (record.dwOID == 0 || !ReadRecordOf(databases, block.name(), record.dwOID, buffer)) {
         return false;
     }
     const DWORD bytes = buffer.count() == 0 ? 0 : buffer.size();

@@ -6,6 +6,12 @@
 
 namespace tolvenar {
 
+// Reads the properties of the record `oid` of the database of that name, through a handle of its
+// own. False when there is no such database or record. A record without properties may read as "no
+// data".
+bool ReadRecordOf(DatabaseLayer& databases, const char16_t* database_name, CEOID oid,
+                  RecordBuffer& buffer);
+
 // The content fingerprint of a record's properties as the device hands them out; strings and blobs
 // in the buffer are turned into offsets. 0 for a record without properties and for damaged ones.
 std::uint16_t FingerprintOfProperties(void* properties, DWORD buffer_bytes, WORD count);

@@ -132,7 +132,8 @@ bool RunBackup(Engine& engine, std::uint32_t state_number, const char16_t* descr
     return SaveJournal(engine, keep_journal_closed, result);
 }
 
-void LogFailedItem(Engine& engine, const ObjectRecord& record) {
+// An item that could not be written is described once, for the log and for what is in it.
+void NoteFailedItem(Engine& engine, const ObjectRecord& record, LostContainers& lost) {
     TextBuffer<kFailureTextUnits> text;
     InfoBlock block;
     if (engine.info.GetOIDInfo(record.TolvOID, record.dwOID, block)) {
@@ -140,18 +141,14 @@ void LogFailedItem(Engine& engine, const ObjectRecord& record) {
         text.Append(u", TolvOID = ").AppendHex(record.TolvOID);
         text.Append(u"\r\nObj Name: ").Append(block.name());
         text.Append(u"\r\nObj Type: ").AppendHex(block.head().type);
+        if (!lost.Contain(block)) {
+            lost.Add(block);
+        }
     } else {
         text.Append(u"unavailable info from dwOID = ").AppendHex(record.dwOID);
         text.Append(u", TolvOID = ").AppendHex(record.TolvOID);
     }
     LogMessage(text.text(), u"backup item failed", kLogError);
-}
-
-void NoteLost(Engine& engine, const ObjectRecord& record, LostContainers& lost) {
-    InfoBlock block;
-    if (engine.info.GetOIDInfo(record.TolvOID, record.dwOID, block) && !lost.Contain(block)) {
-        lost.Add(block);
-    }
 }
 
 // True for an addition in a container that could not be written. The scan meets a container before
@@ -185,8 +182,7 @@ int BackupItems(Engine& engine, StorageAppender& storage, ObjectList& list,
         const bool is_stored = !IsLost(engine, record, lost) && BackupItem(engine, storage, record);
         if (!is_stored) {
             record.flags |= JF_FAILED;
-            LogFailedItem(engine, record);
-            NoteLost(engine, record, lost);
+            NoteFailedItem(engine, record, lost);
             ++failed_count;
         }
         if (!is_stored && record.type == ObjectType::kState) {
