@@ -4,6 +4,7 @@
 #include "app/operations/messages.h"
 #include "app/operations/operation_drivers.h"
 #include "app/operations/requests.h"
+#include "app/operations/restore_prompts.h"
 #include "app/operations/window_messages.h"
 #include "platform/text.h"
 #include "res/resource.h"
@@ -27,18 +28,21 @@ void BackUp(Application& app, const char16_t* description) {
     }
 }
 
-ResultCode RestoreSelected(Application& app, std::int32_t state_number) {
-    return state_number == kNoState
-               ? ResultCode::kNoSpace
-               : RunStateRestore(app, static_cast<std::uint32_t>(state_number));
+RestoreResult RestoreSelected(Application& app, std::int32_t state_number,
+                              RestorePrompts& prompts) {
+    if (state_number == kNoState) {
+        return {ResultCode::kNoSpace};
+    }
+    return RunStateRestore(app, static_cast<std::uint32_t>(state_number), &prompts);
 }
 
-ResultCode Restore(Application& app, const OperationRequest& request) {
+RestoreResult Restore(Application& app, const OperationRequest& request) {
+    RestorePrompts prompts(app);
     switch (request.button) {
-        case IDC_RESTORE: return RestoreSelected(app, request.state_number);
-        case IDC_APPLY_CHANGES: return RunDifferenceRestore(app, true);
-        case IDC_TAKE_BACK_CHANGES: return RunDifferenceRestore(app, false);
-        default: return ResultCode::kNotStarted;
+        case IDC_RESTORE: return RestoreSelected(app, request.state_number, prompts);
+        case IDC_APPLY_CHANGES: return RunDifferenceRestore(app, true, &prompts);
+        case IDC_TAKE_BACK_CHANGES: return RunDifferenceRestore(app, false, &prompts);
+        default: return {ResultCode::kNotStarted};
     }
 }
 
@@ -71,16 +75,16 @@ void RunInteractiveRestore(Application& app, int button) {
         return;
     }
     app.popup.Show(app.main_dialog, kRestoreTitle, kRestoreSteps);
-    const ResultCode result = Restore(app, request);
+    const RestoreResult result = Restore(app, request);
     app.popup.CloseAndWait();
-    if (LeavesNoDifferences(result)) {
+    if (LeavesNoDifferences(result.code)) {
         app.storage.difference.reset();
     }
     app.gate.ReleaseLists();
     ReportInteractiveRestore(app.main_dialog, result);
-    ::SendMessageW(app.main_dialog, WM_RESTORE_ENDED, result == ResultCode::kFailed, 0);
+    ::SendMessageW(app.main_dialog, WM_RESTORE_ENDED, result.code == ResultCode::kFailed, 0);
     ::SendMessageW(app.main_dialog, WM_STATES_CHANGED, 0, 0);
-    if (result == ResultCode::kSuccess) {
+    if (result.code == ResultCode::kSuccess) {
         ConfirmThenEnd(app);
     }
     app.gate.End();

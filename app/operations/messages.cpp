@@ -90,6 +90,13 @@ void ShowSpaceMessage(const ReportContext& context) {
     ShowMessage(context.owner, text, MB_ICONERROR);
 }
 
+void ShowDamageMessage(HWND owner) {
+    ShowMessage(owner,
+                L"Restore Fail. The storage is damaged: some items were left as they are. The log "
+                L"names them.",
+                MB_ICONWARNING);
+}
+
 }  // namespace
 
 int ShowMessage(HWND owner, const wchar_t* text, UINT style) {
@@ -114,14 +121,18 @@ bool ReportBackup(ResultCode result, const ReportContext& context) {
     return message == nullptr && !is_space && !is_memory;
 }
 
-bool ReportRestore(HWND owner, ResultCode result) {
-    if (result == ResultCode::kSuccess) {
+bool ReportRestore(HWND owner, const RestoreResult& result) {
+    if (result.code == ResultCode::kSuccess) {
         return true;
     }
-    if (result == ResultCode::kNoMemory) {
+    if (result.code == ResultCode::kNoMemory) {
         ShowRestoreMemoryMessage(owner);
     }
-    const ResultMessage* message = Find(kRestoreMessages, result);
+    if (result.code == ResultCode::kFailed && result.is_damaged) {
+        ShowDamageMessage(owner);
+        return false;
+    }
+    const ResultMessage* message = Find(kRestoreMessages, result.code);
     if (message == nullptr) {
         return false;
     }
@@ -129,8 +140,9 @@ bool ReportRestore(HWND owner, ResultCode result) {
     return message->counts_as_success;
 }
 
-void ReportInteractiveRestore(HWND owner, ResultCode result) {
-    if (result != ResultCode::kFailed && result != ResultCode::kNotStarted) {
+void ReportInteractiveRestore(HWND owner, const RestoreResult& result) {
+    const bool is_shown_in_tree = result.code == ResultCode::kFailed && !result.is_damaged;
+    if (!is_shown_in_tree && result.code != ResultCode::kNotStarted) {
         ReportRestore(owner, result);
     }
 }

@@ -6,7 +6,7 @@
 #include <cstdint>
 
 #include "storage/format/storage_header.h"
-#include "storage/operations/result_code.h"
+#include "storage/operations/restore_result.h"
 
 namespace tolvenar {
 
@@ -26,11 +26,12 @@ struct ReportContext {
 bool ReportBackup(ResultCode result, const ReportContext& context);
 
 // The same for an unattended restore; one that found nothing to do counts as success.
-bool ReportRestore(HWND owner, ResultCode result);
+bool ReportRestore(HWND owner, const RestoreResult& result);
 
 // The same for one that was asked for in the dialog. Items that could not be restored are shown in
-// the tree instead; what could not be started or compared says nothing (docs/oddities.md, 23).
-void ReportInteractiveRestore(HWND owner, ResultCode result);
+// the tree instead, after a message when the storage is damaged; what could not be started or
+// compared says nothing (docs/oddities.md, 23).
+void ReportInteractiveRestore(HWND owner, const RestoreResult& result);
 
 // Why a storage file could not be opened, without an owner; some results say nothing.
 void TellWhyNotOpened(OpenStorageResult result);

@@ -133,44 +133,46 @@ bool BackupDriver(Application& app, std::uint32_t state_number, const wchar_t* d
     return ReportBackup(result.code, context);
 }
 
-ResultCode RunStateRestore(Application& app, std::uint32_t state_number) {
+RestoreResult RunStateRestore(Application& app, std::uint32_t state_number,
+                              RestoreQuestions* questions) {
     if (!StorageIsReady(app)) {
-        return ResultCode::kJournalUnreadable;
+        return {ResultCode::kJournalUnreadable};
     }
     std::uint32_t available = 0;
     if (!MemoryCheck(available)) {
-        return ResultCode::kNoMemory;
+        return {ResultCode::kNoMemory};
     }
-    ResultCode result = ResultCode::kNotStarted;
+    RestoreResult result{ResultCode::kNotStarted};
     if (app.installationMissing || SuspendAutoBackup(app.schedule)) {
-        DoRestore(app.engine, state_number, result);
+        DoRestore(app.engine, state_number, questions, result);
         if (app.installationMissing) {
             app.settings.onTime = app.settings.onBattery = 0;
         }
     }
     // Whatever happened. Without an installation nothing was saved, so this writes zeros.
     ResumeAutoBackup(app.schedule);
-    KeepStatus(app, result);
+    KeepStatus(app, result.code);
     return result;
 }
 
-ResultCode RunDifferenceRestore(Application& app, bool invert_first) {
+RestoreResult RunDifferenceRestore(Application& app, bool invert_first,
+                                   RestoreQuestions* questions) {
     if (!StorageIsReady(app)) {
-        return ResultCode::kJournalUnreadable;
+        return {ResultCode::kJournalUnreadable};
     }
     const ObjectList* difference = app.storage.difference.get();
     if (difference == nullptr || difference->CountRecords() == 0) {
-        return ResultCode::kNoDifference;
+        return {ResultCode::kNoDifference};
     }
-    ResultCode result = ResultCode::kNotStarted;
-    DoAdvancedRestore(app.engine, invert_first, result);
-    KeepStatus(app, result);
+    RestoreResult result{ResultCode::kNotStarted};
+    DoAdvancedRestore(app.engine, invert_first, questions, result);
+    KeepStatus(app, result.code);
     return result;
 }
 
 bool RestoreDriver(Application& app, std::uint32_t state_number) {
     app.popup.Show(app.main_dialog, kRestoreTitle, kRestoreSteps);
-    const ResultCode result = RunStateRestore(app, state_number);
+    const RestoreResult result = RunStateRestore(app, state_number, nullptr);
     app.popup.CloseAndWait();
     return ReportRestore(app.main_dialog, result);
 }

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "app/operations/application.h"
-#include "storage/operations/result_code.h"
+#include "storage/operations/restore_result.h"
 
 namespace tolvenar {
 
@@ -21,13 +21,15 @@ bool BackupDriver(Application& app, std::uint32_t state_number, const wchar_t* d
                   bool automatic);
 
 // The road that an interactive and an unattended restore share: memory check, schedule off,
-// restore, schedule on. Shows nothing.
-ResultCode RunStateRestore(Application& app, std::uint32_t state_number);
+// restore, schedule on. Shows nothing but what `questions` asks; null asks nothing.
+RestoreResult RunStateRestore(Application& app, std::uint32_t state_number,
+                              RestoreQuestions* questions);
 
 // Restores the difference list that the page prepared or a restore left over, its sense reversed
-// first with `invert_first`. Memory and schedule are left alone (docs/oddities.md, 24). Shows
-// nothing.
-ResultCode RunDifferenceRestore(Application& app, bool invert_first);
+// first with `invert_first`. Memory and schedule are left alone (docs/oddities.md, 24). Shows what
+// `questions` asks.
+RestoreResult RunDifferenceRestore(Application& app, bool invert_first,
+                                   RestoreQuestions* questions);
 
 // Restores a state and tells the user of the result. True when the device is as the state has it.
 bool RestoreDriver(Application& app, std::uint32_t state_number);

@@ -155,6 +155,13 @@ bool IsExcluded(ExclusionKind kind, const char16_t* path, const char16_t* name,
     return AnyRow(kMachineValueRules, kHiveLocalMachine, path, name);
 }
 
+bool IsStoragesOwn(const char16_t* path, const StorageFileNames& storage_files) {
+    const Text whole(path);
+    const std::size_t backslash = whole.rfind(u'\\');
+    return backslash != Text::npos &&
+           IsStorageFile(Text(path, backslash), Text(path + backslash + 1), storage_files);
+}
+
 bool IsExcludedValue(std::uint32_t hive, const char16_t* key_path, const char16_t* value_name) {
     if (hive == 0 || key_path == nullptr || value_name == nullptr) {
         return false;

@@ -29,6 +29,9 @@ constexpr std::size_t kJournalName = 1;
 // kinds are asked for HKEY_LOCAL_MACHINE only and need no storage names.
 bool IsExcluded(ExclusionKind kind, const char16_t* path, const char16_t* name,
                 const StorageFileNames* storage_files);
+// True for the storage's files and its log, whatever their letters' case; `path` is the file's.
+bool IsStoragesOwn(const char16_t* path, const StorageFileNames& storage_files);
+
 // The rules for values of any hive; false when an argument is absent.
 bool IsExcludedValue(std::uint32_t hive, const char16_t* key_path, const char16_t* value_name);
 // All rules for a key, whose value name is null, or a value.

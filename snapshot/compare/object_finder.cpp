@@ -2,28 +2,14 @@
 
 #include <new>
 
+#include "snapshot/compare/object_name.h"
 #include "snapshot/compare/record_info.h"
-#include "snapshot/records/name_hash.h"
-#include "snapshot/text/letter_case.h"
 
 namespace tolvenar {
 namespace {
 
-std::uint32_t HiveOf(const InfoBlock& block) {
-    return IsRegistryType(block.type()) ? block.head().hive : 0;
-}
-
-std::uint32_t HashOf(const InfoBlock& block) {
-    return HashOfName(MixBits(HiveOf(block), static_cast<std::uint32_t>(block.type())),
-                      block.name());
-}
-
 std::uint32_t HashOf(ObjectType type, std::uint32_t dwOID) {
     return MixBits(static_cast<std::uint32_t>(type), dwOID);
-}
-
-bool SameName(const InfoBlock& a, const InfoBlock& b) {
-    return a.type() == b.type() && HiveOf(a) == HiveOf(b) && EqualIgnoringCase(a.name(), b.name());
 }
 
 }  // namespace
@@ -38,7 +24,7 @@ bool ObjectFinder::AddByName(ObjectRecord& record) {
     if (!FetchInfo(record, info_, block)) {
         return false;
     }
-    Enter(record, HashOf(block), names_);
+    Enter(record, HashOfObject(block), names_);
     return true;
 }
 
@@ -49,11 +35,11 @@ void ObjectFinder::AddById(ObjectRecord& record) {
 }
 
 ObjectRecord* ObjectFinder::FindByName(const InfoBlock& block) const {
-    const std::uint32_t hash = HashOf(block);
+    const std::uint32_t hash = HashOfObject(block);
     const Entry* entry = names_.Find(hash, [this, hash, &block](const Entry& present) {
         InfoBlock described;
         return present.hash == hash && FetchInfo(*present.record, info_, described) &&
-               SameName(described, block);
+               IsOneObject(described, block);
     });
     return entry == nullptr ? nullptr : entry->record;
 }

@@ -104,6 +104,32 @@ bool LocateValue(const PropertyBuffer& buffer, const StoredProperty& property, s
     }
 }
 
+// The same with all of the value, of the types that a checksum does not look at, too.
+bool LocateWholeValue(const PropertyBuffer& buffer, const StoredProperty& property,
+                      std::size_t index, std::size_t& offset, std::size_t& value_bytes) {
+    if (!LocateValue(buffer, property, index, offset, value_bytes)) {
+        return false;
+    }
+    const PropertyType type = TypeOf(property);
+    if (value_bytes == 0 && type != kPropertyString && type != kPropertyBlob) {
+        value_bytes = type == kPropertyBool ? 4 : 8;
+    }
+    return true;
+}
+
+bool SameProperty(const PropertyBuffer& a, const PropertyBuffer& b, std::size_t index) {
+    const StoredProperty property_a = a.At(index);
+    const StoredProperty property_b = b.At(index);
+    std::size_t offset_a = 0;
+    std::size_t offset_b = 0;
+    std::size_t bytes_a = 0;
+    std::size_t bytes_b = 0;
+    return property_a.propid == property_b.propid && property_a.flags == property_b.flags &&
+           LocateWholeValue(a, property_a, index, offset_a, bytes_a) &&
+           LocateWholeValue(b, property_b, index, offset_b, bytes_b) && bytes_a == bytes_b &&
+           std::memcmp(a.bytes + offset_a, b.bytes + offset_b, bytes_a) == 0;
+}
+
 }  // namespace
 
 bool PointersToOffsets(void* buffer, std::size_t buffer_bytes, std::size_t count,
@@ -135,6 +161,20 @@ bool ChecksumOfProperties(const void* bytes, std::size_t buffer_bytes, std::size
         sum = Checksum16(buffer.bytes + offset, value_bytes, sum);
     }
     checksum = sum;
+    return true;
+}
+
+bool SameProperties(const void* a, const void* b, std::size_t buffer_bytes, std::size_t count) {
+    const PropertyBuffer buffer_a{static_cast<const std::uint8_t*>(a), buffer_bytes};
+    const PropertyBuffer buffer_b{static_cast<const std::uint8_t*>(b), buffer_bytes};
+    if (!buffer_a.HoldsArray(count)) {
+        return false;
+    }
+    for (std::size_t i = 0; i < count; ++i) {
+        if (!SameProperty(buffer_a, buffer_b, i)) {
+            return false;
+        }
+    }
     return true;
 }
 

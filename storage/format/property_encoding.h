@@ -46,4 +46,9 @@ bool OffsetsToPointers(void* buffer, std::size_t buffer_bytes, std::size_t count
 bool ChecksumOfProperties(const void* buffer, std::size_t buffer_bytes, std::size_t count,
                           std::uint16_t& checksum);
 
+// True when two buffers hold the same properties, with offsets, in the same order: identifiers,
+// flags and values of every type, byte for byte. What lies between values is not looked at. False
+// also when a property is not whole inside its buffer.
+bool SameProperties(const void* a, const void* b, std::size_t buffer_bytes, std::size_t count);
+
 }  // namespace tolvenar

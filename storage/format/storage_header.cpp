@@ -44,6 +44,11 @@ std::size_t StorageHeaderBytesToRead(const StorageHeader& header) {
     return kStorageHeadBytes + (bytes < kMaxDescriptionBytes ? bytes : kMaxDescriptionBytes);
 }
 
+std::size_t StorageHeadSize(const StorageHeader& header) {
+    return header.descriptionBytes == 0 ? kStorageHeadBytes
+                                        : kDescriptionOffset + header.descriptionBytes;
+}
+
 void SetDescription(StorageHeader& header, const char16_t* text, std::size_t units) {
     const std::size_t kept = units < kMaxDescriptionUnits ? units : kMaxDescriptionUnits;
     std::memset(header.description, 0, sizeof header.description);

@@ -39,6 +39,9 @@ static_assert(sizeof(StorageHeader) == 636 && offsetof(StorageHeader, processorT
 bool ParseStorageHeader(const void* bytes, std::size_t available, StorageHeader& header);
 // Bytes that a reader asks for, so that all of the description is among them.
 std::size_t StorageHeaderBytesToRead(const StorageHeader& header);
+// Bytes that the head takes in the file; the first block stands behind them.
+std::size_t StorageHeadSize(const StorageHeader& header);
+
 // Takes the first 200 units of `text` as the description; the last unit of the buffer stays zero.
 void SetDescription(StorageHeader& header, const char16_t* text, std::size_t units);
 

@@ -5,6 +5,7 @@
 #include "platform/file_entry.h"
 #include "platform/registry_key.h"
 #include "platform/text.h"
+#include "platform/unique_resource.h"
 #include "snapshot/records/registry_objects.h"
 
 namespace tolvenar {
@@ -64,13 +65,23 @@ bool IsKeyOnDevice(const InfoBlock& block) {
            !IsExcludedRegistryObject(hive, block.name(), nullptr);
 }
 
-bool IsValueOnDevice(const InfoBlock& block) {
-    const std::uint32_t hive = block.head().hive;
-    return AnySplit(block, kNameSeparator, [hive](const char16_t* key_path, const char16_t* name) {
-        const UniqueHkey key = OpenKey(RootKey(hive), Wide(key_path));
-        return key && !IsExcludedRegistryObject(hive, key_path, name) &&
+// Calls `is_meant` with each key path and value name that the block's name may be joined of, and
+// answers whether there is such a value that is.
+template <typename Predicate>
+bool AnyValue(const InfoBlock& block, Predicate is_meant) {
+    const HKEY root = RootKey(block.head().hive);
+    return AnySplit(block, kNameSeparator, [&](const char16_t* key_path, const char16_t* name) {
+        const UniqueHkey key = OpenKey(root, Wide(key_path));
+        return key && is_meant(key_path, name) &&
                ::RegQueryValueExW(key.get(), Wide(name), nullptr, nullptr, nullptr, nullptr) ==
                    ERROR_SUCCESS;
+    });
+}
+
+bool IsValueOnDevice(const InfoBlock& block) {
+    const std::uint32_t hive = block.head().hive;
+    return AnyValue(block, [hive](const char16_t* key_path, const char16_t* name) {
+        return !IsExcludedRegistryObject(hive, key_path, name);
     });
 }
 
@@ -107,6 +118,26 @@ bool IsOnDevice(DatabaseLayer& databases, const StorageFileNames& storage_files,
             return record.dwOID != 0 && IsInDatabase(databases, block.name(), record.dwOID, oid);
         default: return false;
     }
+}
+
+bool IsNameTaken(DatabaseLayer& databases, const InfoBlock& block) {
+    WIN32_FIND_DATAW found{};
+    CEOID oid = 0;
+    switch (block.type()) {
+        case ObjectType::kRegistryValue:
+            return AnyValue(block, [](const char16_t*, const char16_t*) { return true; });
+        case ObjectType::kRegistryKey:
+            return static_cast<bool>(OpenKey(RootKey(block.head().hive), Wide(block.name())));
+        case ObjectType::kFile: return FindEntry(block.name(), found);
+        default:
+            return static_cast<bool>(
+                UniqueHandle(databases.OpenDatabase(oid, block.name(), 0, 0, nullptr)));
+    }
+}
+
+bool LeadsOntoCard(const InfoBlock& block) {
+    WIN32_FIND_DATAW found{};
+    return IsOnCard(block) || (FindEntry(block.name(), found) && IsMountedCard(found));
 }
 
 }  // namespace tolvenar

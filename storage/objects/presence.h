@@ -17,4 +17,11 @@ namespace tolvenar {
 bool IsOnDevice(DatabaseLayer& databases, const StorageFileNames& storage_files,
                 const ObjectRecord& record, const InfoBlock& block, CEOID& oid);
 
+// True when writing the object back would overwrite one of its name, whatever the rules say of
+// that. For everything but database records, which have no name.
+bool IsNameTaken(DatabaseLayer& databases, const InfoBlock& block);
+
+// True when the path of a file or folder is a mounted card's or leads onto one.
+bool LeadsOntoCard(const InfoBlock& block);
+
 }  // namespace tolvenar

@@ -155,4 +155,16 @@ RestoreOutcome RestoreDatabaseObject(DatabaseLayer& databases, WrittenRecords& w
                                         : WriteDatabase(databases, data, block, newOid);
 }
 
+bool WouldOverwriteRecord(DatabaseLayer& databases, const WrittenRecords& written,
+                          const StoredBytes& data, const InfoBlock& block, CEOID record_oid) {
+    const CachedDatabase database(databases, block.name());
+    const std::unique_ptr<BYTE[]> buffer = CopyProperties(data, block.head().property_count);
+    if (!database || buffer == nullptr) {
+        return false;
+    }
+    return FindMatchingRecord(
+               databases, database.get(), block.name(), reinterpret_cast<CEPROPVAL*>(buffer.get()),
+               static_cast<WORD>(block.head().property_count), record_oid, written) != 0;
+}
+
 }  // namespace tolvenar

@@ -20,4 +20,9 @@ RestoreOutcome RestoreDatabaseObject(DatabaseLayer& databases, WrittenRecords& w
                                      const StoredBytes& data, const InfoBlock& block,
                                      CEOID record_oid, CEOID& newOid, RestoreMode mode);
 
+// True when writing back the record of `block`, whose stored properties are `data`, would overwrite
+// one of the device: RestoreDatabaseObject in the mode of writing back finds that record.
+bool WouldOverwriteRecord(DatabaseLayer& databases, const WrittenRecords& written,
+                          const StoredBytes& data, const InfoBlock& block, CEOID record_oid);
+
 }  // namespace tolvenar

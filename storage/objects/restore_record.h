@@ -27,7 +27,7 @@ struct RestoreTools {
     DatabaseLayer& databases;
     const StorageMapping& storage;  // what `stored` reads
     DatabaseRestore database_restore;
-    WrittenRecords written;
+    WrittenRecords& written;
     ValueNames value_names;
 };
 

@@ -38,4 +38,20 @@ bool IsStoredRecord(DatabaseLayer& databases, const InfoBlock& block, const Obje
                record.content_fingerprint;
 }
 
+bool HoldsProperties(DatabaseLayer& databases, const InfoBlock& block, CEOID oid,
+                     const std::uint8_t* data) {
+    RecordBuffer buffer;
+    if (!ReadRecordOf(databases, block.name(), oid, buffer) ||
+        buffer.count() != block.head().property_count) {
+        return false;
+    }
+    if (buffer.count() == 0) {
+        return true;
+    }
+    const auto base = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(buffer.bytes()));
+    return buffer.size() == block.head().data_bytes &&
+           PointersToOffsets(buffer.bytes(), buffer.size(), buffer.count(), base) &&
+           SameProperties(buffer.bytes(), data, buffer.size(), buffer.count());
+}
+
 }  // namespace tolvenar

@@ -21,4 +21,9 @@ std::uint16_t FingerprintOfProperties(void* properties, DWORD buffer_bytes, WORD
 // user changes records under their ids.
 bool IsStoredRecord(DatabaseLayer& databases, const InfoBlock& block, const ObjectRecord& record);
 
+// True when the device's record `oid` of the database that `block` names holds just the stored
+// properties of `data`, which `block` describes: every one, byte for byte.
+bool HoldsProperties(DatabaseLayer& databases, const InfoBlock& block, CEOID oid,
+                     const std::uint8_t* data);
+
 }  // namespace tolvenar

@@ -149,6 +149,18 @@ bool LoadObjectList(const StorageNames& names, ObjectList& list, Progress* progr
     return ReadJournalRecords(bytes, list, progress, load.taken);
 }
 
+bool ReadJournalFile(const char16_t* path, ObjectList& list, JournalLoad& load,
+                     std::uint32_t& bytes) {
+    load = {};
+    const UniqueHandle file = OpenFile(path, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING);
+    HandleBytes file_bytes(file.get());
+    if (!file || !file_bytes.Size(bytes)) {
+        return false;
+    }
+    load.held = JournalRecordCount(bytes);
+    return ReadJournalRecords(file_bytes, list, nullptr, load.taken);
+}
+
 int CloseJournal(const StorageNames& names, std::unique_ptr<ObjectList>& list, bool save,
                  Progress* progress) {
     const int result = save && list ? SaveObjectList(names, *list, progress) : 0;

@@ -30,6 +30,10 @@ struct JournalLoad {
 bool LoadObjectList(const StorageNames& names, ObjectList& list, Progress* progress,
                     JournalLoad& load);
 
+// The same of a journal file that is there; nothing is made or moved. Puts its size into `bytes`.
+bool ReadJournalFile(const char16_t* path, ObjectList& list, JournalLoad& load,
+                     std::uint32_t& bytes);
+
 // Saves the list, when `save` is set, through the temporary file; frees it in any case. Room for
 // the whole list is reserved before its first record: without it, and when the temporary file
 // cannot be made or flushed, the journal stays as it was. Returns the result of the last record's

@@ -7,7 +7,6 @@
 #include "snapshot/compare/journal_update.h"
 #include "snapshot/compare/object_finder.h"
 #include "snapshot/compare/record_info.h"
-#include "snapshot/engine/descriptions.h"
 
 namespace tolvenar {
 namespace {
@@ -86,25 +85,27 @@ void TurnRound(OpenedStorage& storage, ObjectList& difference) {
     std::swap(storage.aimed_state, storage.opposite_state);
 }
 
-bool WriteBackAimedVersions(Engine& engine) {
-    OpenedStorage& storage = engine.storage;
-    if (storage.aimed_state == 0 || !HoldsFileDeletion(*storage.difference)) {
+std::unique_ptr<ObjectList> AimedState(const OpenedStorage& storage, InfoSource& info) {
+    std::unique_ptr<ObjectList> aimed =
+        storage.journal != nullptr ? ObjectList::CreateList() : nullptr;
+    const bool is_built =
+        aimed != nullptr && (storage.aimed_state == 0 ||
+                             BuildStateList(*aimed, *storage.journal, storage.aimed_state, info));
+    return is_built ? std::move(aimed) : nullptr;
+}
+
+bool WriteBackAimedVersions(ObjectList& difference, const ObjectList& aimed, InfoSource& info) {
+    if (!HoldsFileDeletion(difference)) {
         return true;
     }
-    Descriptions descriptions(engine);
-    LostFiles lost(descriptions.source);
-    if (!descriptions.sav_file || storage.journal == nullptr || !lost.Build(*storage.difference)) {
+    LostFiles lost(info);
+    if (!lost.Build(difference)) {
         return false;
     }
     if (lost.empty()) {
         return true;
     }
-    const std::unique_ptr<ObjectList> aimed = ObjectList::CreateList();
-    if (aimed == nullptr ||
-        !BuildStateList(*aimed, *storage.journal, storage.aimed_state, descriptions.source)) {
-        return false;
-    }
-    for (const ObjectList::Node& node : *aimed) {
+    for (const ObjectList::Node& node : aimed) {
         if (node.record->type == ObjectType::kFile) {
             lost.WriteBack(*node.record);
         }

@@ -2,15 +2,24 @@
 
 #include "platform/win32.h"
 
+#include <memory>
+
 #include "app/settings/settings.h"
 #include "snapshot/compare/kept_objects.h"
 #include "snapshot/compare/prune.h"
 #include "snapshot/engine/descriptions.h"
 #include "snapshot/engine/difference_engine.h"
+#include "snapshot/text/log.h"
 #include "storage/opened/journal.h"
+#include "storage/opened/old_journals.h"
 #include "storage/opened/storage_file.h"
 #include "storage/operations/aimed_state.h"
+#include "storage/operations/held_back.h"
+#include "storage/operations/object_line.h"
+#include "storage/operations/pair_proof.h"
 #include "storage/operations/restore_list.h"
+#include "storage/operations/restore_paths.h"
+#include "storage/operations/restore_plan.h"
 
 namespace tolvenar {
 namespace {
@@ -32,92 +41,237 @@ private:
     OpenedStorage& storage_;
 };
 
-// Takes out of the difference list what is never restored. False when the storage file, which
-// describes the objects, cannot be opened, or there is no memory.
-bool PruneForRestore(Engine& engine) {
-    Descriptions descriptions(engine);
-    if (!descriptions.sav_file) {
-        return false;
-    }
-    PruneDifferences(*engine.storage.difference, kRestorePruning, descriptions.source);
-    return KeepStoredObjects(*engine.storage.difference, descriptions.source);
+// One restore, from the list of differences to the journal that is loaded again.
+class Restore {
+public:
+    Restore(Engine& engine, RestoreQuestions* questions, RestoreResult& result, bool tells_device)
+        : engine_(engine),
+          storage_(engine.storage),
+          result_(result),
+          run_(engine.storage.journal.get()),
+          plan_{engine, questions, nullptr, tells_device} {}
+
+    // The list is that of the device and a state, or of two states and is worked on with
+    // `database_restore`.
+    bool RunFull();
+    bool RunAdvanced(DatabaseRestore database_restore);
+
+private:
+    // Takes out of the difference list what is never restored, then decides what may be. False, and
+    // nothing must be restored, when the list is kept whole.
+    bool Prepare();
+    bool PrepareWith(Descriptions& descriptions);
+    bool TakeOlderList();
+    bool EndWithoutDifference();
+    bool EndSettled();
+    bool RestoreDifferences();
+    void RunPasses();
+    void LogFailed();
+    bool SaveAndLoadJournal(bool& is_saved);
+    // Nothing was restored. The list is left as one that was restored in part: whoever tries again
+    // has its sense turned round first, and would delete what is to be written back.
+    bool FailWithWholeList();
+
+    Engine& engine_;
+    OpenedStorage& storage_;
+    RestoreResult& result_;
+    RestoreRun run_;
+    RestorePlan plan_;
+    std::unique_ptr<ObjectList> aimed_;
+};
+
+bool FailEarly(OpenedStorage& storage, ResultCode reason, RestoreResult& result) {
+    FreeWorkingLists(storage, false);
+    result.code = reason;
+    return false;
 }
 
-// Restores the difference list, then loads the journal again, saved before with `keep_ids`. A
-// write-protected one keeps the ids of before.
-bool RestoreDifferences(Engine& engine, DatabaseRestore database_restore, bool keep_ids,
-                        ResultCode& result_code) {
-    OpenedStorage& storage = engine.storage;
-    if (!RestoreList(engine, *storage.difference, database_restore, result_code)) {
-        FreeWorkingLists(storage, false);
+bool Restore::FailWithWholeList() {
+    ReleaseHeldBack(*storage_.difference);
+    TurnRound(storage_, *storage_.difference);
+    return FailEarly(storage_, ResultCode::kFailed, result_);
+}
+
+bool Restore::Prepare() {
+    Descriptions descriptions(engine_);
+    ObjectList& difference = *storage_.difference;
+    if (!descriptions.sav_file || storage_.journal == nullptr || storage_.header == nullptr) {
+        return FailWithWholeList();
     }
-    CloseJournal(storage.names, storage.journal,
-                 keep_ids && !StorageIsWriteProtected(storage.names), &engine.progress);
-    if (OpenJournal(storage, &engine.progress)) {
-        FreeWorkingLists(storage, result_code != ResultCode::kFailed);
+    PruneDifferences(difference, kRestorePruning, descriptions.source);
+    if (!KeepStoredObjects(difference, descriptions.source)) {
+        return FailWithWholeList();
+    }
+    RemoveHandled(difference);
+    TakeOutOwnFiles(difference, storage_.names, descriptions.source);
+    return PrepareWith(descriptions);
+}
+
+bool Restore::PrepareWith(Descriptions& descriptions) {
+    PairCheck check(*storage_.journal, descriptions.stored);
+    if (!CheckOpenPair(engine_, descriptions, check)) {
+        return FailWithWholeList();
+    }
+    plan_.target = storage_.older.get();
+    if (!plan_.tells_device) {
+        aimed_ = AimedState(storage_, descriptions.source);
+        plan_.target = aimed_.get();
+        if (aimed_ == nullptr ||
+            !WriteBackAimedVersions(*storage_.difference, *aimed_, descriptions.source)) {
+            return FailWithWholeList();
+        }
+    }
+    if (!ProtectMatchedRecords(storage_.newer.get(), run_.written)) {
+        return FailWithWholeList();
+    }
+    switch (PlanRestore(plan_, descriptions, check, run_)) {
+        case PlanOutcome::kGo: return true;
+        case PlanOutcome::kTakeOlderList: result_.took_older_list = true; [[fallthrough]];
+        default: return FailWithWholeList();
+    }
+}
+
+bool Restore::RunFull() {
+    if (!Prepare()) {
+        return result_.took_older_list && TakeOlderList();
+    }
+    if (storage_.difference->CountRecords() == 0) {
+        return plan_.has_settled ? EndSettled() : EndWithoutDifference();
+    }
+    return RestoreDifferences();
+}
+
+bool Restore::RunAdvanced(DatabaseRestore database_restore) {
+    run_.database_restore = database_restore;
+    if (!Prepare()) {
+        return result_.took_older_list && TakeOlderList();
+    }
+    return RestoreDifferences();
+}
+
+// The differences are those of another list.
+bool Restore::TakeOlderList() {
+    FreeWorkingLists(storage_, true);
+    char16_t older[kStorageNameUnits];
+    const bool exchanged =
+        FindNewestOldJournal(storage_.names, older) && ExchangeJournals(storage_.names, older);
+    result_.took_older_list = exchanged;
+    result_.code = ResultCode::kNotStarted;
+    CloseJournal(storage_.names, storage_.journal, false, nullptr);
+    if (OpenJournal(storage_, &engine_.progress)) {
+        return exchanged;
+    }
+    result_.code = ResultCode::kJournalUnreadable;
+    return false;
+}
+
+bool Restore::EndWithoutDifference() {
+    for (int phase = 0; phase < 3; ++phase) {
+        engine_.progress.ProgressStep(u"Complete.");
+    }
+    FreeWorkingLists(storage_, true);
+    result_.code = ResultCode::kNoDifference;
+    return true;
+}
+
+// Everything was there, under other ids. Where they cannot be saved nothing is left to say.
+bool Restore::EndSettled() {
+    engine_.progress.ProgressStep(u"Complete.");
+    bool is_saved = false;
+    const bool is_loaded = SaveAndLoadJournal(is_saved);
+    FreeWorkingLists(storage_, true);
+    result_.code = !is_loaded ? ResultCode::kJournalUnreadable
+                   : is_saved ? ResultCode::kSuccess
+                              : ResultCode::kNoDifference;
+    return is_loaded;
+}
+
+// Restores the difference list, then loads the journal again.
+bool Restore::RestoreDifferences() {
+    RunPasses();
+    if (result_.code == ResultCode::kFailed) {
+        result_.is_damaged = plan_.is_damaged;
+        LogFailed();
+        ReleaseHeldBack(*storage_.difference);
+    }
+    bool is_saved = false;
+    if (SaveAndLoadJournal(is_saved)) {
+        FreeWorkingLists(storage_, result_.code != ResultCode::kFailed);
         return true;
     }
-    if (result_code != ResultCode::kFailed) {
-        result_code = ResultCode::kJournalUnreadable;
+    if (result_.code != ResultCode::kFailed) {
+        result_.code = ResultCode::kJournalUnreadable;
     }
-    FreeWorkingLists(storage, false);
+    FreeWorkingLists(storage_, false);
     return false;
 }
 
-bool FailEarly(OpenedStorage& storage, ResultCode reason, ResultCode& result_code) {
-    FreeWorkingLists(storage, false);
-    result_code = reason;
-    return false;
+// What keeps one phase from going on may be a failure of the phase before (docs/oddities.md, 12):
+// then what is left is tried again, for as long as it becomes less.
+void Restore::RunPasses() {
+    ObjectList& difference = *storage_.difference;
+    for (;;) {
+        const std::size_t before = CountPending(difference);
+        result_.code = ResultCode::kSuccess;
+        if (RestoreList(engine_, difference, run_, result_.code) ||
+            result_.code != ResultCode::kFailed || !plan_.tells_device || !run_.ended_early ||
+            CountPending(difference) >= before) {
+            return;
+        }
+        TurnRound(storage_, difference);
+    }
 }
 
-// Nothing was restored. The list is left as one that was restored in part: whoever tries again has
-// its sense turned round first, and would delete what is to be written back.
-bool FailWithWholeList(OpenedStorage& storage, ResultCode& result_code) {
-    TurnRound(storage, *storage.difference);
-    return FailEarly(storage, ResultCode::kFailed, result_code);
+void Restore::LogFailed() {
+    Descriptions descriptions(engine_);
+    for (const ObjectList::Node& node : *storage_.difference) {
+        if (!IsHeldBack(*node.record)) {
+            LogObject(u"Not restored: ", *node.record, descriptions.source, u"DoRestore",
+                      kLogError);
+        }
+    }
+}
+
+// The journal is saved with new ids after a full restore only. A write-protected one, and a damaged
+// list, which must be told from a sound one the next time too, are as before.
+bool Restore::SaveAndLoadJournal(bool& is_saved) {
+    // Without memory the file keeps the ids of before; the next backup finds the objects changed.
+    if (!run_.journal.SeparateVersions()) {
+        storage_.journal.reset();
+    }
+    const bool saves =
+        plan_.tells_device && plan_.trusts_list && !StorageIsWriteProtected(storage_.names);
+    is_saved = CloseJournal(storage_.names, storage_.journal, saves, &engine_.progress) != 0;
+    return OpenJournal(storage_, &engine_.progress);
 }
 
 }  // namespace
 
-bool DoRestore(Engine& engine, std::uint32_t state_number, ResultCode& result_code) {
-    OpenedStorage& storage = engine.storage;
-    const RegistryObjectsScope registry_objects(storage);
-    result_code = ResultCode::kSuccess;
+bool DoRestore(Engine& engine, std::uint32_t state_number, RestoreQuestions* questions,
+               RestoreResult& result) {
+    const RegistryObjectsScope registry_objects(engine.storage);
+    result = {};
     if (!FindDifference(engine, state_number)) {
-        return FailEarly(storage, ResultCode::kNoDifferenceList, result_code);
+        return FailEarly(engine.storage, ResultCode::kNoDifferenceList, result);
     }
-    if (!PruneForRestore(engine)) {
-        return FailWithWholeList(storage, result_code);
-    }
-    if (storage.difference->CountRecords() == 0) {
-        for (int phase = 0; phase < 3; ++phase) {
-            engine.progress.ProgressStep(u"Complete.");
-        }
-        FreeWorkingLists(storage, true);
-        result_code = ResultCode::kNoDifference;
-        return true;
-    }
-    return RestoreDifferences(engine, DatabaseRestore::kByDevice, true, result_code);
+    return Restore(engine, questions, result, true).RunFull();
 }
 
-bool DoAdvancedRestore(Engine& engine, bool invert_first, ResultCode& result_code) {
+bool DoAdvancedRestore(Engine& engine, bool invert_first, RestoreQuestions* questions,
+                       RestoreResult& result) {
     OpenedStorage& storage = engine.storage;
     const RegistryObjectsScope registry_objects(storage);
-    result_code = ResultCode::kSuccess;
+    result = {};
     if (storage.difference == nullptr) {
         return false;
     }
     if (invert_first) {
         TurnRound(storage, *storage.difference);
     }
-    if (!PruneForRestore(engine) || !WriteBackAimedVersions(engine)) {
-        return FailWithWholeList(storage, result_code);
-    }
     const bool restores_databases =
         (ReadSetting(setting::kAdvancedDBRestoring) & kSettingMask) != 0;
-    return RestoreDifferences(
-        engine, restores_databases ? DatabaseRestore::kByStates : DatabaseRestore::kNone, false,
-        result_code);
+    return Restore(engine, questions, result, false)
+        .RunAdvanced(restores_databases ? DatabaseRestore::kByStates : DatabaseRestore::kNone);
 }
 
 }  // namespace tolvenar

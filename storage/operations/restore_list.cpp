@@ -2,8 +2,8 @@
 
 #include "platform/win32.h"
 
-#include "snapshot/compare/journal_update.h"
 #include "storage/operations/aimed_state.h"
+#include "storage/operations/held_back.h"
 
 namespace tolvenar {
 namespace {
@@ -23,21 +23,19 @@ bool IsOtherToWrite(const ObjectRecord& record) {
 // without sorting: a folder comes before its files after a pass in which they failed.
 class Passes {
 public:
-    Passes(Engine& engine, RestoreTools& tools, ObjectList& list)
-        : progress_(engine.progress),
-          tools_(tools),
-          list_(list),
-          journal_(engine.storage.journal.get()) {}
+    Passes(Engine& engine, RestoreTools& tools, ObjectList& list, RestoreRun& run)
+        : progress_(engine.progress), tools_(tools), list_(list), run_(run) {}
 
     // Repeats passes over the chosen records until one has no failures, or as many as the one
     // before it. The failure count carries over between phases (docs/oddities.md, 12).
     void RunPhase(bool (*chosen)(const ObjectRecord&)) {
-        for (;;) {
+        for (bool is_first = true;; is_first = false) {
             const std::size_t failures = RunPass(chosen);
             const bool stuck = failures != 0 && failures == failures_before_;
             failures_before_ = failures;
             if (stuck) {
                 failed_ = true;
+                run_.ended_early |= is_first;
             }
             if (stuck || failures == 0) {
                 return;
@@ -45,13 +43,12 @@ public:
         }
     }
     bool failed() const { return failed_; }
-    bool FinishJournal() { return journal_.SeparateVersions(); }
 
 private:
     std::size_t RunPass(bool (*chosen)(const ObjectRecord&)) {
         std::size_t failures = 0;
         for (const ObjectList::Node& node : list_) {
-            if (!chosen(*node.record)) {
+            if (IsHeldBack(*node.record) || !chosen(*node.record)) {
                 continue;
             }
             if (!Restore(*node.record)) {
@@ -68,21 +65,20 @@ private:
             return false;
         }
         record.flags = 0;
-        journal_.UpdateJournalOid(record, newOid);
+        run_.journal.UpdateJournalOid(record, newOid);
         return true;
     }
 
     Progress& progress_;
     RestoreTools& tools_;
     ObjectList& list_;
-    JournalUpdater journal_;
+    RestoreRun& run_;
     std::size_t failures_before_ = 0;
     bool failed_ = false;
 };
 
-// Enters the device's records that the state holds as they are among those that are never
-// overwritten: on a device that was reset one of them may have the id that another stored record
-// had before. False when there is no memory.
+}  // namespace
+
 bool ProtectMatchedRecords(const ObjectList* device, WrittenRecords& written) {
     if (device == nullptr) {
         return true;
@@ -98,10 +94,7 @@ bool ProtectMatchedRecords(const ObjectList* device, WrittenRecords& written) {
     return true;
 }
 
-}  // namespace
-
-bool RestoreList(Engine& engine, ObjectList& list, DatabaseRestore database_restore,
-                 ResultCode& result_code) {
+bool RestoreList(Engine& engine, ObjectList& list, RestoreRun& run, ResultCode& result_code) {
     StorageMapping storage;
     if (!storage.Open(engine.storage.names.sav)) {
         result_code = ResultCode::kDriver;
@@ -116,24 +109,16 @@ bool RestoreList(Engine& engine, ObjectList& list, DatabaseRestore database_rest
                        stored,
                        engine.databases,
                        storage,
-                       database_restore,
-                       {},
+                       run.database_restore,
+                       run.written,
                        {engine.storage.journal.get(), stored, engine.info}};
-    if (!ProtectMatchedRecords(engine.storage.newer.get(), tools.written)) {
-        TurnRound(engine.storage, list);
-        result_code = ResultCode::kFailed;
-        return false;
-    }
-    Passes passes(engine, tools, list);
+    run.ended_early = false;
+    Passes passes(engine, tools, list, run);
     passes.RunPhase(IsDeletion);
     passes.RunPhase(IsFileToWrite);
     ::Sleep(kSettleMs);
     passes.RunPhase(IsOtherToWrite);
-    if (!passes.FinishJournal()) {
-        // The file keeps the ids of before; the next backup finds the objects changed.
-        engine.storage.journal.reset();
-    }
-    if (!passes.failed()) {
+    if (!passes.failed() && !HoldsHeldBack(list)) {
         return true;
     }
     TurnRound(engine.storage, list);

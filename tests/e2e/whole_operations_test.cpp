@@ -33,9 +33,9 @@ protected:
         return result.code;
     }
     ResultCode Restore(std::uint32_t state) {
-        ResultCode code{};
-        DoRestore(engine_, state, code);
-        return code;
+        RestoreResult result;
+        DoRestore(engine_, state, nullptr, result);
+        return result.code;
     }
     Contents Now() { return tests::ContentsOf(device().sim()); }
     const ObjectRecord* FindRecord(ObjectType type, std::uint16_t state) {

@@ -61,15 +61,13 @@ Answer EngineParts::Backup(std::uint32_t state, const char16_t* description, boo
 Answer EngineParts::Backup() { return Backup(NextStateNumber(storage_.journal.get())); }
 
 Answer EngineParts::Restore(std::uint32_t state) {
-    Answer answer{};
-    answer.done = DoRestore(engine_, state, answer.code);
-    return answer;
+    const bool done = DoRestore(engine_, state, questions_, restore_);
+    return {done, restore_.code};
 }
 
 Answer EngineParts::RestoreAdvanced(bool invert) {
-    Answer answer{};
-    answer.done = DoAdvancedRestore(engine_, invert, answer.code);
-    return answer;
+    const bool done = DoAdvancedRestore(engine_, invert, questions_, restore_);
+    return {done, restore_.code};
 }
 
 void SetStorageSettings() {

@@ -10,6 +10,7 @@
 
 #include "storage/opened/engine.h"
 #include "storage/operations/backup_result.h"
+#include "storage/operations/restore_result.h"
 #include "tests/support/bytes.h"
 #include "tests/support/recording_progress.h"
 #include "tests/support/records.h"
@@ -51,7 +52,9 @@ public:
     ObjectInfo info_{storage_.registry_objects, databases_};
     RecordingProgress progress_;
     Engine engine_{storage_, databases_, info_, progress_};
-    BackupResult backup_;  // the last one's
+    BackupResult backup_;    // the last one's
+    RestoreResult restore_;  // the same
+    RestoreQuestions* questions_ = nullptr;  // whom a restore asks
 };
 
 // The settings that name the storage, for a device that gets the card.

@@ -166,7 +166,7 @@ RestoreTools& RestoreFixture::Run() {
                                     databases_,
                                     mapping_,
                                     DatabaseRestore::kByDevice,
-                                    {},
+                                    written_,
                                     {storage_.journal.get(), *reader_, info_}});
     }
     return *run_;

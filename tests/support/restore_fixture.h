@@ -68,6 +68,7 @@ protected:
     StorageMapping mapping_;
     MappedBytes mapped_{mapping_};
     std::optional<StorageReader> reader_;
+    WrittenRecords written_;
     std::unique_ptr<RestoreTools> run_;
 
 private:

@@ -127,14 +127,14 @@ TEST_F(MessagesTest, OfAnUnattendedRestore) {
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.code);
-        EXPECT_EQ(row.is_good, ReportRestore(nullptr, Code(row.code)));
+        EXPECT_EQ(row.is_good, ReportRestore(nullptr, {Code(row.code)}));
         ExpectBox(row.box);
     }
 }
 
 TEST_F(MessagesTest, OfARestoreInTheDialog) {
     for (const int silent : {1, 3, 4, 8}) {
-        ReportInteractiveRestore(nullptr, Code(silent));
+        ReportInteractiveRestore(nullptr, {Code(silent)});
     }
     const struct {
         int code;
@@ -148,7 +148,7 @@ TEST_F(MessagesTest, OfARestoreInTheDialog) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.code);
-        ReportInteractiveRestore(nullptr, Code(row.code));
+        ReportInteractiveRestore(nullptr, {Code(row.code)});
         ExpectBox(row.box);
     }
 }

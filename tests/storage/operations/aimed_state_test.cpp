@@ -104,7 +104,7 @@ TEST_F(AimedStateTest, AStorageFileThatCannotBeReadForItKeepsTheListAndItsDirect
     MakeTwoStatesOfOneKey();
     ASSERT_EQ(Done(), RestoreAdvanced(false));
     ASSERT_EQ(1, FindDifferenceEx(engine_, 1, 2));
-    device().Fault("CreateFileW", 2, 1, ERROR_SHARING_VIOLATION, "Home.sav");
+    device().Fault("CreateFileW", 1, 1, ERROR_SHARING_VIOLATION, "Home.sav");
     EXPECT_EQ(Failed(), RestoreAdvanced(true));
     device().EndFaults();
     EXPECT_EQ("one", Content(u"\\a.txt"));

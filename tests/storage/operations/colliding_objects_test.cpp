@@ -2,6 +2,7 @@
 #include <random>
 
 #include "snapshot/engine/difference_engine.h"
+#include "snapshot/records/checksum.h"
 #include "tests/storage/operations/restore_engine_fixture.h"
 
 namespace tolvenar {
@@ -187,22 +188,23 @@ TEST_F(CollidingObjectsTest, ARecordThatWasChangedSinceIsKeptByTheChangesOfTwoSt
 
 // Contents that change under one description: a reset and a restore leave one file in every state.
 TEST_F(CollidingObjectsTest, AFileThatChangedUnderItsDescriptionHasOneIdInEveryState) {
-    ObjectRecord first = StoreFile(u"\\a.txt", "first");
-    ObjectRecord second = StoreFile(u"\\a.txt", "other");
-    ObjectRecord gone = second;
-    first.content_fingerprint = 1;
-    second.content_fingerprint = gone.content_fingerprint = 2;
-    second.state_number = 2;
-    gone.state_number = 3;
-    gone.flags = JF_DELETE;
-    const ObjectRecord states[] = {StoreBlock(kState, 0, 0, u"Title", ""),
-                                   StoreBlock(kState, 0, 0, u"Title", ""),
-                                   StoreBlock(kState, 0, 0, u"Title", "")};
-    std::vector<ObjectRecord> journal{first, second, gone};
-    for (std::uint16_t i = 0; i < 3; ++i) {
-        journal.push_back(states[i]);
-        journal.back().state_number = static_cast<std::uint16_t>(i + 1);
-    }
+    const auto store_state = [this](std::uint16_t number) {
+        ObjectRecord state = StoreBlock(kState, 0, 0, u"Title", "");
+        state.data_offset = static_cast<std::uint32_t>(sav_.size());
+        state.state_number = number;
+        return state;
+    };
+    const auto store_version = [this](std::uint16_t number, const Bytes& contents) {
+        ObjectRecord version = StoreFile(u"\\a.txt", contents);
+        version.content_fingerprint = Checksum16(contents.data(), contents.size());
+        version.state_number = number;
+        return version;
+    };
+    std::vector<ObjectRecord> journal{store_state(1), store_version(1, "first"), store_state(2),
+                                      store_version(2, "other"), store_state(3)};
+    journal.push_back(journal[3]);
+    journal.back().state_number = 3;
+    journal.back().flags = JF_DELETE;
     SaveStorage();
     SaveJournal(journal);
     ASSERT_TRUE(OpenJournal(storage_, nullptr));

@@ -11,7 +11,8 @@ protected:
     bool RestoreAll(const std::vector<ObjectRecord>& walked) {
         SaveStorage();
         code_ = ResultCode::kSuccess;
-        return RestoreList(engine_, MakeDifference(walked), DatabaseRestore::kByDevice, code_);
+        RestoreRun run(storage_.journal.get());
+        return RestoreList(engine_, MakeDifference(walked), run, code_);
     }
     // "\\locked.txt", held open.
     tests::FileLock PutLocked() {
@@ -154,8 +155,8 @@ TEST_F(RestoreListTest, AStorageFileThatCannotBeMappedLeavesListAndDeviceAsTheyW
 
 TEST_F(RestoreListTest, AnAbsentStorageFileIsADriversFailureToo) {
     code_ = ResultCode::kSuccess;
-    EXPECT_FALSE(
-        RestoreList(engine_, MakeDifference({Live(kFile, 5)}), DatabaseRestore::kByDevice, code_));
+    RestoreRun run(nullptr);
+    EXPECT_FALSE(RestoreList(engine_, MakeDifference({Live(kFile, 5)}), run, code_));
     EXPECT_EQ(ResultCode::kDriver, code_);
 }
 

@@ -1,0 +1,167 @@
+#include "storage/operations/damage_guard.h"
+
+#include "snapshot/compare/data_check.h"
+#include "snapshot/compare/object_name.h"
+#include "snapshot/compare/record_info.h"
+#include "snapshot/text/log.h"
+#include "storage/objects/presence.h"
+#include "storage/objects/restore_database.h"
+#include "storage/operations/held_back.h"
+#include "storage/operations/object_line.h"
+
+namespace tolvenar {
+namespace {
+
+constexpr char16_t kModule[] = u"DoRestore";
+
+bool IsPending(const ObjectRecord& record) {
+    return IsPendingVersion(record) || IsPendingDeletion(record);
+}
+
+bool IsOfDatabase(const ObjectRecord& record) {
+    return record.type == ObjectType::kDatabase || record.type == ObjectType::kDatabaseRecord;
+}
+
+}  // namespace
+
+DamageGuard::DamageGuard(Engine& engine, Descriptions& descriptions, const PairCheck& check,
+                         DatabaseRestore database_restore)
+    : engine_(engine),
+      descriptions_(descriptions),
+      check_(check),
+      database_restore_(database_restore),
+      difference_(*engine.storage.difference) {}
+
+// What a restore without databases passes over is nothing to it.
+bool DamageGuard::IsLookedAt(const ObjectRecord& record) const {
+    return database_restore_ != DatabaseRestore::kNone || !IsOfDatabase(record);
+}
+
+bool DamageGuard::DropOlderDoubles(const ObjectList& target) {
+    const bool done =
+        check_.ForEachDouble(target, [this](const ObjectRecord& older, const ObjectRecord&) {
+            for (ObjectList::Node& node : difference_) {
+                if (IsPendingVersion(*node.record) && node.record->propOffset == older.propOffset) {
+                    LogObject(u"Two versions, the older one left alone: ", *node.record,
+                              descriptions_.source, kModule, kLogError);
+                    node.record->flags = 0;
+                }
+            }
+        });
+    RemoveHandled(difference_);
+    return done;
+}
+
+DamageCount DamageGuard::CountUntrusted() const {
+    DamageCount damage{static_cast<std::uint32_t>(check_.findings_in_list()), 0};
+    for (const ObjectList::Node& node : difference_) {
+        const ObjectRecord& record = *node.record;
+        if (IsPendingVersion(record) && IsLookedAt(record) &&
+            check_.DamageOf(record) == Damage::kBlock) {
+            ++damage.objects;
+        }
+    }
+    return damage;
+}
+
+void DamageGuard::KeepToMissing(WrittenRecords& written) {
+    found_damage_ = true;
+    const DatabaseCacheScope cache(engine_.databases);
+    for (ObjectList::Node& node : difference_) {
+        ObjectRecord& record = *node.record;
+        InfoBlock block;
+        if (!IsPendingVersion(record) || check_.DamageOf(record) == Damage::kBlock ||
+            !FetchInfo(record, descriptions_.source, block)) {
+            HoldBack(record);
+        } else if (!IsMissing(record, block, written)) {
+            // A key that is there is as it is to be.
+            if (record.type == ObjectType::kRegistryKey) {
+                record.flags = 0;
+            } else {
+                HoldBack(record);
+            }
+        }
+    }
+    RemoveHandled(difference_);
+}
+
+bool DamageGuard::IsMissing(const ObjectRecord& version, const InfoBlock& block,
+                            WrittenRecords& written) {
+    if (version.type != ObjectType::kDatabaseRecord) {
+        return !IsNameTaken(engine_.databases, block);
+    }
+    const auto bytes = descriptions_.stored.ReadData(version.data_offset, block.head().data_bytes);
+    StoredBytes data;
+    data.bytes = bytes.get();
+    data.length = block.head().data_bytes;
+    return bytes != nullptr &&
+           !WouldOverwriteRecord(engine_.databases, written, data, block, version.dwOID);
+}
+
+void DamageGuard::HoldBackDamaged() {
+    for (const std::uint32_t offset : check_.unclaimed()) {
+        InfoBlock block;
+        if (descriptions_.stored.GetInfoFromStorage(offset, block)) {
+            HoldBackNamed(block);
+        }
+    }
+    HoldBackDamagedData();
+}
+
+// The device may have what the lost record is of; of a record, any of its database.
+void DamageGuard::HoldBackNamed(const InfoBlock& unclaimed) {
+    for (ObjectList::Node& node : difference_) {
+        ObjectRecord& record = *node.record;
+        InfoBlock block;
+        if (!IsPending(record) || !IsLookedAt(record) ||
+            !FetchInfo(record, descriptions_.source, block) || !IsOneObject(unclaimed, block)) {
+            continue;
+        }
+        const bool has_name = record.type != ObjectType::kDatabaseRecord;
+        if (has_name && IsPendingVersion(record) && !IsNameTaken(engine_.databases, block)) {
+            continue;
+        }
+        LogObject(u"Its newest version may be lost, left alone: ", record, block, kModule,
+                  kLogError);
+        HoldBack(record);
+        found_damage_ = true;
+    }
+}
+
+void DamageGuard::HoldBackDamagedData() {
+    for (ObjectList::Node& node : difference_) {
+        ObjectRecord& record = *node.record;
+        InfoBlock block;
+        if (!IsPendingVersion(record) || !IsLookedAt(record) ||
+            !descriptions_.stored.GetInfoFromStorage(record.propOffset, block)) {
+            continue;
+        }
+        if (check_.DamageOf(record) == Damage::kData ||
+            !DataAreSound(descriptions_.stored, record, block)) {
+            HoldBackDamagedVersion(record, block);
+        }
+    }
+}
+
+// Few are damaged in a storage that is worth a restore: each costs a walk.
+void DamageGuard::HoldBackDamagedVersion(ObjectRecord& version, const InfoBlock& block) {
+    found_damage_ = true;
+    LogObject(u"Damaged in the storage, left alone: ", version, block, kModule, kLogError);
+    HoldBack(version);
+    for (ObjectList::Node& node : difference_) {
+        ObjectRecord& newer = *node.record;
+        InfoBlock described;
+        if (!IsPendingDeletion(newer) || newer.type != version.type) {
+            continue;
+        }
+        const bool is_newer = version.type == ObjectType::kDatabaseRecord
+                                  ? newer.dwOID == version.dwOID
+                                  : FetchInfo(newer, descriptions_.source, described) &&
+                                        IsOneObject(described, block);
+        if (is_newer) {
+            HoldBack(newer);
+        }
+    }
+}
+
+}  // namespace tolvenar
