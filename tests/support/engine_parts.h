@@ -52,8 +52,8 @@ public:
     ObjectInfo info_{storage_.registry_objects, databases_};
     RecordingProgress progress_;
     Engine engine_{storage_, databases_, info_, progress_};
-    BackupResult backup_;    // the last one's
-    RestoreResult restore_;  // the same
+    BackupResult backup_;                    // the last one's
+    RestoreResult restore_;                  // the same
     RestoreQuestions* questions_ = nullptr;  // whom a restore asks
 };
 
