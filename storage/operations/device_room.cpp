@@ -1,6 +1,9 @@
 #include "storage/operations/device_room.h"
 
+#include <algorithm>
+
 #include "platform/file_entry.h"
+#include "platform/file_mapping.h"
 #include "snapshot/compare/block_check.h"
 #include "snapshot/compare/object_finder.h"
 #include "snapshot/compare/record_info.h"
@@ -9,13 +12,30 @@
 namespace tolvenar {
 namespace {
 
-std::uint64_t FreeBytes() {
+struct Room {
+    std::uint64_t store;
+    std::uint64_t memory;
+};
+
+Room FreeRoom() {
     MEMORYSTATUS memory{};
     memory.dwLength = sizeof memory;
     ::GlobalMemoryStatus(&memory);
     STORE_INFORMATION store{};
     ::GetStoreInformation(&store);
-    return std::uint64_t{store.dwFreeSize} + memory.dwAvailPhys;
+    return {store.dwFreeSize, memory.dwAvailPhys};
+}
+
+std::uint64_t MissingOf(std::uint64_t needed, std::uint64_t room) {
+    return needed > room ? needed - room : 0;
+}
+
+// Files are copied in whole granules of both kinds of memory; with less than one of either none is.
+std::uint64_t RoomForFiles(const Room& room) {
+    const std::uint64_t granule = AllocationGranularity();
+    const std::uint64_t store = room.store - room.store % granule;
+    const std::uint64_t memory = room.memory - room.memory % granule;
+    return store != 0 && memory != 0 ? store + memory : 0;
 }
 
 // What a file of the device gives back when it goes or is overwritten.
@@ -49,25 +69,29 @@ bool FindMissingRoom(const ObjectList& difference, DatabaseRestore database_rest
     if (!overwritten.Reserve(difference.CountRecords())) {
         return false;
     }
-    std::uint64_t needed = 0;
-    std::uint64_t room = FreeBytes();
+    std::uint64_t for_files = 0;
+    std::uint64_t for_others = 0;
+    Room room = FreeRoom();
     ForEachPending(difference, IsPendingVersion, info,
                    [&](ObjectRecord& record, const InfoBlock& block) {
                        if (IsInDatabase(record) && database_restore == DatabaseRestore::kNone) {
                            return;
                        }
-                       needed += HasStoredData(block) ? block.head().data_bytes : 0;
-                       room += SizeOnDevice(block);
-                       if (record.type == ObjectType::kFile) {
+                       const bool is_file = record.type == ObjectType::kFile;
+                       (is_file ? for_files : for_others) +=
+                           HasStoredData(block) ? block.head().data_bytes : 0;
+                       room.store += SizeOnDevice(block);
+                       if (is_file) {
                            overwritten.AddByName(record);
                        }
                    });
     ForEachPending(difference, IsPendingDeletion, info, [&](ObjectRecord&, const InfoBlock& block) {
         // The deleted and the overwritten one may be one file.
         const bool is_counted = overwritten.FindByName(block) != nullptr;
-        room += is_counted ? 0 : SizeOnDevice(block);
+        room.store += is_counted ? 0 : SizeOnDevice(block);
     });
-    missing = needed > room ? needed - room : 0;
+    missing = std::max(MissingOf(for_files, RoomForFiles(room)),
+                       MissingOf(for_files + for_others, room.store + room.memory));
     return true;
 }
 

@@ -189,6 +189,10 @@ bool Restore::EndSettled() {
 // Restores the difference list, then loads the journal again.
 bool Restore::RestoreDifferences() {
     RunPasses();
+    // What a damaged list does not tell is missing, whatever could be done.
+    if (result_.code == ResultCode::kSuccess && !plan_.trusts_list) {
+        result_.code = ResultCode::kFailed;
+    }
     if (result_.code == ResultCode::kFailed) {
         result_.is_damaged = plan_.is_damaged;
         LogFailed();
