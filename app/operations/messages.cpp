@@ -141,6 +141,12 @@ bool ReportRestore(HWND owner, const RestoreResult& result) {
 }
 
 void ReportInteractiveRestore(HWND owner, const RestoreResult& result) {
+    if (result.took_older_list) {
+        ShowMessage(owner,
+                    L"The older list of states is in use now. Please choose the state to restore.",
+                    MB_ICONINFORMATION);
+        return;
+    }
     const bool is_shown_in_tree = result.code == ResultCode::kFailed && !result.is_damaged;
     if (!is_shown_in_tree && result.code != ResultCode::kNotStarted) {
         ReportRestore(owner, result);

@@ -24,7 +24,7 @@ bool RestorePrompts::Ask(const wchar_t* question) {
 bool RestorePrompts::MayWriteBackMissing(const DamageCount& damage) {
     wchar_t question[kQuestionUnits];
     ::wsprintfW(question,
-                L"The storage is damaged: %u places in its list of states, %u items to be "
+                L"The storage is damaged: %u faults in its list of states, %u in items to be "
                 L"restored.\nNothing will be deleted or overwritten. What is whole in the storage "
                 L"and missing on the device can be written back.\nContinue?",
                 Figure(damage.in_list), Figure(damage.objects));

@@ -16,6 +16,18 @@ const ObjectRecord* FindLastState(const ObjectList* journal) {
     return last;
 }
 
+const ObjectRecord* FindState(const ObjectList* journal, std::uint32_t state) {
+    if (journal == nullptr) {
+        return nullptr;
+    }
+    for (const ObjectList::Node& node : *journal) {
+        if (node.record->type == ObjectType::kState && node.record->state_number == state) {
+            return node.record;
+        }
+    }
+    return nullptr;
+}
+
 std::uint32_t LastStoredState(const ObjectList* journal) {
     const ObjectRecord* last = FindLastState(journal);
     return last != nullptr ? last->state_number : 0;

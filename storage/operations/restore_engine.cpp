@@ -7,6 +7,7 @@
 #include "app/settings/settings.h"
 #include "snapshot/compare/kept_objects.h"
 #include "snapshot/compare/prune.h"
+#include "snapshot/compare/states.h"
 #include "snapshot/engine/descriptions.h"
 #include "snapshot/engine/difference_engine.h"
 #include "snapshot/text/log.h"
@@ -255,6 +256,11 @@ bool DoRestore(Engine& engine, std::uint32_t state_number, RestoreQuestions* que
                RestoreResult& result) {
     const RegistryObjectsScope registry_objects(engine.storage);
     result = {};
+    // A state that is none holds nothing: everything on the device would be deleted for it.
+    const ObjectList* const journal = engine.storage.journal.get();
+    if (journal != nullptr && FindState(journal, state_number) == nullptr) {
+        return FailEarly(engine.storage, ResultCode::kNoSpace, result);
+    }
     if (!FindDifference(engine, state_number)) {
         return FailEarly(engine.storage, ResultCode::kNoDifferenceList, result);
     }

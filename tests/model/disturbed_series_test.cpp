@@ -1,9 +1,11 @@
-// Random series in which backups are disturbed: files are held, calls fail, the card is
-// write-protected. Whatever happened, no state of before changes, what was there before and still
-// is stays in the new state, and the program comes to rest.
+// Random series in which backups and restores are disturbed: files are held, calls fail, the card
+// is write-protected, the device is reset, the journal is cut. Whatever happened, no state of
+// before changes, what was there before and still is stays in the new state, and the program comes
+// to rest.
 #include <algorithm>
 #include <optional>
 
+#include "snapshot/compare/states.h"
 #include "tests/model/change_generator.h"
 #include "tests/support/engine_test.h"
 
@@ -47,6 +49,29 @@ constexpr Disturbance kDisturbances[] = {
     {"CeFindFirstDatabaseEx", 1, ERROR_NOT_ENOUGH_MEMORY},
     {"CeOpenDatabaseEx", 6, ERROR_NOT_ENOUGH_MEMORY},
     {"CeReadRecordPropsEx", 8, ERROR_NOT_ENOUGH_MEMORY},
+};
+
+constexpr Disturbance kDisturbedRestores[] = {
+    {"MapViewOfFile", 6, ERROR_NOT_ENOUGH_MEMORY},
+    {"WriteFile", 6, ERROR_DISK_FULL},
+    {"SetEndOfFile", 1, ERROR_DISK_FULL},
+    {"FlushFileBuffers", 2, ERROR_WRITE_FAULT},
+    {"CreateFileW", 8, ERROR_SHARING_VIOLATION},
+    {"DeleteFileW", 2, ERROR_SHARING_VIOLATION},
+    {"RemoveDirectoryW", 1, ERROR_SHARING_VIOLATION},
+    {"RegOpenKeyExW", 30, ERROR_NOT_ENOUGH_MEMORY},
+    {"RegSetValueExW", 3, ERROR_NOT_ENOUGH_MEMORY},
+    {"CeOpenDatabaseEx", 8, ERROR_NOT_ENOUGH_MEMORY},
+    {"CeWriteRecordProps", 2, ERROR_NOT_ENOUGH_MEMORY},
+    {"CeDeleteRecord", 2, ERROR_NOT_ENOUGH_MEMORY},
+};
+
+// Takes the list that was moved aside when it is offered.
+class TakesOlderList final : public RestoreQuestions {
+public:
+    bool MayWriteBackMissing(const DamageCount&) override { return false; }
+    bool MayTakeOlderList(std::uint32_t) override { return true; }
+    bool MayGoOnWithoutRoom(std::uint64_t) override { return false; }
 };
 
 class DisturbedSeriesTest : public EngineTest, public ::testing::WithParamInterface<std::uint32_t> {
@@ -117,10 +142,7 @@ protected:
         if (backup == Done()) {
             states_.push_back({std::nullopt, *states_.back().exactly, model(), !has_restored_});
         } else if (device().Exists(kOldJournal)) {
-            // The card failed while the new list was written: the old one is there.
-            EXPECT_EQ(journal, device().FileBytes(kOldJournal));
-            Put(kJournal, journal);
-            device().Remove(kOldJournal);
+            TakeOlderList(journal);
         } else if (!(backup == kNothing)) {
             EXPECT_EQ(journal, Content(kJournal)) << "a backup that failed";
         }
@@ -129,6 +151,69 @@ protected:
         EXPECT_EQ(states_.size(), HighestStateNumber(storage_.journal.get()));
         return std::string(row.function) + " " + std::to_string(n) + ", then " +
                BackUpUndisturbed();
+    }
+
+    // The card failed while the new list was written: the old one is there, and a restore offers
+    // it.
+    void TakeOlderList(const Bytes& journal) {
+        EXPECT_EQ(journal, device().FileBytes(kOldJournal));
+        CloseStorage(storage_);
+        EXPECT_TRUE(Open());
+        const DeviceImage before = tests::ImageOf(device().sim());
+        if (HighestStateNumber(storage_.journal.get()) == 0) {
+            // Not one record was written: no state is listed that could be restored.
+            Put(kJournal, journal);
+        } else {
+            TakesOlderList takes;
+            questions_ = &takes;
+            EXPECT_EQ(Done(ResultCode::kNotStarted),
+                      Restore(LastStoredState(storage_.journal.get())));
+            questions_ = nullptr;
+        }
+        EXPECT_EQ(Lines(), Differences(before.Lines(), ContentsOf(device().sim())));
+        EXPECT_EQ(journal, Content(kJournal));
+        device().Remove(kOldJournal);
+    }
+
+    // The device is empty; its ids are given out anew.
+    std::string ResetAndRestore() {
+        ResetDevice();
+        model() = tests::ImageOf(device().sim());
+        return "reset, " + RestoreAndCheck(1 + changes_.Below(states_.size()));
+    }
+
+    // A restore of which one call fails, and one that makes it good.
+    std::string RestoreDisturbed() {
+        const Disturbance& row = kDisturbedRestores[changes_.Below(std::size(kDisturbedRestores))];
+        const int n = 1 + static_cast<int>(changes_.Below(static_cast<std::size_t>(row.most)));
+        const std::uint32_t number = 1 + changes_.Below(states_.size());
+        device().Fault(row.function, n, 1, row.error);
+        Restore(number);
+        device().DropFaults();
+        CloseStorage(storage_);
+        EXPECT_TRUE(Open());
+        return std::string(row.function) + " " + std::to_string(n) + ", then " +
+               RestoreAndCheck(number);
+    }
+
+    // A journal that lost its end takes nothing from the device.
+    std::string RestoreFromACutJournal() {
+        const Bytes journal = Content(kJournal);
+        const std::size_t bytes = 32 + changes_.Below(journal.size() - 32);
+        Put(kJournal, journal.substr(0, bytes));
+        CloseStorage(storage_);
+        EXPECT_TRUE(Open());
+        const std::uint32_t last = LastStoredState(storage_.journal.get());
+        const Contents before = ContentsOf(device().sim());
+        if (FindingsInPair() != 0 && last != 0) {
+            Restore(last);
+            EXPECT_EQ(Lines(), tests::Lost(before, before, ContentsOf(device().sim())));
+        }
+        Put(kJournal, journal);
+        CloseStorage(storage_);
+        EXPECT_TRUE(Open());
+        return "a journal of " + std::to_string(bytes) + " bytes, " +
+               RestoreAndCheck(1 + changes_.Below(states_.size()));
     }
 
     std::string BackUpOntoAProtectedCard() {
@@ -208,17 +293,26 @@ protected:
     std::string Step() {
         const std::uint32_t kind = changes_.Below(100);
         std::string told = kind < 80 ? changes_.ChangeSome(10) : "";
-        if (kind < 25) {
+        if (kind < 20) {
             return told + BackUpWithHeldFiles() + ", then " + BackUpUndisturbed();
         }
-        if (kind < 55) {
+        if (kind < 43) {
             return told + BackUpDisturbed();
         }
-        if (kind < 60) {
+        if (kind < 58) {
+            return told + RestoreDisturbed();
+        }
+        if (kind < 63) {
+            return told + RestoreFromACutJournal();
+        }
+        if (kind < 68) {
             return told + BackUpOntoAProtectedCard();
         }
-        if (kind < 70) {
+        if (kind < 75) {
             return told + BackUpUndisturbed();
+        }
+        if (kind > 94) {
+            return told + ResetAndRestore();
         }
         told += RestoreAndCheck(1 + changes_.Below(states_.size()));
         return told;
@@ -235,6 +329,7 @@ TEST_P(DisturbedSeriesTest, NothingThatWasThereAndIsThereIsLost) {
     std::string story;
     for (int i = 0; i < kStepsOfASeries && !HasFailure(); ++i) {
         story += Step() + "\n";
+        EXPECT_EQ(0u, FindingsInPair());
     }
     EXPECT_FALSE(HasFailure()) << story;
     for (std::uint32_t number = 1; number <= states_.size() && !HasFailure(); ++number) {

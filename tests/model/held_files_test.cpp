@@ -46,6 +46,7 @@ protected:
         }
         const Answer answer = Backup();
         ASSERT_TRUE(answer.done);
+        EXPECT_EQ(0u, FindingsInPair());
         EXPECT_EQ(held.size(), backup_.held + backup_.kept);
         if (answer.code == ResultCode::kNoDifference) {
             EXPECT_EQ(Lines(), tests::Differences(states_.back().Lines(), expected.Lines()));

@@ -92,6 +92,7 @@ TEST_P(ModelTest, EveryStateComesBackWhateverHappenedBefore) {
     for (int i = 0; i < kStepsOfASeries && !HasFailure(); ++i) {
         story += Step() + "\n";
         ExpectDeviceIsAsTheModel();
+        EXPECT_EQ(0u, FindingsInPair());
     }
     EXPECT_FALSE(HasFailure()) << story;
     for (std::uint32_t number = 1; number <= states_.size() && !HasFailure(); ++number) {

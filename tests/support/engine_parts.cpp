@@ -9,6 +9,7 @@
 #include "storage/opened/journal.h"
 #include "storage/opened/storage_file.h"
 #include "storage/operations/backup_writer.h"
+#include "storage/operations/pair_proof.h"
 #include "storage/operations/restore_engine.h"
 
 namespace tolvenar {
@@ -68,6 +69,17 @@ Answer EngineParts::Restore(std::uint32_t state) {
 Answer EngineParts::RestoreAdvanced(bool invert) {
     const bool done = DoAdvancedRestore(engine_, invert, questions_, restore_);
     return {done, restore_.code};
+}
+
+std::size_t EngineParts::FindingsInPair() {
+    Descriptions descriptions(engine_);
+    PairCheck check(*storage_.journal, descriptions.stored);
+    EXPECT_TRUE(CheckOpenPair(engine_, descriptions, check));
+    std::size_t findings = check.findings_in_list();
+    for (const ObjectList::Node& node : *storage_.journal) {
+        findings += check.DamageOf(*node.record) == Damage::kNone ? 0 : 1;
+    }
+    return findings;
 }
 
 void SetStorageSettings() {

@@ -47,6 +47,9 @@ public:
     Answer Restore(std::uint32_t state);
     Answer RestoreAdvanced(bool invert);
 
+    // What the check of the storage's pair finds in its list and at its blocks: none in a sound one.
+    std::size_t FindingsInPair();
+
     OpenedStorage storage_{};
     DatabaseLayer databases_;
     ObjectInfo info_{storage_.registry_objects, databases_};

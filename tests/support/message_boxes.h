@@ -13,6 +13,7 @@ enum : unsigned {
     kQuestionBox = 0x10024,  // with Yes and No
     kWarningBox = 0x10030,
     kInformationBox = 0x10040,
+    kWarnedQuestionBox = 0x10134,  // with Yes and No, which is the default
 };
 
 struct Box {
@@ -53,6 +54,11 @@ inline const Box kStatesAreMissing = {
     "The storage file holds data, but its list of states is empty or missing. A first backup that "
     "was ended looks the same.\nThe data stay in the file; new states are added behind them.",
     kWarningBox};
+inline const Box kStorageIsDamaged = {
+    "Restore Fail. The storage is damaged: some items were left as they are. The log names them.",
+    kWarningBox};
+inline const Box kOlderListInUse = {
+    "The older list of states is in use now. Please choose the state to restore.", kInformationBox};
 inline const Box kHeaderUnread = {"Storage header was not created.", kPlainBox};
 inline const Box kOtherDevice = {"Storage file is not compatible with your device.", kPlainBox};
 inline const Box kOtherVersion = {

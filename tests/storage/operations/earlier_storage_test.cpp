@@ -46,6 +46,7 @@ protected:
 // Ids of the device that wrote it mean nothing here: an answer that tells of objects left over is
 // none of a loss.
 TEST_F(EarlierStorageTest, ItsStatesComeBackAndGoOn) {
+    EXPECT_EQ(0u, FindingsInPair());
     Restore(3);
     ExpectThirdState();
     EXPECT_EQ(Done(), Restore(1));

@@ -138,6 +138,14 @@ TEST_F(RestorePlanTest, TheChangesOfTwoStatesDeleteAKeyWithNothingNewInIt) {
     EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, L"Key"));
 }
 
+TEST_F(RestorePlanTest, AStateThatIsNoneIsNotRestored) {
+    device().PutFile(L"\\a.txt", "precious");
+    EXPECT_EQ(Failed(ResultCode::kNoSpace), Restore(1));
+    ASSERT_EQ(Done(), Backup(1));
+    EXPECT_EQ(Failed(ResultCode::kNoSpace), Restore(2));
+    EXPECT_EQ("precious", Content(u"\\a.txt"));
+}
+
 TEST_F(RestorePlanTest, WhatIsInUseIsNamedInTheLog) {
     RestoreTwoFilesOfWhichOneIsReadOnly();
     EXPECT_FALSE(restore_.is_damaged);
