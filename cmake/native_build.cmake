@@ -40,6 +40,8 @@ if(BUILD_TESTING)
   if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
     # 100,000 runs of each, fewer where a run costs more: all of them together are a minute at most.
     set(runs_journal_fuzz 12000)
+    set(runs_new_ids_fuzz 1500)
+    set(runs_replay_fuzz 10000)
     foreach(source IN LISTS fuzzers)
       get_filename_component(name ${source} NAME_WE)
       add_executable(${name} ${source})
