@@ -61,13 +61,22 @@ private:
 
 // The input as a storage file; every live object has the block that its low id bits choose, and
 // some stand in a table of registry objects, where key path and value name are apart.
-class FuzzSource : public LiveObjects, public InfoSource {
+class FuzzSource : public StoredObjects, public LiveObjects, public InfoSource {
 public:
     explicit FuzzSource(Bytes file)
-        : InfoSource(storage_, static_cast<LiveObjects&>(*this)), file_(std::move(file)) {}
+        : InfoSource(static_cast<StoredObjects&>(*this), static_cast<LiveObjects&>(*this)),
+          file_(std::move(file)) {}
     FuzzSource(const std::uint8_t* data, std::size_t size)
         : FuzzSource(Bytes(reinterpret_cast<const char*>(data), size)) {}
 
+    bool GetInfoFromStorage(std::uint32_t offset, InfoBlock& block) override {
+        block.Clear();
+        if (failing_reads > 0) {
+            --failing_reads;
+            return false;
+        }
+        return storage_.GetInfoFromStorage(offset, block);
+    }
     bool GetOIDInfo(std::uint32_t TolvOID, std::uint32_t dwOID, InfoBlock& block) override {
         block.Clear();
         return (TolvOID & 1) == 0 &&
@@ -89,6 +98,8 @@ public:
     }
 
     StorageReader& storage() { return storage_; }
+
+    int failing_reads = 0;  // so many stored blocks cannot be read for a moment
 
 private:
     MemoryBytes file_;

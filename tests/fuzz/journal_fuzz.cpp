@@ -164,6 +164,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     CheckSaving(*list, bad_begin);
     CheckRemoval(*list);
     Require(ResetList(list) && list->CountRecords() == 0 && list->MinStateNumber() == 0xFFFFFFFF);
+    Require(FindLastState(nullptr) == nullptr && LastStoredState(list.get()) == 0);
     ClearLog();
     return 0;
 }
