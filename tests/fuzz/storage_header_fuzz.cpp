@@ -21,15 +21,34 @@ void CheckHeader(const std::uint8_t* data, std::size_t size) {
     Require(StorageHeaderBytesToRead(header) <= sizeof header);
     Require(header.deviceName[99] == 0 && header.description[kMaxDescriptionUnits - 1] == 0);
     Require(std::u16string(header.description).size() <= header.descriptionBytes / 2);
-    CheckStorageHeader(header, header);
+    const bool is_old = header.formatFamily == 1 && header.formatRevision == 0;
+    Require(CheckStorageHeader(header, header) ==
+            (is_old ? OpenStorageResult::kUnsupportedRevision : OpenStorageResult::kOpened));
+    StorageHeader device = header;
+    ++device.osMinor;
+    Require(CheckStorageHeader(header, device) != OpenStorageResult::kOpened);
+    const bool is_named = std::u16string(ProcessorName(header.processorType)) != u"Unknown";
+    Require(!is_named || header.processorType != 0);
 }
 
-void CheckNames(const std::uint8_t* data, std::size_t size) {
-    std::u16string path(size / sizeof(char16_t), u'\0');
-    std::memcpy(path.data(), data, path.size() * sizeof(char16_t));
+// A description of any length is set as far as there is room for it.
+void CheckDescription(const std::u16string& text) {
+    StorageHeader header{};
+    SetDescription(header, text.data(), text.size());
+    Require(header.descriptionBytes <= kMaxDescriptionBytes);
+    const std::u16string_view set(header.description);
+    Require(set.size() < kMaxDescriptionUnits && text.compare(0, set.size(), set) == 0);
+}
+
+void CheckNames(const std::u16string& path) {
     StorageNames names;
     if (MakeStorageNames(path.c_str(), names)) {
         Require(std::u16string(names.journal_temporary) == std::u16string(names.path) + u".jrn_1");
+        for (const std::uint32_t number : {1u, 2u, 9999u}) {
+            char16_t name[kStorageNameUnits];
+            Require(MakeOldJournalName(names, number, name));
+            Require(std::u16string(name).find(u".jrn_old") == std::u16string(names.path).size());
+        }
     }
     StorageLocation location;
     if (SplitStoragePath(path.c_str(), location)) {
@@ -41,6 +60,9 @@ void CheckNames(const std::uint8_t* data, std::size_t size) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     CheckHeader(data, size);
-    CheckNames(data, size);
+    std::u16string text(size / sizeof(char16_t), u'\0');
+    std::memcpy(text.data(), data, text.size() * sizeof(char16_t));
+    CheckDescription(text);
+    CheckNames(text);
     return 0;
 }
