@@ -60,7 +60,7 @@ if(BUILD_TESTING)
       if(NOT DEFINED runs_${name})
         set(runs_${name} 100000)
       endif()
-      add_test(NAME ${name} COMMAND ${name} -runs=${runs_${name}} -max_len=1024 -seed=1 ${found}
+      add_test(NAME ${name} COMMAND ${name} -runs=${runs_${name}} -timeout=20 -max_len=1024 -seed=1 ${found}
         ${CMAKE_SOURCE_DIR}/tests/fuzz/corpus/${name})
     endforeach()
     target_sources(short_memory_fuzz PRIVATE tests/native/failing_new.cpp)

@@ -32,6 +32,30 @@ Bytes WithEmptyBlobsAt(Bytes buffer, std::size_t count, std::uint32_t base) {
     return buffer;
 }
 
+// Whether every text ends and every blob lies behind the array and inside the buffer.
+bool IsWhole(const Bytes& buffer, std::size_t count, std::uint32_t base) {
+    if (count > buffer.size() / kElementBytes) {
+        return false;
+    }
+    for (std::size_t i = 0; i < count; ++i) {
+        const StoredProperty property = At(buffer, i);
+        const bool is_blob = (property.propid & 0xFFFF) == 65 && property.value != 0;
+        if (!is_blob && !IsText(property)) {
+            continue;
+        }
+        const std::uint32_t place = (is_blob ? property.value_high : property.value) - base;
+        if (place < count * kElementBytes || place > buffer.size()) {
+            return false;
+        }
+        const Bytes behind = buffer.substr(place);
+        if (is_blob ? property.value > behind.size()
+                    : TextIn(behind).find(u'\0') == std::u16string::npos) {
+            return false;
+        }
+    }
+    return true;
+}
+
 bool FindText(const Bytes& buffer, std::size_t count, std::uint32_t propid) {
     const std::vector<char> exact = Exactly(buffer);
     TextBuffer<20> text;
@@ -45,9 +69,8 @@ void CheckTexts(const Bytes& buffer, std::size_t count, bool are_whole) {
     const std::size_t present = std::min(count, buffer.size() / kElementBytes);
     for (std::size_t i = 0; i < present; ++i) {
         const StoredProperty property = At(buffer, i);
-        bool is_text = IsText(property);
         const bool found = FindText(buffer, count, property.propid);
-        Require(found || !is_text || !are_whole);
+        Require(found || !IsText(property) || !are_whole);
     }
     Require(!FindText(buffer, 0, 31));
     const std::vector<char> exact = Exactly(buffer);
@@ -60,6 +83,7 @@ void CheckTexts(const Bytes& buffer, std::size_t count, bool are_whole) {
 void CheckTurning(const Bytes& given, std::size_t count, std::uint32_t base) {
     std::vector<char> buffer = Exactly(given);
     const bool is_whole = PointersToOffsets(buffer.data(), buffer.size(), count, base);
+    Require(is_whole == IsWhole(given, count, base));
     const Bytes stored = Content(buffer);
     const std::size_t array = std::min(count * kElementBytes, given.size());
     Require(given.substr(array) == stored.substr(array));
@@ -74,6 +98,17 @@ void CheckTurning(const Bytes& given, std::size_t count, std::uint32_t base) {
     Require(Content(buffer) == WithEmptyBlobsAt(given, count, base));
     Require(PointersToOffsets(buffer.data(), buffer.size(), count, base));
     Require(Content(buffer) == stored);
+}
+
+// The same from offsets on.
+void CheckTurningBack(const Bytes& given, std::size_t count, std::uint32_t base) {
+    std::vector<char> buffer = Exactly(given);
+    const bool is_whole = OffsetsToPointers(buffer.data(), buffer.size(), count, base);
+    Require(is_whole == IsWhole(given, count, 0));
+    if (is_whole) {
+        Require(PointersToOffsets(buffer.data(), buffer.size(), count, base));
+        Require(Content(buffer) == WithEmptyBlobsAt(given, count, 0));
+    }
 }
 
 // One checksum, however its bytes are cut.
@@ -99,6 +134,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const Bytes buffer = input.Rest();
     CheckTurning(buffer, count, base);
     CheckTurning(buffer, count, 0);
+    CheckTurningBack(buffer, count, base);
     CheckChecksum(buffer, base % 300);
     return 0;
 }

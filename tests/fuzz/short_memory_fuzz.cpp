@@ -230,8 +230,8 @@ bool RememberNames(Device& device, Bytes& result) {
 }
 
 using Operation = bool (*)(Device&, Bytes&);
-constexpr Operation kOperations[] = {LoadJournal, BuildState,  Compare,    KeepStored,
-                                     EnterNewIds, SplitNames,  Identify,   BuildTree,
+constexpr Operation kOperations[] = {LoadJournal, BuildState,   Compare,  KeepStored,
+                                     EnterNewIds, SplitNames,   Identify, BuildTree,
                                      FindObjects, RememberNames};
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include "difftree/model/difference_tree.h"
 #include "difftree/model/list_enumerator.h"
+#include "snapshot/compare/record_info.h"
 #include "tests/fuzz/fuzz_source.h"
 #include "tests/native/recording_log.h"
 #include "tests/support/fake_tree.h"
@@ -73,13 +74,33 @@ void CheckOrder(const FakeItem& folder) {
 // A path has a node for every second unit at most; the rest are categories, hives and groups.
 std::size_t MostNodes(std::size_t objects) { return 12 + objects * (kObjectNameUnits / 2 + 8); }
 
+// Given out is what can be described as an object of its record's type.
+void CheckObjects(const ObjectList& list, FuzzSource& info) {
+    std::size_t expected = 0;
+    for (const ObjectRecord& record : RecordsOf(list)) {
+        InfoBlock block;
+        expected += record.type != ObjectType::kState && FetchInfo(record, info, block) &&
+                    block.type() == record.type;
+    }
+    NamedContents contents;
+    ListEnumerator objects(&list, &info.storage(), info, contents);
+    EnumeratedObject object{};
+    int answer = 0;
+    while ((answer = objects.Next(object)) != DifferenceEnumerator::kEndOfList) {
+        Require(answer == DifferenceEnumerator::kObject ||
+                answer == DifferenceEnumerator::kNoObject);
+        expected -= answer == DifferenceEnumerator::kObject;
+    }
+    Require(expected == 0);
+}
+
 void CheckTree(const ObjectList& list, FuzzSource& info, bool has_storage, const TreeBuild& build) {
     NamedContents contents;
     ListEnumerator objects(&list, has_storage ? &info.storage() : nullptr, info, contents);
     bool is_readable = true;
     for (const ObjectRecord& record : RecordsOf(list)) {
-        is_readable = is_readable && (has_storage || record.propOffset == 0 ||
-                                      record.type == ObjectType::kState);
+        is_readable = is_readable &&
+                      (has_storage || record.propOffset == 0 || record.type == ObjectType::kState);
     }
     FakeTree tree;
     Require(BuildDifferenceTree(tree, EnglishTexts(), objects, build) == (is_readable ? 1 : 0));
@@ -108,6 +129,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const Bytes records = input.TakeBytes(sizeof(ObjectRecord) * (input.Byte() % 32));
     FuzzSource info(input.Rest());
     const auto list = LoadRecords(records.data(), records.size());
+    CheckObjects(*list, info);
     for (const bool advanced_view : {false, true}) {
         build.advanced_view = advanced_view;
         CheckTree(*list, info, (options & 32) == 0, build);
