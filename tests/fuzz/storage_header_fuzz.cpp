@@ -27,8 +27,7 @@ void CheckHeader(const std::uint8_t* data, std::size_t size) {
     StorageHeader device = header;
     ++device.osMinor;
     Require(CheckStorageHeader(header, device) != OpenStorageResult::kOpened);
-    const bool is_named = std::u16string(ProcessorName(header.processorType)) != u"Unknown";
-    Require(!is_named || header.processorType != 0);
+    Require(ProcessorName(header.processorType)[0] != 0);
 }
 
 // A description of any length is set as far as there is room for it.
