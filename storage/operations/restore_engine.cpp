@@ -256,13 +256,13 @@ bool DoRestore(Engine& engine, std::uint32_t state_number, RestoreQuestions* que
                RestoreResult& result) {
     const RegistryObjectsScope registry_objects(engine.storage);
     result = {};
-    // A state that is none holds nothing: everything on the device would be deleted for it.
-    const ObjectList* const journal = engine.storage.journal.get();
-    if (journal != nullptr && FindState(journal, state_number) == nullptr) {
-        return FailEarly(engine.storage, ResultCode::kNoSpace, result);
-    }
     if (!FindDifference(engine, state_number)) {
         return FailEarly(engine.storage, ResultCode::kNoDifferenceList, result);
+    }
+    // A state that is none holds nothing: everything on the device would be deleted for it.
+    if (FindState(engine.storage.journal.get(), state_number) == nullptr) {
+        engine.storage.difference.reset();
+        return FailEarly(engine.storage, ResultCode::kNoSpace, result);
     }
     return Restore(engine, questions, result, true).RunFull();
 }
