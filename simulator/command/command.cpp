@@ -27,7 +27,7 @@ const CommandRows& Commands() {
         {"lock", 1, 2, RunLock, "PATH [none|read|write]"},
         {"unlock", 1, 1, RunUnlock, "PATH"},
 
-        {"fault", 3, 5, RunFault, "FUNCTION N [COUNT] ERROR [MATCH]"},
+        {"fault", 3, 5, RunFault, "FUNCTION N [COUNT] ERROR|short [MATCH]"},
         {"delay", 3, 4, RunDelay, "FUNCTION N MS [MATCH]"},
         {"crash", 2, 3, RunCrash, "FUNCTION N [MATCH]"},
         {"crash-half", 2, 3, RunCrashHalf, "WriteFile N [MATCH]"},

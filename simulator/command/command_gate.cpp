@@ -15,6 +15,11 @@ bool IsNumber(const std::string& word) {
            std::all_of(word.begin(), word.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
+// In the place of an error: the call succeeds with half of the bytes.
+constexpr char kShortWord[] = "short";
+
+bool IsErrorWord(const std::string& word) { return word == kShortWord || IsNumber(word); }
+
 Rule RuleOf(RuleKind kind, const Words& words) {
     Rule rule;
     rule.kind = kind;
@@ -44,6 +49,9 @@ Json RuleAsJson(const Rule& rule) {
                  {"fired", rule.fired}};
     if (rule.kind == RuleKind::kFault) {
         json["error"] = rule.value;
+    }
+    if (rule.kind == RuleKind::kShort) {
+        json["error"] = kShortWord;
     }
     if (rule.kind == RuleKind::kDelay) {
         json["milliseconds"] = rule.value;
@@ -79,17 +87,23 @@ constexpr struct {
 
 }  // namespace
 
-// FUNCTION N [COUNT] ERROR [MATCH]: of four words the last is the error when it is a number.
+// FUNCTION N [COUNT] ERROR [MATCH]: of four words the last is the error when it can be one and the
+// third a count.
 Json RunFault(Device& device, const Words& words) {
     Rule rule = RuleOf(RuleKind::kFault, words);
-    const bool has_count = words.size() == 5 || (words.size() == 4 && IsNumber(words[3]));
+    const bool has_count =
+        words.size() == 5 || (words.size() == 4 && words[2] != kShortWord && IsErrorWord(words[3]));
     const std::size_t error_at = has_count ? 3 : 2;
     if (has_count) {
         rule.count = static_cast<long>(Number(words[2]));
     }
-    rule.value = static_cast<long>(Number(words[error_at]));
-    if (rule.value == 0) {
-        throw CommandError("error 0 is no failure");
+    if (words[error_at] == kShortWord) {
+        rule.kind = RuleKind::kShort;
+    } else {
+        rule.value = static_cast<long>(Number(words[error_at]));
+        if (rule.value == 0) {
+            throw CommandError("error 0 is no failure");
+        }
     }
     if (words.size() > error_at + 1) {
         rule.match = words[error_at + 1];

@@ -45,6 +45,18 @@ BOOL OnFile(Call call, HANDLE handle, Body&& body, const Arguments&... arguments
         call, FALSE, [&] { return WithFile(handle, body); }, handle, arguments...);
 }
 
+// The same for a call that reads or writes: the body is told how many of the bytes it takes.
+template <typename Body>
+BOOL OnTransfer(Call call, HANDLE handle, Body&& body, DWORD bytes) {
+    return Gated(
+        call, FALSE,
+        [&] {
+            const DWORD part = sim::BytesToTransfer(bytes);
+            return WithFile(handle, [&](File& file) { return body(file, part); });
+        },
+        handle, bytes);
+}
+
 HANDLE OpenHandle(const sim::files::OpenRequest& request) {
     LastError last_error;
     std::uint32_t error = 0;
@@ -103,11 +115,11 @@ HANDLE WINAPI CreateFileForMappingW(LPCWSTR path, DWORD access, DWORD share, LPS
 }
 
 BOOL WINAPI ReadFile(HANDLE handle, LPVOID buffer, DWORD bytes, LPDWORD got, LPOVERLAPPED) {
-    return OnFile(
+    return OnTransfer(
         Call::ReadFile, handle,
-        [&](File& file) -> std::uint32_t {
+        [&](File& file, DWORD part) -> std::uint32_t {
             std::uint32_t count = 0;
-            const std::uint32_t error = file.Read(buffer, bytes, count);
+            const std::uint32_t error = file.Read(buffer, part, count);
             if (got != nullptr) {
                 *got = count;
             }
@@ -117,15 +129,15 @@ BOOL WINAPI ReadFile(HANDLE handle, LPVOID buffer, DWORD bytes, LPDWORD got, LPO
 }
 
 BOOL WINAPI WriteFile(HANDLE handle, LPCVOID buffer, DWORD bytes, LPDWORD put, LPOVERLAPPED) {
-    return OnFile(
+    return OnTransfer(
         Call::WriteFile, handle,
-        [&](File& file) -> std::uint32_t {
+        [&](File& file, DWORD part) -> std::uint32_t {
             std::uint32_t count = 0;
             if (sim::TakeHalfWrite()) {
-                file.Write(buffer, bytes / 2, count);
+                file.Write(buffer, part / 2, count);
                 sim::EndThisProcess(sim::kCrashExitCode);
             }
-            const std::uint32_t error = file.Write(buffer, bytes, count);
+            const std::uint32_t error = file.Write(buffer, part, count);
             if (put != nullptr) {
                 *put = count;
             }

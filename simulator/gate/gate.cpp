@@ -53,6 +53,7 @@ struct Attachment {
 std::mutex device_lock;
 std::atomic<Attachment*> attached{nullptr};
 thread_local bool half_write = false;
+thread_local bool short_transfer = false;
 
 // The next call asks for the device of this process again.
 Attachment::~Attachment() { attached = nullptr; }
@@ -168,8 +169,10 @@ std::uint32_t GateEntry::DecideByRules() {
             case RuleKind::kDelay: HoldUp(rule); break;
             case RuleKind::kCrash: WriteTrace("crash"); EndThisProcess(kCrashExitCode);
             case RuleKind::kCrashHalf: half_write = true; break;
+            case RuleKind::kShort: short_transfer = true; break;
         }
     }
+    short_transfer = short_transfer && error == 0;
     if (error != 0 && traces_) {
         ::SetLastError(error);
         WriteTrace("fault");
@@ -213,6 +216,12 @@ bool TakeHalfWrite() {
     const bool taken = half_write;
     half_write = false;
     return taken;
+}
+
+std::uint32_t BytesToTransfer(std::uint32_t bytes) {
+    const bool is_short = short_transfer && bytes > 1;
+    short_transfer = false;
+    return is_short ? bytes / 2 : bytes;
 }
 
 void SetHostError(std::uint32_t error) { ::SetLastError(error); }

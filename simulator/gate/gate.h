@@ -62,6 +62,10 @@ constexpr unsigned kCrashExitCode = 0xCD;
 // ends the process.
 bool TakeHalfWrite();
 
+// How many of the `bytes` that are asked for a read or write takes: half in a call that a "short"
+// rule chose, but at least one.
+std::uint32_t BytesToTransfer(std::uint32_t bytes);
+
 void SetHostError(std::uint32_t error);
 
 // Runs `body` as the platform call `call`. A failing rule sets the last error and gives `failure`.

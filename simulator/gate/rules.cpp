@@ -45,8 +45,15 @@ Rule Told(const GateRule& row) {
 
 }  // namespace
 
+bool CanBeShort(const std::string& function) {
+    return function == "ReadFile" || function == "WriteFile";
+}
+
 void AddRule(Device& device, const Rule& rule) {
     const long call = CallOf(rule.function);
+    if (rule.kind == RuleKind::kShort && !CanBeShort(rule.function)) {
+        throw std::runtime_error("only ReadFile and WriteFile can be short");
+    }
     if (rule.match.size() >= sizeof GateRule::match) {
         throw std::runtime_error("the text to match is too long");
     }
@@ -89,7 +96,8 @@ void ClearRules(Device& device) {
 
 const char* RuleKindName(RuleKind kind) {
     switch (kind) {
-        case RuleKind::kFault: return "fault";
+        case RuleKind::kFault:
+        case RuleKind::kShort: return "fault";
         case RuleKind::kDelay: return "delay";
         case RuleKind::kCrash: return "crash";
         case RuleKind::kCrashHalf: return "crash-half";

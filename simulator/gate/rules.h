@@ -9,7 +9,7 @@
 
 namespace sim {
 
-enum class RuleKind { kFault = 1, kDelay, kCrash, kCrashHalf };
+enum class RuleKind { kFault = 1, kDelay, kCrash, kCrashHalf, kShort };
 
 struct Rule {
     RuleKind kind = RuleKind::kFault;
@@ -22,7 +22,12 @@ struct Rule {
     long fired = 0;        // of these, how many the rule met
 };
 
-// Throws std::runtime_error for an unknown function or when the table is full.
+// Whether a call of this function may succeed with fewer bytes than were asked for, as a kShort
+// rule makes it do.
+bool CanBeShort(const std::string& function);
+
+// Throws std::runtime_error for an unknown function, for a kShort rule of one that cannot be short,
+// or when the table is full.
 void AddRule(Device& device, const Rule& rule);
 std::vector<Rule> Rules(Device& device);
 void ClearRules(Device& device);

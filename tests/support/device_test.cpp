@@ -90,6 +90,10 @@ void TestDevice::Fault(const std::string& function, int n, int count, std::uint3
     Command(line);
 }
 
+void TestDevice::Short(const std::string& function, int n, int count) {
+    Command("fault " + function + " " + std::to_string(n) + " " + std::to_string(count) + " short");
+}
+
 std::string TestDevice::Faults() { return Command("faults"); }
 
 void TestDevice::EndFaults() {

@@ -49,6 +49,8 @@ public:
     // counted whose arguments hold `match`.
     void Fault(const std::string& function, int n, int count, std::uint32_t error,
                const std::string& match = "");
+    // The same calls of ReadFile or WriteFile succeed with half of the bytes.
+    void Short(const std::string& function, int n, int count = 1);
     // The rules that never fired, as JSON: "[]" when there is none.
     std::string Faults();
     // Ends all rules. The test fails when one of them never fired.
