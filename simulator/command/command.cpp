@@ -26,6 +26,7 @@ const CommandRows& Commands() {
         {"ls", 1, 1, RunLs, "PATH"},
         {"lock", 1, 2, RunLock, "PATH [none|read|write]"},
         {"unlock", 1, 1, RunUnlock, "PATH"},
+        {"lose", 1, 2, RunLose, "SEED [CHANGES]"},
 
         {"fault", 3, 5, RunFault, "FUNCTION N [COUNT] ERROR|short [MATCH]"},
         {"delay", 3, 4, RunDelay, "FUNCTION N MS [MATCH]"},

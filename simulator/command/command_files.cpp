@@ -1,7 +1,8 @@
-// put, get, mkdir, rm, mv, attr, touch, ls, lock, unlock: the device's files, past attributes and
-// sharing.
+// put, get, mkdir, rm, mv, attr, touch, ls, lock, unlock, lose: the device's files, past attributes
+// and sharing, and a card that loses its power.
 #include "simulator/command/command_row.h"
 #include "simulator/files/files.h"
+#include "simulator/files/power_loss.h"
 
 namespace sim {
 namespace {
@@ -72,6 +73,13 @@ Json RunLock(Device& device, const Words& words) {
 Json RunUnlock(Device& device, const Words& words) {
     files::Unlock(device, Wide(words[0]));
     return Done();
+}
+
+Json RunLose(Device& device, const Words& words) {
+    const auto seed = static_cast<std::uint32_t>(Number(words[0]));
+    const std::uint32_t moment =
+        words.size() > 1 ? static_cast<std::uint32_t>(Number(words[1])) : files::kAfterAllChanges;
+    return {{"changes", files::LosePower(device, seed, moment)}};
 }
 
 }  // namespace sim

@@ -39,7 +39,8 @@ Json RunRow(const CommandRows& rows, const std::string& prefix, Device& device, 
 // The handlers, by family; the table of commands is in command.cpp.
 CommandHandler RunDbImport, RunDbExport, RunDbDelete;
 CommandHandler RunNotifications, RunFire, RunTick;
-CommandHandler RunPut, RunGet, RunMkdir, RunRm, RunMv, RunAttr, RunTouch, RunLs, RunLock, RunUnlock;
+CommandHandler RunPut, RunGet, RunMkdir, RunRm, RunMv, RunAttr, RunTouch, RunLs, RunLock, RunUnlock,
+    RunLose;
 CommandHandler RunFault, RunDelay, RunCrash, RunCrashHalf, RunFaults, RunTrace, RunCounters;
 CommandHandler RunRun, RunStart, RunPs, RunKill;
 CommandHandler RunCreate, RunExport, RunDump, RunInstall;

@@ -163,11 +163,8 @@ BOOL WINAPI SetEndOfFile(HANDLE handle) {
     return OnFile(Call::SetEndOfFile, handle, [](File& file) { return file.SetEnd(); });
 }
 
-// Every write is on the device's medium at once; there is nothing left to flush.
 BOOL WINAPI FlushFileBuffers(HANDLE handle) {
-    return OnFile(Call::FlushFileBuffers, handle, [](File& file) -> std::uint32_t {
-        return file.writes() ? NO_ERROR : ERROR_ACCESS_DENIED;
-    });
+    return OnFile(Call::FlushFileBuffers, handle, [](File& file) { return file.Flush(); });
 }
 
 DWORD WINAPI GetFileSize(HANDLE handle, LPDWORD size_high) {

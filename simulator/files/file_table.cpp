@@ -5,6 +5,8 @@
 #include <random>
 #include <windows.h>
 
+#include "simulator/files/key_number.h"
+
 namespace sim::files {
 namespace {
 
@@ -24,27 +26,10 @@ struct NodeHead {
 const std::u16string kNodes = u"f/n/";
 const std::u16string kNextNumber = u"f/next";
 
-std::u16string Hex(std::uint32_t number) {
-    std::u16string text(8, u'0');
-    for (std::size_t i = 8; i-- > 0; number >>= 4) {
-        text[i] = u"0123456789abcdef"[number & 15];
-    }
-    return text;
-}
-
-std::uint32_t NumberOf(const std::u16string& hex) {
-    std::uint32_t number = 0;
-    for (const char16_t digit : hex) {
-        number = number * 16 +
-                 static_cast<std::uint32_t>(digit <= u'9' ? digit - u'0' : digit - u'a' + 10);
-    }
-    return number;
-}
-
-std::u16string NodeKey(std::uint32_t number) { return kNodes + Hex(number); }
-std::u16string OidKey(std::uint32_t oid) { return u"f/o/" + Hex(oid); }
-std::u16string LockKey(std::uint32_t number) { return u"f/l/" + Hex(number); }
-std::u16string ChildrenKey(std::uint32_t parent) { return u"f/c/" + Hex(parent) + u"/"; }
+std::u16string NodeKey(std::uint32_t number) { return kNodes + KeyNumber(number); }
+std::u16string OidKey(std::uint32_t oid) { return u"f/o/" + KeyNumber(oid); }
+std::u16string LockKey(std::uint32_t number) { return u"f/l/" + KeyNumber(number); }
+std::u16string ChildrenKey(std::uint32_t parent) { return u"f/c/" + KeyNumber(parent) + u"/"; }
 std::u16string ChildKey(std::uint32_t parent, const std::wstring& name) {
     const std::wstring folded = Fold(name);
     return ChildrenKey(parent) + std::u16string(folded.begin(), folded.end());
@@ -169,7 +154,7 @@ std::vector<std::uint32_t> FileTable::All() {
     std::vector<std::uint32_t> numbers;
     for (auto at = view.map().lower_bound(kNodes);
          at != view.map().end() && StartsWith(at->first, kNodes); ++at) {
-        numbers.push_back(NumberOf(at->first.substr(kNodes.size())));
+        numbers.push_back(NumberOfKey(at->first.substr(kNodes.size())));
     }
     return numbers;
 }

@@ -7,6 +7,7 @@
 //   f/o/<object id>        number
 //   f/l/<number>           "none", "read" or "write": held open by the tester, sharing this
 //   f/next                 next number
+//   f/u/...                what was not flushed yet: see unsynced.h
 #pragma once
 
 #include <cstdint>

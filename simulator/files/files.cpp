@@ -5,6 +5,7 @@
 
 #include "simulator/files/file_table.h"
 #include "simulator/files/space.h"
+#include "simulator/files/unsynced.h"
 #include "simulator/host/host_files.h"
 #include "simulator/store/utf8.h"
 
@@ -56,6 +57,7 @@ void EraseTree(FileTable& table, const Node& node) {
         }
     }
     const std::uint32_t size = table.SizeOf(node);
+    Forget(table, node.number);
     table.Remove(node);
     if (!node.is_rom()) {
         GiveSpaceBack(table, node.on_card, size);
@@ -132,6 +134,7 @@ void Put(Device& device, const std::wstring& path, const std::string& bytes) {
         AddToUsed(table, node.on_card, static_cast<std::uint32_t>(bytes.size()));
     }
     ::InterlockedExchange(&table.slot(node.number).size, static_cast<long>(bytes.size()));
+    Forget(table, node.number);
     if (old) {
         table.SetModified(node, device.WriteTimeUtc());
     }
@@ -204,6 +207,7 @@ void Rename(Device& device, const std::wstring& from, const std::wstring& to) {
         throw FileError(to, ERROR_NOT_SAME_DEVICE);
     }
     table.Move(node, target.parent, target.name);
+    Forget(table, node.number);
 }
 
 void ReplaceAttributes(Device& device, const std::wstring& path, std::uint32_t attributes) {
@@ -212,6 +216,7 @@ void ReplaceAttributes(Device& device, const std::wstring& path, std::uint32_t a
     Node node = Existing(table, path);
     const std::uint32_t shown_only = kFolder | kNormal | kTemporary;
     const bool was_rom = node.is_rom();
+    Forget(table, node.number);
     table.SetStoredAttributes(node,
                               (attributes & ~shown_only) | (node.stored_attributes & kFolder));
     if (node.is_rom() == was_rom) {
@@ -228,7 +233,9 @@ void ReplaceAttributes(Device& device, const std::wstring& path, std::uint32_t a
 
 void Touch(Device& device, const std::wstring& path, std::uint64_t filetime) {
     FileTable& table = FileTable::Of(device);
-    table.SetTimes(Existing(table, path), {filetime, filetime, filetime});
+    const Node node = Existing(table, path);
+    table.SetTimes(node, {filetime, filetime, filetime});
+    Forget(table, node.number);
 }
 
 void Lock(Device& device, const std::wstring& path, const std::string& mode) {
@@ -299,6 +306,12 @@ bool ApplyFileSetting(Device& device, const std::string& name, const std::string
         SetFree(device, name == "card.free", number);
     } else if (name == "oid.next") {
         device.SetNextObjectId(static_cast<std::uint32_t>(number));
+    } else if (name == "card.unsynced") {
+        if (value != "yes" && value != "no" && value != "always") {
+            throw std::runtime_error("card.unsynced is yes, no or always");
+        }
+        device.SetSetting(name, value);
+        ForgetAll(FileTable::Of(device));
     } else if (name == "card.name") {
         FileTable& table = FileTable::Of(device);
         LogStore::Change change(table.store());

@@ -67,8 +67,8 @@ std::vector<Entry> ListAll(Device& device);
 // The host file with a file's content, for reading; empty when there is no such file.
 std::wstring HostFile(Device& device, const std::wstring& path);
 
-// A setting that this area has to act on: "store.free", "card.free", "oid.next", "card.name". False
-// when the name is none of them.
+// A setting that this area has to act on: "store.free", "card.free", "oid.next", "card.name",
+// "card.unsynced". False when the name is none of them.
 bool ApplyFileSetting(Device& device, const std::string& name, const std::string& value);
 
 }  // namespace sim::files

@@ -30,6 +30,10 @@ std::uint32_t CheckFile(OpenFile& file, std::uint32_t protection, std::uint32_t 
     if (IsWritable(protection) && !file.writes()) {
         return ERROR_ACCESS_DENIED;
     }
+    // What is written through a view could not be noted.
+    if (IsWritable(protection) && file.is_unsynced()) {
+        return ERROR_NOT_SUPPORTED;
+    }
     std::uint32_t size = 0;
     if (const std::uint32_t error = file.Size(size)) {
         return error;

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include "simulator/files/space.h"
+#include "simulator/files/unsynced.h"
 
 namespace sim::files {
 namespace {
@@ -75,6 +76,9 @@ std::uint32_t OpenFile::Write(const void* buffer, std::uint32_t bytes, std::uint
     if (more != 0) {
         ::InterlockedExchange(&place.size, static_cast<long>(end));
     }
+    NoteChange(table_, node_,
+               {ChangeKind::kWrite, static_cast<std::uint32_t>(start),
+                std::string(static_cast<const char*>(buffer), bytes)});
     Touch();
     put = count;
     return 0;
@@ -131,10 +135,21 @@ std::uint32_t OpenFile::SetSize(std::uint32_t bytes) {
     }
     ::InterlockedExchange(&place.size, static_cast<long>(bytes));
     if (bytes != size) {
+        NoteChange(table_, node_, {ChangeKind::kSize, bytes, {}});
         Touch();
     }
     return 0;
 }
+
+std::uint32_t OpenFile::Flush() {
+    if (!writes_) {
+        return ERROR_ACCESS_DENIED;
+    }
+    NoteFlush(table_, node_);
+    return 0;
+}
+
+bool OpenFile::is_unsynced() const { return IsUnsynced(table_, node_); }
 
 std::uint32_t OpenFile::Size(std::uint32_t& size) {
     if (host_ == nullptr) {
@@ -148,6 +163,7 @@ std::uint32_t OpenFile::SetTimes(const Times& times) {
     if (!writes_) {
         return ERROR_ACCESS_DENIED;
     }
+    NoteChange(table_, node_, {ChangeKind::kEntry, 0, {}});
     table_.SetTimes(node_, times);
     return 0;
 }

@@ -44,6 +44,7 @@ public:
     std::uint32_t Seek(long distance, long* distance_high, std::uint32_t method,
                        std::uint32_t& position);
     std::uint32_t SetEnd();
+    std::uint32_t Flush();
     // Makes the file at least so large, as a mapping does that is larger than its file.
     std::uint32_t GrowTo(std::uint32_t bytes);
     std::uint32_t Size(std::uint32_t& size);
@@ -55,6 +56,7 @@ public:
 
     bool writes() const { return writes_; }
     bool for_mapping() const { return for_mapping_; }
+    bool is_unsynced() const;
     bool is_folder() const { return node_.is_folder(); }
     void* host() const { return host_; }
 

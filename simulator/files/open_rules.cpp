@@ -4,6 +4,7 @@
 #include "simulator/files/open_file.h"
 #include "simulator/files/sharing.h"
 #include "simulator/files/space.h"
+#include "simulator/files/unsynced.h"
 #include "simulator/processes/processes.h"
 
 namespace sim::files {
@@ -114,6 +115,7 @@ void AfterTruncation(FileTable& table, Node& node, const OpenRequest& request,
                      std::uint32_t old_size) {
     GiveSpaceBack(table, node.on_card, old_size);
     ::InterlockedExchange(&table.slot(node.number).size, 0);
+    NoteChange(table, node, {ChangeKind::kSize, 0, {}});
     table.SetModified(node, table.device().WriteTimeUtc());
     if (request.disposition == CREATE_ALWAYS) {
         table.SetStoredAttributes(node, NewAttributes(request));
@@ -128,6 +130,9 @@ std::shared_ptr<OpenFile> OpenExisting(FileTable& table, Node node, const OpenRe
     error = CheckFile(table, node, request);
     if (error != 0) {
         return nullptr;
+    }
+    if (Writes(request)) {
+        KeepBase(table, node);
     }
     const std::uint32_t old_size = Truncates(request) ? table.SizeOf(node) : 0;
     HANDLE host = OpenContent(table, node, request);
@@ -165,6 +170,7 @@ std::shared_ptr<OpenFile> OpenNew(FileTable& table, const Found& found, const Op
         table.Remove(node);
         return nullptr;
     }
+    NoteNew(table, node);
     const bool writes = (HostAccess(request.access) & GENERIC_WRITE) != 0;
     return std::make_shared<OpenFile>(table, node, host, writes, request.for_mapping);
 }

@@ -5,6 +5,7 @@
 #include "simulator/files/open_file.h"
 #include "simulator/files/sharing.h"
 #include "simulator/files/space.h"
+#include "simulator/files/unsynced.h"
 
 namespace sim::files {
 namespace {
@@ -82,6 +83,7 @@ std::uint32_t DeleteFileNode(FileTable& table, const Node& node) {
         return error;
     }
     const std::uint32_t size = table.SizeOf(node);
+    NoteChange(table, node, {ChangeKind::kGone, 0, {}});
     table.Remove(node);
     GiveSpaceBack(table, node.on_card, size);
     return 0;
@@ -101,6 +103,7 @@ std::uint32_t RemoveFolderNode(FileTable& table, const Node& node) {
     if (table.HasChildren(node.number)) {
         return ERROR_DIR_NOT_EMPTY;
     }
+    NoteChange(table, node, {ChangeKind::kGone, 0, {}});
     table.Remove(node);
     return 0;
 }
@@ -121,6 +124,8 @@ std::uint32_t MoveOne(Device& device, const wchar_t* from_path, const wchar_t* t
             return error;
         }
         if (to.parent.on_card == from.node.on_card) {
+            NoteChange(table, from.node,
+                       {ChangeKind::kPlace, to.parent.number, NameBytes(to.name)});
             table.Move(from.node, to.parent, to.name);
             return 0;
         }
@@ -175,7 +180,7 @@ std::uint32_t CreateFolder(Device& device, const wchar_t* path) {
     if (table.IsProtected(found.parent)) {
         return ERROR_WRITE_PROTECT;
     }
-    table.Add(found.parent, found.name, kFolder);
+    NoteNew(table, table.Add(found.parent, found.name, kFolder));
     return 0;
 }
 
@@ -200,6 +205,7 @@ std::uint32_t SetAttributes(Device& device, const wchar_t* path, std::uint32_t a
         if (node.number == kRoot || node.is_rom()) {
             return ERROR_ACCESS_DENIED;
         }
+        NoteChange(table, node, {ChangeKind::kEntry, 0, {}});
         table.SetStoredAttributes(node,
                                   (node.stored_attributes & ~kSettable) | (attributes & kSettable));
         return 0;

@@ -94,6 +94,10 @@ void TestDevice::Short(const std::string& function, int n, int count) {
     Command("fault " + function + " " + std::to_string(n) + " " + std::to_string(count) + " short");
 }
 
+std::uint32_t TestDevice::LosePower(std::uint32_t seed, std::uint32_t moment) {
+    return sim::files::LosePower(device_, seed, moment);
+}
+
 std::string TestDevice::Faults() { return Command("faults"); }
 
 void TestDevice::EndFaults() {

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "simulator/files/files.h"
+#include "simulator/files/power_loss.h"
 #include "simulator/store/device.h"
 
 namespace tests {
@@ -51,6 +52,10 @@ public:
                const std::string& match = "");
     // The same calls of ReadFile or WriteFile succeed with half of the bytes.
     void Short(const std::string& function, int n, int count = 1);
+    // The card loses its power after the first `moment` changes: see `lose` in docs/simulator.md.
+    // Returns how many changes there were.
+    std::uint32_t LosePower(std::uint32_t seed,
+                            std::uint32_t moment = sim::files::kAfterAllChanges);
     // The rules that never fired, as JSON: "[]" when there is none.
     std::string Faults();
     // Ends all rules. The test fails when one of them never fired.
