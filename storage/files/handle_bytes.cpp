@@ -50,13 +50,24 @@ bool HandleBytes::ReadAt(std::uint32_t offset, void* buffer, std::uint32_t bytes
     if (!MoveTo(offset)) {
         return false;
     }
-    DWORD done = 0;
-    is_position_known_ = ::ReadFile(file_, buffer, bytes, &done, nullptr) != FALSE;
-    if (is_position_known_) {
-        read = done;
+    // A read may give fewer bytes than are there: only one that gives none has met the end. A
+    // record that was cut in the middle would be taken for the last one's rest, and all behind it
+    // shifted.
+    while (read < bytes) {
+        DWORD done = 0;
+        is_position_known_ = ::ReadFile(file_, static_cast<std::uint8_t*>(buffer) + read,
+                                        bytes - read, &done, nullptr) != FALSE;
+        if (!is_position_known_) {
+            read = 0;
+            return false;
+        }
+        if (done == 0) {
+            break;
+        }
+        read += done;
         position_ += done;
     }
-    return is_position_known_;
+    return true;
 }
 
 bool HandleBytes::Size(std::uint32_t& bytes) {

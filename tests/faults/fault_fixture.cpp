@@ -17,6 +17,8 @@ constexpr long kNever = 1000000000;
 constexpr std::size_t kStandingRules = 1;  // that of Attach
 sim::Rule RuleFor(const tests::FaultRow& row, long first) {
     sim::Rule rule;
+    rule.kind =
+        row.kind == tests::FaultKind::kShort ? sim::RuleKind::kShort : sim::RuleKind::kFault;
     rule.function = row.function;
     rule.first = first;
     rule.value = static_cast<long>(row.error);
@@ -197,10 +199,10 @@ ResultCode FaultTest::RunOnce(const Operation& operation, bool opens_itself,
     return code;
 }
 
-std::vector<long> FaultTest::CountCalls(const Operation& operation, bool opens_itself) {
-    PutBack();
+std::vector<long> FaultTest::CountCalls(const FaultRows& rows, const Operation& operation,
+                                        bool opens_itself) {
     std::vector<sim::Rule> rules;
-    for (const tests::FaultRow& row : tests::FaultRows()) {
+    for (const tests::FaultRow& row : rows) {
         rules.push_back(RuleFor(row, kNever));
     }
     sim::ClearCounters(device().sim());
@@ -212,7 +214,6 @@ std::vector<long> FaultTest::CountCalls(const Operation& operation, bool opens_i
         }
         EXPECT_TRUE(known) << function << " is called and never made to fail";
     }
-    Detach();
     std::vector<long> counts;
     for (std::size_t i = 0; i < rules.size(); ++i) {
         counts.push_back(met_[i + kStandingRules].seen);
@@ -228,22 +229,40 @@ std::string FaultTest::JournalAfter(const Operation& operation) {
     return journal;
 }
 
+FaultRun FaultTest::RunWithFault(const Operation& operation, bool opens_itself,
+                                 const tests::FaultRow& row, long number, long count) {
+    FaultRun run{row, number, count};
+    run.code = RunOnce(operation, opens_itself, {RuleFor(row, number)});
+    run.has_fired = met_[kStandingRules].fired != 0;
+    EXPECT_TRUE(!left_something_ || row.kind == tests::FaultKind::kCloses)
+        << "handles or memory were left";
+    Detach();  // closes what a call that could not close left open
+    Attach();
+    return run;
+}
+
 void FaultTest::FailEachCall(const Operation& operation,
                              const std::function<void(FaultRun&)>& check, bool opens_itself) {
-    const std::vector<long> counts = CountCalls(operation, opens_itself);
+    MeetEachCall(tests::FaultRows(), operation, check, opens_itself);
+}
+
+void FaultTest::ShortenEachCall(const Operation& operation,
+                                const std::function<void(FaultRun&)>& check, bool opens_itself) {
+    MeetEachCall(tests::ShortRows(), operation, check, opens_itself);
+}
+
+void FaultTest::MeetEachCall(const FaultRows& rows, const Operation& operation,
+                             const std::function<void(FaultRun&)>& check, bool opens_itself) {
+    PutBack();
+    const std::vector<long> counts = CountCalls(rows, operation, opens_itself);
+    Detach();
     for (std::size_t i = 0; i < counts.size(); ++i) {
-        const tests::FaultRow& row = tests::FaultRows()[i];
         for (const long number : Chosen(counts[i])) {
-            SCOPED_TRACE(std::string(row.function) + " " + std::to_string(number) + " of " +
+            SCOPED_TRACE(std::string(rows[i].function) + " " + std::to_string(number) + " of " +
                          std::to_string(counts[i]));
             PutBack();
-            FaultRun run{row, number, counts[i]};
-            run.code = RunOnce(operation, opens_itself, {RuleFor(row, number)});
-            EXPECT_EQ(1, met_[kStandingRules].fired) << "the call never failed";
-            EXPECT_TRUE(!left_something_ || row.kind == tests::FaultKind::kCloses)
-                << "handles or memory were left";
-            Detach();  // closes what a call that could not close left open
-            Attach();
+            FaultRun run = RunWithFault(operation, opens_itself, rows[i], number, counts[i]);
+            EXPECT_TRUE(run.has_fired) << "the call never failed";
             check(run);
             Detach();
         }

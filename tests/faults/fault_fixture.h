@@ -26,6 +26,7 @@ struct FaultRun {
     long number;        // the call that failed, counted from 1
     long count;         // of how many when none fails
     ResultCode code{};  // what the operation told
+    bool has_fired = false;
 };
 
 using tests::Contents;
@@ -41,6 +42,7 @@ public:
 class FaultTest : public ::testing::Test {
 protected:
     using Operation = std::function<ResultCode(QuietParts&)>;
+    using FaultRows = std::vector<tests::FaultRow>;
 
     FaultTest();
     ~FaultTest() override;
@@ -69,6 +71,17 @@ protected:
     void FailEachCall(const Operation& operation, const std::function<void(FaultRun&)>& check,
                       bool opens_itself = false);
 
+    // The same with each read and write being short.
+    void ShortenEachCall(const Operation& operation, const std::function<void(FaultRun&)>& check,
+                         bool opens_itself = false);
+    // How often `operation` makes the call of each row, on the device as it is.
+    std::vector<long> CountCalls(const FaultRows& rows, const Operation& operation,
+                                 bool opens_itself);
+    // Runs `operation` with one call failing on the device as it is, and checks that nothing was
+    // left open or allocated. `count` is only handed on.
+    FaultRun RunWithFault(const Operation& operation, bool opens_itself, const tests::FaultRow& row,
+                          long number, long count);
+
     // A write that fails while the journal is saved, behind all others, leaves the records before
     // it, on purpose. True when that happened; `whole` is the journal of JournalAfter.
     bool IsCutJournal(const FaultRun& run, const std::string& whole);
@@ -81,7 +94,8 @@ private:
     void Attach();
     ResultCode RunOnce(const Operation& operation, bool opens_itself,
                        const std::vector<sim::Rule>& rules);
-    std::vector<long> CountCalls(const Operation& operation, bool opens_itself);
+    void MeetEachCall(const FaultRows& rows, const Operation& operation,
+                      const std::function<void(FaultRun&)>& check, bool opens_itself);
 
     std::wstring folder_;
     std::unique_ptr<tests::TestDevice> device_;

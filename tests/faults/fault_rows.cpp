@@ -63,6 +63,12 @@ const std::vector<FaultRow>& FaultRows() {
     return rows;
 }
 
+const std::vector<FaultRow>& ShortRows() {
+    static const std::vector<FaultRow> rows = {{"ReadFile", 0, FaultKind::kShort},
+                                               {"WriteFile", 0, FaultKind::kShort}};
+    return rows;
+}
+
 bool CannotFail(const char* function) {
     static const char* const names[] = {"CompareStringW", "GetSystemInfo",       "GetSystemTime",
                                         "GetLastError",   "GlobalMemoryStatus",  "SetLastError",

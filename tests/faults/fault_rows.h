@@ -9,6 +9,7 @@ namespace tests {
 enum class FaultKind : unsigned char {
     kPlain,
     kCloses,  // what stays open or allocated is the fault's own doing
+    kShort,   // the call succeeds with half of the bytes
 };
 
 struct FaultRow {
@@ -18,6 +19,8 @@ struct FaultRow {
 };
 
 const std::vector<FaultRow>& FaultRows();
+// Those that read and write, to be made short.
+const std::vector<FaultRow>& ShortRows();
 // Whether a call of this name has no failure that its caller could see.
 bool CannotFail(const char* function);
 
