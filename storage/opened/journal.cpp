@@ -1,29 +1,42 @@
 #include "storage/opened/journal.h"
 
+#include <optional>
+
 #include "platform/text.h"
 #include "platform/unique_resource.h"
 #include "snapshot/text/log.h"
 #include "storage/files/handle_bytes.h"
 #include "storage/format/journal_records.h"
 #include "storage/opened/old_journals.h"
+#include "storage/opened/storage_file.h"
 
 namespace tolvenar {
 namespace {
 
-bool Exists(const char16_t* path) {
-    return ::GetFileAttributesW(Wide(path)) != INVALID_FILE_ATTRIBUTES;
+// Nothing when the platform cannot tell: a card that is not ready is no card without a journal.
+std::optional<bool> Exists(const char16_t* path) {
+    if (::GetFileAttributesW(Wide(path)) != INVALID_FILE_ATTRIBUTES) {
+        return true;
+    }
+    return IsReallyAbsent(path) ? std::optional<bool>(false) : std::nullopt;
 }
 
+// False when the file cannot be opened or read to its end: it may hold what was not read.
 bool HoldsAState(const char16_t* journal, bool& holds) {
     const UniqueHandle file = OpenFile(journal, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING);
     HandleBytes bytes(file.get());
+    std::uint32_t size = 0;
+    holds = false;
+    if (!file || !bytes.Size(size)) {
+        return false;
+    }
     JournalRecordReader records(bytes);
     ObjectRecord record{};
-    holds = false;
-    while (file && !holds && records.Next(record)) {
+    std::uint32_t read = 0;
+    for (; !holds && records.Next(record); ++read) {
         holds = record.type == ObjectType::kState;
     }
-    return static_cast<bool>(file);
+    return holds || read >= JournalRecordCount(size);
 }
 
 // A storage file without a journal but with a temporary one: saving was stopped between the
@@ -31,10 +44,20 @@ bool HoldsAState(const char16_t* journal, bool& holds) {
 // that a save left. On a write-protected card it stays where it is. `path` is the journal then.
 bool FinishInterruptedSave(const StorageNames& names, const char16_t*& path) {
     path = names.journal;
-    if (Exists(names.journal) || !Exists(names.sav) || !Exists(names.journal_temporary)) {
+    const std::optional<bool> has_journal = Exists(names.journal);
+    if (has_journal.value_or(false)) {
+        return true;
+    }
+    const std::optional<bool> has_sav = Exists(names.sav);
+    const std::optional<bool> has_temporary = Exists(names.journal_temporary);
+    if (!has_journal || !has_sav || !has_temporary) {
+        return false;
+    }
+    if (!*has_sav || !*has_temporary) {
         return true;
     }
     bool is_journal = false;
+    // One that cannot be read now is left where it is for the next load.
     if (!HoldsAState(names.journal_temporary, is_journal)) {
         return false;
     }
@@ -172,7 +195,8 @@ bool ClearJournalPlace(const StorageNames& names) {
     const bool has_records = JournalFileSize(names) != 0;
     for (const char16_t* old : {names.journal, names.journal_temporary}) {
         const bool is_kept = old != names.journal || has_records;
-        if (is_kept && Exists(old) && !MoveJournalAside(names, old)) {
+        const std::optional<bool> exists = is_kept ? Exists(old) : false;
+        if (!exists || (*exists && !MoveJournalAside(names, old))) {
             return false;
         }
     }

@@ -184,6 +184,22 @@ TEST_F(JournalSaveTest, ANewStorageBeginsWithAnEmptyJournalAndKeepsTheOldOnesAsi
     EXPECT_TRUE(IsFree(kJournal));
 }
 
+TEST_F(JournalSaveTest, AnOldJournalThatCannotBeLookedForIsNotTakenForNone) {
+    Fail("GetFileAttributesW", 1, ERROR_NOT_READY);
+    EXPECT_FALSE(ClearJournalPlace(storage_.names));
+    EXPECT_EQ(records_, Content(kJournal));
+}
+
+TEST_F(JournalSaveTest, ATemporaryJournalThatCannotBeReadIsNotTakenForOneWithoutAState) {
+    storage_.journal.reset();
+    device().Remove(Wide(kJournal));
+    Put(kJournalTemporary, records_);
+    Fail("ReadFile", 2, ERROR_READ_FAULT);
+    EXPECT_FALSE(OpenJournal(storage_, nullptr));
+    EXPECT_FALSE(Exists(kJournal));
+    EXPECT_EQ(records_, Content(kJournalTemporary));
+}
+
 TEST_F(JournalSaveTest, AnEmptyJournalOfBeforeIsTakenAndNotKept) {
     Put(kJournal, "");
     EXPECT_TRUE(ClearJournalPlace(storage_.names) && CreateJournal(storage_.names));
