@@ -13,7 +13,7 @@ namespace tolvenar {
 namespace {
 
 constexpr int kKilled = 205;
-constexpr long kSampleKills = 10;
+constexpr long kSampleKills = 8;
 
 // A restore in a process of its own; answers its result code.
 const tests::ChildRole kRestores(L"restore", [](const wchar_t* state) {
@@ -46,6 +46,7 @@ protected:
         ChangeDevice(1);
         second_ = BackUp();
         ChangeDevice(2);
+        device().Command("db-delete Kept");
         damaged_ = Now();
         KeepDevice();
     }
