@@ -31,17 +31,32 @@ void PageCache::DropOldest() {
     --count_;
 }
 
-// Reads the page, and more behind it while reads go forward. Null when it cannot be read or kept.
+// The pages that are read when this one is wanted: more of them while reads go on one way.
+PageCache::Run PageCache::RunAt(std::uint32_t page) {
+    int direction = 0;
+    if (page == next_page_ || page == previous_page_) {
+        direction = page == next_page_ ? 1 : -1;
+    }
+    const bool goes_on = pages_ahead_ != 0 && direction != 0 && direction != -direction_;
+    pages_ahead_ = goes_on ? std::min(2 * pages_ahead_, kMaxPages) : 1;
+    direction_ = direction;
+    if (direction >= 0) {
+        return {page, pages_ahead_, 0, nullptr};
+    }
+    const std::uint32_t pages = std::min(pages_ahead_, page + 1);
+    return {page + 1 - pages, pages, 0, nullptr};
+}
+
+// Reads the page and its run. Null when it cannot be read or kept.
 const PageCache::Run* PageCache::Load(std::uint32_t page) {
     if (runs_ == nullptr) {
         runs_.reset(new (std::nothrow) Run[kMaxPages]{});
     }
-    const bool goes_on = page == next_page_ && pages_ahead_ != 0;
-    pages_ahead_ = goes_on ? std::min(2 * pages_ahead_, kMaxPages) : 1;
-    Run run{page, pages_ahead_, 0, nullptr};
+    Run run = RunAt(page);
     run.data.reset(new (std::nothrow) std::uint8_t[run.pages * kPageBytes]);
     if (runs_ == nullptr || run.data == nullptr ||
-        !file_.ReadAt(page * kPageBytes, run.data.get(), run.pages * kPageBytes, run.bytes)) {
+        !file_.ReadAt(run.first_page * kPageBytes, run.data.get(), run.pages * kPageBytes,
+                      run.bytes)) {
         pages_ahead_ = 0;
         return nullptr;
     }
@@ -49,7 +64,8 @@ const PageCache::Run* PageCache::Load(std::uint32_t page) {
         DropOldest();
     }
     last_found_ = (oldest_ + count_) % kMaxPages;
-    next_page_ = page + run.pages;
+    previous_page_ = run.first_page - 1;
+    next_page_ = run.first_page + run.pages;
     pages_kept_ += run.pages;
     ++count_;
     runs_[last_found_] = std::move(run);

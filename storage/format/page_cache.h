@@ -10,9 +10,9 @@
 
 namespace tolvenar {
 
-// A jump reads one page of 4 KB. Reads that go on behind the page that was read last take twice as
-// many each time, up to 256 KB, which is also the most that is kept; what was read first goes
-// first. The file must not change meanwhile.
+// A jump reads one page of 4 KB. Reads that go on behind the pages that were read last, or before
+// them, take twice as many each time, up to 256 KB, which is also the most that is kept; what was
+// read first goes first. The file must not change meanwhile.
 class PageCache {
 public:
     explicit PageCache(ByteReader& file) : file_(file) {}
@@ -40,6 +40,7 @@ private:
     };
 
     const Run* Find(std::uint32_t page);
+    Run RunAt(std::uint32_t page);
     const Run* Load(std::uint32_t page);
     void DropOldest();
 
@@ -49,7 +50,9 @@ private:
     std::uint32_t count_ = 0;
     std::uint32_t pages_kept_ = 0;
     std::uint32_t last_found_ = 0;
-    std::uint32_t next_page_ = 0;  // behind the run that was read last
+    std::uint32_t previous_page_ = 0;  // before the run that was read last
+    std::uint32_t next_page_ = 0;      // behind it
+    int direction_ = 0;                // of that run: 1 forward, -1 back, 0 after a jump
     std::uint32_t pages_ahead_ = 0;
 };
 

@@ -61,12 +61,39 @@ TEST_F(PageCacheTest, ReadsThatGoForwardTakeTwiceAsManyEachTimeUpTo256Kilobytes)
     }
 }
 
+// A list gives what was inserted last first.
+TEST_F(PageCacheTest, ReadsThatGoBackTakeTwiceAsManyEachTimeUpTo256Kilobytes) {
+    std::uint32_t page = 200;
+    for (const std::uint32_t pages : {1, 2, 4, 8, 16, 32, 64, 64}) {
+        EXPECT_EQ(Costs(1, std::uint64_t{pages} * kPage), Cost(page * kPage - 4, 4)) << pages;
+        EXPECT_EQ(Costs(0, 0), Cost((page - pages) * kPage, 4)) << pages;
+        page -= pages;
+    }
+}
+
+TEST_F(PageCacheTest, ReadsThatGoBackEndAtTheBeginningOfTheFile) {
+    Cost(5 * kPage, 4);
+    Cost(4 * kPage, 4);
+    EXPECT_EQ(Costs(1, 3 * kPage), Cost(2 * kPage, 4));
+    EXPECT_EQ(Costs(0, 0), Cost(0, 4));
+}
+
+// Or a block that lies across the ends of two long runs would read both each time.
+TEST_F(PageCacheTest, ATurnReadsOnePageAgain) {
+    for (const std::uint32_t page : {0, 1, 3, 7, 15, 31, 63}) {
+        Cost(page * kPage, 4);
+    }
+    EXPECT_EQ(Costs(1, kPage), Cost(63 * kPage - 4, 4));
+    EXPECT_EQ(Costs(1, kPage), Cost(63 * kPage, 4));
+    EXPECT_EQ(Costs(0, 0), Cost(63 * kPage - 4, 8));
+}
+
 TEST_F(PageCacheTest, AJumpReadsOnePageAgain) {
     Cost(0, 4);
     EXPECT_EQ(Costs(1, 2 * kPage), Cost(kPage, 4));
     EXPECT_EQ(Costs(1, kPage), Cost(100 * kPage, 4));
     EXPECT_EQ(Costs(1, kPage), Cost(50 * kPage, 4));
-    EXPECT_EQ(Costs(1, kPage), Cost(49 * kPage, 4));
+    EXPECT_EQ(Costs(1, kPage), Cost(48 * kPage, 4));
 }
 
 TEST_F(PageCacheTest, GoingToAndFroBetweenPlacesCostsNothingMore) {
