@@ -29,12 +29,16 @@ INT_PTR Dialog::Answer(LRESULT result) {
 // Messages come before WM_INITDIALOG and, from the children, behind WM_DESTROY: the object gets
 // neither.
 INT_PTR CALLBACK Dialog::Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    auto* dialog = ObjectOf<Dialog>(window, DWL_USER);
     if (message == WM_INITDIALOG) {
-        auto* const created = reinterpret_cast<Dialog*>(lparam);
-        KeepObject(window, DWL_USER, created);
-        created->window_ = window;
+        // Once is enough: what comes later is of another program.
+        if (dialog != nullptr) {
+            return FALSE;
+        }
+        dialog = reinterpret_cast<Dialog*>(lparam);
+        KeepObject(window, DWL_USER, dialog);
+        dialog->window_ = window;
     }
-    auto* const dialog = ObjectOf<Dialog>(window, DWL_USER);
     if (dialog == nullptr) {
         return FALSE;
     }

@@ -27,6 +27,9 @@ struct Application {
     wchar_t launchReason[kLaunchReasonUnits] = L"";  // empty for an interactive start
     StorageStatus storageStatus = StorageStatus::kOpen;
     OperationGate gate;  // what is asked for and what runs
+    // kDescriptionUnits of the operation thread while it waits for the description that the page
+    // shows. No part of the message: any program may send that one with any address.
+    char16_t* wanted_description = nullptr;
     // The message loop is told to end: whatever a modal loop answers from now on is no answer.
     volatile bool is_ending = false;
     // The program runs without its installation, from the card after a hard reset for example.

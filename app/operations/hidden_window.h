@@ -9,7 +9,8 @@ namespace tolvenar {
 // The procedure of a hidden window: messages go to `on_message`, with the application.
 template <LRESULT (*on_message)(Application&, HWND, UINT, WPARAM, LPARAM)>
 LRESULT CALLBACK HiddenProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
-    if (message == WM_CREATE) {
+    // Once is enough: a later one is of another program.
+    if (message == WM_CREATE && ObjectOf<Application>(window, GWL_USERDATA) == nullptr) {
         const auto* creation = reinterpret_cast<const CREATESTRUCTW*>(lparam);
         KeepObject(window, GWL_USERDATA, creation->lpCreateParams);
     }

@@ -16,10 +16,11 @@ bool Post(const Application& app, UINT message, bool go_on, LPARAM lparam) {
            ::PostMessageW(app.operation_window, message, go_on ? 1 : 0, lparam);
 }
 
-void AskPages(const Application& app, OperationRequest& request) {
+void AskPages(Application& app, OperationRequest& request) {
     if (request.kind == OperationKind::kBackup) {
-        ::SendMessageW(app.main_dialog, WM_TAKE_DESCRIPTION, 0,
-                       reinterpret_cast<LPARAM>(request.description));
+        app.wanted_description = request.description;
+        ::SendMessageW(app.main_dialog, WM_TAKE_DESCRIPTION, 0, 0);
+        app.wanted_description = nullptr;
     } else if (request.button == IDC_RESTORE) {
         request.state_number =
             static_cast<std::int32_t>(::SendMessageW(app.main_dialog, WM_SELECTED_STATE, 0, 0));

@@ -35,7 +35,7 @@ constexpr UINT WM_APPLY_NOW = WM_APP + 130;
 
 // Sent to the main dialog by the operation thread, since pages, lists and tree belong to the main
 // thread.
-constexpr UINT WM_TAKE_DESCRIPTION = WM_APP + 131;  // lParam: OperationRequest::description
+constexpr UINT WM_TAKE_DESCRIPTION = WM_APP + 131;  // to Application::wanted_description
 constexpr UINT WM_BACKUP_DONE = WM_APP + 132;       // a state was written
 constexpr UINT WM_STATES_CHANGED = WM_APP + 133;    // wParam: 1 to keep the selected state
 constexpr UINT WM_SELECTED_STATE = WM_APP + 134;    // answers its number, or kNoState of a request

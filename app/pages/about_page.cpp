@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "app/rules/about_picture.h"
+#include "platform/notification.h"
 
 namespace tolvenar {
 namespace {
@@ -109,18 +110,22 @@ INT_PTR AboutPage::OnTimer() {
 }
 
 // Drawn aside and copied, so that nothing flickers.
-INT_PTR AboutPage::OnDraw(const DRAWITEMSTRUCT& item) const {
-    const RECT place = {0, 0, item.rcItem.right - item.rcItem.left,
-                        item.rcItem.bottom - item.rcItem.top};
-    const UniqueGdiObject bitmap(::CreateCompatibleBitmap(item.hDC, place.right, place.bottom));
-    const UniqueDc dc(::CreateCompatibleDC(item.hDC));
+INT_PTR AboutPage::OnDraw(LPARAM lparam) const {
+    const auto* const item = StructureAt<const DRAWITEMSTRUCT>(lparam);
+    if (item == nullptr || item->hwndItem != Control(IDC_ABOUT_PICTURE)) {
+        return FALSE;
+    }
+    const RECT place = {0, 0, item->rcItem.right - item->rcItem.left,
+                        item->rcItem.bottom - item->rcItem.top};
+    const UniqueGdiObject bitmap(::CreateCompatibleBitmap(item->hDC, place.right, place.bottom));
+    const UniqueDc dc(::CreateCompatibleDC(item->hDC));
     if (!bitmap || !dc) {
         return TRUE;
     }
     const HGDIOBJ old_bitmap = ::SelectObject(dc.get(), bitmap.get());
     DrawPicture(dc.get(), place, AboutPictureAt(step_));
-    ::BitBlt(item.hDC, item.rcItem.left, item.rcItem.top, place.right, place.bottom, dc.get(), 0, 0,
-             SRCCOPY);
+    ::BitBlt(item->hDC, item->rcItem.left, item->rcItem.top, place.right, place.bottom, dc.get(), 0,
+             0, SRCCOPY);
     ::SelectObject(dc.get(), old_bitmap);
     return TRUE;
 }
@@ -128,7 +133,7 @@ INT_PTR AboutPage::OnDraw(const DRAWITEMSTRUCT& item) const {
 INT_PTR AboutPage::OnMessage(UINT message, WPARAM, LPARAM lparam) {
     switch (message) {
         case WM_TIMER: return OnTimer();
-        case WM_DRAWITEM: return OnDraw(*reinterpret_cast<const DRAWITEMSTRUCT*>(lparam));
+        case WM_DRAWITEM: return OnDraw(lparam);
         default: return FALSE;
     }
 }

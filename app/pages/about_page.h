@@ -18,7 +18,7 @@ private:
     void OnInit() override;
     INT_PTR OnMessage(UINT message, WPARAM wparam, LPARAM lparam) override;
     INT_PTR OnTimer();
-    INT_PTR OnDraw(const DRAWITEMSTRUCT& item) const;
+    INT_PTR OnDraw(LPARAM lparam) const;
 
     UniqueGdiObject bold_font_;
     int step_ = 0;

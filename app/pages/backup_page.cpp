@@ -93,11 +93,16 @@ void BackupPage::ReadDescription(char16_t* buffer) const {
     }
 }
 
-INT_PTR BackupPage::OnMessage(UINT message, WPARAM, LPARAM lparam) {
+INT_PTR BackupPage::OnTakeDescription() {
+    if (app_.wanted_description != nullptr) {
+        ReadDescription(app_.wanted_description);
+    }
+    return Answer(0);
+}
+
+INT_PTR BackupPage::OnMessage(UINT message, WPARAM, LPARAM) {
     switch (message) {
-        case WM_TAKE_DESCRIPTION:
-            ReadDescription(reinterpret_cast<char16_t*>(lparam));
-            return Answer(0);
+        case WM_TAKE_DESCRIPTION: return OnTakeDescription();
         case WM_BACKUP_DONE: ::SetDlgItemTextW(window(), IDC_NEW_DESCRIPTION, L""); return TRUE;
         default: return FALSE;
     }

@@ -19,6 +19,7 @@ private:
     void OnInit() override;
     bool OnCommand(int id, int notification) override;
     INT_PTR OnMessage(UINT message, WPARAM wparam, LPARAM lparam) override;
+    INT_PTR OnTakeDescription();
     void RequestBackup();
     // At most kDescriptionUnits; nothing of a blank one.
     void ReadDescription(char16_t* buffer) const;

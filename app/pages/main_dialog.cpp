@@ -3,6 +3,7 @@
 #include "app/operations/window_messages.h"
 #include "app/pages/help.h"
 #include "app/pages/page_table.h"
+#include "platform/notification.h"
 #include "res/resource.h"
 
 namespace tolvenar {
@@ -226,8 +227,9 @@ void MainDialog::ApplyNow() {
     }
 }
 
-INT_PTR MainDialog::OnNotify(const NMHDR& header) {
-    if (header.hwndFrom != tabs_ || header.code != static_cast<UINT>(TCN_SELCHANGE)) {
+INT_PTR MainDialog::OnNotify(LPARAM lparam) {
+    const NMHDR* const header = NotificationOf(tabs_, lparam);
+    if (header == nullptr || header->code != static_cast<UINT>(TCN_SELCHANGE)) {
         return FALSE;
     }
     TCITEMW item{};
@@ -317,7 +319,7 @@ INT_PTR MainDialog::OnRequest(UINT message, WPARAM wparam, LPARAM lparam) {
 INT_PTR MainDialog::Dispatch(UINT message, WPARAM wparam, LPARAM lparam) {
     switch (message) {
         case WM_INITDIALOG: return OnInit();
-        case WM_NOTIFY: return OnNotify(*reinterpret_cast<const NMHDR*>(lparam));
+        case WM_NOTIFY: return OnNotify(lparam);
         case WM_COMMAND: return OnCommand(wparam, lparam);
         case WM_SIZE: return OnSize();
         case WM_ACTIVATE: return OnActivate(wparam, lparam);

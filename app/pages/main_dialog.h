@@ -28,7 +28,7 @@ private:
     INT_PTR Dispatch(UINT message, WPARAM wparam, LPARAM lparam) override;
     INT_PTR OnRequest(UINT message, WPARAM wparam, LPARAM lparam);
     INT_PTR OnInit();
-    INT_PTR OnNotify(const NMHDR& header);
+    INT_PTR OnNotify(LPARAM lparam);
     INT_PTR OnCommand(WPARAM wparam, LPARAM lparam);
     INT_PTR OnSize();
     INT_PTR OnActivate(WPARAM wparam, LPARAM lparam);

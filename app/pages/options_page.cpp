@@ -2,6 +2,7 @@
 
 #include "app/operations/window_messages.h"
 #include "app/rules/time_format.h"
+#include "platform/notification.h"
 #include "platform/text.h"
 
 namespace tolvenar {
@@ -155,8 +156,9 @@ void OptionsPage::OnTimeChanged() {
     ApplyNow();
 }
 
-INT_PTR OptionsPage::OnNotify(const NMHDR& header) {
-    if (header.idFrom != IDC_TIME || header.code != static_cast<UINT>(DTN_DATETIMECHANGE)) {
+INT_PTR OptionsPage::OnNotify(LPARAM lparam) {
+    const NMHDR* const header = NotificationOf(Control(IDC_TIME), lparam);
+    if (header == nullptr || header->code != static_cast<UINT>(DTN_DATETIMECHANGE)) {
         return FALSE;
     }
     if (app_.gate.IsOccupied()) {
@@ -177,7 +179,7 @@ INT_PTR OptionsPage::OnTimer(UINT_PTR timer) {
 
 INT_PTR OptionsPage::OnMessage(UINT message, WPARAM wparam, LPARAM lparam) {
     switch (message) {
-        case WM_NOTIFY: return OnNotify(*reinterpret_cast<const NMHDR*>(lparam));
+        case WM_NOTIFY: return OnNotify(lparam);
         case WM_TIMER: return OnTimer(wparam);
         case WM_DIALOG_ACTIVATED: ReadAgain(); return TRUE;
         default: return FALSE;

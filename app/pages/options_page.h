@@ -22,7 +22,7 @@ private:
     void OnInit() override;
     bool OnCommand(int id, int notification) override;
     INT_PTR OnMessage(UINT message, WPARAM wparam, LPARAM lparam) override;
-    INT_PTR OnNotify(const NMHDR& header);
+    INT_PTR OnNotify(LPARAM lparam);
     INT_PTR OnTimer(UINT_PTR timer);
 
     void ReadAgain();

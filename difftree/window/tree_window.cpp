@@ -1,6 +1,7 @@
 #include "difftree/window/tree_window.h"
 
 #include "difftree/window/tree_view.h"
+#include "platform/notification.h"
 #include "platform/text.h"
 #include "platform/window_object.h"
 #include "res/resource.h"
@@ -186,19 +187,23 @@ LRESULT TreeWindow::OnParentMessage(TreeWindow& window, HWND parent, UINT messag
     switch (message) {
         case WM_SETFOCUS: window.FocusTree(); return 0;
         case WM_SIZE: FillClientArea(window.tree_view(), lparam); return 0;
-        case WM_NOTIFY: return window.OnNotify(*reinterpret_cast<NMHDR*>(lparam));
+        case WM_NOTIFY: return window.OnNotify(lparam);
         case WM_DESTROY: window.painter_.RestoreFont(parent); return 0;
         default: return ::DefWindowProcW(parent, message, wparam, lparam);
     }
 }
 
-LRESULT TreeWindow::OnNotify(NMHDR& header) {
-    switch (header.code) {
+LRESULT TreeWindow::OnNotify(LPARAM lparam) {
+    NMHDR* const header = NotificationOf(tree_view(), lparam);
+    if (header == nullptr) {
+        return 0;
+    }
+    switch (header->code) {
         case NM_CUSTOMDRAW:
-            return painter_.OnCustomDraw(*reinterpret_cast<NMTVCUSTOMDRAW*>(&header));
+            return painter_.OnCustomDraw(*reinterpret_cast<NMTVCUSTOMDRAW*>(header));
         case TVN_DELETEITEMW:
             FreeNodeRecord(reinterpret_cast<NodeRecord*>(
-                reinterpret_cast<NMTREEVIEWW*>(&header)->itemOld.lParam));
+                reinterpret_cast<NMTREEVIEWW*>(header)->itemOld.lParam));
             return 0;
         // Counts stand outside the items' own rectangles of text.
         case TVN_ITEMEXPANDEDW:

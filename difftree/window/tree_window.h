@@ -40,7 +40,7 @@ private:
     INT_PTR OnHostDestroyed();
     void CreateTreeView(HWND parent);
     void FocusTree();
-    LRESULT OnNotify(NMHDR& header);
+    LRESULT OnNotify(LPARAM lparam);
     void LoadTexts();
 
     HINSTANCE instance_ = nullptr;
