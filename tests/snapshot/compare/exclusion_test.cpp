@@ -179,5 +179,19 @@ TEST(ExclusionTest, DatabasesOfTheRecycleBin) {
     EXPECT_FALSE(IsExcludedDatabase(nullptr));
 }
 
+TEST(StoragesOwnTest, ItsFilesInAnyFolderAndItsLogBesideThem) {
+    const StorageFileNames names{{u"Home.sav", u"Home.jrn", u"Home.jrn_1"}, u"\\Card\\Backup"};
+    for (const char16_t* own :
+         {u"\\Card\\Backup\\Home.sav", u"\\HOME.SAV", u"\\Old\\home.jrn", u"\\Home.jrn_1",
+          u"\\Home.jrn_old", u"\\Home.jrn_old12", u"\\card\\backup\\Tolvenar_Log.txt"}) {
+        EXPECT_TRUE(IsStoragesOwn(own, names)) << own;
+    }
+    for (const char16_t* other :
+         {u"\\Home.sav2", u"\\My Home.sav", u"\\tolvenar_log.txt", u"\\Home.jrn_old1x", u"Home.sav",
+          u"\\Storage.bkp", u"\\Windows\\wince.nls"}) {
+        EXPECT_FALSE(IsStoragesOwn(other, names)) << other;
+    }
+}
+
 }  // namespace
 }  // namespace tolvenar

@@ -108,6 +108,48 @@ TEST(PropertyEncodingTest, AnEmptyBlobMayPointAnywhere) {
     EXPECT_TRUE(OffsetsToPointers(buffer.data(), buffer.size(), 1, kBase));
 }
 
+// The same buffers but for one bit.
+bool DifferAt(const Bytes& buffer, std::size_t count, std::size_t bit) {
+    Bytes other = buffer;
+    other[bit / 8] ^= static_cast<char>(1 << bit % 8);
+    return !SameProperties(Exactly(buffer).data(), Exactly(other).data(), buffer.size(), count);
+}
+
+TEST(SamePropertiesTest, EveryBitOfAValueOfAnyTypeCounts) {
+    const struct {
+        std::uint32_t type;
+        std::size_t value_bytes;
+    } rows[] = {{2, 2}, {18, 2}, {3, 4}, {19, 4}, {11, 4}, {64, 8}, {5, 8}, {77, 8}};
+    for (const auto& row : rows) {
+        const Bytes buffer = Element(1, row.type, 0, 0x12345678, 0x9ABCDEF0);
+        for (std::size_t bit = 0; bit < 8 * buffer.size(); ++bit) {
+            const std::size_t byte = bit / 8;
+            // Behind the identifier stands a length that means nothing.
+            const bool counts = byte < 4 || (byte >= 6 && byte < 8 + row.value_bytes);
+            // Another type may have a shorter value.
+            const bool is_type = byte < 2;
+            EXPECT_TRUE(is_type || counts == DifferAt(buffer, 1, bit)) << row.type << ", " << bit;
+        }
+    }
+}
+
+TEST(SamePropertiesTest, StringsAndBlobsCountByWhatTheyHoldWhereverItStands) {
+    const Bytes a = Element(1, 31, 0, 32) + Element(2, 65, 0, 3, 38) + Terminated(u"ab") + "xyz";
+    const Bytes b = Element(1, 31, 0, 35) + Element(2, 65, 0, 3, 32) + "xyz" + Terminated(u"ab");
+    ASSERT_EQ(a.size(), b.size());
+    EXPECT_TRUE(SameProperties(a.data(), b.data(), a.size(), 2));
+    EXPECT_TRUE(DifferAt(a, 2, 8 * 32));
+    EXPECT_TRUE(DifferAt(a, 2, 8 * 38));
+}
+
+TEST(SamePropertiesTest, WhatIsNotWholeIsNotTheSame) {
+    const Bytes string = Element(1, 31, 0, 16) + "ab";
+    EXPECT_FALSE(SameProperties(string.data(), string.data(), string.size(), 1));
+    EXPECT_FALSE(SameProperties(string.data(), string.data(), string.size(), 2));
+    const Bytes blob = Element(1, 65, 0, 3, 16) + "ab";
+    EXPECT_FALSE(SameProperties(blob.data(), blob.data(), blob.size(), 1));
+}
+
 TEST(PropertyEncodingCorruptTest, ACountThatTheBufferDoesNotHoldFails) {
     auto buffer = Exactly(Element(1, 2, 0, 5));
     std::uint16_t checksum = 0;
