@@ -75,6 +75,10 @@ void ShowMemoryMessage(HWND owner, std::uint32_t missing_bytes) {
     ShowMessage(owner, text, MB_ICONERROR);
 }
 
+unsigned Figure(std::uint64_t bytes) {
+    return static_cast<unsigned>(std::min<std::uint64_t>(bytes, 0xFFFFFFFF));
+}
+
 void ShowSpaceMessage(const ReportContext& context) {
     if (context.storage_is_full) {
         ShowMessage(context.owner,
@@ -86,7 +90,7 @@ void ShowSpaceMessage(const ReportContext& context) {
     wchar_t text[kTextUnits];
     ::wsprintfW(text,
                 L"Not enough disk space to backup. You need to free %u bytes on the storage card.",
-                static_cast<std::uint32_t>(std::min<std::uint64_t>(context.amount, 0xFFFFFFFF)));
+                Figure(context.amount));
     ShowMessage(context.owner, text, MB_ICONERROR);
 }
 
@@ -95,6 +99,15 @@ void ShowDamageMessage(HWND owner) {
                 L"Restore Fail. The storage is damaged: some items were left as they are. The log "
                 L"names them.",
                 MB_ICONWARNING);
+}
+
+void ShowRoomMessage(HWND owner, std::uint64_t missing_bytes) {
+    wchar_t text[kTextUnits];
+    ::wsprintfW(text,
+                L"Restore Fail. The device lacks %u bytes for everything that is to be restored. "
+                L"Nothing was changed.",
+                Figure(missing_bytes));
+    ShowMessage(owner, text, MB_ICONWARNING);
 }
 
 }  // namespace
@@ -130,6 +143,10 @@ bool ReportRestore(HWND owner, const RestoreResult& result) {
     }
     if (result.code == ResultCode::kFailed && result.is_damaged) {
         ShowDamageMessage(owner);
+        return false;
+    }
+    if (result.code == ResultCode::kFailed && result.missing_bytes != 0) {
+        ShowRoomMessage(owner, result.missing_bytes);
         return false;
     }
     const ResultMessage* message = Find(kRestoreMessages, result.code);

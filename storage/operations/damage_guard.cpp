@@ -105,7 +105,22 @@ void DamageGuard::HoldBackDamaged() {
             HoldBackNamed(block);
         }
     }
+    HoldBackDamagedNames();
     HoldBackDamagedData();
+}
+
+// The deletion of a stored object goes by its stored name.
+void DamageGuard::HoldBackDamagedNames() {
+    for (ObjectList::Node& node : difference_) {
+        ObjectRecord& record = *node.record;
+        if (IsPendingDeletion(record) && record.propOffset != 0 && IsLookedAt(record) &&
+            check_.DamageOf(record) == Damage::kBlock) {
+            LogObject(u"Its name is damaged, left alone: ", record, descriptions_.source, kModule,
+                      kLogError);
+            HoldBack(record);
+            found_damage_ = true;
+        }
+    }
 }
 
 // The device may have what the lost record is of; of a record, any of its database.

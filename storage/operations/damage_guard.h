@@ -29,7 +29,7 @@ public:
     void KeepToMissing(WrittenRecords& written);
 
     // Holds back what a whole block without a record may be of, versions whose data are not what
-    // they were, and the newer versions of both.
+    // they were, and the newer versions of both; and deletions that would go by a damaged name.
     void HoldBackDamaged();
 
     // Whether anything was held back because of damage.
@@ -38,6 +38,7 @@ public:
 private:
     bool IsLookedAt(const ObjectRecord& record) const;
     void HoldBackNamed(const InfoBlock& unclaimed);
+    void HoldBackDamagedNames();
     void HoldBackDamagedData();
     void HoldBackDamagedVersion(ObjectRecord& version, const InfoBlock& block);
     bool IsMissing(const ObjectRecord& version, const InfoBlock& block, WrittenRecords& written);

@@ -88,6 +88,12 @@ bool FailEarly(OpenedStorage& storage, ResultCode reason, RestoreResult& result)
 }
 
 bool Restore::FailWithWholeList() {
+    // The journal in memory may have new ids of what was settled; without memory it is read again.
+    if (!run_.journal.SeparateVersions()) {
+        CloseJournal(storage_.names, storage_.journal, false, nullptr);
+        OpenJournal(storage_, nullptr);
+    }
+    result_.missing_bytes = plan_.questions == nullptr ? plan_.missing_bytes : 0;
     ReleaseHeldBack(*storage_.difference);
     TurnRound(storage_, *storage_.difference);
     return FailEarly(storage_, ResultCode::kFailed, result_);

@@ -57,7 +57,11 @@ PlanOutcome PlanForRoom(RestorePlan& plan, Descriptions& descriptions, const Res
     }
     LogNumber(u"The device lacks ", missing, u" bytes for what is to be written back");
     const bool goes_on = plan.questions != nullptr && plan.questions->MayGoOnWithoutRoom(missing);
-    return goes_on ? PlanOutcome::kGo : PlanOutcome::kLeaveAll;
+    if (goes_on) {
+        return PlanOutcome::kGo;
+    }
+    plan.missing_bytes = missing;
+    return PlanOutcome::kLeaveAll;
 }
 
 }  // namespace

@@ -23,6 +23,7 @@ struct RestorePlan {
     bool is_damaged = false;  // something was held back for damage
     bool trusts_list = true;  // the list of states may be saved again
     bool has_settled = false;
+    std::uint64_t missing_bytes = 0;  // for want of which nothing may be done
 };
 
 // Works on the difference list of the open storage, which is proved before with `check`.

@@ -11,6 +11,9 @@ struct RestoreResult {
     ResultCode code = ResultCode::kSuccess;
     // With kFailed: what was left alone is damaged in the storage. Otherwise it is in use.
     bool is_damaged = false;
+    // With kFailed: nothing was done because the device lacks so many bytes. 0 where somebody was
+    // asked.
+    std::uint64_t missing_bytes = 0;
     // With kNotStarted: the older list of states is in use now, and nothing was restored.
     bool took_older_list = false;
 };

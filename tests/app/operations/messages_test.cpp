@@ -132,6 +132,29 @@ TEST_F(MessagesTest, OfAnUnattendedRestore) {
     }
 }
 
+TEST_F(MessagesTest, ADamagedStorageIsToldAsOneInEveryRestore) {
+    RestoreResult damaged{ResultCode::kFailed};
+    damaged.is_damaged = true;
+    const std::string box =
+        "Restore Fail. The storage is damaged: some items were left as they are. The log names "
+        "them." +
+        kWarning;
+    EXPECT_FALSE(ReportRestore(nullptr, damaged));
+    ExpectBox(box);
+    ReportInteractiveRestore(nullptr, damaged);
+    ExpectBox(box);
+}
+
+TEST_F(MessagesTest, ARestoreThatHadNoRoomSaysHowMuchIsMissing) {
+    RestoreResult without_room{ResultCode::kFailed};
+    without_room.missing_bytes = 12345;
+    EXPECT_FALSE(ReportRestore(nullptr, without_room));
+    ExpectBox(
+        "Restore Fail. The device lacks 12345 bytes for everything that is to be restored. "
+        "Nothing was changed." +
+        kWarning);
+}
+
 TEST_F(MessagesTest, OfARestoreInTheDialog) {
     for (const int silent : {1, 3, 4, 8}) {
         ReportInteractiveRestore(nullptr, {Code(silent)});

@@ -1,6 +1,6 @@
 // Restores from a storage that is damaged: what the user has stays, what is whole and missing comes
 // back, and the user is told.
-#include "snapshot/records/checksum.h"
+#include "snapshot/engine/difference_engine.h"
 #include "tests/storage/operations/restore_engine_fixture.h"
 
 namespace tolvenar {
@@ -265,6 +265,21 @@ TEST_F(DamagedRestoreTest, OfTwoVersionsOfOneFileTheNewerHolds) {
     EXPECT_EQ("another", Content(u"\\a.txt"));
     EXPECT_TRUE(LogHas("Two versions, the older one left alone: \\a.txt"));
     EXPECT_EQ(Done(ResultCode::kNoDifference), Restore(2));
+}
+
+// The stored name of "\\b.txt" reads "\\c.txt".
+TEST_F(DamagedRestoreTest, NothingIsDeletedByADamagedName) {
+    ASSERT_EQ(Done(), Backup(1));
+    device().PutFile(L"\\b.txt", "in two");
+    ASSERT_EQ(Done(), Backup(2));
+    device().PutFile(L"\\c.txt", "precious");
+    DamageSav(Units(u"\\b.txt"), 2);
+    ASSERT_EQ(1, FindDifferenceEx(engine_, 1, 2));
+    EXPECT_EQ(Done(ResultCode::kFailed), RestoreAdvanced(false));
+    EXPECT_TRUE(restore_.is_damaged);
+    EXPECT_EQ("precious", Content(u"\\c.txt"));
+    EXPECT_EQ("in two", Content(u"\\b.txt"));
+    EXPECT_TRUE(LogHas("Its name is damaged, left alone: "));
 }
 
 class OlderListTest : public DamagedRestoreTest {

@@ -202,6 +202,23 @@ TEST_F(RoomTest, WithoutRoomForEverythingNothingIsTouched) {
     EXPECT_EQ("two", Content(u"\\small.txt"));
     EXPECT_TRUE(LogHas("The device lacks "));
     EXPECT_FALSE(restore_.is_damaged);
+    EXPECT_EQ(400003u - 4 * 0x10000, restore_.missing_bytes);
+}
+
+// What was settled before the question has its new ids in the journal in memory.
+TEST_F(RoomTest, AfterANoTheNextBackupFindsWhatWasSettledUnchanged) {
+    device().PutFile(L"\\same.txt", "same");
+    device().Touch(L"\\same.txt", kSomeTime);
+    LeaveTooLittleRoom();
+    device().Remove(L"\\same.txt");
+    device().PutFile(L"\\same.txt", "same");
+    device().Touch(L"\\same.txt", kSomeTime);
+    EXPECT_EQ(Failed(), Restore(1));
+    EXPECT_EQ(Done(), Backup(2));
+    EXPECT_EQ(0u, FindingsInPair());
+    for (const ObjectRecord& record : RecordsOf(*storage_.journal)) {
+        EXPECT_FALSE(record.state_number == 2 && record.dwOID == OidOfPath(L"\\same.txt"));
+    }
 }
 
 TEST_F(RoomTest, TheUserMayGoOn) {
