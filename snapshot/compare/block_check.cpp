@@ -1,6 +1,7 @@
 #include "snapshot/compare/block_check.h"
 
 #include <algorithm>
+#include <new>
 #include <string_view>
 
 #include "snapshot/compare/object_name.h"
@@ -41,7 +42,7 @@ bool HasSoundIdentifier(const ObjectRecord& record, const InfoBlock& block) {
 class Tiling {
 public:
     Tiling(StorageReader& stored, std::uint32_t begin, std::uint32_t end, const StateTable& states,
-           Findings& findings, Places& unclaimed)
+           Findings& findings, UnclaimedBlocks& unclaimed)
         : stored_(stored),
           end_(end),
           covered_(begin),
@@ -57,15 +58,24 @@ public:
         if (before_ != nullptr && record.state_number < before_->record->state_number) {
             findings_.Add(u"blocks of states mixed", record.state_number, record.propOffset);
         }
+        // The state's own block is the first of its backup.
+        const bool is_first =
+            before_ == nullptr || record.state_number != before_->record->state_number;
+        const bool is_itself = record.type == ObjectType::kState;
+        if (is_itself != is_first && (is_itself || !states_.LacksItself(record.state_number))) {
+            findings_.Add(u"a block before its state's own", record.state_number,
+                          record.propOffset);
+        }
         MeetBlock(record);
         Check(version);
         before_ = &version;
     }
 
-    void Finish() {
+    bool Finish() {
         if (is_end_known_ && covered_ < end_) {
             MeetGap(end_, states_.highest(), true);
         }
+        return !out_of_memory_;
     }
 
 private:
@@ -121,7 +131,7 @@ private:
         InfoBlock block;
         const bool is_whole = ReadWhole(covered_, gap_end, block, block_end);
         if (is_whole && IsStateBlock(block)) {
-            if (block_end == gap_end && AnyLacksItself(state, next_state)) {
+            if (AnyLacksItself(state, next_state)) {
                 findings_.Add(u"record of the state lost", next_state, covered_);
             }
             return;
@@ -137,8 +147,10 @@ private:
         std::uint64_t second_end = 0;
         const bool is_one_object =
             !ReadWhole(static_cast<std::uint32_t>(block_end), gap_end, second, second_end);
-        if (!is_one_object || !unclaimed_.Add(covered_)) {
+        if (!is_one_object) {
             findings_.Add(u"records of blocks lost", state, covered_);
+        } else if (!unclaimed_.Add({covered_, static_cast<std::uint16_t>(state)})) {
+            out_of_memory_ = true;
         }
     }
 
@@ -169,7 +181,8 @@ private:
     StoredVersion* before_ = nullptr;
     const StateTable& states_;
     Findings& findings_;
-    Places& unclaimed_;
+    UnclaimedBlocks& unclaimed_;
+    bool out_of_memory_ = false;
 };
 
 }  // namespace
@@ -184,13 +197,28 @@ bool HasStoredData(const InfoBlock& block) {
     }
 }
 
-void CheckBlocks(StoredVersion* versions, std::size_t count, StorageReader& stored,
+bool UnclaimedBlocks::Add(const UnclaimedBlock& block) {
+    if (count_ == room_) {
+        const std::size_t room = room_ == 0 ? 4 : 2 * room_;
+        std::unique_ptr<UnclaimedBlock[]> grown(new (std::nothrow) UnclaimedBlock[room]);
+        if (grown == nullptr) {
+            return false;
+        }
+        std::copy_n(blocks_.get(), count_, grown.get());
+        blocks_ = std::move(grown);
+        room_ = room;
+    }
+    blocks_[count_++] = block;
+    return true;
+}
+
+bool CheckBlocks(StoredVersion* versions, std::size_t count, StorageReader& stored,
                  std::uint32_t begin, std::uint32_t end, const StateTable& states,
-                 Findings& findings, Places& unclaimed) {
+                 Findings& findings, UnclaimedBlocks& unclaimed) {
     Tiling tiling(stored, begin, end, states, findings, unclaimed);
     std::for_each(versions, versions + count,
                   [&tiling](StoredVersion& version) { tiling.Take(version); });
-    tiling.Finish();
+    return tiling.Finish();
 }
 
 }  // namespace tolvenar

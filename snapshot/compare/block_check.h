@@ -24,21 +24,24 @@ struct StoredVersion {
     Damage damage;
 };
 
-// A few places in the storage file.
-class Places {
-public:
-    static constexpr std::size_t kMost = 32;
+// A whole block that belongs to no state that is listed.
+struct UnclaimedBlock {
+    std::uint32_t offset;
+    std::uint16_t state;  // the first that may have had it
+};
 
-    // False when there are too many.
-    bool Add(std::uint32_t offset) {
-        return count_ != kMost && (offsets_[count_++] = offset, true);
-    }
-    const std::uint32_t* begin() const { return offsets_; }
-    const std::uint32_t* end() const { return offsets_ + count_; }
+class UnclaimedBlocks {
+public:
+    // Without memory it is missing; false then.
+    bool Add(const UnclaimedBlock& block);
+    bool empty() const { return count_ == 0; }
+    const UnclaimedBlock* begin() const { return blocks_.get(); }
+    const UnclaimedBlock* end() const { return blocks_.get() + count_; }
 
 private:
-    std::uint32_t offsets_[kMost];
+    std::unique_ptr<UnclaimedBlock[]> blocks_;
     std::size_t count_ = 0;
+    std::size_t room_ = 0;
 };
 
 // Data of the object of `block` are in the storage file, if only of length 0.
@@ -47,9 +50,9 @@ bool HasStoredData(const InfoBlock& block);
 // Reads the blocks of `versions`, which stand in the order of the file, and finds out how they
 // cover it from `begin`, the end of the head, to `end`. Enters what is found in the versions, in
 // `findings` where the list itself is wrong, and in `unclaimed` the whole block of one object
-// behind a backup's last one that no record points to.
-void CheckBlocks(StoredVersion* versions, std::size_t count, StorageReader& stored,
+// behind a backup's last one that no record points to. False when there is no memory.
+bool CheckBlocks(StoredVersion* versions, std::size_t count, StorageReader& stored,
                  std::uint32_t begin, std::uint32_t end, const StateTable& states,
-                 Findings& findings, Places& unclaimed);
+                 Findings& findings, UnclaimedBlocks& unclaimed);
 
 }  // namespace tolvenar

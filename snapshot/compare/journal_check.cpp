@@ -74,6 +74,14 @@ void StateTable::Note(const ObjectRecord& record) {
     marks_[record.state_number] |= is_itself ? kHasRecords | kHasItself : kHasRecords;
 }
 
+std::uint16_t StateTable::LastState() const {
+    std::uint16_t state = highest_;
+    while (state != 0 && (marks_[state] & kHasItself) == 0) {
+        --state;
+    }
+    return state;
+}
+
 bool CheckRecords(const ObjectList& journal, StateTable& states, Findings& findings) {
     if (!states.Reserve(journal.MaxStateNumber())) {
         return false;

@@ -19,6 +19,8 @@ public:
     bool HasRecords(std::uint32_t state) const { return (marks_[state] & kHasRecords) != 0; }
     // Records but none of its own: the state's own block failed, or its record is lost.
     bool LacksItself(std::uint32_t state) const { return marks_[state] == kHasRecords; }
+    // The greatest number with a record of its own; 0 when there is none.
+    std::uint16_t LastState() const;
 
 private:
     static constexpr std::uint8_t kHasRecords = 1;

@@ -41,8 +41,11 @@ bool PairCheck::Run(const PairSizes& sizes) {
     } else if (sizes.journal / sizeof(ObjectRecord) != journal_.CountRecords()) {
         findings_.Add(u"two records under one key", 0);
     }
-    CheckBlocks(versions_.get(), count_, stored_, sizes.storage_head, sizes.storage, states,
-                findings_, unclaimed_);
+    if (!CheckBlocks(versions_.get(), count_, stored_, sizes.storage_head, sizes.storage, states,
+                     findings_, unclaimed_) ||
+        !CollectUnlisted(states.LastState())) {
+        return false;
+    }
     CheckDeletions();
     findings_.Finish();
     LogDamagedBlocks();
@@ -64,6 +67,35 @@ bool PairCheck::CollectVersions() {
                   return IsBefore(a, b.record->propOffset);
               });
     return true;
+}
+
+// The state's own block failed, or the record is another state's.
+bool PairCheck::CollectUnlisted(std::uint16_t last_state) {
+    for (std::size_t i = 0; i < count_; ++i) {
+        const ObjectRecord& record = *versions_[i].record;
+        if (record.state_number > last_state && versions_[i].damage != Damage::kBlock &&
+            !unclaimed_.Add({record.propOffset, last_state})) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool PairCheck::HoldsNewer(const ObjectList& state, const InfoBlock& block,
+                           std::uint32_t offset) const {
+    const std::uint32_t hash = HashOfObject(block);
+    for (const ObjectList::Node& node : state) {
+        const StoredVersion* version =
+            node.record->propOffset > offset ? Find(node.record->propOffset) : nullptr;
+        InfoBlock newer;
+        if (version != nullptr && version->name_hash == hash &&
+            node.record->type != ObjectType::kDatabaseRecord &&
+            stored_.GetInfoFromStorage(node.record->propOffset, newer) &&
+            tolvenar::IsOneObject(newer, block)) {
+            return true;
+        }
+    }
+    return false;
 }
 
 void PairCheck::CheckDeletions() {

@@ -37,9 +37,14 @@ public:
     // What is wrong with the stored version of a record. A record that no addition of the journal
     // is behind is damaged.
     Damage DamageOf(const ObjectRecord& record) const;
-    // Whole blocks that no record points to. What the device has under such a name may be what the
+    // Whole blocks of no listed state: no record points to them, or one with a number above the
+    // last state that has a record of its own. What the device has under such a name may be what a
     // state has.
-    const Places& unclaimed() const { return unclaimed_; }
+    const UnclaimedBlocks& unclaimed() const { return unclaimed_; }
+
+    // True when the list of a state holds a version of the object of `block`, stored at `offset`,
+    // that was stored after it.
+    bool HoldsNewer(const ObjectList& state, const InfoBlock& block, std::uint32_t offset) const;
 
     // Calls `found(older, newer)` for two living versions of one object in the list of a state: of
     // a file and the like, not of records, which have no name. False when there is no memory.
@@ -55,6 +60,7 @@ private:
 
     bool CollectVersions();
     void CheckDeletions();
+    bool CollectUnlisted(std::uint16_t last_state);
     void LogDamagedBlocks() const;
     const StoredVersion* Find(std::uint32_t propOffset) const;
     bool IsOneObject(const Living& a, const Living& b) const;
@@ -66,7 +72,7 @@ private:
     std::unique_ptr<StoredVersion[]> versions_;  // in the order of the storage file
     std::size_t count_ = 0;
     Findings findings_{u"List damaged"};
-    Places unclaimed_;
+    UnclaimedBlocks unclaimed_;
 };
 
 template <typename Found>

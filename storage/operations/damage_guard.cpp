@@ -1,8 +1,12 @@
 #include "storage/operations/damage_guard.h"
 
+#include <memory>
+#include <new>
+
 #include "snapshot/compare/data_check.h"
 #include "snapshot/compare/object_name.h"
 #include "snapshot/compare/record_info.h"
+#include "snapshot/records/hash_index.h"
 #include "snapshot/text/log.h"
 #include "storage/objects/presence.h"
 #include "storage/objects/restore_database.h"
@@ -21,6 +25,55 @@ bool IsPending(const ObjectRecord& record) {
 bool IsOfDatabase(const ObjectRecord& record) {
     return record.type == ObjectType::kDatabase || record.type == ObjectType::kDatabaseRecord;
 }
+
+// What is pending in a difference list, by the names of its objects.
+class PendingByName {
+public:
+    explicit PendingByName(InfoSource& info) : info_(info) {}
+
+    bool Build(ObjectList& difference) {
+        const std::size_t count = difference.CountRecords();
+        entries_.reset(new (std::nothrow) Entry[count + 1]);
+        if (entries_ == nullptr || !index_.Reserve(count)) {
+            return false;
+        }
+        std::size_t used = 0;
+        for (ObjectList::Node& node : difference) {
+            InfoBlock block;
+            if (IsPending(*node.record) && FetchInfo(*node.record, info_, block)) {
+                Entry& entry = entries_[used++];
+                entry = {node.record, HashOfObject(block), nullptr};
+                index_.Add(entry);
+            }
+        }
+        return true;
+    }
+
+    // Calls `action` with every record of an object that is called so.
+    template <typename Action>
+    void ForEachNamed(const InfoBlock& block, Action action) {
+        const std::uint32_t hash = HashOfObject(block);
+        for (Entry* entry = index_.ChainOf(hash); entry != nullptr; entry = entry->bucket_next) {
+            InfoBlock described;
+            if (entry->hash == hash && FetchInfo(*entry->record, info_, described) &&
+                IsOneObject(described, block)) {
+                action(*entry->record);
+            }
+        }
+    }
+
+private:
+    struct Entry {
+        ObjectRecord* record;
+        std::uint32_t hash;
+        Entry* bucket_next;
+        std::uint32_t Hash() const { return hash; }
+    };
+
+    InfoSource& info_;
+    std::unique_ptr<Entry[]> entries_;
+    HashIndex<Entry> index_;
+};
 
 }  // namespace
 
@@ -98,15 +151,30 @@ bool DamageGuard::IsMissing(const ObjectRecord& version, const InfoBlock& block,
            !WouldOverwriteRecord(engine_.databases, written, data, block, version.dwOID);
 }
 
-void DamageGuard::HoldBackDamaged() {
-    for (const std::uint32_t offset : check_.unclaimed()) {
-        InfoBlock block;
-        if (descriptions_.stored.GetInfoFromStorage(offset, block)) {
-            HoldBackNamed(block);
-        }
+bool DamageGuard::HoldBackDamaged() {
+    if (!check_.unclaimed().empty() && !HoldBackUnclaimed()) {
+        return false;
     }
     HoldBackDamagedNames();
     HoldBackDamagedData();
+    return true;
+}
+
+bool DamageGuard::MayLackObjects(const ObjectList& target, std::uint32_t state) const {
+    bool lacks = false;
+    for (const UnclaimedBlock& unclaimed : check_.unclaimed()) {
+        InfoBlock block;
+        if (unclaimed.state > state ||
+            !descriptions_.stored.GetInfoFromStorage(unclaimed.offset, block) ||
+            check_.HoldsNewer(target, block, unclaimed.offset)) {
+            continue;
+        }
+        ObjectRecord record{};
+        record.type = block.type();
+        LogObject(u"Its record in the list may be lost: ", record, block, kModule, kLogError);
+        lacks = true;
+    }
+    return lacks;
 }
 
 // The deletion of a stored object goes by its stored name.
@@ -124,23 +192,31 @@ void DamageGuard::HoldBackDamagedNames() {
 }
 
 // The device may have what the lost record is of; of a record, any of its database.
-void DamageGuard::HoldBackNamed(const InfoBlock& unclaimed) {
-    for (ObjectList::Node& node : difference_) {
-        ObjectRecord& record = *node.record;
-        InfoBlock block;
-        if (!IsPending(record) || !IsLookedAt(record) ||
-            !FetchInfo(record, descriptions_.source, block) || !IsOneObject(unclaimed, block)) {
-            continue;
-        }
-        const bool has_name = record.type != ObjectType::kDatabaseRecord;
-        if (has_name && IsPendingVersion(record) && !IsNameTaken(engine_.databases, block)) {
-            continue;
-        }
-        LogObject(u"Its newest version may be lost, left alone: ", record, block, kModule,
-                  kLogError);
-        HoldBack(record);
-        found_damage_ = true;
+bool DamageGuard::HoldBackUnclaimed() {
+    PendingByName pending(descriptions_.source);
+    if (!pending.Build(difference_)) {
+        return false;
     }
+    for (const UnclaimedBlock& unclaimed : check_.unclaimed()) {
+        InfoBlock block;
+        if (descriptions_.stored.GetInfoFromStorage(unclaimed.offset, block)) {
+            pending.ForEachNamed(block,
+                                 [&](ObjectRecord& record) { HoldBackNewest(record, block); });
+        }
+    }
+    return true;
+}
+
+void DamageGuard::HoldBackNewest(ObjectRecord& record, const InfoBlock& block) {
+    const bool has_name = record.type != ObjectType::kDatabaseRecord;
+    const bool is_missing =
+        has_name && IsPendingVersion(record) && !IsNameTaken(engine_.databases, block);
+    if (!IsPending(record) || !IsLookedAt(record) || is_missing) {
+        return;
+    }
+    LogObject(u"Its newest version may be lost, left alone: ", record, block, kModule, kLogError);
+    HoldBack(record);
+    found_damage_ = true;
 }
 
 void DamageGuard::HoldBackDamagedData() {

@@ -28,16 +28,22 @@ public:
     // Holds back everything but what is whole in the storage and missing on the device.
     void KeepToMissing(WrittenRecords& written);
 
-    // Holds back what a whole block without a record may be of, versions whose data are not what
+    // Holds back what a whole block of no listed state may be of, versions whose data are not what
     // they were, and the newer versions of both; and deletions that would go by a damaged name.
-    void HoldBackDamaged();
+    // False when there is no memory.
+    bool HoldBackDamaged();
+
+    // True, after a line in the log for each, when such a block may be of something that the state
+    // `target` of that number had, and has no newer version of: its restore lacks it.
+    bool MayLackObjects(const ObjectList& target, std::uint32_t state) const;
 
     // Whether anything was held back because of damage.
     bool found_damage() const { return found_damage_; }
 
 private:
     bool IsLookedAt(const ObjectRecord& record) const;
-    void HoldBackNamed(const InfoBlock& unclaimed);
+    bool HoldBackUnclaimed();
+    void HoldBackNewest(ObjectRecord& record, const InfoBlock& block);
     void HoldBackDamagedNames();
     void HoldBackDamagedData();
     void HoldBackDamagedVersion(ObjectRecord& version, const InfoBlock& block);

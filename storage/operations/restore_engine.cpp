@@ -142,7 +142,7 @@ bool Restore::RunFull() {
     if (!Prepare()) {
         return result_.took_older_list && TakeOlderList();
     }
-    if (storage_.difference->CountRecords() == 0) {
+    if (storage_.difference->CountRecords() == 0 && !plan_.lacks_objects) {
         return plan_.has_settled ? EndSettled() : EndWithoutDifference();
     }
     return RestoreDifferences();
@@ -197,7 +197,7 @@ bool Restore::EndSettled() {
 bool Restore::RestoreDifferences() {
     RunPasses();
     // What a damaged list does not tell is missing, whatever could be done.
-    if (result_.code == ResultCode::kSuccess && !plan_.trusts_list) {
+    if (result_.code == ResultCode::kSuccess && (!plan_.trusts_list || plan_.lacks_objects)) {
         result_.code = ResultCode::kFailed;
     }
     if (result_.code == ResultCode::kFailed) {

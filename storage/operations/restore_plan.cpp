@@ -85,8 +85,12 @@ PlanOutcome PlanRestore(RestorePlan& plan, Descriptions& descriptions, const Pai
             return outcome;
         }
     }
-    guard.HoldBackDamaged();
-    plan.is_damaged |= guard.found_damage();
+    if (!guard.HoldBackDamaged()) {
+        return PlanOutcome::kLeaveAll;
+    }
+    plan.lacks_objects =
+        plan.tells_device && guard.MayLackObjects(*plan.target, plan.engine.storage.aimed_state);
+    plan.is_damaged |= guard.found_damage() || plan.lacks_objects;
     HoldBackOnCards(difference, descriptions.source);
     if (!KeepKeys(difference, plan.target, !plan.tells_device, descriptions.source)) {
         return PlanOutcome::kLeaveAll;

@@ -20,8 +20,9 @@ struct RestorePlan {
     const ObjectList* target;     // the state that the list leads to; null is none
     bool tells_device;            // the list tells what the device has
     // Results.
-    bool is_damaged = false;  // something was held back for damage
-    bool trusts_list = true;  // the list of states may be saved again
+    bool is_damaged = false;     // something was held back for damage
+    bool trusts_list = true;     // the list of states may be saved again
+    bool lacks_objects = false;  // the state may have had what no list tells of
     bool has_settled = false;
     std::uint64_t missing_bytes = 0;  // for want of which nothing may be done
 };

@@ -160,8 +160,8 @@ protected:
         CloseStorage(storage_);
         EXPECT_TRUE(Open());
         const DeviceImage before = tests::ImageOf(device().sim());
-        if (HighestStateNumber(storage_.journal.get()) == 0) {
-            // Not one record was written: no state is listed that could be restored.
+        if (LastStoredState(storage_.journal.get()) == 0) {
+            // Too little was written: no state is listed that could be restored.
             Put(kJournal, journal);
         } else {
             TakesOlderList takes;
@@ -187,9 +187,13 @@ protected:
         const Disturbance& row = kDisturbedRestores[changes_.Below(std::size(kDisturbedRestores))];
         const int n = 1 + static_cast<int>(changes_.Below(static_cast<std::size_t>(row.most)));
         const std::uint32_t number = 1 + changes_.Below(states_.size());
+        const Bytes journal = Content(kJournal);
         device().Fault(row.function, n, 1, row.error);
         Restore(number);
         device().DropFaults();
+        if (device().Exists(kOldJournal)) {
+            TakeOlderList(journal);
+        }
         CloseStorage(storage_);
         EXPECT_TRUE(Open());
         return std::string(row.function) + " " + std::to_string(n) + ", then " +

@@ -51,12 +51,15 @@ TEST_F(DamagedStorageTest, NoChangesNothing) {
     EXPECT_TRUE(device().Exists(kNew));
 }
 
-TEST_F(DamagedStorageTest, AProgramThatIsClosedMeanwhileChangesNothing) {
+// The operation is not over: whoever wants the program closed asks again.
+TEST_F(DamagedStorageTest, AClosingIsNoAnswer) {
     CutJournal();
     OpenOn("Restore");
     PressForBox(IDC_RESTORE);
-    ::PostMessageW(MainWindow(), WM_CLOSE, 0, 0);
-    ExpectEnd();
+    ::SendMessageW(MainWindow(), WM_CLOSE, 0, 0);
+    EXPECT_TRUE(ProgramRuns());
+    ExpectBox(kMayWriteBackMissing, IDNO);
+    EXPECT_TRUE(BecomesIdle());
     EXPECT_FALSE(HasNote());
     EXPECT_TRUE(device().Exists(kNew));
 }

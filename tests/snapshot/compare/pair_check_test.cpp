@@ -78,7 +78,11 @@ protected:
         return check_->findings_in_list();
     }
     std::vector<std::uint32_t> Unclaimed() const {
-        return {check_->unclaimed().begin(), check_->unclaimed().end()};
+        std::vector<std::uint32_t> offsets;
+        for (const UnclaimedBlock& block : check_->unclaimed()) {
+            offsets.push_back(block.offset);
+        }
+        return offsets;
     }
     // "older newer" for each double in the last state, by the offsets of their blocks.
     std::vector<std::pair<std::uint32_t, std::uint32_t>> Doubles() {
@@ -194,7 +198,9 @@ TEST_F(PairCheckTest, AStateNumberThatAnotherRecordShouldHaveIsDamage) {
         for (std::uint16_t state = 0; state < 9; ++state) {
             const bool is_left = state == 4 && BytesOf(record) == BytesOf(front);
             if (state != record.state_number && !is_left) {
-                EXPECT_NE(0u, FindingsWith(record, [=](auto& r) { r.state_number = state; }))
+                const std::size_t findings =
+                    FindingsWith(record, [=](auto& r) { r.state_number = state; });
+                EXPECT_NE(0u, findings + Unclaimed().size())
                     << record.propOffset << " in " << state;
             }
         }
@@ -227,6 +233,47 @@ TEST_F(PairCheckTest, AStateOfDeletionsAloneWithoutARecordOfItsOwnIsDamageToo) {
     EXPECT_NE(0u, check_->findings_in_list());
 }
 
+// Its blocks are those of no state that is listed.
+TEST_F(PairCheckTest, TheObjectsOfALastStateWithoutARecordOfItsOwnAreUnclaimed) {
+    PairBuilder pair;
+    pair.BeginState();
+    pair.AddFile(u"\\a", "x", 5);
+    ObjectRecord last = pair.AddFile(u"\\b", "y", 6);
+    const Bytes journal = pair.JournalBytes();
+    ASSERT_EQ(BytesOf(last), journal.substr(0, 32));
+    last.state_number = 2;
+    Check(BytesOf(last) + journal.substr(32), pair.sav);
+    EXPECT_EQ(0u, check_->findings_in_list());
+    EXPECT_EQ(std::vector<std::uint32_t>{last.propOffset}, Unclaimed());
+    EXPECT_EQ(1u, check_->unclaimed().begin()->state);
+}
+
+TEST_F(PairCheckTest, AStatesOwnBlockIsItsFirst) {
+    PairBuilder pair;
+    pair.BeginState();
+    const ObjectRecord last = pair.AddFile(u"\\a", "x", 5);
+    pair.BeginState();
+    Bytes journal = pair.JournalBytes();
+    ObjectRecord moved = last;
+    moved.state_number = 2;
+    journal.erase(journal.find(BytesOf(last)), sizeof last);
+    // Beside the records of the second state.
+    Check(BytesOf(moved) + journal, pair.sav);
+    EXPECT_NE(0u, check_->findings_in_list());
+}
+
+TEST_F(PairCheckTest, RecordsThatAreLostFromTheirStatesOwnOnAreDamage) {
+    PairBuilder pair;
+    pair.BeginState();
+    const ObjectRecord first = pair.AddFolder(u"\\Sub", 5);
+    pair.AddFile(u"\\Sub\\a", "x", 6);
+    Bytes journal = pair.JournalBytes();
+    journal.erase(journal.find(BytesOf(first)), 2 * sizeof first);
+    ASSERT_EQ(32u, journal.size());
+    Check(journal, pair.sav);
+    EXPECT_NE(0u, check_->findings_in_list());
+}
+
 TEST_F(PairCheckTest, AStateWhoseOwnBlockFailedIsNone) {
     PairBuilder pair;
     pair.BeginState();
@@ -245,6 +292,7 @@ TEST_F(PairCheckTest, AStateWhoseOwnBlockFailedIsNone) {
     }
     Check(journal, without.sav);
     EXPECT_EQ(0u, check_->findings_in_list());
+    EXPECT_EQ(1u, Unclaimed().size()) << "until a state follows";
 }
 
 // But for the terminator of its name, which nobody reads.

@@ -246,6 +246,17 @@ TEST_F(DamagedRestoreTest, WhatALostRecordMayBeOfIsLeftAlone) {
     EXPECT_TRUE(LogHas("Its newest version may be lost, left alone: \\only.txt"));
 }
 
+// On a device without it nothing is there to be left alone, and the state had it perhaps.
+TEST_F(DamagedRestoreTest, WhatALostRecordMayBeOfIsToldWhereItIsMissing) {
+    device().PutFile(L"\\only.txt", "one");
+    ASSERT_EQ(Done(), Backup(1));
+    PutJournal(Content(kJournal).substr(32));
+    device().Remove(L"\\only.txt");
+    EXPECT_EQ(Done(ResultCode::kFailed), Restore(1));
+    EXPECT_TRUE(restore_.is_damaged);
+    EXPECT_TRUE(LogHas("Its record in the list may be lost: \\only.txt"));
+}
+
 // A deletion whose record is lost leaves the older version in the state.
 TEST_F(DamagedRestoreTest, OfTwoVersionsOfOneFileTheNewerHolds) {
     device().PutFile(L"\\a.txt", "one");
