@@ -5,7 +5,6 @@
 #include "simulator/gate/gate_file.h"
 #include "simulator/gate/rules.h"
 #include "simulator/host/attach.h"
-#include "simulator/host/host_files.h"
 #include "storage/opened/journal.h"
 
 namespace tolvenar {
@@ -14,7 +13,7 @@ namespace {
 using sim::databases::DatabaseStore;
 
 constexpr long kNever = 1000000000;
-constexpr std::size_t kStandingRules = 1;  // that of Attach
+constexpr std::size_t kStandingRules = 1;  // that of DeviceFolder
 sim::Rule RuleFor(const tests::FaultRow& row, long first) {
     sim::Rule rule;
     rule.kind =
@@ -51,40 +50,10 @@ long HeapBlocks(const sim::GateFile& gate) {
 
 }  // namespace
 
-FaultTest::FaultTest()
-    : folder_(sim::host::FolderFromEnvironmentOrTemp(L"TOLVENAR_TEST_DEVICES") + L"\\faults-" +
-              sim::host::UniqueName()) {
-    sim::host::RemoveTree(folder_);
-    sim::host::MakeFolder(folder_);
-}
-
-FaultTest::~FaultTest() {
-    Detach();
-    sim::host::RemoveTree(folder_);
-}
-
-void FaultTest::Attach() {
-    sim::host::AttachProcess(folder_);
-    device_ = std::make_unique<tests::TestDevice>(sim::Device::Current());
-    sim::ClearRules(device().sim());
-    // A restore need not wait for the store to settle.
-    sim::Rule rule;
-    rule.function = "Sleep";
-    rule.count = kNever;
-    rule.value = 1;
-    sim::AddRule(device().sim(), rule);
-}
-
-void FaultTest::Detach() {
-    device_.reset();
-    sim::host::AttachProcess(L"");
-}
-
 void FaultTest::MakeDevice(const std::function<void()>& prepare) {
-    Attach();
+    folder_.Attach();
     sim::files::MountCard(device().sim());
-    device().Set("clock", "2002-05-06T07:08:09");
-    device().Set("clock.step", "2000");
+    tests::StepClock(device());
     prepare();
     device().MakeFolder(L"\\Storage Card\\Backup");
     SetStorageSettings();
@@ -159,21 +128,13 @@ bool FaultTest::IsCutJournal(const FaultRun& run, const std::string& whole) {
     return true;
 }
 
-void FaultTest::KeepDevice() {
-    Detach();
-    copy_ = tests::FolderCopy(folder_);
-}
-
-void FaultTest::PutBack() {
-    copy_.PutBack(folder_);
-    Attach();
-}
+void FaultTest::KeepDevice() { copy_ = folder_.Keep(); }
 
 // From arming on nothing of the test may allocate, since its blocks come from the program's heap:
 // the rules are read and taken away in the mapped file itself.
 ResultCode FaultTest::RunOnce(const Operation& operation, bool opens_itself,
                               const std::vector<sim::Rule>& rules) {
-    const sim::MappedGate gate(folder_);
+    const sim::MappedGate gate(folder_.folder());
     met_.assign(sim::kRuleCount, {});
     const long blocks_before = HeapBlocks(*gate);
     ResultCode code{};
@@ -237,7 +198,7 @@ FaultRun FaultTest::RunWithFault(const Operation& operation, bool opens_itself,
     EXPECT_TRUE(!left_something_ || row.kind == tests::FaultKind::kCloses)
         << "handles or memory were left";
     Detach();  // closes what a call that could not close left open
-    Attach();
+    folder_.Attach();
     return run;
 }
 

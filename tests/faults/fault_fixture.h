@@ -13,9 +13,8 @@
 #include "platform/text.h"
 #include "simulator/gate/rules.h"
 #include "tests/faults/fault_rows.h"
-#include "tests/faults/folder_copy.h"
 #include "tests/support/contents.h"
-#include "tests/support/device_test.h"
+#include "tests/support/device_folder.h"
 #include "tests/support/engine_parts.h"
 
 namespace tolvenar {
@@ -44,9 +43,6 @@ protected:
     using Operation = std::function<ResultCode(QuietParts&)>;
     using FaultRows = std::vector<tests::FaultRow>;
 
-    FaultTest();
-    ~FaultTest() override;
-
     // A fresh device with some of everything and an empty storage; `prepare` runs on it first.
     void MakeDevice(const std::function<void()>& prepare = [] {});
     // Changes of every kind; `round` makes them differ.
@@ -60,8 +56,8 @@ protected:
     // The device as it is now is what every run begins with; this process leaves it.
     void KeepDevice();
     // Back on the device that was kept, as it was.
-    void PutBack();
-    void Detach();
+    void PutBack() { folder_.PutBack(copy_); }
+    void Detach() { folder_.Detach(); }
 
     // The journal that `operation` leaves when nothing fails.
     std::string JournalAfter(const Operation& operation);
@@ -86,19 +82,17 @@ protected:
     // it, on purpose. True when that happened; `whole` is the journal of JournalAfter.
     bool IsCutJournal(const FaultRun& run, const std::string& whole);
 
-    tests::TestDevice& device() { return *device_; }
+    tests::TestDevice& device() { return folder_.device(); }
     tests::Contents Now() { return tests::ContentsOf(device().sim()); }
     Bytes Content(const char16_t* path) { return device().FileBytes(Wide(path)); }
 
 private:
-    void Attach();
     ResultCode RunOnce(const Operation& operation, bool opens_itself,
                        const std::vector<sim::Rule>& rules);
     void MeetEachCall(const FaultRows& rows, const Operation& operation,
                       const std::function<void(FaultRun&)>& check, bool opens_itself);
 
-    std::wstring folder_;
-    std::unique_ptr<tests::TestDevice> device_;
+    tests::DeviceFolder folder_{L"faults"};
     tests::FolderCopy copy_;
     struct Met {
         long seen = 0;

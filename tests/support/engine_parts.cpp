@@ -1,5 +1,6 @@
 #include "tests/support/engine_parts.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 #include "app/settings/settings.h"
@@ -129,9 +130,12 @@ Bytes Value(HKEY root, const std::wstring& key_path, const std::wstring& name) {
     return std::to_string(type) + ":" + Bytes(data, bytes);
 }
 
-CEOID MakeDatabase(const std::wstring& name, DWORD type) {
+CEOID MakeDatabase(const std::wstring& name, DWORD type,
+                   const std::vector<SORTORDERSPEC>& sort_orders) {
     CEDBASEINFO info{};
-    info.dwFlags = CEDB_VALIDNAME | CEDB_VALIDTYPE;
+    info.dwFlags = CEDB_VALIDNAME | CEDB_VALIDTYPE | CEDB_VALIDSORTSPEC;
+    info.wNumSortOrder = static_cast<WORD>(sort_orders.size());
+    std::copy(sort_orders.begin(), sort_orders.end(), info.rgSortSpecs);
     wcscpy(info.szDbaseName, name.c_str());
     info.dwDbaseType = type;
     CEGUID volume{};

@@ -47,7 +47,8 @@ public:
     Answer Restore(std::uint32_t state);
     Answer RestoreAdvanced(bool invert);
 
-    // What the check of the storage's pair finds in its list and at its blocks: none in a sound one.
+    // What the check of the storage's pair finds in its list and at its blocks: none in a sound
+    // one.
     std::size_t FindingsInPair();
 
     OpenedStorage storage_{};
@@ -88,7 +89,8 @@ struct TestProperty {
     FILETIME time = {};        // CEVT_FILETIME
 };
 
-CEOID MakeDatabase(const std::wstring& name, DWORD type = 1);
+CEOID MakeDatabase(const std::wstring& name, DWORD type = 1,
+                   const std::vector<SORTORDERSPEC>& sort_orders = {});
 CEOID AddRecord(const std::wstring& database, const std::vector<TestProperty>& properties);
 // One with a kName and a kNumber.
 CEOID AddRecord(const std::wstring& database, const std::wstring& name, std::uint32_t number);

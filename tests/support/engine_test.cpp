@@ -4,9 +4,8 @@
 
 #include "simulator/databases/database_store.h"
 #include "simulator/gate/rules.h"
-#include "simulator/host/host_files.h"
-#include "simulator/store/utf8.h"
 #include "storage/files/handle_bytes.h"
+#include "tests/support/device_folder.h"
 #include "tests/support/text.h"
 
 namespace tolvenar {
@@ -25,17 +24,13 @@ void StorageTest::TearDown() {
 }
 
 void StorageTest::LetTimePass() {
-    device().Set("clock", "2002-05-06T07:08:09");
-    device().Set("clock.step", "2000");
+    tests::StepClock(device());
     device().Fault("Sleep", 1, 1000000000, 1);
     ::Sleep(0);  // the rule has fired, whether a restore comes or not
 }
 
 void StorageTest::ResetDevice() {
-    const std::wstring empty = folder() + L"\\empty";
-    sim::host::MakeFolder(empty);
-    device().Command("create \"" + sim::Utf8(empty) + "\"");
-    device().DropFaults();
+    tests::ResetDevice(device());
     LetTimePass();
 }
 

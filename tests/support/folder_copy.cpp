@@ -1,4 +1,4 @@
-#include "tests/faults/folder_copy.h"
+#include "tests/support/folder_copy.h"
 
 #include <chrono>
 #include <cstdio>
