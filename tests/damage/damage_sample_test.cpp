@@ -1,0 +1,29 @@
+// Restores from damaged pairs. Without more it is a sample of each kind of damage in each scene;
+// scripts/damage_campaign runs the same with other choices.
+#include <chrono>
+#include <cstdlib>
+#include <iostream>
+
+#include "tests/damage/campaign.h"
+
+namespace tolvenar {
+namespace {
+
+constexpr char kSample[] = "most=6";
+
+TEST(DamageSampleTest, NothingIsLostAndNothingIsWrongInSilence) {
+    const char* const words = std::getenv("TOLVENAR_DAMAGE");
+    Choice choice;
+    ASSERT_TRUE(ReadChoice(words != nullptr ? words : kSample, choice)) << words;
+    Stage stage;
+    const auto begin = std::chrono::steady_clock::now();
+    const Table table = Campaign(stage, choice, std::cout).Run();
+    const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
+    table.Print(std::cout);
+    std::cout << table.Cases() << " cases, " << table.Cases() / seconds.count() << " a second\n";
+    EXPECT_EQ(0u, table.Findings());
+    EXPECT_NE(0u, table.Cases());
+}
+
+}  // namespace
+}  // namespace tolvenar

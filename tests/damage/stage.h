@@ -1,0 +1,55 @@
+// The device on which damaged pairs are restored: how it stands in each scene, and the pairs that
+// it had.
+#pragma once
+
+#include <array>
+#include <optional>
+
+#include "tests/damage/damage_kinds.h"
+#include "tests/damage/judgement.h"
+#include "tests/support/device_folder.h"
+
+namespace tolvenar {
+
+constexpr std::size_t kScenes = 4;
+
+struct Scene {
+    const char* name;
+    std::optional<std::uint32_t> state;  // the state to restore; nothing is the last one
+    tests::FolderCopy device;
+    Holdings before;
+};
+
+class Stage {
+public:
+    Stage();
+
+    const Storages& storages() const { return storages_; }
+    const std::array<Scene, kScenes>& scenes() const { return scenes_; }
+
+    struct Result {
+        Outcome outcome;
+        Holdings wanted;
+        Holdings after;
+    };
+    // Puts the scene back with the pair on its card and restores as an unattended restore does.
+    Result Run(const Scene& scene, const Damaged& damaged);
+
+private:
+    tests::TestDevice& device() { return folder_.device(); }
+    void MakeOwnStorage();
+    void MakeScenes();
+    void MakeOtherStorages();
+    void BeginStorage();
+    void BackUp(SoundStorage& storage);
+    Holdings Now() { return Holdings(tests::ImageOf(device().sim())); }
+    Pair PairOnCard();
+    void PutOnCard(const Pair& pair);
+    void SetScene(std::size_t index, const char* name, std::optional<std::uint32_t> state);
+
+    tests::DeviceFolder folder_{L"damage"};
+    Storages storages_;
+    std::array<Scene, kScenes> scenes_;
+};
+
+}  // namespace tolvenar
