@@ -93,6 +93,14 @@ std::size_t Table::Cases() const {
     return cases;
 }
 
+std::size_t Table::Cases(Verdict verdict) const {
+    std::size_t cases = 0;
+    for (const auto& [name, row] : rows_) {
+        cases += row[static_cast<std::size_t>(verdict)];
+    }
+    return cases;
+}
+
 void Table::Print(std::ostream& out) const {
     for (const auto& [name, row] : rows_) {
         out << "row|" << name.first << "|" << name.second;
@@ -128,7 +136,7 @@ void Campaign::RunKind(const Scene& scene, const DamageKind& kind) {
 
 // Kinds of few cases run whole.
 bool Campaign::IsChosen(const std::string& name, std::size_t index, std::size_t count) const {
-    constexpr std::size_t kFew = 16;
+    constexpr std::size_t kFew = 8;
     if (!choice_.only.empty()) {
         return choice_.only == name + std::to_string(index);
     }
@@ -164,9 +172,8 @@ void Campaign::Tell(const std::string& name, const Damaged& damaged, const char*
          << damaged.what << ": " << DescribePlace(damaged)
          << (exception != nullptr ? std::string(" (") + exception + ")" : "") << "\n  state "
          << result.outcome.state << ", "
-         << (result.outcome.began
-                 ? "code " + std::to_string(static_cast<int>(result.outcome.code))
-                 : "refused")
+         << (result.outcome.began ? "code " + std::to_string(static_cast<int>(result.outcome.code))
+                                  : "refused")
          << "; wanted -, after +:\n";
     TellLines(out_, tests::Differences(result.wanted.lines, result.after.lines));
     const auto lost =

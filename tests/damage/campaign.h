@@ -10,15 +10,15 @@
 namespace tolvenar {
 
 struct Choice {
-    std::string kind;         // empty: all
-    std::string scene;        // empty: all
-    std::string only;         // one case, as a finding names it: "changed/sav-bit/4711"
-    std::size_t every = 1;    // about one case of so many
-    std::size_t most = 0;     // at most so many of each kind in each scene; 0: no limit
-    std::uint32_t seed = 0;   // which ones
-    std::size_t worker = 0;   // of so many, each of which runs its share
+    std::string kind;        // empty: all
+    std::string scene;       // empty: all
+    std::string only;        // one case, as a finding names it: "changed/sav-bit/4711"
+    std::size_t every = 1;   // about one case of so many
+    std::size_t most = 0;    // at most so many of each kind in each scene; 0: no limit
+    std::uint32_t seed = 0;  // which ones
+    std::size_t worker = 0;  // of so many, each of which runs its share
     std::size_t workers = 1;
-    std::string note;         // a host file that names the case that runs; empty: none
+    std::string note;  // a host file that names the case that runs; empty: none
 };
 
 // "every=7 kind=sav-bit …"; false when a word is none of these.
@@ -33,6 +33,7 @@ public:
     // Of rows that are no exception, those of findings.
     std::size_t Findings() const;
     std::size_t Cases() const;
+    std::size_t Cases(Verdict verdict) const;
     void Print(std::ostream& out) const;
 
 private:

@@ -43,7 +43,9 @@ void ZeroFrom(Bytes& bytes, std::size_t begin) {
     std::fill(bytes.begin() + static_cast<std::ptrdiff_t>(begin), bytes.end(), '\0');
 }
 
-Damaged SoundPair(const Storages& storages) { return {storages.own.pairs.back(), "", &storages.own}; }
+Damaged SoundPair(const Storages& storages) {
+    return {storages.own.pairs.back(), "", &storages.own};
+}
 
 Damaged WithJournal(const Storages& storages, const std::function<std::string(Bytes&)>& change) {
     Damaged damaged = SoundPair(storages);
@@ -68,8 +70,7 @@ Damaged FlipJournalBit(const Storages& storages, std::size_t index) {
     return WithJournal(storages, [&](Bytes& journal) {
         FlipBit(journal, index);
         return "byte " + std::to_string(index / 8 % kRecordBytes) + " bit " +
-               std::to_string(index % 8) + " of record " +
-               std::to_string(index / 8 / kRecordBytes);
+               std::to_string(index % 8) + " of record " + std::to_string(index / 8 / kRecordBytes);
     });
 }
 
@@ -83,9 +84,8 @@ Damaged ReplaceRecord(const Storages& storages, std::size_t index, Replacement r
         const auto record = [&](std::size_t n) {
             return journal.substr(n % count * kRecordBytes, kRecordBytes);
         };
-        journal.replace(
-            index * kRecordBytes, kRecordBytes,
-            replacement(record(index), record(index + count - 1), record(index + 1)));
+        journal.replace(index * kRecordBytes, kRecordBytes,
+                        replacement(record(index), record(index + count - 1), record(index + 1)));
         return "record " + std::to_string(index);
     });
 }
@@ -148,7 +148,7 @@ Damaged Mix(const Storages& storages, std::size_t index) {
     const SoundStorage& own = storages.own;
     const std::size_t older = own.pairs.size() - 1;
     const bool is_others_journal = index % 2 == 0;
-    const SoundStorage& other = index < 2 * older ? own
+    const SoundStorage& other = index < 2 * older       ? own
                                 : index < 2 * older + 2 ? storages.fresh
                                                         : storages.foreign;
     const Pair& half = &other == &own ? own.pairs[index / 2] : other.pairs.back();

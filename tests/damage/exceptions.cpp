@@ -88,10 +88,10 @@ std::string DescribePlace(const Damaged& damaged) {
         return SavMap(sound).Describe(place);
     }
     const auto missing = MissingRecords(*sound.journal, *damaged.pair.journal);
-    return missing.empty() ? ""
-                           : std::to_string(missing.size()) + " records, " +
-                                 Describe(missing.front()) + ", " +
-                                 SavMap(sound).Describe(missing.front().propOffset);
+    return missing.empty()
+               ? ""
+               : std::to_string(missing.size()) + " records, " + Describe(missing.front()) + ", " +
+                     SavMap(sound).Describe(missing.front().propOffset);
 }
 
 }  // namespace tolvenar

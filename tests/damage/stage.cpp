@@ -37,7 +37,6 @@ Stage::Stage() {
     MakeOwnStorage();
     MakeScenes();
     MakeOtherStorages();
-    folder_.Detach();
 }
 
 void Stage::MakeOwnStorage() {
@@ -49,6 +48,9 @@ void Stage::MakeOwnStorage() {
     for (std::uint32_t state = 1; state <= kStates; ++state) {
         ReachState(device(), state);
         BackUp(storages_.own);
+        if (state + 1 == kStates) {
+            GoBackAndForth();
+        }
     }
     device().sim().store().Compact();
 }
@@ -85,6 +87,14 @@ void Stage::BackUp(SoundStorage& storage) {
     EXPECT_EQ(Done(), parts.Backup(number, u"described"));
     storage.pairs.push_back(PairOnCard());
     storage.states.push_back(Now());
+}
+
+void Stage::GoBackAndForth() {
+    EngineParts parts;
+    EXPECT_TRUE(parts.Open());
+    EXPECT_EQ(Done(), parts.Restore(1));
+    EXPECT_EQ(Done(), parts.Restore(kStates - 1));
+    EXPECT_EQ(storages_.own.states.back().lines, Now().lines);
 }
 
 void Stage::SetScene(std::size_t index, const char* name, std::optional<std::uint32_t> state) {
@@ -131,7 +141,6 @@ Stage::Result Stage::Run(const Scene& scene, const Damaged& damaged) {
     }
     result.wanted = storage.states[std::min(outcome.state, last) - 1];
     result.after = Now();
-    folder_.Detach();
     return result;
 }
 

@@ -42,6 +42,8 @@ private:
     void MakeOtherStorages();
     void BeginStorage();
     void BackUp(SoundStorage& storage);
+    // To the first state and back, so that much of the journal has new ids.
+    void GoBackAndForth();
     Holdings Now() { return Holdings(tests::ImageOf(device().sim())); }
     Pair PairOnCard();
     void PutOnCard(const Pair& pair);
