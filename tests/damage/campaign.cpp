@@ -182,6 +182,9 @@ void Campaign::Tell(const std::string& name, const Damaged& damaged, const char*
         out_ << "  lost:\n";
         TellLines(out_, lost);
     }
+    if (!choice_.only.empty()) {
+        out_ << stage_.Log();
+    }
     out_.flush();
 }
 

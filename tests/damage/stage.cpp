@@ -7,6 +7,7 @@
 #include "storage/log/operation_log.h"
 #include "tests/damage/history.h"
 #include "tests/support/engine_parts.h"
+#include "tests/support/text.h"
 
 namespace tolvenar {
 namespace {
@@ -99,6 +100,9 @@ void Stage::GoBackAndForth() {
 
 void Stage::SetScene(std::size_t index, const char* name, std::optional<std::uint32_t> state) {
     const Holdings before = Now();
+    if (device().Exists(Wide(kLog))) {
+        device().Remove(Wide(kLog));
+    }
     scenes_[index] = {name, state, folder_.Keep(), before};
     folder_.Attach();
 }
@@ -142,6 +146,11 @@ Stage::Result Stage::Run(const Scene& scene, const Damaged& damaged) {
     result.wanted = storage.states[std::min(outcome.state, last) - 1];
     result.after = Now();
     return result;
+}
+
+std::string Stage::Log() {
+    const std::wstring path = Wide(kLog);
+    return device().Exists(path) ? tests::Narrow(TextIn(device().FileBytes(path))) : "";
 }
 
 }  // namespace tolvenar

@@ -34,6 +34,8 @@ public:
     };
     // Puts the scene back with the pair on its card and restores as an unattended restore does.
     Result Run(const Scene& scene, const Damaged& damaged);
+    // What the last run logged.
+    std::string Log();
 
 private:
     tests::TestDevice& device() { return folder_.device(); }
