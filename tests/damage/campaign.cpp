@@ -182,9 +182,8 @@ void Campaign::Tell(const std::string& name, const Damaged& damaged, const char*
         out_ << "  lost:\n";
         TellLines(out_, lost);
     }
-    if (!choice_.only.empty()) {
-        out_ << stage_.Log();
-    }
+    out_ << "  log:\n";
+    TellLines(out_, stage_.LogLines());
     out_.flush();
 }
 

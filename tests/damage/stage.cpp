@@ -7,7 +7,7 @@
 #include "storage/log/operation_log.h"
 #include "tests/damage/history.h"
 #include "tests/support/engine_parts.h"
-#include "tests/support/text.h"
+#include "tests/support/log_lines.h"
 
 namespace tolvenar {
 namespace {
@@ -148,9 +148,10 @@ Stage::Result Stage::Run(const Scene& scene, const Damaged& damaged) {
     return result;
 }
 
-std::string Stage::Log() {
+std::vector<std::string> Stage::LogLines() {
     const std::wstring path = Wide(kLog);
-    return device().Exists(path) ? tests::Narrow(TextIn(device().FileBytes(path))) : "";
+    return device().Exists(path) ? tests::LogLinesIn(device().FileBytes(path))
+                                 : std::vector<std::string>();
 }
 
 }  // namespace tolvenar

@@ -35,7 +35,7 @@ public:
     // Puts the scene back with the pair on its card and restores as an unattended restore does.
     Result Run(const Scene& scene, const Damaged& damaged);
     // What the last run logged.
-    std::string Log();
+    std::vector<std::string> LogLines();
 
 private:
     tests::TestDevice& device() { return folder_.device(); }

@@ -6,6 +6,7 @@
 #include "simulator/gate/rules.h"
 #include "storage/files/handle_bytes.h"
 #include "tests/support/device_folder.h"
+#include "tests/support/log_lines.h"
 #include "tests/support/text.h"
 
 namespace tolvenar {
@@ -66,21 +67,7 @@ Text StorageTest::Log() {
     return TextIn(Content(kLog));
 }
 
-Lines StorageTest::LogLines() {
-    const std::string module_mark = " - Module: ";
-    const std::string message_mark = "; Message: ";
-    Lines lines;
-    std::string all = tests::Narrow(Log());
-    for (std::size_t end = all.find("\r\n"); end != std::string::npos; end = all.find("\r\n")) {
-        const std::string line = all.substr(0, end);
-        all.erase(0, end + 2);
-        const std::size_t module = line.find(module_mark) + module_mark.size();
-        const std::size_t message = line.find(message_mark);
-        lines.push_back(line.substr(0, 1) + " " + line.substr(module, message - module) + ": " +
-                        line.substr(message + message_mark.size()));
-    }
-    return lines;
-}
+Lines StorageTest::LogLines() { return Exists(kLog) ? tests::LogLinesIn(Content(kLog)) : Lines(); }
 
 const ObjectRecord* StorageTest::RecordOf(const ObjectList& list, CEOID oid) {
     for (const ObjectList::Node& node : list) {
