@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <functional>
+#include <iterator>
 
 namespace tolvenar {
 namespace {
 
 constexpr std::size_t kRecordBytes = sizeof(ObjectRecord);
 constexpr std::size_t kSectorBytes = 512;
+constexpr std::size_t kSectorFills = 4;
 constexpr std::size_t kTailStep = 16;
 constexpr char kAllOnes = '\xFF';
 
@@ -19,11 +21,11 @@ std::size_t JournalBytes(const SoundStorage& own) {
 }
 std::size_t JournalRecords(const SoundStorage& own) { return own.journal().size() / kRecordBytes; }
 std::size_t JournalSectors(const SoundStorage& own) {
-    return 2 * Places(own.journal().size(), kSectorBytes);
+    return kSectorFills * Places(own.journal().size(), kSectorBytes);
 }
 std::size_t SavBits(const SoundStorage& own) { return own.sav().size() * 8; }
 std::size_t SavSectors(const SoundStorage& own) {
-    return 2 * Places(own.sav().size(), kSectorBytes);
+    return kSectorFills * Places(own.sav().size(), kSectorBytes);
 }
 std::size_t SavTails(const SoundStorage& own) { return Places(own.sav().size(), kTailStep); }
 
@@ -31,12 +33,18 @@ void FlipBit(Bytes& bytes, std::size_t bit) {
     bytes[bit / 8] = static_cast<char>(bytes[bit / 8] ^ (1 << bit % 8));
 }
 
-// Two cases for each sector: all zero, all ones.
+// Four cases for each sector: all zero, all ones, anything, what the sector before has.
 std::string FillSector(Bytes& bytes, std::size_t index) {
-    const std::size_t begin = index / 2 * kSectorBytes;
+    constexpr const char* kFills[kSectorFills] = {" zeroed", " all FF", " random",
+                                                  " as the one before"};
+    const std::size_t begin = index / kSectorFills * kSectorBytes;
     const std::size_t size = std::min(kSectorBytes, bytes.size() - begin);
-    bytes.replace(begin, size, size, index % 2 == 0 ? '\0' : kAllOnes);
-    return "sector " + std::to_string(index / 2) + (index % 2 == 0 ? " zeroed" : " all FF");
+    const std::size_t before = begin == 0 ? bytes.size() - size : begin - kSectorBytes;
+    const Bytes fills[kSectorFills] = {Bytes(size, '\0'), Bytes(size, kAllOnes),
+                                       RandomBytes(size, static_cast<unsigned>(index)),
+                                       bytes.substr(before, size)};
+    bytes.replace(begin, size, fills[index % kSectorFills]);
+    return "sector " + std::to_string(index / kSectorFills) + kFills[index % kSectorFills];
 }
 
 void ZeroFrom(Bytes& bytes, std::size_t begin) {
@@ -115,6 +123,65 @@ Damaged FillJournalSector(const Storages& storages, std::size_t index) {
     return WithJournal(storages, [&](Bytes& journal) { return FillSector(journal, index); });
 }
 
+// The order of the records means nothing within a state.
+Damaged SwapRecords(const Storages& storages, std::size_t index) {
+    return WithJournal(storages, [&](Bytes& journal) {
+        const std::size_t second = (index + 1) * kRecordBytes % journal.size();
+        const Bytes record = journal.substr(index * kRecordBytes, kRecordBytes);
+        journal.replace(index * kRecordBytes, kRecordBytes, journal, second, kRecordBytes);
+        journal.replace(second, kRecordBytes, record);
+        return "record " + std::to_string(index) + " and the next swapped";
+    });
+}
+
+// A load and a save turn the order round: the last records are those of another state then.
+Damaged CutReversedJournal(const Storages& storages, std::size_t index) {
+    return WithJournal(storages, [&](Bytes& journal) {
+        Bytes reversed;
+        for (std::size_t at = journal.size(); reversed.size() < index * kRecordBytes;) {
+            at -= kRecordBytes;
+            reversed += journal.substr(at, kRecordBytes);
+        }
+        journal = reversed;
+        return "reversed, then cut to " + std::to_string(index) + " records";
+    });
+}
+
+// For each older journal its sectors, one of which was never overwritten.
+std::size_t StaleSectors(const SoundStorage& own) {
+    return (own.pairs.size() - 1) * Places(own.journal().size(), kSectorBytes);
+}
+
+Damaged KeepStaleSector(const Storages& storages, std::size_t index) {
+    return WithJournal(storages, [&](Bytes& journal) {
+        const std::size_t older = storages.own.pairs.size() - 1;
+        const Bytes& stale = *storages.own.pairs[index % older].journal;
+        const std::size_t begin = index / older * kSectorBytes;
+        if (begin < stale.size()) {
+            const std::size_t size =
+                std::min({kSectorBytes, stale.size() - begin, journal.size() - begin});
+            journal.replace(begin, size, stale, begin, size);
+        }
+        return "sector " + std::to_string(index / older) + " still that of state " +
+               std::to_string(index % older + 1);
+    });
+}
+
+// Either file goes on behind its end: so many bytes of zeros, of ones, of anything.
+constexpr std::size_t kTailSizes[] = {1, kRecordBytes, kSectorBytes};
+
+std::size_t LongerFiles(const SoundStorage&) { return 2 * 3 * std::size(kTailSizes); }
+
+Damaged MakeLonger(const Storages& storages, std::size_t index) {
+    const std::size_t size = kTailSizes[index / 6];
+    const Bytes tails[] = {Bytes(size, '\0'), Bytes(size, kAllOnes), RandomBytes(size, 1)};
+    const auto change = [&](Bytes& bytes) {
+        bytes += tails[index / 2 % 3];
+        return std::to_string(size) + " bytes longer, fill " + std::to_string(index / 2 % 3);
+    };
+    return index % 2 == 0 ? WithJournal(storages, change) : WithSav(storages, change);
+}
+
 Damaged FlipSavBit(const Storages& storages, std::size_t index) {
     return WithSav(storages, [&](Bytes& sav) {
         FlipBit(sav, index);
@@ -189,11 +256,15 @@ const std::array<DamageKind, kDamageKinds> kDamageTable = {{
     {"journal-as-before", JournalRecords, Replace<AsTheOneBefore>},
     {"journal-as-behind", JournalRecords, Replace<AsTheOneBehind>},
     {"journal-tail", JournalRecords, ZeroJournalTail},
+    {"journal-swapped", JournalRecords, SwapRecords},
+    {"journal-reversed-cut", JournalRecords, CutReversedJournal},
+    {"journal-stale", StaleSectors, KeepStaleSector},
     {"journal-sector", JournalSectors, FillJournalSector},
     {"sav-bit", SavBits, FlipSavBit},
     {"sav-tail", SavTails, ZeroSavTail},
     {"sav-cut", SavTails, CutSav},
     {"sav-sector", SavSectors, FillSavSector},
+    {"longer", LongerFiles, MakeLonger},
     {"mixed", MixedPairs, Mix},
     {"half", FourHalves, TakeHalf},
     {"none", [](const SoundStorage&) -> std::size_t { return 1; },
