@@ -168,8 +168,8 @@ void Campaign::RunCase(const Scene& scene, const DamageKind& kind, std::size_t i
 
 void Campaign::Tell(const std::string& name, const Damaged& damaged, const char* exception,
                     const Scene& scene, const Stage::Result& result, Verdict verdict) {
-    out_ << kVerdictNames[static_cast<std::size_t>(verdict)] << " case=" << name << "\n  "
-         << damaged.what << ": " << DescribePlace(damaged)
+    out_ << kVerdictNames[static_cast<std::size_t>(verdict)] << " case=" << name
+         << " seed=" << choice_.seed << "\n  " << damaged.what << ": " << DescribePlace(damaged)
          << (exception != nullptr ? std::string(" (") + exception + ")" : "") << "\n  state "
          << result.outcome.state << ", "
          << (result.outcome.began ? "code " + std::to_string(static_cast<int>(result.outcome.code))

@@ -10,12 +10,12 @@
 namespace tolvenar {
 
 struct Choice {
-    std::string kind;        // empty: all
-    std::string scene;       // empty: all
-    std::string only;        // one case, as a finding names it: "changed/sav-bit/4711"
+    std::string kind;   // empty: all
+    std::string scene;  // empty: all
+    std::string only;   // one case, as a finding names it: "changed/sav-bit/4711", with its seed
     std::size_t every = 1;   // about one case of so many
     std::size_t most = 0;    // at most so many of each kind in each scene; 0: no limit
-    std::uint32_t seed = 0;  // which ones
+    std::uint32_t seed = 0;  // which ones, and of which storage: see Stage
     std::size_t worker = 0;  // of so many, each of which runs its share
     std::size_t workers = 1;
     std::string note;  // a host file that names the case that runs; empty: none

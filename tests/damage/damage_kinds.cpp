@@ -1,6 +1,7 @@
 #include "tests/damage/damage_kinds.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <functional>
 #include <iterator>
 
@@ -134,15 +135,43 @@ Damaged SwapRecords(const Storages& storages, std::size_t index) {
     });
 }
 
+// A cluster of the file that went out of its chain, or a part of one.
+constexpr std::size_t kHoles[] = {2, 3, 8, 16};
+
+std::size_t JournalHoles(const SoundStorage& own) {
+    return JournalRecords(own) * std::size(kHoles);
+}
+
+Damaged TakeRecordsOut(const Storages& storages, std::size_t index) {
+    return WithJournal(storages, [&](Bytes& journal) {
+        const std::size_t first = index / std::size(kHoles);
+        const std::size_t count = kHoles[index % std::size(kHoles)];
+        journal.erase(first * kRecordBytes, count * kRecordBytes);
+        return std::to_string(count) + " records from record " + std::to_string(first) + " on";
+    });
+}
+
+// Every record moves to each other state, and to one that never was.
+std::size_t OtherStates(const SoundStorage& own) { return JournalRecords(own) * own.states.size(); }
+
+Damaged MoveToState(const Storages& storages, std::size_t index) {
+    return WithJournal(storages, [&](Bytes& journal) {
+        const std::size_t states = storages.own.states.size();
+        const std::size_t record = index / states;
+        const std::size_t place = record * kRecordBytes + offsetof(ObjectRecord, state_number);
+        auto other = static_cast<std::uint16_t>(index % states + 1);
+        if (journal.compare(place, sizeof other, BytesOf(other)) == 0) {
+            other = static_cast<std::uint16_t>(states + 1);
+        }
+        Patch(journal, place, other);
+        return "record " + std::to_string(record) + " moved to state " + std::to_string(other);
+    });
+}
+
 // A load and a save turn the order round: the last records are those of another state then.
 Damaged CutReversedJournal(const Storages& storages, std::size_t index) {
     return WithJournal(storages, [&](Bytes& journal) {
-        Bytes reversed;
-        for (std::size_t at = journal.size(); reversed.size() < index * kRecordBytes;) {
-            at -= kRecordBytes;
-            reversed += journal.substr(at, kRecordBytes);
-        }
-        journal = reversed;
+        journal = Reversed(journal).substr(0, index * kRecordBytes);
         return "reversed, then cut to " + std::to_string(index) + " records";
     });
 }
@@ -256,6 +285,8 @@ const std::array<DamageKind, kDamageKinds> kDamageTable = {{
     {"journal-as-before", JournalRecords, Replace<AsTheOneBefore>},
     {"journal-as-behind", JournalRecords, Replace<AsTheOneBehind>},
     {"journal-tail", JournalRecords, ZeroJournalTail},
+    {"journal-hole", JournalHoles, TakeRecordsOut},
+    {"journal-state", OtherStates, MoveToState},
     {"journal-swapped", JournalRecords, SwapRecords},
     {"journal-reversed-cut", JournalRecords, CutReversedJournal},
     {"journal-stale", StaleSectors, KeepStaleSector},

@@ -20,7 +20,7 @@ struct DamageKind {
     Damaged (*make)(const Storages& storages, std::size_t index);
 };
 
-constexpr std::size_t kDamageKinds = 21;
+constexpr std::size_t kDamageKinds = 23;
 extern const std::array<DamageKind, kDamageKinds> kDamageTable;
 
 }  // namespace tolvenar

@@ -9,13 +9,13 @@
 namespace tolvenar {
 namespace {
 
-constexpr char kSample[] = "most=3";
+constexpr char kSample[] = "most=3 seed=1";
 
 TEST(DamageSampleTest, NothingIsLostAndNothingIsWrongInSilence) {
     const char* const words = std::getenv("TOLVENAR_DAMAGE");
     Choice choice;
     ASSERT_TRUE(ReadChoice(words != nullptr ? words : kSample, choice)) << words;
-    Stage stage;
+    Stage stage(choice.seed);
     Choice sound;
     sound.kind = "none";
     EXPECT_EQ(kScenes, Campaign(stage, sound, std::cout).Run().Cases(Verdict::kExact));

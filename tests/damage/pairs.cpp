@@ -10,6 +10,15 @@ std::vector<ObjectRecord> RecordsIn(const Bytes& journal) {
     return records;
 }
 
+Bytes Reversed(const Bytes& journal) {
+    Bytes reversed;
+    for (std::size_t end = journal.size(); end >= sizeof(ObjectRecord);) {
+        end -= sizeof(ObjectRecord);
+        reversed += journal.substr(end, sizeof(ObjectRecord));
+    }
+    return reversed;
+}
+
 std::string Describe(const ObjectRecord& record) {
     return "state " + std::to_string(record.state_number) +
            ((record.flags & JF_DELETE) != 0 ? ", deletion" : ", addition") + " of type " +

@@ -33,6 +33,8 @@ struct Storages {
 };
 
 std::vector<ObjectRecord> RecordsIn(const Bytes& journal);
+// As a load and a save leave it: its records in reverse order.
+Bytes Reversed(const Bytes& journal);
 
 // "state 2, deletion of type 16".
 std::string Describe(const ObjectRecord& record);

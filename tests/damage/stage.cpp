@@ -32,15 +32,19 @@ std::uint32_t StateToRestore(const ObjectList& journal, std::optional<std::uint3
 
 }  // namespace
 
-Stage::Stage() {
+Stage::Stage(std::uint32_t seed) {
     InstallOperationLog();
     folder_.Attach();
-    MakeOwnStorage();
+    MakeOwnStorage((seed & 1) != 0);
     MakeScenes();
     MakeOtherStorages();
+    if ((seed & 2) != 0) {
+        Bytes& journal = *storages_.own.pairs.back().journal;
+        journal = Reversed(journal);
+    }
 }
 
-void Stage::MakeOwnStorage() {
+void Stage::MakeOwnStorage(bool is_restored_from) {
     sim::files::MountCard(device().sim());
     tests::StepClock(device());
     device().MakeFolder(L"\\Storage Card\\Backup");
@@ -49,7 +53,7 @@ void Stage::MakeOwnStorage() {
     for (std::uint32_t state = 1; state <= kStates; ++state) {
         ReachState(device(), state);
         BackUp(storages_.own);
-        if (state + 1 == kStates) {
+        if (is_restored_from && state + 1 == kStates) {
             GoBackAndForth();
         }
     }

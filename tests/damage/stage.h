@@ -22,7 +22,9 @@ struct Scene {
 
 class Stage {
 public:
-    Stage();
+    // An odd seed is a storage that was restored from between its backups, which gave much of its
+    // journal new ids; with every second pair of seeds its journal is in reverse order.
+    explicit Stage(std::uint32_t seed);
 
     const Storages& storages() const { return storages_; }
     const std::array<Scene, kScenes>& scenes() const { return scenes_; }
@@ -39,12 +41,12 @@ public:
 
 private:
     tests::TestDevice& device() { return folder_.device(); }
-    void MakeOwnStorage();
+    void MakeOwnStorage(bool is_restored_from);
     void MakeScenes();
     void MakeOtherStorages();
     void BeginStorage();
     void BackUp(SoundStorage& storage);
-    // To the first state and back, so that much of the journal has new ids.
+    // To the first state and back to the last one.
     void GoBackAndForth();
     Holdings Now() { return Holdings(tests::ImageOf(device().sim())); }
     Pair PairOnCard();
