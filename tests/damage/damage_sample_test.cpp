@@ -9,7 +9,7 @@
 namespace tolvenar {
 namespace {
 
-constexpr char kSample[] = "most=3 seed=1";
+constexpr char kSample[] = "most=2 seed=1";
 
 TEST(DamageSampleTest, NothingIsLostAndNothingIsWrongInSilence) {
     const char* const words = std::getenv("TOLVENAR_DAMAGE");
@@ -24,8 +24,9 @@ TEST(DamageSampleTest, NothingIsLostAndNothingIsWrongInSilence) {
     const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
     table.Print(std::cout);
     std::cout << table.Cases() << " cases, " << table.Cases() / seconds.count() << " a second\n";
-    EXPECT_EQ(0u, table.Findings());
-    EXPECT_NE(0u, table.Cases());
+    if (table.Findings() != 0 || table.Cases() == 0) {
+        ADD_FAILURE() << table.Findings() << " findings";
+    }
 }
 
 }  // namespace
