@@ -164,13 +164,15 @@ TEST_F(PairCheckTest, ARecordOfZerosOrOnesIsDamage) {
 }
 
 TEST_F(PairCheckTest, EveryAdditionFlagIsOneAndTheScansFlagsSayNothing) {
-    for (const std::uint16_t flags : {4, 5, 6, 7, 0x10, 0x20, 0x34}) {
+    for (const std::uint16_t flags :
+         std::initializer_list<std::uint16_t>{4, 5, 6, 7, 0x10, 0x20, 0x34}) {
         EXPECT_EQ(0u, FindingsWith(pair_.last, [flags](auto& r) { r.flags = flags; })) << flags;
     }
 }
 
 TEST_F(PairCheckTest, OtherFlagsAreDamage) {
-    for (const std::uint16_t flags : {0, 1, 2, 12, 0x18, 0x28, 0x44, 0x104, 0x8004}) {
+    for (const std::uint16_t flags :
+         std::initializer_list<std::uint16_t>{0, 1, 2, 12, 0x18, 0x28, 0x44, 0x104, 0x8004}) {
         EXPECT_NE(0u, FindingsWith(pair_.last, [flags](auto& r) { r.flags = flags; })) << flags;
     }
 }
