@@ -23,11 +23,12 @@ bool RestorePrompts::Ask(const wchar_t* question) {
 
 bool RestorePrompts::MayWriteBackMissing(const DamageCount& damage) {
     wchar_t question[kQuestionUnits];
-    ::wsprintfW(question,
-                L"The storage is damaged: %u faults in its list of states, %u in items to be "
-                L"restored.\nNothing will be deleted or overwritten. What is whole in the storage "
-                L"and missing on the device can be written back.\nContinue?",
-                Figure(damage.in_list), Figure(damage.objects));
+    ::wsprintfW(
+        question,
+        L"The storage is damaged. Faults in its list of states: %u, in items to be "
+        L"restored: %u.\nNothing will be deleted or overwritten. What is whole in the storage "
+        L"and missing on the device can be written back.\nContinue?",
+        Figure(damage.in_list), Figure(damage.objects));
     return Ask(question);
 }
 

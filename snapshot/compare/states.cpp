@@ -16,16 +16,13 @@ const ObjectRecord* FindLastState(const ObjectList* journal) {
     return last;
 }
 
-const ObjectRecord* FindState(const ObjectList* journal, std::uint32_t state) {
-    if (journal == nullptr) {
-        return nullptr;
-    }
-    for (const ObjectList::Node& node : *journal) {
-        if (node.record->type == ObjectType::kState && node.record->state_number == state) {
-            return node.record;
+bool HasState(const ObjectList& journal, std::uint32_t state) {
+    for (const ObjectList::Node& node : journal) {
+        if (node.record->state_number == state) {
+            return true;
         }
     }
-    return nullptr;
+    return false;
 }
 
 std::uint32_t LastStoredState(const ObjectList* journal) {

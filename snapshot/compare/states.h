@@ -13,7 +13,7 @@ std::uint32_t LastStoredState(const ObjectList* journal);
 // The record of that state; null when there is none.
 const ObjectRecord* FindLastState(const ObjectList* journal);
 
-// The state record of that number; null when there is none.
-const ObjectRecord* FindState(const ObjectList* journal, std::uint32_t state);
+// Whether any record of the journal has that number.
+bool HasState(const ObjectList& journal, std::uint32_t state);
 
 }  // namespace tolvenar

@@ -1,12 +1,9 @@
 #include "storage/operations/damage_guard.h"
 
-#include <memory>
-#include <new>
-
 #include "snapshot/compare/data_check.h"
 #include "snapshot/compare/object_name.h"
 #include "snapshot/compare/record_info.h"
-#include "snapshot/records/hash_index.h"
+#include "snapshot/records/indexed_array.h"
 #include "snapshot/text/log.h"
 #include "storage/objects/presence.h"
 #include "storage/objects/restore_database.h"
@@ -32,18 +29,13 @@ public:
     explicit PendingByName(InfoSource& info) : info_(info) {}
 
     bool Build(ObjectList& difference) {
-        const std::size_t count = difference.CountRecords();
-        entries_.reset(new (std::nothrow) Entry[count + 1]);
-        if (entries_ == nullptr || !index_.Reserve(count)) {
+        if (!entries_.Reserve(difference.CountRecords())) {
             return false;
         }
-        std::size_t used = 0;
         for (ObjectList::Node& node : difference) {
             InfoBlock block;
             if (IsPending(*node.record) && FetchInfo(*node.record, info_, block)) {
-                Entry& entry = entries_[used++];
-                entry = {node.record, HashOfObject(block), nullptr};
-                index_.Add(entry);
+                entries_.Add({node.record, HashOfObject(block), nullptr});
             }
         }
         return true;
@@ -53,7 +45,7 @@ public:
     template <typename Action>
     void ForEachNamed(const InfoBlock& block, Action action) {
         const std::uint32_t hash = HashOfObject(block);
-        for (Entry* entry = index_.ChainOf(hash); entry != nullptr; entry = entry->bucket_next) {
+        for (Entry* entry = entries_.ChainOf(hash); entry != nullptr; entry = entry->bucket_next) {
             InfoBlock described;
             if (entry->hash == hash && FetchInfo(*entry->record, info_, described) &&
                 IsOneObject(described, block)) {
@@ -71,8 +63,7 @@ private:
     };
 
     InfoSource& info_;
-    std::unique_ptr<Entry[]> entries_;
-    HashIndex<Entry> index_;
+    IndexedArray<Entry> entries_;
 };
 
 }  // namespace

@@ -9,7 +9,7 @@
 #include "platform/text.h"
 #include "snapshot/compare/object_finder.h"
 #include "snapshot/compare/record_info.h"
-#include "snapshot/records/hash_index.h"
+#include "snapshot/records/indexed_array.h"
 #include "snapshot/text/letter_case.h"
 #include "snapshot/text/log.h"
 #include "storage/operations/held_back.h"
@@ -36,8 +36,7 @@ public:
         for (const ObjectList::Node& node : difference) {
             count += IsKeyDeletion(*node.record) ? 1 : 0;
         }
-        entries_.reset(new (std::nothrow) Entry[count + 1]);
-        if (entries_ == nullptr || !index_.Reserve(count)) {
+        if (!entries_.Reserve(count)) {
             return false;
         }
         for (ObjectList::Node& node : difference) {
@@ -48,7 +47,7 @@ public:
         }
         return true;
     }
-    std::size_t count() const { return used_; }
+    std::size_t count() const { return entries_.count(); }
 
     // Every key above the object of `block` stays. A value's name may hold the separator anywhere
     // in its joined name.
@@ -66,17 +65,16 @@ public:
     // Calls `action` with each key that is still to be deleted.
     template <typename Action>
     void ForEachDeleted(Action action) {
-        for (std::size_t i = 0; i < used_; ++i) {
+        for (Entry& entry : entries_) {
             InfoBlock block;
-            if (!entries_[i].is_kept && FetchInfo(*entries_[i].record, info_, block)) {
-                action(entries_[i].is_kept, block);
+            if (!entry.is_kept && FetchInfo(*entry.record, info_, block)) {
+                action(entry.is_kept, block);
             }
         }
     }
 
     void Finish() {
-        for (std::size_t i = 0; i < used_; ++i) {
-            Entry& entry = entries_[i];
+        for (Entry& entry : entries_) {
             InfoBlock block;
             if (entry.is_kept && FetchInfo(*entry.record, info_, block)) {
                 LogObject(u"Kept, something stays below it: ", *entry.record, block, u"DoRestore",
@@ -100,13 +98,11 @@ private:
         for (const char16_t unit : Text(block.name())) {
             hash = MixBits(hash, Capital(unit));
         }
-        Entry& entry = entries_[used_++];
-        entry = {&record, hash, false, nullptr};
-        index_.Add(entry);
+        entries_.Add({&record, hash, false, nullptr});
     }
 
     void Keep(std::uint32_t hash, std::uint32_t hive, Text path) {
-        for (Entry* entry = index_.ChainOf(hash); entry != nullptr; entry = entry->bucket_next) {
+        for (Entry* entry = entries_.ChainOf(hash); entry != nullptr; entry = entry->bucket_next) {
             InfoBlock block;
             if (entry->hash == hash && !entry->is_kept && FetchInfo(*entry->record, info_, block) &&
                 block.head().hive == hive && EqualIgnoringCase(block.name(), path)) {
@@ -116,32 +112,25 @@ private:
     }
 
     InfoSource& info_;
-    std::unique_ptr<Entry[]> entries_;
-    std::size_t used_ = 0;
-    HashIndex<Entry> index_;
+    IndexedArray<Entry> entries_;
 };
 
 // The stored versions that a list writes back.
 class WrittenVersions {
 public:
     bool Build(ObjectList& difference) {
-        const std::size_t count = difference.CountRecords();
-        entries_.reset(new (std::nothrow) Entry[count + 1]);
-        if (entries_ == nullptr || !index_.Reserve(count)) {
+        if (!entries_.Reserve(difference.CountRecords())) {
             return false;
         }
-        std::size_t used = 0;
         for (const ObjectList::Node& node : difference) {
             if (IsPendingVersion(*node.record)) {
-                Entry& entry = entries_[used++];
-                entry = {node.record->propOffset, nullptr};
-                index_.Add(entry);
+                entries_.Add({node.record->propOffset, nullptr});
             }
         }
         return true;
     }
     bool Hold(std::uint32_t propOffset) const {
-        return index_.Find(MixBits(0, propOffset), [propOffset](const Entry& entry) {
+        return entries_.Find(MixBits(0, propOffset), [propOffset](const Entry& entry) {
             return entry.propOffset == propOffset;
         }) != nullptr;
     }
@@ -152,8 +141,7 @@ private:
         Entry* bucket_next;
         std::uint32_t Hash() const { return MixBits(0, propOffset); }
     };
-    std::unique_ptr<Entry[]> entries_;
-    HashIndex<Entry> index_;
+    IndexedArray<Entry> entries_;
 };
 
 // What the device has below a key and a list does not delete.

@@ -266,7 +266,7 @@ bool DoRestore(Engine& engine, std::uint32_t state_number, RestoreQuestions* que
         return FailEarly(engine.storage, ResultCode::kNoDifferenceList, result);
     }
     // A state that is none holds nothing: everything on the device would be deleted for it.
-    if (FindState(engine.storage.journal.get(), state_number) == nullptr) {
+    if (!HasState(*engine.storage.journal, state_number)) {
         engine.storage.difference.reset();
         return FailEarly(engine.storage, ResultCode::kNoSpace, result);
     }

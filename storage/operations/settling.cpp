@@ -2,9 +2,8 @@
 
 #include <cstring>
 #include <memory>
-#include <new>
 
-#include "snapshot/records/hash_index.h"
+#include "snapshot/records/indexed_array.h"
 #include "storage/objects/stored_record.h"
 #include "storage/operations/held_back.h"
 
@@ -28,17 +27,12 @@ bool HaveEqualChecksums(const ObjectRecord& a, const ObjectRecord& b) {
 class LiveObjectsOfList {
 public:
     bool Build(ObjectList& difference) {
-        const std::size_t count = difference.CountRecords();
-        entries_.reset(new (std::nothrow) Entry[count + 1]);
-        if (entries_ == nullptr || !index_.Reserve(count)) {
+        if (!entries_.Reserve(difference.CountRecords())) {
             return false;
         }
-        std::size_t used = 0;
         for (ObjectList::Node& node : difference) {
             if (IsLiveDeletion(*node.record)) {
-                Entry& entry = entries_[used++];
-                entry = {node.record, nullptr};
-                index_.Add(entry);
+                entries_.Add({node.record, nullptr});
             }
         }
         return true;
@@ -47,7 +41,7 @@ public:
     // The first for which `is_equal` holds of those with the checksums of `version`, or null.
     template <typename Predicate>
     ObjectRecord* Find(const ObjectRecord& version, Predicate is_equal) const {
-        const Entry* entry = index_.Find(HashOf(version), [&](const Entry& present) {
+        const Entry* entry = entries_.Find(HashOf(version), [&](const Entry& present) {
             return IsLiveDeletion(*present.record) &&
                    HaveEqualChecksums(*present.record, version) && is_equal(*present.record);
         });
@@ -64,8 +58,7 @@ private:
         std::uint32_t Hash() const { return HashOf(*record); }
     };
 
-    std::unique_ptr<Entry[]> entries_;
-    HashIndex<Entry> index_;
+    IndexedArray<Entry> entries_;
 };
 
 class Settler {

@@ -15,7 +15,7 @@ namespace {
 // The scene in which an older state is restored.
 constexpr std::uint32_t kOlderState = 2;
 
-bool HasState(const ObjectList& journal, std::uint32_t number) {
+bool IsListed(const ObjectList& journal, std::uint32_t number) {
     const std::vector<ObjectRecord> records = RecordsOf(journal);
     return std::any_of(records.begin(), records.end(), [&](const ObjectRecord& record) {
         return record.type == kState && record.state_number == number;
@@ -27,7 +27,7 @@ std::uint32_t StateToRestore(const ObjectList& journal, std::optional<std::uint3
     if (!chosen) {
         return LastStoredState(&journal);
     }
-    return HasState(journal, *chosen) ? *chosen : 0;
+    return IsListed(journal, *chosen) ? *chosen : 0;
 }
 
 }  // namespace

@@ -60,6 +60,43 @@ bool DeleteValue(DeviceImage& device, const std::u16string& path, const std::u16
     return key == device.keys.end() || key->second.erase(name) != 0;
 }
 
+// The names of the keys and values that `from` has beyond `to`.
+std::set<std::string> DeletedOfRegistry(const DeviceImage& from, const DeviceImage& to) {
+    std::set<std::string> names;
+    for (const auto& [path, values] : from.keys) {
+        if (to.keys.count(path) == 0) {
+            names.insert(KeyName(path));
+        }
+        const auto others = At(to.keys, path);
+        for (const auto& [name, value] : values) {
+            const auto other = others.find(name);
+            if (other == others.end() || !(other->second == value)) {
+                names.insert(ValueName(path, name));
+            }
+        }
+    }
+    return names;
+}
+
+// Whether the device has something in or below the key that is not to go.
+bool HoldsMore(const DeviceImage& device, const std::u16string& key,
+               const std::set<std::string>& deleted) {
+    for (const auto& [path, values] : device.keys) {
+        if (path != key && !IsBelow(path, key)) {
+            continue;
+        }
+        if (path != key && deleted.count(KeyName(path)) == 0) {
+            return true;
+        }
+        for (const auto& entry : values) {
+            if (deleted.count(ValueName(path, entry.first)) == 0) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
 }  // namespace
 
 AdvancedModel::AdvancedModel(const DeviceImage& from, const DeviceImage& to, bool with_databases) {
@@ -116,8 +153,12 @@ void AdvancedModel::CompareFiles(const DeviceImage& from, const DeviceImage& to)
 void AdvancedModel::CompareKeys(const DeviceImage& from, const DeviceImage& to) {
     const auto any = [](const auto&, const auto&) { return true; };
     const auto same = [](const ImageValue& a, const ImageValue& b) { return a == b; };
+    const std::set<std::string> deleted = DeletedOfRegistry(from, to);
     ForEachBeyond(from.keys, to.keys, any, [&](const std::u16string& path, const auto&) {
         deletions_.push_back({"- " + KeyName(path), [=](DeviceImage& device, const Paths&) {
+                                  if (HoldsMore(device, path, deleted)) {
+                                      return true;
+                                  }
                                   for (auto key = device.keys.begin(); key != device.keys.end();) {
                                       key = key->first == path || IsBelow(key->first, path)
                                                 ? device.keys.erase(key)

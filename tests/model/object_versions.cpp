@@ -32,9 +32,17 @@ std::multimap<std::string, std::string> Versions(const DeviceImage& image) {
     return versions;
 }
 
-// Calls `act` for the states around `restored` that hold something without a gap, and for that one.
-template <typename Holds, typename Act>
-void ForEachHolding(std::vector<DeviceImage>& states, std::size_t restored, Holds holds, Act act) {
+// An id that no device gives.
+std::uint32_t StaleId() {
+    static std::uint32_t id = 0xE0000000;
+    return id++;
+}
+
+// Calls `act` for the states around `restored` that hold something without a gap, and for that one,
+// and `give_way` for all others: a version of another life that has the new id already loses it.
+template <typename Holds, typename Act, typename GiveWay>
+void ForEachHolding(std::vector<DeviceImage>& states, std::size_t restored, Holds holds, Act act,
+                    GiveWay give_way) {
     std::size_t first = restored;
     std::size_t last = restored;
     while (first != 0 && holds(states[first - 1])) {
@@ -43,9 +51,25 @@ void ForEachHolding(std::vector<DeviceImage>& states, std::size_t restored, Hold
     while (last + 1 != states.size() && holds(states[last + 1])) {
         ++last;
     }
-    for (std::size_t state = first; state <= last; ++state) {
-        act(states[state]);
+    for (std::size_t state = 0; state < states.size(); ++state) {
+        if (state >= first && state <= last) {
+            act(states[state]);
+        } else {
+            give_way(states[state]);
+        }
     }
+}
+
+bool HasRecord(const ImageDatabase& database, std::uint32_t oid,
+               const sim::databases::Record& record) {
+    const auto found = database.records.find(oid);
+    return found != database.records.end() && SameRecord(found->second, record);
+}
+
+// The description alone is in it, not the contents.
+bool HaveOneKey(const ImageFile& a, const ImageFile& b) {
+    return a.is_folder == b.is_folder && a.oid == b.oid && a.attributes == b.attributes &&
+           a.modified == b.modified && a.bytes.size() == b.bytes.size();
 }
 
 // The new id of each record whose id is gone: that of a record that has none yet, of the same
@@ -76,21 +100,27 @@ void FollowRecordIds(std::vector<DeviceImage>& states, std::size_t restored,
     for (const auto& [old_id, new_id] : NewIds(before, now)) {
         const std::uint32_t old = old_id;
         const std::uint32_t given = new_id;
+        const std::uint32_t stale = StaleId();
         const sim::databases::Record record = before.records.at(old);
         ForEachHolding(
             states, restored,
             [&](const DeviceImage& state) {
                 const auto database = state.databases.find(name);
-                if (database == state.databases.end()) {
-                    return false;
-                }
-                const auto found = database->second.records.find(old);
-                return found != database->second.records.end() && SameRecord(found->second, record);
+                return database != state.databases.end() &&
+                       HasRecord(database->second, old, record);
             },
             [&](DeviceImage& state) {
                 auto& records = state.databases.at(name).records;
                 records.erase(old);
                 records[given] = record;
+            },
+            [&](DeviceImage& state) {
+                const auto database = state.databases.find(name);
+                if (database != state.databases.end() &&
+                    HasRecord(database->second, given, record)) {
+                    database->second.records.erase(given);
+                    database->second.records[stale] = record;
+                }
             });
     }
 }
@@ -110,16 +140,26 @@ void FollowIds(std::vector<DeviceImage>& states, std::size_t restored, const Dev
     const DeviceImage before = states.at(restored);
     for (const auto& entry : before.files) {
         const std::wstring& path = entry.first;
+        const std::uint32_t stale = StaleId();
         ForEachHolding(
             states, restored,
             [&](const DeviceImage& state) {
                 const auto found = state.files.find(path);
                 return found != state.files.end() && SameVersion(found->second, entry.second);
             },
-            [&](DeviceImage& state) { state.files.at(path).oid = now.files.at(path).oid; });
+            [&](DeviceImage& state) { state.files.at(path).oid = now.files.at(path).oid; },
+            [&](DeviceImage& state) {
+                const ImageFile& present = now.files.at(path);
+                const auto found = state.files.find(path);
+                if (present.oid != entry.second.oid && found != state.files.end() &&
+                    HaveOneKey(found->second, present)) {
+                    found->second.oid = stale;
+                }
+            });
     }
     for (const auto& entry : before.databases) {
         const std::u16string& name = entry.first;
+        const std::uint32_t stale = StaleId();
         ForEachHolding(
             states, restored,
             [&](const DeviceImage& state) {
@@ -129,6 +169,14 @@ void FollowIds(std::vector<DeviceImage>& states, std::size_t restored, const Dev
             },
             [&](DeviceImage& state) {
                 state.databases.at(name).shape.oid = now.databases.at(name).shape.oid;
+            },
+            [&](DeviceImage& state) {
+                const std::uint32_t given = now.databases.at(name).shape.oid;
+                const auto found = state.databases.find(name);
+                if (given != entry.second.shape.oid && found != state.databases.end() &&
+                    found->second.shape.oid == given) {
+                    found->second.shape.oid = stale;
+                }
             });
         FollowRecordIds(states, restored, name, entry.second, now.databases.at(name));
     }

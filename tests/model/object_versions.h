@@ -26,8 +26,9 @@ std::string RecordName(const std::u16string& database, std::uint32_t oid);
 // record, "+ " or "- " and the object's name.
 std::multiset<std::string> ExpectedBackup(const DeviceImage& last, const DeviceImage& now);
 
-// After a restore of one of the states, which made the device `now`: whatever was written back has
-// a new id, and has it in each state that holds this version of it.
+// After a restore of one of the states, which made the device `now`: whatever was written back, or
+// is there under another id, has that id in each state that holds this version of it. A version of
+// another life with that key has an id of its own.
 void FollowIds(std::vector<DeviceImage>& states, std::size_t restored, const DeviceImage& now);
 
 }  // namespace tests

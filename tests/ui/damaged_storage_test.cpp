@@ -6,7 +6,7 @@ namespace {
 
 constexpr wchar_t kOldJournal[] = L"\\Storage Card\\Tolvenar\\Backup.jrn_old";
 const Box kMayWriteBackMissing = {
-    "The storage is damaged: 1 faults in its list of states, 0 in items to be restored.\n"
+    "The storage is damaged. Faults in its list of states: 1, in items to be restored: 0.\n"
     "Nothing will be deleted or overwritten. What is whole in the storage and missing on the "
     "device can be written back.\nContinue?",
     kWarnedQuestionBox};
