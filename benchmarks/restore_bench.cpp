@@ -60,8 +60,8 @@ int Run() {
     Engine engine{storage, databases, info, silence};
     OpenStorageResult opened{};
     BackupResult backup;
-    if (!FillRegistry() || CreateStorage(u"\\Storage Card\\Bench", nullptr) == nullptr ||
-        !MakeStorageNames(u"\\Storage Card\\Bench", storage.names) ||
+    if (!FillRegistry() || CreateStorage(u"\\bench", nullptr) == nullptr ||
+        !MakeStorageNames(u"\\bench", storage.names) ||
         !OpenStorage(storage.names.sav, storage, opened) || !OpenJournal(storage, nullptr) ||
         !DoBackup(engine, 1, u"", false, backup)) {
         std::puts("restore: the storage could not be made");
