@@ -50,13 +50,20 @@ protected:
         Detach();
         return calls;
     }
+    static void ExpectSoundPair() {
+        QuietParts parts;
+        EXPECT_TRUE(parts.Open());
+        EXPECT_EQ(0u, parts.FindingsInPair());
+    }
     void KillAndCheck(const std::string& how, const char* function, long number) {
         SCOPED_TRACE(how + " " + function + " " + std::to_string(number));
         PutBack();
         device().Command(how + " " + function + " " + std::to_string(number));
         EXPECT_EQ(kKilled, RunBackup());
         EXPECT_EQ(Lines(), Differences(second_, Now()));
+        ExpectSoundPair();
         const std::uint32_t state = BackUpAgain();
+        ExpectSoundPair();
         EXPECT_EQ(ResultCode::kNoDifference, Restore(state));
         EXPECT_EQ(ResultCode::kSuccess, Restore(1));
         EXPECT_EQ(Lines(), Differences(first_, Now()));
