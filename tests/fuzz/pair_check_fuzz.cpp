@@ -67,6 +67,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         InfoBlock block;
         if (stored.GetInfoFromStorage(record.propOffset, block)) {
             DataAreSound(stored, record, block);
+            // Nothing stands behind the end of the file.
+            Require(!check.HoldsNewer(*journal, block, static_cast<std::uint32_t>(sav.size())));
+            check.HoldsNewer(*journal, block, record.propOffset);
         }
     }
     return 0;
