@@ -7,11 +7,11 @@
 #include "snapshot/compare/object_name.h"
 #include "snapshot/records/checksum.h"
 #include "snapshot/records/registry_objects.h"
+#include "storage/format/state_block.h"
 
 namespace tolvenar {
 namespace {
 
-constexpr std::u16string_view kStateBlockName = u"Title";
 // Folders, and files that the device has in ROM.
 constexpr std::uint32_t kWithoutContents = 0x10 | 0x40 | 0x2000;
 

@@ -12,6 +12,11 @@ namespace tolvenar {
 // object.
 bool FetchInfo(const ObjectRecord& record, InfoSource& info, InfoBlock& block);
 
+// True for databases and their records.
+inline bool IsOfDatabase(const ObjectRecord& record) {
+    return record.type == ObjectType::kDatabase || record.type == ObjectType::kDatabaseRecord;
+}
+
 // True when the two identifiers agree but for the collision counter.
 inline bool SameTolvOID(const ObjectRecord& a, const ObjectRecord& b) {
     return ((a.TolvOID ^ b.TolvOID) & kTolvOidMask) == 0;

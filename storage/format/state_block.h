@@ -3,12 +3,16 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 #include "snapshot/records/object_record.h"
 #include "storage/format/info_block.h"
 #include "storage/format/storage_reader.h"
 
 namespace tolvenar {
+
+// What every state's block is called.
+constexpr std::u16string_view kStateBlockName = u"Title";
 
 struct StateBlock {
     std::uint32_t time_low;  // FILETIME, UTC

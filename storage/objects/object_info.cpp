@@ -4,13 +4,13 @@
 
 #include "platform/text.h"
 #include "platform/unique_resource.h"
+#include "storage/format/state_block.h"
 
 namespace tolvenar {
 namespace {
 
 constexpr int kInfoTries = 10;
 constexpr DWORD kInfoRetryMs = 10;
-constexpr std::u16string_view kStateBlockName = u"Title";
 
 // The text in a buffer of `units` units, which the platform may have filled to the last.
 std::u16string_view TextIn(const wchar_t* buffer, std::size_t units) {

@@ -15,14 +15,6 @@ namespace {
 
 constexpr char16_t kModule[] = u"DoRestore";
 
-bool IsPending(const ObjectRecord& record) {
-    return IsPendingVersion(record) || IsPendingDeletion(record);
-}
-
-bool IsOfDatabase(const ObjectRecord& record) {
-    return record.type == ObjectType::kDatabase || record.type == ObjectType::kDatabaseRecord;
-}
-
 // What is pending in a difference list, by the names of its objects.
 class PendingByName {
 public:

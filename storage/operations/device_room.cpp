@@ -46,10 +46,6 @@ std::uint64_t SizeOnDevice(const InfoBlock& block) {
     return is_file ? found.nFileSizeLow : 0;
 }
 
-bool IsInDatabase(const ObjectRecord& record) {
-    return record.type == ObjectType::kDatabase || record.type == ObjectType::kDatabaseRecord;
-}
-
 template <typename Action>
 void ForEachPending(const ObjectList& difference, bool (*is_meant)(const ObjectRecord&),
                     InfoSource& info, Action action) {
@@ -74,7 +70,7 @@ bool FindMissingRoom(const ObjectList& difference, DatabaseRestore database_rest
     Room room = FreeRoom();
     ForEachPending(difference, IsPendingVersion, info,
                    [&](ObjectRecord& record, const InfoBlock& block) {
-                       if (IsInDatabase(record) && database_restore == DatabaseRestore::kNone) {
+                       if (IsOfDatabase(record) && database_restore == DatabaseRestore::kNone) {
                            return;
                        }
                        const bool is_file = record.type == ObjectType::kFile;

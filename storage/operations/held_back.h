@@ -22,6 +22,10 @@ inline bool IsPendingVersion(const ObjectRecord& record) {
     return (record.flags & (JF_ADD | JF_DELETE | kHeldBack)) == JF_DELETE && record.propOffset != 0;
 }
 
+inline bool IsPending(const ObjectRecord& record) {
+    return IsPendingVersion(record) || IsPendingDeletion(record);
+}
+
 // Those of which a restore made something or may yet.
 std::size_t CountPending(const ObjectList& list);
 bool HoldsHeldBack(const ObjectList& list);

@@ -10,6 +10,7 @@
 #include "snapshot/compare/object_finder.h"
 #include "snapshot/compare/record_info.h"
 #include "snapshot/records/indexed_array.h"
+#include "snapshot/records/name_hash.h"
 #include "snapshot/text/letter_case.h"
 #include "snapshot/text/log.h"
 #include "storage/operations/held_back.h"
@@ -50,7 +51,7 @@ public:
     std::size_t count() const { return entries_.count(); }
 
     // Every key above the object of `block` stays. A value's name may hold the separator anywhere
-    // in its joined name.
+    // in its joined name. The hash is HashOfName's, taken at every key on the way.
     void KeepAbove(const InfoBlock& block) {
         std::uint32_t hash = block.head().hive;
         const Text name(block.name());
@@ -94,11 +95,7 @@ private:
     };
 
     void Enter(ObjectRecord& record, const InfoBlock& block) {
-        std::uint32_t hash = block.head().hive;
-        for (const char16_t unit : Text(block.name())) {
-            hash = MixBits(hash, Capital(unit));
-        }
-        entries_.Add({&record, hash, false, nullptr});
+        entries_.Add({&record, HashOfName(block.head().hive, block.name()), false, nullptr});
     }
 
     void Keep(std::uint32_t hash, std::uint32_t hive, Text path) {

@@ -63,9 +63,8 @@ void HoldBackOnCards(ObjectList& difference, InfoSource& info) {
     for (ObjectList::Node& node : difference) {
         ObjectRecord& record = *node.record;
         InfoBlock block;
-        const bool is_open = IsPendingVersion(record) || IsPendingDeletion(record);
-        if (is_open && record.type == ObjectType::kFile && FetchInfo(record, info, block) &&
-            cards.Hold(block)) {
+        if (IsPending(record) && record.type == ObjectType::kFile &&
+            FetchInfo(record, info, block) && cards.Hold(block)) {
             LogObject(u"On a card now, left alone: ", record, block, kModule, kLogError);
             HoldBack(record);
         }

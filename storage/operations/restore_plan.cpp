@@ -2,7 +2,6 @@
 
 #include "snapshot/text/log.h"
 #include "snapshot/text/text_buffer.h"
-#include "storage/opened/old_journals.h"
 #include "storage/operations/damage_guard.h"
 #include "storage/operations/device_room.h"
 #include "storage/operations/held_back.h"
@@ -33,7 +32,6 @@ bool MayTakeOlderList(RestorePlan& plan, Descriptions& descriptions) {
 PlanOutcome PlanWithoutTrust(RestorePlan& plan, Descriptions& descriptions,
                              const DamageCount& damage, DamageGuard& guard, RestoreRun& run) {
     plan.is_damaged = true;
-    plan.trusts_list = damage.in_list == 0;
     if (damage.in_list != 0 && MayTakeOlderList(plan, descriptions)) {
         return PlanOutcome::kTakeOlderList;
     }

@@ -4,6 +4,7 @@
 
 #include "snapshot/compare/object_finder.h"
 #include "snapshot/compare/own_files.h"
+#include "snapshot/compare/record_info.h"
 #include "snapshot/engine/descriptions.h"
 #include "storage/objects/presence.h"
 #include "storage/operations/left_out_log.h"
@@ -135,9 +136,7 @@ public:
             return !scanned_.HoldsName(block) && Find(deletion, block, none);
         }
         // The scan met the database: whether it opens by now or not, it is there with its records.
-        const bool is_of_database =
-            deletion.type == ObjectType::kDatabase || deletion.type == ObjectType::kDatabaseRecord;
-        if (is_of_database && left_out_.Contains(ObjectType::kDatabase, block.name())) {
+        if (IsOfDatabase(deletion) && left_out_.Contains(ObjectType::kDatabase, block.name())) {
             return true;
         }
         CEOID oid = 0;
