@@ -3,11 +3,12 @@
 #pragma once
 
 #include "app/operations/progress_popup.h"
+#include "app/operations/storage_stamp.h"
 #include "app/operations/window_progress.h"
 #include "app/rules/operation_gate.h"
 #include "app/settings/settings.h"
-#include "autobackup/agent_control.h"
 #include "autobackup/power_status.h"
+#include "autobackup/schedule_suspension.h"
 #include "storage/opened/engine.h"
 
 namespace tolvenar {
@@ -40,6 +41,7 @@ struct Application {
     HWND main_dialog = nullptr;
 
     OpenedStorage storage{};
+    StorageSearch search;
     DatabaseLayer databases;
     ObjectInfo describer{storage.registry_objects, databases};
     ProgressWindows progress_windows{};

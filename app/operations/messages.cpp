@@ -4,6 +4,9 @@
 
 #include "app/operations/application.h"
 #include "app/operations/memory_check.h"
+#include "platform/resource_text.h"
+#include "platform/text.h"
+#include "res/resource.h"
 
 namespace tolvenar {
 namespace {
@@ -176,6 +179,12 @@ void TellWhyNotOpened(OpenStorageResult result) {
             ShowMessage(nullptr, message.text, MB_OK);
         }
     }
+}
+
+void TellOfUnreadableJournal(HINSTANCE instance, const StorageNames& names) {
+    wchar_t text[kStorageNameUnits + kResourceTextUnits];
+    ::wsprintfW(text, ResourceText(instance, IDS_JOURNAL_UNREADABLE), Wide(names.journal));
+    ShowMessage(nullptr, text, MB_ICONERROR);
 }
 
 void ShowRestoreMemoryMessage(HWND owner) { ShowMemoryMessage(owner, kMinimumFreeBytes); }

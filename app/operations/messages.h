@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "storage/format/storage_header.h"
+#include "storage/format/storage_names.h"
 #include "storage/operations/restore_result.h"
 
 namespace tolvenar {
@@ -35,6 +36,9 @@ void ReportInteractiveRestore(HWND owner, const RestoreResult& result);
 
 // Why a storage file could not be opened, without an owner; some results say nothing.
 void TellWhyNotOpened(OpenStorageResult result);
+
+// The journal of the chosen storage cannot be opened, without an owner.
+void TellOfUnreadableJournal(HINSTANCE instance, const StorageNames& names);
 
 // The message of too little memory before a restore; its figure is fixed (docs/oddities.md, 22).
 void ShowRestoreMemoryMessage(HWND owner);

@@ -4,6 +4,7 @@
 #include "app/operations/messages.h"
 #include "app/operations/requests.h"
 #include "app/operations/storage_files.h"
+#include "autobackup/schedule_suspension.h"
 #include "platform/text.h"
 #include "snapshot/text/log.h"
 #include "storage/opened/journal.h"
@@ -30,6 +31,8 @@ bool StorageIsReady(Application& app) {
         return true;
     }
     KeepStatus(app, ResultCode::kJournalUnreadable);
+    // No page shows states of a storage that is not open.
+    CloseStorage(app.storage);
     return false;
 }
 
@@ -85,6 +88,25 @@ bool StartNewStorage(Application& app) {
     return OpenStorage(app.storage.names.sav, app.storage, result) && LoadUnderHourglass(app);
 }
 
+// With what it could not save remembered: nothing to save leaves the state before as it is.
+OperationEnd EndOf(const Application& app, const BackupOrder& order, const BackupResult& result,
+                   std::uint32_t available) {
+    OperationEnd end{result.code, order.state_number, 0};
+    if (result.code == ResultCode::kSuccess) {
+        KeepUnsaved(app.storage.names, order.state_number, result);
+    }
+    if (result.code == ResultCode::kNoDifference) {
+        KeepUnsaved(app.storage.names, order.state_number - 1, result);
+    }
+    if (result.code == ResultCode::kNoSpace) {
+        end.missing_bytes = result.bytes_needed;
+    }
+    if (result.code == ResultCode::kNoMemory) {
+        end.missing_bytes = kMinimumFreeBytes - available;
+    }
+    return end;
+}
+
 }  // namespace
 
 bool LoadUnderPopup(Application& app) {
@@ -108,12 +130,14 @@ bool LoadUnderHourglass(Application& app) {
 }
 
 bool BackupDriver(Application& app, std::uint32_t state_number, const wchar_t* description,
-                  bool automatic) {
+                  bool automatic, BackupReport& report) {
     app.popup.Show(app.main_dialog, kBackupTitle, kBackupSteps);
     BackupOrder order{state_number, description, automatic};
     ReportContext context{app.main_dialog, automatic, true, 0, 0};
-    BackupResult result = RunChecked(app, order, context.available);
+    BackupResult& result = report.result;
+    result = RunChecked(app, order, context.available);
     app.popup.CloseAndWait();
+    report.end = EndOf(app, order, result, context.available);
     const bool succeeded = ReportBackup(result.code, context);
     if (result.code != ResultCode::kNoSpace) {
         return succeeded;
@@ -126,6 +150,7 @@ bool BackupDriver(Application& app, std::uint32_t state_number, const wchar_t* d
         app.popup.Show(app.main_dialog, kBackupTitle, kBackupSteps);
         result = RunSuspended(app, order);
         app.popup.CloseAndWait();
+        report.end = EndOf(app, order, result, context.available);
     }
     context.is_first_pass = false;
     context.amount = result.bytes_needed;
@@ -170,10 +195,14 @@ RestoreResult RunDifferenceRestore(Application& app, bool invert_first,
     return result;
 }
 
-bool RestoreDriver(Application& app, std::uint32_t state_number) {
+bool RestoreDriver(Application& app, std::uint32_t state_number, OperationEnd& end) {
     app.popup.Show(app.main_dialog, kRestoreTitle, kRestoreSteps);
     const RestoreResult result = RunStateRestore(app, state_number, nullptr);
     app.popup.CloseAndWait();
+    end = {result.code, state_number, result.missing_bytes};
+    if (result.code == ResultCode::kNoMemory) {
+        end.missing_bytes = kMinimumFreeBytes;
+    }
     return ReportRestore(app.main_dialog, result);
 }
 

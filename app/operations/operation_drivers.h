@@ -3,6 +3,7 @@
 #pragma once
 
 #include "app/operations/application.h"
+#include "app/operations/backup_history.h"
 #include "storage/operations/restore_result.h"
 
 namespace tolvenar {
@@ -14,11 +15,16 @@ constexpr wchar_t kRestoreTitle[] = L"Restoring in progress";
 bool LoadUnderPopup(Application& app);
 bool LoadUnderHourglass(Application& app);
 
+// What a backup came to: the engine's result, and of which state in the end.
+struct BackupReport {
+    BackupResult result;
+    OperationEnd end;
+};
 // Makes state `state_number` with `description` and tells the user of the result, or nobody when
-// `automatic`. A full card gives up the old storage where the settings and the user allow it. True
-// when a state was written.
+// `automatic`. A full card gives up the old storage where the settings and the user allow it. What
+// could not be saved is remembered. True when a state was written.
 bool BackupDriver(Application& app, std::uint32_t state_number, const wchar_t* description,
-                  bool automatic);
+                  bool automatic, BackupReport& report);
 
 // The road that an interactive and an unattended restore share: memory check, schedule off,
 // restore, schedule on. Shows nothing but what `questions` asks; null asks nothing.
@@ -31,7 +37,8 @@ RestoreResult RunStateRestore(Application& app, std::uint32_t state_number,
 RestoreResult RunDifferenceRestore(Application& app, bool invert_first,
                                    RestoreQuestions* questions);
 
-// Restores a state and tells the user of the result. True when the device is as the state has it.
-bool RestoreDriver(Application& app, std::uint32_t state_number);
+// Restores a state, tells the user of the result and puts it into `end`. True when the device is as the
+// state has it.
+bool RestoreDriver(Application& app, std::uint32_t state_number, OperationEnd& end);
 
 }  // namespace tolvenar

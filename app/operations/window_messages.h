@@ -32,6 +32,8 @@ constexpr UINT WM_QUERYBUSY = WM_APP + 220;            // answers whether an ope
 constexpr UINT WM_PAGE_SELECT = WM_APP + 103;  // wParam: PageIndex
 // Sent by the main window that shuts the program down: what a page still holds is to be applied.
 constexpr UINT WM_APPLY_NOW = WM_APP + 130;
+// Posted by the main dialog to itself: no storage is open, and the user may have put the card in.
+constexpr UINT WM_LOOK_FOR_STORAGE = WM_APP + 136;
 
 // Sent to the main dialog by the operation thread, since pages, lists and tree belong to the main
 // thread.

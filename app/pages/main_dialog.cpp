@@ -1,5 +1,6 @@
 #include "app/pages/main_dialog.h"
 
+#include "app/operations/storage_search.h"
 #include "app/operations/window_messages.h"
 #include "app/pages/help.h"
 #include "app/pages/page_table.h"
@@ -69,6 +70,18 @@ void Move(HWND window, const RECT& place) {
 void Click(HWND button) {
     ::SendMessageW(::GetParent(button), WM_COMMAND, MAKEWPARAM(::GetDlgCtrlID(button), BN_CLICKED),
                    reinterpret_cast<LPARAM>(button));
+}
+
+DWORD ProcessOf(HWND window) {
+    DWORD process = 0;
+    ::GetWindowThreadProcessId(window, &process);
+    return process;
+}
+
+// What was active before: another program's window is not told, or is another process's.
+bool IsOfProgram(HWND dialog, LPARAM other) {
+    const auto window = reinterpret_cast<HWND>(other);
+    return window != nullptr && ProcessOf(window) == ProcessOf(dialog);
 }
 
 bool IsPushButton(HWND control) {
@@ -276,11 +289,34 @@ INT_PTR MainDialog::OnSize() {
 INT_PTR MainDialog::OnActivate(WPARAM wparam, LPARAM lparam) {
     if (shown_ != nullptr && LOWORD(wparam) != WA_INACTIVE) {
         shown_->OnActivated();
+        if (app_.storageStatus != StorageStatus::kOpen && !IsOfProgram(window(), lparam)) {
+            // When the activation is over: a popup may come up.
+            ::PostMessageW(window(), WM_LOOK_FOR_STORAGE, 0, 0);
+        }
     }
     if (pages_[kOptionsPage]) {
         ::SendMessageW(pages_[kOptionsPage]->window(), WM_DIALOG_ACTIVATED, wparam, lparam);
     }
     return FALSE;
+}
+
+// Under a box of this program the dialog is disabled.
+INT_PTR MainDialog::OnLookForStorage() {
+    if (::IsWindowEnabled(window()) &&
+        LookForStorage(app_, SearchReason::kActivated) != SearchResult::kNothing) {
+        StorageChanged();
+    }
+    return TRUE;
+}
+
+INT_PTR MainDialog::OnApplyNow() {
+    ApplyNow();
+    for (const std::unique_ptr<Page>& page : pages_) {
+        if (page) {
+            page->OnTakenOver();
+        }
+    }
+    return TRUE;
 }
 
 INT_PTR MainDialog::OnClose() {
@@ -327,7 +363,8 @@ INT_PTR MainDialog::Dispatch(UINT message, WPARAM wparam, LPARAM lparam) {
         case WM_CLOSE: return OnClose();
         case WM_DESTROY: return OnDestroy();
         case WM_PAGE_SELECT: SelectPage(static_cast<int>(wparam)); return TRUE;
-        case WM_APPLY_NOW: ApplyNow(); return TRUE;
+        case WM_APPLY_NOW: return OnApplyNow();
+        case WM_LOOK_FOR_STORAGE: return OnLookForStorage();
         default: return OnRequest(message, wparam, lparam);
     }
 }

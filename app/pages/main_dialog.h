@@ -32,6 +32,8 @@ private:
     INT_PTR OnCommand(WPARAM wparam, LPARAM lparam);
     INT_PTR OnSize();
     INT_PTR OnActivate(WPARAM wparam, LPARAM lparam);
+    INT_PTR OnLookForStorage();
+    INT_PTR OnApplyNow();
     INT_PTR OnClose();
     INT_PTR OnDestroy();
 

@@ -1,6 +1,7 @@
 #include "app/pages/page.h"
 
 #include "app/operations/messages.h"
+#include "app/operations/storage_search.h"
 #include "app/operations/window_messages.h"
 
 namespace tolvenar {
@@ -23,14 +24,27 @@ void Page::Hide() {
 }
 
 bool Page::Refuses(Wish wish) {
-    const Refusal refusal = WhyRefused(app_, wish);
+    Refusal refusal = WhyRefused(app_, wish);
     if (refusal == Refusal::kNoStorage) {
-        frame_.SelectPage(kStoragePage);
+        refusal = LookAgain(wish);
     }
     if (refusal == Refusal::kNoInstallation) {
         ShowInstallationMissing(app_.main_dialog);
     }
     return refusal != Refusal::kNone;
+}
+
+// The card may be in again. What the user saw must be what the wish is about: another storage is
+// shown first.
+Refusal Page::LookAgain(Wish wish) {
+    const SearchResult found = LookForStorage(app_, SearchReason::kButton);
+    if (found == SearchResult::kNothing) {
+        frame_.SelectPage(kStoragePage);
+        return Refusal::kNoStorage;
+    }
+    frame_.StorageChanged();
+    return found == SearchResult::kSame && wish == Wish::kBackUp ? Refusal::kNone
+                                                                 : Refusal::kNoStorage;
 }
 
 // Tab in an edit control of several lines asks its own dialog for the next control, which knows

@@ -53,6 +53,8 @@ public:
     virtual void OnStorageChanged() {}
     // What was changed and is not in force yet comes into force: the program closes.
     virtual void ApplyNow() {}
+    // The same while the user did not close it: another copy takes over.
+    virtual void OnTakenOver() {}
 
 protected:
     // Fills the controls; the window exists.
@@ -70,6 +72,7 @@ protected:
     Frame& frame_;
 
 private:
+    Refusal LookAgain(Wish wish);
     INT_PTR Dispatch(UINT message, WPARAM wparam, LPARAM lparam) final;
     INT_PTR OnNextControl(WPARAM wparam, LPARAM lparam);
     INT_PTR OnDefaultButton();

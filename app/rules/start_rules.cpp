@@ -21,11 +21,10 @@ Refusal JudgeBy(const Rule& rule, const Situation& situation) {
     if (rule.needs_quiet && situation.is_occupied) {
         return Refusal::kOccupied;
     }
-    if (rule.needs_storage && !situation.has_storage) {
-        return Refusal::kNoStorage;
+    if (rule.needs_installation && !situation.is_installed) {
+        return Refusal::kNoInstallation;
     }
-    return rule.needs_installation && !situation.is_installed ? Refusal::kNoInstallation
-                                                              : Refusal::kNone;
+    return rule.needs_storage && !situation.has_storage ? Refusal::kNoStorage : Refusal::kNone;
 }
 
 }  // namespace

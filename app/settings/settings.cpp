@@ -114,6 +114,11 @@ bool ReadSettingText(const char16_t* name, char16_t (&buffer)[kSettingTextUnits]
                     sizeof buffer);
 }
 
+bool WriteSettingText(const char16_t* name, const char16_t* text) {
+    const UniqueHkey hkey = CreateSettingsKey(HKEY_CURRENT_USER, kSettingsKey);
+    return hkey && SetText(hkey.get(), name, text);
+}
+
 bool InstallationIsMissing() { return (ReadSetting(setting::kOnTime) & kSettingAbsent) != 0; }
 
 std::uint32_t ReadReminders() {
@@ -126,8 +131,7 @@ bool ReadStorageFileName(char16_t (&buffer)[kSettingTextUnits]) {
 }
 
 bool WriteStorageFileName(const char16_t* text) {
-    const UniqueHkey hkey = CreateSettingsKey(HKEY_CURRENT_USER, kSettingsKey);
-    return hkey && SetText(hkey.get(), setting::kStorageFile, text);
+    return WriteSettingText(setting::kStorageFile, text);
 }
 
 std::size_t ReadStorageFolder(char16_t (&buffer)[kSettingPathUnits]) {

@@ -47,6 +47,7 @@ bool ReadText(HKEY root, const char16_t* key, const char16_t* name, char16_t* bu
 std::uint32_t ReadSetting(const char16_t* name);
 bool WriteSetting(const char16_t* name, std::uint32_t value);
 bool ReadSettingText(const char16_t* name, char16_t (&buffer)[kSettingTextUnits]);
+bool WriteSettingText(const char16_t* name, const char16_t* text);
 
 // True while the program runs without its installation: `onTime` is absent or has bit 31 set.
 bool InstallationIsMissing();

@@ -1,19 +1,20 @@
 #include "app/start/interactive.h"
 
 #include "app/operations/messages.h"
-#include "app/operations/operation_drivers.h"
 #include "app/operations/operation_window.h"
-#include "app/operations/storage_files.h"
+#include "app/operations/storage_search.h"
 #include "app/pages/main_dialog.h"
 #include "app/start/main_window.h"
+#include "app/start/running_copy.h"
 #include "platform/waiting.h"
 #include "res/resource.h"
-#include "storage/opened/storage_file.h"
 
 namespace tolvenar {
 namespace {
 
 constexpr int kFailed = 1;
+constexpr UINT_PTR kFirstCopyTimer = 1;
+constexpr UINT kFirstCopyMs = 200;
 constexpr int kThreadEndRounds = 100;
 constexpr DWORD kThreadEndRoundMs = 50;
 
@@ -25,23 +26,11 @@ bool MakeMainWindow(Application& app) {
 // A storage that cannot be opened leaves the pages to offer another. False only when its journal
 // cannot be read: the program does not start then.
 bool LoadStorage(Application& app) {
-    app.storageStatus = StorageStatus::kNone;
-    if (!DeriveNames(app.storage.names)) {
+    if (LoadChosenStorage(app) != StorageLoad::kListUnreadable) {
         return true;
     }
-    OpenStorageResult result;
-    if (!OpenStorage(app.storage.names.sav, app.storage, result)) {
-        // A damaged file is told when it is chosen; here the page that offers another is enough.
-        if (result != OpenStorageResult::kHeaderUnreadable) {
-            TellWhyNotOpened(result);
-        }
-        return true;
-    }
-    if (!LoadUnderPopup(app)) {
-        return false;
-    }
-    app.storageStatus = StorageStatus::kOpen;
-    return true;
+    TellOfUnreadableJournal(app.instance, app.storage.names);
+    return false;
 }
 
 // The private heap is destroyed next; no thread may still use it. A thread that has just been
@@ -57,9 +46,18 @@ void EndOperationThread(const Application& app, HANDLE thread) {
     }
 }
 
-void RunMessageLoop(const Application& app, MainDialog& dialog, HACCEL accelerators) {
+// The second copy of a double tap ends, too, when the first has come up: false.
+bool RunMessageLoop(const Application& app, MainDialog& dialog, HACCEL accelerators,
+                    bool is_second) {
+    if (is_second) {
+        ::SetTimer(app.main_dialog, kFirstCopyTimer, kFirstCopyMs, nullptr);
+    }
     MSG message;
     while (::GetMessageW(&message, nullptr, 0, 0) > 0) {
+        if (is_second && message.message == WM_TIMER && message.wParam == kFirstCopyTimer &&
+            !app.gate.IsOccupied() && RunningCopyIsUp()) {
+            return false;
+        }
         if (::TranslateAcceleratorW(app.main_dialog, accelerators, &message)) {
             continue;
         }
@@ -69,12 +67,29 @@ void RunMessageLoop(const Application& app, MainDialog& dialog, HACCEL accelerat
         ::TranslateMessage(&message);
         ::DispatchMessageW(&message);
     }
+    return true;
+}
+
+int RunDialog(Application& app, HACCEL accelerators, Beside beside) {
+    MainDialog dialog(app);
+    if (!dialog.Create()) {
+        return kFailed;
+    }
+    ReadAllSettings(SlotsOf(app.settings), app.installationMissing);
+    if (RunMessageLoop(app, dialog, accelerators, beside == Beside::kStartingCopy)) {
+        dialog.Destroy();
+        return 0;
+    }
+    // Only without this one is the first copy's dialog the one of its name.
+    dialog.Destroy();
+    BringRunningCopyForward();
+    return kFailed;
 }
 
 }  // namespace
 
-int RunInteractive(Application& app, bool with_main_window) {
-    if (with_main_window) {
+int RunInteractive(Application& app, Beside beside) {
+    if (beside == Beside::kNothing) {
         app.installationMissing = InstallationIsMissing();
         if (!MakeMainWindow(app)) {
             return kFailed;
@@ -93,15 +108,9 @@ int RunInteractive(Application& app, bool with_main_window) {
     if (!operation_thread) {
         return kFailed;
     }
-    MainDialog dialog(app);
-    const bool created = dialog.Create();
-    if (created) {
-        ReadAllSettings(SlotsOf(app.settings), app.installationMissing);
-        RunMessageLoop(app, dialog, accelerators);
-    }
-    dialog.Destroy();
+    const int code = RunDialog(app, accelerators, beside);
     EndOperationThread(app, operation_thread.get());
-    return created ? 0 : kFailed;
+    return code;
 }
 
 }  // namespace tolvenar

@@ -2,6 +2,7 @@
 
 #include "app/operations/hidden_window.h"
 #include "app/operations/window_messages.h"
+#include "autobackup/agent_control.h"
 
 namespace tolvenar {
 namespace {

@@ -11,11 +11,17 @@ constexpr int kTries = 10;
 constexpr DWORD kTryMs = 200;
 
 Arbitration BringForward() {
-    ::SetForegroundWindow(::FindWindowW(kDialogClass, kProgramName));
+    BringRunningCopyForward();
     return Arbitration::kHandOver;
 }
 
 }  // namespace
+
+bool RunningCopyIsUp() { return ::FindWindowW(kOperationWindowClass, nullptr) != nullptr; }
+
+void BringRunningCopyForward() {
+    ::SetForegroundWindow(::FindWindowW(kDialogClass, kProgramName));
+}
 
 Arbitration ArbitrateWithRunningCopy(const wchar_t* launch_reason) {
     const HWND operations = ::FindWindowW(kOperationWindowClass, nullptr);
@@ -33,7 +39,7 @@ Arbitration ArbitrateWithRunningCopy(const wchar_t* launch_reason) {
     if (const HWND main_window = ::FindWindowW(kMainWindowClass, nullptr)) {
         ::PostMessageW(main_window, WM_CLOSE, 0, 0);
     }
-    return Arbitration::kGoOn;
+    return Arbitration::kTakeOver;
 }
 
 bool WaitForOldCopy() {

@@ -4,7 +4,8 @@
 namespace tolvenar {
 
 enum class Arbitration {
-    kGoOn,      // no copy runs, or an idle one was asked to close
+    kGoOn,      // no copy runs, or one is just starting
+    kTakeOver,  // an idle one was asked to close
     kHandOver,  // the running copy is in front now; this one leaves
 };
 
@@ -14,5 +15,9 @@ Arbitration ArbitrateWithRunningCopy(const wchar_t* launch_reason);
 
 // Waits two seconds at most for the main window of another copy to be gone; false when it is not.
 bool WaitForOldCopy();
+
+// Another copy has come up so far that it takes requests; its dialog comes to the front.
+bool RunningCopyIsUp();
+void BringRunningCopyForward();
 
 }  // namespace tolvenar

@@ -7,11 +7,15 @@
 #include "app/start/unattended.h"
 #include "autobackup/autobackup_prompt.h"
 #include "autobackup/launch_check.h"
+#include "autobackup/schedule_suspension.h"
 #include "platform/processes.h"
+#include "snapshot/text/log.h"
 #include "storage/log/operation_log.h"
 
 namespace tolvenar {
 namespace {
+
+constexpr char16_t kModule[] = u"RunProgram";
 
 constexpr int kDropped = 0;
 constexpr int kHandedOver = 1;
@@ -42,11 +46,27 @@ bool PassSchedule(Application& app, LaunchCheckResult launch, UniqueHandle& mute
     return ShowAutoBackupPrompt(app.instance, launch) == PromptAnswer::kGoOn;
 }
 
+// Before the launch is judged by the schedule.
+void RecoverAndLog() {
+    switch (RecoverSchedule()) {
+        case ScheduleRecovery::kPutBack:
+            LogMessage(u"The schedule that an ended operation had taken away is back", kModule,
+                       kLogNote);
+            break;
+        case ScheduleRecovery::kDropped:
+            LogMessage(u"The schedule was set anew since an operation was ended", kModule,
+                       kLogNote);
+            break;
+        default: break;
+    }
+}
+
 }  // namespace
 
 int RunProgram(Application& app, const wchar_t* command_line) {
     InstallOperationLog();
     InitControls();
+    RecoverAndLog();
     UniqueHandle mutex;
     const LaunchCheckResult launch = CheckLaunchArgument(command_line, app.power);
     switch (launch) {
@@ -60,18 +80,20 @@ int RunProgram(Application& app, const wchar_t* command_line) {
         case LaunchCheckResult::kQuit: return kDropped;
         case LaunchCheckResult::kInteractive: break;
     }
-    if (ArbitrateWithRunningCopy(app.launchReason) == Arbitration::kHandOver) {
+    const Arbitration arbitration = ArbitrateWithRunningCopy(app.launchReason);
+    if (arbitration == Arbitration::kHandOver) {
         return kHandedOver;
     }
     // Beside a copy that does not go away nothing unattended runs, and the dialog comes up without
     // a main window (docs/oddities.md, 31).
-    const bool is_alone = WaitForOldCopy();
-    if (is_alone) {
-        if (const std::optional<int> code = RunUnattended(app)) {
-            return *code;
-        }
+    if (!WaitForOldCopy()) {
+        return RunInteractive(app, arbitration == Arbitration::kTakeOver ? Beside::kStuckCopy
+                                                                         : Beside::kStartingCopy);
     }
-    return RunInteractive(app, is_alone);
+    if (const std::optional<int> code = RunUnattended(app)) {
+        return *code;
+    }
+    return RunInteractive(app, Beside::kNothing);
 }
 
 }  // namespace tolvenar

@@ -265,6 +265,12 @@ LONG WINAPI RegDeleteValueW(HKEY hkey, LPCWSTR name) {
         name);
 }
 
+// The registry is in the object store, which is its own medium.
+LONG WINAPI RegFlushKey(HKEY hkey) {
+    return OnKey(Call::RegFlushKey, hkey,
+                 [](Registry&, OpenKey&) -> long { return ERROR_SUCCESS; });
+}
+
 LONG WINAPI RegDeleteKeyW(HKEY hkey, LPCWSTR subkey) {
     return OnKey(
         Call::RegDeleteKeyW, hkey,

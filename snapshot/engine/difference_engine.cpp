@@ -6,6 +6,7 @@
 #include "snapshot/compare/prune.h"
 #include "snapshot/compare/state_identifiers.h"
 #include "snapshot/engine/descriptions.h"
+#include "snapshot/engine/program_values.h"
 #include "snapshot/scan/database_scanner.h"
 #include "snapshot/scan/file_scanner.h"
 #include "snapshot/scan/registry_scanner.h"
@@ -133,7 +134,11 @@ int FindDifferenceEx(Engine& engine, std::uint32_t state_a, std::uint32_t state_
     }
     storage.aimed_state = state_a;
     storage.opposite_state = state_b;
-    return CompareLists(engine, descriptions.source) ? 1 : 0;
+    if (!CompareLists(engine, descriptions.source)) {
+        return 0;
+    }
+    TakeOutOwnValues(*storage.difference, kOwnValues, descriptions.source);
+    return 1;
 }
 
 }  // namespace tolvenar

@@ -16,7 +16,8 @@ constexpr int kStateSteps = 4;
 // difference list is worked on. 1, or 0 when the storage file cannot be opened or memory is short.
 int FindDifference(Engine& engine, std::uint32_t state);
 
-// Compares stored states A (older) and B (newer); number 0 is an empty one. 1, or 0 as above.
+// Compares stored states A (older) and B (newer); number 0 is an empty one. What the program keeps
+// for itself is no difference. 1, or 0 as above.
 int FindDifferenceEx(Engine& engine, std::uint32_t state_a, std::uint32_t state_b);
 
 }  // namespace tolvenar

@@ -3,7 +3,9 @@
 #include "platform/text.h"
 #include "platform/unique_resource.h"
 #include "snapshot/compare/lost_containers.h"
+#include "snapshot/engine/descriptions.h"
 #include "snapshot/engine/difference_engine.h"
+#include "snapshot/engine/program_values.h"
 #include "snapshot/records/checksum.h"
 #include "snapshot/text/log.h"
 #include "snapshot/text/text_buffer.h"
@@ -102,6 +104,19 @@ bool SaveJournal(Engine& engine, bool keep_journal_closed, BackupResult& result)
     return written != 0 || Fail(ResultCode::kFailed, result);
 }
 
+// False when the storage file cannot be opened.
+bool LeaveOutOwnValues(Engine& engine) {
+    ObjectList& difference = *engine.storage.difference;
+    if (difference.CountRecords() == 0) {
+        return true;
+    }
+    Descriptions descriptions(engine);
+    if (descriptions.sav_file) {
+        TakeOutOwnValues(difference, kOwnValues, descriptions.source);
+    }
+    return static_cast<bool>(descriptions.sav_file);
+}
+
 bool RunBackup(Engine& engine, std::uint32_t state_number, const char16_t* description,
                bool keep_journal_closed, BackupResult& result) {
     if (state_number == 0) {
@@ -110,7 +125,7 @@ bool RunBackup(Engine& engine, std::uint32_t state_number, const char16_t* descr
     if (!FindDifference(engine, state_number - 1)) {
         return Fail(ResultCode::kNoDifferenceList, result);
     }
-    if (!WithdrawDeletions(engine, result)) {
+    if (!LeaveOutOwnValues(engine) || !WithdrawDeletions(engine, result)) {
         return Fail(ResultCode::kFailed, result);
     }
     if (engine.storage.difference->CountRecords() == 0) {

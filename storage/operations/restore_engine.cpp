@@ -10,6 +10,7 @@
 #include "snapshot/compare/states.h"
 #include "snapshot/engine/descriptions.h"
 #include "snapshot/engine/difference_engine.h"
+#include "snapshot/engine/program_values.h"
 #include "snapshot/text/log.h"
 #include "storage/opened/journal.h"
 #include "storage/opened/old_journals.h"
@@ -105,6 +106,7 @@ bool Restore::Prepare() {
     if (!descriptions.sav_file || storage_.journal == nullptr || storage_.header == nullptr) {
         return FailWithWholeList();
     }
+    TakeOutOwnValues(difference, kOwnValues, descriptions.source);
     PruneDifferences(difference, kRestorePruning, descriptions.source);
     if (!KeepStoredObjects(difference, descriptions.source)) {
         return FailWithWholeList();

@@ -17,6 +17,7 @@ enum class ResultCode : std::uint32_t {
     kNotStarted = 8,
     kNoMemory = 9,
     kWriteProtected = 10,  // backup: the pair of files can be read only
+    kNoStorage = 11,       // an unattended run could not open the storage file
 };
 
 }  // namespace tolvenar

@@ -5,6 +5,7 @@
 #include "app/settings/settings.h"
 #include "autobackup/notification_reader.h"
 #include "autobackup/notification_scheduler.h"
+#include "autobackup/schedule_suspension.h"
 #include "tests/support/programs.h"
 
 namespace tolvenar {
@@ -57,51 +58,6 @@ protected:
     }
     static DWORD NotificationCount() { return NotificationHandles().count(); }
 };
-
-TEST_F(AgentControlTest, SuspendingTakesTheScheduleOffAndResumingPutsItBack) {
-    Write(1, 1, 30u << 16 | 21);
-    RegisterAutoBackupNotifications();
-    SavedSchedule saved;
-    EXPECT_TRUE(SuspendAutoBackup(saved));
-    EXPECT_EQ(0u, ReadSetting(setting::kOnTime));
-    EXPECT_EQ(0u, ReadSetting(setting::kOnBattery));
-    EXPECT_EQ(0u, ReadSetting(setting::kWakeUpTime));
-    EXPECT_EQ(0u, NotificationCount());
-
-    EXPECT_TRUE(ResumeAutoBackup(saved));
-    EXPECT_EQ(1u, ReadSetting(setting::kOnTime));
-    EXPECT_EQ(1u, ReadSetting(setting::kOnBattery));
-    EXPECT_EQ(30u << 16 | 21, ReadSetting(setting::kWakeUpTime));
-    EXPECT_EQ(4u, NotificationCount());
-}
-
-TEST_F(AgentControlTest, AMissingValueIsThereWithZeroAfterwards) {
-    WriteSetting(setting::kOnBattery, 1);
-    SavedSchedule saved;
-    SuspendAutoBackup(saved);
-    EXPECT_EQ(kSettingAbsent, saved.on_time);
-    ResumeAutoBackup(saved);
-    EXPECT_EQ(0u, ReadSetting(setting::kOnTime));
-    EXPECT_EQ(1u, ReadSetting(setting::kOnBattery));
-    EXPECT_EQ(0u, ReadSetting(setting::kWakeUpTime));
-}
-
-TEST_F(AgentControlTest, ResumingWithoutSuspendingWritesZeros) {
-    Write(1, 1, 21);
-    EXPECT_TRUE(ResumeAutoBackup(SavedSchedule()));
-    EXPECT_EQ(0u, ReadSetting(setting::kOnTime));
-    EXPECT_EQ(0u, ReadSetting(setting::kOnBattery));
-    EXPECT_EQ(0u, ReadSetting(setting::kWakeUpTime));
-}
-
-TEST_F(AgentControlTest, SuspendingTellsOfANotificationThatStays) {
-    Write(1, 0, 21);
-    RegisterAutoBackupNotifications();
-    SavedSchedule saved;
-    device().Fault("CeClearUserNotification", 1, 1, ERROR_INVALID_PARAMETER);
-    EXPECT_FALSE(SuspendAutoBackup(saved));
-    EXPECT_EQ(1u, saved.on_time);
-}
 
 TEST_F(AgentControlTest, RefreshingFollowsTheSettings) {
     Write(1, 1, 21);
