@@ -83,8 +83,8 @@ std::uint32_t ReadUnsaved(const StorageNames& names, std::uint32_t state_number)
         return 0;
     }
     stored.storage[kStoragePathUnits - 1] = 0;
-    const bool is_of_state = stored.state_number == state_number &&
-                             std::u16string_view(stored.storage) == names.path;
+    const bool is_of_state =
+        stored.state_number == state_number && std::u16string_view(stored.storage) == names.path;
     return is_of_state ? stored.count : 0;
 }
 

@@ -37,8 +37,8 @@ RestoreResult RunStateRestore(Application& app, std::uint32_t state_number,
 RestoreResult RunDifferenceRestore(Application& app, bool invert_first,
                                    RestoreQuestions* questions);
 
-// Restores a state, tells the user of the result and puts it into `end`. True when the device is as the
-// state has it.
+// Restores a state, tells the user of the result and puts it into `end`. True when the device is as
+// the state has it.
 bool RestoreDriver(Application& app, std::uint32_t state_number, OperationEnd& end);
 
 }  // namespace tolvenar

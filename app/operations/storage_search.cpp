@@ -18,7 +18,9 @@ FileStamp StampOf(const char16_t* path) {
             entry.ftLastWriteTime.dwHighDateTime};
 }
 
-PairStamp StampOf(const StorageNames& names) { return {StampOf(names.sav), StampOf(names.journal)}; }
+PairStamp StampOf(const StorageNames& names) {
+    return {StampOf(names.sav), StampOf(names.journal)};
+}
 
 // A damaged head is told when its file is chosen; else the page that offers another is enough.
 void TellOnce(StorageSearch& search, OpenStorageResult result) {

@@ -35,8 +35,8 @@ bool DeleteOwnValue(const char16_t* name) {
 
 bool OwnValueExists(const char16_t* name) {
     const UniqueHkey hkey = OpenSettings(0);
-    return hkey && ::RegQueryValueExW(hkey.get(), Wide(name), nullptr, nullptr, nullptr,
-                                      nullptr) == ERROR_SUCCESS;
+    return hkey && ::RegQueryValueExW(hkey.get(), Wide(name), nullptr, nullptr, nullptr, nullptr) ==
+                       ERROR_SUCCESS;
 }
 
 void FlushSettings() {

@@ -19,9 +19,7 @@ Arbitration BringForward() {
 
 bool RunningCopyIsUp() { return ::FindWindowW(kOperationWindowClass, nullptr) != nullptr; }
 
-void BringRunningCopyForward() {
-    ::SetForegroundWindow(::FindWindowW(kDialogClass, kProgramName));
-}
+void BringRunningCopyForward() { ::SetForegroundWindow(::FindWindowW(kDialogClass, kProgramName)); }
 
 Arbitration ArbitrateWithRunningCopy(const wchar_t* launch_reason) {
     const HWND operations = ::FindWindowW(kOperationWindowClass, nullptr);

@@ -29,8 +29,8 @@ void LogEnd(const Application& app, const OperationEnd& end) {
     line.Append(Utf16(app.launchReason)).Append(u": result ");
     line.AppendUnsigned(static_cast<std::uint32_t>(end.code)).Append(u", state ");
     line.AppendUnsigned(end.state_number).Append(u", missing bytes ");
-    line.AppendUnsigned(
-        static_cast<std::uint32_t>(end.missing_bytes < kMaxFigure ? end.missing_bytes : kMaxFigure));
+    line.AppendUnsigned(static_cast<std::uint32_t>(
+        end.missing_bytes < kMaxFigure ? end.missing_bytes : kMaxFigure));
     LogMessage(line.text(), u"RunUnattended", kLogError);
 }
 

@@ -215,12 +215,19 @@ TEST_F(LaunchTest, AnUnreadableJournalEndsEveryStart) {
     MakeStorage();
     const std::string storage = device().FileBytes(kStorageFile);
     const auto lock = device().Lock(kJournalFile);
-    for (const char* text : {"", "AutoBackup: External", "AutoRestore: Last State"}) {
+    for (const char* text : {"AutoBackup: External", "AutoRestore: Last State"}) {
         Ask("counters clear");
         Program program = Launch(text);
         EXPECT_EQ(1, program.ExitCode()) << text;
         EXPECT_EQ(0, Counted("MessageBoxW")) << text;
     }
+    Program program = Launch();
+    AnswerMessage(
+        {"Journal read Fail.\n\\Storage Card\\Tolvenar\\Backup.jrn\nAnother program may "
+         "hold this file, or it is damaged. Please free it, or move it to another folder, "
+         "and start Tolvenar again.",
+         kErrorBox});
+    EXPECT_EQ(1, program.ExitCode());
     EXPECT_EQ(storage, device().FileBytes(kStorageFile));
 }
 

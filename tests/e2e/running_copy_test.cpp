@@ -82,13 +82,33 @@ TEST_F(RunningCopyTest, ACopyThatDoesNotCloseInTwoSecondsLeavesADialogOnly) {
 }
 
 // The first copy's main window is there before its operation window, by which it would be found.
-TEST_F(RunningCopyTest, ACopyThatStillLoadsIsWaitedFor) {
+TEST_F(RunningCopyTest, BesideACopyThatNeverComesUpTheSecondStays) {
     Stub("TolvenarClass", 0);
     Program second = Launch("");
     ASSERT_TRUE(MainDialogAppears(second.pid()));
     EXPECT_EQ(0u, WindowCount("TolvenarClass", "", second.pid()));
     CloseMainDialog();
     EXPECT_EQ(0, second.ExitCode());
+}
+
+// A double tap on a storage with many states: the first copy loads for longer than the second
+// waits.
+TEST_F(RunningCopyTest, TheSecondOfADoubleTapGivesWayToTheFirst) {
+    device().PutFile(kNote, "hello");
+    ASSERT_EQ(0, BackUp());
+    HoldCall("CreateThread");
+    Program first = Launch("");
+    ASSERT_TRUE(RulesAreUsedUp());
+    Program second = Launch("");
+    ASSERT_TRUE(MainDialogAppears(second.pid()));
+    const long forward = Counted("SetForegroundWindow");
+    LetGo();
+    EXPECT_EQ(1, second.ExitCode());
+    ASSERT_TRUE(MainDialogAppears(first.pid()));
+    EXPECT_LT(forward, Counted("SetForegroundWindow"));
+    EXPECT_EQ(1u, WindowCount("Dialog", kMainTitle));
+    CloseMainDialog();
+    EXPECT_EQ(0, first.ExitCode());
 }
 
 TEST_F(RunningCopyTest, AnUnattendedCopyIsNotSeenAndItsStorageFoundHeld) {

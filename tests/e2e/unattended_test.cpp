@@ -1,5 +1,8 @@
 // The built program as other programs and the notifications start it.
+#include "platform/win32.h"
+
 #include "tests/support/contents.h"
+#include "tests/support/log_lines.h"
 #include "tests/support/program_test.h"
 
 namespace tests {
@@ -12,6 +15,22 @@ protected:
         device().PutFile(kNote, "hello");
     }
     Contents Now() { return ContentsOf(device().sim()); }
+    // What the program says of unattended ends; the last backup's result is remembered.
+    Texts Ends() {
+        const std::wstring log = L"\\Storage Card\\Tolvenar\\tolvenar_log.txt";
+        Texts ends;
+        for (const std::string& line : device().Exists(log) ? LogLinesIn(device().FileBytes(log))
+                                                            : std::vector<std::string>()) {
+            if (line.find("RunUnattended") != line.npos) {
+                ends.push_back(line);
+            }
+        }
+        return ends;
+    }
+    unsigned LastResult() {
+        const std::string bytes = SettingBytes("OwnLastAutomatic").value_or("");
+        return bytes.size() == 12 ? static_cast<unsigned char>(bytes[8]) : 0;
+    }
 };
 
 TEST_F(UnattendedTest, TheFirstBackupCreatesTheStorage) {
@@ -143,6 +162,77 @@ TEST_F(UnattendedTest, TheScheduleIsAsItWasAfterwards) {
     EXPECT_EQ(2u, Ask("notifications").size());
     EXPECT_EQ(1u, Dword("onTime"));
     EXPECT_EQ(kHalfPastNine, Dword("WakeUpTime"));
+}
+
+TEST_F(UnattendedTest, WhatEndsWellLeavesNoLine) {
+    BackUp();
+    EXPECT_EQ(1u, LastResult());
+    BackUp();
+    EXPECT_EQ(2u, LastResult());
+    device().PutFile(kNote, "other");
+    RestoreLast();
+    EXPECT_EQ(Texts(), Ends());
+}
+
+TEST_F(UnattendedTest, AFullCardLeavesALineWithWhatIsMissing) {
+    BackUp();
+    device().PutFile(kNote, std::string(5000, 'a'));
+    device().Set("card.free", "12000");
+    BackUp();
+    ASSERT_EQ(1u, Ends().size());
+    const std::string line = Ends()[0];
+    const std::string beginning =
+        "E RunUnattended: AutoBackup: External: result 6, state 2, missing bytes ";
+    EXPECT_EQ(beginning, line.substr(0, beginning.size()));
+    EXPECT_GT(std::stol(line.substr(beginning.size())), 12000);
+    EXPECT_EQ(6u, LastResult());
+}
+
+TEST_F(UnattendedTest, TooLittleMemoryLeavesALineWithTheShortfall) {
+    BackUp();
+    device().PutFile(kNote, "other");
+    Ask("set memory.free 1000000");
+    Ask("set store.free 1000000");
+    BackUp();
+    // 8,388,608 less 1,000,000 and three quarters of 1,000,000.
+    EXPECT_EQ(Texts{"E RunUnattended: AutoBackup: External: result 9, state 2, missing bytes "
+                    "6638608"},
+              Ends());
+}
+
+TEST_F(UnattendedTest, AStorageThatCannotBeOpenedLeavesALine) {
+    BackUp();
+    {
+        const auto lock = device().Lock(kStorageFile, "write");
+        EXPECT_EQ(1, BackUp());
+        EXPECT_EQ(1, RestoreLast());
+    }
+    {
+        const auto lock = device().Lock(kJournalFile);
+        EXPECT_EQ(1, BackUp());
+    }
+    EXPECT_EQ(
+        (Texts{"E RunUnattended: AutoBackup: External: result 11, state 0, missing bytes 0",
+               "E RunUnattended: AutoRestore: Last State: result 11, state 0, missing bytes 0",
+               "E RunUnattended: AutoBackup: External: result 5, state 0, missing bytes 0"}),
+        Ends());
+    EXPECT_EQ(5u, LastResult());
+}
+
+TEST_F(UnattendedTest, AWriteProtectedStorageLeavesALine) {
+    BackUp();
+    device().SetAttributes(kStorageFile, FILE_ATTRIBUTE_READONLY);
+    EXPECT_EQ(1, BackUp());
+    EXPECT_EQ(Texts{"E RunUnattended: AutoBackup: External: result 10, state 0, missing bytes 0"},
+              Ends());
+}
+
+// Without its folder there is no place for a line; the result is remembered all the same.
+TEST_F(UnattendedTest, WithoutTheCardTheResultIsRemembered) {
+    device().Remove(L"\\Storage Card\\Tolvenar");
+    EXPECT_EQ(1, BackUp());
+    EXPECT_EQ(11u, LastResult());
+    EXPECT_FALSE(device().Exists(L"\\tolvenar_log.txt"));
 }
 
 }  // namespace

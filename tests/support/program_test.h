@@ -71,6 +71,7 @@ protected:
     // Nothing when it is absent.
     std::optional<unsigned> Dword(const std::string& name);
     std::string SettingText(const std::string& name);
+    std::optional<std::string> SettingBytes(const std::string& name);
     // A device without these settings has no installation.
     void RemoveInstallation() { DeleteSetting("onTime"); }
 
@@ -88,7 +89,6 @@ protected:
     static void Pause(unsigned milliseconds);
 
 private:
-    std::optional<std::string> SettingBytes(const std::string& name);
     std::string JournalBytes();
     // Prints what a failed test leaves: calls, programs, windows.
     void TellHowItStood();

@@ -41,7 +41,6 @@ protected:
         EXPECT_EQ("now", device().FileBytes(kNote));
     }
 
-private:
     StoragePair other_;
 };
 
@@ -67,13 +66,33 @@ TEST_F(ChangedCardTest, DifferencesOfTheOldCardAreNotRestored) {
     ExpectRefusal();
 }
 
-TEST_F(ChangedCardTest, AfterwardsTheStorageIsChosenAgain) {
+// The user sees what is there now before anything is done with it.
+TEST_F(ChangedCardTest, AfterwardsTheOtherStorageIsShownFirst) {
     Open();
+    EXPECT_EQ("State 2", Text(IDC_LAST_STATE).substr(0, 7));
     ChangeCard();
     Press(IDC_BACKUP);
     ExpectRefusal();
     Press(IDC_BACKUP);
-    ExpectTab("Storage file");
+    EXPECT_SOON_EQ("State 1", Text(IDC_LAST_STATE).substr(0, 7));
+    EXPECT_EQ(other_.storage, Pair().storage);
+    Press(IDC_BACKUP);
+    ExpectTab("Restore");
+    EXPECT_EQ((Texts{"State 2", "State 1"}), Items(IDC_STATES));
+}
+
+// The same card again: nothing stands against what the user wants.
+TEST_F(ChangedCardTest, AStorageThatIsBackAsItWasIsBackedUpTo) {
+    Open();
+    const StoragePair first = Pair();
+    ChangeCard();
+    Press(IDC_BACKUP);
+    ExpectRefusal();
+    device().PutFile(kStorageFile, first.storage);
+    device().PutFile(kJournalFile, first.journal);
+    Press(IDC_BACKUP);
+    ExpectTab("Restore");
+    EXPECT_EQ((Texts{"State 3", "State 2", "State 1"}), Items(IDC_STATES));
 }
 
 }  // namespace

@@ -65,6 +65,7 @@ TEST_F(StartupTest, AfterTheMessageAnotherStorageCanBeChosen) {
 TEST_F(StartupTest, TheStatesAreLoadedUnderThePopup) {
     HoldCall("CreateFileW", "Backup.jrn, 3221225472, 1");
     StartProgram();
+    ASSERT_TRUE(RulesAreUsedUp());
     // There are no steps to count in all.
     EXPECT_SOON(Shows("Loading List") && !Sees(IDC_TOTAL_BAR));
     EXPECT_TRUE(Sees(IDC_STEP_BAR));

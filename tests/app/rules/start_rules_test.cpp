@@ -36,10 +36,10 @@ TEST(StartRulesTest, EachWishIsRefusedForItsOwnReasons) {
     }
 }
 
-// A storage can be chosen; an installation cannot be made here.
-TEST(StartRulesTest, AMissingStorageIsToldBeforeAMissingInstallation) {
+// Choosing a storage first would help nobody.
+TEST(StartRulesTest, AMissingInstallationIsToldBeforeAMissingStorage) {
     for (const Wish wish : {Wish::kBackUp, Wish::kRestoreDifferences}) {
-        EXPECT_EQ(Refusal::kNoStorage, Judge(wish, {false, false, false}));
+        EXPECT_EQ(Refusal::kNoInstallation, Judge(wish, {false, false, false}));
     }
 }
 

@@ -297,8 +297,8 @@ TEST_F(BackupWriterFaultTest, AStorageFileThatCannotBeReadBehindAFailedObjectFai
     device().PutFile(L"\\a.txt", "second, longer");
     const std::string journal = Content(kJournal);
     Fail("WriteFile", 2, ERROR_WRITE_FAULT);
-    // To compare, to leave out what is the program's own, to look at what is there, to write, to look at
-    // what failed.
+    // To compare, to leave out what is the program's own, to look at what is there, to write, to
+    // look at what failed.
     device().Fault("CreateFileW", 5, 1, ERROR_SHARING_VIOLATION, "Home.sav");
     EXPECT_EQ(Failed(), Backup(2));
     EXPECT_EQ(journal, Content(kJournal));
