@@ -66,6 +66,11 @@ const CommandRows& WindowVerbs() {
              return DoneOrThrow(windows::Close(device), "no window is active");
          },
          ""},
+        {"help", 0, 0,
+         [](Device& device, const Words&) {
+             return DoneOrThrow(windows::AskForHelp(device), "the active window has no \"?\"");
+         },
+         ""},
         {"stub", 1, 3, WindowStub, "CLASS [TITLE] [ANSWER]"},
     };
     return rows;

@@ -5,6 +5,7 @@
 #include <set>
 
 #include "simulator/store/device_name.h"
+#include "simulator/windows/context_help.h"
 #include "simulator/windows/control_json.h"
 #include "simulator/windows/control_pipe.h"
 #include "simulator/windows/desktop.h"
@@ -220,6 +221,12 @@ bool Close(const Device& device) {
         closed = active != nullptr && ::PostMessageW(active, WM_SYSCOMMAND, SC_CLOSE, 0);
     });
     return closed;
+}
+
+bool AskForHelp(const Device& device) {
+    bool tapped = false;
+    OnDesktop(device, [&] { tapped = TapContextHelp(::GetForegroundWindow()); });
+    return tapped;
 }
 
 }  // namespace sim::windows

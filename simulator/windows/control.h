@@ -75,5 +75,7 @@ bool PressKeys(const Device& device, const std::string& keys);
 
 // Closes the active window as its close button does.
 bool Close(const Device& device);
+// Taps the "?" in the active window's caption; false when it has none.
+bool AskForHelp(const Device& device);
 
 }  // namespace sim::windows

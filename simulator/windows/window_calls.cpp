@@ -5,6 +5,7 @@
 
 #include "simulator/windows/caption.h"
 #include "simulator/windows/center.h"
+#include "simulator/windows/context_help.h"
 #include "simulator/windows/control.h"
 #include "simulator/windows/desktop.h"
 #include "simulator/windows/dialog_template.h"
@@ -60,6 +61,7 @@ void EnterDeviceDesktop() {
     EnterDesktop(Device::Current());
     AnswerOutside(Device::Current());
     DrawActiveCaptions();
+    AnswerContextHelp();
 }
 
 void* CreateWindowOnDevice(const NewWindow& window) {

@@ -54,7 +54,8 @@ TEST_F(EndedOperationTest, TheNextStartByHandPutsTheScheduleBackAndTheLogSaysSo)
     EXPECT_TRUE(IsChecked(IDC_ON_TIME));
 }
 
-// The launch is judged by the schedule that it belongs to: with the zeros it would be a battery check.
+// The launch is judged by the schedule that it belongs to: with the zeros it would be a battery
+// check.
 TEST_F(EndedOperationTest, ANotificationIsJudgedByTheScheduleThatIsBack) {
     EndABackup();
     device().Set("clock", "2003-02-28T21:30:10");

@@ -45,6 +45,14 @@ TEST_F(HelpTest, EachPageHasItsHelp) {
     }
 }
 
+TEST_F(HelpTest, ATapOnTheQuestionMarkOfTheCaptionOpensTheContents) {
+    OpenWithoutViewer();
+    ASSERT_SOON(IsActive(kMainTitle));
+    Ask("trace on");
+    Ask("window help");
+    ExpectHelp("tolvenar.htc");
+}
+
 TEST_F(HelpTest, F1OpensTheContentsFromEveryControl) {
     TakeFirstState();
     // Alt+D on the Options page begins a countdown, which would start the agent.
