@@ -28,7 +28,11 @@ void Draw(HWND window) {
     ::GetWindowRect(window, &place);
     ::OffsetRect(&button, -place.left, -place.top);
     if (HDC dc = ::GetWindowDC(window)) {
-        ::DrawFrameControl(dc, &button, DFC_CAPTION, DFCS_CAPTIONHELP);
+        // The host's own picture of the button comes from a font that it lacks.
+        ::DrawFrameControl(dc, &button, DFC_BUTTON, DFCS_BUTTONPUSH);
+        ::SetBkMode(dc, TRANSPARENT);
+        ::SelectObject(dc, ::GetStockObject(DEFAULT_GUI_FONT));
+        ::DrawTextW(dc, L"?", 1, &button, DT_CENTER | DT_VCENTER | DT_SINGLELINE);
         ::ReleaseDC(window, dc);
     }
 }
@@ -44,14 +48,24 @@ LRESULT CALLBACK OnAnswered(int code, WPARAM wparam, LPARAM lparam) {
     return ::CallNextHookEx(nullptr, code, wparam, lparam);
 }
 
+// In a WM_NULL: a posted message that draws the caption was answered, which no hook sees.
+constexpr WPARAM kDrawAgain = 0x3F3F;
+
+bool IsTap(const MSG& message) {
+    const POINT tapped = {static_cast<short>(LOWORD(message.lParam)),
+                          static_cast<short>(HIWORD(message.lParam))};
+    const RECT button = ButtonOf(message.hwnd);
+    return message.message == WM_NCLBUTTONDOWN && ::PtInRect(&button, tapped);
+}
+
 LRESULT CALLBACK OnPosted(int code, WPARAM wparam, LPARAM lparam) {
     auto& message = *reinterpret_cast<MSG*>(lparam);
-    if (code == HC_ACTION && wparam == PM_REMOVE && message.message == WM_NCLBUTTONDOWN &&
-        HasButton(message.hwnd)) {
-        const POINT tapped = {static_cast<short>(LOWORD(message.lParam)),
-                              static_cast<short>(HIWORD(message.lParam))};
-        const RECT button = ButtonOf(message.hwnd);
-        if (::PtInRect(&button, tapped)) {
+    if (code == HC_ACTION && wparam == PM_REMOVE && HasButton(message.hwnd)) {
+        if (message.message == WM_NCACTIVATE) {
+            ::PostMessageW(message.hwnd, WM_NULL, kDrawAgain, 0);
+        } else if (message.message == WM_NULL && message.wParam == kDrawAgain) {
+            Draw(message.hwnd);
+        } else if (IsTap(message)) {
             message.message = WM_HELP;
             message.wParam = 0;
             message.lParam = 0;
@@ -82,9 +96,9 @@ bool TapContextHelp(void* window) {
         return false;
     }
     const RECT button = ButtonOf(tapped);
-    return ::PostMessageW(tapped, WM_NCLBUTTONDOWN, HTCAPTION,
-                          MAKELPARAM((button.left + button.right) / 2,
-                                     (button.top + button.bottom) / 2)) != 0;
+    return ::PostMessageW(
+               tapped, WM_NCLBUTTONDOWN, HTCAPTION,
+               MAKELPARAM((button.left + button.right) / 2, (button.top + button.bottom) / 2)) != 0;
 }
 
 }  // namespace sim::windows

@@ -1,5 +1,5 @@
-// The "?" in the caption of a window with WS_EX_CONTEXTHELP. On a device a tap on it sends WM_HELP at
-// once; on a PC it changes the pointer first, and Wine draws none.
+// The "?" in the caption of a window with WS_EX_CONTEXTHELP. On a device a tap on it sends WM_HELP
+// at once; on a PC it changes the pointer first, and Wine draws none.
 #pragma once
 
 namespace sim::windows {
