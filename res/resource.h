@@ -130,6 +130,11 @@
 #define IDS_RU_INBOX 34
 #define IDS_RU_NO_SUBJECT 35
 
+// What the pages of storage, backup and options tell.
+#define IDS_NAME_TOO_LONG 300
+#define IDS_NAME_FORBIDDEN 301
+#define IDS_NAME_EMPTY 302
+
 #define IDD_HELP_VIEWER 150
 #define IDC_HELP_TOPIC_LABEL 1150
 #define IDC_HELP_TOPIC 1151

@@ -9,7 +9,7 @@
 
 namespace tolvenar {
 
-static_assert(kSettingPathUnits == kStoragePathUnits);
+static_assert(kSettingPathUnits == kStoragePathUnits && kSettingTextUnits == kLocationTextUnits);
 
 bool DeriveNames(StorageNames& names) {
     char16_t path[kStoragePathUnits];

@@ -4,7 +4,9 @@
 #include "app/operations/operation_drivers.h"
 #include "app/operations/storage_files.h"
 #include "app/pages/description_dialog.h"
+#include "platform/resource_text.h"
 #include "platform/text.h"
+#include "res/resource.h"
 #include "storage/opened/storage_file.h"
 
 namespace tolvenar {
@@ -32,10 +34,18 @@ void ReadInitialFolder(char16_t (&folder)[kSettingPathUnits]) {
 // late when an operation has begun: the lists are its own then.
 bool MayGoOn(const Application& app) { return !app.is_ending && !app.gate.IsOccupied(); }
 
-bool AskForFile(const Application& app, HWND page, wchar_t (&chosen)[kChosenUnits]) {
+// The dialog does not open on a name that cannot be one, which another program may have left in the
+// settings: the field is empty then.
+void ReadInitialName(wchar_t (&name)[kChosenUnits]) {
     char16_t stem[kSettingTextUnits];
     ReadStorageFileName(stem);
-    ::wcscpy(chosen, Wide(stem));
+    const bool is_name =
+        NameWithoutFolder(stem) == stem && JudgeStorageName(stem) == NameFault::kNone;
+    ::wcscpy(name, is_name ? Wide(stem) : L"");
+}
+
+bool AskForFile(const Application& app, HWND page, wchar_t (&chosen)[kChosenUnits]) {
+    ReadInitialName(chosen);
     char16_t folder[kSettingPathUnits];
     ReadInitialFolder(folder);
 
@@ -63,6 +73,35 @@ bool NamesOfChosen(const wchar_t* chosen, StorageNames& names) {
     }
     ::wsprintfW(Wide(path), L"%s\\%s", Wide(location.folder), Wide(location.stem));
     return MakeStorageNames(path, names);
+}
+
+// Why the settings or the platform could not keep the chosen name. Of a pair that exists the name
+// may be empty.
+NameFault FaultOf(const wchar_t* chosen) {
+    const NameFault fault = JudgeStorageName(Utf16(chosen));
+    if (fault != NameFault::kEmpty) {
+        return fault;
+    }
+    char16_t sav[kStorageNameUnits];
+    const bool exists = !IsReallyAbsent(Utf16(chosen)) ||
+                        (MakeSavName(Utf16(chosen), sav) && !IsReallyAbsent(sav));
+    return exists ? NameFault::kNone : fault;
+}
+
+void TellWhyRefused(const Application& app, NameFault fault) {
+    constexpr struct {
+        NameFault fault;
+        UINT text;
+    } kTexts[] = {
+        {NameFault::kTooLong, IDS_NAME_TOO_LONG},
+        {NameFault::kForbidden, IDS_NAME_FORBIDDEN},
+        {NameFault::kEmpty, IDS_NAME_EMPTY},
+    };
+    for (const auto& row : kTexts) {
+        if (row.fault == fault) {
+            ShowMessage(nullptr, ResourceText(app.instance, row.text), MB_OK);
+        }
+    }
 }
 
 // A journal alone counts as a storage whose file cannot be read: the user is told rather than given
@@ -141,6 +180,11 @@ void TakeChosen(Application& app, const wchar_t* chosen, OpenedStorageDisplay& d
 bool BrowseForStorage(Application& app, HWND page, OpenedStorageDisplay& display) {
     wchar_t chosen[kChosenUnits];
     if (!AskForFile(app, page, chosen)) {
+        return false;
+    }
+    const NameFault fault = FaultOf(chosen);
+    if (fault != NameFault::kNone) {
+        TellWhyRefused(app, fault);
         return false;
     }
     const OpenStorageResult result = OpenChosen(app, chosen);
