@@ -156,11 +156,41 @@ TEST_F(DescriptionDialogTest, AStorageThatCannotBeMadeLeavesNothingBehind) {
         EXPECT_SOON(!Shows(kOpenTitle) && DialogIsDone());
         ExpectNothingMade();
     }
-    ChooseNewName("New");
     device().Set("card.free", "0");
+    ChooseNewName("New");
     AnswerDescription();
     ExpectBox(kHeaderUnread);
     ExpectNothingMade();
+}
+
+TEST_F(DescriptionDialogTest, ItSaysWhatCancelMeans) {
+    OpenPage();
+    ChooseNewName("New");
+    EXPECT_EQ("Cancel makes a storage without one.", Text(IDC_DESCRIPTION_CANCEL_HINT));
+    AnswerDescription(IDCANCEL);
+    ExpectWithoutDescription(L"");
+}
+
+TEST_F(DescriptionDialogTest, ACardThatIsFullByThenTakesTheStorageWithoutTheDescription) {
+    OpenPage();
+    ChooseNewName("New");
+    device().Set("card.free", "0");
+    AnswerDescription();
+    ExpectWithoutDescription(L"");
+    EXPECT_EQ(0u, BoxCount());
+}
+
+// It would be told to be unreadable for ever otherwise.
+TEST_F(DescriptionDialogTest, AProgramThatIsEndedUnderItLeavesAStorage) {
+    OpenPage();
+    ChooseNewName("New");
+    Ask("kill all");
+    ExpectEnd();
+    ASSERT_EQ(236u, Storage().size());
+    OpenPage();
+    ChooseNew("New");
+    ExpectWithoutDescription(L"");
+    EXPECT_EQ(0u, BoxCount());
 }
 
 // The lists belong to the operation: the storage is made, but another one stays open.
