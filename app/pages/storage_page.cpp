@@ -1,5 +1,6 @@
 #include "app/pages/storage_page.h"
 
+#include "app/pages/storage_notes.h"
 #include "platform/text.h"
 #include "storage/format/storage_names.h"
 
@@ -17,6 +18,7 @@ void StoragePage::OnShow(int) { OnStorageChanged(); }
 void StoragePage::OnStorageChanged() {
     if (window() != nullptr && app_.gate.ListsAreFree()) {
         ShowOpenedStorage();
+        ShowNotes();
     }
 }
 
@@ -53,6 +55,13 @@ void StoragePage::ShowDescription() {
         text = header->descriptionBytes != 0 ? Wide(header->description) : L" ";
     }
     ::SetWindowTextW(Control(IDC_STORAGE_DESCRIPTION), text);
+}
+
+// Looking opens both files: not before a chosen storage's states are loaded.
+void StoragePage::ShowNotes() {
+    const StorageNotes notes(app_, IsOpen(app_));
+    ::SetWindowTextW(Control(IDC_STORAGE_NOTE), notes.line(0));
+    ::SetWindowTextW(Control(IDC_STORAGE_SECOND_NOTE), notes.line(1));
 }
 
 // The messages on the way have no owner and leave the button enabled.
