@@ -126,7 +126,9 @@ OpenStorageResult CreateAndOpen(Application& app, const StorageNames& names) {
     return result;
 }
 
-OpenStorageResult OpenChosen(Application& app, const wchar_t* chosen) {
+// `is_new` tells whether the file had to be made.
+OpenStorageResult OpenChosen(Application& app, const wchar_t* chosen, bool& is_new) {
+    is_new = false;
     OpenStorageResult result = OpenStorageResult::kOpened;
     if (OpenStorage(Utf16(chosen), app.storage, result) ||
         result != OpenStorageResult::kFileMissing) {
@@ -141,6 +143,7 @@ OpenStorageResult OpenChosen(Application& app, const wchar_t* chosen) {
         OpenStorage(names.sav, app.storage, result);
         return result;
     }
+    is_new = true;
     return CreateAndOpen(app, names);
 }
 
@@ -159,7 +162,8 @@ bool FollowSettings(Application& app, const wchar_t* chosen) {
 }
 
 // The header is the chosen storage's already; journal and differences are still the previous one's.
-void TakeChosen(Application& app, const wchar_t* chosen, OpenedStorageDisplay& display) {
+// False when none is open then.
+bool TakeChosen(Application& app, const wchar_t* chosen, OpenedStorageDisplay& display) {
     app.storage.journal.reset();
     app.storage.difference.reset();
     SaveLocation(Utf16(chosen));
@@ -173,31 +177,33 @@ void TakeChosen(Application& app, const wchar_t* chosen, OpenedStorageDisplay& d
         app.storageStatus = StorageStatus::kNone;
         CloseStorage(app.storage);
     }
+    return loaded;
 }
 
 }  // namespace
 
-bool BrowseForStorage(Application& app, HWND page, OpenedStorageDisplay& display) {
+BrowseResult BrowseForStorage(Application& app, HWND page, OpenedStorageDisplay& display) {
     wchar_t chosen[kChosenUnits];
     if (!AskForFile(app, page, chosen)) {
-        return false;
+        return BrowseResult::kUnchanged;
     }
     const NameFault fault = FaultOf(chosen);
     if (fault != NameFault::kNone) {
         TellWhyRefused(app, fault);
-        return false;
+        return BrowseResult::kUnchanged;
     }
-    const OpenStorageResult result = OpenChosen(app, chosen);
+    bool is_new = false;
+    const OpenStorageResult result = OpenChosen(app, chosen, is_new);
     if (!MayGoOn(app)) {
-        return false;
+        return BrowseResult::kUnchanged;
     }
     if (result != OpenStorageResult::kOpened) {
         display.ShowOpenedStorage();
         TellWhyNotOpened(result);
-        return false;
+        return BrowseResult::kUnchanged;
     }
-    TakeChosen(app, chosen, display);
-    return true;
+    const bool is_open = TakeChosen(app, chosen, display);
+    return is_open && is_new ? BrowseResult::kCreated : BrowseResult::kChanged;
 }
 
 }  // namespace tolvenar

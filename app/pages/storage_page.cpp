@@ -70,10 +70,15 @@ void StoragePage::Browse() {
         return;
     }
     is_browsing_ = true;
-    if (BrowseForStorage(app_, window(), *this)) {
+    const BrowseResult result = BrowseForStorage(app_, window(), *this);
+    if (result != BrowseResult::kUnchanged) {
         frame_.StorageChanged();
     }
     is_browsing_ = false;
+    // A backup is what a new storage is made for.
+    if (result == BrowseResult::kCreated) {
+        frame_.SelectPage(kBackupPage);
+    }
 }
 
 bool StoragePage::OnCommand(int id, int notification) {

@@ -34,7 +34,7 @@ TEST_F(ChosenLocationTest, FolderAndStemAreKept) {
     EXPECT_EQ("\\Storage Card\\Backups\\", SettingText("StoragePath"));
     EXPECT_EQ("\\Storage Card\\Backups\\", Text(IDC_STORAGE_FOLDER));
     ChooseNewWithoutDescription("\\Root");
-    EXPECT_TRUE(NameBecomes("Root"));
+    EXPECT_TRUE(IsCreatedAs("Root"));
     EXPECT_EQ("\\", SettingText("StoragePath"));
     EXPECT_EQ("\\", Text(IDC_STORAGE_FOLDER));
     EXPECT_EQ(236u, device().FileBytes(L"\\Root.sav").size());
@@ -45,7 +45,7 @@ TEST_F(ChosenLocationTest, ADotInAFolderCutsTheStorageFilesPath) {
     device().MakeFolder(L"\\Storage Card\\my.backup");
     OpenPage();
     ChooseNewWithoutDescription("\\Storage Card\\my.backup\\data");
-    EXPECT_TRUE(NameBecomes("data"));
+    EXPECT_TRUE(IsCreatedAs("data"));
     EXPECT_EQ("\\Storage Card\\my.backup\\", SettingText("StoragePath"));
     EXPECT_EQ(236u, device().FileBytes(L"\\Storage Card\\my.sav").size());
     EXPECT_EQ("", device().FileBytes(L"\\Storage Card\\my.backup\\data.jrn"));
@@ -88,7 +88,7 @@ TEST_F(ChosenLocationTest, ANameOrFolderThatIsTooLongIsRefusedAndTheOpenStorageS
     ChooseNew(std::string(folder.begin(), folder.end()) + "\\Home");
     ExpectRefused(kNameTooLong);
     ChooseNewWithoutDescription(longest);
-    EXPECT_TRUE(NameBecomes(longest));
+    EXPECT_TRUE(IsCreatedAs(longest));
 }
 
 TEST_F(ChosenLocationTest, AnExistingPairOfATooLongNameIsRefusedBeforeTheOpenOneIsClosed) {
