@@ -76,15 +76,15 @@ bool NamesOfChosen(const wchar_t* chosen, StorageNames& names) {
 }
 
 // Why the settings or the platform could not keep the chosen name. Of a pair that exists the name
-// may be empty.
+// may be empty (docs/oddities.md, 80).
 NameFault FaultOf(const wchar_t* chosen) {
     const NameFault fault = JudgeStorageName(Utf16(chosen));
     if (fault != NameFault::kEmpty) {
         return fault;
     }
     char16_t sav[kStorageNameUnits];
-    const bool exists = !IsReallyAbsent(Utf16(chosen)) ||
-                        (MakeSavName(Utf16(chosen), sav) && !IsReallyAbsent(sav));
+    const bool exists =
+        !IsReallyAbsent(Utf16(chosen)) || (MakeSavName(Utf16(chosen), sav) && !IsReallyAbsent(sav));
     return exists ? NameFault::kNone : fault;
 }
 

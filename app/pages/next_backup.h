@@ -1,5 +1,5 @@
-// When the next automatic backup begins, as the platform has it registered: the settings alone start
-// nothing.
+// When the next automatic backup begins, as the platform has it registered: the settings alone
+// start nothing.
 #pragma once
 
 #include "app/operations/application.h"

@@ -119,9 +119,8 @@ void OptionsPage::ShowNextBackup() {
 
 void OptionsPage::ShowReminders() {
     const bool all = (ReadReminders() & kDefaultReminders) == kDefaultReminders;
-    ::SetWindowTextW(
-        Control(IDC_REMINDERS_HINT),
-        ResourceText(app_.instance, all ? IDS_REMINDERS_SHOWN : IDS_REMINDERS_HIDDEN));
+    ::SetWindowTextW(Control(IDC_REMINDERS_HINT),
+                     ResourceText(app_.instance, all ? IDS_REMINDERS_SHOWN : IDS_REMINDERS_HIDDEN));
 }
 
 void OptionsPage::ReadAgain() {

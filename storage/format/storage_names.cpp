@@ -22,9 +22,7 @@ bool Join(std::u16string_view path, const char16_t* extension,
 
 constexpr std::u16string_view kForbidden = u"<>:\"|/*?";
 
-bool IsForbidden(char16_t unit) {
-    return unit < u' ' || kForbidden.find(unit) != kForbidden.npos;
-}
+bool IsForbidden(char16_t unit) { return unit < u' ' || kForbidden.find(unit) != kForbidden.npos; }
 
 }  // namespace
 

@@ -50,7 +50,8 @@ bool IsFileOnDevice(const InfoBlock& block, const StorageFileNames& storage_file
     oid = found.dwOID;
     const DWORD other_kind =
         (found.dwFileAttributes ^ block.head().attributes) & FILE_ATTRIBUTE_DIRECTORY;
-    return other_kind == 0 && !IsExcludedPath(block, storage_files) && !IsOnMountedCard(block.name());
+    return other_kind == 0 && !IsExcludedPath(block, storage_files) &&
+           !IsOnMountedCard(block.name());
 }
 
 bool IsKeyOnDevice(const InfoBlock& block) {
@@ -131,7 +132,8 @@ bool IsNameTaken(DatabaseLayer& databases, const InfoBlock& block) {
 
 bool LeadsOntoCard(const InfoBlock& block) {
     WIN32_FIND_DATAW found{};
-    return IsOnMountedCard(block.name()) || (FindEntry(block.name(), found) && IsMountedCard(found));
+    return IsOnMountedCard(block.name()) ||
+           (FindEntry(block.name(), found) && IsMountedCard(found));
 }
 
 }  // namespace tolvenar

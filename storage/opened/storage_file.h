@@ -25,8 +25,8 @@ protected:
 };
 
 // Creates the ".sav" file of `path`, an existing one is reset, and writes its head without a
-// description, which is whole before `prompt` is asked; what the user confirms replaces it. Null when the file cannot be created or there is no memory; a failed write is found at the next
-// open.
+// description, which is whole before `prompt` is asked; what the user confirms replaces it. Null
+// when the file cannot be created or there is no memory; a failed write is found at the next open.
 std::unique_ptr<StorageHeader> CreateStorage(const char16_t* path, DescriptionPrompt* prompt);
 
 // The head of an existing storage file; null when it cannot be opened or read, or is not whole.

@@ -16,9 +16,8 @@ TEST_F(CardSpaceTest, WhatIsBelowTheCardsFolderIsOnIt) {
 // The card's folder itself is the device's.
 TEST_F(CardSpaceTest, WhatIsElsewhereIsNot) {
     device().MakeFolder(L"\\Backups");
-    for (const char16_t* path :
-         {u"\\Backups\\Home.sav", u"\\Home.sav", u"\\Storage Card", u"\\No Card\\Home.sav", u"Home",
-          u""}) {
+    for (const char16_t* path : {u"\\Backups\\Home.sav", u"\\Home.sav", u"\\Storage Card",
+                                 u"\\No Card\\Home.sav", u"Home", u""}) {
         EXPECT_FALSE(IsOnMountedCard(path)) << testing::PrintToString(std::u16string(path));
     }
 }

@@ -116,27 +116,27 @@ TEST_P(NameFaultTest, TellsWhyAChosenNameIsNone) {
 // stem.
 INSTANTIATE_TEST_SUITE_P(
     Rows, NameFaultTest,
-    testing::Values(
-        FaultRow{u"\\Card\\Home.jrn", NameFault::kNone},
-        FaultRow{u"\\Card\\a b.c d.jrn", NameFault::kNone},
-        FaultRow{u"\\" + Text(127, u'f') + u"\\" + Text(126, u's'), NameFault::kNone},
-        FaultRow{u"\\" + Text(128, u'f') + u"\\Home.jrn", NameFault::kTooLong},
-        FaultRow{u"\\Card\\" + Text(129, u's') + u".jrn", NameFault::kNone},
-        FaultRow{u"\\Card\\" + Text(130, u's') + u".jrn", NameFault::kTooLong},
-        FaultRow{u"\\Card\\" + Text(254, u's'), NameFault::kTooLong},
-        FaultRow{u"\\Card\\.jrn", NameFault::kEmpty}, FaultRow{u"\\Card\\", NameFault::kEmpty},
-        FaultRow{u"\\Card\\..jrn", NameFault::kEmpty},
-        FaultRow{u"\\Card\\a<.jrn", NameFault::kForbidden},
-        FaultRow{u"\\Card\\a>.jrn", NameFault::kForbidden},
-        FaultRow{u"\\Card\\a:.jrn", NameFault::kForbidden},
-        FaultRow{u"\\Card\\a\".jrn", NameFault::kForbidden},
-        FaultRow{u"\\Card\\a|.jrn", NameFault::kForbidden},
-        FaultRow{u"\\Card\\a/b.jrn", NameFault::kForbidden},
-        FaultRow{u"\\Card\\a*.jrn", NameFault::kForbidden},
-        FaultRow{u"\\Card\\a?.jrn", NameFault::kForbidden},
-        FaultRow{u"\\Card\\a\tb.jrn", NameFault::kForbidden},
-        FaultRow{u"\\Card\\a.b<.jrn", NameFault::kForbidden},
-        FaultRow{u"\\Card\\<.jrn", NameFault::kForbidden}));
+    testing::Values(FaultRow{u"\\Card\\Home.jrn", NameFault::kNone},
+                    FaultRow{u"\\Card\\a b.c d.jrn", NameFault::kNone},
+                    FaultRow{u"\\" + Text(127, u'f') + u"\\" + Text(126, u's'), NameFault::kNone},
+                    FaultRow{u"\\" + Text(128, u'f') + u"\\Home.jrn", NameFault::kTooLong},
+                    FaultRow{u"\\Card\\" + Text(129, u's') + u".jrn", NameFault::kNone},
+                    FaultRow{u"\\Card\\" + Text(130, u's') + u".jrn", NameFault::kTooLong},
+                    FaultRow{u"\\Card\\" + Text(254, u's'), NameFault::kTooLong},
+                    FaultRow{u"\\Card\\.jrn", NameFault::kEmpty},
+                    FaultRow{u"\\Card\\", NameFault::kEmpty},
+                    FaultRow{u"\\Card\\..jrn", NameFault::kEmpty},
+                    FaultRow{u"\\Card\\a<.jrn", NameFault::kForbidden},
+                    FaultRow{u"\\Card\\a>.jrn", NameFault::kForbidden},
+                    FaultRow{u"\\Card\\a:.jrn", NameFault::kForbidden},
+                    FaultRow{u"\\Card\\a\".jrn", NameFault::kForbidden},
+                    FaultRow{u"\\Card\\a|.jrn", NameFault::kForbidden},
+                    FaultRow{u"\\Card\\a/b.jrn", NameFault::kForbidden},
+                    FaultRow{u"\\Card\\a*.jrn", NameFault::kForbidden},
+                    FaultRow{u"\\Card\\a?.jrn", NameFault::kForbidden},
+                    FaultRow{u"\\Card\\a\tb.jrn", NameFault::kForbidden},
+                    FaultRow{u"\\Card\\a.b<.jrn", NameFault::kForbidden},
+                    FaultRow{u"\\Card\\<.jrn", NameFault::kForbidden}));
 
 }  // namespace
 }  // namespace tolvenar
