@@ -3,13 +3,14 @@
 #include <algorithm>
 
 #include "app/settings/settings.h"
+#include "platform/registry_key.h"
 #include "platform/text.h"
 #include "snapshot/text/text_buffer.h"
 #include "storage/opened/journal.h"
 
 namespace tolvenar {
 
-static_assert(kSettingPathUnits == kStoragePathUnits);
+static_assert(kSettingPathUnits == kStoragePathUnits && kSettingTextUnits == kLocationTextUnits);
 
 bool DeriveNames(StorageNames& names) {
     char16_t path[kStoragePathUnits];
@@ -55,6 +56,13 @@ void CompleteStoragePath(bool was_read, char16_t (&path)[kStoragePathUnits]) {
     TextBuffer<kStoragePathUnits> completed;
     completed.Append(path).Append(u"storage0");
     std::copy_n(completed.text(), completed.length() + 1, path);
+}
+
+// Only an installation creates the value.
+bool StorageFolderIsFixed() {
+    const UniqueHkey hkey = OpenKey(HKEY_CURRENT_USER, Wide(kSettingsKey));
+    return !hkey || ::RegQueryValueExW(hkey.get(), Wide(setting::kStoragePath), nullptr, nullptr,
+                                       nullptr, nullptr) != ERROR_SUCCESS;
 }
 
 void SaveLocation(const char16_t* chosen_path) {

@@ -24,6 +24,10 @@ bool DeleteOldStorage();
 // "storage0" behind it (docs/oddities.md, 30). An empty path stays empty.
 void CompleteStoragePath(bool was_read, char16_t (&path)[kStoragePathUnits]);
 
+// True when every chosen file's folder is refused: the storage is looked for beside the program
+// then.
+bool StorageFolderIsFixed();
+
 // Takes a chosen file's path into the settings. The folder is kept only on an installed system.
 void SaveLocation(const char16_t* chosen_path);
 

@@ -2,10 +2,13 @@
 
 #include "app/operations/confirmation.h"
 #include "app/operations/window_messages.h"
+#include "platform/resource_text.h"
 #include "platform/text.h"
 #include "snapshot/compare/states.h"
 #include "storage/files/card_space.h"
+#include "storage/opened/journal.h"
 #include "storage/opened/state_details.h"
+#include "storage/opened/storage_file.h"
 
 namespace tolvenar {
 namespace {
@@ -35,12 +38,14 @@ void BackupPage::OnStorageChanged() {
     ShowStorage();
     ShowLastState();
     ShowFreeSpace();
+    ShowEffect();
 }
 
 void BackupPage::ShowStorage() {
-    const bool is_open = app_.storageStatus == StorageStatus::kOpen;
+    const bool is_open = HasStorage(app_);
+    is_on_card_ = !is_open || IsOnMountedCard(app_.storage.names.sav);
     ::SetWindowTextW(Control(IDC_BACKUP_STORAGE),
-                     is_open ? Wide(NameWithoutFolder(app_.storage.names.path)) : kNothing);
+                     is_open ? Wide(app_.storage.names.sav) : kNothing);
 }
 
 void BackupPage::ShowLastState() {
@@ -56,16 +61,39 @@ void BackupPage::ShowLastState() {
 }
 
 void BackupPage::ShowFreeSpace() {
+    ::SetWindowTextW(
+        Control(IDC_CARD_FREE_LABEL),
+        ResourceText(app_.instance, is_on_card_ ? IDS_FREE_ON_CARD : IDS_FREE_IN_MEMORY));
     wchar_t text[32] = L"-";
     std::uint64_t free_bytes = 0;
-    if (app_.storageStatus == StorageStatus::kOpen &&
-        FreeBytesOfCard(app_.storage.names, free_bytes)) {
+    if (HasStorage(app_) && FreeBytesOfCard(app_.storage.names, free_bytes)) {
         constexpr std::uint64_t kMegabyte = 0x100000;
         // Never more than there is.
         const auto tenths = static_cast<unsigned>(free_bytes * 10 / kMegabyte);
         ::wsprintfW(text, L"%u.%u Mb", tenths / 10, tenths % 10);
     }
     ::SetWindowTextW(Control(IDC_CARD_FREE), text);
+}
+
+// What stands against a backup comes first.
+UINT BackupPage::EffectText() const {
+    if (app_.installationMissing) {
+        return IDS_BACKUP_NOT_INSTALLED;
+    }
+    if (!HasStorage(app_)) {
+        return IDS_BACKUP_NO_STORAGE;
+    }
+    if (StorageIsWriteProtected(app_.storage.names)) {
+        return IDS_BACKUP_PROTECTED;
+    }
+    return is_on_card_ ? IDS_BACKUP_ON_CARD : IDS_BACKUP_IN_MEMORY;
+}
+
+void BackupPage::ShowEffect() {
+    wchar_t text[kResourceTextUnits + 16];
+    ::wsprintfW(text, ResourceText(app_.instance, EffectText()),
+                NextStateNumber(app_.storage.journal.get()));
+    ::SetWindowTextW(Control(IDC_BACKUP_EFFECT), text);
 }
 
 void BackupPage::RequestBackup() {

@@ -26,6 +26,10 @@ private:
     void ShowStorage();
     void ShowLastState();
     void ShowFreeSpace();
+    UINT EffectText() const;
+    void ShowEffect();
+
+    bool is_on_card_ = true;  // of the open storage; without one a card is what is missing
 };
 
 }  // namespace tolvenar

@@ -4,7 +4,9 @@
 #include "app/operations/operation_drivers.h"
 #include "app/operations/storage_files.h"
 #include "app/pages/description_dialog.h"
+#include "platform/resource_text.h"
 #include "platform/text.h"
+#include "res/resource.h"
 #include "storage/opened/storage_file.h"
 
 namespace tolvenar {
@@ -32,10 +34,18 @@ void ReadInitialFolder(char16_t (&folder)[kSettingPathUnits]) {
 // late when an operation has begun: the lists are its own then.
 bool MayGoOn(const Application& app) { return !app.is_ending && !app.gate.IsOccupied(); }
 
-bool AskForFile(const Application& app, HWND page, wchar_t (&chosen)[kChosenUnits]) {
+// The dialog does not open on a name that cannot be one, which another program may have left in the
+// settings: the field is empty then.
+void ReadInitialName(wchar_t (&name)[kChosenUnits]) {
     char16_t stem[kSettingTextUnits];
     ReadStorageFileName(stem);
-    ::wcscpy(chosen, Wide(stem));
+    const bool is_name =
+        NameWithoutFolder(stem) == stem && JudgeStorageName(stem) == NameFault::kNone;
+    ::wcscpy(name, is_name ? Wide(stem) : L"");
+}
+
+bool AskForFile(const Application& app, HWND page, wchar_t (&chosen)[kChosenUnits]) {
+    ReadInitialName(chosen);
     char16_t folder[kSettingPathUnits];
     ReadInitialFolder(folder);
 
@@ -65,6 +75,35 @@ bool NamesOfChosen(const wchar_t* chosen, StorageNames& names) {
     return MakeStorageNames(path, names);
 }
 
+// Why the settings or the platform could not keep the chosen name. Of a pair that exists the name
+// may be empty (docs/oddities.md, 80).
+NameFault FaultOf(const wchar_t* chosen) {
+    const NameFault fault = JudgeStorageName(Utf16(chosen));
+    if (fault != NameFault::kEmpty) {
+        return fault;
+    }
+    char16_t sav[kStorageNameUnits];
+    const bool exists =
+        !IsReallyAbsent(Utf16(chosen)) || (MakeSavName(Utf16(chosen), sav) && !IsReallyAbsent(sav));
+    return exists ? NameFault::kNone : fault;
+}
+
+void TellWhyRefused(const Application& app, NameFault fault) {
+    constexpr struct {
+        NameFault fault;
+        UINT text;
+    } kTexts[] = {
+        {NameFault::kTooLong, IDS_NAME_TOO_LONG},
+        {NameFault::kForbidden, IDS_NAME_FORBIDDEN},
+        {NameFault::kEmpty, IDS_NAME_EMPTY},
+    };
+    for (const auto& row : kTexts) {
+        if (row.fault == fault) {
+            ShowMessage(nullptr, ResourceText(app.instance, row.text), MB_OK);
+        }
+    }
+}
+
 // A journal alone counts as a storage whose file cannot be read: the user is told rather than given
 // a new one of the same name.
 OpenStorageResult CreateAndOpen(Application& app, const StorageNames& names) {
@@ -87,7 +126,9 @@ OpenStorageResult CreateAndOpen(Application& app, const StorageNames& names) {
     return result;
 }
 
-OpenStorageResult OpenChosen(Application& app, const wchar_t* chosen) {
+// `is_new` tells whether the file had to be made.
+OpenStorageResult OpenChosen(Application& app, const wchar_t* chosen, bool& is_new) {
+    is_new = false;
     OpenStorageResult result = OpenStorageResult::kOpened;
     if (OpenStorage(Utf16(chosen), app.storage, result) ||
         result != OpenStorageResult::kFileMissing) {
@@ -102,6 +143,7 @@ OpenStorageResult OpenChosen(Application& app, const wchar_t* chosen) {
         OpenStorage(names.sav, app.storage, result);
         return result;
     }
+    is_new = true;
     return CreateAndOpen(app, names);
 }
 
@@ -120,7 +162,8 @@ bool FollowSettings(Application& app, const wchar_t* chosen) {
 }
 
 // The header is the chosen storage's already; journal and differences are still the previous one's.
-void TakeChosen(Application& app, const wchar_t* chosen, OpenedStorageDisplay& display) {
+// False when none is open then.
+bool TakeChosen(Application& app, const wchar_t* chosen, OpenedStorageDisplay& display) {
     app.storage.journal.reset();
     app.storage.difference.reset();
     SaveLocation(Utf16(chosen));
@@ -134,26 +177,33 @@ void TakeChosen(Application& app, const wchar_t* chosen, OpenedStorageDisplay& d
         app.storageStatus = StorageStatus::kNone;
         CloseStorage(app.storage);
     }
+    return loaded;
 }
 
 }  // namespace
 
-bool BrowseForStorage(Application& app, HWND page, OpenedStorageDisplay& display) {
+BrowseResult BrowseForStorage(Application& app, HWND page, OpenedStorageDisplay& display) {
     wchar_t chosen[kChosenUnits];
     if (!AskForFile(app, page, chosen)) {
-        return false;
+        return BrowseResult::kUnchanged;
     }
-    const OpenStorageResult result = OpenChosen(app, chosen);
+    const NameFault fault = FaultOf(chosen);
+    if (fault != NameFault::kNone) {
+        TellWhyRefused(app, fault);
+        return BrowseResult::kUnchanged;
+    }
+    bool is_new = false;
+    const OpenStorageResult result = OpenChosen(app, chosen, is_new);
     if (!MayGoOn(app)) {
-        return false;
+        return BrowseResult::kUnchanged;
     }
     if (result != OpenStorageResult::kOpened) {
         display.ShowOpenedStorage();
         TellWhyNotOpened(result);
-        return false;
+        return BrowseResult::kUnchanged;
     }
-    TakeChosen(app, chosen, display);
-    return true;
+    const bool is_open = TakeChosen(app, chosen, display);
+    return is_open && is_new ? BrowseResult::kCreated : BrowseResult::kChanged;
 }
 
 }  // namespace tolvenar

@@ -15,11 +15,16 @@ protected:
     ~OpenedStorageDisplay() = default;
 };
 
+enum class BrowseResult {
+    kUnchanged,  // the previous storage stays
+    kChanged,    // another one is open, or none, when the chosen one's states cannot be loaded
+    kCreated,    // a new, empty one is open
+};
+
 // Asks for a file, with `page` as the dialog's owner. An existing storage is opened as it stands,
-// never overwritten; a new one is made only where there is neither storage file nor journal. True
-// when the user chose one that could be opened: it is the open storage then, or none is when its
-// states could not be loaded. Otherwise the previous storage stays. For the main thread, while no
-// operation is asked for or runs.
-bool BrowseForStorage(Application& app, HWND page, OpenedStorageDisplay& display);
+// never overwritten; a name that the settings could not give back is refused before anything is
+// made or closed; a new one is made only where there is neither storage file nor journal. For the
+// main thread, while no operation is asked for or runs.
+BrowseResult BrowseForStorage(Application& app, HWND page, OpenedStorageDisplay& display);
 
 }  // namespace tolvenar

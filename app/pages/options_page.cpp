@@ -1,8 +1,10 @@
 #include "app/pages/options_page.h"
 
 #include "app/operations/window_messages.h"
+#include "app/pages/next_backup.h"
 #include "app/rules/time_format.h"
 #include "platform/notification.h"
+#include "platform/resource_text.h"
 #include "platform/text.h"
 
 namespace tolvenar {
@@ -72,6 +74,7 @@ void OptionsPage::EnableControls() {
         ::EnableWindow(Control(row.id), is_installed);
     }
     ::EnableWindow(Control(IDC_TIME), is_installed);
+    ::EnableWindow(Control(IDC_SHOW_REMINDERS), is_installed);
     if (!app_.power.IsAvailable()) {
         ::EnableWindow(Control(IDC_ON_BATTERY), FALSE);
     }
@@ -83,7 +86,8 @@ void OptionsPage::ShowSettings() {
         ::SendMessageW(Control(row.id), BM_SETCHECK, is_on ? BST_CHECKED : BST_UNCHECKED, 0);
     }
     ShowTime();
-    ShowHint();
+    ShowSchedule();
+    ShowReminders();
 }
 
 void OptionsPage::ShowTime() {
@@ -97,11 +101,26 @@ void OptionsPage::ShowTime() {
                    reinterpret_cast<LPARAM>(&time));
 }
 
-void OptionsPage::ShowHint() {
+// Hint and time stand in one place.
+void OptionsPage::ShowSchedule() {
     const HWND hint = Control(IDC_AUTOMATIC_OFF_HINT);
     const bool is_off = app_.settings.onTime == 0 && app_.settings.onBattery == 0;
     ::EnableWindow(hint, is_off && !app_.installationMissing);
     ::ShowWindow(hint, is_off ? SW_SHOW : SW_HIDE);
+    ::ShowWindow(Control(IDC_NEXT_BACKUP), is_off ? SW_HIDE : SW_SHOW);
+    ShowNextBackup();
+}
+
+void OptionsPage::ShowNextBackup() {
+    wchar_t line[kNextBackupUnits];
+    FormatNextBackup(app_, line);
+    ::SetWindowTextW(Control(IDC_NEXT_BACKUP), line);
+}
+
+void OptionsPage::ShowReminders() {
+    const bool all = (ReadReminders() & kDefaultReminders) == kDefaultReminders;
+    ::SetWindowTextW(Control(IDC_REMINDERS_HINT),
+                     ResourceText(app_.instance, all ? IDS_REMINDERS_SHOWN : IDS_REMINDERS_HIDDEN));
 }
 
 void OptionsPage::ReadAgain() {
@@ -118,6 +137,7 @@ void OptionsPage::OnShow(int) { ReadAgain(); }
 void OptionsPage::ApplyNow() {
     if (!app_.gate.IsOccupied()) {
         agent_.AgentStatusApplyNow(app_.settings.onTime, app_.settings.onBattery);
+        ShowNextBackup();
     }
 }
 
@@ -129,20 +149,30 @@ void OptionsPage::OnSwitch(int id, bool is_on) {
     }
     SaveChangedOptions(is_on ? row.change_on : row.change_off, app_.settings);
     if (row.is_schedule) {
-        ShowHint();
+        ShowSchedule();
         agent_.AgentStatusChanged(app_.settings.onTime, app_.settings.onBattery);
     }
 }
 
+void OptionsPage::BringRemindersBack() {
+    WriteSetting(setting::kReminders, kDefaultReminders);
+    ShowReminders();
+}
+
 bool OptionsPage::OnCommand(int id, int notification) {
-    if (FindSwitch(id) == nullptr || notification != BN_CLICKED) {
+    const bool is_reminders = id == IDC_SHOW_REMINDERS;
+    if (notification != BN_CLICKED || (!is_reminders && FindSwitch(id) == nullptr)) {
         return false;
     }
     if (app_.gate.IsOccupied()) {
         ShowSettings();
         return true;
     }
-    OnSwitch(id, ::SendMessageW(Control(id), BM_GETCHECK, 0, 0) == BST_CHECKED);
+    if (is_reminders) {
+        BringRemindersBack();
+    } else {
+        OnSwitch(id, ::SendMessageW(Control(id), BM_GETCHECK, 0, 0) == BST_CHECKED);
+    }
     return true;
 }
 
@@ -173,6 +203,7 @@ INT_PTR OptionsPage::OnNotify(LPARAM lparam) {
 INT_PTR OptionsPage::OnTimer(UINT_PTR timer) {
     if (!app_.gate.IsOccupied()) {
         agent_.AgentStatusTick(timer, app_.settings.onTime, app_.settings.onBattery);
+        ShowNextBackup();
     }
     return TRUE;
 }

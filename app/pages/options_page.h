@@ -28,7 +28,10 @@ private:
     void ReadAgain();
     void ShowSettings();
     void ShowTime();
-    void ShowHint();
+    void ShowSchedule();
+    void ShowNextBackup();
+    void ShowReminders();
+    void BringRemindersBack();
     void SetTimeFormat();
     void EnableControls();
     void OnSwitch(int id, bool is_on);

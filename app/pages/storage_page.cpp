@@ -1,5 +1,6 @@
 #include "app/pages/storage_page.h"
 
+#include "app/pages/storage_notes.h"
 #include "platform/text.h"
 #include "storage/format/storage_names.h"
 
@@ -17,6 +18,7 @@ void StoragePage::OnShow(int) { OnStorageChanged(); }
 void StoragePage::OnStorageChanged() {
     if (window() != nullptr && app_.gate.ListsAreFree()) {
         ShowOpenedStorage();
+        ShowNotes();
     }
 }
 
@@ -55,16 +57,28 @@ void StoragePage::ShowDescription() {
     ::SetWindowTextW(Control(IDC_STORAGE_DESCRIPTION), text);
 }
 
+// Looking opens both files: not before a chosen storage's states are loaded.
+void StoragePage::ShowNotes() {
+    const StorageNotes notes(app_, IsOpen(app_));
+    ::SetWindowTextW(Control(IDC_STORAGE_NOTE), notes.line(0));
+    ::SetWindowTextW(Control(IDC_STORAGE_SECOND_NOTE), notes.line(1));
+}
+
 // The messages on the way have no owner and leave the button enabled.
 void StoragePage::Browse() {
     if (is_browsing_ || app_.gate.IsOccupied()) {
         return;
     }
     is_browsing_ = true;
-    if (BrowseForStorage(app_, window(), *this)) {
+    const BrowseResult result = BrowseForStorage(app_, window(), *this);
+    if (result != BrowseResult::kUnchanged) {
         frame_.StorageChanged();
     }
     is_browsing_ = false;
+    // A backup is what a new storage is made for.
+    if (result == BrowseResult::kCreated) {
+        frame_.SelectPage(kBackupPage);
+    }
 }
 
 bool StoragePage::OnCommand(int id, int notification) {

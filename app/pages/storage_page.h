@@ -21,6 +21,7 @@ private:
     void ShowName();
     void ShowFolder();
     void ShowDescription();
+    void ShowNotes();
     void Browse();
 
     bool is_browsing_ = false;

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "simulator/exports/gated.h"
+#include "simulator/files/path.h"
 #include "simulator/windows/open_dialog.h"
 
 namespace {
@@ -11,11 +12,17 @@ namespace {
 namespace host = sim::windows;
 
 constexpr DWORD kStructureSize = 0x0001;   // CDERR_STRUCTSIZE
+constexpr DWORD kInvalidName = 0x3002;     // FNERR_INVALIDFILENAME
 constexpr DWORD kBufferTooSmall = 0x3003;  // FNERR_BUFFERTOOSMALL
 
 thread_local DWORD last_dialog_error = 0;
 
 std::wstring TextOf(LPCWSTR text) { return text != nullptr ? text : L""; }
+
+// An empty one is none.
+bool InitialNameIsValid(LPCWSTR name) {
+    return TextOf(name).empty() || sim::files::ParsePath(name, true).error == ERROR_SUCCESS;
+}
 
 host::OpenRequest RequestFrom(const OPENFILENAMEW& in, const wchar_t* default_title) {
     host::OpenRequest request;
@@ -49,6 +56,9 @@ void Answer(OPENFILENAMEW& out, const host::OpenAnswer& answer) {
 
 BOOL Show(LPOPENFILENAMEW data, const wchar_t* default_title, bool saves) {
     last_dialog_error = data->lStructSize < OPENFILENAME_SIZE_VERSION_400W ? kStructureSize : 0;
+    if (last_dialog_error == 0 && !InitialNameIsValid(data->lpstrFile)) {
+        last_dialog_error = kInvalidName;
+    }
     if (last_dialog_error != 0) {
         return FALSE;
     }

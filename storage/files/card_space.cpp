@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "platform/file_entry.h"
 #include "platform/text.h"
 #include "snapshot/text/text_buffer.h"
 
@@ -23,6 +24,20 @@ bool FreeBytesOfCard(const StorageNames& names, std::uint64_t& free_bytes) {
     }
     free_bytes = available.QuadPart;
     return true;
+}
+
+bool IsOnMountedCard(const char16_t* path) {
+    const std::u16string_view whole(path);
+    TextBuffer<kStorageNameUnits> folder;
+    for (std::size_t at = whole.find(u'\\', 1); at != whole.npos; at = whole.find(u'\\', at + 1)) {
+        WIN32_FIND_DATAW found{};
+        folder.Clear();
+        folder.Append(path, at);
+        if (FindEntry(folder.text(), found) && IsMountedCard(found)) {
+            return true;
+        }
+    }
+    return false;
 }
 
 }  // namespace tolvenar

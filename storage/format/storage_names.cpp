@@ -1,5 +1,6 @@
 #include "storage/format/storage_names.h"
 
+#include <algorithm>
 #include <string_view>
 
 #include "snapshot/text/text_buffer.h"
@@ -18,6 +19,10 @@ bool Join(std::u16string_view path, const char16_t* extension,
     buffer.Clear();
     return false;
 }
+
+constexpr std::u16string_view kForbidden = u"<>:\"|/*?";
+
+bool IsForbidden(char16_t unit) { return unit < u' ' || kForbidden.find(unit) != kForbidden.npos; }
 
 }  // namespace
 
@@ -67,6 +72,23 @@ bool SplitStoragePath(const char16_t* chosen_path, StorageLocation& location) {
         path.copy(location.folder, before_name - 1);
     }
     return true;
+}
+
+NameFault JudgeStorageName(const char16_t* chosen_path) {
+    StorageLocation location;
+    if (!SplitStoragePath(chosen_path, location)) {
+        return NameFault::kTooLong;
+    }
+    const std::size_t folder_units = std::u16string_view(location.folder).size() + 1;
+    const std::size_t stem_units = std::u16string_view(location.stem).size();
+    if (folder_units >= kLocationTextUnits || stem_units >= kLocationTextUnits) {
+        return NameFault::kTooLong;
+    }
+    const std::u16string_view name{NameWithoutFolder(chosen_path)};
+    if (std::any_of(name.begin(), name.end(), IsForbidden)) {
+        return NameFault::kForbidden;
+    }
+    return stem_units == 0 ? NameFault::kEmpty : NameFault::kNone;
 }
 
 }  // namespace tolvenar

@@ -40,4 +40,16 @@ struct StorageLocation {
 // False, and both empty, when the path is longer than 259 units.
 bool SplitStoragePath(const char16_t* chosen_path, StorageLocation& location);
 
+// Of the settings each, the folder with its backslash and the stem, is read back up to 129 units.
+constexpr std::size_t kLocationTextUnits = 130;
+
+// What keeps the name of a chosen file from being a storage's.
+enum class NameFault {
+    kNone,
+    kTooLong,    // folder or stem could not be read back
+    kForbidden,  // a character that the platform allows in no name
+    kEmpty,      // no stem; a pair that has such a name already can be opened
+};
+NameFault JudgeStorageName(const char16_t* chosen_path);
+
 }  // namespace tolvenar

@@ -7,6 +7,7 @@
 #include "platform/text.h"
 #include "platform/unique_resource.h"
 #include "snapshot/records/registry_objects.h"
+#include "storage/files/card_space.h"
 
 namespace tolvenar {
 namespace {
@@ -29,13 +30,6 @@ bool AnySplit(const InfoBlock& block, char16_t separator, Predicate is_sought) {
     return false;
 }
 
-bool IsOnCard(const InfoBlock& block) {
-    return AnySplit(block, u'\\', [](const char16_t* folder, const char16_t*) {
-        WIN32_FIND_DATAW found{};
-        return *folder != 0 && FindEntry(folder, found) && IsMountedCard(found);
-    });
-}
-
 bool IsExcludedPath(const InfoBlock& block, const StorageFileNames& storage_files) {
     InfoBlock split = block;
     const std::size_t backslash = std::u16string_view(split.name()).rfind(u'\\');
@@ -56,7 +50,8 @@ bool IsFileOnDevice(const InfoBlock& block, const StorageFileNames& storage_file
     oid = found.dwOID;
     const DWORD other_kind =
         (found.dwFileAttributes ^ block.head().attributes) & FILE_ATTRIBUTE_DIRECTORY;
-    return other_kind == 0 && !IsExcludedPath(block, storage_files) && !IsOnCard(block);
+    return other_kind == 0 && !IsExcludedPath(block, storage_files) &&
+           !IsOnMountedCard(block.name());
 }
 
 bool IsKeyOnDevice(const InfoBlock& block) {
@@ -137,7 +132,8 @@ bool IsNameTaken(DatabaseLayer& databases, const InfoBlock& block) {
 
 bool LeadsOntoCard(const InfoBlock& block) {
     WIN32_FIND_DATAW found{};
-    return IsOnCard(block) || (FindEntry(block.name(), found) && IsMountedCard(found));
+    return IsOnMountedCard(block.name()) ||
+           (FindEntry(block.name(), found) && IsMountedCard(found));
 }
 
 }  // namespace tolvenar

@@ -1,5 +1,6 @@
 #include "storage/opened/storage_file.h"
 
+#include <cstring>
 #include <string_view>
 #include <utility>
 
@@ -15,12 +16,32 @@ namespace {
 
 constexpr std::size_t kDeviceNameUnits = sizeof(StorageHeader::deviceName) / sizeof(char16_t);
 
-// Head and description are two writes; whether they succeed shows at the next open.
-void WriteWithDescription(ByteAppender& file, StorageHeader& header, const char16_t* text,
-                          std::size_t units) {
+bool WritePlainHead(HandleBytes& file, const StorageHeader& header) {
+    return file.MoveTo(0) && file.Append(&header, kStorageHeadBytes);
+}
+
+// Head and description in place of the plain head, in one write: a program that is ended leaves one
+// of the two. The description may be shorter than the four bytes that stand for none.
+bool ReplaceHead(HandleBytes& file, HANDLE handle, const StorageHeader& header,
+                 const char16_t* text) {
+    std::uint8_t head[kDescriptionOffset + kMaxDescriptionBytes];
+    const std::uint32_t bytes = kDescriptionOffset + header.descriptionBytes;
+    std::memcpy(head, &header, kDescriptionOffset);
+    std::memcpy(head + kDescriptionOffset, text, header.descriptionBytes);
+    return file.MoveTo(0) && file.Append(head, bytes) && ::SetEndOfFile(handle);
+}
+
+// Without room for the description the storage has none (docs/oddities.md, 81).
+void WriteDescription(HandleBytes& file, HANDLE handle, StorageHeader& header, const char16_t* text,
+                      std::size_t units) {
     SetDescription(header, text, units);
-    file.Append(&header, kDescriptionOffset);
-    file.Append(text, header.descriptionBytes);
+    if (ReplaceHead(file, handle, header, text)) {
+        return;
+    }
+    SetDescription(header, u"", 0);
+    if (WritePlainHead(file, header)) {
+        ::SetEndOfFile(handle);
+    }
 }
 
 // An empty description is none: the head would end before its last four bytes.
@@ -65,12 +86,15 @@ std::unique_ptr<StorageHeader> CreateStorage(const char16_t* path, DescriptionPr
     HandleBytes bytes(file.get());
     ReadDeviceIdent(*header);
     SetCreationTime(*header);
+    // The question may stay for long, and the program or the battery may end under it: a whole head
+    // is on the card by then. Whether the write succeeded shows at the next open.
+    if (WritePlainHead(bytes, *header) && prompt != nullptr) {
+        ::FlushFileBuffers(file.get());
+    }
     char16_t answer[kMaxDescriptionUnits] = {};
     std::size_t units = 0;
     if (AskDescription(prompt, *header, answer, units)) {
-        WriteWithDescription(bytes, *header, answer, units);
-    } else {
-        bytes.Append(header.get(), kStorageHeadBytes);
+        WriteDescription(bytes, file.get(), *header, answer, units);
     }
     return header;
 }

@@ -24,10 +24,9 @@ protected:
     ~DescriptionPrompt() = default;
 };
 
-// Creates the ".sav" file of `path`, an existing one is reset, and writes its head: with the
-// description that `prompt` answers, or without one when there is no prompt or the user cancels.
-// Null when the file cannot be created or there is no memory; a failed write is found at the next
-// open.
+// Creates the ".sav" file of `path`, an existing one is reset, and writes its head without a
+// description, which is whole before `prompt` is asked; what the user confirms replaces it. Null
+// when the file cannot be created or there is no memory; a failed write is found at the next open.
 std::unique_ptr<StorageHeader> CreateStorage(const char16_t* path, DescriptionPrompt* prompt);
 
 // The head of an existing storage file; null when it cannot be opened or read, or is not whole.

@@ -183,6 +183,20 @@ TEST_F(OpenDialogTest, ItOpensInTheInitialFolderWithTheFilterAndTheTitle) {
     EXPECT_FALSE(device().Exists(L"\\chosen.txt"));
 }
 
+TEST_F(DialogProbeTest, TheOpenDialogRefusesAnInitialNameThatIsNone) {
+    for (const wchar_t* text : {L"a<b", L"a:b", L"a/b", L"a|b.jrn"}) {
+        wchar_t name[MAX_PATH] = L"";
+        ::wcscpy(name, text);
+        OPENFILENAMEW data{};
+        data.lStructSize = sizeof data;
+        data.lpstrFile = name;
+        data.nMaxFile = MAX_PATH;
+        EXPECT_FALSE(::GetOpenFileNameW(&data)) << text;
+        EXPECT_EQ(0x3002u, ::CommDlgExtendedError());
+        EXPECT_STREQ(text, name);
+    }
+}
+
 TEST_F(OpenDialogTest, AChosenFileComesBackAsADevicePath) {
     EXPECT_TRUE(windows::Select(sim(), windows::kOpenFileList, "Home.jrn"));
     EXPECT_TRUE(windows::Press(sim(), IDOK));

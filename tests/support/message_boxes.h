@@ -65,6 +65,14 @@ inline const Box kOtherVersion = {
     "This Storage File is not compatible with the Tolvenar version,\nplease use earlier Tolvenar "
     "version.",
     kPlainBox};
+inline const Box kNameTooLong = {
+    "The name of this storage file, or of its folder, is too long. Please choose a shorter one.",
+    kPlainBox};
+inline const Box kNameForbidden = {
+    "The name of a storage file can have none of these characters: < > : / * ? | and quotation "
+    "marks.",
+    kPlainBox};
+inline const Box kNameEmpty = {"Please type a name before the dot.", kPlainBox};
 inline Box TooLittleMemory(const std::string& figure) {
     return {"Not enough memory to start operation. You need to free at least the " + figure +
                 " Mb of the device memory.",

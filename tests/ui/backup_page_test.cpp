@@ -4,6 +4,8 @@
 namespace tests {
 namespace {
 
+const std::string kCardFile = "\\Storage Card\\Tolvenar\\Backup.sav";
+
 class BackupPageTest : public UiTest {
 protected:
     void SetUp() override {
@@ -12,6 +14,7 @@ protected:
         device().PutFile(kNote, "hello");
     }
     void ExpectText(int id, const std::string& text) { EXPECT_SOON_EQ(text, Text(id)) << id; }
+    void ExpectEffect(const std::string& text) { ExpectText(IDC_BACKUP_EFFECT, text); }
     // As from the keyboard, so that the limit counts.
     void TypeKeys(int count) {
         const HWND edit = Handle(IDC_NEW_DESCRIPTION);
@@ -26,9 +29,45 @@ TEST_F(BackupPageTest, WithoutAStorageItHasNothingToTell) {
     for (const int id : {IDC_BACKUP_STORAGE, IDC_LAST_STATE, IDC_CARD_FREE}) {
         ExpectText(id, "-");
     }
+    ExpectEffect("Back up needs a storage file: it leads to the page that chooses one.");
     Press(IDC_BACKUP);
     ExpectTab("Storage file");
     EXPECT_EQ(0u, BoxCount());
+}
+
+TEST_F(BackupPageTest, ItSaysWhichStateTheButtonMakes) {
+    TakeFirstState();
+    Open();
+    EXPECT_EQ(kCardFile, Text(IDC_BACKUP_STORAGE));
+    EXPECT_EQ("Free on the card:", Text(IDC_CARD_FREE_LABEL));
+    ExpectEffect("Back up makes State 2 on the card.");
+    device().PutFile(kNote, "changed");
+    Press(IDC_BACKUP);
+    ExpectTab("Restore");
+    ShowTab("Backup");
+    ExpectEffect("Back up makes State 3 on the card.");
+}
+
+TEST_F(BackupPageTest, AStorageInTheDevicesMemoryIsLostByAHardReset) {
+    SetText("StoragePath", "\\My Documents\\");
+    BackUp();
+    Open();
+    EXPECT_EQ("\\My Documents\\Backup.sav", Text(IDC_BACKUP_STORAGE));
+    EXPECT_EQ("Free in device memory:", Text(IDC_CARD_FREE_LABEL));
+    EXPECT_NE("-", Text(IDC_CARD_FREE));
+    ExpectEffect("Back up makes State 2 in the device's own memory: a hard reset takes it.");
+}
+
+TEST_F(BackupPageTest, WhatStandsAgainstABackupIsSaidBefore) {
+    TakeFirstState();
+    device().SetAttributes(kStorageFile, FILE_ATTRIBUTE_READONLY);
+    Open();
+    ExpectEffect("The storage is write-protected: Back up cannot add a state.");
+    Keys("ctrl+q");
+    ExpectEnd();
+    RemoveInstallation();
+    Open();
+    ExpectEffect("Back up needs an installation: restore Tolvenar first.");
 }
 
 TEST_F(BackupPageTest, ABackupRenewsWhatItTells) {
@@ -47,7 +86,7 @@ TEST_F(BackupPageTest, ABackupRenewsWhatItTells) {
 TEST_F(BackupPageTest, AnotherStorageRenewsWhatItTells) {
     TakeFirstState();
     Open();
-    EXPECT_EQ("Backup", Text(IDC_BACKUP_STORAGE));
+    EXPECT_EQ(kCardFile, Text(IDC_BACKUP_STORAGE));
     ShowTab("Storage file");
     Press(IDC_BROWSE);
     ASSERT_SOON(Shows(kOpenTitle));
@@ -57,9 +96,8 @@ TEST_F(BackupPageTest, AnotherStorageRenewsWhatItTells) {
     Press(IDYES);
     ASSERT_SOON(Shows(kDescriptionTitle));
     Press(IDOK);
-    ExpectText(IDC_STORAGE_NAME, "Home");
-    ShowTab("Backup");
-    ExpectText(IDC_BACKUP_STORAGE, "Home");
+    ExpectTab("Backup");
+    ExpectText(IDC_BACKUP_STORAGE, "\\Storage Card\\Tolvenar\\Home.sav");
     ExpectText(IDC_LAST_STATE, "-");
     EXPECT_SOON(Text(IDC_CARD_FREE) != "-");
 }

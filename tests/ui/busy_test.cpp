@@ -27,8 +27,8 @@ protected:
         page_ = ::GetParent(list_);
         ShowDifferences();
         for (const int id : {IDC_BACKUP, IDC_RESTORE, IDC_APPLY_CHANGES, IDC_TAKE_BACK_CHANGES,
-                             IDC_FAILED_OK, IDC_BROWSE, IDC_ON_TIME, IDC_ADVANCED_TREE,
-                             IDC_RESTORE_DATABASES, IDC_DELETE_OLD_STORAGE}) {
+                             IDC_FAILED_OK, IDC_BROWSE, IDC_ON_TIME, IDC_SHOW_REMINDERS,
+                             IDC_ADVANCED_TREE, IDC_RESTORE_DATABASES, IDC_DELETE_OLD_STORAGE}) {
             // The tree's window has a button's number.
             const Window button = AwaitWindow([id](const Window& window) {
                 return window.id == id && window.class_name == "Button";

@@ -10,6 +10,12 @@ protected:
         ChooseNew(name);
         AnswerDescription(IDCANCEL);
     }
+    void ExpectRefused(const Box& box) {
+        ExpectBox(box);
+        EXPECT_TRUE(DialogIsDone());
+        ExpectFirstOpen();
+        EXPECT_FALSE(Shows(kDescriptionTitle));
+    }
     void ExpectNoneOpenFor(const std::string& stem) {
         EXPECT_SOON_EQ(stem, SettingText("StorageFile"));
         ExpectNoneOpen();
@@ -28,7 +34,7 @@ TEST_F(ChosenLocationTest, FolderAndStemAreKept) {
     EXPECT_EQ("\\Storage Card\\Backups\\", SettingText("StoragePath"));
     EXPECT_EQ("\\Storage Card\\Backups\\", Text(IDC_STORAGE_FOLDER));
     ChooseNewWithoutDescription("\\Root");
-    EXPECT_TRUE(NameBecomes("Root"));
+    EXPECT_TRUE(IsCreatedAs("Root"));
     EXPECT_EQ("\\", SettingText("StoragePath"));
     EXPECT_EQ("\\", Text(IDC_STORAGE_FOLDER));
     EXPECT_EQ(236u, device().FileBytes(L"\\Root.sav").size());
@@ -39,7 +45,7 @@ TEST_F(ChosenLocationTest, ADotInAFolderCutsTheStorageFilesPath) {
     device().MakeFolder(L"\\Storage Card\\my.backup");
     OpenPage();
     ChooseNewWithoutDescription("\\Storage Card\\my.backup\\data");
-    EXPECT_TRUE(NameBecomes("data"));
+    EXPECT_TRUE(IsCreatedAs("data"));
     EXPECT_EQ("\\Storage Card\\my.backup\\", SettingText("StoragePath"));
     EXPECT_EQ(236u, device().FileBytes(L"\\Storage Card\\my.sav").size());
     EXPECT_EQ("", device().FileBytes(L"\\Storage Card\\my.backup\\data.jrn"));
@@ -72,19 +78,79 @@ TEST_F(ChosenLocationTest, ARefusedFolderOpensTheStorageThatTheSettingsNameOrNon
 }
 
 // Settings of more than 129 characters are written and not read back.
-TEST_F(ChosenLocationTest, ANameOrFolderThatIsTooLongLeavesNoStorageOpen) {
+TEST_F(ChosenLocationTest, ANameOrFolderThatIsTooLongIsRefusedAndTheOpenStorageStays) {
     const std::wstring folder = L"\\Storage Card\\" + std::wstring(120, L'f');
     device().MakeFolder(folder);
     OpenPage();
     const std::string longest(129, 'n');
+    ChooseNew(longest + "n");
+    ExpectRefused(kNameTooLong);
+    ChooseNew(std::string(folder.begin(), folder.end()) + "\\Home");
+    ExpectRefused(kNameTooLong);
     ChooseNewWithoutDescription(longest);
-    EXPECT_TRUE(NameBecomes(longest));
-    ChooseNewWithoutDescription(longest + "n");
-    ExpectNoneOpenFor(longest + "n");
-    ChooseNewWithoutDescription(std::string(folder.begin(), folder.end()) + "\\Home");
-    ExpectNoneOpenFor("Home");
-    ChooseFile("\\Storage Card\\Tolvenar\\Backup.jrn");
+    EXPECT_TRUE(IsCreatedAs(longest));
+}
+
+TEST_F(ChosenLocationTest, AnExistingPairOfATooLongNameIsRefusedBeforeTheOpenOneIsClosed) {
+    const std::string stem(130, 'n');
+    const std::wstring path = L"\\Storage Card\\Tolvenar\\" + std::wstring(130, L'n');
+    device().PutFile(path + L".sav", EmptyStorage());
+    device().PutFile(path + L".jrn", "");
+    OpenPage();
+    ChooseFile(stem + ".jrn");
+    ExpectRefused(kNameTooLong);
+    ShowTab("Restore");
+    EXPECT_EQ((Texts{"State 2", "State 1"}), Items(IDC_STATES));
+}
+
+TEST_F(ChosenLocationTest, ANameOfForbiddenCharactersIsRefused) {
+    OpenPage();
+    for (const char* name : {"a<b", "a:b", "a/b", "a.b|c"}) {
+        SCOPED_TRACE(name);
+        ChooseNew(name);
+        ExpectRefused(kNameForbidden);
+    }
+}
+
+TEST_F(ChosenLocationTest, ANewNameThatIsEmptyBeforeItsExtensionIsRefused) {
+    OpenPage();
+    ChooseNew(".jrn");
+    ExpectRefused(kNameEmpty);
+    EXPECT_FALSE(device().Exists(L"\\Storage Card\\Tolvenar\\.sav"));
+    EXPECT_FALSE(device().Exists(L"\\Storage Card\\Tolvenar\\.jrn"));
+}
+
+TEST_F(ChosenLocationTest, AnExistingPairOfAnEmptyNameIsOpened) {
+    const std::wstring path = L"\\Storage Card\\Tolvenar\\";
+    device().PutFile(path + L".sav", EmptyStorage(u"nameless"));
+    device().PutFile(path + L".jrn", "");
+    OpenPage();
+    ChooseFile(".jrn");
+    EXPECT_SOON_EQ("nameless", Text(IDC_STORAGE_DESCRIPTION));
+    EXPECT_EQ("", SettingText("StorageFile"));
+    ChooseFile("Backup.jrn");
     EXPECT_TRUE(NameBecomes("Backup"));
+    device().Remove(path + L".jrn");  // its storage file alone is a storage, too
+    ChooseNew(".jrn");
+    EXPECT_SOON_EQ("nameless", Text(IDC_STORAGE_DESCRIPTION));
+    EXPECT_EQ(0u, BoxCount());
+}
+
+// The platform's dialog refuses to open with a name that is none.
+TEST_F(ChosenLocationTest, ASettingThatIsNoNameKeepsNobodyFromChoosing) {
+    for (const char* value : {"a<b", "a:b", "sub/Home", "sub\\Home"}) {
+        SCOPED_TRACE(value);
+        SetText("StorageFile", value);
+        OpenPage();
+        ExpectNoneOpen();
+        Browse();
+        EXPECT_EQ("", Text(kOpenName));
+        Type(kOpenName, kCardFolder + "Backup.jrn");
+        Press(IDOK);
+        ExpectFirstOpen();
+        Keys("ctrl+q");
+        ExpectEnd();
+    }
 }
 
 }  // namespace

@@ -37,7 +37,10 @@ protected:
         return text;
     }
     void ExpectWithoutDescription(const std::wstring& ending) {
-        EXPECT_TRUE(NameBecomes("New" + std::string(ending.begin(), ending.end())));
+        EXPECT_TRUE(IsCreatedAs("New" + std::string(ending.begin(), ending.end())));
+        ExpectOpenWithoutDescription(ending);
+    }
+    void ExpectOpenWithoutDescription(const std::wstring& ending) {
         EXPECT_EQ(" ", Text(IDC_STORAGE_DESCRIPTION));
         ASSERT_EQ(236u, Storage(ending).size());
         EXPECT_EQ(std::string(8, '\0'), Storage(ending).substr(228));
@@ -72,7 +75,7 @@ TEST_F(DescriptionDialogTest, OffersTheDevicesTextAndTakesWhatIsTypedBelowIt) {
     EXPECT_SOON_EQ(text + "m\r\nn", Text(IDC_DESCRIPTION_TEXT));
     ExpectFocus("tab", IDOK);
     Keys("enter");
-    EXPECT_TRUE(NameBecomes("New"));
+    EXPECT_TRUE(IsCreatedAs("New"));
     EXPECT_EQ(text + "m\r\nn", Text(IDC_STORAGE_DESCRIPTION));
     EXPECT_EQ(text + "m\r\nn", Description(Storage()));
 }
@@ -82,7 +85,7 @@ TEST_F(DescriptionDialogTest, ANewNameBecomesAnEmptyStorageWithUpTo199Characters
     ChooseNewName("New");
     Type(IDC_DESCRIPTION_TEXT, "0123456789");
     AnswerDescription();
-    EXPECT_TRUE(NameBecomes("New"));
+    EXPECT_TRUE(IsCreatedAs("New"));
     EXPECT_EQ("0123456789", Text(IDC_STORAGE_DESCRIPTION));
     EXPECT_EQ("New", SettingText("StorageFile"));
     EXPECT_EQ(252u, Storage().size());
@@ -97,7 +100,7 @@ TEST_F(DescriptionDialogTest, ANewNameBecomesAnEmptyStorageWithUpTo199Characters
     ChooseNewName("New2");
     Type(IDC_DESCRIPTION_TEXT, std::string(250, 'd'));
     AnswerDescription();
-    EXPECT_TRUE(NameBecomes("New2"));
+    EXPECT_TRUE(IsCreatedAs("New2"));
     EXPECT_EQ(398u, DescriptionBytes(Storage(L"2")));
     EXPECT_EQ(std::string(199, 'd'), Description(Storage(L"2")));
     EXPECT_EQ(std::string(199, 'd'), Text(IDC_STORAGE_DESCRIPTION));
@@ -118,7 +121,7 @@ TEST_F(DescriptionDialogTest, CancelEscapeAndAnEmptyTextMakeAStorageWithoutADesc
     ChooseNewName("New4");
     Type(IDC_DESCRIPTION_TEXT, " ");
     AnswerDescription();
-    EXPECT_TRUE(NameBecomes("New4"));
+    EXPECT_TRUE(IsCreatedAs("New4"));
     EXPECT_EQ(" ", Description(Storage(L"4")));
 }
 
@@ -156,11 +159,42 @@ TEST_F(DescriptionDialogTest, AStorageThatCannotBeMadeLeavesNothingBehind) {
         EXPECT_SOON(!Shows(kOpenTitle) && DialogIsDone());
         ExpectNothingMade();
     }
-    ChooseNewName("New");
     device().Set("card.free", "0");
+    ChooseNewName("New");
     AnswerDescription();
     ExpectBox(kHeaderUnread);
     ExpectNothingMade();
+}
+
+TEST_F(DescriptionDialogTest, ItSaysWhatCancelMeans) {
+    OpenPage();
+    ChooseNewName("New");
+    EXPECT_EQ("Cancel makes a storage without one.", Text(IDC_DESCRIPTION_CANCEL_HINT));
+    AnswerDescription(IDCANCEL);
+    ExpectWithoutDescription(L"");
+}
+
+TEST_F(DescriptionDialogTest, ACardThatIsFullByThenTakesTheStorageWithoutTheDescription) {
+    OpenPage();
+    ChooseNewName("New");
+    device().Set("card.free", "0");
+    AnswerDescription();
+    ExpectWithoutDescription(L"");
+    EXPECT_EQ(0u, BoxCount());
+}
+
+// It would be told to be unreadable for ever otherwise.
+TEST_F(DescriptionDialogTest, AProgramThatIsEndedUnderItLeavesAStorage) {
+    OpenPage();
+    ChooseNewName("New");
+    Ask("kill all");
+    ExpectEnd();
+    ASSERT_EQ(236u, Storage().size());
+    OpenPage();
+    ChooseNew("New");
+    EXPECT_TRUE(NameBecomes("New"));
+    ExpectOpenWithoutDescription(L"");
+    EXPECT_EQ(0u, BoxCount());
 }
 
 // The lists belong to the operation: the storage is made, but another one stays open.

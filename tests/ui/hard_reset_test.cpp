@@ -29,6 +29,7 @@ TEST_F(HardResetTest, TheStorageBesideTheProgramBringsTheDeviceBack) {
     Ask("start \"" + kOnCard + "\"");
     ASSERT_SOON(Sees(IDC_TABS) && SelectedTab() == "Storage file");
     EXPECT_EQ("", Text(IDC_STORAGE_NAME));
+    EXPECT_EQ("\\Storage Card\\Storage\\", Text(IDC_STORAGE_SECOND_NOTE));
     // To choose a storage would not help a backup: the restore comes first.
     ShowTab("Backup");
     PressAndExpect(IDC_BACKUP, kNotInstalled);

@@ -65,6 +65,10 @@ protected:
         ExpectShown(kDescriptionTitle);
         Keys("tab enter");
         ExpectGone(kDescriptionTitle);
+        ExpectTab("Backup");
+        EXPECT_TRUE(FocusComesTo(IDC_NEW_DESCRIPTION));
+        Keys("ctrl+tab ctrl+tab ctrl+tab");
+        ExpectTab("Storage file");
         EXPECT_SOON_EQ("home", Text(IDC_STORAGE_NAME));
         ExpectDialogReady();
     }

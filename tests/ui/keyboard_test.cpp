@@ -72,8 +72,8 @@ TEST_F(KeyboardTest, TabGoesThroughEachPageAsItIsReadAndTheTabs) {
           IDC_TABS}},
         {"Storage file", {IDC_STORAGE_NAME, IDC_BROWSE, IDC_STORAGE_DESCRIPTION, IDC_TABS}},
         {"Options",
-         {IDC_ON_TIME, IDC_TIME, IDC_ON_BATTERY, IDC_ADVANCED_TREE, IDC_RESTORE_DATABASES,
-          IDC_DELETE_OLD_STORAGE, IDC_TABS}},
+         {IDC_ON_TIME, IDC_TIME, IDC_ON_BATTERY, IDC_SHOW_REMINDERS, IDC_ADVANCED_TREE,
+          IDC_RESTORE_DATABASES, IDC_DELETE_OLD_STORAGE, IDC_TABS}},
     };
     Open();
     for (const auto& page : kPages) {

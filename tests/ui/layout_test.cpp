@@ -95,18 +95,12 @@ protected:
         EXPECT_LE(size.cy, control.height) << Told(control);
     }
 
+    void ExpectPagesFit();
+
     Ruler ruler_;
 };
 
-TEST_P(LayoutTest, EveryPageFits) {
-    device().Set("screen.size", GetParam());
-    TakeFirstState();
-    Open();
-    const std::string size = GetParam();
-    const Area screen = {0, 0, std::stoi(size), std::stoi(size.substr(size.find('x') + 1))};
-    const Window dialog = AwaitWindow(
-        [](const Window& window) { return window.text == kMainTitle && window.visible; });
-    EXPECT_TRUE(IsWithin(AreaOf(dialog), screen)) << Told(dialog);
+void LayoutTest::ExpectPagesFit() {
     for (const char* tab :
          {"Backup", "Restore", "Advanced Restore", "Storage file", "Options", "About"}) {
         SCOPED_TRACE(tab);
@@ -122,6 +116,39 @@ TEST_P(LayoutTest, EveryPageFits) {
             }
         }
     }
+}
+
+TEST_P(LayoutTest, EveryPageFits) {
+    device().Set("screen.size", GetParam());
+    TakeFirstState();
+    Open();
+    const std::string size = GetParam();
+    const Area screen = {0, 0, std::stoi(size), std::stoi(size.substr(size.find('x') + 1))};
+    const Window dialog = AwaitWindow(
+        [](const Window& window) { return window.text == kMainTitle && window.visible; });
+    EXPECT_TRUE(IsWithin(AreaOf(dialog), screen)) << Told(dialog);
+    ExpectPagesFit();
+}
+
+// The lines of the pages say more of a storage that is not on a card, and with a schedule.
+TEST_P(LayoutTest, EveryPageFitsWithAStorageInTheDevicesMemory) {
+    device().Set("screen.size", GetParam());
+    SetText("StoragePath", "\\My Documents\\");
+    SetDword("onTime", 1);
+    SetDword("WakeUpTime", 0x002D0015);
+    SetDword("Reminders", 0);
+    BackUp();
+    Open();
+    ExpectPagesFit();
+}
+
+TEST_P(LayoutTest, EveryPageFitsOnABareDevice) {
+    device().Set("screen.size", GetParam());
+    RemoveInstallation();
+    DeleteSetting("StoragePath");
+    DeleteSetting("StorageFile");
+    Open();
+    ExpectPagesFit();
 }
 
 INSTANTIATE_TEST_SUITE_P(Screens, LayoutTest, ::testing::Values("640x480", "640x240"));

@@ -74,7 +74,7 @@ TEST_F(OperationsTest, TheDescriptionIsKeptWhenNothingWasWritten) {
 TEST_F(OperationsTest, TheBackupPageSaysWhatTheStorageHolds) {
     device().Set("card.free", "3145728");
     Open();
-    EXPECT_EQ("Backup", Text(IDC_BACKUP_STORAGE));
+    EXPECT_EQ("\\Storage Card\\Tolvenar\\Backup.sav", Text(IDC_BACKUP_STORAGE));
     EXPECT_EQ(0u, Text(IDC_LAST_STATE).find("State 1, 11/16/26, "));
     EXPECT_EQ("3.0 Mb", Text(IDC_CARD_FREE));
 }

@@ -12,7 +12,7 @@ struct Switch {
 constexpr Switch kSwitches[] = {
     {IDC_ON_TIME, "onTime", "every &day at"},
     {IDC_ON_BATTERY, "onBattery", "at &battery low"},
-    {IDC_ADVANCED_TREE, "AdvancedTreeView", "Ad&vanced difference tree"},
+    {IDC_ADVANCED_TREE, "AdvancedTreeView", "&Advanced difference tree"},
     {IDC_RESTORE_DATABASES, "AdvancedDBRestoring", "Databases in advanced &restore"},
     {IDC_DELETE_OLD_STORAGE, "MayDeleteOldStorage", "Delete &old storage on a full card"},
 };
@@ -232,8 +232,9 @@ TEST_F(OptionsPageTest, WithoutAnInstallationNothingCanBeChanged) {
         EXPECT_FALSE(AnyControl(row.id).enabled) << row.setting;
     }
     EXPECT_FALSE(AnyControl(IDC_TIME).enabled);
+    EXPECT_FALSE(AnyControl(IDC_SHOW_REMINDERS).enabled);
     EXPECT_FALSE(AnyControl(IDC_AUTOMATIC_OFF_HINT).enabled);
-    for (const char* keys : {"alt+d", "alt+b", "alt+v", "alt+r", "alt+o", "ctrl+q"}) {
+    for (const char* keys : {"alt+d", "alt+b", "alt+a", "alt+m", "alt+r", "alt+o", "ctrl+q"}) {
         Keys(keys);
     }
     ExpectEnd();
@@ -249,6 +250,72 @@ TEST_F(OptionsPageTest, ASettingThatCannotBeWrittenIsPassedOver) {
     EXPECT_SOON_EQ(1u, Dword("onTime"));
     EXPECT_NE(1u, Dword("onBattery").value_or(0));
     EXPECT_EQ(0u, BoxCount());
+}
+
+// The clock of the device stands at 9 o'clock of November 16.
+TEST_F(OptionsPageTest, TheNextBackupIsTheRegisteredOne) {
+    SetDword("WakeUpTime", 0x001E0007);
+    SetDword("onTime", 1);
+    OpenOptions();
+    EXPECT_FALSE(Sees(IDC_AUTOMATIC_OFF_HINT));
+    EXPECT_SOON_EQ("Next backup: not registered yet", Text(IDC_NEXT_BACKUP));
+    Keys("ctrl+q");  // registers it
+    ExpectEnd();
+    SetDword("WakeUpTime", 0x002D0015);  // another program's: nothing is registered for it yet
+    OpenOptions();
+    EXPECT_SOON_EQ("Next backup: 11/17/26 7:30 AM", Text(IDC_NEXT_BACKUP));
+    Press(IDC_ON_TIME);
+    EXPECT_SOON(!Sees(IDC_NEXT_BACKUP));
+}
+
+TEST_F(OptionsPageTest, AChangeShowsTheNextBackupWhenItIsApplied) {
+    SetDword("WakeUpTime", 0x001E0015);
+    Ask("set sleep.scale 4");
+    OpenOptions();
+    EXPECT_FALSE(Sees(IDC_NEXT_BACKUP));
+    Press(IDC_ON_TIME);
+    EXPECT_SOON_EQ("Next backup: 11/16/26 9:30 PM", Text(IDC_NEXT_BACKUP));
+}
+
+// A time that has passed starts nothing any more.
+TEST_F(OptionsPageTest, ARegistrationThatHasPassedIsNone) {
+    SetDword("WakeUpTime", 0x001E0007);
+    SetDword("onTime", 1);
+    OpenOptions();
+    Keys("ctrl+q");
+    ExpectEnd();
+    Ask("set clock 2026-11-19T12:00:00Z");
+    OpenOptions();
+    EXPECT_SOON_EQ("Next backup: not registered yet", Text(IDC_NEXT_BACKUP));
+}
+
+TEST_F(OptionsPageTest, WithTheBatteryAloneTheNextBackupHasNoTime) {
+    SetDword("onBattery", 1);
+    OpenOptions();
+    EXPECT_SOON_EQ("Next backup: at battery low", Text(IDC_NEXT_BACKUP));
+}
+
+TEST_F(OptionsPageTest, TheButtonBringsTheRemindersBack) {
+    SetDword("Reminders", 2);
+    OpenOptions();
+    EXPECT_EQ("Some are hidden.", Text(IDC_REMINDERS_HINT));
+    Keys("alt+m");
+    EXPECT_SOON_EQ(14u, Dword("Reminders"));
+    EXPECT_SOON_EQ("All are shown.", Text(IDC_REMINDERS_HINT));
+}
+
+// Without the value all are shown; nothing is written before the button is pressed.
+TEST_F(OptionsPageTest, WithoutTheSettingAllRemindersAreShown) {
+    OpenOptions();
+    EXPECT_EQ("All are shown.", Text(IDC_REMINDERS_HINT));
+    EXPECT_FALSE(Dword("Reminders").has_value());
+}
+
+TEST_F(OptionsPageTest, EachLineSaysWhatItsSwitchMeans) {
+    OpenOptions();
+    EXPECT_EQ("Shows databases, keys, files in full.", Text(IDC_ADVANCED_TREE_HINT));
+    EXPECT_EQ("+ and -- restore databases, too.", Text(IDC_RESTORE_DATABASES_HINT));
+    EXPECT_EQ("Close Tolvenar to use a new time.", Text(IDC_NEW_TIME_HINT));
 }
 
 // Another program may write settings as well: the page reads them when the dialog comes forward.

@@ -8,6 +8,13 @@ namespace {
 constexpr LONG kReadOnlyStyle = 0x0800;
 constexpr unsigned kLimitMs = 10000;
 
+const std::string kBrowseEffect = "Browse opens another storage file or makes a new one.";
+const std::string kLostByReset =
+    "In the device's own memory, not on a card: a hard reset takes it.";
+const std::string kProtectedPair = "Write-protected: states can be restored, none can be added.";
+const std::string kFixedFolder =
+    "Without an installation both files (.sav and .jrn) must lie in this folder:";
+
 class StoragePageTest : public StorageUiTest {
 protected:
     void SetUp() override {
@@ -48,6 +55,52 @@ TEST_F(StoragePageTest, WithoutSettingsAllIsEmptyAndSoIsTheOpenDialog) {
     EXPECT_SOON_EQ("\\", Text(kOpenFolder));
     Press(IDCANCEL);
     ExpectNoneOpen();
+}
+
+TEST_F(StoragePageTest, AStorageOnTheCardHasNothingToWarnOf) {
+    OpenPage();
+    EXPECT_EQ(kBrowseEffect, Text(IDC_STORAGE_NOTE));
+    EXPECT_EQ("", Text(IDC_STORAGE_SECOND_NOTE));
+}
+
+TEST_F(StoragePageTest, AStorageInTheDevicesMemoryReadsThatAHardResetTakesIt) {
+    device().PutFile(L"\\My Documents\\Mine.sav", EmptyStorage());
+    device().PutFile(L"\\My Documents\\Mine.jrn", "");
+    OpenPage();
+    ChooseFile("\\My Documents\\Mine.jrn");
+    ASSERT_TRUE(NameBecomes("Mine"));
+    EXPECT_SOON_EQ(kLostByReset, Text(IDC_STORAGE_NOTE));
+    EXPECT_EQ(kBrowseEffect, Text(IDC_STORAGE_SECOND_NOTE));
+    EXPECT_EQ(0u, BoxCount());
+    ChooseFile(kCardFolder + "Other.jrn");
+    EXPECT_SOON_EQ(kBrowseEffect, Text(IDC_STORAGE_NOTE));
+}
+
+TEST_F(StoragePageTest, AWriteProtectedPairReadsThatItIs) {
+    for (const std::wstring& file : {kOtherStorage, kOtherJournal}) {
+        device().SetAttributes(file, FILE_ATTRIBUTE_READONLY);
+        OpenPage();
+        ChooseOther();
+        EXPECT_SOON_EQ(kProtectedPair, Text(IDC_STORAGE_NOTE));
+        Keys("ctrl+q");
+        ExpectEnd();
+        device().SetAttributes(file, FILE_ATTRIBUTE_NORMAL);
+    }
+}
+
+TEST_F(StoragePageTest, OnABareDeviceItNamesTheFolderThatWorks) {
+    DeleteSetting("StoragePath");
+    DeleteSetting("StorageFile");
+    Open();
+    EXPECT_EQ(kFixedFolder, Text(IDC_STORAGE_NOTE));
+    EXPECT_EQ("\\Program Files\\Tolvenar\\Storage\\", Text(IDC_STORAGE_SECOND_NOTE));
+    // The folder of one that is open stands above.
+    device().PutFile(L"\\Program Files\\Tolvenar\\Storage\\Home.sav", EmptyStorage());
+    device().PutFile(L"\\Program Files\\Tolvenar\\Storage\\Home.jrn", "");
+    ChooseFile("\\Program Files\\Tolvenar\\Storage\\Home.jrn");
+    ASSERT_TRUE(NameBecomes("Home"));
+    EXPECT_SOON_EQ(kLostByReset, Text(IDC_STORAGE_SECOND_NOTE));
+    EXPECT_EQ(kFixedFolder, Text(IDC_STORAGE_NOTE));
 }
 
 // The list keeps copies of its own of the old storage's records, which are freed.

@@ -73,6 +73,12 @@ bool StorageUiTest::NameBecomes(const std::string& text) {
     return Eventually([&] { return Text(IDC_STORAGE_NAME) == text; }) && DialogIsDone();
 }
 
+bool StorageUiTest::IsCreatedAs(const std::string& text) {
+    ExpectTab("Backup");
+    ShowTab("Storage file");
+    return NameBecomes(text);
+}
+
 void StorageUiTest::ExpectNoneOpen() {
     EXPECT_TRUE(NameBecomes(""));
     EXPECT_EQ("", Text(IDC_STORAGE_DESCRIPTION));

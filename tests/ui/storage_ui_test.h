@@ -24,6 +24,8 @@ protected:
     void AnswerDescription(int button = IDOK);
     // The page shows that name and the choosing is over.
     bool NameBecomes(const std::string& text);
+    // The Backup page comes up for a storage that was made; this page shows that name then.
+    bool IsCreatedAs(const std::string& text);
     // The page shows that no storage is open.
     void ExpectNoneOpen();
     // The page shows the first storage and the settings name it.

@@ -205,6 +205,12 @@ TEST_F(StorageFilesTest, WithoutAnInstallationOnlyTheStemIsKept) {
     EXPECT_NE(Text(u"\\Storage Card\\Other"), Path());
 }
 
+TEST_F(StorageFilesTest, TheFolderIsFixedUntilAnInstallationHasMadeItsSetting) {
+    EXPECT_FALSE(StorageFolderIsFixed());
+    DeleteSetting(L"StoragePath");
+    EXPECT_TRUE(StorageFolderIsFixed());
+}
+
 TEST_F(StorageFilesTest, APathThatIsTooLongChangesNothing) {
     SaveLocation((u"\\Card\\" + Text(260, u's') + u".jrn").c_str());
     EXPECT_EQ(Text(u"\\Backups\\Home"), Path());

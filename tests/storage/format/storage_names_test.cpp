@@ -101,5 +101,42 @@ TEST(StorageLocationLengthTest, APathThatDoesNotFitIsRefused) {
     EXPECT_EQ(Text(), location.stem);
 }
 
+struct FaultRow {
+    Text chosen;
+    NameFault fault;
+};
+
+class NameFaultTest : public testing::TestWithParam<FaultRow> {};
+
+TEST_P(NameFaultTest, TellsWhyAChosenNameIsNone) {
+    EXPECT_EQ(GetParam().fault, JudgeStorageName(GetParam().chosen.c_str()));
+}
+
+// The limits are those of the settings: 129 units of the folder with its backslash, 129 of the
+// stem.
+INSTANTIATE_TEST_SUITE_P(
+    Rows, NameFaultTest,
+    testing::Values(FaultRow{u"\\Card\\Home.jrn", NameFault::kNone},
+                    FaultRow{u"\\Card\\a b.c d.jrn", NameFault::kNone},
+                    FaultRow{u"\\" + Text(127, u'f') + u"\\" + Text(126, u's'), NameFault::kNone},
+                    FaultRow{u"\\" + Text(128, u'f') + u"\\Home.jrn", NameFault::kTooLong},
+                    FaultRow{u"\\Card\\" + Text(129, u's') + u".jrn", NameFault::kNone},
+                    FaultRow{u"\\Card\\" + Text(130, u's') + u".jrn", NameFault::kTooLong},
+                    FaultRow{u"\\Card\\" + Text(254, u's'), NameFault::kTooLong},
+                    FaultRow{u"\\Card\\.jrn", NameFault::kEmpty},
+                    FaultRow{u"\\Card\\", NameFault::kEmpty},
+                    FaultRow{u"\\Card\\..jrn", NameFault::kEmpty},
+                    FaultRow{u"\\Card\\a<.jrn", NameFault::kForbidden},
+                    FaultRow{u"\\Card\\a>.jrn", NameFault::kForbidden},
+                    FaultRow{u"\\Card\\a:.jrn", NameFault::kForbidden},
+                    FaultRow{u"\\Card\\a\".jrn", NameFault::kForbidden},
+                    FaultRow{u"\\Card\\a|.jrn", NameFault::kForbidden},
+                    FaultRow{u"\\Card\\a/b.jrn", NameFault::kForbidden},
+                    FaultRow{u"\\Card\\a*.jrn", NameFault::kForbidden},
+                    FaultRow{u"\\Card\\a?.jrn", NameFault::kForbidden},
+                    FaultRow{u"\\Card\\a\tb.jrn", NameFault::kForbidden},
+                    FaultRow{u"\\Card\\a.b<.jrn", NameFault::kForbidden},
+                    FaultRow{u"\\Card\\<.jrn", NameFault::kForbidden}));
+
 }  // namespace
 }  // namespace tolvenar

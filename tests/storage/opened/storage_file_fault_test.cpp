@@ -14,12 +14,32 @@ TEST_F(StorageFileFaultTest, AFailedWriteIsFoundAtTheNextOpen) {
     EXPECT_FALSE(storage_.header);
 }
 
-TEST_F(StorageFileFaultTest, ADescriptionThatCannotBeWrittenIsFoundAtTheNextOpen) {
+TEST_F(StorageFileFaultTest, ADescriptionThatCannotBeWrittenIsNone) {
     ScriptedPrompt prompt(true, u"text");
     Fail("WriteFile", 2, ERROR_DISK_FULL);
-    EXPECT_TRUE(CreateStorage(kSav, &prompt));
-    EXPECT_EQ(232u, Content(kSav).size());
-    EXPECT_EQ(OpenStorageResult::kHeaderUnreadable, Open());
+    const auto header = CreateStorage(kSav, &prompt);
+    ASSERT_TRUE(header);
+    EXPECT_EQ(0u, header->descriptionBytes);
+    EXPECT_EQ(236u, Content(kSav).size());
+    ASSERT_EQ(OpenStorageResult::kOpened, Open());
+    EXPECT_EQ(Text(), storage_.header->description);
+}
+
+TEST_F(StorageFileFaultTest, ADescriptionThatIsWrittenHalfIsNone) {
+    ScriptedPrompt prompt(true, Text(100, u'd'));
+    device().Short("WriteFile", 2);
+    ASSERT_TRUE(CreateStorage(kSav, &prompt));
+    EXPECT_EQ(236u, Content(kSav).size());
+    EXPECT_EQ(OpenStorageResult::kOpened, Open());
+    EXPECT_EQ(0u, storage_.header->descriptionBytes);
+}
+
+TEST_F(StorageFileFaultTest, AHeadThatCameToNothingComesWithTheDescription) {
+    ScriptedPrompt prompt(true, u"text");
+    Fail("WriteFile", 1, ERROR_DISK_FULL);
+    ASSERT_TRUE(CreateStorage(kSav, &prompt));
+    EXPECT_EQ(OpenStorageResult::kOpened, Open());
+    EXPECT_EQ(Text(u"text"), storage_.header->description);
 }
 
 TEST_F(StorageFileFaultTest, AHeadThatCannotBeReadIsNotOpened) {

@@ -71,6 +71,31 @@ TEST_F(StorageFileTest, ADescriptionOfTenUnitsMakesAHeadOf252Bytes) {
     EXPECT_EQ(0, std::memcmp(header.get(), read.get(), sizeof *read));
 }
 
+// The program may be ended under the question, or the battery be empty.
+TEST_F(StorageFileTest, AWholeHeadIsOnTheCardBeforeTheDescriptionIsAsked) {
+    class LookingPrompt final : public DescriptionPrompt {
+    public:
+        explicit LookingPrompt(tests::TestDevice& device) : device_(device) {}
+        bool AskDescription(const char16_t*, char16_t (&)[kMaxDescriptionUnits],
+                            std::size_t&) override {
+            size = device_.Info(Wide(kSav)).size;
+            flushes = device_.Calls("FlushFileBuffers");
+            return false;
+        }
+        std::uint64_t size = 0;
+        long flushes = 0;
+
+    private:
+        tests::TestDevice& device_;
+    };
+    LookingPrompt prompt(device());
+    const long flushes = device().Calls("FlushFileBuffers");
+    ASSERT_TRUE(CreateStorage(kSav, &prompt));
+    EXPECT_EQ(236u, prompt.size);
+    EXPECT_EQ(Head(), Content(kSav));
+    EXPECT_EQ(flushes + 1, prompt.flushes);
+}
+
 TEST_F(StorageFileTest, ADescriptionOfOneUnitCanBeOpened) {
     ScriptedPrompt prompt(true, u"x");
     ASSERT_TRUE(CreateStorage(kSav, &prompt));

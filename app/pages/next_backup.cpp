@@ -1,0 +1,64 @@
+#include "app/pages/next_backup.h"
+
+#include "autobackup/notification_reader.h"
+#include "autobackup/notification_scheduler.h"
+#include "autobackup/notification_table.h"
+#include "platform/resource_text.h"
+#include "res/resource.h"
+
+namespace tolvenar {
+namespace {
+
+constexpr int kPartUnits = 64;
+
+// A start that has passed belongs to a schedule that was not moved on.
+bool IsAhead(const SYSTEMTIME& start) {
+    SYSTEMTIME now;
+    FILETIME start_time;
+    FILETIME now_time;
+    ::GetLocalTime(&now);
+    return ::SystemTimeToFileTime(&start, &start_time) && ::SystemTimeToFileTime(&now, &now_time) &&
+           ::CompareFileTime(&start_time, &now_time) > 0;
+}
+
+bool ReadRegisteredStart(SYSTEMTIME& start) {
+    CE_NOTIFICATION_TRIGGER daily{};
+    daily.dwType = CNT_TIME;
+    daily.dwEvent = NOTIFICATION_EVENT_NONE;
+    daily.lpszApplication = const_cast<wchar_t*>(kAgentProgram);
+    daily.lpszArguments = const_cast<wchar_t*>(kRunAtTime);
+    const HANDLE notification = FindNotification(daily);
+    NotificationReader reader;
+    const CE_NOTIFICATION_INFO_HEADER* const record =
+        notification != nullptr ? reader.Read(notification) : nullptr;
+    if (record == nullptr) {
+        return false;
+    }
+    start = record->pcent->stStartTime;
+    return IsAhead(start);
+}
+
+void FormatStart(const Application& app, const SYSTEMTIME& start,
+                 wchar_t (&line)[kNextBackupUnits]) {
+    wchar_t date[kPartUnits] = L"";
+    wchar_t time[kPartUnits] = L"";
+    ::GetDateFormatW(LOCALE_USER_DEFAULT, DATE_SHORTDATE, &start, nullptr, date, kPartUnits);
+    ::GetTimeFormatW(LOCALE_USER_DEFAULT, TIME_NOSECONDS, &start, nullptr, time, kPartUnits);
+    ::wsprintfW(line, ResourceText(app.instance, IDS_NEXT_BACKUP), date, time);
+}
+
+}  // namespace
+
+// The battery's check is registered as a daily time, too (docs/oddities.md, 82).
+void FormatNextBackup(const Application& app, wchar_t (&line)[kNextBackupUnits]) {
+    SYSTEMTIME start{};
+    if (app.settings.onTime == 0) {
+        ::wcscpy(line, ResourceText(app.instance, IDS_NEXT_ON_BATTERY));
+    } else if (ReadRegisteredStart(start)) {
+        FormatStart(app, start, line);
+    } else {
+        ::wcscpy(line, ResourceText(app.instance, IDS_NEXT_NONE));
+    }
+}
+
+}  // namespace tolvenar
