@@ -68,6 +68,10 @@
 #define IDC_LAST_STATE 1105
 #define IDC_CARD_FREE_LABEL 1106
 #define IDC_CARD_FREE 1107
+#define IDC_LAST_AUTOMATIC_LABEL 1160
+#define IDC_LAST_AUTOMATIC 1161
+// On every page.
+#define IDC_PAGE_HELP 1162
 #define IDC_BACKUP_EFFECT 1253
 
 #define IDD_MAIN 107
@@ -154,6 +158,7 @@
 #define IDS_AUTOMATIC_NO_STORAGE 119
 #define IDS_AUTOMATIC_NEVER 120
 #define IDS_UNSAVED 121
+#define IDS_STORAGE_AWAY 122
 
 // What the pages of storage, backup and options tell.
 #define IDS_NAME_TOO_LONG 300

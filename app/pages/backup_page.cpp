@@ -1,7 +1,9 @@
 #include "app/pages/backup_page.h"
 
+#include "app/operations/backup_history.h"
 #include "app/operations/confirmation.h"
 #include "app/operations/window_messages.h"
+#include "app/settings/own_values.h"
 #include "platform/resource_text.h"
 #include "platform/text.h"
 #include "snapshot/compare/states.h"
@@ -27,6 +29,25 @@ bool IsBlank(const wchar_t* text) {
 
 void BackupPage::OnInit() {
     ::SendMessageW(Control(IDC_NEW_DESCRIPTION), EM_LIMITTEXT, kDescriptionLimit, 0);
+    TakeKeptDescription();
+}
+
+// What the user had typed when another copy took over.
+void BackupPage::TakeKeptDescription() {
+    char16_t text[kDescriptionUnits];
+    if (ReadText(HKEY_CURRENT_USER, kSettingsKey, own_value::kDescription, text, kDescriptionUnits,
+                 sizeof text)) {
+        ::SetWindowTextW(Control(IDC_NEW_DESCRIPTION), Wide(text));
+        DeleteOwnValue(own_value::kDescription);
+    }
+}
+
+void BackupPage::OnTakenOver() {
+    char16_t text[kDescriptionUnits];
+    ReadDescription(text);
+    if (text[0] != 0) {
+        WriteSettingText(own_value::kDescription, text);
+    }
 }
 
 void BackupPage::OnShow(int) { OnStorageChanged(); }
@@ -37,6 +58,7 @@ void BackupPage::OnStorageChanged() {
     }
     ShowStorage();
     ShowLastState();
+    ShowLastAutomatic();
     ShowFreeSpace();
     ShowEffect();
 }
@@ -49,15 +71,41 @@ void BackupPage::ShowStorage() {
 }
 
 void BackupPage::ShowLastState() {
-    wchar_t text[kDateTimeTextUnits + 32] = L"-";
+    wchar_t text[kDateTimeTextUnits + kResourceTextUnits] = L"-";
     const ObjectRecord* last = FindLastState(app_.storage.journal.get());
     StateDetails details;
     if (last != nullptr) {
         ReadStateDetails(app_.storage.names, *last, details);
         ::wsprintfW(text, details.time[0] != 0 ? L"State %i, %s" : L"State %i", last->state_number,
                     Wide(details.time));
+        AddUnsaved(last->state_number, text);
     }
     ::SetWindowTextW(Control(IDC_LAST_STATE), text);
+}
+
+// A state that lacks something must not look as one that has all.
+void BackupPage::AddUnsaved(std::uint16_t state,
+                            wchar_t (&text)[kDateTimeTextUnits + kResourceTextUnits]) {
+    const std::uint32_t unsaved = ReadUnsaved(app_.storage.names, state);
+    if (unsaved == 0) {
+        return;
+    }
+    wchar_t state_text[kDateTimeTextUnits + kResourceTextUnits];
+    ::wcscpy(state_text, text);
+    ::wsprintfW(text, ResourceText(app_.instance, IDS_UNSAVED), state_text, unsaved);
+}
+
+void BackupPage::ShowLastAutomatic() {
+    AutomaticBackup last{};
+    char16_t ended[kDateTimeTextUnits];
+    if (!ReadAutomaticBackup(last) || FormatFileTimeText(last.ended, ended, LOCALE_SSHORTDATE) == 0) {
+        ::SetWindowTextW(Control(IDC_LAST_AUTOMATIC),
+                         ResourceText(app_.instance, IDS_AUTOMATIC_NEVER));
+        return;
+    }
+    wchar_t text[kDateTimeTextUnits + kResourceTextUnits];
+    ::wsprintfW(text, ResourceText(app_.instance, TextOfAutomaticBackup(last.code)), Wide(ended));
+    ::SetWindowTextW(Control(IDC_LAST_AUTOMATIC), text);
 }
 
 void BackupPage::ShowFreeSpace() {

@@ -2,7 +2,9 @@
 #pragma once
 
 #include "app/pages/page.h"
+#include "platform/resource_text.h"
 #include "res/resource.h"
+#include "storage/log/date_text.h"
 
 namespace tolvenar {
 
@@ -13,6 +15,7 @@ public:
     int DefaultButton() const override { return IDC_BACKUP; }
     void OnShow(int index) override;
     void OnActivated() override { OnStorageChanged(); }
+    void OnTakenOver() override;
     void OnStorageChanged() override;
 
 private:
@@ -25,6 +28,9 @@ private:
     void ReadDescription(char16_t* buffer) const;
     void ShowStorage();
     void ShowLastState();
+    void AddUnsaved(std::uint16_t state, wchar_t (&text)[kDateTimeTextUnits + kResourceTextUnits]);
+    void ShowLastAutomatic();
+    void TakeKeptDescription();
     void ShowFreeSpace();
     UINT EffectText() const;
     void ShowEffect();

@@ -3,6 +3,7 @@
 #include "app/operations/messages.h"
 #include "app/operations/storage_search.h"
 #include "app/operations/window_messages.h"
+#include "res/resource.h"
 
 namespace tolvenar {
 
@@ -47,6 +48,15 @@ Refusal Page::LookAgain(Wish wish) {
                                                                  : Refusal::kNoStorage;
 }
 
+// Every page has a button for its help: there may be no keyboard.
+INT_PTR Page::OnPageCommand(WPARAM wparam) {
+    if (LOWORD(wparam) == IDC_PAGE_HELP && HIWORD(wparam) == BN_CLICKED) {
+        ::SendMessageW(::GetParent(window()), WM_COMMAND, IDM_HELP_PAGE, 0);
+        return TRUE;
+    }
+    return OnCommand(LOWORD(wparam), HIWORD(wparam)) ? TRUE : FALSE;
+}
+
 // Tab in an edit control of several lines asks its own dialog for the next control, which knows
 // this page only; the round goes on through the tabs.
 INT_PTR Page::OnNextControl(WPARAM wparam, LPARAM lparam) {
@@ -63,7 +73,7 @@ INT_PTR Page::OnDefaultButton() {
 INT_PTR Page::Dispatch(UINT message, WPARAM wparam, LPARAM lparam) {
     switch (message) {
         case WM_INITDIALOG: OnInit(); return TRUE;
-        case WM_COMMAND: return OnCommand(LOWORD(wparam), HIWORD(wparam)) ? TRUE : FALSE;
+        case WM_COMMAND: return OnPageCommand(wparam);
         case WM_NEXTDLGCTL: return OnNextControl(wparam, lparam);
         case DM_GETDEFID: return OnDefaultButton();
         // Escape in an edit control of several lines closes its dialog otherwise.

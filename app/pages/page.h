@@ -74,6 +74,7 @@ protected:
 private:
     Refusal LookAgain(Wish wish);
     INT_PTR Dispatch(UINT message, WPARAM wparam, LPARAM lparam) final;
+    INT_PTR OnPageCommand(WPARAM wparam);
     INT_PTR OnNextControl(WPARAM wparam, LPARAM lparam);
     INT_PTR OnDefaultButton();
 

@@ -1,8 +1,10 @@
 #include "app/pages/storage_page.h"
 
 #include "app/pages/storage_notes.h"
+#include "platform/resource_text.h"
 #include "platform/text.h"
 #include "storage/format/storage_names.h"
+#include "storage/opened/storage_file.h"
 
 namespace tolvenar {
 namespace {
@@ -38,13 +40,28 @@ void StoragePage::ShowName() {
 
 // Without a storage its place tells what to do.
 void StoragePage::ShowFolder() {
+    ::ShowWindow(Control(IDC_STORAGE_FOLDER_LABEL), IsOpen(app_) ? SW_SHOW : SW_HIDE);
+    if (!IsOpen(app_)) {
+        ShowWhatToDo();
+        return;
+    }
     wchar_t folder[kStoragePathUnits];
     ::wcscpy(folder, Wide(app_.storage.names.path));
     if (wchar_t* backslash = ::wcsrchr(folder, L'\\')) {
         backslash[1] = 0;
     }
-    ::SetWindowTextW(Control(IDC_STORAGE_FOLDER), IsOpen(app_) ? folder : kNoStorage);
-    ::ShowWindow(Control(IDC_STORAGE_FOLDER_LABEL), IsOpen(app_) ? SW_SHOW : SW_HIDE);
+    ::SetWindowTextW(Control(IDC_STORAGE_FOLDER), folder);
+}
+
+// A storage that is chosen and not there is named: its card may be out.
+void StoragePage::ShowWhatToDo() {
+    const char16_t* sav = app_.storage.names.sav;
+    wchar_t text[kStorageNameUnits + kResourceTextUnits];
+    ::wcscpy(text, kNoStorage);
+    if (sav[0] != 0 && IsReallyAbsent(sav)) {
+        ::wsprintfW(text, ResourceText(app_.instance, IDS_STORAGE_AWAY), Wide(sav));
+    }
+    ::SetWindowTextW(Control(IDC_STORAGE_FOLDER), text);
 }
 
 // A storage without a description shows a single blank (docs/oddities.md, 25).
@@ -66,15 +83,15 @@ void StoragePage::ShowNotes() {
 
 // The messages on the way have no owner and leave the button enabled.
 void StoragePage::Browse() {
-    if (is_browsing_ || app_.gate.IsOccupied()) {
+    if (app_.search.is_held || app_.gate.IsOccupied()) {
         return;
     }
-    is_browsing_ = true;
+    app_.search.is_held = true;
     const BrowseResult result = BrowseForStorage(app_, window(), *this);
     if (result != BrowseResult::kUnchanged) {
         frame_.StorageChanged();
     }
-    is_browsing_ = false;
+    app_.search.is_held = false;
     // A backup is what a new storage is made for.
     if (result == BrowseResult::kCreated) {
         frame_.SelectPage(kBackupPage);

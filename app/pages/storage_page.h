@@ -20,11 +20,10 @@ private:
     void ShowOpenedStorage() override;
     void ShowName();
     void ShowFolder();
+    void ShowWhatToDo();
     void ShowDescription();
     void ShowNotes();
     void Browse();
-
-    bool is_browsing_ = false;
 };
 
 }  // namespace tolvenar
