@@ -142,5 +142,43 @@ TEST_F(BackupPageTest, ARefusedReminderKeepsTheDescription) {
     EXPECT_EQ(Numbers{1}, States());
 }
 
+TEST_F(BackupPageTest, TheLastAutomaticBackupIsTold) {
+    Open();
+    EXPECT_EQ("none yet", Text(IDC_LAST_AUTOMATIC));
+    Keys("alt+x");
+    ExpectEnd();
+    BackUp();
+    Open();
+    // The clock of the device, by its locale.
+    EXPECT_EQ("11/16/26, 9:0", Text(IDC_LAST_AUTOMATIC).substr(0, 13));
+    EXPECT_NE(std::string::npos, Text(IDC_LAST_AUTOMATIC).find(" AM: saved"));
+    Keys("alt+x");
+    ExpectEnd();
+    device().PutFile(kNote, "hello");
+    device().Set("card.free", "1000");
+    BackUp();
+    Open();
+    EXPECT_NE(std::string::npos, Text(IDC_LAST_AUTOMATIC).find(" AM: FAILED, not enough room"));
+}
+
+TEST_F(BackupPageTest, WhatTheLastBackupCouldNotSaveIsTold) {
+    device().PutFile(kNote, "hello");
+    BackUp();
+    device().PutFile(L"\\My Documents\\b.txt", "held");
+    {
+        const auto lock = device().Lock(kNote);
+        const auto other = device().Lock(L"\\My Documents\\b.txt");
+        device().PutFile(L"\\My Documents\\c.txt", "a change");
+        BackUp();
+    }
+    Open();
+    EXPECT_NE(std::string::npos, Text(IDC_LAST_STATE).find(", 2 not saved (see the log)"));
+    Keys("alt+x");
+    ExpectEnd();
+    BackUp();
+    Open();
+    EXPECT_EQ(std::string::npos, Text(IDC_LAST_STATE).find("not saved"));
+}
+
 }  // namespace
 }  // namespace tests

@@ -45,6 +45,25 @@ TEST_F(HelpTest, EachPageHasItsHelp) {
     }
 }
 
+TEST_F(HelpTest, EachPageHasAButtonForItsHelp) {
+    OpenWithoutViewer();
+    const struct {
+        const char* tab;
+        const char* argument;
+    } kPages[] = {
+        {"Backup", "tolvenar_all.htp#tolvenar_manual_backup"},
+        {"Storage file", "tolvenar_all.htp#tolvenar_option_storage"},
+        {"Options", "tolvenar_all.htp#tolvenar_options_content"},
+        {"About", "tolvenar.htc"},
+    };
+    for (const auto& page : kPages) {
+        ShowTab(page.tab);
+        Ask("trace on");
+        Press(IDC_PAGE_HELP);
+        ExpectHelp(page.argument);
+    }
+}
+
 TEST_F(HelpTest, ATapOnTheQuestionMarkOfTheCaptionOpensTheContents) {
     OpenWithoutViewer();
     ASSERT_SOON(IsActive(kMainTitle));

@@ -107,5 +107,25 @@ TEST_F(TakeOverTest, UnderThePopupTheFirstCopyComesForwardAndEndsItsBackup) {
     EXPECT_EQ((Numbers{1, 2}), States());
 }
 
+// The user comes back to what was being written.
+TEST_F(TakeOverTest, ATypedDescriptionStandsInTheFieldAtTheNextStart) {
+    Program first = OpenProgram();
+    Type(IDC_NEW_DESCRIPTION, "before the journey");
+    ExpectTakenOver(first);
+    Program next = OpenProgram();
+    EXPECT_EQ("before the journey", Text(IDC_NEW_DESCRIPTION));
+    EXPECT_EQ("no value", SettingText("OwnDescription"));
+    Keys("alt+x");
+    EXPECT_EQ(0, next.ExitCode());
+}
+
+TEST_F(TakeOverTest, OfAFieldThatTheUserClosedNothingIsKept) {
+    Program first = OpenProgram();
+    Type(IDC_NEW_DESCRIPTION, "before the journey");
+    Keys("alt+x");
+    EXPECT_EQ(0, first.ExitCode());
+    EXPECT_EQ("no value", SettingText("OwnDescription"));
+}
+
 }  // namespace
 }  // namespace tests
