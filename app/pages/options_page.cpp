@@ -111,7 +111,11 @@ void OptionsPage::ShowSchedule() {
     ShowNextBackup();
 }
 
+// An operation has taken the registrations away and puts them back.
 void OptionsPage::ShowNextBackup() {
+    if (app_.gate.IsOccupied()) {
+        return;
+    }
     wchar_t line[kNextBackupUnits];
     FormatNextBackup(app_, line);
     ::SetWindowTextW(Control(IDC_NEXT_BACKUP), line);

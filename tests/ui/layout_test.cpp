@@ -133,13 +133,18 @@ TEST_P(LayoutTest, EveryPageFits) {
 // The lines of the pages say more of a storage that is not on a card, and with a schedule.
 TEST_P(LayoutTest, EveryPageFitsWithAStorageInTheDevicesMemory) {
     device().Set("screen.size", GetParam());
+    device().MakeFolder(L"\\My Documents");
     SetText("StoragePath", "\\My Documents\\");
     SetDword("onTime", 1);
     SetDword("WakeUpTime", 0x002D0015);
     SetDword("Reminders", 0);
-    BackUp();
+    device().Set("locale.shortdate", "yyyy. MM. dd.");
+    EXPECT_EQ(0, BackUp());
     Open();
+    EXPECT_EQ("Free in device memory:", Text(IDC_CARD_FREE_LABEL));
     ExpectPagesFit();
+    ShowTab("Options");
+    EXPECT_EQ("Next backup: 2026. 11. 16. 9:45 PM", Text(IDC_NEXT_BACKUP));
 }
 
 TEST_P(LayoutTest, EveryPageFitsOnABareDevice) {

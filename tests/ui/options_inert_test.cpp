@@ -60,6 +60,8 @@ protected:
 };
 
 TEST_F(OptionsInertTest, AnOperationKeepsSwitchesAndTimeAsTheyAreAndReadsNothingAgain) {
+    const std::string next_backup = "Next backup: 11/17/26 7:30 AM";
+    EXPECT_SOON_EQ(next_backup, AnyControl(IDC_NEXT_BACKUP).text);
     StartHeldBackup();
     for (const int id : {IDC_ON_TIME, IDC_ON_BATTERY, IDC_ADVANCED_TREE}) {
         Toggle(controls_[id]);
@@ -70,6 +72,7 @@ TEST_F(OptionsInertTest, AnOperationKeepsSwitchesAndTimeAsTheyAreAndReadsNothing
     EXPECT_FALSE(HasMark(IDC_ON_BATTERY));
     EXPECT_FALSE(HasMark(IDC_ADVANCED_TREE));
     EXPECT_EQ("2026-11-16T07:30:00", AnyControl(IDC_TIME).text);
+    EXPECT_EQ(next_backup, AnyControl(IDC_NEXT_BACKUP).text);
     EXPECT_EQ(0u, Dword("onBattery").value_or(0));
     EXPECT_EQ(0u, Dword("WakeUpTime"));
     ASSERT_TRUE(ScheduleIsOff());
