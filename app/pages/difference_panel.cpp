@@ -12,8 +12,9 @@ RECT DifferencePanel::Place() const {
     return place;
 }
 
-void DifferencePanel::Create(HINSTANCE instance, HWND place_holder) {
+void DifferencePanel::Create(HINSTANCE instance, HWND place_holder, TreeListener& listener) {
     place_holder_ = place_holder;
+    tree_.SetListener(&listener);
     if (!tree_.RegisterTreeWindowClass(instance)) {
         return;
     }
@@ -21,10 +22,11 @@ void DifferencePanel::Create(HINSTANCE instance, HWND place_holder) {
     tree_.CreateTreeDialog(::GetParent(place_holder), &place);
 }
 
-void DifferencePanel::Build(Application& app, const wchar_t* caption) {
+void DifferencePanel::Build(Application& app, const wchar_t* caption, bool opens_branches) {
     OpenedDifferences differences(app.engine);
     TreeBuild build;
     build.advanced_view = app.settings.AdvancedTreeView != 0;
+    build.opens_branches = opens_branches;
     build.root_caption = Utf16(caption);
     tree_.BuildDifferenceTree(differences.enumerator(), build);
 }

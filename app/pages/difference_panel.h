@@ -9,13 +9,13 @@ namespace tolvenar {
 class DifferencePanel {
 public:
     // Makes the tree in the place of `place_holder`, a control of the page. Without a tree the page
-    // goes on as it is.
-    void Create(HINSTANCE instance, HWND place_holder);
+    // goes on as it is. `listener` hears what the user selects.
+    void Create(HINSTANCE instance, HWND place_holder, TreeListener& listener);
     // Before the page goes: the tree's window class goes after its windows.
     void Destroy() { tree_.DestroyTreeWindowClass(); }
     // Shows what the application's difference list holds, below this caption; an empty one leaves
-    // the tree its own.
-    void Build(Application& app, const wchar_t* caption);
+    // the tree its own. With `opens_branches` every item can be seen at once.
+    void Build(Application& app, const wchar_t* caption, bool opens_branches);
     void Clear() { tree_.Clear(); }
     // Follows the place holder, which was moved, shown or hidden.
     void OnLayout(bool is_shown);

@@ -25,9 +25,11 @@ constexpr Row kRows[] = {
     {IDC_DIFFERENCES_CAPTION, kHidden, {102, 3, 191, 9}, kHidden},
     {IDC_TREE_PLACE, kHidden, {102, 13, 191, 49}, {6, 13, 287, 49}},
     {IDC_APPLY_CHANGES, kHidden, {102, 65, 36, 15}, {6, 65, 36, 15}},
-    {IDC_TAKE_BACK_CHANGES, kHidden, {142, 65, 36, 15}, {46, 65, 36, 15}},
+    {IDC_TAKE_BACK_CHANGES, kHidden, {142, 65, 36, 15}, kHidden},
     {IDC_DIFFERENCES_HINT, kHidden, {183, 63, 112, 18}, kHidden},
     {IDC_FAILED_LABEL, kHidden, kHidden, {6, 3, 220, 9}},
+    {IDC_FAILED_ADVICE, kHidden, kHidden, {48, 63, 190, 9}},
+    {IDC_FAILED_REASON, kHidden, kHidden, {48, 73, 190, 9}},
     {IDC_FAILED_OK, kHidden, kHidden, {243, 65, 50, 15}},
 };
 

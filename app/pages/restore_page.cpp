@@ -20,7 +20,8 @@ bool HasDifferences(const Application& app) {
 
 void RestorePage::OnInit() {
     states_.Attach(Control(IDC_STATES));
-    tree_.Create(app_.instance, Control(IDC_TREE_PLACE));
+    failed_.Attach(window());
+    tree_.Create(app_.instance, Control(IDC_TREE_PLACE), failed_);
     if (app_.gate.ListsAreFree()) {
         FillStates(false);
     }
@@ -61,6 +62,10 @@ void RestorePage::OnShow(int index) {
         app_.gate.ListsAreFree()) {
         app_.settings.AdvancedTreeViewChange = 0;
         BuildTree();
+    }
+    // The options may have changed meanwhile.
+    if (is_failed_ && app_.gate.ListsAreFree()) {
+        failed_.ShowAdvice();
     }
 }
 
@@ -144,7 +149,7 @@ void RestorePage::ShowDifferences() {
 }
 
 // What a restore left over need not be the difference that the caption names.
-void RestorePage::BuildTree() { tree_.Build(app_, is_failed_ ? L"" : caption_); }
+void RestorePage::BuildTree() { tree_.Build(app_, is_failed_ ? L"" : caption_, is_failed_); }
 
 void RestorePage::ShowCaption() { ::SetWindowTextW(Control(IDC_DIFFERENCES_CAPTION), caption_); }
 
@@ -168,6 +173,7 @@ void RestorePage::DropDifferences() {
     if (app_.storage.difference != nullptr) {
         app_.storage.difference->ClearList();
     }
+    app_.storage.failures.Clear();
     app_.storage.registry_objects.RegObjectClear();
 }
 
@@ -178,6 +184,18 @@ void RestorePage::OnRestoreEnded(bool items_left) {
     }
     ForgetMissingDifferences();
     OnLayout();
+    if (is_failed_) {
+        ShowFailed();
+    }
+}
+
+// What is left has its sense turned round: "--" would write the old contents over newer work, so it
+// is not there, and the focus leaves it.
+void RestorePage::ShowFailed() {
+    const int way_on = failed_.ShowAdvice();
+    if (::IsWindowVisible(window())) {
+        ::SetFocus(Control(way_on));
+    }
 }
 
 // What the tree shows and what the buttons "+" and "--" work with is one and the same.

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "app/pages/difference_panel.h"
+#include "app/pages/failed_panel.h"
 #include "app/pages/page.h"
 #include "app/pages/state_list.h"
 #include "res/resource.h"
@@ -15,7 +16,8 @@ public:
     // user has seen it.
     enum class Form { kRestore, kAdvanced, kFailed };
 
-    RestorePage(Application& app, Frame& frame) : Page(app, frame, IDD_RESTORE_PAGE) {}
+    RestorePage(Application& app, Frame& frame)
+        : Page(app, frame, IDD_RESTORE_PAGE), failed_(app) {}
 
     int DefaultButton() const override;
     bool OnEnter(HWND control) override;
@@ -43,11 +45,13 @@ private:
     void CompareWithOlder(const ObjectRecord& state, const ObjectRecord* older);
     void DropDifferences();
     void OnRestoreEnded(bool items_left);
+    void ShowFailed();
     void LeaveFailed();
     void ForgetMissingDifferences();
 
     StateList states_;
     DifferencePanel tree_;
+    FailedPanel failed_;
     int tab_ = kRestorePage;
     int shown_item_ = -1;  // the item whose details are shown
     bool is_failed_ = false;

@@ -30,7 +30,8 @@ bool ClassifyAll(DifferenceEnumerator& enumerator, ObjectClassifier& classifier,
             default: break;
         }
         const std::uint32_t state = StateOf(object.flags & filter_mask);
-        if (state != 0 && !classifier.ClassifyObject(object, state | kNodeObject)) {
+        const std::uint32_t flags = state | kNodeObject | NodeFlagsOf(object.reason);
+        if (state != 0 && !classifier.ClassifyObject(object, flags)) {
             return false;
         }
     }
@@ -41,6 +42,16 @@ bool MakeNodes(TreeControl& control, NodeTree& tree, const TreeTexts& texts,
     ObjectClassifier classifier(control, tree, texts, build, enumerator);
     return classifier.MakeCategories() && ClassifyAll(enumerator, classifier, build.filter_mask) &&
            classifier.AddApplications();
+}
+
+void OpenBranches(TreeControl& control, const NodeRecord& node) {
+    for (const NodeRecord* child = node.first_child; child != nullptr;
+         child = child->next_sibling) {
+        if (child->first_child != nullptr) {
+            OpenBranches(control, *child);
+            control.Expand(child->item);
+        }
+    }
 }
 
 }  // namespace
@@ -73,6 +84,9 @@ int BuildDifferenceTree(TreeControl& control, const TreeTexts& texts,
     const NodeRecord& root = *tree.root();
     if (root.added == 0 && root.deleted == 0 && root.both == 0) {
         control.SetButton(root.item, false);
+    }
+    if (build.opens_branches) {
+        OpenBranches(control, root);
     }
     control.ShowRoot(root.item);
     return 1;

@@ -42,6 +42,7 @@ struct TreeBuild {
         kExpandOtherDatabases | kCategoryFiles | kCategoryDatabases | kCategoryRegistry;
     std::uint16_t filter_mask = JF_ADD | JF_DELETE;
     bool advanced_view = false;
+    bool opens_branches = false;             // those that hold something
     const char16_t* root_caption = nullptr;  // null or empty: "Differences"
     NodeStyles styles = kDefaultStyles;
 };

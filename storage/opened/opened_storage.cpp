@@ -8,6 +8,7 @@ void FreeWorkingLists(OpenedStorage& storage, bool all) {
     storage.left_out.Clear();
     if (all) {
         storage.difference.reset();
+        storage.failures.Clear();
     }
 }
 

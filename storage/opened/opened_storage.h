@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "snapshot/records/failure_reasons.h"
 #include "snapshot/records/left_out.h"
 #include "snapshot/records/object_list.h"
 #include "snapshot/records/registry_objects.h"
@@ -26,6 +27,7 @@ struct OpenedStorage {
     // sense turned round; 0 is none, or the device as it was.
     std::uint32_t aimed_state = 0;
     std::uint32_t opposite_state = 0;
+    FailureTable failures;             // why the last restore left records in the difference list
     RegistryObjects registry_objects;  // what the last registry scan met
     LeftOut left_out;                  // what the last scan met and could not read
 };

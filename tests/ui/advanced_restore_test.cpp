@@ -243,12 +243,15 @@ TEST_F(AdvancedRestoreTest, WhatFailedIsShownAndTriedAgain) {
     EXPECT_SOON(Sees(IDC_RESTORE) && !Sees(IDC_FAILED_OK));
 }
 
-TEST_F(AdvancedRestoreTest, TheOtherButtonUndoesWhatFailed) {
+// What is left has its sense turned round: the button would write the newer file back as it was.
+TEST_F(AdvancedRestoreTest, WhatFailedIsNotOfferedTheOtherWayRound) {
     TakeBackWithALockedFile();
-    Press(IDC_TAKE_BACK_CHANGES);
-    ExpectRestored();
-    EXPECT_EQ("one and more", device().FileBytes(kNote));
+    EXPECT_FALSE(Sees(IDC_TAKE_BACK_CHANGES));
+    EXPECT_TRUE(FocusComesTo(IDC_APPLY_CHANGES));
+    Press(IDC_FAILED_OK);
     ExpectNothingFailed();
+    ShowTab("Advanced Restore");
+    EXPECT_TRUE(Sees(IDC_TAKE_BACK_CHANGES));
 }
 
 TEST_F(AdvancedRestoreTest, OkGivesUpWhatFailed) {
