@@ -22,13 +22,14 @@ void DifferencePanel::Create(HINSTANCE instance, HWND place_holder, TreeListener
     tree_.CreateTreeDialog(::GetParent(place_holder), &place);
 }
 
-void DifferencePanel::Build(Application& app, const wchar_t* caption, bool opens_branches) {
+bool DifferencePanel::Build(Application& app, const wchar_t* caption, bool opens_branches) {
     OpenedDifferences differences(app.engine);
     TreeBuild build;
     build.advanced_view = app.settings.AdvancedTreeView != 0;
     build.opens_branches = opens_branches;
     build.root_caption = Utf16(caption);
-    tree_.BuildDifferenceTree(differences.enumerator(), build);
+    return tree_.tree_view() == nullptr ||
+           tree_.BuildDifferenceTree(differences.enumerator(), build);
 }
 
 void DifferencePanel::OnLayout(bool is_shown) {

@@ -14,8 +14,9 @@ public:
     // Before the page goes: the tree's window class goes after its windows.
     void Destroy() { tree_.DestroyTreeWindowClass(); }
     // Shows what the application's difference list holds, below this caption; an empty one leaves
-    // the tree its own. With `opens_branches` every item can be seen at once.
-    void Build(Application& app, const wchar_t* caption, bool opens_branches);
+    // the tree its own. With `opens_branches` every item can be seen at once. False when the tree
+    // shows less than the list holds.
+    bool Build(Application& app, const wchar_t* caption, bool opens_branches);
     void Clear() { tree_.Clear(); }
     // Follows the place holder, which was moved, shown or hidden.
     void OnLayout(bool is_shown);

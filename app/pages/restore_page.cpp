@@ -1,8 +1,10 @@
 #include "app/pages/restore_page.h"
 
 #include "app/operations/confirmation.h"
+#include "app/operations/messages.h"
 #include "app/operations/window_messages.h"
 #include "app/pages/restore_layout.h"
+#include "platform/resource_text.h"
 #include "platform/text.h"
 #include "snapshot/engine/difference_engine.h"
 #include "storage/opened/state_details.h"
@@ -22,6 +24,7 @@ void RestorePage::OnInit() {
     states_.Attach(Control(IDC_STATES));
     failed_.Attach(window());
     tree_.Create(app_.instance, Control(IDC_TREE_PLACE), failed_);
+    ShowComparison();
     if (app_.gate.ListsAreFree()) {
         FillStates(false);
     }
@@ -61,7 +64,9 @@ void RestorePage::OnShow(int index) {
     if (index == kAdvancedPage && app_.settings.AdvancedTreeViewChange != 0 &&
         app_.gate.ListsAreFree()) {
         app_.settings.AdvancedTreeViewChange = 0;
-        BuildTree();
+        if (is_failed_ || comparison_.IsMade()) {
+            BuildTree();
+        }
     }
     // The options may have changed meanwhile.
     if (is_failed_ && app_.gate.ListsAreFree()) {
@@ -100,6 +105,7 @@ void RestorePage::FillStates(bool keep_selected) {
 void RestorePage::OnSelectionChanged() {
     shown_item_ = states_.Selected();
     ShowStateDetails(states_.SelectedRecord());
+    ShowComparison();
 }
 
 void RestorePage::ShowStateDetails(const ObjectRecord* state) {
@@ -126,7 +132,10 @@ void RestorePage::RequestRestore(int button) {
     request.kind = OperationKind::kRestore;
     request.button = button;
     request.state_number = SelectedState();
-    ConfirmThenRun(app_, request);
+    ShownComparison::Text effect;
+    comparison_.PutEffect(button, effect);
+    ConfirmThenRun(app_, request,
+                   is_failed_ ? ResourceText(app_.instance, IDS_EFFECT_TRY_AGAIN) : effect);
 }
 
 void RestorePage::RequestDifferences() {
@@ -141,31 +150,45 @@ void RestorePage::RequestDifferences() {
 void RestorePage::ShowDifferences() {
     app_.popup.Show(app_.main_dialog, L"Creating tree...", kTreeSteps);
     const int item = states_.Selected();
-    CompareWithOlder(*states_.At(item), states_.At(item + 1));
+    const bool is_done = Compare(*states_.At(item), states_.At(item + 1));
     app_.progress.ProgressStep(u"Preparing tree...");
-    BuildTree();
+    if (!is_done || !BuildTree()) {
+        DropDifferences();
+        comparison_.Forget();
+        tree_.Clear();
+    }
+    ShowComparison();
     OnLayout();
     app_.popup.CloseAndWait();
+    if (!comparison_.IsMade()) {
+        ShowMessage(app_.main_dialog, ResourceText(app_.instance, IDS_COMPARE_FAILED),
+                    MB_ICONWARNING);
+    }
 }
 
 // What a restore left over need not be the difference that the caption names.
-void RestorePage::BuildTree() { tree_.Build(app_, is_failed_ ? L"" : caption_, is_failed_); }
-
-void RestorePage::ShowCaption() { ::SetWindowTextW(Control(IDC_DIFFERENCES_CAPTION), caption_); }
-
-// Half a comparison, or an earlier one, would pass for the whole of this one: after a failure there
-// are no differences.
-void RestorePage::CompareWithOlder(const ObjectRecord& state, const ObjectRecord* older) {
-    DropDifferences();
-    caption_[0] = 0;
-    if (older != nullptr &&
-        FindDifferenceEx(app_.engine, older->state_number, state.state_number)) {
-        ::wsprintfW(caption_, L"Differences from State %i to State %i", older->state_number,
-                    state.state_number);
-    } else {
-        DropDifferences();
+bool RestorePage::BuildTree() {
+    ShownComparison::Text caption = L"";
+    if (!is_failed_) {
+        comparison_.PutCaption(caption);
     }
-    ShowCaption();
+    return tree_.Build(app_, caption, is_failed_);
+}
+
+void RestorePage::ShowComparison() {
+    ShownComparison::Text text;
+    comparison_.PutCaption(text);
+    ::SetWindowTextW(Control(IDC_DIFFERENCES_CAPTION), text);
+    comparison_.PutLine(SelectedState(), text);
+    ::SetWindowTextW(Control(IDC_DIFFERENCES_HINT), text);
+}
+
+// False when the states could not be compared.
+bool RestorePage::Compare(const ObjectRecord& state, const ObjectRecord* older) {
+    DropDifferences();
+    comparison_.Keep(state.state_number, older != nullptr ? older->state_number : kNoState);
+    return older == nullptr ||
+           FindDifferenceEx(app_.engine, older->state_number, state.state_number);
 }
 
 // With the registry objects of a restore that left some of them over.
@@ -205,8 +228,8 @@ void RestorePage::ForgetMissingDifferences() {
     }
     is_failed_ = false;
     tree_.Clear();
-    caption_[0] = 0;
-    ShowCaption();
+    comparison_.Forget();
+    ShowComparison();
     OnLayout();
 }
 

@@ -5,6 +5,7 @@
 #include "app/pages/difference_panel.h"
 #include "app/pages/failed_panel.h"
 #include "app/pages/page.h"
+#include "app/pages/shown_comparison.h"
 #include "app/pages/state_list.h"
 #include "res/resource.h"
 
@@ -17,7 +18,7 @@ public:
     enum class Form { kRestore, kAdvanced, kFailed };
 
     RestorePage(Application& app, Frame& frame)
-        : Page(app, frame, IDD_RESTORE_PAGE), failed_(app) {}
+        : Page(app, frame, IDD_RESTORE_PAGE), failed_(app), comparison_(app.instance) {}
 
     int DefaultButton() const override;
     bool OnEnter(HWND control) override;
@@ -40,9 +41,9 @@ private:
     void RequestRestore(int button);
     void RequestDifferences();
     void ShowDifferences();
-    void BuildTree();
-    void ShowCaption();
-    void CompareWithOlder(const ObjectRecord& state, const ObjectRecord* older);
+    bool Compare(const ObjectRecord& state, const ObjectRecord* older);
+    bool BuildTree();
+    void ShowComparison();
     void DropDifferences();
     void OnRestoreEnded(bool items_left);
     void ShowFailed();
@@ -52,11 +53,10 @@ private:
     StateList states_;
     DifferencePanel tree_;
     FailedPanel failed_;
+    ShownComparison comparison_;
     int tab_ = kRestorePage;
     int shown_item_ = -1;  // the item whose details are shown
     bool is_failed_ = false;
-    static constexpr int kCaptionUnits = 64;
-    wchar_t caption_[kCaptionUnits] = L"";  // of the differences; empty without any
 };
 
 }  // namespace tolvenar

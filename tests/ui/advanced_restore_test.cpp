@@ -262,17 +262,6 @@ TEST_F(AdvancedRestoreTest, OkGivesUpWhatFailed) {
     PressAndExpect(IDC_APPLY_CHANGES, kNothingToRestore);
 }
 
-// A comparison that fails must leave nothing that passes for its result.
-TEST_F(AdvancedRestoreTest, AComparisonThatFailsShowsNoDifferences) {
-    OpenOnItem(0);
-    device().Fault("CreateFileW", 1, 1000, 32, "Backup.sav, 3221225472");
-    DoubleClick(1);
-    LetGo();
-    EXPECT_EQ("", Text(IDC_DIFFERENCES_CAPTION));
-    ExpectTree(states_.Tree(0, 0, false));
-    PressAndExpect(IDC_TAKE_BACK_CHANGES, kNothingToRestore);
-}
-
 TEST_F(AdvancedRestoreTest, WithoutATreeThePageGoesOn) {
     device().Fault("CreateWindowExW", 1, 1, 8, "SysTreeView32");
     OpenAdvanced();
