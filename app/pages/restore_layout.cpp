@@ -21,6 +21,7 @@ constexpr Row kRows[] = {
     {IDC_STATE_TIME, {128, 3, 166, 9}, {6, 51, 92, 9}, kHidden},
     {IDC_STATE_DESCRIPTION_LABEL, {102, 14, 50, 9}, kHidden, kHidden},
     {IDC_STATE_DESCRIPTION, {102, 24, 191, 36}, {6, 61, 88, 19}, kHidden},
+    {IDC_RESTORE_NOTICE, {102, 63, 120, 18}, kHidden, kHidden},
     {IDC_RESTORE, {226, 64, 67, 16}, kHidden, kHidden},
     {IDC_DIFFERENCES_CAPTION, kHidden, {102, 3, 191, 9}, kHidden},
     {IDC_TREE_PLACE, kHidden, {102, 13, 191, 49}, {6, 13, 287, 49}},

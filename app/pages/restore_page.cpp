@@ -84,11 +84,13 @@ void RestorePage::OnStorageChanged() {
     if (window() == nullptr) {
         return;
     }
+    notice_ = 0;
     FillStates(false);
     ForgetMissingDifferences();
 }
 
 void RestorePage::FillStates(bool keep_selected) {
+    ShowNotice();
     const std::int32_t selected = SelectedState();
     const bool had_none = selected == kNoState && states_.Count() > 0;
     states_.Fill(app_.storage.journal.get());
@@ -200,7 +202,22 @@ void RestorePage::DropDifferences() {
     app_.storage.registry_objects.RegObjectClear();
 }
 
-void RestorePage::OnRestoreEnded(bool items_left) {
+// What the last operation came to: what no box told, or what a backup saved.
+void RestorePage::ShowNotice() {
+    wchar_t text[kResourceTextUnits] = L"";
+    const SavedCounts& saved = app_.storage.saved;
+    if (notice_ != 0) {
+        ::wcsncpy(text, ResourceText(app_.instance, notice_), kResourceTextUnits - 1);
+    } else if (saved.state_number != 0) {
+        ::wsprintfW(text, ResourceText(app_.instance, IDS_SAVED), saved.state_number, saved.added,
+                    saved.changed, saved.deleted);
+    }
+    ::SetWindowTextW(Control(IDC_RESTORE_NOTICE), text);
+}
+
+void RestorePage::OnRestoreEnded(bool items_left, UINT notice) {
+    notice_ = notice;
+    ShowNotice();
     is_failed_ = items_left;
     if (items_left) {
         BuildTree();
@@ -273,11 +290,11 @@ bool RestorePage::OnCommand(int id, int notification) {
     }
 }
 
-INT_PTR RestorePage::OnMessage(UINT message, WPARAM wparam, LPARAM) {
+INT_PTR RestorePage::OnMessage(UINT message, WPARAM wparam, LPARAM lparam) {
     switch (message) {
         case WM_SELECTED_STATE: return Answer(SelectedState());
         case WM_STATES_CHANGED: FillStates(wparam != 0); return TRUE;
-        case WM_RESTORE_ENDED: OnRestoreEnded(wparam != 0); return TRUE;
+        case WM_RESTORE_ENDED: OnRestoreEnded(wparam != 0, static_cast<UINT>(lparam)); return TRUE;
         case WM_DESTROY: return OnDestroy();
         default: return FALSE;
     }

@@ -45,7 +45,8 @@ private:
     bool BuildTree();
     void ShowComparison();
     void DropDifferences();
-    void OnRestoreEnded(bool items_left);
+    void OnRestoreEnded(bool items_left, UINT notice);
+    void ShowNotice();
     void ShowFailed();
     void LeaveFailed();
     void ForgetMissingDifferences();
@@ -56,6 +57,7 @@ private:
     ShownComparison comparison_;
     int tab_ = kRestorePage;
     int shown_item_ = -1;  // the item whose details are shown
+    UINT notice_ = 0;      // a text about the last operation; 0 is none
     bool is_failed_ = false;
 };
 

@@ -15,6 +15,7 @@ void FreeWorkingLists(OpenedStorage& storage, bool all) {
 void CloseStorage(OpenedStorage& storage) {
     FreeWorkingLists(storage, true);
     storage.journal.reset();
+    storage.saved = {};
     storage.registry_objects.RegObjectClear();
     storage.header.reset();
 }

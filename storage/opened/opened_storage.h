@@ -15,6 +15,14 @@
 
 namespace tolvenar {
 
+// What a backup put into its state, in objects; a changed one counts once.
+struct SavedCounts {
+    std::uint32_t state_number = 0;  // 0: nothing is known
+    std::uint32_t added = 0;
+    std::uint32_t changed = 0;
+    std::uint32_t deleted = 0;
+};
+
 struct OpenedStorage {
     StorageNames names;
     std::unique_ptr<StorageHeader> header;   // null while no storage is open
@@ -28,6 +36,7 @@ struct OpenedStorage {
     std::uint32_t aimed_state = 0;
     std::uint32_t opposite_state = 0;
     FailureTable failures;             // why the last restore left records in the difference list
+    SavedCounts saved;                 // by the last backup, until a restore
     RegistryObjects registry_objects;  // what the last registry scan met
     LeftOut left_out;                  // what the last scan met and could not read
 };

@@ -51,6 +51,7 @@ public:
           run_(engine.storage.journal.get()),
           plan_{engine, questions, nullptr, tells_device} {
         storage_.failures.Clear();
+        storage_.saved = {};
     }
 
     // The list is that of the device and a state, or of two states and is worked on with

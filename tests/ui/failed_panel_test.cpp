@@ -90,8 +90,7 @@ TEST_F(FailedPanelTest, TheLineOfTheSelectedItemSaysWhyItFailed) {
     EXPECT_SOON_EQ(kSelectOne, Text(IDC_FAILED_REASON));  // a category
     Keys("down");
     EXPECT_SOON_EQ("Another program has it open.", Text(IDC_FAILED_REASON));
-    const auto log =
-        LogLinesIn(device().FileBytes(L"\\Storage Card\\Tolvenar\\tolvenar_log.txt"));
+    const auto log = LogLinesIn(device().FileBytes(L"\\Storage Card\\Tolvenar\\tolvenar_log.txt"));
     EXPECT_EQ(1, std::count(log.begin(), log.end(),
                             "E DoRestore: Not restored, in use: \\My Documents\\a.txt"));
 }

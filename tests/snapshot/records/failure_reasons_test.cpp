@@ -1,7 +1,6 @@
 #include "snapshot/records/failure_reasons.h"
 
 #include <gtest/gtest.h>
-
 #include <vector>
 
 namespace tolvenar {
