@@ -32,6 +32,11 @@ bool DifferencePanel::Build(Application& app, const wchar_t* caption, bool opens
            tree_.BuildDifferenceTree(differences.enumerator(), build);
 }
 
+bool DifferencePanel::TakesCharacter(const MSG& message) {
+    return message.hwnd == tree_.tree_view() &&
+           search_.OnCharacter(message.hwnd, static_cast<wchar_t>(message.wParam), message.time);
+}
+
 void DifferencePanel::OnLayout(bool is_shown) {
     const HWND host = tree_.host();
     if (host == nullptr) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/operations/application.h"
+#include "difftree/window/tree_search.h"
 #include "difftree/window/tree_window.h"
 
 namespace tolvenar {
@@ -18,6 +19,9 @@ public:
     // shows less than the list holds.
     bool Build(Application& app, const wchar_t* caption, bool opens_branches);
     void Clear() { tree_.Clear(); }
+    // A character that was typed in the tree looks for an item. False for another window's.
+    bool TakesCharacter(const MSG& message);
+    void FindNext() { search_.FindNext(tree_.tree_view()); }
     // Follows the place holder, which was moved, shown or hidden.
     void OnLayout(bool is_shown);
 
@@ -26,6 +30,7 @@ private:
 
     HWND place_holder_ = nullptr;
     TreeWindow tree_;
+    TreeSearch search_;
 };
 
 }  // namespace tolvenar

@@ -59,6 +59,18 @@ bool RestorePage::OnEnter(HWND control) {
     return true;
 }
 
+// The tree is searched by typing in it; F3 goes on from wherever the focus is.
+bool RestorePage::TakesKey(const MSG& message) {
+    if (CurrentForm() == Form::kRestore) {
+        return false;
+    }
+    if (message.message == WM_KEYDOWN && message.wParam == VK_F3) {
+        tree_.FindNext();
+        return true;
+    }
+    return message.message == WM_CHAR && tree_.TakesCharacter(message);
+}
+
 void RestorePage::OnShow(int index) {
     tab_ = index;
     if (index == kAdvancedPage && app_.settings.AdvancedTreeViewChange != 0 &&

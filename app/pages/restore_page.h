@@ -22,6 +22,7 @@ public:
 
     int DefaultButton() const override;
     bool OnEnter(HWND control) override;
+    bool TakesKey(const MSG& message) override;
     void OnShow(int index) override;
     void OnLayout() override;
     void OnStorageChanged() override;
