@@ -16,8 +16,11 @@ public:
     void Destroy() { tree_.DestroyTreeWindowClass(); }
     // Shows what the application's difference list holds, below this caption; an empty one leaves
     // the tree its own. With `opens_branches` every item can be seen at once. False when the tree
-    // shows less than the list holds.
-    bool Build(Application& app, const wchar_t* caption, bool opens_branches);
+    // shows less than the list holds, but for items of another change state than `shown_state` (0:
+    // none is left out).
+    bool Build(Application& app, const wchar_t* caption, bool opens_branches,
+               std::uint32_t shown_state);
+    const TreeCounts& counts() const { return counts_; }
     void Clear() { tree_.Clear(); }
     // A character that was typed in the tree looks for an item. False for another window's.
     bool TakesCharacter(const MSG& message);
@@ -31,6 +34,7 @@ private:
     HWND place_holder_ = nullptr;
     TreeWindow tree_;
     TreeSearch search_;
+    TreeCounts counts_;
 };
 
 }  // namespace tolvenar

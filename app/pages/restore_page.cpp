@@ -4,6 +4,7 @@
 #include "app/operations/messages.h"
 #include "app/operations/window_messages.h"
 #include "app/pages/restore_layout.h"
+#include "app/pages/tree_filter_dialog.h"
 #include "platform/resource_text.h"
 #include "platform/text.h"
 #include "snapshot/engine/difference_engine.h"
@@ -77,7 +78,7 @@ void RestorePage::OnShow(int index) {
         app_.gate.ListsAreFree()) {
         app_.settings.AdvancedTreeViewChange = 0;
         if (is_failed_ || comparison_.IsMade()) {
-            BuildTree();
+            RebuildTree();
         }
     }
     // The options may have changed meanwhile.
@@ -166,18 +167,28 @@ void RestorePage::ShowDifferences() {
     const int item = states_.Selected();
     const bool is_done = Compare(*states_.At(item), states_.At(item + 1));
     app_.progress.ProgressStep(u"Preparing tree...");
-    if (!is_done || !BuildTree()) {
-        DropDifferences();
-        comparison_.Forget();
-        tree_.Clear();
+    const bool is_shown = is_done && BuildTree();
+    app_.popup.CloseAndWait();
+    if (!is_shown) {
+        GiveUpComparison();
     }
     ShowComparison();
     OnLayout();
-    app_.popup.CloseAndWait();
-    if (!comparison_.IsMade()) {
-        ShowMessage(app_.main_dialog, ResourceText(app_.instance, IDS_COMPARE_FAILED),
-                    MB_ICONWARNING);
+}
+
+// The buttons must not act on what nobody can see.
+void RestorePage::GiveUpComparison() {
+    DropDifferences();
+    ForgetMissingDifferences();
+    ShowMessage(app_.main_dialog, ResourceText(app_.instance, IDS_COMPARE_FAILED), MB_ICONWARNING);
+}
+
+// Another view of the same list.
+void RestorePage::RebuildTree() {
+    if (!BuildTree() && !is_failed_) {
+        GiveUpComparison();
     }
+    ShowComparison();
 }
 
 // What a restore left over need not be the difference that the caption names.
@@ -186,7 +197,7 @@ bool RestorePage::BuildTree() {
     if (!is_failed_) {
         comparison_.PutCaption(caption);
     }
-    return tree_.Build(app_, caption, is_failed_);
+    return tree_.Build(app_, caption, is_failed_, is_failed_ ? 0 : shown_state_);
 }
 
 void RestorePage::ShowComparison() {
@@ -194,12 +205,32 @@ void RestorePage::ShowComparison() {
     comparison_.PutCaption(text);
     ::SetWindowTextW(Control(IDC_DIFFERENCES_CAPTION), text);
     comparison_.PutLine(SelectedState(), text);
+    if (comparison_.IsMade() && shown_state_ != 0) {
+        const TreeCounts& counts = tree_.counts();
+        ::wsprintfW(text, ResourceText(app_.instance, IDS_SHOWS_SOME), counts.shown, counts.all);
+    }
     ::SetWindowTextW(Control(IDC_DIFFERENCES_HINT), text);
+}
+
+// The list stays as it is: the buttons act on all of it.
+void RestorePage::ChooseShown() {
+    if (!comparison_.IsMade() || app_.gate.IsOccupied()) {
+        return;
+    }
+    TreeFilterDialog dialog;
+    const std::optional<std::uint32_t> chosen = dialog.Ask(app_.instance, app_.main_dialog);
+    // Another program may have asked for an operation meanwhile.
+    if (!chosen || !comparison_.IsMade() || app_.gate.IsOccupied()) {
+        return;
+    }
+    shown_state_ = *chosen;
+    RebuildTree();
 }
 
 // False when the states could not be compared.
 bool RestorePage::Compare(const ObjectRecord& state, const ObjectRecord* older) {
     DropDifferences();
+    shown_state_ = 0;
     comparison_.Keep(state.state_number, older != nullptr ? older->state_number : kNoState);
     return older == nullptr ||
            FindDifferenceEx(app_.engine, older->state_number, state.state_number);
@@ -297,6 +328,7 @@ bool RestorePage::OnCommand(int id, int notification) {
         case IDC_RESTORE:
         case IDC_APPLY_CHANGES:
         case IDC_TAKE_BACK_CHANGES: RequestRestore(id); return true;
+        case IDC_SHOW: ChooseShown(); return true;
         case IDC_FAILED_OK: LeaveFailed(); return true;
         default: return false;
     }

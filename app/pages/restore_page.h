@@ -45,6 +45,9 @@ private:
     bool Compare(const ObjectRecord& state, const ObjectRecord* older);
     bool BuildTree();
     void ShowComparison();
+    void GiveUpComparison();
+    void RebuildTree();
+    void ChooseShown();
     void DropDifferences();
     void OnRestoreEnded(bool items_left, UINT notice);
     void ShowNotice();
@@ -57,8 +60,9 @@ private:
     FailedPanel failed_;
     ShownComparison comparison_;
     int tab_ = kRestorePage;
-    int shown_item_ = -1;  // the item whose details are shown
-    UINT notice_ = 0;      // a text about the last operation; 0 is none
+    int shown_item_ = -1;            // the item whose details are shown
+    UINT notice_ = 0;                // a text about the last operation; 0 is none
+    std::uint32_t shown_state_ = 0;  // of the items that the tree shows; 0: all
     bool is_failed_ = false;
 };
 

@@ -44,6 +44,23 @@ bool MakeNodes(TreeControl& control, NodeTree& tree, const TreeTexts& texts,
            classifier.AddApplications();
 }
 
+std::uint32_t ChangesBelow(const NodeRecord& node) { return node.added + node.deleted + node.both; }
+
+// Counts what is there, then what is shown of it.
+void Count(NodeTree& tree, const TreeBuild& build) {
+    tree.CountAndMark();
+    TreeCounts counts;
+    counts.shown = counts.all = ChangesBelow(*tree.root());
+    if (build.shown_state != 0) {
+        tree.KeepOnly(build.shown_state);
+        tree.CountAndMark();
+        counts.shown = ChangesBelow(*tree.root());
+    }
+    if (build.counts != nullptr) {
+        *build.counts = counts;
+    }
+}
+
 void OpenBranches(TreeControl& control, const NodeRecord& node) {
     for (const NodeRecord* child = node.first_child; child != nullptr;
          child = child->next_sibling) {
@@ -73,7 +90,7 @@ int BuildDifferenceTree(TreeControl& control, const TreeTexts& texts,
         tree.FillControl(build, false);
         return 0;
     }
-    tree.CountAndMark();
+    Count(tree, build);
     if (NodeRecord* const files =
             build.advanced_view ? tree.GetCategoryNode(kCategoryFiles) : nullptr) {
         NodeTree::SortLeavesLast(*files);

@@ -11,8 +11,8 @@ namespace {
 constexpr DWORD kPauseMs = 2000;
 
 HTREEITEM Relative(HWND tree_view, UINT relation, HTREEITEM item) {
-    return reinterpret_cast<HTREEITEM>(::SendMessageW(tree_view, TVM_GETNEXTITEM, relation,
-                                                      reinterpret_cast<LPARAM>(item)));
+    return reinterpret_cast<HTREEITEM>(
+        ::SendMessageW(tree_view, TVM_GETNEXTITEM, relation, reinterpret_cast<LPARAM>(item)));
 }
 
 // The next item from top to bottom, whether its branch is open or not; behind the last the first.

@@ -1,4 +1,5 @@
-// Finds items of the difference tree by letters of their captions, also in branches that are closed.
+// Finds items of the difference tree by letters of their captions, also in branches that are
+// closed.
 #pragma once
 
 #include "platform/win32.h"

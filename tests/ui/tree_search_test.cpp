@@ -88,5 +88,42 @@ TEST_F(TreeSearchTest, F3WithoutASearchAndWithoutATreeDoesNothing) {
     EXPECT_TRUE(ProgramRuns());
 }
 
+TEST_F(TreeSearchTest, AltVShowsOneKindAndTheButtonsActOnAll) {
+    Keys("alt+v");
+    EXPECT_SOON(Shows("Show"));
+    Keys("c");
+    EXPECT_SOON_EQ("Shows 2 of 6; + and -- act on all.", Text(IDC_DIFFERENCES_HINT));
+    EXPECT_TRUE(MainDialogBecomesActive());
+    const auto tree = sim::windows::Tree(device().sim());
+    ASSERT_EQ(1u, tree.size());
+    ASSERT_EQ(4u, tree[0].children.size());
+    EXPECT_EQ(1u, tree[0].children[1].children.size());
+    Press(IDC_SHOW);
+    EXPECT_SOON(Shows("Show"));
+    Keys("esc");
+    EXPECT_SOON(!Shows("Show"));
+    EXPECT_EQ("Shows 2 of 6; + and -- act on all.", Text(IDC_DIFFERENCES_HINT));
+    SetDword("Reminders", 2);
+    Press(IDC_TAKE_BACK_CHANGES);
+    RefuseReminder(kRestoredReminder);
+    EXPECT_EQ("hello", device().FileBytes(kNote));
+    EXPECT_FALSE(device().Exists(L"\\My Documents\\Plan one.doc"));
+}
+
+TEST_F(TreeSearchTest, AllIsShownAgainOnRequestAndByTheNextComparison) {
+    Press(IDC_SHOW);
+    Press(IDC_SHOW_DELETED);
+    EXPECT_SOON_EQ("Shows 0 of 6; + and -- act on all.", Text(IDC_DIFFERENCES_HINT));
+    Press(IDC_SHOW);
+    Press(IDC_SHOW_ALL);
+    EXPECT_SOON_EQ("+ applies the changes of State 2, -- takes them back.",
+                   Text(IDC_DIFFERENCES_HINT));
+    Press(IDC_SHOW);
+    Press(IDC_SHOW_ADDED);
+    EXPECT_SOON_EQ("Shows 4 of 6; + and -- act on all.", Text(IDC_DIFFERENCES_HINT));
+    ::SendMessageW(PageOf(IDC_STATES), WM_COMMAND, MAKEWPARAM(IDC_STATES, LBN_DBLCLK), 0);
+    EXPECT_EQ("+ applies the changes of State 2, -- takes them back.", Text(IDC_DIFFERENCES_HINT));
+}
+
 }  // namespace
 }  // namespace tests

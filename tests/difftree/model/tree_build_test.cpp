@@ -60,6 +60,22 @@ TEST_F(TreeBuildTest, OnRequestTheBranchesThatHoldSomethingAreOpen) {
     EXPECT_FALSE(tree_.Find({u"Registry"})->is_expanded);
 }
 
+TEST_F(TreeBuildTest, ItemsOfOneChangeStateAloneAreShownAndCounted) {
+    TreeCounts counts;
+    build_.counts = &counts;
+    build_.shown_state = kNodeBoth;
+    Advanced({File(u"\\a\\new"), File(u"\\a\\old", JF_DELETE), File(u"\\a\\b"),
+              File(u"\\a\\b", JF_DELETE), File(u"\\c\\new")});
+    EXPECT_EQ((Lines{u"a", u" b (±)*"}), Below(u"Files"));
+    EXPECT_EQ(1u, counts.shown);
+    EXPECT_EQ(4u, counts.all);
+    EXPECT_NE(nullptr, tree_.Find({u"Registry"}));
+    build_.shown_state = 0;
+    Advanced({File(u"\\a\\new")});
+    EXPECT_EQ(1u, counts.shown);
+    EXPECT_EQ(1u, counts.all);
+}
+
 TEST_F(TreeBuildTest, AnItemKnowsWhyItsObjectsFailed) {
     FakeObject held = File(u"\\a\\b", JF_DELETE);
     held.reason = FailureReason::kInUse;
