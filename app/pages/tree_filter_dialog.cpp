@@ -1,6 +1,6 @@
 #include "app/pages/tree_filter_dialog.h"
 
-#include "difftree/model/node_record.h"
+#include "difftree/window/tree_window.h"
 #include "res/resource.h"
 
 namespace tolvenar {
