@@ -39,7 +39,8 @@ void RefreshStates(const Application& app) {
 // What the user is asked about: a request or, with none, whether the program is to end.
 class Question {
 public:
-    Question(Application& app, const OperationRequest* request) : app_(app), request_(request) {}
+    Question(Application& app, const OperationRequest* request, const wchar_t* effect)
+        : app_(app), request_(request), effect_(effect) {}
 
     Reminder reminder() const {
         if (request_ == nullptr) {
@@ -47,6 +48,7 @@ public:
         }
         return request_->kind == OperationKind::kBackup ? Reminder::kBackup : Reminder::kRestore;
     }
+    const wchar_t* effect() const { return effect_; }
     // False when nobody is there to hear it.
     bool GoOn() const {
         return request_ != nullptr ? PostRequest(app_, *request_) : PostRestoredAnswer(app_, true);
@@ -62,6 +64,7 @@ public:
 private:
     Application& app_;
     const OperationRequest* request_;
+    const wchar_t* effect_;
 };
 
 class ReminderDialog final : private Dialog {
@@ -81,6 +84,7 @@ private:
             ::ShowWindow(Control(IDC_REMINDER_OFF), SW_HIDE);
         }
         ::SetDlgItemTextW(window(), IDC_REMINDER_TEXT, TextOf(question_.reminder()));
+        ::SetDlgItemTextW(window(), IDC_REMINDER_EFFECT, question_.effect());
         // A restore overwrites the device: Enter must not start one by accident.
         const int first = question_.reminder() == Reminder::kRestore ? IDCANCEL : IDOK;
         // The dialog manager's way: a focus that is merely set leaves OK to be what Enter presses.
@@ -133,8 +137,8 @@ private:
     bool is_heard_ = true;
 };
 
-void Ask(Application& app, const OperationRequest* request) {
-    const Question question(app, request);
+void Ask(Application& app, const OperationRequest* request, const wchar_t* effect) {
+    const Question question(app, request, effect);
     bool is_heard = true;
     if ((ReadReminders() & static_cast<std::uint32_t>(question.reminder())) == 0) {
         RefreshStates(app);
@@ -149,8 +153,10 @@ void Ask(Application& app, const OperationRequest* request) {
 
 }  // namespace
 
-void ConfirmThenRun(Application& app, const OperationRequest& request) { Ask(app, &request); }
+void ConfirmThenRun(Application& app, const OperationRequest& request, const wchar_t* effect) {
+    Ask(app, &request, effect);
+}
 
-void ConfirmThenEnd(Application& app) { Ask(app, nullptr); }
+void ConfirmThenEnd(Application& app) { Ask(app, nullptr, L""); }
 
 }  // namespace tolvenar

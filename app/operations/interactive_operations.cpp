@@ -52,6 +52,18 @@ bool LeavesNoDifferences(ResultCode result) {
     return result == ResultCode::kNoDifferenceList || result == ResultCode::kJournalUnreadable;
 }
 
+// The text that the page shows of a result without a box (docs/oddities.md, 23); 0 for the others.
+LPARAM NoticeOf(const RestoreResult& result) {
+    if (result.took_older_list) {
+        return 0;
+    }
+    switch (result.code) {
+        case ResultCode::kNoDifferenceList: return IDS_RESTORE_NOT_COMPARED;
+        case ResultCode::kNotStarted: return IDS_RESTORE_NOT_STARTED;
+        default: return 0;
+    }
+}
+
 }  // namespace
 
 void RunInteractiveBackup(Application& app) {
@@ -83,7 +95,8 @@ void RunInteractiveRestore(Application& app, int button) {
     }
     app.gate.ReleaseLists();
     ReportInteractiveRestore(app.main_dialog, result);
-    ::SendMessageW(app.main_dialog, WM_RESTORE_ENDED, result.code == ResultCode::kFailed, 0);
+    ::SendMessageW(app.main_dialog, WM_RESTORE_ENDED, result.code == ResultCode::kFailed,
+                   NoticeOf(result));
     ::SendMessageW(app.main_dialog, WM_STATES_CHANGED, 0, 0);
     if (result.code == ResultCode::kSuccess) {
         ConfirmThenEnd(app);

@@ -41,7 +41,8 @@ constexpr UINT WM_TAKE_DESCRIPTION = WM_APP + 131;  // to Application::wanted_de
 constexpr UINT WM_BACKUP_DONE = WM_APP + 132;       // a state was written
 constexpr UINT WM_STATES_CHANGED = WM_APP + 133;    // wParam: 1 to keep the selected state
 constexpr UINT WM_SELECTED_STATE = WM_APP + 134;    // answers its number, or kNoState of a request
-constexpr UINT WM_RESTORE_ENDED = WM_APP + 135;     // wParam: 1 when items are left over
+// wParam: 1 when items are left over; lParam: the text about what no box tells, or 0.
+constexpr UINT WM_RESTORE_ENDED = WM_APP + 135;
 
 // To the options page: the main dialog's WM_ACTIVATE, with the same parameters.
 constexpr UINT WM_DIALOG_ACTIVATED = WM_APP + 300;

@@ -98,7 +98,8 @@ void BackupPage::AddUnsaved(std::uint16_t state,
 void BackupPage::ShowLastAutomatic() {
     AutomaticBackup last{};
     char16_t ended[kDateTimeTextUnits];
-    if (!ReadAutomaticBackup(last) || FormatFileTimeText(last.ended, ended, LOCALE_SSHORTDATE) == 0) {
+    if (!ReadAutomaticBackup(last) ||
+        FormatFileTimeText(last.ended, ended, LOCALE_SSHORTDATE) == 0) {
         ::SetWindowTextW(Control(IDC_LAST_AUTOMATIC),
                          ResourceText(app_.instance, IDS_AUTOMATIC_NEVER));
         return;

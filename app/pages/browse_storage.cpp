@@ -76,7 +76,7 @@ bool NamesOfChosen(const wchar_t* chosen, StorageNames& names) {
 }
 
 // Why the settings or the platform could not keep the chosen name. Of a pair that exists the name
-// may be empty (docs/oddities.md, 80).
+// may be empty (docs/oddities.md, 63).
 NameFault FaultOf(const wchar_t* chosen) {
     const NameFault fault = JudgeStorageName(Utf16(chosen));
     if (fault != NameFault::kEmpty) {

@@ -12,8 +12,9 @@ RECT DifferencePanel::Place() const {
     return place;
 }
 
-void DifferencePanel::Create(HINSTANCE instance, HWND place_holder) {
+void DifferencePanel::Create(HINSTANCE instance, HWND place_holder, TreeListener& listener) {
     place_holder_ = place_holder;
+    tree_.SetListener(&listener);
     if (!tree_.RegisterTreeWindowClass(instance)) {
         return;
     }
@@ -21,12 +22,22 @@ void DifferencePanel::Create(HINSTANCE instance, HWND place_holder) {
     tree_.CreateTreeDialog(::GetParent(place_holder), &place);
 }
 
-void DifferencePanel::Build(Application& app, const wchar_t* caption) {
+bool DifferencePanel::Build(Application& app, const wchar_t* caption, bool opens_branches,
+                            std::uint32_t shown_state) {
     OpenedDifferences differences(app.engine);
     TreeBuild build;
     build.advanced_view = app.settings.AdvancedTreeView != 0;
+    build.opens_branches = opens_branches;
+    build.shown_state = shown_state;
+    build.counts = &counts_;
     build.root_caption = Utf16(caption);
-    tree_.BuildDifferenceTree(differences.enumerator(), build);
+    return tree_.tree_view() == nullptr ||
+           tree_.BuildDifferenceTree(differences.enumerator(), build);
+}
+
+bool DifferencePanel::TakesCharacter(const MSG& message) {
+    return message.hwnd == tree_.tree_view() &&
+           search_.OnCharacter(message.hwnd, static_cast<wchar_t>(message.wParam), message.time);
 }
 
 void DifferencePanel::OnLayout(bool is_shown) {

@@ -109,6 +109,10 @@ bool MainDialog::TakesMessage(MSG& message) {
         FocusPage();
         message.hwnd = ::GetFocus();
     }
+    if (is_key && shown_ != nullptr && ::IsChild(shown_->window(), message.hwnd) &&
+        shown_->TakesKey(message)) {
+        return true;
+    }
     return ::IsDialogMessageW(window(), &message) != FALSE;
 }
 

@@ -49,7 +49,7 @@ void FormatStart(const Application& app, const SYSTEMTIME& start,
 
 }  // namespace
 
-// The battery's check is registered as a daily time, too (docs/oddities.md, 82).
+// The battery's check is registered as a daily time, too (docs/oddities.md, 65).
 void FormatNextBackup(const Application& app, wchar_t (&line)[kNextBackupUnits]) {
     SYSTEMTIME start{};
     if (app.settings.onTime == 0) {

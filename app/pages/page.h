@@ -40,6 +40,8 @@ public:
 
     // The button that Enter presses while the focus is on nothing that takes it; 0 for none.
     virtual int DefaultButton() const { return 0; }
+    // A key message for a control of the page. True when it meant something of its own.
+    virtual bool TakesKey(const MSG& /*message*/) { return false; }
     // Enter was pressed with the focus on `control`. True when that meant something of its own.
     virtual bool OnEnter(HWND /*control*/) { return false; }
     // The place of the page was set anew.

@@ -1,8 +1,11 @@
 #include "app/pages/restore_page.h"
 
 #include "app/operations/confirmation.h"
+#include "app/operations/messages.h"
 #include "app/operations/window_messages.h"
 #include "app/pages/restore_layout.h"
+#include "app/pages/tree_filter_dialog.h"
+#include "platform/resource_text.h"
 #include "platform/text.h"
 #include "snapshot/engine/difference_engine.h"
 #include "storage/opened/state_details.h"
@@ -20,7 +23,9 @@ bool HasDifferences(const Application& app) {
 
 void RestorePage::OnInit() {
     states_.Attach(Control(IDC_STATES));
-    tree_.Create(app_.instance, Control(IDC_TREE_PLACE));
+    failed_.Attach(window());
+    tree_.Create(app_.instance, Control(IDC_TREE_PLACE), failed_);
+    ShowComparison();
     if (app_.gate.ListsAreFree()) {
         FillStates(false);
     }
@@ -55,12 +60,30 @@ bool RestorePage::OnEnter(HWND control) {
     return true;
 }
 
+// The tree is searched by typing in it; F3 goes on from wherever the focus is.
+bool RestorePage::TakesKey(const MSG& message) {
+    if (CurrentForm() == Form::kRestore) {
+        return false;
+    }
+    if (message.message == WM_KEYDOWN && message.wParam == VK_F3) {
+        tree_.FindNext();
+        return true;
+    }
+    return message.message == WM_CHAR && tree_.TakesCharacter(message);
+}
+
 void RestorePage::OnShow(int index) {
     tab_ = index;
     if (index == kAdvancedPage && app_.settings.AdvancedTreeViewChange != 0 &&
         app_.gate.ListsAreFree()) {
         app_.settings.AdvancedTreeViewChange = 0;
-        BuildTree();
+        if (is_failed_ || comparison_.IsMade()) {
+            RebuildTree();
+        }
+    }
+    // The options may have changed meanwhile.
+    if (is_failed_ && app_.gate.ListsAreFree()) {
+        failed_.ShowAdvice();
     }
 }
 
@@ -74,11 +97,13 @@ void RestorePage::OnStorageChanged() {
     if (window() == nullptr) {
         return;
     }
+    notice_ = 0;
     FillStates(false);
     ForgetMissingDifferences();
 }
 
 void RestorePage::FillStates(bool keep_selected) {
+    ShowNotice();
     const std::int32_t selected = SelectedState();
     const bool had_none = selected == kNoState && states_.Count() > 0;
     states_.Fill(app_.storage.journal.get());
@@ -95,6 +120,7 @@ void RestorePage::FillStates(bool keep_selected) {
 void RestorePage::OnSelectionChanged() {
     shown_item_ = states_.Selected();
     ShowStateDetails(states_.SelectedRecord());
+    ShowComparison();
 }
 
 void RestorePage::ShowStateDetails(const ObjectRecord* state) {
@@ -121,7 +147,10 @@ void RestorePage::RequestRestore(int button) {
     request.kind = OperationKind::kRestore;
     request.button = button;
     request.state_number = SelectedState();
-    ConfirmThenRun(app_, request);
+    ShownComparison::Text effect;
+    comparison_.PutEffect(button, effect);
+    ConfirmThenRun(app_, request,
+                   is_failed_ ? ResourceText(app_.instance, IDS_EFFECT_TRY_AGAIN) : effect);
 }
 
 void RestorePage::RequestDifferences() {
@@ -136,31 +165,75 @@ void RestorePage::RequestDifferences() {
 void RestorePage::ShowDifferences() {
     app_.popup.Show(app_.main_dialog, L"Creating tree...", kTreeSteps);
     const int item = states_.Selected();
-    CompareWithOlder(*states_.At(item), states_.At(item + 1));
+    const bool is_done = Compare(*states_.At(item), states_.At(item + 1));
     app_.progress.ProgressStep(u"Preparing tree...");
-    BuildTree();
-    OnLayout();
+    const bool is_shown = is_done && BuildTree();
     app_.popup.CloseAndWait();
+    if (!is_shown) {
+        GiveUpComparison();
+    }
+    ShowComparison();
+    OnLayout();
+}
+
+// The buttons must not act on what nobody can see.
+void RestorePage::GiveUpComparison() {
+    DropDifferences();
+    ForgetMissingDifferences();
+    ShowMessage(app_.main_dialog, ResourceText(app_.instance, IDS_COMPARE_FAILED), MB_ICONWARNING);
+}
+
+// Another view of the same list.
+void RestorePage::RebuildTree() {
+    if (!BuildTree() && !is_failed_) {
+        GiveUpComparison();
+    }
+    ShowComparison();
 }
 
 // What a restore left over need not be the difference that the caption names.
-void RestorePage::BuildTree() { tree_.Build(app_, is_failed_ ? L"" : caption_); }
-
-void RestorePage::ShowCaption() { ::SetWindowTextW(Control(IDC_DIFFERENCES_CAPTION), caption_); }
-
-// Half a comparison, or an earlier one, would pass for the whole of this one: after a failure there
-// are no differences.
-void RestorePage::CompareWithOlder(const ObjectRecord& state, const ObjectRecord* older) {
-    DropDifferences();
-    caption_[0] = 0;
-    if (older != nullptr &&
-        FindDifferenceEx(app_.engine, older->state_number, state.state_number)) {
-        ::wsprintfW(caption_, L"Differences from State %i to State %i", older->state_number,
-                    state.state_number);
-    } else {
-        DropDifferences();
+bool RestorePage::BuildTree() {
+    ShownComparison::Text caption = L"";
+    if (!is_failed_) {
+        comparison_.PutCaption(caption);
     }
-    ShowCaption();
+    return tree_.Build(app_, caption, is_failed_, is_failed_ ? 0 : shown_state_);
+}
+
+void RestorePage::ShowComparison() {
+    ShownComparison::Text text;
+    comparison_.PutCaption(text);
+    ::SetWindowTextW(Control(IDC_DIFFERENCES_CAPTION), text);
+    comparison_.PutLine(SelectedState(), text);
+    if (comparison_.IsMade() && shown_state_ != 0) {
+        const TreeCounts& counts = tree_.counts();
+        ::wsprintfW(text, ResourceText(app_.instance, IDS_SHOWS_SOME), counts.shown, counts.all);
+    }
+    ::SetWindowTextW(Control(IDC_DIFFERENCES_HINT), text);
+}
+
+// The list stays as it is: the buttons act on all of it.
+void RestorePage::ChooseShown() {
+    if (!comparison_.IsMade() || app_.gate.IsOccupied()) {
+        return;
+    }
+    TreeFilterDialog dialog;
+    const std::optional<std::uint32_t> chosen = dialog.Ask(app_.instance, app_.main_dialog);
+    // Another program may have asked for an operation meanwhile.
+    if (!chosen || !comparison_.IsMade() || app_.gate.IsOccupied()) {
+        return;
+    }
+    shown_state_ = *chosen;
+    RebuildTree();
+}
+
+// False when the states could not be compared.
+bool RestorePage::Compare(const ObjectRecord& state, const ObjectRecord* older) {
+    DropDifferences();
+    shown_state_ = 0;
+    comparison_.Keep(state.state_number, older != nullptr ? older->state_number : kNoState);
+    return older == nullptr ||
+           FindDifferenceEx(app_.engine, older->state_number, state.state_number);
 }
 
 // With the registry objects of a restore that left some of them over.
@@ -168,16 +241,44 @@ void RestorePage::DropDifferences() {
     if (app_.storage.difference != nullptr) {
         app_.storage.difference->ClearList();
     }
+    app_.storage.failures.Clear();
     app_.storage.registry_objects.RegObjectClear();
 }
 
-void RestorePage::OnRestoreEnded(bool items_left) {
+// What the last operation came to: what no box told, or what a backup saved.
+void RestorePage::ShowNotice() {
+    wchar_t text[kResourceTextUnits] = L"";
+    const SavedCounts& saved = app_.storage.saved;
+    if (notice_ != 0) {
+        ::wcsncpy(text, ResourceText(app_.instance, notice_), kResourceTextUnits - 1);
+    } else if (saved.state_number != 0) {
+        ::wsprintfW(text, ResourceText(app_.instance, IDS_SAVED), saved.state_number, saved.added,
+                    saved.changed, saved.deleted);
+    }
+    ::SetWindowTextW(Control(IDC_RESTORE_NOTICE), text);
+}
+
+void RestorePage::OnRestoreEnded(bool items_left, UINT notice) {
+    notice_ = notice;
+    ShowNotice();
     is_failed_ = items_left;
     if (items_left) {
         BuildTree();
     }
     ForgetMissingDifferences();
     OnLayout();
+    if (is_failed_) {
+        ShowFailed();
+    }
+}
+
+// What is left has its sense turned round: "--" would write the old contents over newer work, so it
+// is not there, and the focus leaves it.
+void RestorePage::ShowFailed() {
+    const int way_on = failed_.ShowAdvice();
+    if (::IsWindowVisible(window())) {
+        ::SetFocus(Control(way_on));
+    }
 }
 
 // What the tree shows and what the buttons "+" and "--" work with is one and the same.
@@ -187,8 +288,8 @@ void RestorePage::ForgetMissingDifferences() {
     }
     is_failed_ = false;
     tree_.Clear();
-    caption_[0] = 0;
-    ShowCaption();
+    comparison_.Forget();
+    ShowComparison();
     OnLayout();
 }
 
@@ -227,16 +328,17 @@ bool RestorePage::OnCommand(int id, int notification) {
         case IDC_RESTORE:
         case IDC_APPLY_CHANGES:
         case IDC_TAKE_BACK_CHANGES: RequestRestore(id); return true;
+        case IDC_SHOW: ChooseShown(); return true;
         case IDC_FAILED_OK: LeaveFailed(); return true;
         default: return false;
     }
 }
 
-INT_PTR RestorePage::OnMessage(UINT message, WPARAM wparam, LPARAM) {
+INT_PTR RestorePage::OnMessage(UINT message, WPARAM wparam, LPARAM lparam) {
     switch (message) {
         case WM_SELECTED_STATE: return Answer(SelectedState());
         case WM_STATES_CHANGED: FillStates(wparam != 0); return TRUE;
-        case WM_RESTORE_ENDED: OnRestoreEnded(wparam != 0); return TRUE;
+        case WM_RESTORE_ENDED: OnRestoreEnded(wparam != 0, static_cast<UINT>(lparam)); return TRUE;
         case WM_DESTROY: return OnDestroy();
         default: return FALSE;
     }

@@ -3,7 +3,9 @@
 #pragma once
 
 #include "app/pages/difference_panel.h"
+#include "app/pages/failed_panel.h"
 #include "app/pages/page.h"
+#include "app/pages/shown_comparison.h"
 #include "app/pages/state_list.h"
 #include "res/resource.h"
 
@@ -15,10 +17,12 @@ public:
     // user has seen it.
     enum class Form { kRestore, kAdvanced, kFailed };
 
-    RestorePage(Application& app, Frame& frame) : Page(app, frame, IDD_RESTORE_PAGE) {}
+    RestorePage(Application& app, Frame& frame)
+        : Page(app, frame, IDD_RESTORE_PAGE), failed_(app), comparison_(app.instance) {}
 
     int DefaultButton() const override;
     bool OnEnter(HWND control) override;
+    bool TakesKey(const MSG& message) override;
     void OnShow(int index) override;
     void OnLayout() override;
     void OnStorageChanged() override;
@@ -38,21 +42,28 @@ private:
     void RequestRestore(int button);
     void RequestDifferences();
     void ShowDifferences();
-    void BuildTree();
-    void ShowCaption();
-    void CompareWithOlder(const ObjectRecord& state, const ObjectRecord* older);
+    bool Compare(const ObjectRecord& state, const ObjectRecord* older);
+    bool BuildTree();
+    void ShowComparison();
+    void GiveUpComparison();
+    void RebuildTree();
+    void ChooseShown();
     void DropDifferences();
-    void OnRestoreEnded(bool items_left);
+    void OnRestoreEnded(bool items_left, UINT notice);
+    void ShowNotice();
+    void ShowFailed();
     void LeaveFailed();
     void ForgetMissingDifferences();
 
     StateList states_;
     DifferencePanel tree_;
+    FailedPanel failed_;
+    ShownComparison comparison_;
     int tab_ = kRestorePage;
-    int shown_item_ = -1;  // the item whose details are shown
+    int shown_item_ = -1;            // the item whose details are shown
+    UINT notice_ = 0;                // a text about the last operation; 0 is none
+    std::uint32_t shown_state_ = 0;  // of the items that the tree shows; 0: all
     bool is_failed_ = false;
-    static constexpr int kCaptionUnits = 64;
-    wchar_t caption_[kCaptionUnits] = L"";  // of the differences; empty without any
 };
 
 }  // namespace tolvenar

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "snapshot/records/failure_reasons.h"
 #include "snapshot/records/object_record.h"
 #include "snapshot/text/text_buffer.h"
 
@@ -15,7 +16,8 @@ struct EnumeratedObject {
     char16_t name[kObjectNameUnits];  // of a value: key path, U+00FF, value name; of a record: its
                                       // database
     ObjectType type;
-    std::uint16_t flags;  // JF_* of its record
+    std::uint16_t flags;   // JF_* of its record
+    FailureReason reason;  // why it could not be restored
     std::uint32_t dwOID;
     std::uint32_t hive;  // root key handle value of a registry object
 };

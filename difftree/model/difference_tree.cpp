@@ -30,7 +30,8 @@ bool ClassifyAll(DifferenceEnumerator& enumerator, ObjectClassifier& classifier,
             default: break;
         }
         const std::uint32_t state = StateOf(object.flags & filter_mask);
-        if (state != 0 && !classifier.ClassifyObject(object, state | kNodeObject)) {
+        const std::uint32_t flags = state | kNodeObject | NodeFlagsOf(object.reason);
+        if (state != 0 && !classifier.ClassifyObject(object, flags)) {
             return false;
         }
     }
@@ -41,6 +42,33 @@ bool MakeNodes(TreeControl& control, NodeTree& tree, const TreeTexts& texts,
     ObjectClassifier classifier(control, tree, texts, build, enumerator);
     return classifier.MakeCategories() && ClassifyAll(enumerator, classifier, build.filter_mask) &&
            classifier.AddApplications();
+}
+
+std::uint32_t ChangesBelow(const NodeRecord& node) { return node.added + node.deleted + node.both; }
+
+// Counts what is there, then what is shown of it.
+void Count(NodeTree& tree, const TreeBuild& build) {
+    tree.CountAndMark();
+    TreeCounts counts;
+    counts.shown = counts.all = ChangesBelow(*tree.root());
+    if (build.shown_state != 0) {
+        tree.KeepOnly(build.shown_state);
+        tree.CountAndMark();
+        counts.shown = ChangesBelow(*tree.root());
+    }
+    if (build.counts != nullptr) {
+        *build.counts = counts;
+    }
+}
+
+void OpenBranches(TreeControl& control, const NodeRecord& node) {
+    for (const NodeRecord* child = node.first_child; child != nullptr;
+         child = child->next_sibling) {
+        if (child->first_child != nullptr) {
+            OpenBranches(control, *child);
+            control.Expand(child->item);
+        }
+    }
 }
 
 }  // namespace
@@ -62,7 +90,7 @@ int BuildDifferenceTree(TreeControl& control, const TreeTexts& texts,
         tree.FillControl(build, false);
         return 0;
     }
-    tree.CountAndMark();
+    Count(tree, build);
     if (NodeRecord* const files =
             build.advanced_view ? tree.GetCategoryNode(kCategoryFiles) : nullptr) {
         NodeTree::SortLeavesLast(*files);
@@ -73,6 +101,9 @@ int BuildDifferenceTree(TreeControl& control, const TreeTexts& texts,
     const NodeRecord& root = *tree.root();
     if (root.added == 0 && root.deleted == 0 && root.both == 0) {
         control.SetButton(root.item, false);
+    }
+    if (build.opens_branches) {
+        OpenBranches(control, root);
     }
     control.ShowRoot(root.item);
     return 1;

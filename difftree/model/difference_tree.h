@@ -35,6 +35,12 @@ constexpr NodeStyles kDefaultStyles = {
     {0x000000, false}, {0xFF0000, true}, {0x808080, true}, {0x0000FF, true}};
 const NodeStyle& StyleOf(const NodeStyles& styles, std::uint32_t node_flags);
 
+// Changed objects of a tree.
+struct TreeCounts {
+    std::uint32_t shown = 0;
+    std::uint32_t all = 0;
+};
+
 // What a build is made with. The values are the restore page's.
 struct TreeBuild {
     std::uint32_t options = kTreeColours | kTreeCounts | kTreeMarks | kTreeBold;
@@ -42,6 +48,9 @@ struct TreeBuild {
         kExpandOtherDatabases | kCategoryFiles | kCategoryDatabases | kCategoryRegistry;
     std::uint16_t filter_mask = JF_ADD | JF_DELETE;
     bool advanced_view = false;
+    bool opens_branches = false;             // those that hold something
+    std::uint32_t shown_state = 0;           // the items of this change state alone; 0: all
+    TreeCounts* counts = nullptr;            // filled by the build, if given
     const char16_t* root_caption = nullptr;  // null or empty: "Differences"
     NodeStyles styles = kDefaultStyles;
 };

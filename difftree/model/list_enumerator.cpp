@@ -43,6 +43,7 @@ int ListEnumerator::Next(EnumeratedObject& object) {
     object.name[name.copy(object.name, kObjectNameUnits - 1)] = 0;
     object.type = record_->type;
     object.flags = record_->flags;
+    object.reason = failures_.Of(*record_);
     object.dwOID = record_->dwOID;
     object.hive = IsRegistryObject(*record_) ? block_.head().hive : 0;
     return kObject;

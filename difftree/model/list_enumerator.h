@@ -14,9 +14,10 @@ namespace tolvenar {
 class ListEnumerator final : public DifferenceEnumerator {
 public:
     // `differences` may be null; `storage` is null when the storage file cannot be opened.
-    ListEnumerator(const ObjectList* differences, StorageReader* storage, LiveObjects& live,
-                   LiveContents& contents)
-        : storage_(storage),
+    ListEnumerator(const ObjectList* differences, const FailureTable& failures,
+                   StorageReader* storage, LiveObjects& live, LiveContents& contents)
+        : failures_(failures),
+          storage_(storage),
           live_(live),
           contents_(contents),
           next_(differences != nullptr ? differences->begin() : Place(nullptr)) {}
@@ -34,6 +35,7 @@ private:
 
     bool Describe();
 
+    const FailureTable& failures_;
     StorageReader* storage_;
     LiveObjects& live_;
     LiveContents& contents_;

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "snapshot/records/failure_reasons.h"
 #include "snapshot/records/hash_index.h"
 
 namespace tolvenar {
@@ -17,6 +18,15 @@ constexpr std::uint32_t kNodeStateMask = kNodeBoth;
 constexpr std::uint32_t kNodeObject = 4;
 constexpr std::uint32_t kNodeGroup = 8;         // category or group: counts are drawn after it
 constexpr std::uint32_t kNodeInformation = 16;  // not counted
+
+// Above them the reasons why the node's objects could not be restored.
+constexpr int kNodeReasonShift = 8;
+constexpr std::uint32_t NodeFlagsOf(FailureReason reason) {
+    return static_cast<std::uint32_t>(reason) << kNodeReasonShift;
+}
+constexpr bool HasReason(std::uint32_t node_flags, FailureReason reason) {
+    return (node_flags & NodeFlagsOf(reason)) != 0;
+}
 
 // Category codes; a node below a category carries the object type that it stands for.
 constexpr std::uint32_t kCategoryOther = 0;

@@ -123,6 +123,27 @@ private:
     const bool with_marks_;
 };
 
+void KeepChildren(NodeRecord& node, std::uint32_t state);
+
+bool IsKept(NodeRecord& node, std::uint32_t state) {
+    KeepChildren(node, state);
+    return node.first_child != nullptr || (node.flags & kNodeStateMask) == state;
+}
+
+void KeepChildren(NodeRecord& node, std::uint32_t state) {
+    NodeRecord* child = node.first_child;
+    node.first_child = node.last_child = nullptr;
+    while (child != nullptr) {
+        NodeRecord* const next = child->next_sibling;
+        if (IsKept(*child, state)) {
+            Append(node, *child);
+        } else {
+            FreeNodeRecord(child);
+        }
+        child = next;
+    }
+}
+
 }  // namespace
 
 void FreeNodeRecord(NodeRecord* record) {
@@ -192,6 +213,13 @@ NodeRecord* NodeTree::GetCategoryNode(std::uint32_t code) const {
 void NodeTree::CountAndMark() {
     if (root_ != nullptr) {
         CountAndMarkNode(*root_);
+    }
+}
+
+void NodeTree::KeepOnly(std::uint32_t state) {
+    NodeRecord* category = root_->first_child;
+    for (; category != nullptr; category = category->next_sibling) {
+        KeepChildren(*category, state);
     }
 }
 

@@ -23,6 +23,7 @@ public:
     // is then still the caller's.
     virtual TreeItem InsertItem(TreeItem parent, const ItemContent& content) = 0;
     virtual void SetButton(TreeItem item, bool has_button) = 0;
+    virtual void Expand(TreeItem item) = 0;
     // Expands the root and scrolls it to the top.
     virtual void ShowRoot(TreeItem root) = 0;
     // Turns letters into those that stand for either case; lengths stay.

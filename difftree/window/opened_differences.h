@@ -14,8 +14,8 @@ public:
     explicit OpenedDifferences(Engine& engine)
         : has_storage_(mapping_.Open(engine.storage.names.sav)),
           contents_(engine.databases, engine.info),
-          enumerator_(engine.storage.difference.get(), has_storage_ ? &storage_ : nullptr,
-                      engine.info, contents_) {}
+          enumerator_(engine.storage.difference.get(), engine.storage.failures,
+                      has_storage_ ? &storage_ : nullptr, engine.info, contents_) {}
     OpenedDifferences(const OpenedDifferences&) = delete;
     OpenedDifferences& operator=(const OpenedDifferences&) = delete;
 

@@ -31,10 +31,13 @@ void TreeView::SetButton(TreeItem item, bool has_button) {
     ::SendMessageW(tree_view_, TVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&change));
 }
 
+void TreeView::Expand(TreeItem item) {
+    ::SendMessageW(tree_view_, TVM_EXPAND, TVE_EXPAND, reinterpret_cast<LPARAM>(item));
+}
+
 void TreeView::ShowRoot(TreeItem root) {
-    const auto item = reinterpret_cast<LPARAM>(root);
-    ::SendMessageW(tree_view_, TVM_EXPAND, TVE_EXPAND, item);
-    ::SendMessageW(tree_view_, TVM_SELECTITEM, TVGN_FIRSTVISIBLE, item);
+    Expand(root);
+    ::SendMessageW(tree_view_, TVM_SELECTITEM, TVGN_FIRSTVISIBLE, reinterpret_cast<LPARAM>(root));
 }
 
 void TreeView::FoldCase(char16_t* text, std::size_t units) {

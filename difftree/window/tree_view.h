@@ -14,6 +14,7 @@ public:
     void DeleteAllItems() override;
     TreeItem InsertItem(TreeItem parent, const ItemContent& content) override;
     void SetButton(TreeItem item, bool has_button) override;
+    void Expand(TreeItem item) override;
     void ShowRoot(TreeItem root) override;
     void FoldCase(char16_t* text, std::size_t units) override;
 

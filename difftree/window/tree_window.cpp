@@ -193,6 +193,14 @@ LRESULT TreeWindow::OnParentMessage(TreeWindow& window, HWND parent, UINT messag
     }
 }
 
+void TreeWindow::OnSelected(const NMTREEVIEWW& change) const {
+    if (listener_ != nullptr) {
+        const bool is_item = change.itemNew.hItem != nullptr;
+        listener_->OnNodeSelected(
+            is_item ? reinterpret_cast<const NodeRecord*>(change.itemNew.lParam) : nullptr);
+    }
+}
+
 LRESULT TreeWindow::OnNotify(LPARAM lparam) {
     NMHDR* const header = NotificationOf(tree_view(), lparam);
     if (header == nullptr) {
@@ -205,6 +213,7 @@ LRESULT TreeWindow::OnNotify(LPARAM lparam) {
             FreeNodeRecord(reinterpret_cast<NodeRecord*>(
                 reinterpret_cast<NMTREEVIEWW*>(header)->itemOld.lParam));
             return 0;
+        case TVN_SELCHANGEDW: OnSelected(*reinterpret_cast<NMTREEVIEWW*>(header)); return 0;
         // Counts stand outside the items' own rectangles of text.
         case TVN_ITEMEXPANDEDW:
             ::InvalidateRect(tree_view(), nullptr, TRUE);

@@ -11,6 +11,15 @@
 
 namespace tolvenar {
 
+// Who hears which node the user selects; null for none.
+class TreeListener {
+public:
+    virtual void OnNodeSelected(const NodeRecord* node) = 0;
+
+protected:
+    ~TreeListener() = default;
+};
+
 class TreeWindow final : private Dialog {
 public:
     ~TreeWindow() { DestroyTreeWindowClass(); }
@@ -18,6 +27,8 @@ public:
     // Registers the class, makes the bold font and loads the texts. False when there is no class:
     // the page then has no tree.
     bool RegisterTreeWindowClass(HINSTANCE instance);
+    // May be null.
+    void SetListener(TreeListener* listener) { listener_ = listener; }
     // Makes the child dialog, at `rectangle` of the parent's client area when one is given. Null
     // when it or its tree view cannot be made.
     HWND CreateTreeDialog(HWND parent, const RECT* rectangle);
@@ -41,6 +52,7 @@ private:
     void CreateTreeView(HWND parent);
     void FocusTree();
     LRESULT OnNotify(LPARAM lparam);
+    void OnSelected(const NMTREEVIEWW& change) const;
     void LoadTexts();
 
     HINSTANCE instance_ = nullptr;
@@ -48,6 +60,7 @@ private:
     UniqueWindow tree_view_;
     TreePainter painter_;
     TreeTexts texts_{};
+    TreeListener* listener_ = nullptr;
 };
 
 }  // namespace tolvenar

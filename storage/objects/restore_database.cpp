@@ -70,7 +70,7 @@ RestoreOutcome WriteRecord(DatabaseLayer& databases, WrittenRecords& written, HA
                            CEOID& newOid) {
     const std::unique_ptr<BYTE[]> buffer = CopyProperties(data, block.head().property_count);
     if (buffer == nullptr || !written.Reserve()) {
-        return RestoreOutcome::kFailed;
+        return FailWith(ERROR_INVALID_DATA);
     }
     auto* properties = reinterpret_cast<CEPROPVAL*>(buffer.get());
     const auto count = static_cast<WORD>(block.head().property_count);
@@ -90,7 +90,7 @@ RestoreOutcome RestoreRecord(DatabaseLayer& databases, WrittenRecords& written,
                                            : RestoreOutcome::kDone;
     }
     if (!database) {
-        return RestoreOutcome::kFailed;
+        return FailWith(ERROR_PATH_NOT_FOUND);
     }
     return WriteRecord(databases, written, database.get(), data, block, record_oid, newOid);
 }
@@ -111,7 +111,7 @@ RestoreOutcome DeleteDatabase(DatabaseLayer& databases, const char16_t* name) {
     }
     CEOIDINFO info;
     if (!databases.GetObjectInfo(oid, info) || info.infDatabase.wNumRecords != 0) {
-        return RestoreOutcome::kFailed;
+        return FailWith(ERROR_DIR_NOT_EMPTY);
     }
     return databases.DeleteDatabase(oid) || ProbeDatabase(databases, name) == 0
                ? RestoreOutcome::kDone
@@ -124,7 +124,7 @@ RestoreOutcome WriteDatabase(DatabaseLayer& databases, const StoredBytes& data,
     const std::uint32_t sort_orders = block.head().sort_order_count;
     if (sort_orders > CEDB_MAXSORTORDER || !data.complete() ||
         data.length < sort_orders * sizeof(SORTORDERSPEC)) {
-        return RestoreOutcome::kFailed;
+        return FailWith(ERROR_INVALID_DATA);
     }
     info.dwFlags = CEDB_VALIDSORTSPEC;
     info.wNumSortOrder = static_cast<WORD>(sort_orders);

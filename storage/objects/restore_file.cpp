@@ -41,13 +41,18 @@ RestoreOutcome WriteFolder(const InfoBlock& block, CEOID& newOid) {
     return RestoreOutcome::kDone;
 }
 
-// Called on the line after the failure, while the last error is still its own.
-void LogWriteFailure() {
-    const DWORD error = ::GetLastError();
+void LogWriteFailure(DWORD error) {
     TextBuffer<32> message;
     message.Append(u"WriteFile:").AppendNumber(static_cast<std::int32_t>(error));
     // Neither level nor module is a mistake (docs/oddities.md, 18).
     LogMessage(message.text(), u"Error", kLogPlain);
+}
+
+// Without room nothing is written, and the last error is the one of before: that an existing file
+// was opened.
+DWORD CauseOf(DWORD write_error) {
+    return write_error == ERROR_SUCCESS || write_error == ERROR_ALREADY_EXISTS ? ERROR_DISK_FULL
+                                                                               : write_error;
 }
 
 RestoreOutcome WriteFileBack(const StorageMapping& storage, std::uint32_t data_offset,
@@ -61,24 +66,25 @@ RestoreOutcome WriteFileBack(const StorageMapping& storage, std::uint32_t data_o
     if (!file) {
         return RestoreOutcome::kFailed;
     }
-    RestoreOutcome outcome = RestoreOutcome::kDone;
+    DWORD cause = ERROR_SUCCESS;
     std::uint32_t written = 0;
     if (!WriteStoredData(file.get(), storage, data_offset, block.head().data_bytes, written)) {
-        LogWriteFailure();
-        outcome = RestoreOutcome::kFailed;
+        const DWORD error = ::GetLastError();
+        LogWriteFailure(error);
+        cause = CauseOf(error);
     }
     SetTimes(file.get(), block);
     file.Reset();
     ::SetFileAttributesW(path, AttributesOf(block));
     newOid = ObjectIdOf(block.name());
-    return outcome;
+    return cause == ERROR_SUCCESS ? RestoreOutcome::kDone : FailWith(cause);
 }
 
 RestoreOutcome Delete(const InfoBlock& block, bool is_folder) {
     const wchar_t* path = Wide(block.name());
     const BOOL deleted = is_folder ? ::RemoveDirectoryW(path) : ::DeleteFileW(path);
-    return deleted || StillExists(block.name()) == 0 ? RestoreOutcome::kDone
-                                                     : RestoreOutcome::kFailed;
+    const DWORD error = ::GetLastError();
+    return deleted || StillExists(block.name()) == 0 ? RestoreOutcome::kDone : FailWith(error);
 }
 
 }  // namespace

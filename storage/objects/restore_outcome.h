@@ -1,5 +1,7 @@
-// What restoring one object comes to. Platform-free.
+// What restoring one object comes to.
 #pragma once
+
+#include "platform/win32.h"
 
 namespace tolvenar {
 
@@ -7,7 +9,13 @@ enum class RestoreMode { kDelete = 0, kWriteBack = 1 };
 
 enum class RestoreOutcome {
     kDone = 0,
-    kFailed = 1,  // may be tried again: another object may have to come first
+    // May be tried again: another object may have to come first. The last error tells why.
+    kFailed = 1,
 };
+
+inline RestoreOutcome FailWith(DWORD error) {
+    ::SetLastError(error);
+    return RestoreOutcome::kFailed;
+}
 
 }  // namespace tolvenar

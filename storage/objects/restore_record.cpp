@@ -55,7 +55,7 @@ RestoreOutcome WithoutStoredBlock(LiveObjects& live, const ObjectRecord& record,
             return RestoreOutcome::kDone;
         }
         LogMessage(u"Fail GetOIDInfo", kModule, kLogError);
-        return RestoreOutcome::kFailed;
+        return FailWith(ERROR_FILE_NOT_FOUND);
     }
     decided = mode == RestoreMode::kWriteBack;
     return RestoreOutcome::kDone;
@@ -74,7 +74,7 @@ RestoreOutcome RestoreRegistry(RestoreTools& tools, const ObjectRecord& record, 
     }
     std::size_t separator = 0;
     if (!tools.value_names.FindSeparator(record, block, separator)) {
-        return RestoreOutcome::kFailed;
+        return FailWith(ERROR_INVALID_DATA);
     }
     name[separator] = 0;
     return RestoreRegistryObject(data, block, {name, name + separator + 1}, mode);
@@ -119,7 +119,7 @@ RestoreOutcome DoRestoreRecord(RestoreTools& tools, const ObjectRecord& record, 
     InfoBlock block;
     if (record.propOffset != 0) {
         if (!ReadStoredBlock(tools.stored, record, block)) {
-            return RestoreOutcome::kFailed;
+            return FailWith(ERROR_INVALID_DATA);
         }
     } else {
         bool decided = false;

@@ -10,7 +10,7 @@ namespace tolvenar {
 namespace {
 
 RestoreOutcome Outcome(LONG status) {
-    return status == ERROR_SUCCESS ? RestoreOutcome::kDone : RestoreOutcome::kFailed;
+    return status == ERROR_SUCCESS ? RestoreOutcome::kDone : FailWith(static_cast<DWORD>(status));
 }
 
 RestoreOutcome RestoreKey(HKEY root, const char16_t* key_path, RestoreMode mode) {
@@ -77,7 +77,8 @@ RestoreOutcome RestoreValue(const StoredBytes& data, const InfoBlock& block,
                             const RegistryName& name, RestoreMode mode) {
     const UniqueHkey key = OpenKey(RootKey(block.head().hive), Wide(name.key_path));
     if (!key) {
-        return mode == RestoreMode::kDelete ? RestoreOutcome::kDone : RestoreOutcome::kFailed;
+        return mode == RestoreMode::kDelete ? RestoreOutcome::kDone
+                                            : FailWith(ERROR_PATH_NOT_FOUND);
     }
     const LocaleValue* guarded = FindLocaleValue(block.head().hive, name);
     if (guarded != nullptr && !MayChange(*guarded, data, mode)) {
@@ -87,7 +88,7 @@ RestoreOutcome RestoreValue(const StoredBytes& data, const InfoBlock& block,
         return DeleteValue(key.get(), name.value_name);
     }
     if (!data.complete()) {
-        return RestoreOutcome::kFailed;
+        return FailWith(ERROR_INVALID_DATA);
     }
     return Outcome(::RegSetValueExW(key.get(), Wide(name.value_name), 0, block.head().value_type,
                                     data.bytes, data.length));
@@ -98,7 +99,7 @@ RestoreOutcome RestoreValue(const StoredBytes& data, const InfoBlock& block,
 RestoreOutcome RestoreRegistryObject(const StoredBytes& data, const InfoBlock& block,
                                      const RegistryName& name, RestoreMode mode) {
     if (!IsHive(block.head().hive)) {
-        return RestoreOutcome::kFailed;
+        return FailWith(ERROR_INVALID_DATA);
     }
     return block.type() == ObjectType::kRegistryKey
                ? RestoreKey(RootKey(block.head().hive), name.key_path, mode)

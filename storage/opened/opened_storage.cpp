@@ -8,12 +8,14 @@ void FreeWorkingLists(OpenedStorage& storage, bool all) {
     storage.left_out.Clear();
     if (all) {
         storage.difference.reset();
+        storage.failures.Clear();
     }
 }
 
 void CloseStorage(OpenedStorage& storage) {
     FreeWorkingLists(storage, true);
     storage.journal.reset();
+    storage.saved = {};
     storage.registry_objects.RegObjectClear();
     storage.header.reset();
 }

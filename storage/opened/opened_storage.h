@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "snapshot/records/failure_reasons.h"
 #include "snapshot/records/left_out.h"
 #include "snapshot/records/object_list.h"
 #include "snapshot/records/registry_objects.h"
@@ -13,6 +14,14 @@
 #include "storage/format/storage_names.h"
 
 namespace tolvenar {
+
+// What a backup put into its state, in objects; a changed one counts once.
+struct SavedCounts {
+    std::uint32_t state_number = 0;  // 0: nothing is known
+    std::uint32_t added = 0;
+    std::uint32_t changed = 0;
+    std::uint32_t deleted = 0;
+};
 
 struct OpenedStorage {
     StorageNames names;
@@ -26,6 +35,8 @@ struct OpenedStorage {
     // sense turned round; 0 is none, or the device as it was.
     std::uint32_t aimed_state = 0;
     std::uint32_t opposite_state = 0;
+    FailureTable failures;             // why the last restore left records in the difference list
+    SavedCounts saved;                 // by the last backup, until a restore
     RegistryObjects registry_objects;  // what the last registry scan met
     LeftOut left_out;                  // what the last scan met and could not read
 };

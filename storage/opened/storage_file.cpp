@@ -31,7 +31,7 @@ bool ReplaceHead(HandleBytes& file, HANDLE handle, const StorageHeader& header,
     return file.MoveTo(0) && file.Append(head, bytes) && ::SetEndOfFile(handle);
 }
 
-// Without room for the description the storage has none (docs/oddities.md, 81).
+// Without room for the description the storage has none (docs/oddities.md, 64).
 void WriteDescription(HandleBytes& file, HANDLE handle, StorageHeader& header, const char16_t* text,
                       std::size_t units) {
     SetDescription(header, text, units);

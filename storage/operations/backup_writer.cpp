@@ -13,6 +13,7 @@
 #include "storage/objects/object_data_writers.h"
 #include "storage/opened/journal.h"
 #include "storage/operations/backup_room.h"
+#include "storage/operations/saved_counts.h"
 #include "storage/operations/withdrawals.h"
 
 namespace tolvenar {
@@ -144,7 +145,14 @@ bool RunBackup(Engine& engine, std::uint32_t state_number, const char16_t* descr
     if (result.failed != 0 && !WithdrawDeletionsOfFailed(engine)) {
         return Fail(ResultCode::kFailed, result);
     }
-    return SaveJournal(engine, keep_journal_closed, result);
+    // An automatic backup ends the program: nobody is told.
+    SavedCounts saved;
+    if (!keep_journal_closed && CountSaved(engine, saved)) {
+        saved.state_number = state_number;
+    }
+    const bool is_saved = SaveJournal(engine, keep_journal_closed, result);
+    engine.storage.saved = is_saved ? saved : SavedCounts{};
+    return is_saved;
 }
 
 // An item that could not be written is described once, for the log and for what is in it.
@@ -179,6 +187,7 @@ bool IsLost(Engine& engine, const ObjectRecord& record, const LostContainers& lo
 bool DoBackup(Engine& engine, std::uint32_t state_number, const char16_t* description,
               bool keep_journal_closed, BackupResult& result) {
     result = {};
+    engine.storage.saved = {};
     const bool done = RunBackup(engine, state_number, description, keep_journal_closed, result);
     // The difference list of a backup must not be met by the advanced page's buttons.
     FreeWorkingLists(engine.storage, true);

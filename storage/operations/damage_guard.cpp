@@ -100,21 +100,27 @@ DamageCount DamageGuard::CountUntrusted() const {
     return damage;
 }
 
+void DamageGuard::HoldBack(ObjectRecord& record, FailureReason reason) {
+    tolvenar::HoldBack(record, reason, engine_.storage.failures);
+}
+
 void DamageGuard::KeepToMissing(WrittenRecords& written) {
     found_damage_ = true;
     const DatabaseCacheScope cache(engine_.databases);
     for (ObjectList::Node& node : difference_) {
         ObjectRecord& record = *node.record;
         InfoBlock block;
-        if (!IsPendingVersion(record) || check_.DamageOf(record) == Damage::kBlock ||
-            !FetchInfo(record, descriptions_.source, block)) {
-            HoldBack(record);
+        if (!IsPendingVersion(record)) {
+            HoldBack(record, FailureReason::kSpared);
+        } else if (check_.DamageOf(record) == Damage::kBlock ||
+                   !FetchInfo(record, descriptions_.source, block)) {
+            HoldBack(record, FailureReason::kDamaged);
         } else if (!IsMissing(record, block, written)) {
             // A key that is there is as it is to be.
             if (record.type == ObjectType::kRegistryKey) {
                 record.flags = 0;
             } else {
-                HoldBack(record);
+                HoldBack(record, FailureReason::kSpared);
             }
         }
     }
@@ -168,7 +174,7 @@ void DamageGuard::HoldBackDamagedNames() {
             check_.DamageOf(record) == Damage::kBlock) {
             LogObject(u"Its name is damaged, left alone: ", record, descriptions_.source, kModule,
                       kLogError);
-            HoldBack(record);
+            HoldBack(record, FailureReason::kDamaged);
             found_damage_ = true;
         }
     }
@@ -198,7 +204,7 @@ void DamageGuard::HoldBackNewest(ObjectRecord& record, const InfoBlock& block) {
         return;
     }
     LogObject(u"Its newest version may be lost, left alone: ", record, block, kModule, kLogError);
-    HoldBack(record);
+    HoldBack(record, FailureReason::kSpared);
     found_damage_ = true;
 }
 
@@ -221,7 +227,7 @@ void DamageGuard::HoldBackDamagedData() {
 void DamageGuard::HoldBackDamagedVersion(ObjectRecord& version, const InfoBlock& block) {
     found_damage_ = true;
     LogObject(u"Damaged in the storage, left alone: ", version, block, kModule, kLogError);
-    HoldBack(version);
+    HoldBack(version, FailureReason::kDamaged);
     for (ObjectList::Node& node : difference_) {
         ObjectRecord& newer = *node.record;
         InfoBlock described;
@@ -233,7 +239,7 @@ void DamageGuard::HoldBackDamagedVersion(ObjectRecord& version, const InfoBlock&
                                   : FetchInfo(newer, descriptions_.source, described) &&
                                         IsOneObject(described, block);
         if (is_newer) {
-            HoldBack(newer);
+            HoldBack(newer, FailureReason::kDamaged);
         }
     }
 }

@@ -44,6 +44,7 @@ private:
     bool IsLookedAt(const ObjectRecord& record) const;
     bool HoldBackUnclaimed();
     void HoldBackNewest(ObjectRecord& record, const InfoBlock& block);
+    void HoldBack(ObjectRecord& record, FailureReason reason);
     void HoldBackDamagedNames();
     void HoldBackDamagedData();
     void HoldBackDamagedVersion(ObjectRecord& version, const InfoBlock& block);

@@ -2,6 +2,17 @@
 
 namespace tolvenar {
 
+void HoldBack(ObjectRecord& record, FailureReason reason, FailureTable& failures) {
+    record.flags |= kHeldBack;
+    failures.Set(record, reason);
+}
+
+void SetReasons(const ObjectList& list, FailureReason reason, FailureTable& failures) {
+    for (const ObjectList::Node& node : list) {
+        failures.Set(*node.record, reason);
+    }
+}
+
 std::size_t CountPending(const ObjectList& list) {
     std::size_t count = 0;
     for (const ObjectList::Node& node : list) {

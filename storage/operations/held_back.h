@@ -3,6 +3,7 @@
 
 #include <cstddef>
 
+#include "snapshot/records/failure_reasons.h"
 #include "snapshot/records/object_list.h"
 
 namespace tolvenar {
@@ -12,7 +13,7 @@ namespace tolvenar {
 constexpr std::uint16_t kHeldBack = JF_FAILED;
 
 inline bool IsHeldBack(const ObjectRecord& record) { return (record.flags & kHeldBack) != 0; }
-inline void HoldBack(ObjectRecord& record) { record.flags |= kHeldBack; }
+void HoldBack(ObjectRecord& record, FailureReason reason, FailureTable& failures);
 
 inline bool IsPendingDeletion(const ObjectRecord& record) {
     return (record.flags & (JF_ADD | kHeldBack)) == JF_ADD;
@@ -29,6 +30,8 @@ inline bool IsPending(const ObjectRecord& record) {
 // Those of which a restore made something or may yet.
 std::size_t CountPending(const ObjectList& list);
 bool HoldsHeldBack(const ObjectList& list);
+// Gives every record this reason.
+void SetReasons(const ObjectList& list, FailureReason reason, FailureTable& failures);
 // Nothing is held back any more.
 void ReleaseHeldBack(ObjectList& list);
 // Takes out what is done.

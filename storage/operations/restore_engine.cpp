@@ -11,13 +11,12 @@
 #include "snapshot/engine/descriptions.h"
 #include "snapshot/engine/difference_engine.h"
 #include "snapshot/engine/program_values.h"
-#include "snapshot/text/log.h"
 #include "storage/opened/journal.h"
 #include "storage/opened/old_journals.h"
 #include "storage/opened/storage_file.h"
 #include "storage/operations/aimed_state.h"
+#include "storage/operations/failure_log.h"
 #include "storage/operations/held_back.h"
-#include "storage/operations/object_line.h"
 #include "storage/operations/pair_proof.h"
 #include "storage/operations/restore_list.h"
 #include "storage/operations/restore_paths.h"
@@ -51,7 +50,10 @@ public:
           storage_(engine.storage),
           result_(result),
           run_(engine.storage.journal.get()),
-          plan_{engine, questions, nullptr, tells_device} {}
+          plan_{engine, questions, nullptr, tells_device} {
+        storage_.failures.Clear();
+        storage_.saved = {};
+    }
 
     // The list is that of the device and a state, or of two states and is worked on with
     // `database_restore`.
@@ -95,6 +97,9 @@ bool Restore::FailWithWholeList() {
         OpenJournal(storage_, nullptr);
     }
     result_.missing_bytes = plan_.questions == nullptr ? plan_.missing_bytes : 0;
+    SetReasons(*storage_.difference,
+               plan_.missing_bytes != 0 ? FailureReason::kNoRoom : FailureReason::kNotTried,
+               storage_.failures);
     ReleaseHeldBack(*storage_.difference);
     TurnRound(storage_, *storage_.difference);
     return FailEarly(storage_, ResultCode::kFailed, result_);
@@ -237,12 +242,7 @@ void Restore::RunPasses() {
 
 void Restore::LogFailed() {
     Descriptions descriptions(engine_);
-    for (const ObjectList::Node& node : *storage_.difference) {
-        if (!IsHeldBack(*node.record)) {
-            LogObject(u"Not restored: ", *node.record, descriptions.source, u"DoRestore",
-                      kLogError);
-        }
-    }
+    LogNotRestored(storage_, descriptions.source);
 }
 
 // The journal is saved with new ids after a full restore only. A write-protected one, and a damaged

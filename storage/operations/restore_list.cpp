@@ -11,6 +11,37 @@ namespace {
 // Between the files and everything else, for the object store to settle.
 constexpr DWORD kSettleMs = 100;
 
+struct ErrorRow {
+    DWORD error;
+    FailureReason reason;
+};
+constexpr ErrorRow kErrorRows[] = {
+    {ERROR_SHARING_VIOLATION, FailureReason::kInUse},
+    {ERROR_LOCK_VIOLATION, FailureReason::kInUse},
+    {ERROR_BUSY, FailureReason::kInUse},
+    {ERROR_ACCESS_DENIED, FailureReason::kProtected},
+    {ERROR_WRITE_PROTECT, FailureReason::kProtected},
+    {ERROR_DISK_FULL, FailureReason::kNoRoom},
+    {ERROR_HANDLE_DISK_FULL, FailureReason::kNoRoom},
+    {ERROR_NOT_ENOUGH_MEMORY, FailureReason::kNoRoom},
+    {ERROR_OUTOFMEMORY, FailureReason::kNoRoom},
+    {ERROR_PATH_NOT_FOUND, FailureReason::kNoContainer},
+    {ERROR_DIR_NOT_EMPTY, FailureReason::kNotEmpty},
+    {ERROR_ALREADY_EXISTS, FailureReason::kIsThere},
+    {ERROR_INVALID_DATA, FailureReason::kDamaged},
+    {ERROR_CRC, FailureReason::kDamaged},
+    {ERROR_FILE_NOT_FOUND, FailureReason::kNotStored},
+};
+
+FailureReason ReasonOf(DWORD error) {
+    for (const ErrorRow& row : kErrorRows) {
+        if (row.error == error) {
+            return row.reason;
+        }
+    }
+    return FailureReason::kOther;
+}
+
 bool IsDeletion(const ObjectRecord& record) { return (record.flags & JF_ADD) != 0; }
 bool IsFileToWrite(const ObjectRecord& record) {
     return (record.flags & JF_DELETE) != 0 && TraitsOf(record.type).phase == RestorePhase::kFiles;
@@ -24,7 +55,11 @@ bool IsOtherToWrite(const ObjectRecord& record) {
 class Passes {
 public:
     Passes(Engine& engine, RestoreTools& tools, ObjectList& list, RestoreRun& run)
-        : progress_(engine.progress), tools_(tools), list_(list), run_(run) {}
+        : progress_(engine.progress),
+          failures_(engine.storage.failures),
+          tools_(tools),
+          list_(list),
+          run_(run) {}
 
     // Repeats passes over the chosen records until one has no failures, or as many as the one
     // before it. The failure count carries over between phases (docs/oddities.md, 12).
@@ -62,6 +97,7 @@ private:
     bool Restore(ObjectRecord& record) {
         CEOID newOid = 0;
         if (DoRestoreRecord(tools_, record, newOid) == RestoreOutcome::kFailed) {
+            failures_.Set(record, ReasonOf(::GetLastError()));
             return false;
         }
         record.flags = 0;
@@ -70,6 +106,7 @@ private:
     }
 
     Progress& progress_;
+    FailureTable& failures_;
     RestoreTools& tools_;
     ObjectList& list_;
     RestoreRun& run_;

@@ -58,7 +58,7 @@ void TakeOutOwnFiles(ObjectList& difference, const StorageNames& names, InfoSour
     });
 }
 
-void HoldBackOnCards(ObjectList& difference, InfoSource& info) {
+void HoldBackOnCards(ObjectList& difference, FailureTable& failures, InfoSource& info) {
     CardFolders cards;
     for (ObjectList::Node& node : difference) {
         ObjectRecord& record = *node.record;
@@ -66,7 +66,7 @@ void HoldBackOnCards(ObjectList& difference, InfoSource& info) {
         if (IsPending(record) && record.type == ObjectType::kFile &&
             FetchInfo(record, info, block) && cards.Hold(block)) {
             LogObject(u"On a card now, left alone: ", record, block, kModule, kLogError);
-            HoldBack(record);
+            HoldBack(record, FailureReason::kOnCard, failures);
         }
     }
 }

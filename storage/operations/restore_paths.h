@@ -2,6 +2,7 @@
 #pragma once
 
 #include "snapshot/compare/info_source.h"
+#include "snapshot/records/failure_reasons.h"
 #include "snapshot/records/object_list.h"
 #include "storage/format/storage_names.h"
 
@@ -13,6 +14,6 @@ void TakeOutOwnFiles(ObjectList& difference, const StorageNames& names, InfoSour
 
 // Holds back what would land on a mounted card, which is no part of any state: a card may hang
 // where a folder of the device was. The log names each.
-void HoldBackOnCards(ObjectList& difference, InfoSource& info);
+void HoldBackOnCards(ObjectList& difference, FailureTable& failures, InfoSource& info);
 
 }  // namespace tolvenar

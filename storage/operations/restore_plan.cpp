@@ -89,7 +89,7 @@ PlanOutcome PlanRestore(RestorePlan& plan, Descriptions& descriptions, const Pai
     plan.lacks_objects =
         plan.tells_device && guard.MayLackObjects(*plan.target, plan.engine.storage.aimed_state);
     plan.is_damaged |= guard.found_damage() || plan.lacks_objects;
-    HoldBackOnCards(difference, descriptions.source);
+    HoldBackOnCards(difference, plan.engine.storage.failures, descriptions.source);
     if (!KeepKeys(difference, plan.target, !plan.tells_device, descriptions.source)) {
         return PlanOutcome::kLeaveAll;
     }

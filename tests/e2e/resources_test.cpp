@@ -235,11 +235,11 @@ TEST_F(ResourcesTest, ThePopup) {
 TEST_F(ResourcesTest, TheReminder) {
     const Dialog dialog = Template(IDD_REMINDER);
     EXPECT_EQ("Reminder", dialog.caption);
-    ASSERT_EQ(4u, dialog.items.size());
-    const int ids[] = {IDC_REMINDER_TEXT, IDC_REMINDER_OFF, kOk, kCancel};
-    for (std::size_t i = 0; i < 4; ++i) {
+    ASSERT_EQ(5u, dialog.items.size());
+    const int ids[] = {IDC_REMINDER_TEXT, IDC_REMINDER_OFF, kOk, kCancel, IDC_REMINDER_EFFECT};
+    for (std::size_t i = 0; i < 5; ++i) {
         EXPECT_EQ(ids[i], dialog.items[i].id);
-        EXPECT_EQ(i == 0 ? kStatic : kButton, dialog.items[i].window_class);
+        EXPECT_EQ(i == 0 || i == 4 ? kStatic : kButton, dialog.items[i].window_class);
     }
     EXPECT_EQ(3u, dialog.items[1].style & 0xF);  // a check box that checks itself
     EXPECT_EQ("OK", dialog.items[2].text);

@@ -25,6 +25,8 @@ using namespace tolvenar;
 
 namespace {
 
+const FailureTable kNoFailures;
+
 // What an operation works on, and which of its allocations fail.
 struct Device {
     std::uint32_t older_state;
@@ -171,7 +173,8 @@ bool BuildTree(Device& device, Bytes& result) {
         }
         bool ReadValueText(const ObjectRecord&, TextBuilder&) override { return false; }
     } contents;
-    ListEnumerator objects(device.journal.get(), &device.info.storage(), device.info, contents);
+    ListEnumerator objects(device.journal.get(), kNoFailures, &device.info.storage(), device.info,
+                           contents);
     FakeTree tree;
     TreeBuild build;
     build.advanced_view = device.older_state % 2 != 0;

@@ -13,6 +13,8 @@ using namespace tolvenar;
 
 namespace {
 
+const FailureTable kNoFailures;
+
 // What was never stored has its block's name for contents.
 class NamedContents final : public LiveContents {
 public:
@@ -83,7 +85,7 @@ void CheckObjects(const ObjectList& list, FuzzSource& info) {
                     block.type() == record.type;
     }
     NamedContents contents;
-    ListEnumerator objects(&list, &info.storage(), info, contents);
+    ListEnumerator objects(&list, kNoFailures, &info.storage(), info, contents);
     EnumeratedObject object{};
     int answer = 0;
     while ((answer = objects.Next(object)) != DifferenceEnumerator::kEndOfList) {
@@ -96,7 +98,8 @@ void CheckObjects(const ObjectList& list, FuzzSource& info) {
 
 void CheckTree(const ObjectList& list, FuzzSource& info, bool has_storage, const TreeBuild& build) {
     NamedContents contents;
-    ListEnumerator objects(&list, has_storage ? &info.storage() : nullptr, info, contents);
+    ListEnumerator objects(&list, kNoFailures, has_storage ? &info.storage() : nullptr, info,
+                           contents);
     bool is_readable = true;
     for (const ObjectRecord& record : RecordsOf(list)) {
         is_readable = is_readable &&

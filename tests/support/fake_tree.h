@@ -48,6 +48,7 @@ public:
     void SetButton(TreeItem item, bool has_button) override {
         static_cast<FakeItem*>(item)->has_button = has_button;
     }
+    void Expand(TreeItem item) override { static_cast<FakeItem*>(item)->is_expanded = true; }
     void ShowRoot(TreeItem root) override {
         static_cast<FakeItem*>(root)->is_expanded = true;
         shown_root = root;
@@ -133,6 +134,7 @@ struct FakeObject {
     std::map<std::uint32_t, std::u16string> properties = {};
     const char16_t* value = nullptr;  // null: cannot be read
     int answer = DifferenceEnumerator::kObject;
+    FailureReason reason = FailureReason::kNone;
 };
 
 class FakeEnumerator final : public DifferenceEnumerator {
@@ -148,6 +150,7 @@ public:
         object.name[current_->name.copy(object.name, kObjectNameUnits - 1)] = 0;
         object.type = current_->type;
         object.flags = current_->flags;
+        object.reason = current_->reason;
         object.dwOID = current_->dwOID;
         object.hive = current_->hive;
         return current_->answer;

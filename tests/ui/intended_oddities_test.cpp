@@ -52,7 +52,7 @@ TEST_F(IntendedOdditiesTest, AStorageThatIsNoLongerChosenEndsABackupSilently) {
     EXPECT_EQ("Backup", SelectedTab());
 }
 
-TEST_F(IntendedOdditiesTest, ARestoreThatCannotCompareSaysNothing) {
+TEST_F(IntendedOdditiesTest, ARestoreThatCannotCompareIsToldOnThePageAlone) {
     device().PutFile(kNote, "third");
     OpenOn("Restore");
     device().Fault("HeapAlloc", 1, 1000000, 8);
@@ -61,6 +61,8 @@ TEST_F(IntendedOdditiesTest, ARestoreThatCannotCompareSaysNothing) {
     EXPECT_TRUE(BecomesIdle());
     LetGo();
     EXPECT_EQ(0u, BoxCount());
+    EXPECT_EQ("Nothing was restored: not compared. Close other programs, then try again.",
+              Text(IDC_RESTORE_NOTICE));
     EXPECT_EQ("third", device().FileBytes(kNote));
 }
 

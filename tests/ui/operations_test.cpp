@@ -53,7 +53,22 @@ TEST_F(OperationsTest, ABackupShowsItsStateOnTheRestorePage) {
     EXPECT_EQ(0, Selected(IDC_STATES));
     EXPECT_EQ("Before the holidays", Text(IDC_STATE_DESCRIPTION));
     EXPECT_NE("", Text(IDC_STATE_TIME));
+    EXPECT_EQ("State 2: 0 added, 1 changed, 0 deleted", Text(IDC_RESTORE_NOTICE));
     EXPECT_EQ(0u, BoxCount());
+}
+
+TEST_F(OperationsTest, WhatABackupSavedIsSaidUntilTheNextOperation) {
+    OpenRestore();
+    EXPECT_EQ("", Text(IDC_RESTORE_NOTICE));
+    device().PutFile(L"\\My Documents\\b.txt", "new");
+    ShowTab("Backup");
+    Press(IDC_BACKUP);
+    EXPECT_SOON_EQ("State 2: 1 added, 1 changed, 0 deleted", Text(IDC_RESTORE_NOTICE));
+    EXPECT_TRUE(BecomesIdle());
+    ShowTab("Restore");
+    PressAndExpect(IDC_RESTORE, kNothingToRestore);
+    EXPECT_TRUE(BecomesIdle());
+    EXPECT_SOON_EQ("", Text(IDC_RESTORE_NOTICE));
 }
 
 TEST_F(OperationsTest, TheDescriptionIsEmptiedAfterABackup) {
@@ -113,7 +128,7 @@ TEST_F(OperationsTest, AScheduleThatCannotBeTakenOffStartsNoBackup) {
     EXPECT_EQ((Numbers{1, 2}), States());
 }
 
-TEST_F(OperationsTest, ARestoreThatCannotBeStartedSaysNothing) {
+TEST_F(OperationsTest, ARestoreThatCannotBeStartedIsToldOnThePageAlone) {
     MakeSchedule();
     OpenRestore();
     device().Fault("CeClearUserNotification", 1, 1, 5);
@@ -121,6 +136,7 @@ TEST_F(OperationsTest, ARestoreThatCannotBeStartedSaysNothing) {
     EXPECT_TRUE(RulesAreUsedUp());
     EXPECT_TRUE(BecomesIdle());
     EXPECT_EQ(0u, BoxCount());
+    EXPECT_EQ("Nothing was restored: it could not start. Try again.", Text(IDC_RESTORE_NOTICE));
     EXPECT_EQ("changed", device().FileBytes(kNote));
 }
 

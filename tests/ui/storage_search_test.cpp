@@ -41,8 +41,10 @@ TEST_F(StorageSearchTest, ACardThatIsPutInIsFoundWhenTheUserComesBack) {
     Open();
     ExpectTab("Storage file");
     ExpectNone();
-    EXPECT_EQ("\\Storage Card\\Tolvenar\\Backup.sav is not there. Put its card in, or browse for another.",
-              Text(IDC_STORAGE_FOLDER));
+    EXPECT_EQ(
+        "\\Storage Card\\Tolvenar\\Backup.sav is not there. Put its card in, or browse for "
+        "another.",
+        Text(IDC_STORAGE_FOLDER));
     Activate();
     ExpectNone();
     PutCardIn();

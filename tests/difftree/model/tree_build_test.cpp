@@ -49,6 +49,46 @@ TEST_F(TreeBuildTest, TheDefaultStyles) {
     EXPECT_TRUE(StyleOf(kDefaultStyles, kNodeBoth).is_bold);
 }
 
+TEST_F(TreeBuildTest, OnRequestTheBranchesThatHoldSomethingAreOpen) {
+    Advanced({File(u"\\a\\b")});
+    EXPECT_FALSE(tree_.Find({u"Files"})->is_expanded);
+    build_.opens_branches = true;
+    Advanced({File(u"\\a\\b")});
+    EXPECT_TRUE(tree_.Find({u"Files"})->is_expanded);
+    EXPECT_TRUE(tree_.Find({u"Files", u"a"})->is_expanded);
+    EXPECT_FALSE(tree_.Find({u"Files", u"a", u"b (+)"})->is_expanded);
+    EXPECT_FALSE(tree_.Find({u"Registry"})->is_expanded);
+}
+
+TEST_F(TreeBuildTest, ItemsOfOneChangeStateAloneAreShownAndCounted) {
+    TreeCounts counts;
+    build_.counts = &counts;
+    build_.shown_state = kNodeBoth;
+    Advanced({File(u"\\a\\new"), File(u"\\a\\old", JF_DELETE), File(u"\\a\\b"),
+              File(u"\\a\\b", JF_DELETE), File(u"\\c\\new")});
+    EXPECT_EQ((Lines{u"a", u" b (±)*"}), Below(u"Files"));
+    EXPECT_EQ(1u, counts.shown);
+    EXPECT_EQ(4u, counts.all);
+    EXPECT_NE(nullptr, tree_.Find({u"Registry"}));
+    build_.shown_state = 0;
+    Advanced({File(u"\\a\\new")});
+    EXPECT_EQ(1u, counts.shown);
+    EXPECT_EQ(1u, counts.all);
+}
+
+TEST_F(TreeBuildTest, AnItemKnowsWhyItsObjectsFailed) {
+    FakeObject held = File(u"\\a\\b", JF_DELETE);
+    held.reason = FailureReason::kInUse;
+    FakeObject damaged = File(u"\\a\\B");
+    damaged.reason = FailureReason::kDamaged;
+    Advanced({held, damaged});
+    const std::uint32_t flags = tree_.Find({u"Files", u"a", u"b (±)"})->record->flags;
+    EXPECT_TRUE(HasReason(flags, FailureReason::kInUse));
+    EXPECT_TRUE(HasReason(flags, FailureReason::kDamaged));
+    EXPECT_FALSE(HasReason(flags, FailureReason::kNoRoom));
+    EXPECT_FALSE(HasReason(tree_.Find({u"Files", u"a"})->record->flags, FailureReason::kInUse));
+}
+
 TEST_F(TreeBuildTest, RecordsOfItemsKnowTheirItemsAndPlainCaptions) {
     Advanced({File(u"\\a\\b")});
     const FakeItem* item = tree_.Find({u"Files", u"a", u"b (+)"});

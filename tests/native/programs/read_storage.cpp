@@ -87,7 +87,9 @@ bool PrintTree(Storage& storage, std::uint32_t older, std::uint32_t newer) {
         return false;
     }
     PruneDifferences(*differences, kBackupPruning, storage.info);
-    ListEnumerator enumerator(differences.get(), &storage.reader, storage.device, storage.device);
+    const FailureTable no_failures;
+    ListEnumerator enumerator(differences.get(), no_failures, &storage.reader, storage.device,
+                              storage.device);
     FakeTree tree;
     TreeBuild build;
     build.advanced_view = true;

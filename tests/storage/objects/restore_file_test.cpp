@@ -90,6 +90,7 @@ TEST_F(RestoreFileTest, AFailedCopyIsLoggedAsANoteAndTheFileGetsTimeAndAttribute
     const ObjectRecord stored = StoreFile(u"\\a.txt", "contents", FILE_ATTRIBUTE_HIDDEN);
     FailInRun("WriteFile", 1, ERROR_DISK_FULL);
     EXPECT_EQ(kFailed, WriteBack(stored));
+    EXPECT_EQ(DWORD{ERROR_DISK_FULL}, ::GetLastError());
     EXPECT_EQ((Lines{"I Error: WriteFile:112"}), LogLines());
     const auto file = device().Info(L"\\a.txt");
     EXPECT_EQ(DWORD{FILE_ATTRIBUTE_HIDDEN}, file.attributes);

@@ -83,14 +83,6 @@ protected:
         Put(kSav, sav);
         Reopen();
     }
-    bool LogHas(const std::string& part) {
-        for (const std::string& line : LogLines()) {
-            if (line.find(part) != std::string::npos) {
-                return true;
-            }
-        }
-        return false;
-    }
 
     CEOID ann_ = 0;
     Answers answers_;
@@ -103,6 +95,8 @@ TEST_F(DamagedRestoreTest, OfADamagedListNothingIsDeletedOrOverwrittenAndWhatIsM
     EXPECT_TRUE(restore_.is_damaged);
     ExpectOnlyWhatWasGoneCameBack();
     EXPECT_TRUE(LogHas("List damaged"));
+    EXPECT_TRUE(LogHas("Not restored, left alone for the damage: \\a.txt"));
+    EXPECT_TRUE(LogHas("Not restored, left alone for the damage: \\new.txt"));
 }
 
 TEST_F(DamagedRestoreTest, ADamagedListIsNotSavedAgain) {
@@ -179,6 +173,7 @@ TEST_F(DamagedRestoreTest, OfADamagedFileTheNewerVersionStaysAndTheRestComesBack
     EXPECT_EQ("4:" + Word(1), Value(HKEY_CURRENT_USER, L"Key", L"v"));
     EXPECT_EQ((Lines{"Ann=1"}), Records(u"People"));
     EXPECT_TRUE(LogHas("Damaged in the storage, left alone: \\a.txt"));
+    EXPECT_TRUE(LogHas("Not restored, damaged in the storage: \\a.txt"));
 }
 
 TEST_F(DamagedRestoreTest, ADamagedFileThatIsMissingStaysMissing) {

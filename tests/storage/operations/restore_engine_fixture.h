@@ -25,6 +25,14 @@ protected:
         device().SetAttributes(L"\\a.txt", FILE_ATTRIBUTE_READONLY);
         EXPECT_EQ(Done(ResultCode::kFailed), Restore(1));
     }
+    bool LogHas(const std::string& part) {
+        for (const std::string& line : LogLines()) {
+            if (line.find(part) != std::string::npos) {
+                return true;
+            }
+        }
+        return false;
+    }
     tests::Contents Now() { return tests::ContentsOf(device().sim()); }
 };
 

@@ -8,14 +8,6 @@ namespace {
 
 class RestorePlanTest : public RestoreEngineTest {
 protected:
-    bool LogHas(const std::string& part) {
-        for (const std::string& line : LogLines()) {
-            if (line.find(part) != std::string::npos) {
-                return true;
-            }
-        }
-        return false;
-    }
     // A sound storage of one state with what was stored by hand, behind its own block.
     void BeginState() {
         sav_ = Content(kSav);
@@ -85,6 +77,7 @@ TEST_F(RestorePlanTest, WhatWouldLandOnACardIsLeftAloneAndTheRestComesBack) {
     EXPECT_FALSE(Exists(u"\\Storage Card\\a.txt"));
     EXPECT_EQ("x", Content(u"\\b.txt"));
     EXPECT_TRUE(LogHas("On a card now, left alone: \\Storage Card\\a.txt"));
+    EXPECT_EQ(FailureReason::kOnCard, storage_.failures.Of(*storage_.difference->First()->record));
 }
 
 TEST_F(RestorePlanTest, APathThatHoldsAZeroIsDamage) {
@@ -149,7 +142,7 @@ TEST_F(RestorePlanTest, AStateThatIsNoneIsNotRestored) {
 TEST_F(RestorePlanTest, WhatIsInUseIsNamedInTheLog) {
     RestoreTwoFilesOfWhichOneIsReadOnly();
     EXPECT_FALSE(restore_.is_damaged);
-    EXPECT_TRUE(LogHas("Not restored: \\a.txt"));
+    EXPECT_TRUE(LogHas("Not restored, write-protected or in use: \\a.txt"));
 }
 
 // The key's phase would end at its first pass.
