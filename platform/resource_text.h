@@ -16,7 +16,7 @@ public:
         }
     }
 
-    operator const wchar_t*() const { return text_; }
+    const wchar_t* text() const { return text_; }
 
 private:
     wchar_t text_[kResourceTextUnits];

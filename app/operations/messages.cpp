@@ -183,7 +183,7 @@ void TellWhyNotOpened(OpenStorageResult result) {
 
 void TellOfUnreadableJournal(HINSTANCE instance, const StorageNames& names) {
     wchar_t text[kStorageNameUnits + kResourceTextUnits];
-    ::wsprintfW(text, ResourceText(instance, IDS_JOURNAL_UNREADABLE), Wide(names.journal));
+    ::wsprintfW(text, ResourceText(instance, IDS_JOURNAL_UNREADABLE).text(), Wide(names.journal));
     ShowMessage(nullptr, text, MB_ICONERROR);
 }
 

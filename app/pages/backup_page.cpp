@@ -92,7 +92,7 @@ void BackupPage::AddUnsaved(std::uint16_t state,
     }
     wchar_t state_text[kDateTimeTextUnits + kResourceTextUnits];
     ::wcscpy(state_text, text);
-    ::wsprintfW(text, ResourceText(app_.instance, IDS_UNSAVED), state_text, unsaved);
+    ::wsprintfW(text, ResourceText(app_.instance, IDS_UNSAVED).text(), state_text, unsaved);
 }
 
 void BackupPage::ShowLastAutomatic() {
@@ -101,18 +101,19 @@ void BackupPage::ShowLastAutomatic() {
     if (!ReadAutomaticBackup(last) ||
         FormatFileTimeText(last.ended, ended, LOCALE_SSHORTDATE) == 0) {
         ::SetWindowTextW(Control(IDC_LAST_AUTOMATIC),
-                         ResourceText(app_.instance, IDS_AUTOMATIC_NEVER));
+                         ResourceText(app_.instance, IDS_AUTOMATIC_NEVER).text());
         return;
     }
     wchar_t text[kDateTimeTextUnits + kResourceTextUnits];
-    ::wsprintfW(text, ResourceText(app_.instance, TextOfAutomaticBackup(last.code)), Wide(ended));
+    ::wsprintfW(text, ResourceText(app_.instance, TextOfAutomaticBackup(last.code)).text(),
+                Wide(ended));
     ::SetWindowTextW(Control(IDC_LAST_AUTOMATIC), text);
 }
 
 void BackupPage::ShowFreeSpace() {
     ::SetWindowTextW(
         Control(IDC_CARD_FREE_LABEL),
-        ResourceText(app_.instance, is_on_card_ ? IDS_FREE_ON_CARD : IDS_FREE_IN_MEMORY));
+        ResourceText(app_.instance, is_on_card_ ? IDS_FREE_ON_CARD : IDS_FREE_IN_MEMORY).text());
     wchar_t text[32] = L"-";
     std::uint64_t free_bytes = 0;
     if (HasStorage(app_) && FreeBytesOfCard(app_.storage.names, free_bytes)) {
@@ -140,7 +141,7 @@ UINT BackupPage::EffectText() const {
 
 void BackupPage::ShowEffect() {
     wchar_t text[kResourceTextUnits + 16];
-    ::wsprintfW(text, ResourceText(app_.instance, EffectText()),
+    ::wsprintfW(text, ResourceText(app_.instance, EffectText()).text(),
                 NextStateNumber(app_.storage.journal.get()));
     ::SetWindowTextW(Control(IDC_BACKUP_EFFECT), text);
 }

@@ -99,7 +99,7 @@ void TellWhyRefused(const Application& app, NameFault fault) {
     };
     for (const auto& row : kTexts) {
         if (row.fault == fault) {
-            ShowMessage(nullptr, ResourceText(app.instance, row.text), MB_OK);
+            ShowMessage(nullptr, ResourceText(app.instance, row.text).text(), MB_OK);
         }
     }
 }

@@ -61,13 +61,13 @@ int FailedPanel::ShowAdvice() {
     const bool can_try_again = CanTryAgain();
     const ResourceText advice(app_.instance,
                               can_try_again ? IDS_FAILED_TRY_AGAIN : IDS_FAILED_BEGIN_ANEW);
-    ::SetDlgItemTextW(page_, IDC_FAILED_ADVICE, advice);
+    ::SetDlgItemTextW(page_, IDC_FAILED_ADVICE, advice.text());
     OnNodeSelected(nullptr);
     return can_try_again ? IDC_APPLY_CHANGES : IDC_FAILED_OK;
 }
 
 void FailedPanel::OnNodeSelected(const NodeRecord* node) {
-    ::SetDlgItemTextW(page_, IDC_FAILED_REASON, ResourceText(app_.instance, TextOf(node)));
+    ::SetDlgItemTextW(page_, IDC_FAILED_REASON, ResourceText(app_.instance, TextOf(node)).text());
 }
 
 }  // namespace tolvenar

@@ -44,7 +44,7 @@ void FormatStart(const Application& app, const SYSTEMTIME& start,
     wchar_t time[kPartUnits] = L"";
     ::GetDateFormatW(LOCALE_USER_DEFAULT, DATE_SHORTDATE, &start, nullptr, date, kPartUnits);
     ::GetTimeFormatW(LOCALE_USER_DEFAULT, TIME_NOSECONDS, &start, nullptr, time, kPartUnits);
-    ::wsprintfW(line, ResourceText(app.instance, IDS_NEXT_BACKUP), date, time);
+    ::wsprintfW(line, ResourceText(app.instance, IDS_NEXT_BACKUP).text(), date, time);
 }
 
 }  // namespace
@@ -53,11 +53,11 @@ void FormatStart(const Application& app, const SYSTEMTIME& start,
 void FormatNextBackup(const Application& app, wchar_t (&line)[kNextBackupUnits]) {
     SYSTEMTIME start{};
     if (app.settings.onTime == 0) {
-        ::wcscpy(line, ResourceText(app.instance, IDS_NEXT_ON_BATTERY));
+        ::wcscpy(line, ResourceText(app.instance, IDS_NEXT_ON_BATTERY).text());
     } else if (ReadRegisteredStart(start)) {
         FormatStart(app, start, line);
     } else {
-        ::wcscpy(line, ResourceText(app.instance, IDS_NEXT_NONE));
+        ::wcscpy(line, ResourceText(app.instance, IDS_NEXT_NONE).text());
     }
 }
 

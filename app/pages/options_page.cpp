@@ -123,8 +123,9 @@ void OptionsPage::ShowNextBackup() {
 
 void OptionsPage::ShowReminders() {
     const bool all = (ReadReminders() & kDefaultReminders) == kDefaultReminders;
-    ::SetWindowTextW(Control(IDC_REMINDERS_HINT),
-                     ResourceText(app_.instance, all ? IDS_REMINDERS_SHOWN : IDS_REMINDERS_HIDDEN));
+    ::SetWindowTextW(
+        Control(IDC_REMINDERS_HINT),
+        ResourceText(app_.instance, all ? IDS_REMINDERS_SHOWN : IDS_REMINDERS_HIDDEN).text());
 }
 
 void OptionsPage::ReadAgain() {

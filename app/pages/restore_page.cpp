@@ -150,7 +150,7 @@ void RestorePage::RequestRestore(int button) {
     ShownComparison::Text effect;
     comparison_.PutEffect(button, effect);
     ConfirmThenRun(app_, request,
-                   is_failed_ ? ResourceText(app_.instance, IDS_EFFECT_TRY_AGAIN) : effect);
+                   is_failed_ ? ResourceText(app_.instance, IDS_EFFECT_TRY_AGAIN).text() : effect);
 }
 
 void RestorePage::RequestDifferences() {
@@ -180,7 +180,8 @@ void RestorePage::ShowDifferences() {
 void RestorePage::GiveUpComparison() {
     DropDifferences();
     ForgetMissingDifferences();
-    ShowMessage(app_.main_dialog, ResourceText(app_.instance, IDS_COMPARE_FAILED), MB_ICONWARNING);
+    ShowMessage(app_.main_dialog, ResourceText(app_.instance, IDS_COMPARE_FAILED).text(),
+                MB_ICONWARNING);
 }
 
 // Another view of the same list.
@@ -207,7 +208,8 @@ void RestorePage::ShowComparison() {
     comparison_.PutLine(SelectedState(), text);
     if (comparison_.IsMade() && shown_state_ != 0) {
         const TreeCounts& counts = tree_.counts();
-        ::wsprintfW(text, ResourceText(app_.instance, IDS_SHOWS_SOME), counts.shown, counts.all);
+        ::wsprintfW(text, ResourceText(app_.instance, IDS_SHOWS_SOME).text(), counts.shown,
+                    counts.all);
     }
     ::SetWindowTextW(Control(IDC_DIFFERENCES_HINT), text);
 }
@@ -250,10 +252,10 @@ void RestorePage::ShowNotice() {
     wchar_t text[kResourceTextUnits] = L"";
     const SavedCounts& saved = app_.storage.saved;
     if (notice_ != 0) {
-        ::wcsncpy(text, ResourceText(app_.instance, notice_), kResourceTextUnits - 1);
+        ::wcsncpy(text, ResourceText(app_.instance, notice_).text(), kResourceTextUnits - 1);
     } else if (saved.state_number != 0) {
-        ::wsprintfW(text, ResourceText(app_.instance, IDS_SAVED), saved.state_number, saved.added,
-                    saved.changed, saved.deleted);
+        ::wsprintfW(text, ResourceText(app_.instance, IDS_SAVED).text(), saved.state_number,
+                    saved.added, saved.changed, saved.deleted);
     }
     ::SetWindowTextW(Control(IDC_RESTORE_NOTICE), text);
 }

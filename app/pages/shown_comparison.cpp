@@ -6,7 +6,7 @@
 namespace tolvenar {
 
 void ShownComparison::Put(UINT format, std::int32_t first, std::int32_t second, Text& text) const {
-    ::wsprintfW(text, ResourceText(instance_, format), first, second);
+    ::wsprintfW(text, ResourceText(instance_, format).text(), first, second);
 }
 
 void ShownComparison::PutCaption(Text& text) const {

@@ -28,7 +28,7 @@ void StorageNotes::Add(const wchar_t* text) {
 
 // The folder of an open storage is shown above.
 void StorageNotes::AddFixedFolder(bool is_open) {
-    Add(ResourceText(app_.instance, IDS_STORAGE_FIXED_FOLDER));
+    Add(ResourceText(app_.instance, IDS_STORAGE_FIXED_FOLDER).text());
     if (!is_open) {
         char16_t folder[kSettingPathUnits];
         ReadStorageFolder(folder);
@@ -39,12 +39,12 @@ void StorageNotes::AddFixedFolder(bool is_open) {
 void StorageNotes::AddOpenStorage() {
     const StorageNames& names = app_.storage.names;
     if (!IsOnMountedCard(names.sav)) {
-        Add(ResourceText(app_.instance, IDS_STORAGE_IN_MEMORY));
+        Add(ResourceText(app_.instance, IDS_STORAGE_IN_MEMORY).text());
     }
     if (StorageIsWriteProtected(names)) {
-        Add(ResourceText(app_.instance, IDS_STORAGE_PROTECTED));
+        Add(ResourceText(app_.instance, IDS_STORAGE_PROTECTED).text());
     }
-    Add(ResourceText(app_.instance, IDS_BROWSE_EFFECT));
+    Add(ResourceText(app_.instance, IDS_BROWSE_EFFECT).text());
 }
 
 }  // namespace tolvenar

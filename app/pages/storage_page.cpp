@@ -59,7 +59,7 @@ void StoragePage::ShowWhatToDo() {
     wchar_t text[kStorageNameUnits + kResourceTextUnits];
     ::wcscpy(text, kNoStorage);
     if (sav[0] != 0 && IsReallyAbsent(sav)) {
-        ::wsprintfW(text, ResourceText(app_.instance, IDS_STORAGE_AWAY), Wide(sav));
+        ::wsprintfW(text, ResourceText(app_.instance, IDS_STORAGE_AWAY).text(), Wide(sav));
     }
     ::SetWindowTextW(Control(IDC_STORAGE_FOLDER), text);
 }
