@@ -22,8 +22,8 @@ constexpr Row kRows[] = {
     {IDC_STATE_DESCRIPTION_LABEL, {102, 14, 50, 9}, kHidden, kHidden},
     {IDC_STATE_DESCRIPTION, {102, 24, 191, 36}, {6, 61, 88, 19}, kHidden},
     {IDC_RESTORE_NOTICE, {102, 63, 120, 18}, kHidden, kHidden},
-    {IDC_RESTORE, {226, 64, 67, 16}, kHidden, kHidden},
-    {IDC_DIFFERENCES_CAPTION, kHidden, {102, 3, 191, 9}, kHidden},
+    {IDC_RESTORE, {226, 64, 50, 16}, kHidden, kHidden},
+    {IDC_DIFFERENCES_CAPTION, kHidden, {102, 3, 174, 9}, kHidden},
     {IDC_TREE_PLACE, kHidden, {102, 13, 191, 49}, {6, 13, 287, 49}},
     {IDC_APPLY_CHANGES, kHidden, {102, 65, 24, 15}, {6, 65, 36, 15}},
     {IDC_TAKE_BACK_CHANGES, kHidden, {129, 65, 24, 15}, kHidden},
@@ -33,6 +33,7 @@ constexpr Row kRows[] = {
     {IDC_FAILED_ADVICE, kHidden, kHidden, {48, 63, 190, 9}},
     {IDC_FAILED_REASON, kHidden, kHidden, {48, 73, 190, 9}},
     {IDC_FAILED_OK, kHidden, kHidden, {243, 65, 50, 15}},
+    {IDC_PAGE_HELP, {278, 64, 15, 16}, {278, 0, 15, 12}, {278, 0, 15, 12}},
 };
 
 const Place& PlaceIn(const Row& row, RestorePage::Form form) {

@@ -222,11 +222,7 @@ TEST_F(LaunchTest, AnUnreadableJournalEndsEveryStart) {
         EXPECT_EQ(0, Counted("MessageBoxW")) << text;
     }
     Program program = Launch();
-    AnswerMessage(
-        {"Journal read Fail.\n\\Storage Card\\Tolvenar\\Backup.jrn\nAnother program may "
-         "hold this file, or it is damaged. Please free it, or move it to another folder, "
-         "and start Tolvenar again.",
-         kErrorBox});
+    AnswerMessage(UnreadableJournal("\\Storage Card\\Tolvenar\\Backup.jrn"));
     EXPECT_EQ(1, program.ExitCode());
     EXPECT_EQ(storage, device().FileBytes(kStorageFile));
 }

@@ -35,6 +35,14 @@ inline const Box kNothingToRestore = {"Difference not found. There is nothing to
 inline const Box kStorageIsEmpty = {"Storage is empty. There is nothing to Restore.",
                                     kInformationBox};
 inline const Box kJournalUnread = {"Journal read Fail.", kErrorBox};
+// With the journal's path.
+inline Box UnreadableJournal(const std::string& path) {
+    return {
+        "Journal read Fail.\n" + path +
+            "\nAnother program may hold this file, or it is damaged. Please free it, or move it to "
+            "another folder, and start Tolvenar again.",
+        kErrorBox};
+}
 inline const Box kNotStarted = {"Can't start action. Try again.", kWarningBox};
 inline const Box kDriverIsObsolete = {
     "Restore Fail. Probably your Storage Card Driver is obsolete.", kWarningBox};

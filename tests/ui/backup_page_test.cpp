@@ -144,6 +144,7 @@ TEST_F(BackupPageTest, ARefusedReminderKeepsTheDescription) {
 
 TEST_F(BackupPageTest, TheLastAutomaticBackupIsTold) {
     Open();
+    ShowTab("Backup");
     EXPECT_EQ("none yet", Text(IDC_LAST_AUTOMATIC));
     Keys("alt+x");
     ExpectEnd();

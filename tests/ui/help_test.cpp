@@ -52,6 +52,8 @@ TEST_F(HelpTest, EachPageHasAButtonForItsHelp) {
         const char* argument;
     } kPages[] = {
         {"Backup", "tolvenar_all.htp#tolvenar_manual_backup"},
+        {"Restore", "tolvenar_all.htp#tolvenar_normal_restore"},
+        {"Advanced Restore", "tolvenar_all.htp#tolvenar_advanced_restore"},
         {"Storage file", "tolvenar_all.htp#tolvenar_option_storage"},
         {"Options", "tolvenar_all.htp#tolvenar_options_content"},
         {"About", "tolvenar.htc"},
@@ -80,6 +82,7 @@ TEST_F(HelpTest, F1OpensTheContentsFromEveryControl) {
     const KeyToControl kControls[] = {
         {"Backup", "alt+d", IDC_NEW_DESCRIPTION},
         {"Backup", "tab", IDC_BACKUP},
+        {"Backup", "tab", IDC_PAGE_HELP},
         {"Backup", "tab", IDC_TABS},
         {"Restore", "alt+s", IDC_STATES},
         {"Restore", "alt+e", IDC_STATE_DESCRIPTION},

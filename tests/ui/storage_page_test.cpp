@@ -149,7 +149,7 @@ TEST_F(StoragePageTest, AJournalThatCannotBeReadLeavesNoStorageOpen) {
     OpenOn("Restore");
     ShowTab("Storage file");
     // Shared reading: the journal itself is read, not only tried.
-    device().Fault("CreateFileW", 1, 1, 5, "Other.jrn, 3221225472, 1");
+    device().Fault("CreateFileW", 1, 2, 5, "Other.jrn, 3221225472, 1");
     ChooseFile("Other.jrn");
     ExpectNoneOpen();
     EXPECT_EQ(0u, BoxCount());
@@ -157,13 +157,14 @@ TEST_F(StoragePageTest, AJournalThatCannotBeReadLeavesNoStorageOpen) {
     ShowTab("Restore");
     EXPECT_TRUE(Items(IDC_STATES).empty());
     EXPECT_EQ("", Text(IDC_STATE_TIME));
-    Press(IDC_RESTORE);
+    // A button tries again.
+    PressAndExpect(IDC_RESTORE, UnreadableJournal("\\Storage Card\\Tolvenar\\Other.jrn"));
     ExpectTab("Storage file");
     ShowTab("Advanced Restore");
     ::PostMessageW(PageOf(IDC_STATES), WM_COMMAND, MAKEWPARAM(IDC_STATES, LBN_DBLCLK),
                    reinterpret_cast<LPARAM>(Handle(IDC_STATES)));
-    ExpectTab("Storage file");
-    ChooseOther();  // once it can be read it is opened
+    EXPECT_SOON_EQ(Texts{"State 1"}, Items(IDC_STATES));  // once it can be read it is opened
+    ShowTab("Storage file");
     EXPECT_EQ("The other one", Text(IDC_STORAGE_DESCRIPTION));
 }
 

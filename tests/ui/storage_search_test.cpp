@@ -136,11 +136,7 @@ TEST_F(StorageSearchTest, AJournalThatCannotBeOpenedIsToldBeforeTheProgramLeaves
     const auto lock = device().Lock(kJournalFile);
     Ask("trace on");
     Program program = Launch();
-    ExpectBox(
-        {"Journal read Fail.\n\\Storage Card\\Tolvenar\\Backup.jrn\nAnother program may hold "
-         "this file, or it is damaged. Please free it, or move it to another folder, and "
-         "start Tolvenar again.",
-         kErrorBox});
+    ExpectBox(UnreadableJournal("\\Storage Card\\Tolvenar\\Backup.jrn"));
     EXPECT_EQ(1, program.ExitCode());
 }
 
