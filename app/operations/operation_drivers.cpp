@@ -4,6 +4,7 @@
 #include "app/operations/messages.h"
 #include "app/operations/requests.h"
 #include "app/operations/storage_files.h"
+#include "app/operations/storage_search.h"
 #include "autobackup/schedule_suspension.h"
 #include "platform/text.h"
 #include "snapshot/text/log.h"
@@ -21,6 +22,7 @@ constexpr wchar_t kBackupTitle[] = L"Backing up in progress";
 void KeepStatus(Application& app, ResultCode result) {
     if (result == ResultCode::kJournalUnreadable) {
         app.storageStatus = StorageStatus::kNone;
+        NoteFailedLoad(app);
     }
 }
 

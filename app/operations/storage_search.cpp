@@ -79,10 +79,17 @@ SearchResult Look(Application& app, SearchReason reason) {
 
 }  // namespace
 
+void NoteFailedLoad(Application& app) {
+    app.search.has_failed = true;
+    app.search.failed = StampOf(app.storage.names);
+}
+
 StorageLoad LoadChosenStorage(Application& app) {
     const StorageLoad load = Load(app);
-    app.search.has_failed = load != StorageLoad::kLoaded;
-    app.search.failed = StampOf(app.storage.names);
+    app.search.has_failed = false;
+    if (load != StorageLoad::kLoaded) {
+        NoteFailedLoad(app);
+    }
     return load;
 }
 

@@ -15,6 +15,9 @@ enum class StorageLoad {
 // it is open. A storage that is not compatible is told of once.
 StorageLoad LoadChosenStorage(Application& app);
 
+// An operation could not read the journal: that was a failed load, too.
+void NoteFailedLoad(Application& app);
+
 enum class SearchReason {
     kActivated,  // the user came back from another program, perhaps from putting the card in
     kButton,     // a button needs the storage

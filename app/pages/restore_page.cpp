@@ -103,11 +103,11 @@ void RestorePage::OnStorageChanged() {
 }
 
 void RestorePage::FillStates(bool keep_selected) {
-    ShowNotice();
     const std::int32_t selected = SelectedState();
     const bool had_none = selected == kNoState && states_.Count() > 0;
     states_.Fill(app_.storage.journal.get());
     if (keep_selected && had_none) {
+        ShowNotice();
         return;
     }
     const int kept = keep_selected ? states_.Find(selected) : -1;
@@ -120,6 +120,7 @@ void RestorePage::FillStates(bool keep_selected) {
 void RestorePage::OnSelectionChanged() {
     shown_item_ = states_.Selected();
     ShowStateDetails(states_.SelectedRecord());
+    ShowNotice();
     ShowComparison();
 }
 
@@ -247,12 +248,16 @@ void RestorePage::DropDifferences() {
     app_.storage.registry_objects.RegObjectClear();
 }
 
-// What the last operation came to: what no box told, or what a backup saved.
+// What the last operation came to: what no box told, or what a backup saved; else what the button
+// acts on.
 void RestorePage::ShowNotice() {
     wchar_t text[kResourceTextUnits] = L"";
     const SavedCounts& saved = app_.storage.saved;
+    const std::int32_t selected = SelectedState();
     if (notice_ != 0) {
         ::wcsncpy(text, ResourceText(app_.instance, notice_).text(), kResourceTextUnits - 1);
+    } else if (selected != kNoState && static_cast<std::uint32_t>(selected) != saved.state_number) {
+        ::wsprintfW(text, ResourceText(app_.instance, IDS_RESTORE_EFFECT).text(), selected);
     } else if (saved.state_number != 0) {
         ::wsprintfW(text, ResourceText(app_.instance, IDS_SAVED).text(), saved.state_number,
                     saved.added, saved.changed, saved.deleted);

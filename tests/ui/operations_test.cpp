@@ -59,7 +59,7 @@ TEST_F(OperationsTest, ABackupShowsItsStateOnTheRestorePage) {
 
 TEST_F(OperationsTest, WhatABackupSavedIsSaidUntilTheNextOperation) {
     OpenRestore();
-    EXPECT_EQ("", Text(IDC_RESTORE_NOTICE));
+    EXPECT_EQ("Restore makes the device what it was at State 1.", Text(IDC_RESTORE_NOTICE));
     device().PutFile(L"\\My Documents\\b.txt", "new");
     ShowTab("Backup");
     Press(IDC_BACKUP);
@@ -68,7 +68,9 @@ TEST_F(OperationsTest, WhatABackupSavedIsSaidUntilTheNextOperation) {
     ShowTab("Restore");
     PressAndExpect(IDC_RESTORE, kNothingToRestore);
     EXPECT_TRUE(BecomesIdle());
-    EXPECT_SOON_EQ("", Text(IDC_RESTORE_NOTICE));
+    EXPECT_SOON_EQ("Restore makes the device what it was at State 2.", Text(IDC_RESTORE_NOTICE));
+    Select(IDC_STATES, "State 1");
+    EXPECT_SOON_EQ("Restore makes the device what it was at State 1.", Text(IDC_RESTORE_NOTICE));
 }
 
 TEST_F(OperationsTest, TheDescriptionIsEmptiedAfterABackup) {
@@ -236,10 +238,11 @@ TEST_F(OperationsTest, AJournalThatCannotBeReadAfterABackupIsTold) {
     Open();
     MakeJournalUnreadable();
     ExpectFailure(IDC_BACKUP, kJournalUnread);
+    ExpectNoStorage();
     ShowTab("Backup");
-    Press(IDC_BACKUP);  // no storage is open any more
-    ExpectTab("Storage file");
-    EXPECT_EQ("", Text(IDC_STORAGE_NAME));
+    Press(IDC_BACKUP);  // it can be read again, and is shown before anything is done with it
+    EXPECT_SOON_EQ("State 2", Text(IDC_LAST_STATE).substr(0, 7));
+    EXPECT_EQ((Numbers{1, 2}), States());
     EXPECT_EQ(1u, BoxCount());
 }
 
