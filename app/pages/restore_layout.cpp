@@ -24,7 +24,7 @@ constexpr Row kRows[] = {
     {IDC_RESTORE_NOTICE, {102, 63, 120, 18}, kHidden, kHidden},
     {IDC_RESTORE, {226, 64, 50, 16}, kHidden, kHidden},
     {IDC_DIFFERENCES_CAPTION, kHidden, {102, 3, 174, 9}, kHidden},
-    {IDC_TREE_PLACE, kHidden, {102, 13, 191, 49}, {6, 13, 287, 49}},
+    {IDC_TREE_PLACE, kHidden, {102, 15, 191, 47}, {6, 15, 287, 47}},
     {IDC_APPLY_CHANGES, kHidden, {102, 65, 24, 15}, {6, 65, 36, 15}},
     {IDC_TAKE_BACK_CHANGES, kHidden, {129, 65, 24, 15}, kHidden},
     {IDC_SHOW, kHidden, {156, 65, 30, 15}, kHidden},
@@ -33,7 +33,7 @@ constexpr Row kRows[] = {
     {IDC_FAILED_ADVICE, kHidden, kHidden, {48, 63, 190, 9}},
     {IDC_FAILED_REASON, kHidden, kHidden, {48, 73, 190, 9}},
     {IDC_FAILED_OK, kHidden, kHidden, {243, 65, 50, 15}},
-    {IDC_PAGE_HELP, {278, 64, 15, 16}, {278, 0, 15, 12}, {278, 0, 15, 12}},
+    {IDC_PAGE_HELP, {278, 64, 15, 16}, {278, 0, 15, 14}, {278, 0, 15, 14}},
 };
 
 const Place& PlaceIn(const Row& row, RestorePage::Form form) {

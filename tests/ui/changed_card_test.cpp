@@ -84,12 +84,16 @@ TEST_F(ChangedCardTest, AfterwardsTheOtherStorageIsShownFirst) {
 // The same card again: nothing stands against what the user wants.
 TEST_F(ChangedCardTest, AStorageThatIsBackAsItWasIsBackedUpTo) {
     Open();
-    const StoragePair first = Pair();
-    ChangeCard();
+    const std::wstring away_storage = L"\\Storage Card\\away.sav";
+    const std::wstring away_journal = L"\\Storage Card\\away.jrn";
+    ::MoveFileW(kStorageFile.c_str(), away_storage.c_str());
+    ::MoveFileW(kJournalFile.c_str(), away_journal.c_str());
     Press(IDC_BACKUP);
-    ExpectRefusal();
-    device().PutFile(kStorageFile, first.storage);
-    device().PutFile(kJournalFile, first.journal);
+    ExpectBox(kJournalUnread);
+    EXPECT_TRUE(BecomesIdle());
+    EXPECT_TRUE(DialogIsDone());
+    ::MoveFileW(away_storage.c_str(), kStorageFile.c_str());
+    ::MoveFileW(away_journal.c_str(), kJournalFile.c_str());
     Press(IDC_BACKUP);
     ExpectTab("Restore");
     EXPECT_EQ((Texts{"State 3", "State 2", "State 1"}), Items(IDC_STATES));

@@ -68,9 +68,9 @@ TEST_F(HiddenFocusTest, TheShownPageGetsItInstead) {
     ExpectKeysStillWork();
 }
 
-TEST_F(HiddenFocusTest, OnAPageWithoutControlsTheTabsGetIt) {
+TEST_F(HiddenFocusTest, OnThePageThatOnlyTellsItsHelpGetsIt) {
     ChangePageUnderReminder(kAboutTab, "About");
-    ExpectFocus("alt+q", IDC_TABS);
+    ExpectFocus("alt+q", IDC_PAGE_HELP);
     ExpectKeysStillWork();
 }
 

@@ -138,7 +138,7 @@ TEST_F(KeyboardTest, EnterPressesThePagesButtonAlsoOnTheTabs) {
 TEST_F(KeyboardTest, EnterClicksTheButtonThatHasTheFocus) {
     OpenOn("Advanced Restore");
     ExpectFocus("alt+s", IDC_STATES);
-    Keys("shift+tab");
+    Keys("shift+tab shift+tab shift+tab");
     ExpectFocus("shift+tab", IDC_TAKE_BACK_CHANGES);
     Keys("enter");
     RefuseReminder(kRestoreReminder);
