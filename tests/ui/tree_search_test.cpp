@@ -24,11 +24,10 @@ protected:
             .has_value();
     }
     void FocusTree() {
-        for (int i = 0; i < 6 && !TreeHasFocus(); ++i) {
-            Keys("tab");
-            EXPECT_TRUE(DialogIsDone());
-        }
-        ASSERT_TRUE(TreeHasFocus());
+        ASSERT_TRUE(MainDialogBecomesActive());
+        ExpectFocus("alt+s", IDC_STATES);
+        Keys("tab tab");
+        ASSERT_SOON(TreeHasFocus());
     }
     static std::string SelectedIn(const sim::windows::TreeItem& item) {
         if (item.selected) {
@@ -50,7 +49,11 @@ TEST_F(TreeSearchTest, LettersSelectTheNextItemThatContainsThemAlsoInAClosedBran
     FocusTree();
     Keys("l a n");
     EXPECT_SOON_EQ("Plan one.doc (+)", SelectedInTree());
-    Keys("space t");
+}
+
+TEST_F(TreeSearchTest, FurtherLettersGoOnWithTheWord) {
+    FocusTree();
+    Keys("l a n space t");
     EXPECT_SOON_EQ("Plan two.doc (+)", SelectedInTree());
 }
 
@@ -89,8 +92,9 @@ TEST_F(TreeSearchTest, F3WithoutASearchAndWithoutATreeDoesNothing) {
 }
 
 TEST_F(TreeSearchTest, AltVShowsOneKindAndTheButtonsActOnAll) {
+    EXPECT_TRUE(MainDialogBecomesActive());
     Keys("alt+v");
-    EXPECT_SOON(Shows("Show"));
+    EXPECT_SOON(IsActive("Show"));
     Keys("c");
     EXPECT_SOON_EQ("Shows 2 of 6; + and -- act on all.", Text(IDC_DIFFERENCES_HINT));
     EXPECT_TRUE(MainDialogBecomesActive());
@@ -99,7 +103,7 @@ TEST_F(TreeSearchTest, AltVShowsOneKindAndTheButtonsActOnAll) {
     ASSERT_EQ(4u, tree[0].children.size());
     EXPECT_EQ(1u, tree[0].children[1].children.size());
     Press(IDC_SHOW);
-    EXPECT_SOON(Shows("Show"));
+    EXPECT_SOON(IsActive("Show"));
     Keys("esc");
     EXPECT_SOON(!Shows("Show"));
     EXPECT_EQ("Shows 2 of 6; + and -- act on all.", Text(IDC_DIFFERENCES_HINT));
