@@ -90,16 +90,18 @@ bool StartNewStorage(Application& app) {
     return OpenStorage(app.storage.names.sav, app.storage, result) && LoadUnderHourglass(app);
 }
 
-// With what it could not save remembered: nothing to save leaves the state before as it is.
-OperationEnd EndOf(const Application& app, const BackupOrder& order, const BackupResult& result,
-                   std::uint32_t available) {
-    OperationEnd end{result.code, order.state_number, 0};
+// A backup that found nothing to save leaves the state before as it is.
+void RememberUnsaved(const Application& app, const BackupOrder& order, const BackupResult& result) {
     if (result.code == ResultCode::kSuccess) {
         KeepUnsaved(app.storage.names, order.state_number, result);
     }
     if (result.code == ResultCode::kNoDifference) {
         KeepUnsaved(app.storage.names, order.state_number - 1, result);
     }
+}
+
+OperationEnd EndOf(const BackupOrder& order, const BackupResult& result, std::uint32_t available) {
+    OperationEnd end{result.code, order.state_number, 0};
     if (result.code == ResultCode::kNoSpace) {
         end.missing_bytes = result.bytes_needed;
     }
@@ -139,7 +141,8 @@ bool BackupDriver(Application& app, std::uint32_t state_number, const wchar_t* d
     BackupResult& result = report.result;
     result = RunChecked(app, order, context.available);
     app.popup.CloseAndWait();
-    report.end = EndOf(app, order, result, context.available);
+    RememberUnsaved(app, order, result);
+    report.end = EndOf(order, result, context.available);
     const bool succeeded = ReportBackup(result.code, context);
     if (result.code != ResultCode::kNoSpace) {
         return succeeded;
@@ -152,7 +155,8 @@ bool BackupDriver(Application& app, std::uint32_t state_number, const wchar_t* d
         app.popup.Show(app.main_dialog, kBackupTitle, kBackupSteps);
         result = RunSuspended(app, order);
         app.popup.CloseAndWait();
-        report.end = EndOf(app, order, result, context.available);
+        RememberUnsaved(app, order, result);
+        report.end = EndOf(order, result, context.available);
     }
     context.is_first_pass = false;
     context.amount = result.bytes_needed;
