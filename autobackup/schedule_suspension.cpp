@@ -47,7 +47,7 @@ bool PutBack(const SavedSchedule& saved) {
 // and one that ended while it dropped them had put everything back.
 bool ReadCopies(SavedSchedule& saved) {
     for (const ScheduleValue& value : kScheduleValues) {
-        if (!OwnValueExists(value.copy)) {
+        if (!ValueExists(value.copy)) {
             return false;
         }
         saved.*value.member = ReadSetting(value.copy);
@@ -57,7 +57,7 @@ bool ReadCopies(SavedSchedule& saved) {
 
 bool HasCopy() {
     for (const ScheduleValue& value : kScheduleValues) {
-        if (OwnValueExists(value.copy)) {
+        if (ValueExists(value.copy)) {
             return true;
         }
     }

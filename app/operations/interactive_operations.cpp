@@ -16,8 +16,8 @@ namespace {
 
 void BackUp(Application& app, const char16_t* description) {
     const std::uint32_t number = NextStateNumber(app.storage.journal.get());
-    BackupReport report;
-    const bool succeeded = BackupDriver(app, number, Wide(description), false, report);
+    OperationEnd end;
+    const bool succeeded = BackupDriver(app, number, Wide(description), false, end);
     // It says what the backup wrote; the page's buttons must not take it for what they prepared.
     app.storage.difference.reset();
     app.gate.ReleaseLists();

@@ -134,15 +134,14 @@ bool LoadUnderHourglass(Application& app) {
 }
 
 bool BackupDriver(Application& app, std::uint32_t state_number, const wchar_t* description,
-                  bool automatic, BackupReport& report) {
+                  bool automatic, OperationEnd& end) {
     app.popup.Show(app.main_dialog, kBackupTitle, kBackupSteps);
     BackupOrder order{state_number, description, automatic};
     ReportContext context{app.main_dialog, automatic, true, 0, 0};
-    BackupResult& result = report.result;
-    result = RunChecked(app, order, context.available);
+    BackupResult result = RunChecked(app, order, context.available);
     app.popup.CloseAndWait();
     RememberUnsaved(app, order, result);
-    report.end = EndOf(order, result, context.available);
+    end = EndOf(order, result, context.available);
     const bool succeeded = ReportBackup(result.code, context);
     if (result.code != ResultCode::kNoSpace) {
         return succeeded;
@@ -156,7 +155,7 @@ bool BackupDriver(Application& app, std::uint32_t state_number, const wchar_t* d
         result = RunSuspended(app, order);
         app.popup.CloseAndWait();
         RememberUnsaved(app, order, result);
-        report.end = EndOf(order, result, context.available);
+        end = EndOf(order, result, context.available);
     }
     context.is_first_pass = false;
     context.amount = result.bytes_needed;

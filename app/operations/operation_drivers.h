@@ -15,16 +15,12 @@ constexpr wchar_t kRestoreTitle[] = L"Restoring in progress";
 bool LoadUnderPopup(Application& app);
 bool LoadUnderHourglass(Application& app);
 
-// What a backup came to: the engine's result, and of which state in the end.
-struct BackupReport {
-    BackupResult result;
-    OperationEnd end;
-};
 // Makes state `state_number` with `description` and tells the user of the result, or nobody when
 // `automatic`. A full card gives up the old storage where the settings and the user allow it. What
-// could not be saved is remembered. True when a state was written.
+// could not be saved is remembered, and `end` tells of which state it was. True when a state was
+// written.
 bool BackupDriver(Application& app, std::uint32_t state_number, const wchar_t* description,
-                  bool automatic, BackupReport& report);
+                  bool automatic, OperationEnd& end);
 
 // The road that an interactive and an unattended restore share: memory check, schedule off,
 // restore, schedule on. Shows nothing but what `questions` asks; null asks nothing.

@@ -2,8 +2,7 @@
 
 #include <algorithm>
 
-#include "app/settings/settings.h"
-#include "platform/registry_key.h"
+#include "app/settings/own_values.h"
 #include "platform/text.h"
 #include "snapshot/text/text_buffer.h"
 #include "storage/opened/journal.h"
@@ -59,11 +58,7 @@ void CompleteStoragePath(bool was_read, char16_t (&path)[kStoragePathUnits]) {
 }
 
 // Only an installation creates the value.
-bool StorageFolderIsFixed() {
-    const UniqueHkey hkey = OpenKey(HKEY_CURRENT_USER, Wide(kSettingsKey));
-    return !hkey || ::RegQueryValueExW(hkey.get(), Wide(setting::kStoragePath), nullptr, nullptr,
-                                       nullptr, nullptr) != ERROR_SUCCESS;
-}
+bool StorageFolderIsFixed() { return !ValueExists(setting::kStoragePath); }
 
 void SaveLocation(const char16_t* chosen_path) {
     StorageLocation location;

@@ -33,7 +33,7 @@ bool DeleteOwnValue(const char16_t* name) {
     return hkey && ::RegDeleteValueW(hkey.get(), Wide(name)) == ERROR_SUCCESS;
 }
 
-bool OwnValueExists(const char16_t* name) {
+bool ValueExists(const char16_t* name) {
     const UniqueHkey hkey = OpenSettings(0);
     return hkey && ::RegQueryValueExW(hkey.get(), Wide(name), nullptr, nullptr, nullptr, nullptr) ==
                        ERROR_SUCCESS;

@@ -26,7 +26,8 @@ bool ReadOwnBytes(const char16_t* name, void* buffer, std::uint32_t bytes);
 bool WriteOwnBytes(const char16_t* name, const void* data, std::uint32_t bytes);
 // False when the value is not there any more, or cannot be taken away.
 bool DeleteOwnValue(const char16_t* name);
-bool OwnValueExists(const char16_t* name);
+// Of a setting, too.
+bool ValueExists(const char16_t* name);
 // Has what was written reach the medium before what is written next.
 void FlushSettings();
 

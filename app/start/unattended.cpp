@@ -65,16 +65,15 @@ std::optional<int> BackUp(Application& app) {
     if (!ReadStoragePath(path)) {
         return std::nullopt;
     }
-    BackupReport report;
-    report.end.code = LoadForBackup(app);
-    const bool is_loaded = report.end.code == ResultCode::kSuccess;
+    OperationEnd end;
+    end.code = LoadForBackup(app);
+    const bool is_loaded = end.code == ResultCode::kSuccess;
     if (is_loaded) {
-        BackupDriver(app, NextStateNumber(app.storage.journal.get()), app.launchReason, true,
-                     report);
+        BackupDriver(app, NextStateNumber(app.storage.journal.get()), app.launchReason, true, end);
         CloseStorage(app.storage);
     }
-    KeepAutomaticBackup(report.end.code);
-    LogEnd(app, report.end);
+    KeepAutomaticBackup(end.code);
+    LogEnd(app, end);
     return is_loaded ? kDone : kFailed;
 }
 

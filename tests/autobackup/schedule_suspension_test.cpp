@@ -31,9 +31,9 @@ protected:
         EXPECT_EQ(time, ReadSetting(setting::kWakeUpTime));
     }
     static bool HasCopies() {
-        return OwnValueExists(own_value::kSuspendedOnTime) ||
-               OwnValueExists(own_value::kSuspendedOnBattery) ||
-               OwnValueExists(own_value::kSuspendedWakeUpTime);
+        return ValueExists(own_value::kSuspendedOnTime) ||
+               ValueExists(own_value::kSuspendedOnBattery) ||
+               ValueExists(own_value::kSuspendedWakeUpTime);
     }
     static DWORD NotificationCount() { return NotificationHandles().count(); }
 };

@@ -70,7 +70,7 @@ TEST_F(BackupHistoryTest, WhatWasNotSavedIsToldOfItsStateAndStorageAlone) {
     EXPECT_EQ(0u, ReadUnsaved(other_, 3));
     KeepUnsaved(home_, 3, BackupResult());
     EXPECT_EQ(0u, ReadUnsaved(home_, 3));
-    EXPECT_FALSE(OwnValueExists(own_value::kLastUnsaved));
+    EXPECT_FALSE(ValueExists(own_value::kLastUnsaved));
 }
 
 // Another program may have written anything there.
