@@ -34,6 +34,11 @@
 #define IDC_FAILED_REASON 1201
 #define IDC_RESTORE_NOTICE 1203
 #define IDC_SHOW 1204
+#define IDC_FULL 1270
+#define IDC_OLD_CONTENTS 1271
+#define IDC_NEW_CONTENTS 1272
+#define IDC_OLD_CONTENTS_LABEL 1273
+#define IDC_NEW_CONTENTS_LABEL 1274
 
 #define IDD_TREE_FILTER 1240
 #define IDC_SHOW_ALL 1205
@@ -220,6 +225,10 @@
 #define IDS_SAVED 232
 #define IDS_RESTORE_EFFECT 233
 #define IDS_SHOWS_SOME 240
+
+// The button that gives the dialog the whole screen.
+#define IDS_FULL 400
+#define IDS_FULL_BACK 401
 
 #define IDD_HELP_VIEWER 150
 #define IDC_HELP_TOPIC_LABEL 1150

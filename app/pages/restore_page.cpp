@@ -3,7 +3,7 @@
 #include "app/operations/confirmation.h"
 #include "app/operations/messages.h"
 #include "app/operations/window_messages.h"
-#include "app/pages/restore_layout.h"
+#include "app/pages/page_layouts.h"
 #include "app/pages/tree_filter_dialog.h"
 #include "platform/resource_text.h"
 #include "platform/text.h"
@@ -60,13 +60,19 @@ bool RestorePage::OnEnter(HWND control) {
     return true;
 }
 
-// The tree is searched by typing in it; F3 goes on from wherever the focus is.
+// The tree is searched by typing in it; F3 goes on and Alt+V chooses what it shows from wherever
+// the focus is.
 bool RestorePage::TakesKey(const MSG& message) {
     if (CurrentForm() == Form::kRestore) {
         return false;
     }
     if (message.message == WM_KEYDOWN && message.wParam == VK_F3) {
         tree_.FindNext();
+        return true;
+    }
+    if (message.message == WM_SYSKEYDOWN && message.wParam == 'V' &&
+        ::IsWindowVisible(Control(IDC_SHOW))) {
+        ChooseShown();
         return true;
     }
     return message.message == WM_CHAR && tree_.TakesCharacter(message);
@@ -87,8 +93,18 @@ void RestorePage::OnShow(int index) {
     }
 }
 
+LayoutSet RestorePage::Layouts() const {
+    switch (CurrentForm()) {
+        case Form::kRestore: return RestoreLayouts();
+        case Form::kAdvanced: return AdvancedLayouts(frame_.IsFull());
+        default: return FailedLayouts(frame_.IsFull());
+    }
+}
+
 void RestorePage::OnLayout() {
-    LayOutRestorePage(window(), CurrentForm());
+    ::SetDlgItemTextW(
+        window(), IDC_FULL,
+        ResourceText(app_.instance, frame_.IsFull() ? IDS_FULL_BACK : IDS_FULL).text());
     tree_.OnLayout(CurrentForm() != Form::kRestore);
 }
 
@@ -174,7 +190,7 @@ void RestorePage::ShowDifferences() {
         GiveUpComparison();
     }
     ShowComparison();
-    OnLayout();
+    LayOut();
 }
 
 // The buttons must not act on what nobody can see.
@@ -273,7 +289,7 @@ void RestorePage::OnRestoreEnded(bool items_left, UINT notice) {
         BuildTree();
     }
     ForgetMissingDifferences();
-    OnLayout();
+    LayOut();
     if (is_failed_) {
         ShowFailed();
     }
@@ -297,7 +313,7 @@ void RestorePage::ForgetMissingDifferences() {
     tree_.Clear();
     comparison_.Forget();
     ShowComparison();
-    OnLayout();
+    LayOut();
 }
 
 void RestorePage::LeaveFailed() {
@@ -336,6 +352,7 @@ bool RestorePage::OnCommand(int id, int notification) {
         case IDC_APPLY_CHANGES:
         case IDC_TAKE_BACK_CHANGES: RequestRestore(id); return true;
         case IDC_SHOW: ChooseShown(); return true;
+        case IDC_FULL: frame_.ToggleFull(); return true;
         case IDC_FAILED_OK: LeaveFailed(); return true;
         default: return false;
     }

@@ -28,6 +28,7 @@ public:
     void OnStorageChanged() override;
 
 private:
+    LayoutSet Layouts() const override;
     void OnInit() override;
     bool OnCommand(int id, int notification) override;
     INT_PTR OnMessage(UINT message, WPARAM wparam, LPARAM lparam) override;
