@@ -45,6 +45,7 @@
 #define IDC_SHOW_ADDED 1206
 #define IDC_SHOW_CHANGED 1207
 #define IDC_SHOW_DELETED 1208
+#define IDC_SHOW_FAILED 1209
 
 #define IDD_OPTIONS_PAGE 104
 #define IDC_AUTOMATIC_GROUP 1130
@@ -225,6 +226,8 @@
 #define IDS_SAVED 232
 #define IDS_RESTORE_EFFECT 233
 #define IDS_SHOWS_SOME 240
+#define IDS_SHOWS_SOME_FAILED 241
+#define IDS_FAILED_ITEMS 242
 
 // The button that gives the dialog the whole screen.
 #define IDS_FULL 400

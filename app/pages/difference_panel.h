@@ -16,10 +16,10 @@ public:
     void Destroy() { tree_.DestroyTreeWindowClass(); }
     // Shows what the application's difference list holds, below this caption; an empty one leaves
     // the tree its own. With `opens_branches` every item can be seen at once. False when the tree
-    // shows less than the list holds, but for items of another change state than `shown_state` (0:
+    // shows less than the list holds, but for items of another kind than `shown_kind` (kShowAll:
     // none is left out).
     bool Build(Application& app, const wchar_t* caption, bool opens_branches,
-               std::uint32_t shown_state);
+               std::uint32_t shown_kind);
     const TreeCounts& counts() const { return counts_; }
     void Clear() { tree_.Clear(); }
     // A character that was typed in the tree looks for an item. False for another window's.

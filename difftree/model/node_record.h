@@ -24,9 +24,15 @@ constexpr int kNodeReasonShift = 8;
 constexpr std::uint32_t NodeFlagsOf(FailureReason reason) {
     return static_cast<std::uint32_t>(reason) << kNodeReasonShift;
 }
+constexpr std::uint32_t kNodeReasonMask = 0xFFFFu << kNodeReasonShift;
 constexpr bool HasReason(std::uint32_t node_flags, FailureReason reason) {
     return (node_flags & NodeFlagsOf(reason)) != 0;
 }
+
+// What a tree may be cut down to: the items of one change state, or those that could not be
+// restored.
+constexpr std::uint32_t kShowAll = 0;
+constexpr std::uint32_t kShowFailed = kNodeReasonMask;
 
 // Category codes; a node below a category carries the object type that it stands for.
 constexpr std::uint32_t kCategoryOther = 0;

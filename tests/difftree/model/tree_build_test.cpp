@@ -63,14 +63,14 @@ TEST_F(TreeBuildTest, OnRequestTheBranchesThatHoldSomethingAreOpen) {
 TEST_F(TreeBuildTest, ItemsOfOneChangeStateAloneAreShownAndCounted) {
     TreeCounts counts;
     build_.counts = &counts;
-    build_.shown_state = kNodeBoth;
+    build_.shown_kind = kNodeBoth;
     Advanced({File(u"\\a\\new"), File(u"\\a\\old", JF_DELETE), File(u"\\a\\b"),
               File(u"\\a\\b", JF_DELETE), File(u"\\c\\new")});
     EXPECT_EQ((Lines{u"a", u" b (±)*"}), Below(u"Files"));
     EXPECT_EQ(1u, counts.shown);
     EXPECT_EQ(4u, counts.all);
     EXPECT_NE(nullptr, tree_.Find({u"Registry"}));
-    build_.shown_state = 0;
+    build_.shown_kind = 0;
     Advanced({File(u"\\a\\new")});
     EXPECT_EQ(1u, counts.shown);
     EXPECT_EQ(1u, counts.all);
@@ -87,6 +87,23 @@ TEST_F(TreeBuildTest, AnItemKnowsWhyItsObjectsFailed) {
     EXPECT_TRUE(HasReason(flags, FailureReason::kDamaged));
     EXPECT_FALSE(HasReason(flags, FailureReason::kNoRoom));
     EXPECT_FALSE(HasReason(tree_.Find({u"Files", u"a"})->record->flags, FailureReason::kInUse));
+}
+
+TEST_F(TreeBuildTest, ItemsThatFailedAloneAreShownAndAllOfThemCounted) {
+    FakeObject held = File(u"\\a\\b", JF_DELETE);
+    held.reason = FailureReason::kInUse;
+    TreeCounts counts;
+    build_.counts = &counts;
+    build_.shown_kind = kShowFailed;
+    Advanced({File(u"\\a\\new"), held, File(u"\\c", JF_DELETE)});
+    EXPECT_EQ((Lines{u"a", u" b (-)*"}), Below(u"Files"));
+    EXPECT_EQ(1u, counts.shown);
+    EXPECT_EQ(3u, counts.all);
+    EXPECT_EQ(1u, counts.failed);
+    build_.shown_kind = kNodeAdded;
+    Advanced({File(u"\\a\\new"), held});
+    EXPECT_EQ(1u, counts.shown);
+    EXPECT_EQ(1u, counts.failed);
 }
 
 TEST_F(TreeBuildTest, RecordsOfItemsKnowTheirItemsAndPlainCaptions) {
