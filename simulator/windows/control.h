@@ -73,6 +73,9 @@ std::vector<TreeItem> Tree(const Device& device);
 // False for a word that names no key; then nothing was pressed.
 bool PressKeys(const Device& device, const std::string& keys);
 
+// Taps the screen at this pixel with the stylus. What the tap does comes after.
+void Tap(const Device& device, int x, int y);
+
 // Closes the active window as its close button does.
 bool Close(const Device& device);
 // Taps the "?" in the active window's caption; false when it has none.
