@@ -125,4 +125,10 @@ bool FitToWorkArea(HWND dialog) {
     return true;
 }
 
+void FitToWorkArea(HWND dialog, const LayoutSet& small_screens) {
+    if (FitToWorkArea(dialog)) {
+        ApplyLayout(dialog, ChooseLayout(dialog, small_screens));
+    }
+}
+
 }  // namespace tolvenar

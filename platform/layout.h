@@ -72,5 +72,7 @@ RECT WorkArea();
 
 // Lets a dialog that is larger than the work area fill it. False when it had room.
 bool FitToWorkArea(HWND dialog);
+// The same for a dialog that has its own layouts for such a screen.
+void FitToWorkArea(HWND dialog, const LayoutSet& small_screens);
 
 }  // namespace tolvenar
