@@ -21,6 +21,13 @@ void PutSize(std::uint64_t bytes, Figure& text) {
     ::wsprintfW(text, L"%u.%u MB", tenths / 10, tenths % 10);
 }
 
+UINT DurationText(std::uint32_t seconds) {
+    if (seconds < 45) {
+        return IDS_PREVIEW_SECONDS;
+    }
+    return seconds < 90 ? IDS_PREVIEW_MINUTE : IDS_PREVIEW_MINUTES;
+}
+
 bool ChangesNothing(const SavedCounts& counts) {
     return counts.added + counts.changed + counts.deleted == 0;
 }
@@ -67,9 +74,8 @@ void PreviewPanel::ShowNeeds() const {
     wchar_t text[2 * kResourceTextUnits] = L"";
     if (!ChangesNothing(figures.counts)) {
         wchar_t time[kResourceTextUnits];
-        const std::uint32_t minutes = (figures.seconds + 30) / 60;
-        const UINT duration = minutes < 2 ? IDS_PREVIEW_SECONDS : IDS_PREVIEW_MINUTES;
-        ::wsprintfW(time, ResourceText(app_.instance, duration).text(), minutes);
+        ::wsprintfW(time, ResourceText(app_.instance, DurationText(figures.seconds)).text(),
+                    (figures.seconds + 30) / 60);
         Figure needed;
         Figure missing;
         PutSize(figures.written_bytes, needed);

@@ -1,8 +1,9 @@
 #include "storage/operations/restore_preview.h"
 
+#include "platform/win32.h"
+
 #include <utility>
 
-#include "platform/win32.h"
 #include "snapshot/compare/states.h"
 #include "snapshot/engine/difference_engine.h"
 #include "snapshot/text/log.h"
@@ -109,8 +110,8 @@ bool RestorePreview::FindWithJournal(std::uint32_t state_number) {
     if (!Compare(state_number) || !Plan()) {
         return false;
     }
-    figures_.seconds = ExpectedSeconds(::GetTickCount() - start,
-                                       CountPending(*storage_.difference), figures_.written_bytes);
+    figures_.seconds = ExpectedSeconds(::GetTickCount() - start, CountPending(*storage_.difference),
+                                       figures_.written_bytes);
     if (!LookFromDevice() || !CountSaved(engine_, figures_.counts)) {
         return false;
     }

@@ -9,9 +9,9 @@ namespace tolvenar {
 
 // What the user is told of it.
 struct PreviewFigures {
-    SavedCounts counts;             // objects that the restore adds, changes and deletes
-    std::uint32_t left_alone = 0;   // objects that differ and that it must not touch
-    bool is_damaged = false;        // some of them since the storage is damaged
+    SavedCounts counts;            // objects that the restore adds, changes and deletes
+    std::uint32_t left_alone = 0;  // objects that differ and that it must not touch
+    bool is_damaged = false;       // some of them since the storage is damaged
     std::uint64_t written_bytes = 0;
     std::uint64_t missing_bytes = 0;  // what the device lacks for them
     std::uint32_t seconds = 0;        // that the restore takes, roughly

@@ -1,4 +1,6 @@
 // What a restore would change, found out without a change.
+#include "storage/operations/restore_preview.h"
+
 #include <map>
 
 #include "app/settings/own_values.h"
@@ -6,7 +8,6 @@
 #include "snapshot/engine/descriptions.h"
 #include "snapshot/engine/difference_engine.h"
 #include "snapshot/records/checksum.h"
-#include "storage/operations/restore_preview.h"
 #include "tests/storage/operations/restore_engine_fixture.h"
 
 namespace tolvenar {
@@ -46,8 +47,7 @@ protected:
         Descriptions descriptions(preview_.engine());
         for (const ObjectList::Node& node : *preview_.engine().storage.difference) {
             InfoBlock block;
-            if (node.record->type == kFile &&
-                FetchInfo(*node.record, descriptions.source, block)) {
+            if (node.record->type == kFile && FetchInfo(*node.record, descriptions.source, block)) {
                 files[block.name()] |= node.record->flags;
             }
         }
@@ -62,10 +62,10 @@ protected:
 TEST_F(RestorePreviewTest, WhatIsNewOnTheDeviceStandsAsDeletedAndWhatIsGoneAsAdded) {
     ChangeDevice();
     ASSERT_TRUE(Preview());
-    EXPECT_EQ((std::map<Text, int>{{u"\\a.txt", JF_ADD | JF_DELETE},
-                                   {u"\\gone.txt", JF_ADD},
-                                   {u"\\new.txt", JF_DELETE}}),
-              Files());
+    EXPECT_EQ(
+        (std::map<Text, int>{
+            {u"\\a.txt", JF_ADD | JF_DELETE}, {u"\\gone.txt", JF_ADD}, {u"\\new.txt", JF_DELETE}}),
+        Files());
     // Bob, the new file, two keys and a value.
     ExpectCounts(1, 3, 5);
     EXPECT_EQ(1u, preview_.state_number());
