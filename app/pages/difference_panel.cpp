@@ -23,12 +23,12 @@ void DifferencePanel::Create(HINSTANCE instance, HWND place_holder, TreeListener
 }
 
 bool DifferencePanel::Build(Engine& engine, bool advanced_view, const wchar_t* caption,
-                            bool opens_branches, std::uint32_t shown_state) {
+                            bool opens_branches, std::uint32_t shown_kind) {
     OpenedDifferences differences(engine);
     TreeBuild build;
     build.advanced_view = advanced_view;
     build.opens_branches = opens_branches;
-    build.shown_state = shown_state;
+    build.shown_kind = shown_kind;
     build.counts = &counts_;
     build.root_caption = Utf16(caption);
     return tree_.tree_view() == nullptr ||

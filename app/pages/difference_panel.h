@@ -15,11 +15,11 @@ public:
     // Before the page goes: the tree's window class goes after its windows.
     void Destroy() { tree_.DestroyTreeWindowClass(); }
     // Shows what the difference list of `engine` holds, below this caption; an empty one leaves the
-    // tree its own. With `opens_branches` every item can be seen at once. False when the tree
-    // shows less than the list holds, but for items of another change state than `shown_state` (0:
-    // none is left out).
+    // tree its own. With `opens_branches` every item can be seen at once. False when the tree shows
+    // less than the list holds, but for items of another kind than `shown_kind` (kShowAll: none is
+    // left out).
     bool Build(Engine& engine, bool advanced_view, const wchar_t* caption, bool opens_branches,
-               std::uint32_t shown_state);
+               std::uint32_t shown_kind);
     const TreeCounts& counts() const { return counts_; }
     void Clear() { tree_.Clear(); }
     // A character that was typed in the tree looks for an item. False for another window's.

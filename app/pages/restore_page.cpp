@@ -284,13 +284,12 @@ bool RestorePage::BuildTree() {
     tree_is_preview_ = CurrentForm() == Form::kPreview;
     if (tree_is_preview_) {
         preview_.PutCaption(caption);
-        return tree_.Build(app_.preview.engine(), advanced_view, caption, false, 0);
+        return tree_.Build(app_.preview.engine(), advanced_view, caption, false, kShowAll);
     }
     if (!is_failed_) {
         comparison_.PutCaption(caption);
     }
-    return tree_.Build(app_.engine, advanced_view, caption, is_failed_,
-                       is_failed_ ? 0 : shown_state_);
+    return tree_.Build(app_.engine, advanced_view, caption, is_failed_, shown_kind_);
 }
 
 void RestorePage::ShowComparison() {
@@ -298,33 +297,46 @@ void RestorePage::ShowComparison() {
     comparison_.PutCaption(text);
     ::SetWindowTextW(Control(IDC_DIFFERENCES_CAPTION), text);
     comparison_.PutLine(SelectedState(), text);
-    if (comparison_.IsMade() && shown_state_ != 0) {
-        const TreeCounts& counts = tree_.counts();
-        ::wsprintfW(text, ResourceText(app_.instance, IDS_SHOWS_SOME).text(), counts.shown,
-                    counts.all);
+    if (comparison_.IsMade()) {
+        PutShown(IDS_SHOWS_SOME, text);
     }
     ::SetWindowTextW(Control(IDC_DIFFERENCES_HINT), text);
+    ::wcscpy(text, ResourceText(app_.instance, IDS_FAILED_ITEMS).text());
+    PutShown(IDS_SHOWS_SOME_FAILED, text);
+    ::SetWindowTextW(Control(IDC_FAILED_LABEL), text);
+}
+
+// Says in the place of `text` how much of the list can be seen, if it is not all.
+void RestorePage::PutShown(UINT format, ShownComparison::Text& text) const {
+    if (shown_kind_ != kShowAll) {
+        const TreeCounts& counts = tree_.counts();
+        ::wsprintfW(text, ResourceText(app_.instance, format).text(), counts.shown, counts.all);
+    }
+}
+
+bool RestorePage::CanChooseShown() const {
+    return (is_failed_ || comparison_.IsMade()) && !app_.gate.IsOccupied();
 }
 
 // The list stays as it is: the buttons act on all of it.
 void RestorePage::ChooseShown() {
-    if (!comparison_.IsMade() || app_.gate.IsOccupied()) {
+    if (!CanChooseShown()) {
         return;
     }
     TreeFilterDialog dialog;
-    const std::optional<std::uint32_t> chosen = dialog.Ask(app_.instance, app_.main_dialog);
+    const std::optional<std::uint32_t> chosen =
+        dialog.Ask(app_.instance, app_.main_dialog, tree_.counts().failed != 0);
     // Another program may have asked for an operation meanwhile.
-    if (!chosen || !comparison_.IsMade() || app_.gate.IsOccupied()) {
+    if (!chosen || !CanChooseShown()) {
         return;
     }
-    shown_state_ = *chosen;
+    shown_kind_ = *chosen;
     RebuildTree();
 }
 
 // False when the states could not be compared.
 bool RestorePage::Compare(const ObjectRecord& state, const ObjectRecord* older) {
     DropDifferences();
-    shown_state_ = 0;
     comparison_.Keep(state.state_number, older != nullptr ? older->state_number : kNoState);
     return older == nullptr ||
            FindDifferenceEx(app_.engine, older->state_number, state.state_number);
@@ -332,6 +344,7 @@ bool RestorePage::Compare(const ObjectRecord& state, const ObjectRecord* older) 
 
 // With the registry objects of a restore that left some of them over.
 void RestorePage::DropDifferences() {
+    shown_kind_ = kShowAll;
     if (app_.storage.difference != nullptr) {
         app_.storage.difference->ClearList();
     }
@@ -360,8 +373,10 @@ void RestorePage::OnRestoreEnded(bool items_left, UINT notice) {
     notice_ = notice;
     ShowNotice();
     is_failed_ = items_left;
+    shown_kind_ = kShowAll;
     if (items_left) {
         BuildTree();
+        ShowComparison();
     }
     ForgetMissingDifferences();
     OnLayout();

@@ -58,6 +58,8 @@ private:
     void ShowComparison();
     void GiveUpComparison();
     void RebuildTree();
+    void PutShown(UINT format, ShownComparison::Text& text) const;
+    bool CanChooseShown() const;
     void ChooseShown();
     void DropDifferences();
     void OnRestoreEnded(bool items_left, UINT notice);
@@ -72,9 +74,9 @@ private:
     PreviewPanel preview_;
     ShownComparison comparison_;
     int tab_ = kRestorePage;
-    int shown_item_ = -1;            // the item whose details are shown
-    UINT notice_ = 0;                // a text about the last operation; 0 is none
-    std::uint32_t shown_state_ = 0;  // of the items that the tree shows; 0: all
+    int shown_item_ = -1;                  // the item whose details are shown
+    UINT notice_ = 0;                      // a text about the last operation; 0 is none
+    std::uint32_t shown_kind_ = kShowAll;  // of the items that the tree shows
     bool is_failed_ = false;
     bool tree_is_preview_ = false;  // it shows the preview; else what the buttons act on
 };

@@ -10,8 +10,9 @@ namespace tolvenar {
 
 class TreeFilterDialog final : private Dialog {
 public:
-    // Modal. The change state of the items to show, 0 for all; nothing when the user leaves it.
-    std::optional<std::uint32_t> Ask(HINSTANCE instance, HWND owner);
+    // Modal. The kind of items to show (kShow..., a change state); nothing when the user leaves it.
+    // Without `has_failed` there are none that failed to choose.
+    std::optional<std::uint32_t> Ask(HINSTANCE instance, HWND owner, bool has_failed);
 
 private:
     INT_PTR Dispatch(UINT message, WPARAM wparam, LPARAM lparam) override;
@@ -19,6 +20,7 @@ private:
     INT_PTR OnCommand(int id);
 
     std::optional<std::uint32_t> chosen_;
+    bool has_failed_ = false;
 };
 
 }  // namespace tolvenar

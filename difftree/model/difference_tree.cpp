@@ -19,7 +19,7 @@ std::uint32_t StateOf(std::uint16_t flags) {
 
 // False when the enumerator aborts or there is no memory.
 bool ClassifyAll(DifferenceEnumerator& enumerator, ObjectClassifier& classifier,
-                 std::uint16_t filter_mask) {
+                 std::uint16_t filter_mask, TreeCounts& counts) {
     EnumeratedObject object{};
     for (;;) {
         switch (enumerator.Next(object)) {
@@ -31,6 +31,7 @@ bool ClassifyAll(DifferenceEnumerator& enumerator, ObjectClassifier& classifier,
         }
         const std::uint32_t state = StateOf(object.flags & filter_mask);
         const std::uint32_t flags = state | kNodeObject | NodeFlagsOf(object.reason);
+        counts.failed += object.reason != FailureReason::kNone ? 1 : 0;
         if (state != 0 && !classifier.ClassifyObject(object, flags)) {
             return false;
         }
@@ -38,26 +39,23 @@ bool ClassifyAll(DifferenceEnumerator& enumerator, ObjectClassifier& classifier,
 }
 
 bool MakeNodes(TreeControl& control, NodeTree& tree, const TreeTexts& texts,
-               DifferenceEnumerator& enumerator, const TreeBuild& build) {
+               DifferenceEnumerator& enumerator, const TreeBuild& build, TreeCounts& counts) {
     ObjectClassifier classifier(control, tree, texts, build, enumerator);
-    return classifier.MakeCategories() && ClassifyAll(enumerator, classifier, build.filter_mask) &&
+    return classifier.MakeCategories() &&
+           ClassifyAll(enumerator, classifier, build.filter_mask, counts) &&
            classifier.AddApplications();
 }
 
 std::uint32_t ChangesBelow(const NodeRecord& node) { return node.added + node.deleted + node.both; }
 
 // Counts what is there, then what is shown of it.
-void Count(NodeTree& tree, const TreeBuild& build) {
+void Count(NodeTree& tree, std::uint32_t shown_kind, TreeCounts& counts) {
     tree.CountAndMark();
-    TreeCounts counts;
     counts.shown = counts.all = ChangesBelow(*tree.root());
-    if (build.shown_state != 0) {
-        tree.KeepOnly(build.shown_state);
+    if (shown_kind != kShowAll) {
+        tree.KeepOnly(shown_kind);
         tree.CountAndMark();
         counts.shown = ChangesBelow(*tree.root());
-    }
-    if (build.counts != nullptr) {
-        *build.counts = counts;
     }
 }
 
@@ -86,11 +84,15 @@ int BuildDifferenceTree(TreeControl& control, const TreeTexts& texts,
                         DifferenceEnumerator& enumerator, const TreeBuild& build) {
     control.DeleteAllItems();
     NodeTree tree(control);
-    if (!MakeNodes(control, tree, texts, enumerator, build)) {
+    TreeCounts counts;
+    if (!MakeNodes(control, tree, texts, enumerator, build, counts)) {
         tree.FillControl(build, false);
         return 0;
     }
-    Count(tree, build);
+    Count(tree, build.shown_kind, counts);
+    if (build.counts != nullptr) {
+        *build.counts = counts;
+    }
     if (NodeRecord* const files =
             build.advanced_view ? tree.GetCategoryNode(kCategoryFiles) : nullptr) {
         NodeTree::SortLeavesLast(*files);

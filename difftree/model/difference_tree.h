@@ -39,6 +39,7 @@ const NodeStyle& StyleOf(const NodeStyles& styles, std::uint32_t node_flags);
 struct TreeCounts {
     std::uint32_t shown = 0;
     std::uint32_t all = 0;
+    std::uint32_t failed = 0;  // objects that could not be restored, shown or not
 };
 
 // What a build is made with. The values are the restore page's.
@@ -49,7 +50,7 @@ struct TreeBuild {
     std::uint16_t filter_mask = JF_ADD | JF_DELETE;
     bool advanced_view = false;
     bool opens_branches = false;             // those that hold something
-    std::uint32_t shown_state = 0;           // the items of this change state alone; 0: all
+    std::uint32_t shown_kind = kShowAll;     // or the items of one change state, or kShowFailed
     TreeCounts* counts = nullptr;            // filled by the build, if given
     const char16_t* root_caption = nullptr;  // null or empty: "Differences"
     NodeStyles styles = kDefaultStyles;

@@ -5,6 +5,7 @@
 
 #include "snapshot/records/failure_reasons.h"
 #include "snapshot/records/hash_index.h"
+#include "snapshot/records/object_record.h"
 
 namespace tolvenar {
 
@@ -24,9 +25,15 @@ constexpr int kNodeReasonShift = 8;
 constexpr std::uint32_t NodeFlagsOf(FailureReason reason) {
     return static_cast<std::uint32_t>(reason) << kNodeReasonShift;
 }
+constexpr std::uint32_t kNodeReasonMask = 0xFFFFu << kNodeReasonShift;
 constexpr bool HasReason(std::uint32_t node_flags, FailureReason reason) {
     return (node_flags & NodeFlagsOf(reason)) != 0;
 }
+
+// What a tree may be cut down to: the items of one change state, or those that could not be
+// restored.
+constexpr std::uint32_t kShowAll = 0;
+constexpr std::uint32_t kShowFailed = kNodeReasonMask;
 
 // Category codes; a node below a category carries the object type that it stands for.
 constexpr std::uint32_t kCategoryOther = 0;
@@ -62,6 +69,8 @@ struct NodeRecord : IndexedCaption {
     std::uint32_t added;  // changed objects below the node
     std::uint32_t deleted;
     std::uint32_t both;
+    const ObjectRecord* before;  // the object's versions in the list that the tree was built from,
+    const ObjectRecord* after;   // for as long as that list is there; null for none
 
     // Links of the model, as above.
     bool has_button;

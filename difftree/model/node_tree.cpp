@@ -123,19 +123,24 @@ private:
     const bool with_marks_;
 };
 
-void KeepChildren(NodeRecord& node, std::uint32_t state);
-
-bool IsKept(NodeRecord& node, std::uint32_t state) {
-    KeepChildren(node, state);
-    return node.first_child != nullptr || (node.flags & kNodeStateMask) == state;
+bool IsOfKind(const NodeRecord& node, std::uint32_t kind) {
+    return kind == kShowFailed ? (node.flags & kNodeReasonMask) != 0
+                               : (node.flags & kNodeStateMask) == kind;
 }
 
-void KeepChildren(NodeRecord& node, std::uint32_t state) {
+void KeepChildren(NodeRecord& node, std::uint32_t kind);
+
+bool IsKept(NodeRecord& node, std::uint32_t kind) {
+    KeepChildren(node, kind);
+    return node.first_child != nullptr || IsOfKind(node, kind);
+}
+
+void KeepChildren(NodeRecord& node, std::uint32_t kind) {
     NodeRecord* child = node.first_child;
     node.first_child = node.last_child = nullptr;
     while (child != nullptr) {
         NodeRecord* const next = child->next_sibling;
-        if (IsKept(*child, state)) {
+        if (IsKept(*child, kind)) {
             Append(node, *child);
         } else {
             FreeNodeRecord(child);
@@ -216,10 +221,10 @@ void NodeTree::CountAndMark() {
     }
 }
 
-void NodeTree::KeepOnly(std::uint32_t state) {
+void NodeTree::KeepOnly(std::uint32_t kind) {
     NodeRecord* category = root_->first_child;
     for (; category != nullptr; category = category->next_sibling) {
-        KeepChildren(*category, state);
+        KeepChildren(*category, kind);
     }
 }
 

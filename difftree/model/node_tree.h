@@ -33,9 +33,9 @@ public:
 
     // Counts what changed below each node and marks the groups.
     void CountAndMark();
-    // Frees what lies below the categories and has neither this change state nor something below it
-    // that has. Nothing is inserted after that.
-    void KeepOnly(std::uint32_t state);
+    // Frees what lies below the categories and is neither of this kind (kShow..., a change state)
+    // nor above something that is. Nothing is inserted after that.
+    void KeepOnly(std::uint32_t kind);
     // Puts nodes with children before those without, below `node` at every depth.
     static void SortLeavesLast(NodeRecord& node);
     // Hands all nodes over to the tree view, captions with change marks if told. False when there

@@ -113,5 +113,34 @@ TEST_F(FailedPanelTest, WhatAnotherTryWouldPassOverIsRestoredAnew) {
     EXPECT_SOON_EQ(kTryAgain, Text(IDC_FAILED_ADVICE));
 }
 
+TEST_F(FailedPanelTest, ViewShowsOneKindAndPlusActsOnAll) {
+    FailToRestore();
+    ASSERT_TRUE(FocusComesTo(IDC_APPLY_CHANGES));
+    Keys("alt+v");
+    EXPECT_SOON(IsActive("Show"));
+    Keys("e");
+    EXPECT_SOON_EQ("Shows 0 of 2 that could not be restored; + acts on all.",
+                   Text(IDC_FAILED_LABEL));
+    EXPECT_TRUE(MainDialogBecomesActive());
+    Press(IDC_SHOW);
+    EXPECT_SOON(IsActive("Show"));
+    Press(IDC_SHOW_FAILED);
+    EXPECT_SOON_EQ("Shows 2 of 2 that could not be restored; + acts on all.",
+                   Text(IDC_FAILED_LABEL));
+    Press(IDC_APPLY_CHANGES);
+    RefuseReminder(kRestoredReminder);
+    EXPECT_EQ("hello", device().FileBytes(kNote));
+}
+
+TEST_F(FailedPanelTest, NothingFailedThereIsNothingOfThatKindToChoose) {
+    BackUp();
+    OpenOn("Advanced Restore");
+    ::SendMessageW(PageOf(IDC_STATES), WM_COMMAND, MAKEWPARAM(IDC_STATES, LBN_DBLCLK), 0);
+    Press(IDC_SHOW);
+    EXPECT_SOON(IsActive("Show"));
+    EXPECT_FALSE(AnyControl(IDC_SHOW_FAILED).enabled);
+    EXPECT_TRUE(AnyControl(IDC_SHOW_DELETED).enabled);
+}
+
 }  // namespace
 }  // namespace tests
