@@ -1,9 +1,10 @@
-// Where the controls of a dialog stand, as data: tables of places, each for a room of a certain size.
+// Where the controls of a dialog stand, as data: tables of places, each for a room of a certain
+// size.
 #pragma once
 
-#include <cstddef>
-
 #include "platform/win32.h"
+
+#include <cstddef>
 
 namespace tolvenar {
 

@@ -5,20 +5,13 @@ namespace tolvenar {
 namespace {
 
 constexpr ControlPlace kOrdinary[] = {
-    {IDC_NEW_DESCRIPTION_LABEL, {6, 2, 180, 9}},
-    {IDC_NEW_DESCRIPTION, {6, 12, 212, 14}, kWidens},
-    {IDC_BACKUP, {226, 11, 50, 16}, kOnRight},
-    {IDC_PAGE_HELP, {278, 11, 15, 16}, kOnRight},
-    {IDC_BACKUP_EFFECT, {6, 28, 287, 9}, kWidens},
-    {IDC_STORAGE_GROUP, {6, 37, 287, 46}, kWidens},
-    {IDC_BACKUP_STORAGE_LABEL, {14, 46, 84, 8}},
-    {IDC_BACKUP_STORAGE, {100, 46, 186, 8}, kWidens},
-    {IDC_LAST_STATE_LABEL, {14, 55, 84, 8}},
-    {IDC_LAST_STATE, {100, 55, 186, 8}, kWidens},
-    {IDC_LAST_AUTOMATIC_LABEL, {14, 64, 84, 8}},
-    {IDC_LAST_AUTOMATIC, {100, 64, 186, 8}, kWidens},
-    {IDC_CARD_FREE_LABEL, {14, 73, 84, 8}},
-    {IDC_CARD_FREE, {100, 73, 186, 8}, kWidens},
+    {IDC_NEW_DESCRIPTION_LABEL, {6, 2, 180, 9}},   {IDC_NEW_DESCRIPTION, {6, 12, 212, 14}, kWidens},
+    {IDC_BACKUP, {226, 11, 50, 16}, kOnRight},     {IDC_PAGE_HELP, {278, 11, 15, 16}, kOnRight},
+    {IDC_BACKUP_EFFECT, {6, 28, 287, 9}, kWidens}, {IDC_STORAGE_GROUP, {6, 37, 287, 46}, kWidens},
+    {IDC_BACKUP_STORAGE_LABEL, {14, 46, 84, 8}},   {IDC_BACKUP_STORAGE, {100, 46, 186, 8}, kWidens},
+    {IDC_LAST_STATE_LABEL, {14, 55, 84, 8}},       {IDC_LAST_STATE, {100, 55, 186, 8}, kWidens},
+    {IDC_LAST_AUTOMATIC_LABEL, {14, 64, 84, 8}},   {IDC_LAST_AUTOMATIC, {100, 64, 186, 8}, kWidens},
+    {IDC_CARD_FREE_LABEL, {14, 73, 84, 8}},        {IDC_CARD_FREE, {100, 73, 186, 8}, kWidens},
 };
 
 constexpr ControlPlace kHigh[] = {

@@ -12,9 +12,11 @@ LayoutSet BackupLayouts();
 LayoutSet StorageLayouts();
 LayoutSet OptionsLayouts();
 LayoutSet AboutLayouts();
-// The three forms of the restore page. When full they show the contents of the selected item.
+// The forms of the restore page. When full those with a tree show the contents of the selected
+// item.
 LayoutSet RestoreLayouts();
 LayoutSet AdvancedLayouts(bool is_full);
 LayoutSet FailedLayouts(bool is_full);
+LayoutSet PreviewLayouts(bool is_full);
 
 }  // namespace tolvenar

@@ -19,7 +19,8 @@ struct EnumeratedObject {
     std::uint16_t flags;   // JF_* of its record
     FailureReason reason;  // why it could not be restored
     std::uint32_t dwOID;
-    std::uint32_t hive;  // root key handle value of a registry object
+    std::uint32_t hive;          // root key handle value of a registry object
+    const ObjectRecord* record;  // in the list that is gone through
 };
 
 class DifferenceEnumerator {

@@ -41,6 +41,7 @@ int ListEnumerator::Next(EnumeratedObject& object) {
     }
     const std::u16string_view name(block_.name());
     object.name[name.copy(object.name, kObjectNameUnits - 1)] = 0;
+    object.record = record_;
     object.type = record_->type;
     object.flags = record_->flags;
     object.reason = failures_.Of(*record_);

@@ -5,6 +5,7 @@
 
 #include "snapshot/records/failure_reasons.h"
 #include "snapshot/records/hash_index.h"
+#include "snapshot/records/object_record.h"
 
 namespace tolvenar {
 
@@ -68,6 +69,8 @@ struct NodeRecord : IndexedCaption {
     std::uint32_t added;  // changed objects below the node
     std::uint32_t deleted;
     std::uint32_t both;
+    const ObjectRecord* before;  // the object's versions in the list that the tree was built from,
+    const ObjectRecord* after;   // for as long as that list is there; null for none
 
     // Links of the model, as above.
     bool has_button;

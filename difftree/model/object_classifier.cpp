@@ -74,10 +74,22 @@ bool ObjectClassifier::MakeCategories() {
     return true;
 }
 
+// Several objects may share a node; it keeps the versions that it met first.
+bool ObjectClassifier::StandsAt(NodeRecord* node, const EnumeratedObject& object) {
+    if (node == nullptr) {
+        return false;
+    }
+    const ObjectRecord*& version = (object.flags & JF_ADD) != 0 ? node->after : node->before;
+    if (version == nullptr) {
+        version = object.record;
+    }
+    return true;
+}
+
 bool ObjectClassifier::ClassifyObject(const EnumeratedObject& object, std::uint32_t flags) {
     switch (object.type) {
-        case ObjectType::kFile: return ClassifyFile(object.name, flags);
-        case ObjectType::kDatabase: return DatabaseNode(object.name, flags) != nullptr;
+        case ObjectType::kFile: return ClassifyFile(object, flags);
+        case ObjectType::kDatabase: return StandsAt(DatabaseNode(object.name, flags), object);
         case ObjectType::kDatabaseRecord: return ClassifyRecord(object, flags);
         case ObjectType::kRegistryValue:
         case ObjectType::kRegistryKey: return ClassifyRegistryObject(object, flags);
@@ -86,11 +98,12 @@ bool ObjectClassifier::ClassifyObject(const EnumeratedObject& object, std::uint3
 }
 
 // In the simple view a document stands among the documents and, by its full name, among the rest.
-bool ObjectClassifier::ClassifyFile(std::u16string_view path, std::uint32_t flags) {
+bool ObjectClassifier::ClassifyFile(const EnumeratedObject& object, std::uint32_t flags) {
+    const std::u16string_view path(object.name);
     const std::uint32_t category = CodeOf(ObjectType::kFile);
     if (build_.advanced_view) {
-        return tree_.InsertPath(tree_.GetCategoryNode(kCategoryFiles), path, category, flags) !=
-               nullptr;
+        return StandsAt(
+            tree_.InsertPath(tree_.GetCategoryNode(kCategoryFiles), path, category, flags), object);
     }
     std::u16string_view below_root = path;
     if (!below_root.empty() && below_root.front() == u'\\') {
@@ -98,12 +111,14 @@ bool ObjectClassifier::ClassifyFile(std::u16string_view path, std::uint32_t flag
     }
     const std::u16string_view prefix(texts_.documents_prefix);
     if (EqualIgnoringCase(control_, below_root.substr(0, prefix.size()), prefix) &&
-        tree_.InsertPath(tree_.GetCategoryNode(kCategoryDocuments),
-                         below_root.substr(prefix.size()), category, flags) == nullptr) {
+        !StandsAt(tree_.InsertPath(tree_.GetCategoryNode(kCategoryDocuments),
+                                   below_root.substr(prefix.size()), category, flags),
+                  object)) {
         return false;
     }
-    return tree_.InsertNode(tree_.GetCategoryNode(kCategoryOther), path, category, flags, false) !=
-           nullptr;
+    return StandsAt(
+        tree_.InsertNode(tree_.GetCategoryNode(kCategoryOther), path, category, flags, false),
+        object);
 }
 
 int ObjectClassifier::FindKnownDatabase(std::u16string_view name) const {
@@ -159,8 +174,9 @@ bool ObjectClassifier::ClassifyRecord(const EnumeratedObject& object, std::uint3
     } else if (caption.length() == 0) {
         caption.Append(texts_.*kKnownDatabases[known].empty_title);
     }
-    return tree_.InsertNode(database, {caption.text(), caption.length()},
-                            CodeOf(ObjectType::kDatabaseRecord), flags, false) != nullptr;
+    return StandsAt(tree_.InsertNode(database, {caption.text(), caption.length()},
+                                     CodeOf(ObjectType::kDatabaseRecord), flags, false),
+                    object);
 }
 
 bool ObjectClassifier::ClassifyRegistryObject(const EnumeratedObject& object, std::uint32_t flags) {
@@ -173,18 +189,20 @@ bool ObjectClassifier::ClassifyRegistryObject(const EnumeratedObject& object, st
         return false;
     }
     if (build_.advanced_view) {
-        return InsertRegistryNodes(object.hive, key_path, value_name, flags);
+        return InsertRegistryNodes(object, key_path, value_name, flags);
     }
     return object.type == ObjectType::kRegistryKey ||
-           tree_.InsertNode(tree_.GetCategoryNode(kCategoryOther), name, CodeOf(object.type), flags,
-                            false) != nullptr;
+           StandsAt(tree_.InsertNode(tree_.GetCategoryNode(kCategoryOther), name,
+                                     CodeOf(object.type), flags, false),
+                    object);
 }
 
-bool ObjectClassifier::InsertRegistryNodes(std::uint32_t hive, std::u16string_view key_path,
+bool ObjectClassifier::InsertRegistryNodes(const EnumeratedObject& object,
+                                           std::u16string_view key_path,
                                            std::u16string_view value_name, std::uint32_t flags) {
     const std::uint32_t category = CodeOf(ObjectType::kRegistryKey);
     for (const HiveName& row : kHiveNames) {
-        if (row.hive != hive) {
+        if (row.hive != object.hive) {
             continue;
         }
         NodeRecord* const hive_node =
@@ -194,13 +212,14 @@ bool ObjectClassifier::InsertRegistryNodes(std::uint32_t hive, std::u16string_vi
         }
         NodeRecord* const key = tree_.InsertPath(hive_node, key_path, category, 0);
         if (key != nullptr && !value_name.empty()) {
-            return tree_.InsertNode(key, value_name, CodeOf(ObjectType::kRegistryValue), flags,
-                                    false) != nullptr;
+            return StandsAt(
+                tree_.InsertNode(key, value_name, CodeOf(ObjectType::kRegistryValue), flags, false),
+                object);
         }
         if (key != nullptr) {
             key->flags |= flags;
         }
-        return key != nullptr;
+        return StandsAt(key, object);
     }
     return true;  // a damaged block: no such hive
 }

@@ -32,12 +32,13 @@ public:
     bool AddApplications();
 
 private:
-    bool ClassifyFile(std::u16string_view path, std::uint32_t flags);
+    static bool StandsAt(NodeRecord* node, const EnumeratedObject& object);
+    bool ClassifyFile(const EnumeratedObject& object, std::uint32_t flags);
     NodeRecord* DatabaseNode(std::u16string_view name, std::uint32_t flags);
     NodeRecord* DatabaseGroup(bool is_known, std::uint32_t flags);
     bool ClassifyRecord(const EnumeratedObject& object, std::uint32_t flags);
     bool ClassifyRegistryObject(const EnumeratedObject& object, std::uint32_t flags);
-    bool InsertRegistryNodes(std::uint32_t hive, std::u16string_view key_path,
+    bool InsertRegistryNodes(const EnumeratedObject& object, std::u16string_view key_path,
                              std::u16string_view value_name, std::uint32_t flags);
     bool AddApplication(const InstalledApplication& application);
     int FindKnownDatabase(std::u16string_view name) const;

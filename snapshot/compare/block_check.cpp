@@ -12,9 +12,6 @@
 namespace tolvenar {
 namespace {
 
-// Folders, and files that the device has in ROM.
-constexpr std::uint32_t kWithoutContents = 0x10 | 0x40 | 0x2000;
-
 // The end of the block and its data, as the block itself tells it.
 std::uint64_t EndOf(std::uint32_t offset, const InfoBlock& block) {
     return std::uint64_t{offset} + block.size() +
@@ -191,7 +188,7 @@ bool HasStoredData(const InfoBlock& block) {
     switch (block.type()) {
         case ObjectType::kRegistryKey: return false;
         case ObjectType::kFile:
-            return (block.head().attributes & kWithoutContents) == 0 &&
+            return (block.head().attributes & kAttributesWithoutData) == 0 &&
                    block.head().data_bytes != 0;
         default: return true;
     }

@@ -34,6 +34,9 @@ struct InfoBlockHead {
 static_assert(sizeof(InfoBlockHead) == 28 && offsetof(InfoBlockHead, type) == 20 &&
               offsetof(InfoBlockHead, first_name_unit) == 26);
 
+// Attributes of files that have no data of their own: folder, file in ROM, module in ROM.
+constexpr std::uint32_t kAttributesWithoutData = 0x10 | 0x40 | 0x2000;
+
 constexpr std::size_t kStateDescriptionUnits = 200;  // the data of a state, with the terminator
 
 constexpr std::size_t kInfoHeadBytes = 28;

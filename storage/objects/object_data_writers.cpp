@@ -15,8 +15,6 @@ namespace tolvenar {
 namespace {
 
 constexpr std::uint16_t kNoContents = 0xFFFF;  // fingerprint of keys and empty files
-constexpr std::uint32_t kWithoutContents =
-    FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_INROM | FILE_ATTRIBUTE_ROMMODULE;
 
 bool Append(const DataWriter& writer, const void* bytes, StoredData& data) {
     return writer.storage.WriteBlock(bytes, writer.block.head().data_bytes, data.offset, false);
@@ -139,7 +137,7 @@ bool BackupDatabaseData(const DataWriter& writer, StoredData& data) {
 
 bool BackupFileData(const DataWriter& writer, StoredData& data) {
     data = {};
-    if ((writer.block.head().attributes & kWithoutContents) != 0) {
+    if ((writer.block.head().attributes & kAttributesWithoutData) != 0) {
         return true;
     }
     if (writer.block.head().data_bytes != 0 && CopyFileContents(writer, data)) {

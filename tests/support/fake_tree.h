@@ -135,6 +135,7 @@ struct FakeObject {
     const char16_t* value = nullptr;  // null: cannot be read
     int answer = DifferenceEnumerator::kObject;
     FailureReason reason = FailureReason::kNone;
+    const ObjectRecord* record = nullptr;
 };
 
 class FakeEnumerator final : public DifferenceEnumerator {
@@ -151,6 +152,7 @@ public:
         object.type = current_->type;
         object.flags = current_->flags;
         object.reason = current_->reason;
+        object.record = current_->record;
         object.dwOID = current_->dwOID;
         object.hive = current_->hive;
         return current_->answer;

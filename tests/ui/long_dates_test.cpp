@@ -1,4 +1,5 @@
-// The dates of ten locales where the pages show them. A Wednesday in September has the longest names.
+// The dates of ten locales where the pages show them. A Wednesday in September has the longest
+// names.
 #include "tests/ui/page_fit.h"
 
 namespace tests {

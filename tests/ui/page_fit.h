@@ -1,5 +1,5 @@
-// Whether what the pages show fits the screen: nothing cut, nothing on top of anything else, nothing
-// too small for a finger.
+// Whether what the pages show fits the screen: nothing cut, nothing on top of anything else,
+// nothing too small for a finger.
 #pragma once
 
 #include "tests/support/ui_test.h"

@@ -106,6 +106,38 @@ TEST_F(TreeBuildTest, ItemsThatFailedAloneAreShownAndAllOfThemCounted) {
     EXPECT_EQ(1u, counts.failed);
 }
 
+TEST_F(TreeBuildTest, AnItemKnowsBothVersionsOfItsObjectAndKeepsTheFirst) {
+    const ObjectRecord records[4] = {};
+    const auto Of = [&records](FakeObject object, int record) {
+        object.record = &records[record];
+        return object;
+    };
+    Advanced({Of(File(u"\\a\\b"), 0), Of(File(u"\\a\\b", JF_DELETE), 1), Of(File(u"\\a\\B"), 2),
+              Of(Value(u"Key", u"x", JF_DELETE), 3), Of(Key(u"Key"), 2), Of(Database(u"Db"), 0),
+              Of(Record(u"Db", 7), 1)});
+    const NodeRecord& file = *tree_.Find({u"Files", u"a", u"b (±)"})->record;
+    EXPECT_EQ(&records[0], file.after);
+    EXPECT_EQ(&records[1], file.before);
+    const NodeRecord& key = *tree_.Find({u"Registry", u"HKLM", u"Key (+)"})->record;
+    EXPECT_EQ(&records[2], key.after);
+    EXPECT_EQ(nullptr, key.before);
+    EXPECT_EQ(&records[3],
+              tree_.Find({u"Registry", u"HKLM", u"Key (+)", u"x (-)"})->record->before);
+    const FakeItem* database = tree_.Find({u"Databases", u"Other", u"Db"});
+    EXPECT_EQ(&records[0], database->record->after);
+    EXPECT_EQ(&records[1], database->children[0]->record->after);
+    EXPECT_EQ(nullptr, tree_.Find({u"Files", u"a"})->record->after);
+}
+
+TEST_F(TreeBuildTest, ADocumentsVersionsStandAtBothOfItsItems) {
+    const ObjectRecord record{};
+    FakeObject document = File(u"\\My Documents\\a");
+    document.record = &record;
+    Simple({document});
+    EXPECT_EQ(&record, tree_.Find({u"Documents", u"a (+)"})->record->after);
+    EXPECT_EQ(&record, tree_.Find({u"Other", u"\\My Documents\\a (+)"})->record->after);
+}
+
 TEST_F(TreeBuildTest, RecordsOfItemsKnowTheirItemsAndPlainCaptions) {
     Advanced({File(u"\\a\\b")});
     const FakeItem* item = tree_.Find({u"Files", u"a", u"b (+)"});
