@@ -7,6 +7,7 @@
 #include "companions/help/help_topic.h"
 #include "platform/dialog.h"
 #include "platform/heap.h"
+#include "platform/layout.h"
 #include "platform/text.h"
 #include "platform/unique_resource.h"
 #include "res/resource.h"
@@ -20,6 +21,14 @@ constexpr wchar_t kContents[] = L"Contents";
 constexpr std::size_t kPathUnits = 260;
 constexpr std::size_t kTopicUnits = 100;
 constexpr DWORD kMaxFileBytes = 0x1000000;
+
+// On a screen that is too small for the template.
+constexpr tolvenar::ControlPlace kPlaces[] = {
+    {IDC_HELP_TOPIC_LABEL, {3, 6, 28, 9}},
+    {IDC_HELP_TOPIC, {32, 4, 98, 120}, tolvenar::kWidens},
+    {IDC_HELP_TEXT, {3, 21, 127, 79}, tolvenar::kGrows},
+};
+constexpr tolvenar::Layout kSmallScreens[] = {tolvenar::LayoutOf(133, 104, kPlaces)};
 
 // A file of the manual in memory; its text is ASCII.
 class ManualFile {
@@ -77,6 +86,7 @@ private:
     }
 
     void OnInit() {
+        tolvenar::FitToWorkArea(window(), kSmallScreens);
         text_ = Control(IDC_HELP_TEXT);
         topics_ = Control(IDC_HELP_TOPIC);
         contents_.Read(tolvenar::Utf16(kContentsFile));

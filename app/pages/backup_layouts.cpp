@@ -16,18 +16,18 @@ constexpr ControlPlace kOrdinary[] = {
 
 constexpr ControlPlace kHigh[] = {
     {IDC_NEW_DESCRIPTION_LABEL, {4, 0, 123, 8}},
-    {IDC_NEW_DESCRIPTION, {4, 9, 123, 14}, kWidens},
-    {IDC_BACKUP, {4, 24, 60, 16}},
-    {IDC_PAGE_HELP, {109, 24, 18, 16}, kOnRight},
-    {IDC_BACKUP_EFFECT, {4, 41, 123, 24}, kWidens},
-    {IDC_BACKUP_STORAGE_LABEL, {4, 66, 44, 8}},
-    {IDC_BACKUP_STORAGE, {48, 66, 79, 8}, kWidens},
-    {IDC_LAST_STATE_LABEL, {4, 74, 123, 8}},
-    {IDC_LAST_STATE, {4, 82, 123, 16}, kWidens},
-    {IDC_LAST_AUTOMATIC_LABEL, {4, 98, 123, 8}},
-    {IDC_LAST_AUTOMATIC, {4, 106, 123, 16}, kWidens},
-    {IDC_CARD_FREE_LABEL, {4, 122, 84, 8}},
-    {IDC_CARD_FREE, {88, 122, 39, 8}, kWidens},
+    {IDC_NEW_DESCRIPTION, {4, 9, 65, 14}, kWidens},
+    {IDC_BACKUP, {71, 8, 36, 16}, kOnRight},
+    {IDC_PAGE_HELP, {109, 8, 18, 16}, kOnRight},
+    {IDC_BACKUP_EFFECT, {4, 25, 123, 24}, kWidens},
+    {IDC_BACKUP_STORAGE_LABEL, {4, 50, 123, 8}},
+    {IDC_BACKUP_STORAGE, {4, 58, 123, 8}, kWidens},
+    {IDC_LAST_STATE_LABEL, {4, 67, 123, 8}},
+    {IDC_LAST_STATE, {4, 75, 123, 16}, kWidens},
+    {IDC_LAST_AUTOMATIC_LABEL, {4, 92, 123, 8}},
+    {IDC_LAST_AUTOMATIC, {4, 100, 123, 16}, kWidens},
+    {IDC_CARD_FREE_LABEL, {4, 118, 84, 8}},
+    {IDC_CARD_FREE, {88, 118, 39, 8}, kWidens},
 };
 
 constexpr ControlPlace kLow[] = {

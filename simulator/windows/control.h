@@ -3,6 +3,7 @@
 // pipe and a thread of its own.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -31,6 +32,8 @@ struct Window {
     int check = -1;                  // a button's state 0, 1, 2; -1 for anything else
     int selected = -1;               // selected item of a list or tab control
     std::vector<std::string> items;  // of a list box, combo box, list view or tab control
+    // Of a tab control's items: left, top, width and height on the screen, hidden ones too.
+    std::vector<std::array<int, 4>> places;
     std::optional<int> position;     // of a progress bar or scroll control
 };
 

@@ -1,5 +1,7 @@
 #include "tests/ui/page_fit.h"
 
+#include <algorithm>
+
 #include "platform/unique_resource.h"
 #include "simulator/store/utf8.h"
 
@@ -152,19 +154,35 @@ void PageFitTest::Tap(int id) {
     TapAt(control.left + control.width / 2, control.top + control.height / 2);
 }
 
-bool PageFitTest::TapTab(const std::string& name) {
-    constexpr int kRow = 29;
-    constexpr int kStep = 18;
-    const Window tabs = AnyControl(IDC_TABS);
-    for (int y = kRow / 2; y < tabs.height; y += kRow) {
-        for (int x = kStep / 2; x < tabs.width; x += kStep) {
-            if (SelectedTab() == name) {
-                return true;
-            }
-            TapAt(tabs.left + x, tabs.top + y);
+// The arrows stand over the tabs at the right.
+std::optional<Window> PageFitTest::ArrowsOf(const Window& tabs) {
+    return Find([&](const Window& window) {
+        return window.class_name == "msctls_updown32" && window.visible &&
+               window.parent == tabs.handle;
+    });
+}
+
+void PageFitTest::TapTab(const std::string& name) {
+    for (int taps = 0; taps < 12; ++taps) {
+        const Window tabs = AnyControl(IDC_TABS);
+        const auto item = std::find(tabs.items.begin(), tabs.items.end(), name);
+        ASSERT_NE(tabs.items.end(), item);
+        const auto place = tabs.places[static_cast<std::size_t>(item - tabs.items.begin())];
+        const auto arrows = ArrowsOf(tabs);
+        const int right = arrows ? arrows->left : tabs.left + tabs.width;
+        const int middle = place[0] + place[2] / 2;
+        if (middle >= tabs.left && middle < right) {
+            EXPECT_LE(place[1] + place[3], tabs.top + tabs.height);
+            TapAt(middle, place[1] + place[3] / 2);
+            EXPECT_SOON_EQ(name, SelectedTab());
+            return;
         }
+        ASSERT_TRUE(arrows) << name;
+        const int part = middle < tabs.left ? 1 : 3;
+        TapAt(arrows->left + arrows->width * part / 4, arrows->top + arrows->height / 2);
+        EXPECT_SOON(AnyControl(IDC_TABS).places != tabs.places);
     }
-    return SelectedTab() == name;
+    ADD_FAILURE() << name;
 }
 
 void PageFitTest::ShowTree() {

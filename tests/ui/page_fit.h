@@ -25,8 +25,8 @@ protected:
     void ExpectOnScreen();
     // Taps the middle of a control and waits until the dialog has seen it.
     void Tap(int id);
-    // Taps along the rows of tabs, and the arrows beside them, until this one is selected.
-    bool TapTab(const std::string& name);
+    // Taps a tab, and before it the arrows beside the tabs until they show it.
+    void TapTab(const std::string& name);
     Window MainWindowOnScreen();
     // Shows what the second of two states changed.
     void ShowTree();
@@ -35,6 +35,7 @@ protected:
 private:
     std::vector<Window> PageControls();
     void TapAt(int x, int y);
+    std::optional<Window> ArrowsOf(const Window& tabs);
 };
 
 }  // namespace tests
