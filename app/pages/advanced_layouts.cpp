@@ -87,11 +87,11 @@ constexpr ControlPlace kFullFlat[] = {
 
 constexpr ControlPlace kFullHigh[] = {
     {IDC_DIFFERENCES_CAPTION, {4, 0, 123, 16}, kWidens},
-    {IDC_TREE_PLACE, {4, 17, 123, 44}, {0, 0, 100, 60}, Showing::kByPage},
-    {IDC_OLD_CONTENTS_LABEL, {4, 62, 60, 8}, {0, 60, 50, 60}},
-    {IDC_NEW_CONTENTS_LABEL, {67, 62, 60, 8}, {50, 60, 100, 60}},
-    {IDC_OLD_CONTENTS, {4, 70, 60, 26}, {0, 60, 50, 100}},
-    {IDC_NEW_CONTENTS, {67, 70, 60, 26}, {50, 60, 100, 100}},
+    {IDC_TREE_PLACE, {4, 17, 123, 44}, {0, 0, 100, 75}, Showing::kByPage},
+    {IDC_OLD_CONTENTS_LABEL, {4, 62, 60, 8}, {0, 75, 50, 75}},
+    {IDC_NEW_CONTENTS_LABEL, {67, 62, 60, 8}, {50, 75, 100, 75}},
+    {IDC_OLD_CONTENTS, {4, 70, 60, 26}, {0, 75, 50, 100}},
+    {IDC_NEW_CONTENTS, {67, 70, 60, 26}, {50, 75, 100, 100}},
     {IDC_DIFFERENCES_HINT, {4, 97, 123, 16}, kWidensOnBottom},
     {IDC_APPLY_CHANGES, {4, 114, 20, 16}, kOnBottom},
     {IDC_TAKE_BACK_CHANGES, {25, 114, 20, 16}, kOnBottom},

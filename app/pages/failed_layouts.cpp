@@ -58,11 +58,11 @@ constexpr ControlPlace kFullWide[] = {
 
 constexpr ControlPlace kFullHigh[] = {
     {IDC_FAILED_LABEL, {4, 0, 123, 16}, kWidens},
-    {IDC_TREE_PLACE, {4, 17, 123, 38}, {0, 0, 100, 60}, Showing::kByPage},
-    {IDC_OLD_CONTENTS_LABEL, {4, 56, 60, 8}, {0, 60, 50, 60}},
-    {IDC_NEW_CONTENTS_LABEL, {67, 56, 60, 8}, {50, 60, 100, 60}},
-    {IDC_OLD_CONTENTS, {4, 64, 60, 15}, {0, 60, 50, 100}},
-    {IDC_NEW_CONTENTS, {67, 64, 60, 15}, {50, 60, 100, 100}},
+    {IDC_TREE_PLACE, {4, 17, 123, 38}, {0, 0, 100, 75}, Showing::kByPage},
+    {IDC_OLD_CONTENTS_LABEL, {4, 56, 60, 8}, {0, 75, 50, 75}},
+    {IDC_NEW_CONTENTS_LABEL, {67, 56, 60, 8}, {50, 75, 100, 75}},
+    {IDC_OLD_CONTENTS, {4, 64, 60, 15}, {0, 75, 50, 100}},
+    {IDC_NEW_CONTENTS, {67, 64, 60, 15}, {50, 75, 100, 100}},
     {IDC_FAILED_ADVICE, {4, 80, 123, 16}, kWidensOnBottom},
     {IDC_FAILED_REASON, {4, 97, 123, 16}, kWidensOnBottom},
     {IDC_APPLY_CHANGES, {4, 114, 22, 16}, kOnBottom},

@@ -50,11 +50,11 @@ constexpr ControlPlace kFullWide[] = {
 
 constexpr ControlPlace kFullHigh[] = {
     {IDC_PREVIEW_CAPTION, {4, 0, 123, 8}, kWidens},
-    {IDC_TREE_PLACE, {4, 9, 123, 30}, {0, 0, 100, 60}, Showing::kByPage},
-    {IDC_OLD_CONTENTS_LABEL, {4, 40, 60, 8}, {0, 60, 50, 60}},
-    {IDC_NEW_CONTENTS_LABEL, {67, 40, 60, 8}, {50, 60, 100, 60}},
-    {IDC_OLD_CONTENTS, {4, 48, 60, 15}, {0, 60, 50, 100}},
-    {IDC_NEW_CONTENTS, {67, 48, 60, 15}, {50, 60, 100, 100}},
+    {IDC_TREE_PLACE, {4, 9, 123, 30}, {0, 0, 100, 75}, Showing::kByPage},
+    {IDC_OLD_CONTENTS_LABEL, {4, 40, 60, 8}, {0, 75, 50, 75}},
+    {IDC_NEW_CONTENTS_LABEL, {67, 40, 60, 8}, {50, 75, 100, 75}},
+    {IDC_OLD_CONTENTS, {4, 48, 60, 15}, {0, 75, 50, 100}},
+    {IDC_NEW_CONTENTS, {67, 48, 60, 15}, {50, 75, 100, 100}},
     {IDC_PREVIEW_COUNTS, {4, 64, 123, 24}, kWidensOnBottom},
     {IDC_PREVIEW_NEEDS, {4, 89, 123, 24}, kWidensOnBottom},
     {IDC_PREVIEW_CLOSE, {4, 114, 50, 16}, kOnBottom},

@@ -34,7 +34,7 @@ struct Window {
     std::vector<std::string> items;  // of a list box, combo box, list view or tab control
     // Of a tab control's items: left, top, width and height on the screen, hidden ones too.
     std::vector<std::array<int, 4>> places;
-    std::optional<int> position;     // of a progress bar or scroll control
+    std::optional<int> position;  // of a progress bar or scroll control
 };
 
 struct TreeItem {

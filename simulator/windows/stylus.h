@@ -3,7 +3,8 @@
 
 namespace sim::windows {
 
-// Taps the screen of the calling thread's desktop; whatever stands there gets it.
+// Taps the screen of the calling thread's desktop. What stands there gets it, unless it is
+// disabled.
 void TapScreen(int x, int y);
 
 }  // namespace sim::windows

@@ -26,6 +26,11 @@ protected:
         return dialog.left == place.left && dialog.top == place.top &&
                dialog.width == place.width && dialog.height == place.height;
     }
+    // The dialog has the whole screen from the beginning.
+    bool HasTheScreen(const Window& place) const {
+        const SIZE screen = ScreenSize();
+        return place.width == screen.cx && place.height == screen.cy;
+    }
     int TreeHeight() {
         return AwaitWindow([](const Window& window) {
                    return window.class_name == "SysTreeView32" && window.visible;
@@ -42,7 +47,9 @@ TEST_P(FullSizeTest, TheButtonByTheTreeFillsTheScreenAndGoesBack) {
     Tap(IDC_FULL);
     EXPECT_SOON(FillsScreen() && Sees(IDC_OLD_CONTENTS) && Sees(IDC_NEW_CONTENTS));
     EXPECT_EQ("&Back", Text(IDC_FULL));
-    EXPECT_GT(TreeHeight(), tree.height);
+    if (!HasTheScreen(place)) {
+        EXPECT_GT(TreeHeight(), tree.height);
+    }
     Tap(IDC_FULL);
     EXPECT_SOON(IsAt(place) && !Sees(IDC_OLD_CONTENTS) && !Sees(IDC_NEW_CONTENTS));
     EXPECT_EQ("&Full", Text(IDC_FULL));
@@ -73,7 +80,13 @@ TEST_P(FullSizeTest, TheKeyboardGoesOnWhereTheStatesAreHidden) {
     EXPECT_SOON(!Sees(IDC_OLD_CONTENTS));
 }
 
-TEST_P(FullSizeTest, EveryTabIsReachedByTheStylus) {
+INSTANTIATE_TEST_SUITE_P(Screens, FullSizeTest, ::testing::ValuesIn(kScreens));
+
+class TabTapTest : public PageFitTest {};
+
+TEST_P(TabTapTest, EveryTabIsReachedByTheStylus) {
+    TakeFirstState();
+    Open();
     for (const char* tab : {"About", "Options", "Storage file", "Advanced Restore", "Restore",
                             "Backup", "About", "Restore"}) {
         SCOPED_TRACE(tab);
@@ -81,7 +94,7 @@ TEST_P(FullSizeTest, EveryTabIsReachedByTheStylus) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Screens, FullSizeTest, ::testing::ValuesIn(kScreens));
+INSTANTIATE_TEST_SUITE_P(Screens, TabTapTest, ::testing::ValuesIn(kScreens));
 
 class FullTreeTest : public FullSizeTest {};
 

@@ -148,6 +148,7 @@ void PageFitTest::TapAt(int x, int y) {
 }
 
 void PageFitTest::Tap(int id) {
+    EXPECT_TRUE(DialogIsDone()) << "where the control stands may change";
     const Window control = AwaitWindow([id](const Window& window) {
         return window.parent != 0 && window.visible && window.id == id && window.enabled;
     });
