@@ -160,15 +160,8 @@ void RestorePage::RequestRestore(int button) {
 }
 
 void RestorePage::RequestPreview() {
-    if (Refuses(Wish::kPreviewRestore)) {
-        return;
-    }
-    OperationRequest request;
-    request.kind = OperationKind::kPreview;
-    request.button = IDC_PREVIEW;
-    request.state_number = SelectedState();
-    if (!PostRequest(app_, request)) {
-        ShowNotStarted(app_.main_dialog);
+    if (!Refuses(Wish::kPreviewRestore)) {
+        preview_.Request(SelectedState());
     }
 }
 
@@ -279,17 +272,16 @@ void RestorePage::GiveUpTree() {
 
 // What a restore left over need not be the difference that the caption names.
 bool RestorePage::BuildTree() {
-    const bool advanced_view = app_.settings.AdvancedTreeView != 0;
-    ShownComparison::Text caption = L"";
     tree_is_preview_ = CurrentForm() == Form::kPreview;
     if (tree_is_preview_) {
-        preview_.PutCaption(caption);
-        return tree_.Build(app_.preview.engine(), advanced_view, caption, false, kShowAll);
+        return preview_.BuildTree(tree_);
     }
+    ShownComparison::Text caption = L"";
     if (!is_failed_) {
         comparison_.PutCaption(caption);
     }
-    return tree_.Build(app_.engine, advanced_view, caption, is_failed_, shown_kind_);
+    return tree_.Build(app_.engine, app_.settings.AdvancedTreeView != 0, caption, is_failed_,
+                       shown_kind_);
 }
 
 void RestorePage::ShowComparison() {
