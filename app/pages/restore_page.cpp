@@ -25,6 +25,7 @@ void RestorePage::OnInit() {
     states_.Attach(Control(IDC_STATES));
     failed_.Attach(window());
     preview_.Attach(window());
+    notice_.Attach(Control(IDC_RESTORE_NOTICE));
     tree_.Create(app_.instance, Control(IDC_TREE_PLACE), failed_);
     ShowComparison();
     if (app_.gate.ListsAreFree()) {
@@ -98,7 +99,7 @@ void RestorePage::OnStorageChanged() {
     if (window() == nullptr) {
         return;
     }
-    notice_ = 0;
+    notice_.Keep(0);
     DropPreview();
     FillStates(false);
     ForgetMissingDifferences();
@@ -109,7 +110,7 @@ void RestorePage::FillStates(bool keep_selected) {
     const bool had_none = selected == kNoState && states_.Count() > 0;
     states_.Fill(app_.storage.journal.get());
     if (keep_selected && had_none) {
-        ShowNotice();
+        notice_.Show(SelectedState());
         return;
     }
     const int kept = keep_selected ? states_.Find(selected) : -1;
@@ -125,7 +126,7 @@ void RestorePage::OnSelectionChanged() {
         DropPreview();
     }
     ShowStateDetails(states_.SelectedRecord());
-    ShowNotice();
+    notice_.Show(SelectedState());
     ShowComparison();
 }
 
@@ -344,26 +345,9 @@ void RestorePage::DropDifferences() {
     app_.storage.registry_objects.RegObjectClear();
 }
 
-// What the last operation came to: what no box told, or what a backup saved; else what the button
-// acts on.
-void RestorePage::ShowNotice() {
-    wchar_t text[kResourceTextUnits] = L"";
-    const SavedCounts& saved = app_.storage.saved;
-    const std::int32_t selected = SelectedState();
-    if (notice_ != 0) {
-        ::wcsncpy(text, ResourceText(app_.instance, notice_).text(), kResourceTextUnits - 1);
-    } else if (selected != kNoState && static_cast<std::uint32_t>(selected) != saved.state_number) {
-        ::wsprintfW(text, ResourceText(app_.instance, IDS_RESTORE_EFFECT).text(), selected);
-    } else if (saved.state_number != 0) {
-        ::wsprintfW(text, ResourceText(app_.instance, IDS_SAVED).text(), saved.state_number,
-                    saved.added, saved.changed, saved.deleted);
-    }
-    ::SetWindowTextW(Control(IDC_RESTORE_NOTICE), text);
-}
-
 void RestorePage::OnRestoreEnded(bool items_left, UINT notice) {
-    notice_ = notice;
-    ShowNotice();
+    notice_.Keep(notice);
+    notice_.Show(SelectedState());
     is_failed_ = items_left;
     shown_kind_ = kShowAll;
     if (items_left) {

@@ -6,6 +6,7 @@
 #include "app/pages/failed_panel.h"
 #include "app/pages/page.h"
 #include "app/pages/preview_panel.h"
+#include "app/pages/restore_notice.h"
 #include "app/pages/shown_comparison.h"
 #include "app/pages/state_list.h"
 #include "res/resource.h"
@@ -23,6 +24,7 @@ public:
         : Page(app, frame, IDD_RESTORE_PAGE),
           failed_(app),
           preview_(app),
+          notice_(app),
           comparison_(app.instance) {}
 
     int DefaultButton() const override;
@@ -63,7 +65,6 @@ private:
     void ChooseShown();
     void DropDifferences();
     void OnRestoreEnded(bool items_left, UINT notice);
-    void ShowNotice();
     void ShowFailed();
     void LeaveFailed();
     void ForgetMissingDifferences();
@@ -72,10 +73,10 @@ private:
     DifferencePanel tree_;
     FailedPanel failed_;
     PreviewPanel preview_;
+    RestoreNotice notice_;
     ShownComparison comparison_;
     int tab_ = kRestorePage;
     int shown_item_ = -1;                  // the item whose details are shown
-    UINT notice_ = 0;                      // a text about the last operation; 0 is none
     std::uint32_t shown_kind_ = kShowAll;  // of the items that the tree shows
     bool is_failed_ = false;
     bool tree_is_preview_ = false;  // it shows the preview; else what the buttons act on

@@ -136,6 +136,17 @@ TEST_F(PreviewTest, TheKeyboardAloneLeadsThereAndBack) {
     ExpectRestoreForm();
 }
 
+TEST_F(PreviewTest, TabGoesThroughTreeAndButtons) {
+    OpenPreview();
+    ASSERT_TRUE(MainDialogBecomesActive());
+    ASSERT_SOON(TreeHasFocus());
+    for (const int id : {IDC_PREVIEW_CLOSE, IDC_PAGE_HELP, IDC_TABS}) {
+        ExpectFocus("tab", id);
+    }
+    Keys("tab");
+    EXPECT_SOON(TreeHasFocus());
+}
+
 TEST_F(PreviewTest, TheComparedStatesStayWhatTheButtonsActOn) {
     BackUp();
     device().PutFile(kNote, "later");

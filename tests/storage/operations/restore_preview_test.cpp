@@ -172,6 +172,19 @@ TEST_F(RestorePreviewTest, WhatARestoreLeavesAloneIsCountedApart) {
     EXPECT_EQ("", Bytes(LogLines().empty() ? "" : LogLines().back()));
 }
 
+TEST_F(RestorePreviewTest, WhatIsDamagedInTheStorageIsLeftAloneToo) {
+    device().PutFile(L"\\b.txt", "damaged later");
+    ASSERT_EQ(Done(), Backup(2));
+    device().Remove(L"\\b.txt");
+    Bytes sav = Content(kSav);
+    sav[sav.find("damaged later")] = 'D';
+    Put(kSav, sav);
+    ASSERT_TRUE(Preview(2));
+    EXPECT_TRUE(Figures().is_damaged);
+    EXPECT_EQ(1u, Figures().left_alone);
+    ExpectCounts(0, 0, 0);
+}
+
 TEST_F(RestorePreviewTest, TheRoomIsThatOfWhatIsWrittenBack) {
     device().PutFile(L"\\big.txt", Bytes(300000, 'b'));
     ASSERT_EQ(Done(), Backup(2));
