@@ -28,9 +28,8 @@ bool IsControl(unsigned unit) { return unit < u' '; }
 bool IsControlOfText(unsigned unit) { return unit == u'\t' || unit == u'\r' || unit == u'\n'; }
 
 bool IsBytesOfText(const std::uint8_t* bytes, std::size_t size) {
-    return std::all_of(bytes, bytes + size, [](std::uint8_t byte) {
-        return !IsControl(byte) || IsControlOfText(byte);
-    });
+    return std::all_of(bytes, bytes + size,
+                       [](std::uint8_t byte) { return !IsControl(byte) || IsControlOfText(byte); });
 }
 
 bool IsWesternUtf16(const std::uint8_t* bytes, std::size_t size) {

@@ -14,7 +14,7 @@ namespace tolvenar {
 namespace {
 
 constexpr std::uint32_t kFileBytesShown = 2048;
-constexpr std::uint32_t kValueBytesShown = 4096;    // the most that a value holds
+constexpr std::uint32_t kValueBytesShown = 4096;     // the most that a value holds
 constexpr std::uint32_t kMostRecordBytes = 0x20000;  // of a record as databases hold it
 
 struct AttributeRow {
@@ -205,8 +205,7 @@ void ObjectDetails::Append(const ObjectRecord& record, TextBuilder& text) {
     if (!HasData(block)) {
         return;
     }
-    if (!(is_live ? AppendLiveData(record, block, text)
-                  : AppendStoredData(record, block, text))) {
+    if (!(is_live ? AppendLiveData(record, block, text) : AppendStoredData(record, block, text))) {
         AppendId(IDS_DETAILS_UNREADABLE, text);
     }
 }

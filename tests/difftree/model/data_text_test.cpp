@@ -2,7 +2,6 @@
 #include "difftree/model/data_text.h"
 
 #include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
 
@@ -89,15 +88,23 @@ TEST(DataTextTest, EightBytesStandOnALine) {
 
 TEST(DataTextTest, EachFieldHasALineWithItsIdentifier) {
     const Bytes fields = {
-        2,  0, 0x01, 0x40, 0, 0, 0, 0, 0xFE, 0xFF, 0, 0, 0, 0, 0, 0,    // I2: -2
-        18, 0, 0x02, 0x40, 0, 0, 0, 0, 0xFE, 0xFF, 9, 9, 0, 0, 0, 0,    // UI2: 65534
-        3,  0, 0x03, 0x40, 0, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0,  // I4: -1
-        19, 0, 0x04, 0x40, 0, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0,  // UI4
-        64, 0, 0x05, 0x40, 0, 0, 0, 0, 7, 0, 0, 0, 8, 0, 0, 0,          // file time
-        31, 0, 0x13, 0x40, 0, 0, 0, 0, 128, 0, 0, 0, 0, 0, 0, 0,        // string at 128
-        65, 0, 0x07, 0x40, 0, 0, 0, 0, 3, 0, 0, 0, 134, 0, 0, 0,        // blob: 3 bytes at 134
-        5,  0, 0x08, 0x40, 0, 0, 0, 0, 1, 0, 0, 0, 2, 0, 0, 0,          // double: its bits
-        'A', 0, 'b', 0, 0, 0, 1, 2, 3,
+        2,    0,    0x01, 0x40, 0, 0, 0, 0, 0xFE,
+        0xFF, 0,    0,    0,    0, 0, 0,  // I2: -2
+        18,   0,    0x02, 0x40, 0, 0, 0, 0, 0xFE,
+        0xFF, 9,    9,    0,    0, 0, 0,  // UI2: 65534
+        3,    0,    0x03, 0x40, 0, 0, 0, 0, 0xFF,
+        0xFF, 0xFF, 0xFF, 0,    0, 0, 0,  // I4: -1
+        19,   0,    0x04, 0x40, 0, 0, 0, 0, 0xFF,
+        0xFF, 0xFF, 0xFF, 0,    0, 0, 0,  // UI4
+        64,   0,    0x05, 0x40, 0, 0, 0, 0, 7,
+        0,    0,    0,    8,    0, 0, 0,  // file time
+        31,   0,    0x13, 0x40, 0, 0, 0, 0, 128,
+        0,    0,    0,    0,    0, 0, 0,  // string at 128
+        65,   0,    0x07, 0x40, 0, 0, 0, 0, 3,
+        0,    0,    0,    134,  0, 0, 0,  // blob: 3 bytes at 134
+        5,    0,    0x08, 0x40, 0, 0, 0, 0, 1,
+        0,    0,    0,    2,    0, 0, 0,  // double: its bits
+        'A',  0,    'b',  0,    0, 0, 1, 2, 3,
     };
     EXPECT_EQ(
         u"4001: -2\r\n4002: 65534\r\n4003: -1\r\n4004: 4294967295\r\n4005: <8:7>\r\n4013: Ab\r\n"
@@ -107,9 +114,9 @@ TEST(DataTextTest, EachFieldHasALineWithItsIdentifier) {
 
 TEST(DataTextTest, WhatIsNotWholeInTheBufferHasNoValue) {
     const Bytes fields = {
-        31, 0, 1, 0, 0, 0, 0, 0, 200, 0, 0, 0, 0, 0, 0, 0,                   // string outside
-        65, 0, 2, 0, 0, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF, 32, 0, 0, 0,        // blob too long
-        65, 0, 3, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF,         // blob outside
+        31, 0, 1, 0, 0, 0, 0, 0, 200,  0,    0,    0,    0,    0,    0,    0,     // string outside
+        65, 0, 2, 0, 0, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF, 32,   0,    0,    0,     // blob too long
+        65, 0, 3, 0, 0, 0, 0, 0, 1,    0,    0,    0,    0xFF, 0xFF, 0xFF, 0xFF,  // blob outside
     };
     EXPECT_EQ(u"0001: \r\n0002: \r\n0003: \r\n", Fields(fields, 3));
     EXPECT_EQ(u"0001: \r\n0002: \r\n0003: \r\n", Fields(fields, 1000));

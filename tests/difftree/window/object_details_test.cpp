@@ -66,8 +66,7 @@ TEST_F(ObjectDetailsTest, WhatTheDeviceHoldsIsReadFromIt) {
     device().PutFile(L"\\live.txt", "on the device");
     EXPECT_NE(Text::npos, Told(LiveFile(L"\\live.txt")).find(u"\r\n\r\non the device"));
     SetValue(HKEY_LOCAL_MACHINE, L"Live", L"v", REG_SZ, Terminated(u"now"));
-    EXPECT_NE(Text::npos,
-              Told(LiveValue(HKEY_LOCAL_MACHINE, u"Live", u"v")).find(u"\r\n\r\nnow"));
+    EXPECT_NE(Text::npos, Told(LiveValue(HKEY_LOCAL_MACHINE, u"Live", u"v")).find(u"\r\n\r\nnow"));
     MakeDatabase(L"People");
     const Text record = Told(Live(kDbRecord, AddRecord(L"People", L"Ann", 1)));
     EXPECT_EQ(0u, record.find(u"Record of 2 fields\r\n")) << tests::Narrow(record);
