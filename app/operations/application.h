@@ -10,6 +10,7 @@
 #include "autobackup/power_status.h"
 #include "autobackup/schedule_suspension.h"
 #include "storage/opened/engine.h"
+#include "storage/operations/restore_preview.h"
 
 namespace tolvenar {
 
@@ -48,6 +49,7 @@ struct Application {
     WindowProgress progress{progress_windows};
     ProgressPopup popup{instance, progress_windows};
     Engine engine{storage, databases, describer, progress};
+    RestorePreview preview{databases, progress};  // the main thread's while no operation runs
 
     Settings settings{};
     SavedSchedule schedule;

@@ -6,6 +6,7 @@
 #include "app/operations/requests.h"
 #include "app/operations/restore_prompts.h"
 #include "app/operations/window_messages.h"
+#include "platform/resource_text.h"
 #include "platform/text.h"
 #include "res/resource.h"
 #include "storage/opened/journal.h"
@@ -64,6 +65,23 @@ LPARAM NoticeOf(const RestoreResult& result) {
     }
 }
 
+ResultCode FindPreview(Application& app, std::int32_t state_number) {
+    if (state_number == kNoState) {
+        return ResultCode::kNoSpace;
+    }
+    return RunRestorePreview(app, static_cast<std::uint32_t>(state_number));
+}
+
+// Of what was found the page tells.
+void ReportPreview(Application& app, ResultCode result) {
+    if (result == ResultCode::kNoDifferenceList) {
+        ShowMessage(app.main_dialog, ResourceText(app.instance, IDS_PREVIEW_FAILED).text(),
+                    MB_ICONWARNING);
+    } else if (result != ResultCode::kSuccess) {
+        ReportInteractiveRestore(app.main_dialog, {result});
+    }
+}
+
 }  // namespace
 
 void RunInteractiveBackup(Application& app) {
@@ -101,6 +119,32 @@ void RunInteractiveRestore(Application& app, int button) {
     if (result.code == ResultCode::kSuccess) {
         ConfirmThenEnd(app);
     }
+    app.gate.End();
+}
+
+// The popup stays until the page has its tree; where there is no tree it goes here.
+void PreviewRestore(Application& app) {
+    OperationRequest request;
+    request.kind = OperationKind::kPreview;
+    request.button = IDC_PREVIEW;
+    if (!TakeRequest(app, request)) {
+        return;
+    }
+    app.popup.Show(app.main_dialog, ResourceText(app.instance, IDS_PREVIEW_TITLE).text(),
+                   kPreviewSteps);
+    ResultCode result = FindPreview(app, request.state_number);
+    app.gate.ReleaseLists();
+    if (result == ResultCode::kSuccess &&
+        ::SendMessageW(app.main_dialog, WM_PREVIEW_ENDED, 1, 0) == 0) {
+        result = ResultCode::kNoDifferenceList;
+    }
+    app.popup.CloseAndWait();
+    if (result == ResultCode::kJournalUnreadable) {
+        // No storage is open any more.
+        ::SendMessageW(app.main_dialog, WM_RESTORE_ENDED, 0, 0);
+        ::SendMessageW(app.main_dialog, WM_STATES_CHANGED, 0, 0);
+    }
+    ReportPreview(app, result);
     app.gate.End();
 }
 

@@ -185,6 +185,18 @@ RestoreResult RunStateRestore(Application& app, std::uint32_t state_number,
     return result;
 }
 
+ResultCode RunRestorePreview(Application& app, std::uint32_t state_number) {
+    if (!StorageIsReady(app)) {
+        return ResultCode::kJournalUnreadable;
+    }
+    std::uint32_t available = 0;
+    if (!MemoryCheck(available)) {
+        return ResultCode::kNoMemory;
+    }
+    return app.preview.Find(app.storage, state_number) ? ResultCode::kSuccess
+                                                       : ResultCode::kNoDifferenceList;
+}
+
 RestoreResult RunDifferenceRestore(Application& app, bool invert_first,
                                    RestoreQuestions* questions) {
     if (!StorageIsReady(app)) {

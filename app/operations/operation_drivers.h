@@ -27,6 +27,13 @@ bool BackupDriver(Application& app, std::uint32_t state_number, const wchar_t* d
 RestoreResult RunStateRestore(Application& app, std::uint32_t state_number,
                               RestoreQuestions* questions);
 
+// Steps of the popup's total bar: to compare and to build the tree.
+constexpr int kPreviewSteps = 9;
+// Finds out what a restore of the state would change; it is in the application's preview then.
+// kSuccess, kJournalUnreadable, kNoMemory or, when the two could not be compared,
+// kNoDifferenceList. Shows nothing.
+ResultCode RunRestorePreview(Application& app, std::uint32_t state_number);
+
 // Restores the difference list that the page prepared or a restore left over, its sense reversed
 // first with `invert_first`. Memory and schedule are left alone (docs/oddities.md, 24). Shows what
 // `questions` asks.

@@ -31,6 +31,13 @@ LRESULT OnRestoreAnswer(Application& app, WPARAM go_on, LPARAM button) {
     return 0;
 }
 
+LRESULT OnPreviewWanted(Application& app, WPARAM go_on) {
+    if (go_on != 0) {
+        PreviewRestore(app);
+    }
+    return 0;
+}
+
 LRESULT OnDestroy() {
     ::PostQuitMessage(0);
     return 0;
@@ -41,6 +48,7 @@ LRESULT OnMessage(Application& app, HWND window, UINT message, WPARAM wparam, LP
         case WM_OPCONFIRMED_RESTORED: return OnRestoredAnswer(app, wparam);
         case WM_OPCONFIRMED_BACKUP: return OnBackupAnswer(app, wparam);
         case WM_OPCONFIRMED_RESTORE: return OnRestoreAnswer(app, wparam, lparam);
+        case WM_PREVIEW_WANTED: return OnPreviewWanted(app, wparam);
         case WM_QUERYBUSY: return app.gate.IsBusy() ? 1 : 0;
         case WM_DESTROY: return OnDestroy();
         default: return ::DefWindowProcW(window, message, wparam, lparam);

@@ -7,7 +7,11 @@ namespace tolvenar {
 namespace {
 
 UINT MessageOf(OperationKind kind) {
-    return kind == OperationKind::kBackup ? WM_OPCONFIRMED_BACKUP : WM_OPCONFIRMED_RESTORE;
+    switch (kind) {
+        case OperationKind::kBackup: return WM_OPCONFIRMED_BACKUP;
+        case OperationKind::kPreview: return WM_PREVIEW_WANTED;
+        default: return WM_OPCONFIRMED_RESTORE;
+    }
 }
 
 // A message without a window would go to this thread's own queue.
@@ -21,7 +25,7 @@ void AskPages(Application& app, OperationRequest& request) {
         app.wanted_description = request.description;
         ::SendMessageW(app.main_dialog, WM_TAKE_DESCRIPTION, 0, 0);
         app.wanted_description = nullptr;
-    } else if (request.button == IDC_RESTORE) {
+    } else if (request.button == IDC_RESTORE || request.button == IDC_PREVIEW) {
         request.state_number =
             static_cast<std::int32_t>(::SendMessageW(app.main_dialog, WM_SELECTED_STATE, 0, 0));
     }
@@ -59,11 +63,16 @@ bool PostRestoredAnswer(const Application& app, bool go_on) {
 }
 
 bool TakeRequest(Application& app, OperationRequest& request) {
-    switch (app.gate.Take(request)) {
-        case Taking::kDropped: return false;
-        case Taking::kOnlyAMessage: AskPages(app, request); return true;
-        default: return true;
+    const Taking taking = app.gate.Take(request);
+    if (taking == Taking::kDropped) {
+        return false;
     }
+    if (taking == Taking::kOnlyAMessage) {
+        AskPages(app, request);
+    }
+    // The device will be another one, and the operation needs the memory.
+    ::SendMessageW(app.main_dialog, WM_PREVIEW_ENDED, 0, 0);
+    return true;
 }
 
 }  // namespace tolvenar

@@ -22,8 +22,8 @@ bool PostRestoredAnswer(const Application& app, bool go_on);
 
 // On the operation thread, for a message that asks for the kind of operation, and the button, in
 // `request`: makes the rest of it what the page put in or, when another program posted the message,
-// what the pages show now. False, and the message dropped, while an operation runs already: a box
-// that it shows lets messages through.
+// what the pages show now. A preview of a restore is given up. False, and the message dropped,
+// while an operation runs already: a box that it shows lets messages through.
 bool TakeRequest(Application& app, OperationRequest& request);
 
 }  // namespace tolvenar

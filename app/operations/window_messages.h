@@ -26,6 +26,7 @@ enum PageIndex {
 constexpr UINT WM_OPCONFIRMED_RESTORED = WM_APP + 122;
 constexpr UINT WM_OPCONFIRMED_BACKUP = WM_APP + 124;
 constexpr UINT WM_OPCONFIRMED_RESTORE = WM_APP + 128;  // lParam: the button that asked
+constexpr UINT WM_PREVIEW_WANTED = WM_APP + 137;       // wParam 1; lParam: the button that asked
 constexpr UINT WM_QUERYBUSY = WM_APP + 220;            // answers whether an operation runs
 
 // To the main dialog.
@@ -43,6 +44,8 @@ constexpr UINT WM_STATES_CHANGED = WM_APP + 133;    // wParam: 1 to keep the sel
 constexpr UINT WM_SELECTED_STATE = WM_APP + 134;    // answers its number, or kNoState of a request
 // wParam: 1 when items are left over; lParam: the text about what no box tells, or 0.
 constexpr UINT WM_RESTORE_ENDED = WM_APP + 135;
+// wParam: 1 when Application::preview holds what a restore would change, 0 when that holds no more.
+constexpr UINT WM_PREVIEW_ENDED = WM_APP + 138;
 
 // To the options page: the main dialog's WM_ACTIVATE, with the same parameters.
 constexpr UINT WM_DIALOG_ACTIVATED = WM_APP + 300;

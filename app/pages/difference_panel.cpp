@@ -22,11 +22,11 @@ void DifferencePanel::Create(HINSTANCE instance, HWND place_holder, TreeListener
     tree_.CreateTreeDialog(::GetParent(place_holder), &place);
 }
 
-bool DifferencePanel::Build(Application& app, const wchar_t* caption, bool opens_branches,
-                            std::uint32_t shown_kind) {
-    OpenedDifferences differences(app.engine);
+bool DifferencePanel::Build(Engine& engine, bool advanced_view, const wchar_t* caption,
+                            bool opens_branches, std::uint32_t shown_kind) {
+    OpenedDifferences differences(engine);
     TreeBuild build;
-    build.advanced_view = app.settings.AdvancedTreeView != 0;
+    build.advanced_view = advanced_view;
     build.opens_branches = opens_branches;
     build.shown_kind = shown_kind;
     build.counts = &counts_;

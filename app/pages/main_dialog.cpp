@@ -40,7 +40,7 @@ struct PageMessage {
 constexpr PageMessage kPageMessages[] = {
     {WM_TAKE_DESCRIPTION, kBackupPage, 0},       {WM_BACKUP_DONE, kBackupPage, 0},
     {WM_SELECTED_STATE, kRestorePage, kNoState}, {WM_STATES_CHANGED, kRestorePage, 0},
-    {WM_RESTORE_ENDED, kRestorePage, 0},
+    {WM_RESTORE_ENDED, kRestorePage, 0},         {WM_PREVIEW_ENDED, kRestorePage, 0},
 };
 
 const PageMessage* FindPageMessage(UINT message) {

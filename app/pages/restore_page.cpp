@@ -24,6 +24,7 @@ bool HasDifferences(const Application& app) {
 void RestorePage::OnInit() {
     states_.Attach(Control(IDC_STATES));
     failed_.Attach(window());
+    preview_.Attach(window());
     tree_.Create(app_.instance, Control(IDC_TREE_PLACE), failed_);
     ShowComparison();
     if (app_.gate.ListsAreFree()) {
@@ -41,13 +42,17 @@ RestorePage::Form RestorePage::CurrentForm() const {
     if (is_failed_) {
         return Form::kFailed;
     }
-    return tab_ == kAdvancedPage ? Form::kAdvanced : Form::kRestore;
+    if (tab_ == kAdvancedPage) {
+        return Form::kAdvanced;
+    }
+    return preview_.IsShown() ? Form::kPreview : Form::kRestore;
 }
 
 int RestorePage::DefaultButton() const {
     switch (CurrentForm()) {
         case Form::kRestore: return IDC_RESTORE;
         case Form::kFailed: return IDC_FAILED_OK;
+        case Form::kPreview: return IDC_PREVIEW_CLOSE;
         default: return 0;
     }
 }
@@ -74,12 +79,8 @@ bool RestorePage::TakesKey(const MSG& message) {
 
 void RestorePage::OnShow(int index) {
     tab_ = index;
-    if (index == kAdvancedPage && app_.settings.AdvancedTreeViewChange != 0 &&
-        app_.gate.ListsAreFree()) {
-        app_.settings.AdvancedTreeViewChange = 0;
-        if (is_failed_ || comparison_.IsMade()) {
-            RebuildTree();
-        }
+    if (app_.gate.ListsAreFree()) {
+        FollowForm();
     }
     // The options may have changed meanwhile.
     if (is_failed_ && app_.gate.ListsAreFree()) {
@@ -98,6 +99,7 @@ void RestorePage::OnStorageChanged() {
         return;
     }
     notice_ = 0;
+    DropPreview();
     FillStates(false);
     ForgetMissingDifferences();
 }
@@ -119,6 +121,9 @@ void RestorePage::FillStates(bool keep_selected) {
 
 void RestorePage::OnSelectionChanged() {
     shown_item_ = states_.Selected();
+    if (!preview_.IsOf(SelectedState())) {
+        DropPreview();
+    }
     ShowStateDetails(states_.SelectedRecord());
     ShowNotice();
     ShowComparison();
@@ -154,6 +159,51 @@ void RestorePage::RequestRestore(int button) {
                    is_failed_ ? ResourceText(app_.instance, IDS_EFFECT_TRY_AGAIN).text() : effect);
 }
 
+void RestorePage::RequestPreview() {
+    if (!Refuses(Wish::kPreviewRestore)) {
+        preview_.Request(SelectedState());
+    }
+}
+
+// The popup stays until the tree is there. False when it cannot be built.
+bool RestorePage::OnPreviewEnded(bool is_made) {
+    if (!is_made || is_failed_) {
+        DropPreview();
+        return false;
+    }
+    app_.progress.ProgressStep(u"Preparing tree...");
+    preview_.Show();
+    if (CurrentForm() == Form::kPreview && !BuildTree()) {
+        DropPreview();
+        return false;
+    }
+    app_.popup.CloseAndWait();
+    OnLayout();
+    if (::IsWindowVisible(window()) && CurrentForm() == Form::kPreview) {
+        tree_.Focus();
+    }
+    return true;
+}
+
+void RestorePage::DropPreview() {
+    if (!preview_.IsShown()) {
+        return;
+    }
+    preview_.Drop();
+    if (tree_is_preview_) {
+        tree_.Clear();
+    }
+    OnLayout();
+}
+
+void RestorePage::ClosePreview() {
+    if (app_.gate.IsOccupied()) {
+        return;
+    }
+    DropPreview();
+    ::SetFocus(Control(IDC_PREVIEW));
+}
+
 void RestorePage::RequestDifferences() {
     if (CurrentForm() != Form::kAdvanced || Refuses(Wish::kShowDifferences)) {
         return;
@@ -185,21 +235,53 @@ void RestorePage::GiveUpComparison() {
                 MB_ICONWARNING);
 }
 
-// Another view of the same list.
+// There is one tree for two lists. It is built anew when the form needs the other one, or another
+// view of its own.
+void RestorePage::FollowForm() {
+    const bool is_preview = CurrentForm() == Form::kPreview;
+    const bool shows_other_list = tree_is_preview_ != is_preview;
+    const bool has_other_view = app_.settings.AdvancedTreeViewChange != 0;
+    if ((!is_preview && tab_ != kAdvancedPage) || (!shows_other_list && !has_other_view)) {
+        return;
+    }
+    app_.settings.AdvancedTreeViewChange = 0;
+    if (is_preview || is_failed_ || comparison_.IsMade()) {
+        RebuildTree();
+    } else {
+        tree_is_preview_ = false;
+        tree_.Clear();
+    }
+}
+
 void RestorePage::RebuildTree() {
     if (!BuildTree() && !is_failed_) {
-        GiveUpComparison();
+        GiveUpTree();
     }
     ShowComparison();
 }
 
+void RestorePage::GiveUpTree() {
+    if (!tree_is_preview_) {
+        GiveUpComparison();
+        return;
+    }
+    DropPreview();
+    ShowMessage(app_.main_dialog, ResourceText(app_.instance, IDS_PREVIEW_FAILED).text(),
+                MB_ICONWARNING);
+}
+
 // What a restore left over need not be the difference that the caption names.
 bool RestorePage::BuildTree() {
+    tree_is_preview_ = CurrentForm() == Form::kPreview;
+    if (tree_is_preview_) {
+        return preview_.BuildTree(tree_);
+    }
     ShownComparison::Text caption = L"";
     if (!is_failed_) {
         comparison_.PutCaption(caption);
     }
-    return tree_.Build(app_, caption, is_failed_, shown_kind_);
+    return tree_.Build(app_.engine, app_.settings.AdvancedTreeView != 0, caption, is_failed_,
+                       shown_kind_);
 }
 
 void RestorePage::ShowComparison() {
@@ -351,6 +433,8 @@ bool RestorePage::OnCommand(int id, int notification) {
         case IDC_RESTORE:
         case IDC_APPLY_CHANGES:
         case IDC_TAKE_BACK_CHANGES: RequestRestore(id); return true;
+        case IDC_PREVIEW: RequestPreview(); return true;
+        case IDC_PREVIEW_CLOSE: ClosePreview(); return true;
         case IDC_SHOW: ChooseShown(); return true;
         case IDC_FAILED_OK: LeaveFailed(); return true;
         default: return false;
@@ -362,6 +446,7 @@ INT_PTR RestorePage::OnMessage(UINT message, WPARAM wparam, LPARAM lparam) {
         case WM_SELECTED_STATE: return Answer(SelectedState());
         case WM_STATES_CHANGED: FillStates(wparam != 0); return TRUE;
         case WM_RESTORE_ENDED: OnRestoreEnded(wparam != 0, static_cast<UINT>(lparam)); return TRUE;
+        case WM_PREVIEW_ENDED: return Answer(OnPreviewEnded(wparam != 0));
         case WM_DESTROY: return OnDestroy();
         default: return FALSE;
     }

@@ -5,6 +5,7 @@
 #include "app/pages/difference_panel.h"
 #include "app/pages/failed_panel.h"
 #include "app/pages/page.h"
+#include "app/pages/preview_panel.h"
 #include "app/pages/shown_comparison.h"
 #include "app/pages/state_list.h"
 #include "res/resource.h"
@@ -14,11 +15,15 @@ namespace tolvenar {
 class RestorePage final : public Page {
 public:
     // What the page shows; kFailed after a restore that left items over, on either tab, until the
-    // user has seen it.
-    enum class Form { kRestore, kAdvanced, kFailed };
+    // user has seen it; kPreview in the place of kRestore, until it is closed or does not hold any
+    // more.
+    enum class Form { kRestore, kAdvanced, kFailed, kPreview };
 
     RestorePage(Application& app, Frame& frame)
-        : Page(app, frame, IDD_RESTORE_PAGE), failed_(app), comparison_(app.instance) {}
+        : Page(app, frame, IDD_RESTORE_PAGE),
+          failed_(app),
+          preview_(app),
+          comparison_(app.instance) {}
 
     int DefaultButton() const override;
     bool OnEnter(HWND control) override;
@@ -44,6 +49,12 @@ private:
     void ShowDifferences();
     bool Compare(const ObjectRecord& state, const ObjectRecord* older);
     bool BuildTree();
+    void FollowForm();
+    void GiveUpTree();
+    void RequestPreview();
+    bool OnPreviewEnded(bool is_made);
+    void DropPreview();
+    void ClosePreview();
     void ShowComparison();
     void GiveUpComparison();
     void RebuildTree();
@@ -60,12 +71,14 @@ private:
     StateList states_;
     DifferencePanel tree_;
     FailedPanel failed_;
+    PreviewPanel preview_;
     ShownComparison comparison_;
     int tab_ = kRestorePage;
     int shown_item_ = -1;                  // the item whose details are shown
     UINT notice_ = 0;                      // a text about the last operation; 0 is none
     std::uint32_t shown_kind_ = kShowAll;  // of the items that the tree shows
     bool is_failed_ = false;
+    bool tree_is_preview_ = false;  // it shows the preview; else what the buttons act on
 };
 
 }  // namespace tolvenar

@@ -10,11 +10,9 @@ struct Rule {
     bool needs_installation;
 };
 constexpr Rule kRules[] = {
-    {Wish::kBackUp, true, true, true},
-    {Wish::kRestoreState, true, true, false},
-    {Wish::kRestoreDifferences, true, true, true},
-    {Wish::kShowDifferences, true, true, false},
-    {Wish::kShowHelp, false, false, true},
+    {Wish::kBackUp, true, true, true},           {Wish::kRestoreState, true, true, false},
+    {Wish::kPreviewRestore, true, true, false},  {Wish::kRestoreDifferences, true, true, true},
+    {Wish::kShowDifferences, true, true, false}, {Wish::kShowHelp, false, false, true},
 };
 
 Refusal JudgeBy(const Rule& rule, const Situation& situation) {

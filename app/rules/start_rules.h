@@ -7,6 +7,7 @@ namespace tolvenar {
 enum class Wish {
     kBackUp,
     kRestoreState,
+    kPreviewRestore,
     kRestoreDifferences,
     kShowDifferences,
     kShowHelp,

@@ -56,6 +56,10 @@ struct ObjectKey {
     ObjectKey Stateless() const {
         return {state_and_info & 0xFFFF0000u, fingerprint, dwOID, TolvOID};
     }
+    // The key under which the scan entered the file of such a key.
+    ObjectKey OfScannedFile() const {
+        return {state_and_info | kScannedFileState, fingerprint, dwOID, TolvOID};
+    }
 };
 static_assert(sizeof(ObjectKey) == 16);
 

@@ -7,7 +7,11 @@ LogSink installed_sink = nullptr;
 
 }  // namespace
 
-void InstallLogSink(LogSink sink) { installed_sink = sink; }
+LogSink InstallLogSink(LogSink sink) {
+    const LogSink before = installed_sink;
+    installed_sink = sink;
+    return before;
+}
 
 int LogMessage(const char16_t* message, const char16_t* module, std::uint32_t flags) {
     if (installed_sink != nullptr) {

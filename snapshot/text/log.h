@@ -14,8 +14,20 @@ constexpr std::uint32_t kLogPlain = 0x10000;
 // Takes one line. Never fails visibly.
 using LogSink = void (*)(const char16_t* message, const char16_t* module, std::uint32_t flags);
 
-// Sends all further lines to `sink`; null drops them.
-void InstallLogSink(LogSink sink);
+// Sends all further lines to `sink`; null drops them. The sink of before.
+LogSink InstallLogSink(LogSink sink);
+
+// Drops the lines of what is found out only and done perhaps later: they would tell of it as done.
+class LogPause {
+public:
+    LogPause() : paused_(InstallLogSink(nullptr)) {}
+    ~LogPause() { InstallLogSink(paused_); }
+    LogPause(const LogPause&) = delete;
+    LogPause& operator=(const LogPause&) = delete;
+
+private:
+    LogSink paused_;
+};
 
 // Hands one line to the installed sink. Always returns 1.
 int LogMessage(const char16_t* message, const char16_t* module, std::uint32_t flags);

@@ -59,8 +59,8 @@ void ForEachPending(const ObjectList& difference, bool (*is_meant)(const ObjectR
 
 }  // namespace
 
-bool FindMissingRoom(const ObjectList& difference, DatabaseRestore database_restore,
-                     InfoSource& info, std::uint64_t& missing) {
+bool FindRoomNeed(const ObjectList& difference, DatabaseRestore database_restore, InfoSource& info,
+                  RoomNeed& need) {
     ObjectFinder overwritten(info);
     if (!overwritten.Reserve(difference.CountRecords())) {
         return false;
@@ -86,8 +86,9 @@ bool FindMissingRoom(const ObjectList& difference, DatabaseRestore database_rest
         const bool is_counted = overwritten.FindByName(block) != nullptr;
         room.store += is_counted ? 0 : SizeOnDevice(block);
     });
-    missing = std::max(MissingOf(for_files, RoomForFiles(room)),
-                       MissingOf(for_files + for_others, room.store + room.memory));
+    need.written = for_files + for_others;
+    need.missing = std::max(MissingOf(for_files, RoomForFiles(room)),
+                            MissingOf(need.written, room.store + room.memory));
     return true;
 }
 

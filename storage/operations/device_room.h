@@ -9,10 +9,15 @@
 
 namespace tolvenar {
 
-// Puts into `missing` the bytes that lack for everything that the difference list writes back: free
-// store and free memory, from which a file's copying takes its room, and the files that are deleted
-// and overwritten are there for it. 0 when it is enough. False when there is no memory.
-bool FindMissingRoom(const ObjectList& difference, DatabaseRestore database_restore,
-                     InfoSource& info, std::uint64_t& missing);
+struct RoomNeed {
+    std::uint64_t written = 0;  // bytes of everything that is written back
+    std::uint64_t missing = 0;  // bytes that lack for it; 0 when it is enough
+};
+
+// Reckons what everything that the difference list writes back takes: free store and free memory,
+// from which a file's copying takes its room, and the files that are deleted and overwritten are
+// there for it. False when there is no memory.
+bool FindRoomNeed(const ObjectList& difference, DatabaseRestore database_restore, InfoSource& info,
+                  RoomNeed& need);
 
 }  // namespace tolvenar

@@ -2,25 +2,18 @@
 
 #include "platform/win32.h"
 
-#include <memory>
-
 #include "app/settings/settings.h"
-#include "snapshot/compare/kept_objects.h"
-#include "snapshot/compare/prune.h"
 #include "snapshot/compare/states.h"
 #include "snapshot/engine/descriptions.h"
 #include "snapshot/engine/difference_engine.h"
-#include "snapshot/engine/program_values.h"
 #include "storage/opened/journal.h"
 #include "storage/opened/old_journals.h"
 #include "storage/opened/storage_file.h"
 #include "storage/operations/aimed_state.h"
 #include "storage/operations/failure_log.h"
 #include "storage/operations/held_back.h"
-#include "storage/operations/pair_proof.h"
 #include "storage/operations/restore_list.h"
-#include "storage/operations/restore_paths.h"
-#include "storage/operations/restore_plan.h"
+#include "storage/operations/restore_preparation.h"
 
 namespace tolvenar {
 namespace {
@@ -61,10 +54,8 @@ public:
     bool RunAdvanced(DatabaseRestore database_restore);
 
 private:
-    // Takes out of the difference list what is never restored, then decides what may be. False, and
-    // nothing must be restored, when the list is kept whole.
+    // False, and nothing must be restored, when the list is kept whole.
     bool Prepare();
-    bool PrepareWith(Descriptions& descriptions);
     bool TakeOlderList();
     bool EndWithoutDifference();
     bool EndSettled();
@@ -81,7 +72,6 @@ private:
     RestoreResult& result_;
     RestoreRun run_;
     RestorePlan plan_;
-    std::unique_ptr<ObjectList> aimed_;
 };
 
 bool FailEarly(OpenedStorage& storage, ResultCode reason, RestoreResult& result) {
@@ -106,39 +96,7 @@ bool Restore::FailWithWholeList() {
 }
 
 bool Restore::Prepare() {
-    Descriptions descriptions(engine_);
-    ObjectList& difference = *storage_.difference;
-    if (!descriptions.sav_file || storage_.journal == nullptr || storage_.header == nullptr) {
-        return FailWithWholeList();
-    }
-    TakeOutOwnValues(difference, kOwnValues, descriptions.source);
-    PruneDifferences(difference, kRestorePruning, descriptions.source);
-    if (!KeepStoredObjects(difference, descriptions.source)) {
-        return FailWithWholeList();
-    }
-    RemoveHandled(difference);
-    TakeOutOwnFiles(difference, storage_.names, descriptions.source);
-    return PrepareWith(descriptions);
-}
-
-bool Restore::PrepareWith(Descriptions& descriptions) {
-    PairCheck check(*storage_.journal, descriptions.stored);
-    if (!CheckOpenPair(engine_, descriptions, check)) {
-        return FailWithWholeList();
-    }
-    plan_.target = storage_.older.get();
-    if (!plan_.tells_device) {
-        aimed_ = AimedState(storage_, descriptions.source);
-        plan_.target = aimed_.get();
-        if (aimed_ == nullptr ||
-            !WriteBackAimedVersions(*storage_.difference, *aimed_, descriptions.source)) {
-            return FailWithWholeList();
-        }
-    }
-    if (!ProtectMatchedRecords(storage_.newer.get(), run_.written)) {
-        return FailWithWholeList();
-    }
-    switch (PlanRestore(plan_, descriptions, check, run_)) {
+    switch (PrepareRestore(plan_, run_)) {
         case PlanOutcome::kGo: return true;
         case PlanOutcome::kTakeOlderList: result_.took_older_list = true; [[fallthrough]];
         default: return FailWithWholeList();

@@ -45,20 +45,22 @@ PlanOutcome PlanWithoutTrust(RestorePlan& plan, Descriptions& descriptions,
 }
 
 PlanOutcome PlanForRoom(RestorePlan& plan, Descriptions& descriptions, const RestoreRun& run) {
-    std::uint64_t missing = 0;
-    if (!FindMissingRoom(*plan.engine.storage.difference, run.database_restore, descriptions.source,
-                         missing)) {
+    RoomNeed need;
+    if (!FindRoomNeed(*plan.engine.storage.difference, run.database_restore, descriptions.source,
+                      need)) {
         return PlanOutcome::kLeaveAll;
     }
-    if (missing == 0) {
+    plan.written_bytes = need.written;
+    if (need.missing == 0) {
         return PlanOutcome::kGo;
     }
-    LogNumber(u"The device lacks ", missing, u" bytes for what is to be written back");
-    const bool goes_on = plan.questions != nullptr && plan.questions->MayGoOnWithoutRoom(missing);
+    LogNumber(u"The device lacks ", need.missing, u" bytes for what is to be written back");
+    const bool goes_on =
+        plan.questions != nullptr && plan.questions->MayGoOnWithoutRoom(need.missing);
     if (goes_on) {
         return PlanOutcome::kGo;
     }
-    plan.missing_bytes = missing;
+    plan.missing_bytes = need.missing;
     return PlanOutcome::kLeaveAll;
 }
 

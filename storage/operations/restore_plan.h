@@ -24,6 +24,7 @@ struct RestorePlan {
     bool trusts_list = true;     // the list of states may be saved again
     bool lacks_objects = false;  // the state may have had what no list tells of
     bool has_settled = false;
+    std::uint64_t written_bytes = 0;  // of what is written back, when that is decided
     std::uint64_t missing_bytes = 0;  // for want of which nothing may be done
 };
 

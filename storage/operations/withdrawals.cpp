@@ -162,12 +162,6 @@ private:
     AddedObjects added_;
 };
 
-// The key under which the scan entered the file of a difference list's key.
-ObjectKey ScannedKey(ObjectKey key) {
-    key.state_and_info |= kScannedFileState;
-    return key;
-}
-
 // What the scan read under the key of a deletion, in another version or because the stored one
 // could not be read to be compared with; null when there is none.
 const ObjectRecord* FindReplaced(const ObjectList::Node& deletion, const ObjectList& scanned) {
@@ -176,7 +170,7 @@ const ObjectRecord* FindReplaced(const ObjectList::Node& deletion, const ObjectL
         return nullptr;
     }
     const ObjectList::Node* newer =
-        scanned.FindByKey(is_file ? ScannedKey(deletion.key) : deletion.key);
+        scanned.FindByKey(is_file ? deletion.key.OfScannedFile() : deletion.key);
     if (newer == nullptr || newer->record->type != deletion.record->type ||
         (newer->record->flags & JF_MATCHED) != 0) {
         return nullptr;

@@ -95,6 +95,7 @@ protected:
         EXPECT_LE(size.cy, control.height) << Told(control);
     }
 
+    void ExpectPageFits();
     void ExpectPagesFit();
 
     Ruler ruler_;
@@ -105,15 +106,18 @@ void LayoutTest::ExpectPagesFit() {
          {"Backup", "Restore", "Advanced Restore", "Storage file", "Options", "About"}) {
         SCOPED_TRACE(tab);
         ShowTab(tab);
-        const std::vector<Window> controls = PageControls();
-        EXPECT_GE(controls.size(), 4u);
-        for (std::size_t i = 0; i < controls.size(); ++i) {
-            ExpectFits(controls[i]);
-            for (std::size_t j = 0; j < i && !IsGroup(controls[i]); ++j) {
-                EXPECT_TRUE(IsGroup(controls[j]) ||
-                            !Overlap(AreaOf(controls[i]), AreaOf(controls[j])))
-                    << Told(controls[i]) << Told(controls[j]);
-            }
+        ExpectPageFits();
+    }
+}
+
+void LayoutTest::ExpectPageFits() {
+    const std::vector<Window> controls = PageControls();
+    EXPECT_GE(controls.size(), 4u);
+    for (std::size_t i = 0; i < controls.size(); ++i) {
+        ExpectFits(controls[i]);
+        for (std::size_t j = 0; j < i && !IsGroup(controls[i]); ++j) {
+            EXPECT_TRUE(IsGroup(controls[j]) || !Overlap(AreaOf(controls[i]), AreaOf(controls[j])))
+                << Told(controls[i]) << Told(controls[j]);
         }
     }
 }
@@ -154,6 +158,21 @@ TEST_P(LayoutTest, EveryPageFitsOnABareDevice) {
     DeleteSetting("StorageFile");
     Open();
     ExpectPagesFit();
+}
+
+// With the longest lines that a device with 10 MB to come back has.
+TEST_P(LayoutTest, WhatWouldChangeFits) {
+    device().Set("screen.size", GetParam());
+    device().PutFile(kNote, std::string(10485760, 'x'));
+    EXPECT_EQ(0, BackUp());
+    device().Remove(kNote);
+    OpenOn("Restore");
+    device().Set("memory.free", "8388608");
+    device().Set("store.free", "1048576");
+    Press(IDC_PREVIEW);
+    EXPECT_SOON(Sees(IDC_PREVIEW_CLOSE));
+    EXPECT_TRUE(BecomesIdle());
+    ExpectPageFits();
 }
 
 INSTANTIATE_TEST_SUITE_P(Screens, LayoutTest, ::testing::Values("640x480", "640x240"));

@@ -17,6 +17,8 @@ constexpr Row kRows[] = {
      Refusal::kOccupied},
     {Wish::kRestoreState, Refusal::kOccupied, Refusal::kNoStorage, Refusal::kNone,
      Refusal::kOccupied},
+    {Wish::kPreviewRestore, Refusal::kOccupied, Refusal::kNoStorage, Refusal::kNone,
+     Refusal::kOccupied},
     {Wish::kRestoreDifferences, Refusal::kOccupied, Refusal::kNoStorage, Refusal::kNoInstallation,
      Refusal::kOccupied},
     {Wish::kShowDifferences, Refusal::kOccupied, Refusal::kNoStorage, Refusal::kNone,
