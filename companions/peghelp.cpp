@@ -9,6 +9,7 @@
 #include "companions/help/picture.h"
 #include "platform/dialog.h"
 #include "platform/heap.h"
+#include "platform/layout.h"
 #include "platform/text.h"
 #include "platform/unique_resource.h"
 #include "res/resource.h"
@@ -22,8 +23,15 @@ constexpr wchar_t kContents[] = L"Contents";
 constexpr std::size_t kPathUnits = 260;
 constexpr std::size_t kTopicUnits = 100;
 constexpr DWORD kMaxFileBytes = 0x1000000;
-constexpr RECT kTextRoom = {5, 21, 295, 100};  // dialog units
-constexpr int kPictureGap = 6;                 // pixels
+constexpr int kPictureGap = 6;  // pixels
+
+// On a screen that is too small for the template.
+constexpr tolvenar::ControlPlace kPlaces[] = {
+    {IDC_HELP_TOPIC_LABEL, {3, 6, 28, 9}},
+    {IDC_HELP_TOPIC, {32, 4, 98, 120}, tolvenar::kWidens},
+    {IDC_HELP_TEXT, {3, 21, 127, 79}, tolvenar::kGrows},
+};
+constexpr tolvenar::Layout kSmallScreens[] = {tolvenar::LayoutOf(133, 104, kPlaces)};
 
 // A file of the manual in memory.
 class ManualFile {
@@ -102,7 +110,10 @@ private:
     }
 
     void OnInit() {
+        tolvenar::FitToWorkArea(window(), kSmallScreens);
         text_ = Control(IDC_HELP_TEXT);
+        ::GetWindowRect(text_, &text_room_);
+        ::MapWindowPoints(nullptr, window(), reinterpret_cast<POINT*>(&text_room_), 2);
         topics_ = Control(IDC_HELP_TOPIC);
         contents_.Read(tolvenar::Utf16(kContentsFile));
         FillTopics();
@@ -174,16 +185,17 @@ private:
         }
     }
 
-    // The picture stands beside the text, which gives way to it.
+    // The picture stands beside the text, which gives way to it; where it would have more room than
+    // the text there is none.
     void ShowPicture(help::Picture picture) {
-        picture_ = std::move(picture);
+        const RECT& room = text_room_;
+        const int width = room.right - room.left;
+        picture_ = picture.width <= width / 2 + kPictureGap ? std::move(picture) : help::Picture{};
         const bool is_there = picture_.pixels != nullptr;
         const HWND place = Control(IDC_HELP_PICTURE);
-        RECT room = kTextRoom;
-        ::MapDialogRect(window(), &room);
         const int gap = is_there ? kPictureGap : 0;
-        const int text_width = room.right - room.left - picture_.width - gap;
-        ::MoveWindow(text_, room.left, room.top, text_width, room.bottom - room.top, TRUE);
+        ::MoveWindow(text_, room.left, room.top, width - picture_.width - gap,
+                     room.bottom - room.top, TRUE);
         ::MoveWindow(place, room.right - picture_.width, room.top, picture_.width, picture_.height,
                      TRUE);
         ::ShowWindow(place, is_there ? SW_SHOW : SW_HIDE);
@@ -223,6 +235,7 @@ private:
     help::Text argument_;
     ManualText contents_;
     help::Picture picture_;
+    RECT text_room_{};  // without a picture
     HWND topics_ = nullptr;
     HWND text_ = nullptr;
 };

@@ -2,6 +2,7 @@
 // it changed.
 #pragma once
 
+#include "app/pages/contents_pane.h"
 #include "app/pages/difference_panel.h"
 #include "app/pages/failed_panel.h"
 #include "app/pages/page.h"
@@ -12,7 +13,7 @@
 
 namespace tolvenar {
 
-class RestorePage final : public Page {
+class RestorePage final : public Page, private TreeListener {
 public:
     // What the page shows; kFailed after a restore that left items over, on either tab, until the
     // user has seen it; kPreview in the place of kRestore, until it is closed or does not hold any
@@ -23,6 +24,7 @@ public:
         : Page(app, frame, IDD_RESTORE_PAGE),
           failed_(app),
           preview_(app),
+          contents_(app.instance),
           comparison_(app.instance) {}
 
     int DefaultButton() const override;
@@ -33,9 +35,11 @@ public:
     void OnStorageChanged() override;
 
 private:
+    LayoutSet Layouts() const override;
     void OnInit() override;
     bool OnCommand(int id, int notification) override;
     INT_PTR OnMessage(UINT message, WPARAM wparam, LPARAM lparam) override;
+    void OnNodeSelected(const NodeRecord* node) override;
     bool OnListNotification(int notification);
     INT_PTR OnDestroy();
 
@@ -51,6 +55,7 @@ private:
     bool BuildTree();
     void FollowForm();
     void GiveUpTree();
+    void ShowContents(const NodeRecord* node);
     void RequestPreview();
     bool OnPreviewEnded(bool is_made);
     void DropPreview();
@@ -72,6 +77,7 @@ private:
     DifferencePanel tree_;
     FailedPanel failed_;
     PreviewPanel preview_;
+    ContentsPane contents_;
     ShownComparison comparison_;
     int tab_ = kRestorePage;
     int shown_item_ = -1;                  // the item whose details are shown

@@ -2,7 +2,6 @@
 #include "companions/help/picture.h"
 
 #include <gtest/gtest.h>
-
 #include <vector>
 
 namespace help {
@@ -13,12 +12,12 @@ using Bytes = std::vector<std::uint8_t>;
 // Five pixels by two: the lower row 0 1 2 3 0, the upper one 3 3 3 3 1.
 Bytes FiveByTwo() {
     return {
-        'B', 'M', 78, 0, 0, 0, 0, 0, 0, 0, 70, 0, 0, 0,                 // file: pixels at 70
-        40,  0,   0,  0, 5, 0, 0, 0, 2, 0, 0,  0, 1, 0, 2, 0,           // 5 x 2, 2 bits
-        0,   0,   0,  0, 8, 0, 0, 0, 0, 0, 0,  0, 0, 0, 0, 0, 4, 0, 0, 0, 0, 0, 0, 0,
-        0,   0,   0,  0, 85, 85, 85, 0, 170, 170, 170, 0, 255, 255, 254, 0,  // colours
-        0x1B, 0x00, 0, 0,                                               // row below
-        0xFF, 0x40, 0, 0,                                               // row above
+        'B',  'M',  78, 0, 0, 0, 0, 0,  0,  0,  70, 0,   0,   0,          // file: pixels at 70
+        40,   0,    0,  0, 5, 0, 0, 0,  2,  0,  0,  0,   1,   0,   2, 0,  // 5 x 2, 2 bits
+        0,    0,    0,  0, 8, 0, 0, 0,  0,  0,  0,  0,   0,   0,   0, 0,   4,   0,   0, 0, 0,
+        0,    0,    0,  0, 0, 0, 0, 85, 85, 85, 0,  170, 170, 170, 0, 255, 255, 254, 0,  // colours
+        0x1B, 0x00, 0,  0,  // row below
+        0xFF, 0x40, 0,  0,  // row above
     };
 }
 Picture Decode(const Bytes& bytes) { return DecodePicture(bytes.data(), bytes.size()); }
