@@ -1,6 +1,7 @@
 #include "autobackup/autobackup_prompt.h"
 
 #include "platform/dialog.h"
+#include "platform/layout.h"
 #include "res/resource.h"
 
 namespace tolvenar {
@@ -9,6 +10,16 @@ namespace {
 constexpr UINT kCountdownTimer = 41016;
 constexpr UINT kTickMs = 1000;
 constexpr int kSeconds = 20;
+
+// On a screen that is too small for the template.
+constexpr ControlPlace kPlaces[] = {
+    {IDC_PROMPT_MESSAGE, {4, 6, 108, 24}, kWidens},
+    {IDC_PROMPT_REASON, {4, 38, 108, 10}, kWidens},
+    {IDC_PROMPT_COUNTDOWN, {4, 55, 108, 11}, kWidens},
+    {IDOK, {4, 74, 50, 14}, {0, 0, 50, 0}},
+    {IDCANCEL, {60, 74, 50, 14}, {50, 0, 100, 0}},
+};
+constexpr Layout kSmallScreens[] = {LayoutOf(116, 95, kPlaces)};
 
 // One prompt at a time: what is left of its countdown.
 class AutoBackupPrompt final : private Dialog {
@@ -22,6 +33,7 @@ public:
 
 private:
     INT_PTR OnInit() {
+        FitToWorkArea(window(), kSmallScreens);
         ::SetWindowTextW(window(), L"Autobackup");
         timer_ = ::SetTimer(window(), kCountdownTimer, kTickMs, nullptr);
         // Without a timer nobody would ever let the backup go on.

@@ -34,6 +34,11 @@
 #define IDC_FAILED_REASON 1201
 #define IDC_RESTORE_NOTICE 1203
 #define IDC_SHOW 1204
+#define IDC_FULL 1270
+#define IDC_OLD_CONTENTS 1271
+#define IDC_NEW_CONTENTS 1272
+#define IDC_OLD_CONTENTS_LABEL 1273
+#define IDC_NEW_CONTENTS_LABEL 1274
 #define IDC_PREVIEW 1210
 #define IDC_PREVIEW_CLOSE 1211
 #define IDC_PREVIEW_CAPTION 1212
@@ -229,6 +234,10 @@
 #define IDS_SHOWS_SOME_FAILED 241
 #define IDS_FAILED_ITEMS 242
 
+// The button that gives the dialog the whole screen.
+#define IDS_FULL 400
+#define IDS_FULL_BACK 401
+
 // What one version of an object is.
 #define IDS_DETAILS_SIZE 500
 #define IDS_DETAILS_FOLDER 501
@@ -262,3 +271,4 @@
 #define IDC_HELP_TOPIC_LABEL 1150
 #define IDC_HELP_TOPIC 1151
 #define IDC_HELP_TEXT 1152
+#define IDC_HELP_PICTURE 1153

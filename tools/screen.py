@@ -90,6 +90,17 @@ class Screen:
         for key in keys:
             self.ask("window", "key", key)
 
+    def focus_tree(self):
+        """The keyboard goes to the difference tree. What stands between it and the states depends on the screen."""
+        self.keys("alt+s")
+        for _ in range(8):
+            tree = next(w for w in self.windows() if w["class"] == "SysTreeView32")
+            if tree["focused"]:
+                return
+            self.keys("tab")
+            time.sleep(0.2)
+        raise RuntimeError("the tree does not get the keyboard")
+
     def page(self, name):
         self.ask("window", "select", 1000, name)
         self.wait(lambda: (tabs := self.control(1000)) and tabs["items"][tabs["selected"]] == name, name)

@@ -4,6 +4,7 @@
 #include "app/operations/requests.h"
 #include "app/operations/window_messages.h"
 #include "platform/dialog.h"
+#include "platform/layout.h"
 #include "res/resource.h"
 
 namespace tolvenar {
@@ -67,6 +68,22 @@ private:
     const wchar_t* effect_;
 };
 
+constexpr ControlPlace kHigh[] = {
+    {IDC_REMINDER_TEXT, {4, 4, 125, 56}, kWidens},
+    {IDC_REMINDER_EFFECT, {4, 62, 125, 24}, kWidens},
+    {IDC_REMINDER_OFF, {4, 90, 125, 16}, kWidens, Showing::kByPage},
+    {IDOK, {4, 110, 60, 18}, {0, 0, 50, 0}},
+    {IDCANCEL, {69, 110, 60, 18}, {50, 0, 100, 0}},
+};
+constexpr ControlPlace kLow[] = {
+    {IDC_REMINDER_TEXT, {4, 4, 171, 42}, kWidens},
+    {IDC_REMINDER_EFFECT, {4, 48, 171, 16}, kWidens},
+    {IDC_REMINDER_OFF, {4, 67, 171, 15}, kWidens, Showing::kByPage},
+    {IDOK, {4, 85, 83, 18}, {0, 0, 50, 0}},
+    {IDCANCEL, {91, 85, 84, 18}, {50, 0, 100, 0}},
+};
+constexpr Layout kSmallScreens[] = {LayoutOf(133, 130, kHigh), LayoutOf(179, 105, kLow)};
+
 class ReminderDialog final : private Dialog {
 public:
     ReminderDialog(const Application& app, const Question& question)
@@ -80,6 +97,7 @@ public:
 
 private:
     INT_PTR OnInit() {
+        FitToWorkArea(window(), kSmallScreens);
         if (question_.reminder() == Reminder::kRestored) {
             ::ShowWindow(Control(IDC_REMINDER_OFF), SW_HIDE);
         }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/pages/page.h"
+#include "app/pages/page_layouts.h"
 #include "platform/unique_resource.h"
 #include "res/resource.h"
 
@@ -15,6 +16,7 @@ public:
     void OnHide() override;
 
 private:
+    LayoutSet Layouts() const override { return AboutLayouts(); }
     void OnInit() override;
     INT_PTR OnMessage(UINT message, WPARAM wparam, LPARAM lparam) override;
     INT_PTR OnTimer();

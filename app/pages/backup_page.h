@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/pages/page.h"
+#include "app/pages/page_layouts.h"
 #include "platform/resource_text.h"
 #include "res/resource.h"
 #include "storage/log/date_text.h"
@@ -19,6 +20,7 @@ public:
     void OnStorageChanged() override;
 
 private:
+    LayoutSet Layouts() const override { return BackupLayouts(); }
     void OnInit() override;
     bool OnCommand(int id, int notification) override;
     INT_PTR OnMessage(UINT message, WPARAM wparam, LPARAM lparam) override;

@@ -1,5 +1,6 @@
 #include "app/pages/description_dialog.h"
 
+#include "platform/layout.h"
 #include "platform/text.h"
 #include "res/resource.h"
 
@@ -10,6 +11,22 @@ namespace {
 constexpr WPARAM kEndOfText = 1000;
 // The last unit of the description's place in the header is its terminator.
 constexpr int kDescriptionLimit = kMaxDescriptionUnits - 1;
+
+constexpr ControlPlace kHigh[] = {
+    {IDC_DESCRIPTION_LABEL, {4, 4, 125, 9}, kWidens},
+    {IDC_DESCRIPTION_TEXT, {4, 14, 125, 80}, kGrows},
+    {IDC_DESCRIPTION_CANCEL_HINT, {4, 96, 125, 16}, kWidensOnBottom},
+    {IDOK, {4, 114, 60, 16}, {0, 100, 50, 100}},
+    {IDCANCEL, {69, 114, 60, 16}, {50, 100, 100, 100}},
+};
+constexpr ControlPlace kLow[] = {
+    {IDC_DESCRIPTION_LABEL, {4, 4, 171, 9}, kWidens},
+    {IDC_DESCRIPTION_TEXT, {4, 14, 171, 56}, kGrows},
+    {IDC_DESCRIPTION_CANCEL_HINT, {4, 72, 171, 9}, kWidensOnBottom},
+    {IDOK, {4, 83, 84, 16}, {0, 100, 50, 100}},
+    {IDCANCEL, {92, 83, 83, 16}, {50, 100, 100, 100}},
+};
+constexpr Layout kSmallScreens[] = {LayoutOf(133, 132, kHigh), LayoutOf(179, 100, kLow)};
 
 }  // namespace
 
@@ -26,6 +43,7 @@ bool DescriptionDialog::AskDescription(const char16_t* proposed,
 }
 
 INT_PTR DescriptionDialog::OnInit() {
+    FitToWorkArea(window(), kSmallScreens);
     const HWND edit = Control(IDC_DESCRIPTION_TEXT);
     ::SendMessageW(edit, EM_LIMITTEXT, kDescriptionLimit, 0);
     ::SetWindowTextW(edit, Wide(proposed_));

@@ -23,14 +23,6 @@ constexpr Tab kTabs[] = {
     {kStoragePage, L"Storage file"}, {kOptionsPage, L"Options"},           {kAboutPage, L"About"},
 };
 
-// The tabs are padded so that a finger can hit them.
-constexpr LPARAM kTabPadding = MAKELPARAM(9, 3);
-constexpr LPARAM kTabSize = MAKELPARAM(0, 29);
-
-// Dialog units: the tab control, and the page below it.
-constexpr RECT kTabsPlace = {0, 0, 299, 19};
-constexpr RECT kPagePlace = {1, 20, 300, 104};
-
 // What the operation thread sends, and whose page answers.
 struct PageMessage {
     UINT message;
@@ -60,11 +52,6 @@ void CloseMainWindow(Application& app) {
         app.is_ending = true;
         ::PostQuitMessage(0);
     }
-}
-
-void Move(HWND window, const RECT& place) {
-    ::SetWindowPos(window, nullptr, place.left, place.top, place.right - place.left,
-                   place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 void Click(HWND button) {
@@ -109,11 +96,35 @@ bool MainDialog::TakesMessage(MSG& message) {
         FocusPage();
         message.hwnd = ::GetFocus();
     }
-    if (is_key && shown_ != nullptr && ::IsChild(shown_->window(), message.hwnd) &&
-        shown_->TakesKey(message)) {
+    if (is_key && IsOfDialog(message.hwnd) && TakesKey(message)) {
         return true;
     }
     return ::IsDialogMessageW(window(), &message) != FALSE;
+}
+
+bool MainDialog::IsOfDialog(HWND control) const {
+    return control == window() || ::IsChild(window(), control);
+}
+
+// Wherever the focus is: on the tabs, too.
+bool MainDialog::TakesKey(const MSG& message) {
+    if (message.message == WM_SYSKEYDOWN && message.wParam == VK_RETURN) {
+        ToggleFull();
+        return true;
+    }
+    return shown_ != nullptr && shown_->TakesKey(message);
+}
+
+// A page that hides what has the keyboard gives it to another control.
+void MainDialog::ToggleFull() {
+    room_.ToggleFull();
+    if (shown_ == nullptr) {
+        return;
+    }
+    shown_->Place(room_.PagePlace());
+    if (!::IsWindowVisible(::GetFocus())) {
+        FocusPage();
+    }
 }
 
 void MainDialog::SelectPage(int index) {
@@ -135,10 +146,10 @@ void MainDialog::StorageChanged() {
 INT_PTR MainDialog::OnInit() {
     app_.main_dialog = window();
     tabs_ = Control(IDC_TABS);
-    ::SendMessageW(tabs_, TCM_SETPADDING, 0, kTabPadding);
-    ::SendMessageW(tabs_, TCM_SETITEMSIZE, 0, kTabSize);
+    room_.Attach(window(), tabs_);
     const int first = app_.storageStatus == StorageStatus::kNone ? kStoragePage : kBackupPage;
     InsertTabs(first);
+    room_.PlaceTabs();
     ShowPage(first);
     // No focus yet: a window that is activated before it is seen keeps the look of an inactive one.
     return FALSE;
@@ -171,12 +182,6 @@ Page* MainDialog::PageAt(int index) {
     return page && page->Create(window()) ? page.get() : nullptr;
 }
 
-RECT MainDialog::PagePlace() const {
-    RECT place = kPagePlace;
-    ::MapDialogRect(window(), &place);
-    return place;
-}
-
 bool MainDialog::FocusIsInPage() const {
     const HWND focus = ::GetFocus();
     return focus != nullptr && ::IsChild(window(), focus) && focus != tabs_;
@@ -194,7 +199,7 @@ void MainDialog::ShowPage(int index) {
     if (page == nullptr) {
         return;
     }
-    page->Show(index, PagePlace());
+    page->Show(index, room_.PagePlace());
     if (focus_in_page) {
         FocusPage();
     }
@@ -279,12 +284,9 @@ INT_PTR MainDialog::OnCommand(WPARAM wparam, LPARAM lparam) {
 }
 
 INT_PTR MainDialog::OnSize() {
-    RECT tabs = kTabsPlace;
-    ::MapDialogRect(window(), &tabs);
-    Move(tabs_, tabs);
+    room_.PlaceTabs();
     if (shown_ != nullptr) {
-        Move(shown_->window(), PagePlace());
-        shown_->OnLayout();
+        shown_->Place(room_.PagePlace());
     }
     return TRUE;
 }

@@ -1,6 +1,7 @@
 // The main dialog: the tabs, the pages behind them, the keys and the closing.
 #pragma once
 
+#include "app/pages/dialog_room.h"
 #include "app/pages/page.h"
 
 namespace tolvenar {
@@ -23,6 +24,8 @@ public:
 
     void SelectPage(int index) override;
     void StorageChanged() override;
+    bool IsFull() const override { return room_.IsFull(); }
+    void ToggleFull() override;
 
 private:
     INT_PTR Dispatch(UINT message, WPARAM wparam, LPARAM lparam) override;
@@ -44,11 +47,13 @@ private:
     void StepPage(int direction);
     void PressEnter();
     void ApplyNow();
-    RECT PagePlace() const;
     bool FocusIsInPage() const;
+    bool IsOfDialog(HWND control) const;
+    bool TakesKey(const MSG& message);
 
     Application& app_;
     HWND tabs_ = nullptr;
+    DialogRoom room_;
     std::unique_ptr<Page> pages_[kPageCount];
     Page* shown_ = nullptr;
     int shown_index_ = 0;

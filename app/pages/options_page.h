@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/pages/page.h"
+#include "app/pages/page_layouts.h"
 #include "autobackup/agent_status.h"
 #include "res/resource.h"
 
@@ -19,6 +20,7 @@ public:
     void ApplyNow() override;
 
 private:
+    LayoutSet Layouts() const override { return OptionsLayouts(); }
     void OnInit() override;
     bool OnCommand(int id, int notification) override;
     INT_PTR OnMessage(UINT message, WPARAM wparam, LPARAM lparam) override;

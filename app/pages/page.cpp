@@ -12,11 +12,20 @@ bool Page::Create(HWND main_dialog) {
 }
 
 void Page::Show(int index, const RECT& place) {
+    OnShow(index);
+    Place(place);
+    ::ShowWindow(window(), SW_SHOW);
+}
+
+void Page::Place(const RECT& place) {
     ::SetWindowPos(window(), HWND_TOP, place.left, place.top, place.right - place.left,
                    place.bottom - place.top, SWP_NOACTIVATE);
-    OnShow(index);
+    LayOut();
+}
+
+void Page::LayOut() {
+    ApplyLayout(window(), ChooseLayout(window(), Layouts()));
     OnLayout();
-    ::ShowWindow(window(), SW_SHOW);
 }
 
 void Page::Hide() {

@@ -7,6 +7,7 @@
 #include "app/operations/requests.h"
 #include "app/operations/window_messages.h"
 #include "platform/dialog.h"
+#include "platform/layout.h"
 
 namespace tolvenar {
 
@@ -17,6 +18,10 @@ public:
     virtual void SelectPage(int index) = 0;
     // Another storage was opened, or none is open any more: every page forgets what it showed.
     virtual void StorageChanged() = 0;
+    // Whether the dialog fills the screen for the sake of what the page shows.
+    virtual bool IsFull() const = 0;
+    // Has it fill the screen, or go back to its own size and place.
+    virtual void ToggleFull() = 0;
 
 protected:
     ~Frame() = default;
@@ -37,6 +42,8 @@ public:
     // Shows it over `place` for the tab `index`; one page may serve two tabs.
     void Show(int index, const RECT& place);
     void Hide();
+    // Gives the shown page another room.
+    void Place(const RECT& place);
 
     // The button that Enter presses while the focus is on nothing that takes it; 0 for none.
     virtual int DefaultButton() const { return 0; }
@@ -44,7 +51,9 @@ public:
     virtual bool TakesKey(const MSG& /*message*/) { return false; }
     // Enter was pressed with the focus on `control`. True when that meant something of its own.
     virtual bool OnEnter(HWND /*control*/) { return false; }
-    // The place of the page was set anew.
+    // Places the controls for the room that the page has.
+    void LayOut();
+    // The controls have new places.
     virtual void OnLayout() {}
     // The page is about to be seen for tab `index`, or was hidden.
     virtual void OnShow(int /*index*/) {}
@@ -59,6 +68,8 @@ public:
     virtual void OnTakenOver() {}
 
 protected:
+    // The layouts of what the page shows.
+    virtual LayoutSet Layouts() const = 0;
     // Fills the controls; the window exists.
     virtual void OnInit() {}
     // A notification of control `id`. True when it was handled.

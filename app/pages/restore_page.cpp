@@ -3,8 +3,7 @@
 #include "app/operations/confirmation.h"
 #include "app/operations/messages.h"
 #include "app/operations/window_messages.h"
-#include "app/pages/restore_layout.h"
-#include "app/pages/tree_filter_dialog.h"
+#include "app/pages/page_layouts.h"
 #include "platform/resource_text.h"
 #include "platform/text.h"
 #include "snapshot/engine/difference_engine.h"
@@ -26,7 +25,8 @@ void RestorePage::OnInit() {
     failed_.Attach(window());
     preview_.Attach(window());
     notice_.Attach(Control(IDC_RESTORE_NOTICE));
-    tree_.Create(app_.instance, Control(IDC_TREE_PLACE), failed_);
+    contents_.Attach(window());
+    tree_.Create(app_.instance, Control(IDC_TREE_PLACE), *this);
     ShowComparison();
     if (app_.gate.ListsAreFree()) {
         FillStates(false);
@@ -66,13 +66,19 @@ bool RestorePage::OnEnter(HWND control) {
     return true;
 }
 
-// The tree is searched by typing in it; F3 goes on from wherever the focus is.
+// The tree is searched by typing in it; F3 goes on and Alt+V chooses what it shows from wherever
+// the focus is.
 bool RestorePage::TakesKey(const MSG& message) {
     if (CurrentForm() == Form::kRestore) {
         return false;
     }
     if (message.message == WM_KEYDOWN && message.wParam == VK_F3) {
         tree_.FindNext();
+        return true;
+    }
+    if (message.message == WM_SYSKEYDOWN && message.wParam == 'V' &&
+        ::IsWindowVisible(Control(IDC_SHOW))) {
+        ChooseShown();
         return true;
     }
     return message.message == WM_CHAR && tree_.TakesCharacter(message);
@@ -89,9 +95,32 @@ void RestorePage::OnShow(int index) {
     }
 }
 
+LayoutSet RestorePage::Layouts() const {
+    switch (CurrentForm()) {
+        case Form::kRestore: return RestoreLayouts();
+        case Form::kAdvanced: return AdvancedLayouts(frame_.IsFull());
+        case Form::kPreview: return PreviewLayouts(frame_.IsFull());
+        default: return FailedLayouts(frame_.IsFull());
+    }
+}
+
 void RestorePage::OnLayout() {
-    LayOutRestorePage(window(), CurrentForm());
+    ::SetDlgItemTextW(
+        window(), IDC_FULL,
+        ResourceText(app_.instance, frame_.IsFull() ? IDS_FULL_BACK : IDS_FULL).text());
     tree_.OnLayout(CurrentForm() != Form::kRestore);
+    ShowContents(tree_.SelectedNode());
+}
+
+void RestorePage::OnNodeSelected(const NodeRecord* node) {
+    failed_.ShowReason(node);
+    ShowContents(node);
+}
+
+void RestorePage::ShowContents(const NodeRecord* node) {
+    if (app_.gate.ListsAreFree()) {
+        contents_.Show(tree_is_preview_ ? app_.preview.engine() : app_.engine, node);
+    }
 }
 
 // Another storage: nothing that was found out about the old one holds.
@@ -179,7 +208,7 @@ bool RestorePage::OnPreviewEnded(bool is_made) {
         return false;
     }
     app_.popup.CloseAndWait();
-    OnLayout();
+    LayOut();
     if (::IsWindowVisible(window()) && CurrentForm() == Form::kPreview) {
         tree_.Focus();
     }
@@ -194,7 +223,7 @@ void RestorePage::DropPreview() {
     if (tree_is_preview_) {
         tree_.Clear();
     }
-    OnLayout();
+    LayOut();
 }
 
 void RestorePage::ClosePreview() {
@@ -225,7 +254,7 @@ void RestorePage::ShowDifferences() {
         GiveUpComparison();
     }
     ShowComparison();
-    OnLayout();
+    LayOut();
 }
 
 // The buttons must not act on what nobody can see.
@@ -234,97 +263,6 @@ void RestorePage::GiveUpComparison() {
     ForgetMissingDifferences();
     ShowMessage(app_.main_dialog, ResourceText(app_.instance, IDS_COMPARE_FAILED).text(),
                 MB_ICONWARNING);
-}
-
-// There is one tree for two lists. It is built anew when the form needs the other one, or another
-// view of its own.
-void RestorePage::FollowForm() {
-    const bool is_preview = CurrentForm() == Form::kPreview;
-    const bool shows_other_list = tree_is_preview_ != is_preview;
-    const bool has_other_view = app_.settings.AdvancedTreeViewChange != 0;
-    if ((!is_preview && tab_ != kAdvancedPage) || (!shows_other_list && !has_other_view)) {
-        return;
-    }
-    app_.settings.AdvancedTreeViewChange = 0;
-    if (is_preview || is_failed_ || comparison_.IsMade()) {
-        RebuildTree();
-    } else {
-        tree_is_preview_ = false;
-        tree_.Clear();
-    }
-}
-
-void RestorePage::RebuildTree() {
-    if (!BuildTree() && !is_failed_) {
-        GiveUpTree();
-    }
-    ShowComparison();
-}
-
-void RestorePage::GiveUpTree() {
-    if (!tree_is_preview_) {
-        GiveUpComparison();
-        return;
-    }
-    DropPreview();
-    ShowMessage(app_.main_dialog, ResourceText(app_.instance, IDS_PREVIEW_FAILED).text(),
-                MB_ICONWARNING);
-}
-
-// What a restore left over need not be the difference that the caption names.
-bool RestorePage::BuildTree() {
-    tree_is_preview_ = CurrentForm() == Form::kPreview;
-    if (tree_is_preview_) {
-        return preview_.BuildTree(tree_);
-    }
-    ShownComparison::Text caption = L"";
-    if (!is_failed_) {
-        comparison_.PutCaption(caption);
-    }
-    return tree_.Build(app_.engine, app_.settings.AdvancedTreeView != 0, caption, is_failed_,
-                       shown_kind_);
-}
-
-void RestorePage::ShowComparison() {
-    ShownComparison::Text text;
-    comparison_.PutCaption(text);
-    ::SetWindowTextW(Control(IDC_DIFFERENCES_CAPTION), text);
-    comparison_.PutLine(SelectedState(), text);
-    if (comparison_.IsMade()) {
-        PutShown(IDS_SHOWS_SOME, text);
-    }
-    ::SetWindowTextW(Control(IDC_DIFFERENCES_HINT), text);
-    ::wcscpy(text, ResourceText(app_.instance, IDS_FAILED_ITEMS).text());
-    PutShown(IDS_SHOWS_SOME_FAILED, text);
-    ::SetWindowTextW(Control(IDC_FAILED_LABEL), text);
-}
-
-// Says in the place of `text` how much of the list can be seen, if it is not all.
-void RestorePage::PutShown(UINT format, ShownComparison::Text& text) const {
-    if (shown_kind_ != kShowAll) {
-        const TreeCounts& counts = tree_.counts();
-        ::wsprintfW(text, ResourceText(app_.instance, format).text(), counts.shown, counts.all);
-    }
-}
-
-bool RestorePage::CanChooseShown() const {
-    return (is_failed_ || comparison_.IsMade()) && !app_.gate.IsOccupied();
-}
-
-// The list stays as it is: the buttons act on all of it.
-void RestorePage::ChooseShown() {
-    if (!CanChooseShown()) {
-        return;
-    }
-    TreeFilterDialog dialog;
-    const std::optional<std::uint32_t> chosen =
-        dialog.Ask(app_.instance, app_.main_dialog, tree_.counts().failed != 0);
-    // Another program may have asked for an operation meanwhile.
-    if (!chosen || !CanChooseShown()) {
-        return;
-    }
-    shown_kind_ = *chosen;
-    RebuildTree();
 }
 
 // False when the states could not be compared.
@@ -355,7 +293,7 @@ void RestorePage::OnRestoreEnded(bool items_left, UINT notice) {
         ShowComparison();
     }
     ForgetMissingDifferences();
-    OnLayout();
+    LayOut();
     if (is_failed_) {
         ShowFailed();
     }
@@ -379,7 +317,7 @@ void RestorePage::ForgetMissingDifferences() {
     tree_.Clear();
     comparison_.Forget();
     ShowComparison();
-    OnLayout();
+    LayOut();
 }
 
 void RestorePage::LeaveFailed() {
@@ -420,6 +358,7 @@ bool RestorePage::OnCommand(int id, int notification) {
         case IDC_PREVIEW: RequestPreview(); return true;
         case IDC_PREVIEW_CLOSE: ClosePreview(); return true;
         case IDC_SHOW: ChooseShown(); return true;
+        case IDC_FULL: frame_.ToggleFull(); return true;
         case IDC_FAILED_OK: LeaveFailed(); return true;
         default: return false;
     }

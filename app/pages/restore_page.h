@@ -2,6 +2,7 @@
 // it changed.
 #pragma once
 
+#include "app/pages/contents_pane.h"
 #include "app/pages/difference_panel.h"
 #include "app/pages/failed_panel.h"
 #include "app/pages/page.h"
@@ -13,7 +14,7 @@
 
 namespace tolvenar {
 
-class RestorePage final : public Page {
+class RestorePage final : public Page, private TreeListener {
 public:
     // What the page shows; kFailed after a restore that left items over, on either tab, until the
     // user has seen it; kPreview in the place of kRestore, until it is closed or does not hold any
@@ -25,6 +26,7 @@ public:
           failed_(app),
           preview_(app),
           notice_(app),
+          contents_(app.instance),
           comparison_(app.instance) {}
 
     int DefaultButton() const override;
@@ -35,9 +37,11 @@ public:
     void OnStorageChanged() override;
 
 private:
+    LayoutSet Layouts() const override;
     void OnInit() override;
     bool OnCommand(int id, int notification) override;
     INT_PTR OnMessage(UINT message, WPARAM wparam, LPARAM lparam) override;
+    void OnNodeSelected(const NodeRecord* node) override;
     bool OnListNotification(int notification);
     INT_PTR OnDestroy();
 
@@ -53,6 +57,7 @@ private:
     bool BuildTree();
     void FollowForm();
     void GiveUpTree();
+    void ShowContents(const NodeRecord* node);
     void RequestPreview();
     bool OnPreviewEnded(bool is_made);
     void DropPreview();
@@ -74,6 +79,7 @@ private:
     FailedPanel failed_;
     PreviewPanel preview_;
     RestoreNotice notice_;
+    ContentsPane contents_;
     ShownComparison comparison_;
     int tab_ = kRestorePage;
     int shown_item_ = -1;                  // the item whose details are shown

@@ -3,6 +3,7 @@
 
 #include "app/pages/browse_storage.h"
 #include "app/pages/page.h"
+#include "app/pages/page_layouts.h"
 #include "res/resource.h"
 
 namespace tolvenar {
@@ -16,6 +17,7 @@ public:
     void OnStorageChanged() override;
 
 private:
+    LayoutSet Layouts() const override { return StorageLayouts(); }
     bool OnCommand(int id, int notification) override;
     void ShowOpenedStorage() override;
     void ShowName();

@@ -40,6 +40,11 @@ Json WindowSelect(Device& device, const Words& words) {
                        "no item " + words[1] + " in control " + words[0]);
 }
 
+Json WindowTap(Device& device, const Words& words) {
+    windows::Tap(device, static_cast<int>(Number(words[0])), static_cast<int>(Number(words[1])));
+    return Done();
+}
+
 Json WindowStub(Device& device, const Words& words) {
     const std::string title = words.size() > 1 ? words[1] : "";
     const std::int64_t answer = words.size() > 2 ? Number(words[2]) : 0;
@@ -61,6 +66,7 @@ const CommandRows& WindowVerbs() {
         {"select", 2, 2, WindowSelect, "ID ITEM"},
         {"tree", 0, 0, [](Device& device, const Words&) { return Json(windows::Tree(device)); },
          ""},
+        {"tap", 2, 2, WindowTap, "X Y"},
         {"close", 0, 0,
          [](Device& device, const Words&) {
              return DoneOrThrow(windows::Close(device), "no window is active");

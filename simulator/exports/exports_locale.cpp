@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include "simulator/exports/gated.h"
+#include "simulator/store/utf8.h"
 #include "simulator/system/date_text.h"
 #include "simulator/system/host_calls.h"
 #include "simulator/system/settings.h"
@@ -25,8 +26,7 @@ constexpr struct {
 };
 
 std::wstring LocaleText(const char* setting) {
-    const std::string text = sim::SettingText(Device::Current(), setting);
-    return std::wstring(text.begin(), text.end());
+    return sim::Wide(sim::SettingText(Device::Current(), setting));
 }
 
 LCID DeviceLocale() {

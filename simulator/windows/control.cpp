@@ -14,6 +14,7 @@
 #include "simulator/windows/inspect_tree.h"
 #include "simulator/windows/keys.h"
 #include "simulator/windows/on_desktop.h"
+#include "simulator/windows/stylus.h"
 
 namespace sim::windows {
 namespace {
@@ -212,6 +213,10 @@ bool PressKeys(const Device& device, const std::string& keys) {
     }
     OnDesktop(device, [&] { TypeKeys(*presses); });
     return true;
+}
+
+void Tap(const Device& device, int x, int y) {
+    OnDesktop(device, [x, y] { TapScreen(x, y); });
 }
 
 bool Close(const Device& device) {

@@ -3,6 +3,7 @@
 // pipe and a thread of its own.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -31,7 +32,9 @@ struct Window {
     int check = -1;                  // a button's state 0, 1, 2; -1 for anything else
     int selected = -1;               // selected item of a list or tab control
     std::vector<std::string> items;  // of a list box, combo box, list view or tab control
-    std::optional<int> position;     // of a progress bar or scroll control
+    // Of a tab control's items: left, top, width and height on the screen, hidden ones too.
+    std::vector<std::array<int, 4>> places;
+    std::optional<int> position;  // of a progress bar or scroll control
 };
 
 struct TreeItem {
@@ -72,6 +75,9 @@ std::vector<TreeItem> Tree(const Device& device);
 // Key presses, as on the keyboard: words such as "ctrl+tab", "alt+x", "enter", "down", "f1", "a".
 // False for a word that names no key; then nothing was pressed.
 bool PressKeys(const Device& device, const std::string& keys);
+
+// Taps the screen at this pixel with the stylus. What the tap does comes after.
+void Tap(const Device& device, int x, int y);
 
 // Closes the active window as its close button does.
 bool Close(const Device& device);

@@ -15,6 +15,9 @@ void to_json(nlohmann::json& out, const Window& window) {
         out["items"] = window.items;
         out["selected"] = window.selected;
     }
+    if (!window.places.empty()) {
+        out["places"] = window.places;
+    }
     if (window.position) {
         out["position"] = *window.position;
     }
@@ -38,6 +41,7 @@ void from_json(const nlohmann::json& in, Window& window) {
     window.check = in.value("check", -1);
     window.selected = in.value("selected", -1);
     window.items = in.value("items", std::vector<std::string>());
+    window.places = in.value("places", std::vector<std::array<int, 4>>());
     if (in.contains("position")) {
         window.position = in["position"].get<int>();
     }

@@ -115,6 +115,14 @@ void DescribeTabs(HWND control, Window& out) {
     item.mask = TCIF_TEXT;
     DescribeItems(control, TCM_GETITEMCOUNT, TCM_GETITEMW, item, out);
     out.selected = static_cast<int>(Ask(control, TCM_GETCURSEL));
+    for (std::size_t i = 0; i < out.items.size(); ++i) {
+        RECT place{};
+        Ask(control, TCM_GETITEMRECT, i, reinterpret_cast<LPARAM>(&place));
+        out.places.push_back({out.left + static_cast<int>(place.left),
+                              out.top + static_cast<int>(place.top),
+                              static_cast<int>(place.right - place.left),
+                              static_cast<int>(place.bottom - place.top)});
+    }
 }
 
 void DescribeListView(HWND control, Window& out) {

@@ -114,6 +114,18 @@ TEST_F(TreeSearchTest, AltVShowsOneKindAndTheButtonsActOnAll) {
     EXPECT_FALSE(device().Exists(L"\\My Documents\\Plan one.doc"));
 }
 
+TEST_F(TreeSearchTest, F3AndAltVWorkFromTheTabs) {
+    FocusTree();
+    Keys("l a n");
+    EXPECT_SOON_EQ("Plan one.doc (+)", SelectedInTree());
+    ExpectFocus("alt+s", IDC_STATES);
+    ExpectFocus("shift+tab", IDC_TABS);
+    Keys("f3");
+    EXPECT_SOON_EQ("Plan two.doc (+)", SelectedInTree());
+    Keys("alt+v");
+    EXPECT_SOON(IsActive("Show"));
+}
+
 TEST_F(TreeSearchTest, AllIsShownAgainOnRequestAndByTheNextComparison) {
     Press(IDC_SHOW);
     Press(IDC_SHOW_DELETED);
