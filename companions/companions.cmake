@@ -10,10 +10,12 @@ endforeach()
 
 # The manual stands beside the programs, so that an installation finds it there.
 set(manual "")
-foreach(name tolvenar.htc tolvenar_all.htp)
+file(GLOB manual_files CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/res/help/tolvenar*)
+foreach(file IN LISTS manual_files)
+  get_filename_component(name ${file} NAME)
   set(copy ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${name})
-  add_custom_command(OUTPUT ${copy} DEPENDS ${CMAKE_SOURCE_DIR}/res/help/${name}
-    COMMAND ${CMAKE_COMMAND} -E copy ${CMAKE_SOURCE_DIR}/res/help/${name} ${copy})
+  add_custom_command(OUTPUT ${copy} DEPENDS ${file}
+    COMMAND ${CMAKE_COMMAND} -E copy ${file} ${copy})
   list(APPEND manual ${copy})
 endforeach()
 add_custom_target(manual ALL DEPENDS ${manual})

@@ -2,9 +2,11 @@
 // section's anchor behind it. All sections can be had from the list of topics.
 #include "platform/win32.h"
 
+#include <algorithm>
 #include <memory>
 
 #include "companions/help/help_topic.h"
+#include "companions/help/picture.h"
 #include "platform/dialog.h"
 #include "platform/heap.h"
 #include "platform/layout.h"
@@ -21,6 +23,7 @@ constexpr wchar_t kContents[] = L"Contents";
 constexpr std::size_t kPathUnits = 260;
 constexpr std::size_t kTopicUnits = 100;
 constexpr DWORD kMaxFileBytes = 0x1000000;
+constexpr int kPictureGap = 6;  // pixels
 
 // On a screen that is too small for the template.
 constexpr tolvenar::ControlPlace kPlaces[] = {
@@ -30,7 +33,7 @@ constexpr tolvenar::ControlPlace kPlaces[] = {
 };
 constexpr tolvenar::Layout kSmallScreens[] = {tolvenar::LayoutOf(133, 104, kPlaces)};
 
-// A file of the manual in memory; its text is ASCII.
+// A file of the manual in memory.
 class ManualFile {
 public:
     // False when there is no such file in \Windows or no memory.
@@ -45,7 +48,8 @@ public:
             ::CreateFileW(path, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
         return file && ReadFrom(file.get());
     }
-    help::Text text() const { return {text_.get(), size_}; }
+    const unsigned char* bytes() const { return bytes_.get(); }
+    std::size_t size() const { return size_; }
 
 private:
     bool ReadFrom(HANDLE file) {
@@ -53,21 +57,40 @@ private:
         if (size > kMaxFileBytes) {  // a failure too
             return false;
         }
-        text_.reset(new char16_t[size + 1]);
-        if (!text_) {
-            return false;
-        }
-        // The bytes fill the second half and are widened from the front.
-        auto* bytes = reinterpret_cast<unsigned char*>(text_.get()) + size;
+        bytes_.reset(new unsigned char[size]);
         DWORD done = 0;
-        ::ReadFile(file, bytes, size, &done, nullptr);
-        for (size_ = 0; size_ < done; ++size_) {
-            text_[size_] = bytes[size_];
+        if (bytes_) {
+            ::ReadFile(file, bytes_.get(), size, &done, nullptr);
         }
-        return true;
+        size_ = done;
+        return bytes_ != nullptr;
     }
 
-    std::unique_ptr<char16_t[]> text_;
+    std::unique_ptr<unsigned char[]> bytes_;
+    std::size_t size_ = 0;
+};
+
+// A file of the manual whose bytes are ASCII text.
+class ManualText {
+public:
+    // False as ManualFile::Read.
+    bool Read(help::Text name) {
+        ManualFile file;
+        if (!file.Read(name)) {
+            return false;
+        }
+        units_.reset(new char16_t[file.size()]);
+        if (!units_) {
+            return false;
+        }
+        size_ = file.size();
+        std::copy(file.bytes(), file.bytes() + size_, units_.get());
+        return true;
+    }
+    help::Text text() const { return {units_.get(), size_}; }
+
+private:
+    std::unique_ptr<char16_t[]> units_;
     std::size_t size_ = 0;
 };
 
@@ -77,10 +100,11 @@ public:
     void Run(HINSTANCE instance) { RunModal(instance, IDD_HELP_VIEWER, nullptr); }
 
 private:
-    INT_PTR Dispatch(UINT message, WPARAM wparam, LPARAM) override {
+    INT_PTR Dispatch(UINT message, WPARAM wparam, LPARAM lparam) override {
         switch (message) {
             case WM_INITDIALOG: OnInit(); return FALSE;
             case WM_COMMAND: OnCommand(LOWORD(wparam), HIWORD(wparam)); return TRUE;
+            case WM_DRAWITEM: DrawPicture(*reinterpret_cast<DRAWITEMSTRUCT*>(lparam)); return TRUE;
             default: return FALSE;
         }
     }
@@ -88,6 +112,8 @@ private:
     void OnInit() {
         tolvenar::FitToWorkArea(window(), kSmallScreens);
         text_ = Control(IDC_HELP_TEXT);
+        ::GetWindowRect(text_, &text_room_);
+        ::MapWindowPoints(nullptr, window(), reinterpret_cast<POINT*>(&text_room_), 2);
         topics_ = Control(IDC_HELP_TOPIC);
         contents_.Read(tolvenar::Utf16(kContentsFile));
         FillTopics();
@@ -139,7 +165,8 @@ private:
         const int item = TopicOf(address);
         ::SendMessageW(topics_, CB_SETCURSEL, static_cast<WPARAM>(item), 0);
         const help::Address topic = help::ParseAddress(AddressOf(item));
-        ManualFile file;
+        ManualText file;
+        ShowPicture({});
         if (!file.Read(topic.file)) {
             ::SetWindowTextW(text_, L"This topic is not on the device.");
             return;
@@ -152,6 +179,48 @@ private:
             help::PlainText(plain.get(), units).Write(html);
             ::SetWindowTextW(text_, tolvenar::Wide(plain.get()));
         }
+        ManualFile picture;
+        if (picture.Read(help::PictureOf(html))) {
+            ShowPicture(help::DecodePicture(picture.bytes(), picture.size()));
+        }
+    }
+
+    // The picture stands beside the text, which gives way to it; where it would have more room than
+    // the text there is none.
+    void ShowPicture(help::Picture picture) {
+        const RECT& room = text_room_;
+        const int width = room.right - room.left;
+        picture_ = picture.width <= width / 2 + kPictureGap ? std::move(picture) : help::Picture{};
+        const bool is_there = picture_.pixels != nullptr;
+        const HWND place = Control(IDC_HELP_PICTURE);
+        const int gap = is_there ? kPictureGap : 0;
+        ::MoveWindow(text_, room.left, room.top, width - picture_.width - gap,
+                     room.bottom - room.top, TRUE);
+        ::MoveWindow(place, room.right - picture_.width, room.top, picture_.width, picture_.height,
+                     TRUE);
+        ::ShowWindow(place, is_there ? SW_SHOW : SW_HIDE);
+        ::InvalidateRect(place, nullptr, TRUE);
+    }
+
+    void DrawPicture(const DRAWITEMSTRUCT& item) const {
+        BITMAPINFO info{};
+        info.bmiHeader.biSize = sizeof info.bmiHeader;
+        info.bmiHeader.biWidth = picture_.width;
+        info.bmiHeader.biHeight = picture_.height;
+        info.bmiHeader.biPlanes = 1;
+        info.bmiHeader.biBitCount = 32;
+        void* bits = nullptr;
+        const tolvenar::UniqueGdiObject bitmap(
+            ::CreateDIBSection(item.hDC, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
+        const tolvenar::UniqueDc dc(::CreateCompatibleDC(item.hDC));
+        if (!bitmap || !dc || !picture_.pixels) {
+            return;
+        }
+        std::copy_n(picture_.pixels.get(), picture_.width * picture_.height,
+                    static_cast<std::uint32_t*>(bits));
+        const HGDIOBJ old_bitmap = ::SelectObject(dc.get(), bitmap.get());
+        ::BitBlt(item.hDC, 0, 0, picture_.width, picture_.height, dc.get(), 0, 0, SRCCOPY);
+        ::SelectObject(dc.get(), old_bitmap);
     }
 
     void OnCommand(int id, int notification) {
@@ -164,7 +233,9 @@ private:
     }
 
     help::Text argument_;
-    ManualFile contents_;
+    ManualText contents_;
+    help::Picture picture_;
+    RECT text_room_{};  // without a picture
     HWND topics_ = nullptr;
     HWND text_ = nullptr;
 };

@@ -1,6 +1,7 @@
 #include "app/pages/difference_panel.h"
 
 #include "difftree/window/opened_differences.h"
+#include "difftree/window/tree_view.h"
 #include "platform/text.h"
 
 namespace tolvenar {
@@ -38,6 +39,11 @@ bool DifferencePanel::Build(Engine& engine, bool advanced_view, const wchar_t* c
 bool DifferencePanel::TakesCharacter(const MSG& message) {
     return message.hwnd == tree_.tree_view() &&
            search_.OnCharacter(message.hwnd, static_cast<wchar_t>(message.wParam), message.time);
+}
+
+const NodeRecord* DifferencePanel::SelectedNode() const {
+    return tree_.tree_view() != nullptr ? NodeOf(tree_.tree_view(), SelectedItem(tree_.tree_view()))
+                                        : nullptr;
 }
 
 void DifferencePanel::OnLayout(bool is_shown) {

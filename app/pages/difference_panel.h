@@ -24,6 +24,8 @@ public:
     void Clear() { tree_.Clear(); }
     // A character that was typed in the tree looks for an item. False for another window's.
     bool TakesCharacter(const MSG& message);
+    // The node of the selected item; null when none is.
+    const NodeRecord* SelectedNode() const;
     void Focus() { ::SetFocus(tree_.tree_view()); }
     void FindNext() { search_.FindNext(tree_.tree_view()); }
     // Follows the place holder, which was moved, shown or hidden.

@@ -62,11 +62,11 @@ int FailedPanel::ShowAdvice() {
     const ResourceText advice(app_.instance,
                               can_try_again ? IDS_FAILED_TRY_AGAIN : IDS_FAILED_BEGIN_ANEW);
     ::SetDlgItemTextW(page_, IDC_FAILED_ADVICE, advice.text());
-    OnNodeSelected(nullptr);
+    ShowReason(nullptr);
     return can_try_again ? IDC_APPLY_CHANGES : IDC_FAILED_OK;
 }
 
-void FailedPanel::OnNodeSelected(const NodeRecord* node) {
+void FailedPanel::ShowReason(const NodeRecord* node) const {
     ::SetDlgItemTextW(page_, IDC_FAILED_REASON, ResourceText(app_.instance, TextOf(node)).text());
 }
 

@@ -7,7 +7,7 @@
 
 namespace tolvenar {
 
-class FailedPanel final : public TreeListener {
+class FailedPanel {
 public:
     explicit FailedPanel(const Application& app) : app_(app) {}
 
@@ -15,7 +15,8 @@ public:
     // While the application's lists are free, for what they hold now. Answers the button that leads
     // on.
     int ShowAdvice();
-    void OnNodeSelected(const NodeRecord* node) override;
+    // For the selected item; null for none.
+    void ShowReason(const NodeRecord* node) const;
 
 private:
     bool CanTryAgain() const;

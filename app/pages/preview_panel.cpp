@@ -1,6 +1,7 @@
 #include "app/pages/preview_panel.h"
 
-#include "platform/resource_text.h"
+#include "app/operations/messages.h"
+#include "app/operations/requests.h"
 #include "res/resource.h"
 
 namespace tolvenar {
@@ -33,6 +34,23 @@ bool ChangesNothing(const SavedCounts& counts) {
 }
 
 }  // namespace
+
+void PreviewPanel::Request(std::int32_t state_number) {
+    OperationRequest request;
+    request.kind = OperationKind::kPreview;
+    request.button = IDC_PREVIEW;
+    request.state_number = state_number;
+    if (!PostRequest(app_, request)) {
+        ShowNotStarted(app_.main_dialog);
+    }
+}
+
+bool PreviewPanel::BuildTree(DifferencePanel& tree) {
+    wchar_t caption[kCaptionUnits];
+    PutCaption(caption);
+    return tree.Build(app_.preview.engine(), app_.settings.AdvancedTreeView != 0, caption, false,
+                      kShowAll);
+}
 
 void PreviewPanel::PutCaption(wchar_t (&text)[kCaptionUnits]) const {
     ::wsprintfW(text, ResourceText(app_.instance, IDS_PREVIEW_CAPTION).text(),

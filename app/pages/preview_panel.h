@@ -1,7 +1,8 @@
 // What the restore page says while it shows what a restore would change.
 #pragma once
 
-#include "app/operations/application.h"
+#include "app/pages/difference_panel.h"
+#include "platform/resource_text.h"
 
 namespace tolvenar {
 
@@ -10,6 +11,8 @@ public:
     explicit PreviewPanel(Application& app) : app_(app) {}
 
     void Attach(HWND page) { page_ = page; }
+    // Asks the operation thread for the preview of a state; kNoState when none is selected.
+    void Request(std::int32_t state_number);
     // The application's preview is made: fills the lines that tell what would change and what it
     // takes.
     void Show();
@@ -20,11 +23,14 @@ public:
         return static_cast<std::uint32_t>(state_number) == app_.preview.state_number();
     }
 
-    // Above the tree and at its root.
-    static constexpr int kCaptionUnits = 200;
-    void PutCaption(wchar_t (&text)[kCaptionUnits]) const;
+    // False when the tree shows less than would change.
+    bool BuildTree(DifferencePanel& tree);
 
 private:
+    static constexpr int kCaptionUnits = kResourceTextUnits + 16;
+
+    // Above the tree and at its root.
+    void PutCaption(wchar_t (&text)[kCaptionUnits]) const;
     void ShowCounts() const;
     void ShowNeeds() const;
 

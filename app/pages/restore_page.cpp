@@ -4,7 +4,6 @@
 #include "app/operations/messages.h"
 #include "app/operations/window_messages.h"
 #include "app/pages/page_layouts.h"
-#include "app/pages/tree_filter_dialog.h"
 #include "platform/resource_text.h"
 #include "platform/text.h"
 #include "snapshot/engine/difference_engine.h"
@@ -25,7 +24,9 @@ void RestorePage::OnInit() {
     states_.Attach(Control(IDC_STATES));
     failed_.Attach(window());
     preview_.Attach(window());
-    tree_.Create(app_.instance, Control(IDC_TREE_PLACE), failed_);
+    notice_.Attach(Control(IDC_RESTORE_NOTICE));
+    contents_.Attach(window());
+    tree_.Create(app_.instance, Control(IDC_TREE_PLACE), *this);
     ShowComparison();
     if (app_.gate.ListsAreFree()) {
         FillStates(false);
@@ -108,6 +109,18 @@ void RestorePage::OnLayout() {
         window(), IDC_FULL,
         ResourceText(app_.instance, frame_.IsFull() ? IDS_FULL_BACK : IDS_FULL).text());
     tree_.OnLayout(CurrentForm() != Form::kRestore);
+    ShowContents(tree_.SelectedNode());
+}
+
+void RestorePage::OnNodeSelected(const NodeRecord* node) {
+    failed_.ShowReason(node);
+    ShowContents(node);
+}
+
+void RestorePage::ShowContents(const NodeRecord* node) {
+    if (app_.gate.ListsAreFree()) {
+        contents_.Show(tree_is_preview_ ? app_.preview.engine() : app_.engine, node);
+    }
 }
 
 // Another storage: nothing that was found out about the old one holds.
@@ -115,7 +128,7 @@ void RestorePage::OnStorageChanged() {
     if (window() == nullptr) {
         return;
     }
-    notice_ = 0;
+    notice_.Keep(0);
     DropPreview();
     FillStates(false);
     ForgetMissingDifferences();
@@ -126,7 +139,7 @@ void RestorePage::FillStates(bool keep_selected) {
     const bool had_none = selected == kNoState && states_.Count() > 0;
     states_.Fill(app_.storage.journal.get());
     if (keep_selected && had_none) {
-        ShowNotice();
+        notice_.Show(SelectedState());
         return;
     }
     const int kept = keep_selected ? states_.Find(selected) : -1;
@@ -142,7 +155,7 @@ void RestorePage::OnSelectionChanged() {
         DropPreview();
     }
     ShowStateDetails(states_.SelectedRecord());
-    ShowNotice();
+    notice_.Show(SelectedState());
     ShowComparison();
 }
 
@@ -177,15 +190,8 @@ void RestorePage::RequestRestore(int button) {
 }
 
 void RestorePage::RequestPreview() {
-    if (Refuses(Wish::kPreviewRestore)) {
-        return;
-    }
-    OperationRequest request;
-    request.kind = OperationKind::kPreview;
-    request.button = IDC_PREVIEW;
-    request.state_number = SelectedState();
-    if (!PostRequest(app_, request)) {
-        ShowNotStarted(app_.main_dialog);
+    if (!Refuses(Wish::kPreviewRestore)) {
+        preview_.Request(SelectedState());
     }
 }
 
@@ -259,98 +265,6 @@ void RestorePage::GiveUpComparison() {
                 MB_ICONWARNING);
 }
 
-// There is one tree for two lists. It is built anew when the form needs the other one, or another
-// view of its own.
-void RestorePage::FollowForm() {
-    const bool is_preview = CurrentForm() == Form::kPreview;
-    const bool shows_other_list = tree_is_preview_ != is_preview;
-    const bool has_other_view = app_.settings.AdvancedTreeViewChange != 0;
-    if ((!is_preview && tab_ != kAdvancedPage) || (!shows_other_list && !has_other_view)) {
-        return;
-    }
-    app_.settings.AdvancedTreeViewChange = 0;
-    if (is_preview || is_failed_ || comparison_.IsMade()) {
-        RebuildTree();
-    } else {
-        tree_is_preview_ = false;
-        tree_.Clear();
-    }
-}
-
-void RestorePage::RebuildTree() {
-    if (!BuildTree() && !is_failed_) {
-        GiveUpTree();
-    }
-    ShowComparison();
-}
-
-void RestorePage::GiveUpTree() {
-    if (!tree_is_preview_) {
-        GiveUpComparison();
-        return;
-    }
-    DropPreview();
-    ShowMessage(app_.main_dialog, ResourceText(app_.instance, IDS_PREVIEW_FAILED).text(),
-                MB_ICONWARNING);
-}
-
-// What a restore left over need not be the difference that the caption names.
-bool RestorePage::BuildTree() {
-    const bool advanced_view = app_.settings.AdvancedTreeView != 0;
-    ShownComparison::Text caption = L"";
-    tree_is_preview_ = CurrentForm() == Form::kPreview;
-    if (tree_is_preview_) {
-        preview_.PutCaption(caption);
-        return tree_.Build(app_.preview.engine(), advanced_view, caption, false, kShowAll);
-    }
-    if (!is_failed_) {
-        comparison_.PutCaption(caption);
-    }
-    return tree_.Build(app_.engine, advanced_view, caption, is_failed_, shown_kind_);
-}
-
-void RestorePage::ShowComparison() {
-    ShownComparison::Text text;
-    comparison_.PutCaption(text);
-    ::SetWindowTextW(Control(IDC_DIFFERENCES_CAPTION), text);
-    comparison_.PutLine(SelectedState(), text);
-    if (comparison_.IsMade()) {
-        PutShown(IDS_SHOWS_SOME, text);
-    }
-    ::SetWindowTextW(Control(IDC_DIFFERENCES_HINT), text);
-    ::wcscpy(text, ResourceText(app_.instance, IDS_FAILED_ITEMS).text());
-    PutShown(IDS_SHOWS_SOME_FAILED, text);
-    ::SetWindowTextW(Control(IDC_FAILED_LABEL), text);
-}
-
-// Says in the place of `text` how much of the list can be seen, if it is not all.
-void RestorePage::PutShown(UINT format, ShownComparison::Text& text) const {
-    if (shown_kind_ != kShowAll) {
-        const TreeCounts& counts = tree_.counts();
-        ::wsprintfW(text, ResourceText(app_.instance, format).text(), counts.shown, counts.all);
-    }
-}
-
-bool RestorePage::CanChooseShown() const {
-    return (is_failed_ || comparison_.IsMade()) && !app_.gate.IsOccupied();
-}
-
-// The list stays as it is: the buttons act on all of it.
-void RestorePage::ChooseShown() {
-    if (!CanChooseShown()) {
-        return;
-    }
-    TreeFilterDialog dialog;
-    const std::optional<std::uint32_t> chosen =
-        dialog.Ask(app_.instance, app_.main_dialog, tree_.counts().failed != 0);
-    // Another program may have asked for an operation meanwhile.
-    if (!chosen || !CanChooseShown()) {
-        return;
-    }
-    shown_kind_ = *chosen;
-    RebuildTree();
-}
-
 // False when the states could not be compared.
 bool RestorePage::Compare(const ObjectRecord& state, const ObjectRecord* older) {
     DropDifferences();
@@ -369,26 +283,9 @@ void RestorePage::DropDifferences() {
     app_.storage.registry_objects.RegObjectClear();
 }
 
-// What the last operation came to: what no box told, or what a backup saved; else what the button
-// acts on.
-void RestorePage::ShowNotice() {
-    wchar_t text[kResourceTextUnits] = L"";
-    const SavedCounts& saved = app_.storage.saved;
-    const std::int32_t selected = SelectedState();
-    if (notice_ != 0) {
-        ::wcsncpy(text, ResourceText(app_.instance, notice_).text(), kResourceTextUnits - 1);
-    } else if (selected != kNoState && static_cast<std::uint32_t>(selected) != saved.state_number) {
-        ::wsprintfW(text, ResourceText(app_.instance, IDS_RESTORE_EFFECT).text(), selected);
-    } else if (saved.state_number != 0) {
-        ::wsprintfW(text, ResourceText(app_.instance, IDS_SAVED).text(), saved.state_number,
-                    saved.added, saved.changed, saved.deleted);
-    }
-    ::SetWindowTextW(Control(IDC_RESTORE_NOTICE), text);
-}
-
 void RestorePage::OnRestoreEnded(bool items_left, UINT notice) {
-    notice_ = notice;
-    ShowNotice();
+    notice_.Keep(notice);
+    notice_.Show(SelectedState());
     is_failed_ = items_left;
     shown_kind_ = kShowAll;
     if (items_left) {

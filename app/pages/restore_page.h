@@ -2,17 +2,19 @@
 // it changed.
 #pragma once
 
+#include "app/pages/contents_pane.h"
 #include "app/pages/difference_panel.h"
 #include "app/pages/failed_panel.h"
 #include "app/pages/page.h"
 #include "app/pages/preview_panel.h"
+#include "app/pages/restore_notice.h"
 #include "app/pages/shown_comparison.h"
 #include "app/pages/state_list.h"
 #include "res/resource.h"
 
 namespace tolvenar {
 
-class RestorePage final : public Page {
+class RestorePage final : public Page, private TreeListener {
 public:
     // What the page shows; kFailed after a restore that left items over, on either tab, until the
     // user has seen it; kPreview in the place of kRestore, until it is closed or does not hold any
@@ -23,6 +25,8 @@ public:
         : Page(app, frame, IDD_RESTORE_PAGE),
           failed_(app),
           preview_(app),
+          notice_(app),
+          contents_(app.instance),
           comparison_(app.instance) {}
 
     int DefaultButton() const override;
@@ -37,6 +41,7 @@ private:
     void OnInit() override;
     bool OnCommand(int id, int notification) override;
     INT_PTR OnMessage(UINT message, WPARAM wparam, LPARAM lparam) override;
+    void OnNodeSelected(const NodeRecord* node) override;
     bool OnListNotification(int notification);
     INT_PTR OnDestroy();
 
@@ -52,6 +57,7 @@ private:
     bool BuildTree();
     void FollowForm();
     void GiveUpTree();
+    void ShowContents(const NodeRecord* node);
     void RequestPreview();
     bool OnPreviewEnded(bool is_made);
     void DropPreview();
@@ -64,7 +70,6 @@ private:
     void ChooseShown();
     void DropDifferences();
     void OnRestoreEnded(bool items_left, UINT notice);
-    void ShowNotice();
     void ShowFailed();
     void LeaveFailed();
     void ForgetMissingDifferences();
@@ -73,10 +78,11 @@ private:
     DifferencePanel tree_;
     FailedPanel failed_;
     PreviewPanel preview_;
+    RestoreNotice notice_;
+    ContentsPane contents_;
     ShownComparison comparison_;
     int tab_ = kRestorePage;
     int shown_item_ = -1;                  // the item whose details are shown
-    UINT notice_ = 0;                      // a text about the last operation; 0 is none
     std::uint32_t shown_kind_ = kShowAll;  // of the items that the tree shows
     bool is_failed_ = false;
     bool tree_is_preview_ = false;  // it shows the preview; else what the buttons act on

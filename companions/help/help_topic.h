@@ -13,6 +13,7 @@ using Text = std::u16string_view;
 constexpr Text kTopicMark = u"<!-- PegHelp -->";
 constexpr Text kAnchor = u"<a name=\"";
 constexpr Text kLink = u"<a href=\"";
+constexpr Text kPicture = u"<img src=\"";
 constexpr char16_t kBullet = u'\x2022';
 
 struct Address {
@@ -62,6 +63,12 @@ inline bool NextLink(Text html, std::size_t& at, Link& link) {
     link.text = Until(html, text, u"</a>");
     at = text + link.text.size();
     return !link.address.empty() && !link.text.empty();
+}
+
+// The file of the topic's picture; empty when it has none.
+inline Text PictureOf(Text html) {
+    const std::size_t found = html.find(kPicture);
+    return found == Text::npos ? Text() : Until(html, found + kPicture.size(), u"\"");
 }
 
 // A topic as lines of plain text in a buffer of fixed size; what does not fit is cut.

@@ -10,40 +10,26 @@ namespace {
 // A longer pause begins a new search.
 constexpr DWORD kPauseMs = 2000;
 
-HTREEITEM Relative(HWND tree_view, UINT relation, HTREEITEM item) {
-    return reinterpret_cast<HTREEITEM>(
-        ::SendMessageW(tree_view, TVM_GETNEXTITEM, relation, reinterpret_cast<LPARAM>(item)));
-}
-
 // The next item from top to bottom, whether its branch is open or not; behind the last the first.
 HTREEITEM NextItem(HWND tree_view, HTREEITEM item) {
-    if (const HTREEITEM child = Relative(tree_view, TVGN_CHILD, item)) {
+    if (const HTREEITEM child = RelatedItem(tree_view, TVGN_CHILD, item)) {
         return child;
     }
     while (item != nullptr) {
-        if (const HTREEITEM sibling = Relative(tree_view, TVGN_NEXT, item)) {
+        if (const HTREEITEM sibling = RelatedItem(tree_view, TVGN_NEXT, item)) {
             return sibling;
         }
-        item = Relative(tree_view, TVGN_PARENT, item);
+        item = RelatedItem(tree_view, TVGN_PARENT, item);
     }
-    return Relative(tree_view, TVGN_ROOT, nullptr);
-}
-
-const NodeRecord* NodeOf(HWND tree_view, HTREEITEM item) {
-    TVITEMW asked{};
-    asked.mask = TVIF_PARAM;
-    asked.hItem = item;
-    const bool is_known =
-        ::SendMessageW(tree_view, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&asked)) != 0;
-    return is_known ? reinterpret_cast<const NodeRecord*>(asked.lParam) : nullptr;
+    return RelatedItem(tree_view, TVGN_ROOT, nullptr);
 }
 
 }  // namespace
 
 void TreeSearch::Find(HWND tree_view, bool with_selected) const {
-    const HTREEITEM selected = Relative(tree_view, TVGN_CARET, nullptr);
+    const HTREEITEM selected = SelectedItem(tree_view);
     const HTREEITEM start =
-        selected != nullptr ? selected : Relative(tree_view, TVGN_ROOT, nullptr);
+        selected != nullptr ? selected : RelatedItem(tree_view, TVGN_ROOT, nullptr);
     if (start == nullptr || length_ == 0) {
         return;
     }

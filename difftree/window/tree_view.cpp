@@ -4,6 +4,20 @@
 
 namespace tolvenar {
 
+HTREEITEM RelatedItem(HWND tree_view, UINT relation, HTREEITEM item) {
+    return reinterpret_cast<HTREEITEM>(
+        ::SendMessageW(tree_view, TVM_GETNEXTITEM, relation, reinterpret_cast<LPARAM>(item)));
+}
+
+const NodeRecord* NodeOf(HWND tree_view, HTREEITEM item) {
+    TVITEMW asked{};
+    asked.mask = TVIF_PARAM;
+    asked.hItem = item;
+    const bool is_known =
+        ::SendMessageW(tree_view, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&asked)) != 0;
+    return is_known ? reinterpret_cast<const NodeRecord*>(asked.lParam) : nullptr;
+}
+
 void TreeView::DeleteAllItems() {
     ::SendMessageW(tree_view_, TVM_DELETEITEM, 0, reinterpret_cast<LPARAM>(TVI_ROOT));
 }

@@ -22,4 +22,12 @@ private:
     HWND tree_view_;
 };
 
+// The item that has a relation (TVGN_*) to `item`; null for none.
+HTREEITEM RelatedItem(HWND tree_view, UINT relation, HTREEITEM item);
+inline HTREEITEM SelectedItem(HWND tree_view) {
+    return RelatedItem(tree_view, TVGN_CARET, nullptr);
+}
+// The record behind an item; null for no item.
+const NodeRecord* NodeOf(HWND tree_view, HTREEITEM item);
+
 }  // namespace tolvenar

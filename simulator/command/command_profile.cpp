@@ -42,7 +42,10 @@ Json RunInstall(Device& device, const Words& words) {
         const std::string bytes = ReadHostFile(words[0] + "/" + name);
         files::Put(device, std::wstring(kFolder) + L"\\" + Wide(name), bytes);
     }
-    for (const char* name : {kAgent, "peghelp.exe", "tolvenar.htc", "tolvenar_all.htp"}) {
+    for (const char* name :
+         {kAgent, "peghelp.exe", "tolvenar.htc", "tolvenar_all.htp", "tolvenar_backup.2bp",
+          "tolvenar_options.2bp", "tolvenar_restore.2bp", "tolvenar_storage_file.2bp",
+          "tolvenar_tree_failed.2bp", "tolvenar_tree_simple.2bp"}) {
         files::Put(device, L"\\Windows\\" + Wide(name), ReadHostFile(words[0] + "/" + name));
     }
     const std::wstring card = Wide(device.Setting("card.name", "Storage Card"));

@@ -26,6 +26,7 @@ constexpr EffectRow kEffectRows[] = {
     {Call::CreateThread, Gauge::kHandles, 1},
     {Call::CreateCompatibleBitmap, Gauge::kGdiObjects, 1},
     {Call::CreateCompatibleDC, Gauge::kGdiObjects, 1},
+    {Call::CreateDIBSection, Gauge::kGdiObjects, 1},
     {Call::CreateFontIndirectW, Gauge::kGdiObjects, 1},
     {Call::CreatePen, Gauge::kGdiObjects, 1},
     {Call::CreateSolidBrush, Gauge::kGdiObjects, 1},

@@ -11,6 +11,7 @@ protected:
     void SetUp() override {
         PageFitTest::SetUp();
         BackUpThenChange();
+        device().PutFile(L"\\My Documents\\fresh.doc", "new words");
         BackUp();
         Open();
         ShowTree();
@@ -30,6 +31,24 @@ protected:
     bool HasTheScreen(const Window& place) const {
         const SIZE screen = ScreenSize();
         return place.width == screen.cx && place.height == screen.cy;
+    }
+    bool TreeHasFocus() {
+        return Find([](const Window& window) {
+                   return window.class_name == "SysTreeView32" && window.focused;
+               })
+            .has_value();
+    }
+    void FocusTree() {
+        constexpr int kMostControls = 12;
+        for (int i = 0; i < kMostControls && !TreeHasFocus(); ++i) {
+            Keys("tab");
+            EXPECT_TRUE(DialogIsDone());
+        }
+        EXPECT_TRUE(TreeHasFocus());
+    }
+    static bool EndsWith(const std::string& text, const std::string& end) {
+        return text.size() >= end.size() &&
+               text.compare(text.size() - end.size(), end.size(), end) == 0;
     }
     int TreeHeight() {
         return AwaitWindow([](const Window& window) {
@@ -67,6 +86,28 @@ TEST_P(FullSizeTest, AltEnterDoesTheSameOnEveryPage) {
         Keys("alt+enter");
         EXPECT_SOON(IsAt(place));
     }
+}
+
+// Before and after, read from the storage; the same of what is to be restored.
+TEST_P(FullSizeTest, TheSelectedItemStandsBesideTheTreeAsItWasAndAsItIs) {
+    Tap(IDC_FULL);
+    EXPECT_SOON(Sees(IDC_OLD_CONTENTS));
+    EXPECT_SOON_EQ("Select an item of the tree.", Text(IDC_OLD_CONTENTS));
+    ASSERT_TRUE(MainDialogBecomesActive());
+    FocusTree();
+    Keys("a period t x t");
+    EXPECT_SOON(EndsWith(Text(IDC_OLD_CONTENTS), "\r\n\r\nhello"));
+    EXPECT_SOON(EndsWith(Text(IDC_NEW_CONTENTS), "\r\n\r\nchanged"));
+    EXPECT_EQ(0u, Text(IDC_OLD_CONTENTS).find("5 bytes\r\n"));
+    Keys("esc home f r e s h");
+    EXPECT_SOON_EQ("It is not there.", Text(IDC_OLD_CONTENTS));
+    EXPECT_SOON(EndsWith(Text(IDC_NEW_CONTENTS), "\r\n\r\nnew words"));
+    Tap(IDC_FULL);
+    EXPECT_SOON(!Sees(IDC_OLD_CONTENTS));
+    FocusTree();
+    Keys("home");
+    Tap(IDC_FULL);
+    EXPECT_SOON_EQ("Select an item of the tree.", Text(IDC_NEW_CONTENTS));
 }
 
 // What has the focus may be hidden at the other size.

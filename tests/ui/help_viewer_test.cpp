@@ -58,6 +58,29 @@ TEST_F(HelpViewerTest, AnyTopicCanBeChosen) {
     EXPECT_SOON_EQ("Tolvenar Help", Heading());
 }
 
+TEST_F(HelpViewerTest, ASectionsPictureStandsBesideItsText) {
+    View("tolvenar.htc");
+    EXPECT_SOON_EQ("Tolvenar Help", Heading());
+    const int whole_width = AnyControl(IDC_HELP_TEXT).width;
+    EXPECT_FALSE(AnyControl(IDC_HELP_PICTURE).visible);
+    Select(IDC_HELP_TOPIC, "Options");
+    EXPECT_SOON(AnyControl(IDC_HELP_PICTURE).visible);
+    const Window text = AnyControl(IDC_HELP_TEXT);
+    const Window picture = AnyControl(IDC_HELP_PICTURE);
+    EXPECT_LE(text.left + text.width, picture.left);
+    EXPECT_LE(picture.left + picture.width, text.left + whole_width);
+    Select(IDC_HELP_TOPIC, "Keys");
+    EXPECT_SOON(!AnyControl(IDC_HELP_PICTURE).visible);
+    EXPECT_EQ(whole_width, AnyControl(IDC_HELP_TEXT).width);
+}
+
+TEST_F(HelpViewerTest, AMissingPictureLeavesTheText) {
+    device().Remove(L"\\Windows\\tolvenar_options.2bp");
+    View("tolvenar_all.htp#tolvenar_options_content");
+    EXPECT_SOON_EQ("Options", Heading());
+    EXPECT_FALSE(AnyControl(IDC_HELP_PICTURE).visible);
+}
+
 TEST_F(HelpViewerTest, AnUnknownSectionShowsTheContents) {
     View("tolvenar_all.htp#no_such_section");
     EXPECT_SOON_EQ("Tolvenar Help", Heading());

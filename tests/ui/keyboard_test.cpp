@@ -66,7 +66,8 @@ TEST_F(KeyboardTest, TabGoesThroughEachPageAsItIsReadAndTheTabs) {
         Numbers order;
     } kPages[] = {
         {"Backup", {IDC_NEW_DESCRIPTION, IDC_BACKUP, IDC_PAGE_HELP, IDC_TABS}},
-        {"Restore", {IDC_STATES, IDC_STATE_DESCRIPTION, IDC_RESTORE, IDC_PAGE_HELP, IDC_TABS}},
+        {"Restore",
+         {IDC_STATES, IDC_STATE_DESCRIPTION, IDC_PREVIEW, IDC_RESTORE, IDC_PAGE_HELP, IDC_TABS}},
         {"Advanced Restore",
          {IDC_STATES, IDC_STATE_DESCRIPTION, kTree, IDC_APPLY_CHANGES, IDC_TAKE_BACK_CHANGES,
           IDC_SHOW, IDC_PAGE_HELP, IDC_TABS}},

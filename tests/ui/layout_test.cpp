@@ -69,6 +69,20 @@ TEST_P(LayoutTest, TheFailedPanelFits) {
     ExpectPageFits();
 }
 
+// With the longest lines that a device with 10 MB to come back has.
+TEST_P(LayoutTest, WhatWouldChangeFits) {
+    device().PutFile(kNote, std::string(10485760, 'x'));
+    EXPECT_EQ(0, BackUp());
+    device().Remove(kNote);
+    OpenOn("Restore");
+    device().Set("memory.free", "8388608");
+    device().Set("store.free", "1048576");
+    Press(IDC_PREVIEW);
+    EXPECT_SOON(Sees(IDC_PREVIEW_CLOSE));
+    EXPECT_TRUE(BecomesIdle());
+    ExpectPageFits();
+}
+
 INSTANTIATE_TEST_SUITE_P(Screens, LayoutTest, ::testing::ValuesIn(kScreens));
 
 }  // namespace

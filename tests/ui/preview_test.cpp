@@ -92,7 +92,7 @@ TEST_F(PreviewTest, WhatARestoreWritesBackStandsAsAddedAndWhatItDeletesAsDeleted
     for (const char* item : {"a.txt (\xC2\xB1)", "gone.txt (+)", "new.txt (-)"}) {
         EXPECT_TRUE(TreeHas(item)) << item << ::testing::PrintToString(tree);
     }
-    EXPECT_EQ("A restore adds 1, changes 1 and deletes 1 items.", Text(IDC_PREVIEW_COUNTS));
+    EXPECT_EQ("Restore adds 1, changes 1, deletes 1.", Text(IDC_PREVIEW_COUNTS));
     EXPECT_EQ("Needs 1 KB on the device, less than a minute.", Text(IDC_PREVIEW_NEEDS));
     for (const int id : {IDC_APPLY_CHANGES, IDC_TAKE_BACK_CHANGES, IDC_SHOW, IDC_RESTORE}) {
         EXPECT_FALSE(Sees(id)) << id;
@@ -134,6 +134,17 @@ TEST_F(PreviewTest, TheKeyboardAloneLeadsThereAndBack) {
     EXPECT_TRUE(BecomesIdle());
     Keys("enter");
     ExpectRestoreForm();
+}
+
+TEST_F(PreviewTest, TabGoesThroughTreeAndButtons) {
+    OpenPreview();
+    ASSERT_TRUE(MainDialogBecomesActive());
+    ASSERT_SOON(TreeHasFocus());
+    for (const int id : {IDC_PREVIEW_CLOSE, IDC_PAGE_HELP, IDC_TABS}) {
+        ExpectFocus("tab", id);
+    }
+    Keys("tab");
+    EXPECT_SOON(TreeHasFocus());
 }
 
 TEST_F(PreviewTest, TheComparedStatesStayWhatTheButtonsActOn) {
@@ -283,7 +294,7 @@ TEST_F(PreviewTest, WhatTheDeviceLacksIsTold) {
     device().Set("memory.free", "8388608");
     device().Set("store.free", "1048576");
     Preview();
-    const std::string needs = "Needs 10.0 MB on the device, 1.0 MB more than is free; about ";
+    const std::string needs = "Needs 10.0 MB, 1.0 MB more than is free; about ";
     EXPECT_EQ(needs, Text(IDC_PREVIEW_NEEDS).substr(0, needs.size()));
 }
 

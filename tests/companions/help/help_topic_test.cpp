@@ -70,6 +70,14 @@ TEST(HelpTopicTest, WhatDoesNotFitIsCut) {
     EXPECT_EQ(u"abc", std::u16string(buffer));
 }
 
+TEST(HelpTopicTest, ATopicMayHaveAPictureWhichIsNoText) {
+    const Text html = u"<h1>a</h1><img src=\"tolvenar_a.2bp\" alt=\"x\"><p>b</p>";
+    EXPECT_EQ(u"tolvenar_a.2bp", PictureOf(html));
+    EXPECT_EQ(u"a\r\n\r\nb", Plain(html));
+    EXPECT_EQ(u"", PictureOf(u"<h1>a</h1>"));
+    EXPECT_EQ(u"", PictureOf(u"<img src=\"cut"));
+}
+
 TEST(HelpTopicTest, TheHeadIsNoText) {
     EXPECT_EQ(u"text", BodyOf(u"<head><title>x</title></head><body>text"));
     EXPECT_EQ(u"text", BodyOf(u"text"));

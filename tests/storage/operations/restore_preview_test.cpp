@@ -18,6 +18,7 @@ protected:
     void SetUp() override {
         RestoreEngineTest::SetUp();
         device().PutFile(L"\\a.txt", "first");
+        device().Touch(L"\\a.txt", kSomeTime);
         device().PutFile(L"\\gone.txt", "first");
         SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Word(1));
         MakeDatabase(L"People");
@@ -142,18 +143,15 @@ TEST_F(RestorePreviewTest, TheProgramsOwnValuesAreNotInIt) {
 
 // A reset gave the file another id.
 TEST_F(RestorePreviewTest, WhatIsThereUnderAnotherIdIsNotInItAndTheJournalKeepsItsIds) {
-    constexpr std::uint64_t kTime = 0x01C2'8000'1234'5600;
-    device().Touch(L"\\a.txt", kTime);
-    ASSERT_EQ(Done(), Backup(2));
     const CEOID stored = OidOfPath(L"\\a.txt");
     device().Remove(L"\\a.txt");
     device().Set("oid.next", "5000");
     device().PutFile(L"\\a.txt", "first");
-    device().Touch(L"\\a.txt", kTime);
+    device().Touch(L"\\a.txt", kSomeTime);
     ASSERT_NE(stored, OidOfPath(L"\\a.txt"));
-    ASSERT_TRUE(Preview(2));
+    ASSERT_TRUE(Preview());
     ExpectCounts(0, 0, 0);
-    EXPECT_NE(nullptr, JournalRecord(2, stored, kFile));
+    EXPECT_NE(nullptr, JournalRecord(1, stored, kFile));
 }
 
 TEST_F(RestorePreviewTest, WhatARestoreLeavesAloneIsCountedApart) {
@@ -172,6 +170,19 @@ TEST_F(RestorePreviewTest, WhatARestoreLeavesAloneIsCountedApart) {
     EXPECT_EQ(0u, Figures().counts.added);
     EXPECT_TRUE(Files().empty());
     EXPECT_EQ("", Bytes(LogLines().empty() ? "" : LogLines().back()));
+}
+
+TEST_F(RestorePreviewTest, WhatIsDamagedInTheStorageIsLeftAloneToo) {
+    device().PutFile(L"\\b.txt", "damaged later");
+    ASSERT_EQ(Done(), Backup(2));
+    device().Remove(L"\\b.txt");
+    Bytes sav = Content(kSav);
+    sav[sav.find("damaged later")] = 'D';
+    Put(kSav, sav);
+    ASSERT_TRUE(Preview(2));
+    EXPECT_TRUE(Figures().is_damaged);
+    EXPECT_EQ(1u, Figures().left_alone);
+    ExpectCounts(0, 0, 0);
 }
 
 TEST_F(RestorePreviewTest, TheRoomIsThatOfWhatIsWrittenBack) {
