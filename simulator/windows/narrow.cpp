@@ -50,10 +50,9 @@ int TextHeight(HWND text, int width) {
     ::GetWindowTextW(text, buffer, 1024);
     RECT lines{0, 0, width, 0};
     HDC dc = ::GetDC(text);
-    HGDIOBJ before = ::SelectObject(dc, reinterpret_cast<HGDIOBJ>(
-                                            ::SendMessageW(text, WM_GETFONT, 0, 0)));
-    ::DrawTextW(dc, buffer, -1, &lines,
-                DT_CALCRECT | DT_WORDBREAK | DT_EXPANDTABS | DT_NOPREFIX);
+    HGDIOBJ before =
+        ::SelectObject(dc, reinterpret_cast<HGDIOBJ>(::SendMessageW(text, WM_GETFONT, 0, 0)));
+    ::DrawTextW(dc, buffer, -1, &lines, DT_CALCRECT | DT_WORDBREAK | DT_EXPANDTABS | DT_NOPREFIX);
     ::SelectObject(dc, before);
     ::ReleaseDC(text, dc);
     return HeightOf(lines);

@@ -59,9 +59,7 @@ protected:
             EXPECT_GE(height, window.top + window.height) << what;
         }
     }
-    windows::Window Control(int id) {
-        return windows::Find(sim(), id).value_or(windows::Window{});
-    }
+    windows::Window Control(int id) { return windows::Find(sim(), id).value_or(windows::Window{}); }
 
     std::optional<Program> program_;
 };
