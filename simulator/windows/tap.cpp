@@ -52,6 +52,12 @@ Place PlaceOfItem(HWND control, const std::string& item) {
                                            : PlaceInList(control, index);
 }
 
+// The host divides what it takes for the screen into 65536 parts; rounded up, the pixel comes back.
+LONG Normalized(LONG pixel, int pixels) {
+    constexpr LONG kParts = 65536;
+    return (pixel * kParts + pixels - 1) / pixels;
+}
+
 }  // namespace
 
 std::optional<POINT> SpotOf(HWND control, const std::string& item) {
@@ -69,16 +75,17 @@ std::optional<POINT> SpotOf(HWND control, const std::string& item) {
     return middle;
 }
 
+// A tap is one input: while windows come up the host moves its pointer by itself, and a move
+// between pressing and releasing takes a button's press back.
 void TapScreen(POINT spot, int times) {
-    INPUT down{};
-    down.type = INPUT_MOUSE;
-    down.mi.dwFlags = MOUSEEVENTF_LEFTDOWN;
-    INPUT up = down;
-    up.mi.dwFlags = MOUSEEVENTF_LEFTUP;
-    ::SetCursorPos(spot.x, spot.y);
+    INPUT tap{};
+    tap.type = INPUT_MOUSE;
+    tap.mi.dx = Normalized(spot.x, ::GetSystemMetrics(SM_CXSCREEN));
+    tap.mi.dy = Normalized(spot.y, ::GetSystemMetrics(SM_CYSCREEN));
+    tap.mi.dwFlags =
+        MOUSEEVENTF_ABSOLUTE | MOUSEEVENTF_MOVE | MOUSEEVENTF_LEFTDOWN | MOUSEEVENTF_LEFTUP;
     for (int i = 0; i < times; ++i) {
-        ::SendInput(1, &down, sizeof down);
-        ::SendInput(1, &up, sizeof up);
+        ::SendInput(1, &tap, sizeof tap);
     }
 }
 
