@@ -75,6 +75,13 @@ std::optional<POINT> SpotOf(HWND control, const std::string& item) {
     return middle;
 }
 
+void RaiseIfActive(HWND control) {
+    HWND top = ::GetAncestor(control, GA_ROOT);
+    if (top == ::GetForegroundWindow()) {
+        ::SetWindowPos(top, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    }
+}
+
 // A tap is one input: while windows come up the host moves its pointer by itself, and a move
 // between pressing and releasing takes a button's press back.
 void TapScreen(POINT spot, int times) {
