@@ -14,6 +14,9 @@ RECORD_BYTES, NUMBER_AT, TYPE_AT, STATE_TYPE = 32, 20, 24, 32
 # A storage that lies on the device itself is no part of what a backup of it holds.
 OWN_ENDINGS = (".sav", ".jrn", ".jrn_1", "tolvenar_log.txt")
 PATIENCE_S = 90
+# What is done to a copy, so that the restore has something to bring back.
+DAMAGE = (("rm", "\\My Documents"), ("mkdir", "\\Not wanted"),
+          ("reg-set", "HKLM\\Software\\Not wanted", "Run", "REG_SZ", "yes"))
 NOTHING_TO_RESTORE = "There is nothing to Restore."
 
 
@@ -65,6 +68,8 @@ class Restorer:
         (work / "until").write_bytes(until(journal, number))
         screen = Screen(self.cedev, copy, self.pictures)
         screen.ask("put", work / "until", STORAGE + ".jrn")
+        for words in DAMAGE:
+            screen.ask(*words)
         box = run(screen, "AutoRestore: Last State")
         dump = screen.ask("dump")
         screen.end()
