@@ -38,8 +38,8 @@ bool StoryTest::IsReady(int id) {
     const std::vector<Window> windows = Windows();
     return std::any_of(windows.begin(), windows.end(), [&](const Window& window) {
         const bool is_it = window.id == id && window.parent != 0;
-        const Window* top = is_it && window.visible && window.enabled ? TopOf(windows, window)
-                                                                       : nullptr;
+        const Window* top =
+            is_it && window.visible && window.enabled ? TopOf(windows, window) : nullptr;
         return top != nullptr && top->enabled && top->active;
     });
 }
