@@ -8,6 +8,13 @@ endforeach()
 
 add_test(NAME check_includes_seeds COMMAND ${CMAKE_SOURCE_DIR}/tests/scripts/check_includes_test.py)
 
+# The program used at random, each seed on a device of its own.
+foreach(seed 1 2 3)
+  add_test(NAME random_use.${seed} COMMAND ${CMAKE_SOURCE_DIR}/scripts/own_display
+    ${CMAKE_SOURCE_DIR}/tools/random_use ${CMAKE_SOURCE_DIR}/scripts/cedev $<TARGET_FILE_DIR:Tolvenar> ${seed} 30)
+  set_tests_properties(random_use.${seed} PROPERTIES TIMEOUT 900)
+endforeach()
+
 # What tests share: a fresh device for each case, host-side helpers.
 file(GLOB support_sources CONFIGURE_DEPENDS tests/support/*.cpp)
 add_library(test_support STATIC ${support_sources})

@@ -54,7 +54,7 @@ const CommandRows& Commands() {
         {"set", 2, 2, RunSet, "NAME VALUE"},
         {"show", 0, 0, RunShow, ""},
 
-        {"window", 1, kManyWords, RunWindow, "list|text|press|key|select|tree|close|stub ..."},
+        {"window", 1, kManyWords, RunWindow, "list|text|press|tap|key|select|tree|close|stub ..."},
         {"screenshot", 1, 1, RunScreenshot, "FILE"},
     };
     return rows;

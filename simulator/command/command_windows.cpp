@@ -27,6 +27,19 @@ Json WindowPress(Device& device, const Words& words) {
                        "no button " + words[0] + " that can be pressed");
 }
 
+// WHERE is a control's id, or a pixel as "X,Y".
+Json Tap(Device& device, const Words& words, int times) {
+    const std::size_t comma = words[0].find(',');
+    if (comma != std::string::npos) {
+        windows::TapAt(device, static_cast<int>(Number(words[0].substr(0, comma))),
+                       static_cast<int>(Number(words[0].substr(comma + 1))), times);
+        return DoneOrThrow(true, "");
+    }
+    const std::string item = words.size() > 1 ? words[1] : "";
+    return DoneOrThrow(windows::Tap(device, ControlId(words), item, times),
+                       "nothing to tap at " + words[0] + " " + item);
+}
+
 Json WindowKey(Device& device, const Words& words) {
     std::string keys;
     for (const std::string& word : words) {
@@ -38,11 +51,6 @@ Json WindowKey(Device& device, const Words& words) {
 Json WindowSelect(Device& device, const Words& words) {
     return DoneOrThrow(windows::Select(device, ControlId(words), words[1]),
                        "no item " + words[1] + " in control " + words[0]);
-}
-
-Json WindowTap(Device& device, const Words& words) {
-    windows::Tap(device, static_cast<int>(Number(words[0])), static_cast<int>(Number(words[1])));
-    return Done();
 }
 
 Json WindowStub(Device& device, const Words& words) {
@@ -62,11 +70,15 @@ const CommandRows& WindowVerbs() {
          ""},
         {"text", 1, 2, WindowText, "ID [NEW-TEXT]"},
         {"press", 1, 1, WindowPress, "ID"},
+        {"tap", 1, 2, [](Device& device, const Words& words) { return Tap(device, words, 1); },
+         "ID [ITEM] | X,Y"},
+        {"double-tap", 1, 2,
+         [](Device& device, const Words& words) { return Tap(device, words, 2); },
+         "ID [ITEM] | X,Y"},
         {"key", 1, kManyWords, WindowKey, "KEYS"},
         {"select", 2, 2, WindowSelect, "ID ITEM"},
         {"tree", 0, 0, [](Device& device, const Words&) { return Json(windows::Tree(device)); },
          ""},
-        {"tap", 2, 2, WindowTap, "X Y"},
         {"close", 0, 0,
          [](Device& device, const Words&) {
              return DoneOrThrow(windows::Close(device), "no window is active");

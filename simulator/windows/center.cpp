@@ -1,10 +1,12 @@
 #include "simulator/windows/center.h"
 
+#include <algorithm>
 #include <cwchar>
 #include <windows.h>
 
 #include "simulator/windows/desktop.h"
 #include "simulator/windows/dialog_template.h"
+#include "simulator/windows/narrow.h"
 
 namespace sim::windows {
 namespace {
@@ -19,12 +21,14 @@ bool IsBox(HWND window) {
     return std::wcscmp(name, kHostDialogClass) == 0;
 }
 
-// A box is activated when it has its size and place, before it is seen.
-LRESULT CALLBACK OnActivation(int code, WPARAM wparam, LPARAM lparam) {
-    const auto window = reinterpret_cast<HWND>(wparam);
-    if (code == HCBT_ACTIVATE && is_awaited && IsBox(window)) {
+// A box has its size and its buttons when its WM_INITDIALOG is answered, and is not seen before.
+LRESULT CALLBACK OnAnswered(int code, WPARAM wparam, LPARAM lparam) {
+    const auto& answered = *reinterpret_cast<const CWPRETSTRUCT*>(lparam);
+    if (code == HC_ACTION && answered.message == WM_INITDIALOG && is_awaited &&
+        IsBox(answered.hwnd)) {
         is_awaited = false;
-        CenterOnScreen(window);
+        NarrowBox(answered.hwnd);
+        CenterOnScreen(answered.hwnd);
     }
     return ::CallNextHookEx(nullptr, code, wparam, lparam);
 }
@@ -39,13 +43,13 @@ void CenterOnScreen(void* window) {
     RECT place{};
     ::GetWindowRect(static_cast<HWND>(window), &place);
     ::SetWindowPos(static_cast<HWND>(window), nullptr,
-                   (screen.width - (place.right - place.left)) / 2,
-                   (screen.height - (place.bottom - place.top)) / 2, 0, 0,
+                   std::max(0L, (screen.width - (place.right - place.left)) / 2),
+                   std::max(0L, (screen.height - (place.bottom - place.top)) / 2), 0, 0,
                    SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 CenteredBox::CenteredBox()
-    : hook_(::SetWindowsHookExW(WH_CBT, OnActivation, nullptr, ::GetCurrentThreadId())),
+    : hook_(::SetWindowsHookExW(WH_CALLWNDPROCRET, OnAnswered, nullptr, ::GetCurrentThreadId())),
       outer_is_awaited_(is_awaited) {
     is_awaited = true;
 }

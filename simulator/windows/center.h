@@ -4,10 +4,12 @@
 
 namespace sim::windows {
 
-// Moves a window (an HWND) to the middle of the current device's screen.
+// Moves a window (an HWND) to the middle of the current device's screen. Of one that is too large
+// the upper left corner is seen.
 void CenterOnScreen(void* window);
 
-// The host's next message box of this thread appears in the middle, as long as this lives.
+// The host's next message box of this thread appears in the middle, narrow enough for
+// the screen, as long as this lives.
 class CenteredBox {
 public:
     CenteredBox();

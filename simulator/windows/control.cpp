@@ -14,7 +14,7 @@
 #include "simulator/windows/inspect_tree.h"
 #include "simulator/windows/keys.h"
 #include "simulator/windows/on_desktop.h"
-#include "simulator/windows/stylus.h"
+#include "simulator/windows/tap.h"
 
 namespace sim::windows {
 namespace {
@@ -43,6 +43,10 @@ json Answer(const json& request) {
     }
     if (verb == "tree") {
         return TreeItems(window);
+    }
+    if (verb == "spot") {
+        const auto spot = SpotOf(window, text);
+        return spot ? json{spot->x, spot->y} : json();
     }
     return nullptr;
 }
@@ -187,6 +191,27 @@ bool Press(const Device& device, int id) {
     return pressed;
 }
 
+bool Tap(const Device& device, int id, const std::string& item, int times) {
+    bool tapped = false;
+    OnDesktop(device, [&] {
+        const auto control = FindHere(device, id);
+        if (!control || !control->visible) {
+            return;
+        }
+        const json spot = AskOwner(DeviceName(device), ToWindow(control->handle), "spot", item);
+        tapped = spot.is_array();
+        if (tapped) {
+            RaiseIfActive(ToWindow(control->handle));
+            TapScreen({spot.at(0), spot.at(1)}, times);
+        }
+    });
+    return tapped;
+}
+
+void TapAt(const Device& device, int x, int y, int times) {
+    OnDesktop(device, [&] { TapScreen({x, y}, times); });
+}
+
 bool Select(const Device& device, int id, const std::string& item) {
     return AskControl(device, id, "select", item);
 }
@@ -213,10 +238,6 @@ bool PressKeys(const Device& device, const std::string& keys) {
     }
     OnDesktop(device, [&] { TypeKeys(*presses); });
     return true;
-}
-
-void Tap(const Device& device, int x, int y) {
-    OnDesktop(device, [x, y] { TapScreen(x, y); });
 }
 
 bool Close(const Device& device) {

@@ -65,6 +65,13 @@ bool SetText(const Device& device, int id, const std::string& text);
 // click does comes after.
 bool Press(const Device& device, int id);
 
+// Taps of the stylus on control `id`, or on an item in it (as Select names it), `times` of them at
+// once: two are a double tap. What the screen shows there is hit, whatever it is. False when there
+// is no such control on the screen, or the item is scrolled away.
+bool Tap(const Device& device, int id, const std::string& item, int times = 1);
+// The same on a pixel of the screen.
+void TapAt(const Device& device, int x, int y, int times = 1);
+
 // Selects an item by its text in a list box, combo box, list view, tab control or tree view (there
 // a path of texts joined by '|'), as a user's click does. False when there is no such item.
 bool Select(const Device& device, int id, const std::string& item);
@@ -75,9 +82,6 @@ std::vector<TreeItem> Tree(const Device& device);
 // Key presses, as on the keyboard: words such as "ctrl+tab", "alt+x", "enter", "down", "f1", "a".
 // False for a word that names no key; then nothing was pressed.
 bool PressKeys(const Device& device, const std::string& keys);
-
-// Taps the screen at this pixel with the stylus. What the tap does comes after.
-void Tap(const Device& device, int x, int y);
 
 // Closes the active window as its close button does.
 bool Close(const Device& device);

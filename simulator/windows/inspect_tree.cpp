@@ -120,7 +120,7 @@ std::vector<TreeItem> TreeItems(HWND tree) {
     return ItemsFrom(tree, Next(tree, TVGN_ROOT, nullptr), draw);
 }
 
-bool SelectTreeItem(HWND tree, const std::string& path) {
+void* FindTreeItem(HWND tree, const std::string& path) {
     HTREEITEM at = nullptr;
     for (std::size_t begin = 0; begin <= path.size();) {
         const std::size_t end = std::min(path.find('|', begin), path.size());
@@ -130,11 +130,17 @@ bool SelectTreeItem(HWND tree, const std::string& path) {
             at = Next(tree, TVGN_NEXT, at);
         }
         if (at == nullptr) {
-            return false;
+            return nullptr;
         }
         begin = end + 1;
     }
-    return Ask(tree, TVM_SELECTITEM, TVGN_CARET, reinterpret_cast<LPARAM>(at)) != 0;
+    return at;
+}
+
+bool SelectTreeItem(HWND tree, const std::string& path) {
+    void* item = FindTreeItem(tree, path);
+    return item != nullptr &&
+           Ask(tree, TVM_SELECTITEM, TVGN_CARET, reinterpret_cast<LPARAM>(item)) != 0;
 }
 
 }  // namespace sim::windows

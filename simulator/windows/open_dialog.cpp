@@ -3,6 +3,8 @@
 #include <windows.h>
 
 #include "simulator/files/files.h"
+#include "simulator/windows/center.h"
+#include "simulator/windows/narrow.h"
 #include "simulator/windows/template_builder.h"
 #include "simulator/windows/window_calls.h"
 
@@ -83,6 +85,9 @@ INT_PTR CALLBACK OpenDialog::Procedure(HWND dialog, UINT message, WPARAM wparam,
 
 void OpenDialog::OnInit(HWND dialog) {
     dialog_ = dialog;
+    NarrowDialog(dialog, {{kOpenUpButton, IDOK, IDCANCEL},
+                          {kOpenFolderText, kOpenFileList, kOpenNameEdit, kOpenFilterBox}});
+    CenterOnScreen(dialog);
     for (const FileFilter& filter : request_.filters) {
         ::SendDlgItemMessageW(dialog, kOpenFilterBox, CB_ADDSTRING, 0,
                               reinterpret_cast<LPARAM>(filter.text.c_str()));
@@ -189,13 +194,13 @@ std::wstring OpenDialog::NameText() const {
 
 bool OpenDialog::Confirms(const std::wstring& path, const wchar_t* question) const {
     const std::wstring text = path + L"\n" + question;
-    return ::MessageBoxW(dialog_, text.c_str(), request_.title.c_str(),
-                         MB_YESNO | MB_ICONQUESTION) == IDYES;
+    return ShowMessageBox(dialog_, text.c_str(), request_.title.c_str(),
+                          MB_YESNO | MB_ICONQUESTION) == IDYES;
 }
 
 void OpenDialog::Tell(const std::wstring& path, const wchar_t* text) const {
-    ::MessageBoxW(dialog_, (path + L"\n" + text).c_str(), request_.title.c_str(),
-                  MB_OK | MB_ICONWARNING);
+    ShowMessageBox(dialog_, (path + L"\n" + text).c_str(), request_.title.c_str(),
+                   MB_OK | MB_ICONWARNING);
 }
 
 void OpenDialog::Finish(const std::wstring& path) {

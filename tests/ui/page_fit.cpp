@@ -142,7 +142,7 @@ void PageFitTest::ExpectPagesFit() {
 void PageFitTest::TapAt(int x, int y) {
     const char* const in_loop = "TranslateAcceleratorW";
     const long before = Counted(in_loop);
-    sim::windows::Tap(device().sim(), x, y);
+    sim::windows::TapAt(device().sim(), x, y);
     EXPECT_SOON(Counted(in_loop) >= before + 2);
     EXPECT_TRUE(DialogIsDone());
 }
