@@ -24,6 +24,7 @@ constexpr std::size_t kPathUnits = 260;
 constexpr std::size_t kTopicUnits = 100;
 constexpr DWORD kMaxFileBytes = 0x1000000;
 constexpr int kPictureGap = 6;  // pixels
+constexpr int kMostPicturePercent = 60;
 
 // On a screen that is too small for the template.
 constexpr tolvenar::ControlPlace kPlaces[] = {
@@ -185,12 +186,13 @@ private:
         }
     }
 
-    // The picture stands beside the text, which gives way to it; where it would have more room than
-    // the text there is none.
+    // The picture stands beside the text, which gives way to it; where that would leave too little
+    // of the text there is none.
     void ShowPicture(help::Picture picture) {
         const RECT& room = text_room_;
         const int width = room.right - room.left;
-        picture_ = picture.width <= width / 2 + kPictureGap ? std::move(picture) : help::Picture{};
+        picture_ = picture.width <= width * kMostPicturePercent / 100 ? std::move(picture)
+                                                                      : help::Picture{};
         const bool is_there = picture_.pixels != nullptr;
         const HWND place = Control(IDC_HELP_PICTURE);
         const int gap = is_there ? kPictureGap : 0;

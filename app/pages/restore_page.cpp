@@ -14,6 +14,23 @@ namespace {
 
 constexpr int kTreeSteps = kStateSteps + 1;
 
+// Keys that press a button together with Alt: those of plus and minus on the keyboard and on the
+// number pad, since a sign cannot be underlined, and that of View also while the tabs have the
+// focus.
+constexpr WPARAM kPlusKey = 0xBB;
+constexpr WPARAM kMinusKey = 0xBD;
+struct ButtonKey {
+    WPARAM key;
+    int button;
+};
+constexpr ButtonKey kButtonKeys[] = {
+    {kPlusKey, IDC_APPLY_CHANGES},
+    {VK_ADD, IDC_APPLY_CHANGES},
+    {kMinusKey, IDC_TAKE_BACK_CHANGES},
+    {VK_SUBTRACT, IDC_TAKE_BACK_CHANGES},
+    {'V', IDC_SHOW},
+};
+
 bool HasDifferences(const Application& app) {
     return app.storage.difference != nullptr && app.storage.difference->CountRecords() != 0;
 }
@@ -66,8 +83,18 @@ bool RestorePage::OnEnter(HWND control) {
     return true;
 }
 
-// The tree is searched by typing in it; F3 goes on and Alt+V chooses what it shows from wherever
-// the focus is.
+// False when no button that can be seen has the key.
+bool RestorePage::PressesButton(WPARAM key) {
+    for (const ButtonKey& row : kButtonKeys) {
+        if (row.key == key && ::IsWindowVisible(Control(row.button))) {
+            return OnCommand(row.button, BN_CLICKED);
+        }
+    }
+    return false;
+}
+
+// The tree is searched by typing in it; F3 goes on and the buttons have their keys wherever the
+// focus is.
 bool RestorePage::TakesKey(const MSG& message) {
     if (CurrentForm() == Form::kRestore) {
         return false;
@@ -76,9 +103,7 @@ bool RestorePage::TakesKey(const MSG& message) {
         tree_.FindNext();
         return true;
     }
-    if (message.message == WM_SYSKEYDOWN && message.wParam == 'V' &&
-        ::IsWindowVisible(Control(IDC_SHOW))) {
-        ChooseShown();
+    if (message.message == WM_SYSKEYDOWN && PressesButton(message.wParam)) {
         return true;
     }
     return message.message == WM_CHAR && tree_.TakesCharacter(message);

@@ -50,6 +50,7 @@ private:
     void OnSelectionChanged();
     void ShowStateDetails(const ObjectRecord* state);
     std::int32_t SelectedState() const;
+    bool PressesButton(WPARAM key);
     void RequestRestore(int button);
     void RequestDifferences();
     void ShowDifferences();

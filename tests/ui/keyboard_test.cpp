@@ -70,7 +70,7 @@ TEST_F(KeyboardTest, TabGoesThroughEachPageAsItIsReadAndTheTabs) {
          {IDC_STATES, IDC_STATE_DESCRIPTION, IDC_PREVIEW, IDC_RESTORE, IDC_PAGE_HELP, IDC_TABS}},
         {"Advanced Restore",
          {IDC_STATES, IDC_STATE_DESCRIPTION, kTree, IDC_APPLY_CHANGES, IDC_TAKE_BACK_CHANGES,
-          IDC_SHOW, IDC_PAGE_HELP, IDC_TABS}},
+          IDC_SHOW, IDC_FULL, IDC_PAGE_HELP, IDC_TABS}},
         {"Storage file",
          {IDC_STORAGE_NAME, IDC_BROWSE, IDC_PAGE_HELP, IDC_STORAGE_DESCRIPTION, IDC_TABS}},
         {"Options",
@@ -107,6 +107,20 @@ TEST_F(KeyboardTest, UnderlinedLettersLeadToTheirControls) {
     RefuseReminder(kRestoreReminder);
 }
 
+TEST_F(KeyboardTest, AltWithPlusAndMinusPressesTheButtonsOfTheTree) {
+    BackUpThenChange();
+    OpenOn("Advanced Restore");
+    ShowDifferences();
+    Keys("alt+plus");
+    RefuseReminder(kRestoreReminder);
+    Keys("alt+minus");
+    RefuseReminder(kRestoreReminder);
+    ShowTab("Restore");
+    Keys("alt+minus");
+    EXPECT_TRUE(DialogIsDone());
+    EXPECT_FALSE(BoxIsUp());
+}
+
 // An edit control of several lines closes its dialog on Escape.
 TEST_F(KeyboardTest, EscapeInADescriptionLeavesThePage) {
     OpenOn("Restore");
@@ -139,7 +153,7 @@ TEST_F(KeyboardTest, EnterPressesThePagesButtonAlsoOnTheTabs) {
 TEST_F(KeyboardTest, EnterClicksTheButtonThatHasTheFocus) {
     OpenOn("Advanced Restore");
     ExpectFocus("alt+s", IDC_STATES);
-    Keys("shift+tab shift+tab shift+tab");
+    Keys("shift+tab shift+tab shift+tab shift+tab");
     ExpectFocus("shift+tab", IDC_TAKE_BACK_CHANGES);
     Keys("enter");
     RefuseReminder(kRestoreReminder);

@@ -140,7 +140,7 @@ TEST_F(PreviewTest, TabGoesThroughTreeAndButtons) {
     OpenPreview();
     ASSERT_TRUE(MainDialogBecomesActive());
     ASSERT_SOON(TreeHasFocus());
-    for (const int id : {IDC_PREVIEW_CLOSE, IDC_PAGE_HELP, IDC_TABS}) {
+    for (const int id : {IDC_PREVIEW_CLOSE, IDC_FULL, IDC_PAGE_HELP, IDC_TABS}) {
         ExpectFocus("tab", id);
     }
     Keys("tab");
