@@ -5,7 +5,7 @@
 
 namespace tolvenar {
 
-constexpr int kResourceTextUnits = 200;  // the longest one and its terminator
+constexpr int kResourceTextUnits = 256;  // the longest one and its terminator
 
 class ResourceText {
 public:
@@ -15,6 +15,8 @@ public:
             text_[0] = 0;
         }
     }
+    // The same of the running program.
+    explicit ResourceText(UINT id) : ResourceText(::GetModuleHandleW(nullptr), id) {}
 
     const wchar_t* text() const { return text_; }
 

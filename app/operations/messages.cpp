@@ -11,15 +11,16 @@
 namespace tolvenar {
 namespace {
 
-constexpr std::size_t kTextUnits = 200;
+constexpr std::size_t kTextUnits = kResourceTextUnits + 24;  // with figures
 
 constexpr wchar_t kNotStartedText[] = L"Can't start action. Try again.";
 
 struct ResultMessage {
     ResultCode result;
-    const wchar_t* text;
+    const wchar_t* text;  // null: a text of the program's own
     UINT icon;
     bool counts_as_success;
+    UINT own_text = 0;
 };
 
 constexpr ResultMessage kBackupMessages[] = {
@@ -29,7 +30,7 @@ constexpr ResultMessage kBackupMessages[] = {
     {ResultCode::kFailed, L"Backup Fail.", MB_ICONERROR, false},
     {ResultCode::kJournalUnreadable, L"Journal read Fail.", MB_ICONERROR, false},
     {ResultCode::kNotStarted, kNotStartedText, MB_ICONWARNING, false},
-    {ResultCode::kWriteProtected, L"The storage is write-protected.", MB_ICONERROR, false},
+    {ResultCode::kWriteProtected, nullptr, MB_ICONERROR, false, IDS_WRITE_PROTECTED},
 };
 
 constexpr ResultMessage kRestoreMessages[] = {
@@ -67,6 +68,11 @@ const ResultMessage* Find(const ResultMessage (&messages)[count], ResultCode res
     return nullptr;
 }
 
+void ShowResult(HWND owner, const ResultMessage& message) {
+    const ResourceText own_text(message.own_text);
+    ShowMessage(owner, message.text != nullptr ? message.text : own_text.text(), message.icon);
+}
+
 void ShowMemoryMessage(HWND owner, std::uint32_t missing_bytes) {
     wchar_t megabytes[kMegabytesUnits];
     FormatMegabytes(missing_bytes, megabytes);
@@ -84,10 +90,7 @@ unsigned Figure(std::uint64_t bytes) {
 
 void ShowSpaceMessage(const ReportContext& context) {
     if (context.storage_is_full) {
-        ShowMessage(context.owner,
-                    L"The storage file is full and takes no more states. Its states can be "
-                    L"restored as before.\nPlease choose a new storage file.",
-                    MB_ICONERROR);
+        ShowOwnMessage(context.owner, IDS_STORAGE_FULL, MB_ICONERROR);
         return;
     }
     wchar_t text[kTextUnits];
@@ -97,19 +100,9 @@ void ShowSpaceMessage(const ReportContext& context) {
     ShowMessage(context.owner, text, MB_ICONERROR);
 }
 
-void ShowDamageMessage(HWND owner) {
-    ShowMessage(owner,
-                L"Restore Fail. The storage is damaged: some items were left as they are. The log "
-                L"names them.",
-                MB_ICONWARNING);
-}
-
 void ShowRoomMessage(HWND owner, std::uint64_t missing_bytes) {
     wchar_t text[kTextUnits];
-    ::wsprintfW(text,
-                L"Restore Fail. The device lacks %u bytes for everything that is to be restored. "
-                L"Nothing was changed.",
-                Figure(missing_bytes));
+    ::wsprintfW(text, ResourceText(IDS_ROOM_LACKS).text(), Figure(missing_bytes));
     ShowMessage(owner, text, MB_ICONWARNING);
 }
 
@@ -119,13 +112,17 @@ int ShowMessage(HWND owner, const wchar_t* text, UINT style) {
     return ::MessageBoxW(owner, text, kProgramName, style | MB_SETFOREGROUND);
 }
 
+int ShowOwnMessage(HWND owner, UINT text, UINT style) {
+    return ShowMessage(owner, ResourceText(text).text(), style);
+}
+
 bool ReportBackup(ResultCode result, const ReportContext& context) {
     const ResultMessage* message = Find(kBackupMessages, result);
     const bool is_space = result == ResultCode::kNoSpace;
     const bool is_memory = result == ResultCode::kNoMemory;
     if (!context.automatic) {
         if (message != nullptr) {
-            ShowMessage(context.owner, message->text, message->icon);
+            ShowResult(context.owner, *message);
         }
         if (is_space && !context.is_first_pass) {
             ShowSpaceMessage(context);
@@ -145,7 +142,7 @@ bool ReportRestore(HWND owner, const RestoreResult& result) {
         ShowRestoreMemoryMessage(owner);
     }
     if (result.code == ResultCode::kFailed && result.is_damaged) {
-        ShowDamageMessage(owner);
+        ShowOwnMessage(owner, IDS_STORAGE_DAMAGED, MB_ICONWARNING);
         return false;
     }
     if (result.code == ResultCode::kFailed && result.missing_bytes != 0) {
@@ -156,15 +153,13 @@ bool ReportRestore(HWND owner, const RestoreResult& result) {
     if (message == nullptr) {
         return false;
     }
-    ShowMessage(owner, message->text, message->icon);
+    ShowResult(owner, *message);
     return message->counts_as_success;
 }
 
 void ReportInteractiveRestore(HWND owner, const RestoreResult& result) {
     if (result.took_older_list) {
-        ShowMessage(owner,
-                    L"The older list of states is in use now. Please choose the state to restore.",
-                    MB_ICONINFORMATION);
+        ShowOwnMessage(owner, IDS_OLDER_LIST_USED, MB_ICONINFORMATION);
         return;
     }
     const bool is_shown_in_tree = result.code == ResultCode::kFailed && !result.is_damaged;
@@ -196,13 +191,7 @@ void ShowInstallationMissing(HWND owner) {
                 MB_ICONWARNING);
 }
 
-void TellOfMissingStates() {
-    ShowMessage(nullptr,
-                L"The storage file holds data, but its list of states is empty or missing. A first "
-                L"backup that was ended looks the same.\nThe data stay in the file; new states are "
-                L"added behind them.",
-                MB_ICONWARNING);
-}
+void TellOfMissingStates() { ShowOwnMessage(nullptr, IDS_STATES_MISSING, MB_ICONWARNING); }
 
 void ShowNotStarted(HWND owner) { ShowMessage(owner, kNotStartedText, MB_ICONWARNING); }
 

@@ -14,6 +14,9 @@ namespace tolvenar {
 // `style`: icon and buttons. Returns the button.
 int ShowMessage(HWND owner, const wchar_t* text, UINT style);
 
+// The same with a text of the string table.
+int ShowOwnMessage(HWND owner, UINT text, UINT style);
+
 // What a report needs beside the result itself.
 struct ReportContext {
     HWND owner;

@@ -3,11 +3,13 @@
 #include <algorithm>
 
 #include "app/operations/messages.h"
+#include "platform/resource_text.h"
+#include "res/resource.h"
 
 namespace tolvenar {
 namespace {
 
-constexpr std::size_t kQuestionUnits = 400;
+constexpr std::size_t kQuestionUnits = kResourceTextUnits + 24;  // with figures
 
 unsigned Figure(std::uint64_t number) {
     return static_cast<unsigned>(std::min<std::uint64_t>(number, 0xFFFFFFFF));
@@ -23,30 +25,20 @@ bool RestorePrompts::Ask(const wchar_t* question) {
 
 bool RestorePrompts::MayWriteBackMissing(const DamageCount& damage) {
     wchar_t question[kQuestionUnits];
-    ::wsprintfW(
-        question,
-        L"The storage is damaged. Faults in its list of states: %u, in items to be "
-        L"restored: %u.\nNothing will be deleted or overwritten. What is whole in the storage "
-        L"and missing on the device can be written back.\nContinue?",
-        Figure(damage.in_list), Figure(damage.objects));
+    ::wsprintfW(question, ResourceText(IDS_ASK_WRITE_BACK).text(), Figure(damage.in_list),
+                Figure(damage.objects));
     return Ask(question);
 }
 
 bool RestorePrompts::MayTakeOlderList(std::uint32_t states) {
     wchar_t question[kQuestionUnits];
-    ::wsprintfW(question,
-                L"The list of states is damaged. An older list with %u states, which was kept, is "
-                L"whole.\nUse it instead? You can restore one of its states then.",
-                Figure(states));
+    ::wsprintfW(question, ResourceText(IDS_ASK_OLDER_LIST).text(), Figure(states));
     return Ask(question);
 }
 
 bool RestorePrompts::MayGoOnWithoutRoom(std::uint64_t missing_bytes) {
     wchar_t question[kQuestionUnits];
-    ::wsprintfW(question,
-                L"The device lacks %u bytes for everything that is to be restored. Some items will "
-                L"be missing afterwards.\nContinue?",
-                Figure(missing_bytes));
+    ::wsprintfW(question, ResourceText(IDS_ASK_WITHOUT_ROOM).text(), Figure(missing_bytes));
     return Ask(question);
 }
 

@@ -9,8 +9,6 @@
 namespace tolvenar {
 namespace {
 
-constexpr wchar_t kNoStorage[] = L"No storage file is open. Browse to choose or create one.";
-
 bool IsOpen(const Application& app) { return app.storageStatus == StorageStatus::kOpen; }
 
 }  // namespace
@@ -57,7 +55,7 @@ void StoragePage::ShowFolder() {
 void StoragePage::ShowWhatToDo() {
     const char16_t* sav = app_.storage.names.sav;
     wchar_t text[kStorageNameUnits + kResourceTextUnits];
-    ::wcscpy(text, kNoStorage);
+    ::wcscpy(text, ResourceText(app_.instance, IDS_NO_STORAGE).text());
     if (sav[0] != 0 && IsReallyAbsent(sav)) {
         ::wsprintfW(text, ResourceText(app_.instance, IDS_STORAGE_AWAY).text(), Wide(sav));
     }

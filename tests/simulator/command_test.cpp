@@ -164,8 +164,11 @@ TEST_F(CommandTest, SettingsAreShownWithTheirDefaults) {
 }
 
 TEST_F(CommandTest, AnInstallationPutsProgramsAndValues) {
-    for (const char* name : {"Tolvenar.exe", "kestrin_tolvenar_agent.exe", "CloseOther.exe",
-                             "peghelp.exe", "tolvenar.htc", "tolvenar_all.htp"}) {
+    for (const char* name :
+         {"Tolvenar.exe", "kestrin_tolvenar_agent.exe", "CloseOther.exe", "peghelp.exe",
+          "tolvenar.htc", "tolvenar_all.htp", "tolvenar_backup.2bp", "tolvenar_options.2bp",
+          "tolvenar_restore.2bp", "tolvenar_storage_file.2bp", "tolvenar_tree_failed.2bp",
+          "tolvenar_tree_simple.2bp"}) {
         HostFile(name, name);
     }
     Run("install \"" + host_ + "\"");
@@ -176,6 +179,8 @@ TEST_F(CommandTest, AnInstallationPutsProgramsAndValues) {
     EXPECT_EQ("peghelp.exe", device().FileBytes(L"\\Windows\\peghelp.exe"));
     EXPECT_EQ("tolvenar.htc", device().FileBytes(L"\\Windows\\tolvenar.htc"));
     EXPECT_EQ("tolvenar_all.htp", device().FileBytes(L"\\Windows\\tolvenar_all.htp"));
+    EXPECT_EQ("tolvenar_tree_simple.2bp",
+              device().FileBytes(L"\\Windows\\tolvenar_tree_simple.2bp"));
     std::vector<std::string> names;
     const Json dump = Run("dump");
     for (const Json& key : dump["registry"]) {
