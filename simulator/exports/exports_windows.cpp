@@ -79,6 +79,12 @@ BOOL WINAPI EnumWindows(WNDENUMPROC callback, LPARAM param) {
     });
 }
 
+BOOL WINAPI SystemParametersInfoW(UINT action, UINT number, PVOID value, UINT how) {
+    return Gated(
+        Call::SystemParametersInfoW, FALSE,
+        [&]() -> BOOL { return host::SystemParameter(action, number, value, how); }, action);
+}
+
 int WINAPI GetSystemMetrics(int index) {
     return Gated(
         Call::GetSystemMetrics, 0, [&] { return host::SystemMetric(index); }, index);

@@ -147,4 +147,13 @@ int SystemMetric(int index) {
     return ::GetSystemMetrics(index);
 }
 
+bool SystemParameter(unsigned action, unsigned number, void* value, unsigned how) {
+    if (action != SPI_GETWORKAREA || value == nullptr || !Device::HasCurrent()) {
+        return ::SystemParametersInfoW(action, number, value, how) != FALSE;
+    }
+    const ScreenSize size = ScreenSizeOf(Device::Current());
+    *static_cast<RECT*>(value) = {0, 0, size.width, size.height};
+    return true;
+}
+
 }  // namespace sim::windows

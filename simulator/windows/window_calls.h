@@ -44,5 +44,7 @@ bool EnumerateWindows(const void* callback, long param);
 
 // GetSystemMetrics with the device's screen size.
 int SystemMetric(int index);
+// SystemParametersInfoW with the device's work area, which is its whole screen.
+bool SystemParameter(unsigned action, unsigned number, void* value, unsigned how);
 
 }  // namespace sim::windows

@@ -174,6 +174,12 @@ int Stay() {
     return 0;
 }
 
+int WorkArea() {
+    RECT area{};
+    ::SystemParametersInfoW(SPI_GETWORKAREA, 0, &area, 0);
+    return area.left != 0 || area.top != 0 ? 0 : area.right * 1000 + area.bottom;
+}
+
 int ScreenSize() {
     return ::GetSystemMetrics(SM_CXSCREEN) * 1000 + ::GetSystemMetrics(SM_CYSCREEN);
 }
@@ -212,6 +218,9 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPWSTR arguments, int) {
     }
     if (StartsWith(arguments, L"mutex ")) {
         return MakeMutex(arguments + 6);
+    }
+    if (::wcscmp(arguments, L"work area") == 0) {
+        return WorkArea();
     }
     if (::wcscmp(arguments, L"screen") == 0) {
         return ScreenSize();

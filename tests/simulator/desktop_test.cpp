@@ -37,6 +37,7 @@ TEST_F(DesktopTest, TheScreenIs640By480UnlessTheDeviceSaysOtherwise) {
     EXPECT_EQ(640480u, RunProbe(sim(), L"screen"));
     sim().SetSetting("screen.size", "640x240");
     EXPECT_EQ(640240u, RunProbe(sim(), L"screen"));
+    EXPECT_EQ(640240u, RunProbe(sim(), L"work area"));
     sim().SetSetting("screen.size", "big");
     EXPECT_EQ(640480u, RunProbe(sim(), L"screen"));
 }
