@@ -75,8 +75,7 @@ ResultCode FindPreview(Application& app, std::int32_t state_number) {
 // Of what was found the page tells.
 void ReportPreview(Application& app, ResultCode result) {
     if (result == ResultCode::kNoDifferenceList) {
-        ShowMessage(app.main_dialog, ResourceText(app.instance, IDS_PREVIEW_FAILED).text(),
-                    MB_ICONWARNING);
+        ShowOwnMessage(app.main_dialog, IDS_PREVIEW_FAILED, MB_ICONWARNING);
     } else if (result != ResultCode::kSuccess) {
         ReportInteractiveRestore(app.main_dialog, {result});
     }

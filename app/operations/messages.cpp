@@ -11,8 +11,6 @@
 namespace tolvenar {
 namespace {
 
-constexpr std::size_t kTextUnits = kResourceTextUnits + 24;  // with figures
-
 constexpr wchar_t kNotStartedText[] = L"Can't start action. Try again.";
 
 struct ResultMessage {
@@ -76,7 +74,7 @@ void ShowResult(HWND owner, const ResultMessage& message) {
 void ShowMemoryMessage(HWND owner, std::uint32_t missing_bytes) {
     wchar_t megabytes[kMegabytesUnits];
     FormatMegabytes(missing_bytes, megabytes);
-    wchar_t text[kTextUnits];
+    wchar_t text[kMessageUnits];
     ::wsprintfW(text,
                 L"Not enough memory to start operation. You need to free at least the %s Mb of the "
                 L"device memory.",
@@ -84,29 +82,29 @@ void ShowMemoryMessage(HWND owner, std::uint32_t missing_bytes) {
     ShowMessage(owner, text, MB_ICONERROR);
 }
 
-unsigned Figure(std::uint64_t bytes) {
-    return static_cast<unsigned>(std::min<std::uint64_t>(bytes, 0xFFFFFFFF));
-}
-
 void ShowSpaceMessage(const ReportContext& context) {
     if (context.storage_is_full) {
         ShowOwnMessage(context.owner, IDS_STORAGE_FULL, MB_ICONERROR);
         return;
     }
-    wchar_t text[kTextUnits];
+    wchar_t text[kMessageUnits];
     ::wsprintfW(text,
                 L"Not enough disk space to backup. You need to free %u bytes on the storage card.",
-                Figure(context.amount));
+                CappedNumber(context.amount));
     ShowMessage(context.owner, text, MB_ICONERROR);
 }
 
 void ShowRoomMessage(HWND owner, std::uint64_t missing_bytes) {
-    wchar_t text[kTextUnits];
-    ::wsprintfW(text, ResourceText(IDS_ROOM_LACKS).text(), Figure(missing_bytes));
+    wchar_t text[kMessageUnits];
+    ::wsprintfW(text, ResourceText(IDS_ROOM_LACKS).text(), CappedNumber(missing_bytes));
     ShowMessage(owner, text, MB_ICONWARNING);
 }
 
 }  // namespace
+
+unsigned CappedNumber(std::uint64_t number) {
+    return static_cast<unsigned>(std::min<std::uint64_t>(number, 0xFFFFFFFF));
+}
 
 int ShowMessage(HWND owner, const wchar_t* text, UINT style) {
     return ::MessageBoxW(owner, text, kProgramName, style | MB_SETFOREGROUND);

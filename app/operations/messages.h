@@ -5,11 +5,16 @@
 
 #include <cstdint>
 
+#include "platform/resource_text.h"
 #include "storage/format/storage_header.h"
 #include "storage/format/storage_names.h"
 #include "storage/operations/restore_result.h"
 
 namespace tolvenar {
+
+constexpr std::size_t kMessageUnits = kResourceTextUnits + 24;  // a text with its figures
+// A number as "%u" takes it; one that is too large becomes the largest.
+unsigned CappedNumber(std::uint64_t number);
 
 // `style`: icon and buttons. Returns the button.
 int ShowMessage(HWND owner, const wchar_t* text, UINT style);

@@ -3,7 +3,6 @@
 #include <memory>
 #include <new>
 
-#include "difftree/window/object_details.h"
 #include "platform/resource_text.h"
 #include "platform/text.h"
 #include "res/resource.h"
@@ -28,21 +27,19 @@ bool Holds(const ObjectList* list, const ObjectRecord* record) {
 
 }  // namespace
 
-void ContentsPane::ShowVersion(int control, Engine& engine, const NodeRecord* node,
-                               const ObjectRecord* version) const {
-    const bool is_object = node != nullptr && (node->before != nullptr || node->after != nullptr);
-    if (!is_object || !Holds(engine.storage.difference.get(), version)) {
-        const UINT text = is_object ? IDS_DETAILS_ABSENT : IDS_DETAILS_SELECT;
-        ::SetDlgItemTextW(page_, control, ResourceText(instance_, text).text());
-        return;
-    }
+void ContentsPane::ShowText(int control, UINT text) const {
+    ::SetDlgItemTextW(page_, control, ResourceText(instance_, text).text());
+}
+
+void ContentsPane::ShowVersion(int control, ObjectDetails& details,
+                               const ObjectRecord& version) const {
     const std::unique_ptr<char16_t[]> buffer(new (std::nothrow) char16_t[kContentsUnits]);
     if (buffer == nullptr) {
         return;
     }
     TextBuilder text(buffer.get(), kContentsUnits);
     text.Clear();
-    ObjectDetails(instance_, engine).Append(*version, text);
+    details.Append(version, text);
     ::SetDlgItemTextW(page_, control, Wide(text.text()));
 }
 
@@ -50,8 +47,23 @@ void ContentsPane::Show(Engine& engine, const NodeRecord* node) const {
     if (!::IsWindowVisible(::GetDlgItem(page_, IDC_OLD_CONTENTS))) {
         return;
     }
-    ShowVersion(IDC_OLD_CONTENTS, engine, node, node != nullptr ? node->before : nullptr);
-    ShowVersion(IDC_NEW_CONTENTS, engine, node, node != nullptr ? node->after : nullptr);
+    if (node == nullptr || (node->before == nullptr && node->after == nullptr)) {
+        ShowText(IDC_OLD_CONTENTS, IDS_DETAILS_SELECT);
+        ShowText(IDC_NEW_CONTENTS, IDS_DETAILS_SELECT);
+        return;
+    }
+    ObjectDetails details(instance_, engine);
+    const struct {
+        int control;
+        const ObjectRecord* version;
+    } sides[] = {{IDC_OLD_CONTENTS, node->before}, {IDC_NEW_CONTENTS, node->after}};
+    for (const auto& side : sides) {
+        if (Holds(engine.storage.difference.get(), side.version)) {
+            ShowVersion(side.control, details, *side.version);
+        } else {
+            ShowText(side.control, IDS_DETAILS_ABSENT);
+        }
+    }
 }
 
 }  // namespace tolvenar

@@ -2,6 +2,7 @@
 // the room.
 #pragma once
 
+#include "difftree/window/object_details.h"
 #include "difftree/window/tree_window.h"
 #include "storage/opened/engine.h"
 
@@ -17,8 +18,8 @@ public:
     void Show(Engine& engine, const NodeRecord* node) const;
 
 private:
-    void ShowVersion(int control, Engine& engine, const NodeRecord* node,
-                     const ObjectRecord* version) const;
+    void ShowText(int control, UINT text) const;
+    void ShowVersion(int control, ObjectDetails& details, const ObjectRecord& version) const;
 
     const HINSTANCE& instance_;
     HWND page_ = nullptr;

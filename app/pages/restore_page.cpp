@@ -286,8 +286,7 @@ void RestorePage::ShowDifferences() {
 void RestorePage::GiveUpComparison() {
     DropDifferences();
     ForgetMissingDifferences();
-    ShowMessage(app_.main_dialog, ResourceText(app_.instance, IDS_COMPARE_FAILED).text(),
-                MB_ICONWARNING);
+    ShowOwnMessage(app_.main_dialog, IDS_COMPARE_FAILED, MB_ICONWARNING);
 }
 
 // False when the states could not be compared.

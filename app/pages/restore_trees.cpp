@@ -38,8 +38,7 @@ void RestorePage::GiveUpTree() {
         return;
     }
     DropPreview();
-    ShowMessage(app_.main_dialog, ResourceText(app_.instance, IDS_PREVIEW_FAILED).text(),
-                MB_ICONWARNING);
+    ShowOwnMessage(app_.main_dialog, IDS_PREVIEW_FAILED, MB_ICONWARNING);
 }
 
 // What a restore left over need not be the difference that the caption names.

@@ -119,6 +119,13 @@ std::optional<Window> UiTest::Top(const std::string& caption) {
     });
 }
 
+bool UiTest::TreeHasFocus() {
+    return Find([](const Window& window) {
+               return window.class_name == "SysTreeView32" && window.focused;
+           })
+        .has_value();
+}
+
 bool UiTest::IsActive(const std::string& caption) {
     const auto window = Top(caption);
     return window && window->active;

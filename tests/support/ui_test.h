@@ -84,6 +84,7 @@ protected:
     std::optional<Window> Top(const std::string& caption);
     bool Shows(const std::string& caption) { return Top(caption).has_value(); }
     bool IsActive(const std::string& caption);
+    bool TreeHasFocus();
     bool IsEnabled(const std::string& caption);
     bool IsDisabled(const std::string& caption);
     // Control `id` that the user sees.

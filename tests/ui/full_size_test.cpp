@@ -32,12 +32,6 @@ protected:
         const SIZE screen = ScreenSize();
         return place.width == screen.cx && place.height == screen.cy;
     }
-    bool TreeHasFocus() {
-        return Find([](const Window& window) {
-                   return window.class_name == "SysTreeView32" && window.focused;
-               })
-            .has_value();
-    }
     void FocusTree() {
         constexpr int kMostControls = 12;
         for (int i = 0; i < kMostControls && !TreeHasFocus(); ++i) {

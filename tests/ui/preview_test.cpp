@@ -41,12 +41,6 @@ protected:
         EXPECT_SOON(Sees(IDC_RESTORE) && Sees(IDC_PREVIEW) && !Sees(IDC_PREVIEW_CLOSE));
         EXPECT_TRUE(BecomesIdle());
     }
-    bool TreeHasFocus() {
-        return Find([](const Window& window) {
-                   return window.class_name == "SysTreeView32" && window.focused;
-               })
-            .has_value();
-    }
     // All items in the order of the tree, as far as they are of files or the root.
     Texts Tree() {
         Texts texts;

@@ -17,12 +17,6 @@ protected:
         OpenOn("Advanced Restore");
         ::SendMessageW(PageOf(IDC_STATES), WM_COMMAND, MAKEWPARAM(IDC_STATES, LBN_DBLCLK), 0);
     }
-    bool TreeHasFocus() {
-        return Find([](const Window& window) {
-                   return window.class_name == "SysTreeView32" && window.focused;
-               })
-            .has_value();
-    }
     void FocusTree() {
         ASSERT_TRUE(MainDialogBecomesActive());
         ExpectFocus("alt+s", IDC_STATES);
