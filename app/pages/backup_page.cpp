@@ -17,6 +17,7 @@ namespace {
 
 constexpr WPARAM kDescriptionLimit = kStateDescriptionUnits - 1;
 constexpr wchar_t kNothing[] = L"-";
+constexpr std::size_t kStateTextUnits = 32;  // "State 65535, "
 
 bool IsBlank(const wchar_t* text) {
     while (*text == L' ') {
@@ -71,28 +72,27 @@ void BackupPage::ShowStorage() {
 }
 
 void BackupPage::ShowLastState() {
-    wchar_t text[kDateTimeTextUnits + kResourceTextUnits] = L"-";
     const ObjectRecord* last = FindLastState(app_.storage.journal.get());
-    StateDetails details;
-    if (last != nullptr) {
-        ReadStateDetails(app_.storage.names, *last, details);
-        ::wsprintfW(text, details.time[0] != 0 ? L"State %i, %s" : L"State %i", last->state_number,
-                    Wide(details.time));
-        AddUnsaved(last->state_number, text);
+    if (last == nullptr) {
+        last_state_.Set(Control(IDC_LAST_STATE), kNothing, kNothing);
+        return;
     }
-    ::SetWindowTextW(Control(IDC_LAST_STATE), text);
+    StateDetails details;
+    ReadStateDetails(app_.storage.names, *last, details);
+    Line text;
+    Line shorter;
+    PutLastState(*last, details.time, text);
+    PutLastState(*last, details.plain_time, shorter);
+    last_state_.Set(Control(IDC_LAST_STATE), text, shorter);
 }
 
 // A state that lacks something must not look as one that has all.
-void BackupPage::AddUnsaved(std::uint16_t state,
-                            wchar_t (&text)[kDateTimeTextUnits + kResourceTextUnits]) {
-    const std::uint32_t unsaved = ReadUnsaved(app_.storage.names, state);
-    if (unsaved == 0) {
-        return;
-    }
-    wchar_t state_text[kDateTimeTextUnits + kResourceTextUnits];
-    ::wcscpy(state_text, text);
-    ::wsprintfW(text, ResourceText(app_.instance, IDS_UNSAVED).text(), state_text, unsaved);
+void BackupPage::PutLastState(const ObjectRecord& state, const char16_t* time, Line& text) const {
+    wchar_t name[kDateTimeTextUnits + kStateTextUnits];
+    ::wsprintfW(name, time[0] != 0 ? L"State %i, %s" : L"State %i", state.state_number, Wide(time));
+    const std::uint32_t unsaved = ReadUnsaved(app_.storage.names, state.state_number);
+    ::wsprintfW(text, unsaved != 0 ? ResourceText(app_.instance, IDS_UNSAVED).text() : L"%s", name,
+                unsaved);
 }
 
 void BackupPage::ShowLastAutomatic() {
@@ -100,14 +100,24 @@ void BackupPage::ShowLastAutomatic() {
     char16_t ended[kDateTimeTextUnits];
     if (!ReadAutomaticBackup(last) ||
         FormatFileTimeText(last.ended, ended, LOCALE_SSHORTDATE) == 0) {
-        ::SetWindowTextW(Control(IDC_LAST_AUTOMATIC),
-                         ResourceText(app_.instance, IDS_AUTOMATIC_NEVER).text());
+        const ResourceText never(app_.instance, IDS_AUTOMATIC_NEVER);
+        last_automatic_.Set(Control(IDC_LAST_AUTOMATIC), never.text(), never.text());
         return;
     }
-    wchar_t text[kDateTimeTextUnits + kResourceTextUnits];
-    ::wsprintfW(text, ResourceText(app_.instance, TextOfAutomaticBackup(last.code)).text(),
-                Wide(ended));
-    ::SetWindowTextW(Control(IDC_LAST_AUTOMATIC), text);
+    char16_t plain[kDateTimeTextUnits];
+    FormatPlainFileTime(last.ended, plain);
+    const ResourceText result(app_.instance, TextOfAutomaticBackup(last.code));
+    Line text;
+    Line shorter;
+    ::wsprintfW(text, result.text(), Wide(ended));
+    ::wsprintfW(shorter, result.text(), Wide(plain));
+    last_automatic_.Set(Control(IDC_LAST_AUTOMATIC), text, shorter);
+}
+
+// The controls have another size.
+void BackupPage::OnLayout() {
+    last_state_.Fit();
+    last_automatic_.Fit();
 }
 
 void BackupPage::ShowFreeSpace() {

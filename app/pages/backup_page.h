@@ -3,6 +3,7 @@
 
 #include "app/pages/page.h"
 #include "app/pages/page_layouts.h"
+#include "platform/fitting_text.h"
 #include "platform/resource_text.h"
 #include "res/resource.h"
 #include "storage/log/date_text.h"
@@ -15,11 +16,14 @@ public:
 
     int DefaultButton() const override { return IDC_BACKUP; }
     void OnShow(int index) override;
+    void OnLayout() override;
     void OnActivated() override { OnStorageChanged(); }
     void OnTakenOver() override;
     void OnStorageChanged() override;
 
 private:
+    using Line = wchar_t[kDateTimeTextUnits + kResourceTextUnits];
+
     LayoutSet Layouts() const override { return BackupLayouts(); }
     void OnInit() override;
     bool OnCommand(int id, int notification) override;
@@ -30,13 +34,15 @@ private:
     void ReadDescription(char16_t* buffer) const;
     void ShowStorage();
     void ShowLastState();
-    void AddUnsaved(std::uint16_t state, wchar_t (&text)[kDateTimeTextUnits + kResourceTextUnits]);
+    void PutLastState(const ObjectRecord& state, const char16_t* time, Line& text) const;
     void ShowLastAutomatic();
     void TakeKeptDescription();
     void ShowFreeSpace();
     UINT EffectText() const;
     void ShowEffect();
 
+    FittingText last_state_;
+    FittingText last_automatic_;
     bool is_on_card_ = true;  // of the open storage; without one a card is what is missing
 };
 

@@ -46,6 +46,12 @@ const NodeRecord* DifferencePanel::SelectedNode() const {
                                         : nullptr;
 }
 
+void DifferencePanel::Focus() {
+    if (::IsWindowVisible(tree_.tree_view())) {
+        ::SetFocus(tree_.tree_view());
+    }
+}
+
 void DifferencePanel::OnLayout(bool is_shown) {
     const HWND host = tree_.host();
     if (host == nullptr) {

@@ -26,7 +26,8 @@ public:
     bool TakesCharacter(const MSG& message);
     // The node of the selected item; null when none is.
     const NodeRecord* SelectedNode() const;
-    void Focus() { ::SetFocus(tree_.tree_view()); }
+    // Nothing while the page shows no tree.
+    void Focus();
     void FindNext() { search_.FindNext(tree_.tree_view()); }
     // Follows the place holder, which was moved, shown or hidden.
     void OnLayout(bool is_shown);

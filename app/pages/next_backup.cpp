@@ -4,12 +4,15 @@
 #include "autobackup/notification_scheduler.h"
 #include "autobackup/notification_table.h"
 #include "platform/resource_text.h"
+#include "platform/text.h"
 #include "res/resource.h"
+#include "storage/log/date_text.h"
 
 namespace tolvenar {
 namespace {
 
 constexpr int kPartUnits = 64;
+static_assert(2 * kPartUnits + kResourceTextUnits <= kNextBackupUnits);
 
 // A start that has passed belongs to a schedule that was not moved on.
 bool IsAhead(const SYSTEMTIME& start) {
@@ -38,26 +41,39 @@ bool ReadRegisteredStart(SYSTEMTIME& start) {
     return IsAhead(start);
 }
 
-void FormatStart(const Application& app, const SYSTEMTIME& start,
-                 wchar_t (&line)[kNextBackupUnits]) {
+void PutStart(const Application& app, const wchar_t* start, wchar_t (&line)[kNextBackupUnits]) {
+    ::wsprintfW(line, ResourceText(app.instance, IDS_NEXT_BACKUP).text(), start);
+}
+
+void FormatStart(const Application& app, const SYSTEMTIME& start, NextBackup& next) {
     wchar_t date[kPartUnits] = L"";
     wchar_t time[kPartUnits] = L"";
     ::GetDateFormatW(LOCALE_USER_DEFAULT, DATE_SHORTDATE, &start, nullptr, date, kPartUnits);
     ::GetTimeFormatW(LOCALE_USER_DEFAULT, TIME_NOSECONDS, &start, nullptr, time, kPartUnits);
-    ::wsprintfW(line, ResourceText(app.instance, IDS_NEXT_BACKUP).text(), date, time);
+    wchar_t whole[2 * kPartUnits];
+    ::wsprintfW(whole, L"%s %s", date, time);
+    PutStart(app, whole, next.line);
+    char16_t plain[kDateTimeTextUnits];
+    FormatPlainDateTime(start, plain);
+    PutStart(app, Wide(plain), next.shorter);
+}
+
+void PutText(const Application& app, UINT id, NextBackup& next) {
+    ::wcscpy(next.line, ResourceText(app.instance, id).text());
+    ::wcscpy(next.shorter, next.line);
 }
 
 }  // namespace
 
 // The battery's check is registered as a daily time, too (docs/oddities.md, 65).
-void FormatNextBackup(const Application& app, wchar_t (&line)[kNextBackupUnits]) {
+void FormatNextBackup(const Application& app, NextBackup& next) {
     SYSTEMTIME start{};
     if (app.settings.onTime == 0) {
-        ::wcscpy(line, ResourceText(app.instance, IDS_NEXT_ON_BATTERY).text());
+        PutText(app, IDS_NEXT_ON_BATTERY, next);
     } else if (ReadRegisteredStart(start)) {
-        FormatStart(app, start, line);
+        FormatStart(app, start, next);
     } else {
-        ::wcscpy(line, ResourceText(app.instance, IDS_NEXT_NONE).text());
+        PutText(app, IDS_NEXT_NONE, next);
     }
 }
 

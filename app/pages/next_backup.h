@@ -6,8 +6,12 @@
 
 namespace tolvenar {
 
-constexpr int kNextBackupUnits = 240;
+constexpr int kNextBackupUnits = 400;
+struct NextBackup {
+    wchar_t line[kNextBackupUnits];
+    wchar_t shorter[kNextBackupUnits];  // for where the line has no room
+};
 // The line for the Options page while something is automatic.
-void FormatNextBackup(const Application& app, wchar_t (&line)[kNextBackupUnits]);
+void FormatNextBackup(const Application& app, NextBackup& next);
 
 }  // namespace tolvenar

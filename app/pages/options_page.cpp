@@ -116,9 +116,9 @@ void OptionsPage::ShowNextBackup() {
     if (app_.gate.IsOccupied()) {
         return;
     }
-    wchar_t line[kNextBackupUnits];
-    FormatNextBackup(app_, line);
-    ::SetWindowTextW(Control(IDC_NEXT_BACKUP), line);
+    NextBackup next;
+    FormatNextBackup(app_, next);
+    next_backup_.Set(Control(IDC_NEXT_BACKUP), next.line, next.shorter);
 }
 
 void OptionsPage::ShowReminders() {

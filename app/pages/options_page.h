@@ -4,6 +4,7 @@
 #include "app/pages/page.h"
 #include "app/pages/page_layouts.h"
 #include "autobackup/agent_status.h"
+#include "platform/fitting_text.h"
 #include "res/resource.h"
 
 namespace tolvenar {
@@ -17,6 +18,7 @@ public:
 
     void OnShow(int index) override;
     void OnHide() override { ApplyNow(); }
+    void OnLayout() override { next_backup_.Fit(); }
     void ApplyNow() override;
 
 private:
@@ -40,6 +42,7 @@ private:
     void OnTimeChanged();
 
     AgentStatus agent_;
+    FittingText next_backup_;
 };
 
 }  // namespace tolvenar

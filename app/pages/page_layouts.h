@@ -9,7 +9,8 @@
 namespace tolvenar {
 
 LayoutSet BackupLayouts();
-LayoutSet StorageLayouts();
+// Without an open storage its place is a line that says what to do.
+LayoutSet StorageLayouts(bool is_open);
 LayoutSet OptionsLayouts();
 LayoutSet AboutLayouts();
 // The forms of the restore page. When full those with a tree show the contents of the selected

@@ -15,8 +15,8 @@ namespace {
 constexpr int kTreeSteps = kStateSteps + 1;
 
 // Keys that press a button together with Alt: those of plus and minus on the keyboard and on the
-// number pad, since a sign cannot be underlined, and that of View also while the tabs have the
-// focus.
+// number pad, since a sign cannot be underlined, one for OK, which never is, and that of View also
+// while the tabs have the focus.
 constexpr WPARAM kPlusKey = 0xBB;
 constexpr WPARAM kMinusKey = 0xBD;
 struct ButtonKey {
@@ -28,8 +28,10 @@ constexpr ButtonKey kButtonKeys[] = {
     {VK_ADD, IDC_APPLY_CHANGES},
     {kMinusKey, IDC_TAKE_BACK_CHANGES},
     {VK_SUBTRACT, IDC_TAKE_BACK_CHANGES},
+    {'K', IDC_FAILED_OK},
     {'V', IDC_SHOW},
 };
+constexpr WPARAM kTreeKey = 'D';  // of "Differences"; the tree has no caption that could show it
 
 bool HasDifferences(const Application& app) {
     return app.storage.difference != nullptr && app.storage.difference->CountRecords() != 0;
@@ -103,6 +105,10 @@ bool RestorePage::TakesKey(const MSG& message) {
         tree_.FindNext();
         return true;
     }
+    if (message.message == WM_SYSKEYDOWN && message.wParam == kTreeKey) {
+        tree_.Focus();
+        return true;
+    }
     if (message.message == WM_SYSKEYDOWN && PressesButton(message.wParam)) {
         return true;
     }
@@ -133,6 +139,7 @@ void RestorePage::OnLayout() {
     ::SetDlgItemTextW(
         window(), IDC_FULL,
         ResourceText(app_.instance, frame_.IsFull() ? IDS_FULL_BACK : IDS_FULL).text());
+    state_time_.Fit();
     tree_.OnLayout(CurrentForm() != Form::kRestore);
     ShowContents(tree_.SelectedNode());
 }
@@ -189,7 +196,7 @@ void RestorePage::ShowStateDetails(const ObjectRecord* state) {
     if (state != nullptr) {
         ReadStateDetails(app_.storage.names, *state, details);
     }
-    ::SetWindowTextW(Control(IDC_STATE_TIME), Wide(details.time));
+    state_time_.Set(Control(IDC_STATE_TIME), Wide(details.time), Wide(details.plain_time));
     ::SetWindowTextW(Control(IDC_STATE_DESCRIPTION), Wide(details.description));
 }
 

@@ -10,6 +10,7 @@
 #include "app/pages/restore_notice.h"
 #include "app/pages/shown_comparison.h"
 #include "app/pages/state_list.h"
+#include "platform/fitting_text.h"
 #include "res/resource.h"
 
 namespace tolvenar {
@@ -82,6 +83,7 @@ private:
     RestoreNotice notice_;
     ContentsPane contents_;
     ShownComparison comparison_;
+    FittingText state_time_;
     int tab_ = kRestorePage;
     int shown_item_ = -1;                  // the item whose details are shown
     std::uint32_t shown_kind_ = kShowAll;  // of the items that the tree shows

@@ -21,6 +21,24 @@ constexpr ControlPlace kOrdinary[] = {
      LongText::kEllipsis},
 };
 
+// The line that stands in the place of the folder says what to do.
+constexpr ControlPlace kWithoutStorage[] = {
+    {IDC_STORAGE_NAME_LABEL, {6, 5, 62, 9}},
+    {IDC_STORAGE_NAME, {70, 3, 152, 13}, kWidens},
+    {IDC_BROWSE, {226, 2, 50, 15}, kOnRight},
+    {IDC_PAGE_HELP, {278, 2, 15, 15}, kOnRight},
+    {IDC_STORAGE_FOLDER_LABEL, {6, 20, 62, 9}, kStays, Showing::kByPage},
+    {IDC_STORAGE_FOLDER, {6, 20, 287, 18}, kWidens, Showing::kAlways, LongText::kWraps},
+    {IDC_STORAGE_DESCRIPTION_LABEL, {6, 42, 62, 9}},
+    {IDC_STORAGE_DESCRIPTION, {70, 41, 223, 20}, kGrows},
+    {IDC_STORAGE_NOTE, {6, 64, 287, 9}, kWidensOnBottom, Showing::kAlways, LongText::kEllipsis},
+    {IDC_STORAGE_SECOND_NOTE,
+     {6, 74, 287, 9},
+     kWidensOnBottom,
+     Showing::kAlways,
+     LongText::kEllipsis},
+};
+
 constexpr ControlPlace kHigh[] = {
     {IDC_STORAGE_NAME_LABEL, {4, 0, 123, 8}},
     {IDC_STORAGE_NAME, {4, 9, 60, 14}, kWidens},
@@ -61,8 +79,16 @@ constexpr Layout kLayouts[] = {
     LayoutOf(177, 101, kLow),
 };
 
+constexpr Layout kLayoutsWithoutStorage[] = {
+    LayoutOf(299, 84, kWithoutStorage),
+    LayoutOf(131, 130, kHigh),
+    LayoutOf(177, 101, kLow),
+};
+
 }  // namespace
 
-LayoutSet StorageLayouts() { return kLayouts; }
+LayoutSet StorageLayouts(bool is_open) {
+    return is_open ? LayoutSet(kLayouts) : LayoutSet(kLayoutsWithoutStorage);
+}
 
 }  // namespace tolvenar

@@ -13,6 +13,8 @@ bool IsOpen(const Application& app) { return app.storageStatus == StorageStatus:
 
 }  // namespace
 
+LayoutSet StoragePage::Layouts() const { return StorageLayouts(IsOpen(app_)); }
+
 void StoragePage::OnShow(int) { OnStorageChanged(); }
 
 void StoragePage::OnStorageChanged() {
@@ -23,6 +25,7 @@ void StoragePage::OnStorageChanged() {
 }
 
 void StoragePage::ShowOpenedStorage() {
+    LayOut();
     ShowName();
     ShowFolder();
     ShowDescription();

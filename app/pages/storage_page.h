@@ -17,7 +17,7 @@ public:
     void OnStorageChanged() override;
 
 private:
-    LayoutSet Layouts() const override { return StorageLayouts(); }
+    LayoutSet Layouts() const override;
     bool OnCommand(int id, int notification) override;
     void ShowOpenedStorage() override;
     void ShowName();

@@ -46,4 +46,17 @@ std::size_t FormatFileTimeText(const FILETIME& time, char16_t (&buffer)[kDateTim
     return FormatDateTimeText(system_time, buffer, dateFormatItem);
 }
 
+void FormatPlainDateTime(const SYSTEMTIME& time, char16_t (&buffer)[kDateTimeTextUnits]) {
+    ::wsprintfW(Wide(buffer), L"%04u-%02u-%02u, %02u:%02u", time.wYear, time.wMonth, time.wDay,
+                time.wHour, time.wMinute);
+}
+
+void FormatPlainFileTime(const FILETIME& time, char16_t (&buffer)[kDateTimeTextUnits]) {
+    buffer[0] = 0;
+    SYSTEMTIME system_time;
+    if (::FileTimeToSystemTime(&time, &system_time)) {
+        FormatPlainDateTime(system_time, buffer);
+    }
+}
+
 }  // namespace tolvenar

@@ -18,4 +18,9 @@ std::size_t FormatDateTimeText(const SYSTEMTIME& time, char16_t (&buffer)[kDateT
 std::size_t FormatFileTimeText(const FILETIME& time, char16_t (&buffer)[kDateTimeTextUnits],
                                LCTYPE dateFormatItem);
 
+// Digits alone, such as "2026-09-30, 22:58", for places where a pattern with names has no room.
+void FormatPlainDateTime(const SYSTEMTIME& time, char16_t (&buffer)[kDateTimeTextUnits]);
+// The same for a FILETIME; an empty text when it is no date.
+void FormatPlainFileTime(const FILETIME& time, char16_t (&buffer)[kDateTimeTextUnits]);
+
 }  // namespace tolvenar

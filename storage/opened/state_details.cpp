@@ -9,11 +9,12 @@
 namespace tolvenar {
 namespace {
 
-void FormatStateTime(const StateBlock& block, char16_t (&text)[kDateTimeTextUnits]) {
+void FormatStateTime(const StateBlock& block, StateDetails& details) {
     const FILETIME stored = {block.time_low, block.time_high};
     FILETIME local{};
     if (::FileTimeToLocalFileTime(&stored, &local)) {
-        FormatFileTimeText(local, text, LOCALE_SSHORTDATE);
+        FormatFileTimeText(local, details.time, LOCALE_SSHORTDATE);
+        FormatPlainFileTime(local, details.plain_time);
     }
 }
 
@@ -29,7 +30,7 @@ bool ReadStateDetails(const StorageNames& names, const ObjectRecord& record,
     if (!file || !ReadStateBlock(storage, record, block)) {
         return false;
     }
-    FormatStateTime(block, details.time);
+    FormatStateTime(block, details);
     std::memcpy(details.description, block.description, sizeof details.description);
     return true;
 }

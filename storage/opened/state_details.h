@@ -12,6 +12,7 @@ namespace tolvenar {
 
 struct StateDetails {
     char16_t time[kDateTimeTextUnits];             // local time, short date
+    char16_t plain_time[kDateTimeTextUnits];       // the same in digits alone
     char16_t description[kStateDescriptionUnits];  // cut when a damaged block claims more
 };
 

@@ -72,6 +72,13 @@ TEST_F(FailedPanelTest, PlusHasTheFocusAndTheLineSaysWhatItDoes) {
     EXPECT_SOON(Sees(IDC_RESTORE) && !Sees(IDC_FAILED_ADVICE));
 }
 
+TEST_F(FailedPanelTest, AltWithKPressesOkWhereverTheFocusIs) {
+    FailToRestore();
+    ExpectAdvice(kTryAgain, IDC_APPLY_CHANGES);
+    Keys("alt+k");
+    EXPECT_SOON(Sees(IDC_RESTORE) && !Sees(IDC_FAILED_ADVICE));
+}
+
 TEST_F(FailedPanelTest, BranchesThatHoldSomethingAreOpen) {
     FailToRestore();
     const auto tree = sim::windows::Tree(device().sim());

@@ -136,8 +136,7 @@ TEST_P(TabTapTest, EveryTabIsReachedByTheStylus) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Screens, TabTapTest,
-                         ::testing::Values("640x480", "640x240", "800x480", "480x640", "240x320"));
+INSTANTIATE_TEST_SUITE_P(Screens, TabTapTest, ::testing::ValuesIn(kScreens));
 
 class FullTreeTest : public FullSizeTest {};
 

@@ -93,6 +93,7 @@ TEST_F(KeyboardTest, UnderlinedLettersLeadToTheirControls) {
         {"Restore", "alt+s", IDC_STATES},
         {"Storage file", "alt+d", IDC_STORAGE_DESCRIPTION},
         {"Storage file", "alt+n", IDC_STORAGE_NAME},
+        {"Options", "alt+t", IDC_TIME},
     };
     Open();
     Keys("tab");
@@ -119,6 +120,20 @@ TEST_F(KeyboardTest, AltWithPlusAndMinusPressesTheButtonsOfTheTree) {
     Keys("alt+minus");
     EXPECT_TRUE(DialogIsDone());
     EXPECT_FALSE(BoxIsUp());
+}
+
+TEST_F(KeyboardTest, AltWithDLeadsToTheTree) {
+    BackUpThenChange();
+    OpenOn("Advanced Restore");
+    ShowDifferences();
+    ExpectFocus("alt+s", IDC_STATES);
+    Keys("alt+d");
+    EXPECT_TRUE(FocusComesToTree());
+    ShowTab("Restore");
+    ExpectFocus("alt+s", IDC_STATES);
+    Keys("alt+d");
+    EXPECT_TRUE(DialogIsDone());
+    ExpectFocus("tab", IDC_STATE_DESCRIPTION);
 }
 
 // An edit control of several lines closes its dialog on Escape.

@@ -47,6 +47,14 @@ TEST_P(LayoutTest, EveryPageFitsOnABareDevice) {
     ExpectPagesFitBothWays();
 }
 
+TEST_P(LayoutTest, EveryPageFitsWhileTheStorageIsNotThere) {
+    SetText("StoragePath", "\\Storage Card\\Backups\\");
+    Open();
+    ShowTab("Storage file");
+    EXPECT_NE(std::string::npos, Text(IDC_STORAGE_FOLDER).find(" is not there. Put its card in"));
+    ExpectPagesFitBothWays();
+}
+
 TEST_P(LayoutTest, EveryPageFitsWithATree) {
     BackUpThenChange();
     BackUp();

@@ -315,7 +315,7 @@ TEST_F(OptionsPageTest, EachLineSaysWhatItsSwitchMeans) {
     OpenOptions();
     EXPECT_EQ("Shows databases, keys, files in full.", Text(IDC_ADVANCED_TREE_HINT));
     EXPECT_EQ("+ and -- restore databases, too.", Text(IDC_RESTORE_DATABASES_HINT));
-    EXPECT_EQ("Close Tolvenar to use a new time.", Text(IDC_NEW_TIME_HINT));
+    EXPECT_EQ("Close Tolvenar to use a new &time.", Text(IDC_NEW_TIME_HINT));
 }
 
 // Another program may write settings as well: the page reads them when the dialog comes forward.

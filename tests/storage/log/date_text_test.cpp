@@ -57,5 +57,16 @@ TEST_F(DateTextTest, AFileTimeThatIsNoDateIsAnEmptyText) {
     EXPECT_EQ(Text(), buffer);
 }
 
+TEST_F(DateTextTest, APlainDateHasDigitsAlone) {
+    device().Set("locale.shortdate", "dddd, MMMM dd, yyyy");
+    char16_t buffer[kDateTimeTextUnits];
+    FormatPlainDateTime(kTime, buffer);
+    EXPECT_EQ(Text(u"2026-11-16, 04:33"), buffer);
+    FormatPlainFileTime(kFileTime, buffer);
+    EXPECT_EQ(Text(u"2026-11-16, 04:33"), buffer);
+    FormatPlainFileTime({0xFFFFFFFF, 0xFFFFFFFF}, buffer);
+    EXPECT_EQ(Text(), buffer);
+}
+
 }  // namespace
 }  // namespace tolvenar
