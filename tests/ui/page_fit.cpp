@@ -88,7 +88,7 @@ SIZE PageFitTest::ScreenSize() const {
 }
 
 Window PageFitTest::MainWindowOnScreen() {
-    return AwaitWindow(
+    return AwaitTop(
         [](const Window& window) { return window.text == kMainTitle && window.visible; });
 }
 
@@ -149,9 +149,7 @@ void PageFitTest::TapAt(int x, int y) {
 
 void PageFitTest::Tap(int id) {
     EXPECT_TRUE(DialogIsDone()) << "where the control stands may change";
-    AwaitWindow([id](const Window& window) {
-        return window.parent != 0 && window.visible && window.id == id && window.enabled;
-    });
+    AwaitControl(id, [](const Window& window) { return window.visible && window.enabled; });
     EXPECT_TRUE(sim::windows::Tap(device().sim(), id, ""));
     EXPECT_TRUE(DialogIsDone());
 }
