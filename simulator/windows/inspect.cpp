@@ -217,7 +217,11 @@ std::vector<HWND> WindowsOf(HWND top) {
     return windows;
 }
 
+// A window with controls answers first: what its thread had begun is then on the screen as a whole.
 std::vector<Window> DescribeEach(const std::vector<HWND>& windows) {
+    if (windows.size() > 1) {
+        Ask(windows.front(), WM_NULL);
+    }
     const Screen screen = ReadScreen();
     std::vector<Window> out;
     for (HWND window : windows) {
