@@ -9,3 +9,7 @@ foreach(source IN LISTS benchmark_sources)
   target_link_options(${name} PRIVATE -static)
   add_dependencies(${name} sim_coredll sim_commctrl sim_commdlg)
 endforeach()
+
+# What backups and restores are held against; it runs on a device, as Tolvenar does.
+file(GLOB floor_sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/floor/*.cpp)
+add_device_program(floor ${floor_sources} ${CMAKE_SOURCE_DIR}/res/progress.rc)
