@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "benchmarks/on_new_device.h"
+#include "benchmarks/row.h"
 #include "difftree/window/opened_differences.h"
 #include "difftree/window/tree_window.h"
 #include "platform/text.h"
@@ -197,25 +198,21 @@ public:
     bool Build(const char* what, bool (*make)(OpenedStorage&, std::uint32_t), bool advanced) {
         Times times[2];
         Times plain[2];
-        LRESULT items[2];
         for (std::uint32_t twice = 0; twice < 2; ++twice) {
             if (!make(storage_, kObjects << twice)) {
                 return false;
             }
             times[twice] = TimeBuild(advanced);
-            items[twice] = items_;
             plain[twice] = TimePlainly(items_);
         }
-        std::printf(
-            "tree of %u differences, %s: %.0f ms (at most 1000), twice as many: ratio %.2f (near "
-            "2); a plain tree view of %d items %.0f ms: ratio %.2f, twice as many: %.2f\n"
-            "    deleting all items: %.0f ms, twice as many: ratio %.2f; the plain ones %.0f ms, "
-            "%.2f\n",
-            kObjects, what, times[0].build, times[1].build / times[0].build,
-            static_cast<int>(items[0]), plain[0].build, times[0].build / plain[0].build,
-            plain[1].build / plain[0].build, times[0].clear, times[1].clear / times[0].clear,
-            plain[0].clear, plain[1].clear / plain[0].clear);
-        std::fflush(stdout);
+        const std::string tree = "tree of 20,000 differences, " + std::string(what);
+        bench::Print({tree, times[0].build, "ms", "a second", 1000, 1});
+        bench::Print({tree + ": plain", times[0].build, "ms", "a plain tree view", plain[0].build});
+        bench::Print({tree + ": twice as many", times[1].build, "ms", "half", times[0].build, 2.5});
+        bench::Print(
+            {tree + ": deleting", times[0].clear, "ms", "a plain tree view", plain[0].clear});
+        bench::Print(
+            {tree + ": deleting twice as many", times[1].clear, "ms", "half", times[0].clear, 2.5});
         return built_ && times[0].build <= 1000;
     }
 
@@ -233,9 +230,7 @@ public:
         }
         const double ours = TimePages(tree, other);
         const double plain = TimePages(plain_, Next(plain_, TVGN_ROOT, nullptr));
-        std::printf(
-            "scrolling by a page and drawing it: %.2f ms, a plain tree view %.2f ms, ratio %.2f\n",
-            ours, plain, ours / plain);
+        bench::Print({"tree: a page further and drawn", ours, "ms", "a plain tree view", plain});
         return built_;
     }
 

@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "benchmarks/on_new_device.h"
+#include "benchmarks/row.h"
 #include "platform/text.h"
 #include "platform/unique_resource.h"
 #include "simulator/store/device.h"
@@ -81,8 +82,7 @@ bool Fill(OpenedStorage& storage) {
 }
 
 void Print(const char* what, double ours, double plain) {
-    std::printf("%s %u records: %.1f ms, plain 32-byte calls %.1f ms, ratio %.2f (at most 5)\n",
-                what, kRecords, ours, plain, ours / plain);
+    bench::Print({what, ours, "ms", "32-byte calls alone", plain, 5});
 }
 
 int Run() {
@@ -100,8 +100,8 @@ int Run() {
         std::puts("journal: a round failed");
         return 1;
     }
-    Print("journal load,", load, plain_read);
-    Print("journal save,", fill_and_save - fill, plain_write);
+    Print("journal of 100,000 records: load", load, plain_read);
+    Print("journal of 100,000 records: save", fill_and_save - fill, plain_write);
     return storage.journal->CountRecords() == kRecords ? 0 : 1;
 }
 

@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "benchmarks/on_new_device.h"
+#include "benchmarks/row.h"
 #include "platform/text.h"
 #include "snapshot/engine/descriptions.h"
 #include "storage/opened/journal.h"
@@ -82,11 +83,8 @@ int Run() {
         std::puts("restore: it found a difference");
         return 1;
     }
-    std::printf(
-        "restore that finds nothing, %u records: %.0f ms; its proof of the storage alone %.0f ms, "
-        "ratio %.3f (at most 0.1)\n",
-        static_cast<unsigned>(storage.journal->CountRecords()), restored - begin,
-        checked - restored, (checked - restored) / (restored - begin));
+    bench::Print({"proof of a storage of 70,000 records", checked - restored, "ms",
+                  "a restore that finds nothing", restored - begin, 0.1});
     return 0;
 }
 

@@ -2,9 +2,9 @@
 // the same run.
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
 #include <set>
 
+#include "benchmarks/row.h"
 #include "snapshot/compare/difference.h"
 #include "snapshot/records/checksum.h"
 #include "tests/support/fake_info_source.h"
@@ -30,11 +30,6 @@ double Fastest(int rounds, Work work) {
     return best;
 }
 
-void Row(const char* what, double figure, const char* unit, double ratio, const char* must) {
-    std::printf("%-58s %10.3f %-6s %8.2f   %s\n", what, figure, unit, ratio, must);
-    std::fflush(stdout);
-}
-
 // The plain checksum: one table, one byte at a time.
 std::uint16_t byte_table[256];
 
@@ -46,7 +41,7 @@ std::uint16_t ByteLoop(const std::uint8_t* bytes, std::size_t size) {
     return static_cast<std::uint16_t>(crc);
 }
 
-void BenchChecksum(std::size_t block, const char* what, const char* must) {
+void BenchChecksum(std::size_t block, const char* what, double bound) {
     for (unsigned i = 0; i < 256; ++i) {
         unsigned crc = i;
         for (int bit = 0; bit < 8; ++bit) {
@@ -72,7 +67,9 @@ void BenchChecksum(std::size_t block, const char* what, const char* must) {
     const double fast = Fastest(5, [&] {
         run([](const std::uint8_t* at, std::size_t size) { return Checksum16(at, size); });
     });
-    Row(what, 64.0 * 65536 / 1e6 / fast, "MB/s", plain / fast, must);
+    constexpr double kBytes = 64.0 * 65536;
+    bench::Print(
+        {what, 1e9 * fast / kBytes, "ns/byte", "the byte loop", 1e9 * plain / kBytes, bound});
 }
 
 struct ListTimes {
@@ -119,16 +116,18 @@ void BenchList() {
         times[i] = TimeList(kSizes[i]);
     }
     for (int i = 0; i < 4; i += 2) {
-        char what[80];
-        const char* must = "at most 2.5 for twice the records";
-        std::snprintf(what, sizeof what, "list: insert %u", kSizes[i]);
-        Row(what, times[i].insert * 1e9 / kSizes[i], "ns", times[i + 1].insert / times[i].insert,
-            must);
-        std::snprintf(what, sizeof what, "list: find %u", kSizes[i]);
-        Row(what, times[i].find * 1e9 / kSizes[i], "ns", times[i + 1].find / times[i].find, must);
-        std::snprintf(what, sizeof what, "list: remove %u", kSizes[i]);
-        Row(what, times[i].remove * 1e9 / kSizes[i], "ns", times[i + 1].remove / times[i].remove,
-            must);
+        const std::string records = " of " + std::to_string(kSizes[i + 1]) + " records";
+        const auto row = [&](const char* what, double ListTimes::*time) {
+            bench::Print({"list: " + (what + records), times[i + 1].*time * 1e9 / kSizes[i + 1],
+                          "ns", "half as many", times[i].*time * 1e9 / kSizes[i], 1.25});
+        };
+        row("insert", &ListTimes::insert);
+        row("find", &ListTimes::find);
+        row("remove", &ListTimes::remove);
+        if (i == 0) {
+            bench::Print({"list: insertion", times[0].insert * 1e9 / kSizes[0], "ns",
+                          "what was set", 300, 1});
+        }
     }
 }
 
@@ -147,8 +146,8 @@ void BenchMemory() {
         pages.insert(reinterpret_cast<std::uintptr_t>(node.record) / kPage);
     }
     const double bytes = double(pages.size()) * kPage / kRecords + 2 * sizeof(void*);
-    Row("list: memory of a record, index included", bytes, "bytes", bytes / 128,
-        "at most 128 bytes (ratio 1)");
+    bench::Print({"list: memory of a record, index included", bytes, "bytes", "a third of 260",
+                  260.0 / 3, 1});
 }
 
 // Names that depend on the identifier alone: a stored block's offset is the identifier it is for.
@@ -233,14 +232,11 @@ void BenchMatching() {
     std::size_t differences = 0;
     const double plain = TimePlainWalk(5000);
     const double small = TimeCmpLists(5000, differences);
-    Row("CmpLists: the plain walk, 5,000", plain * 1e3, "ms", 1, "the baseline");
-    Row("CmpLists: 5,000", small * 1e3, "ms", plain / small, "times as fast as the plain walk");
+    bench::Print({"CmpLists: 5,000", small * 1e3, "ms", "the plain walk", plain * 1e3});
     const double large = TimeCmpLists(100000, differences);
-    char what[80];
-    std::snprintf(what, sizeof what, "CmpLists: 100,000, %u differences", unsigned(differences));
-    Row(what, large * 1e3, "ms", large / 0.3, "at most 300 ms (ratio 1)");
+    bench::Print({"CmpLists: 100,000", large * 1e3, "ms", "what was set", 300, 1});
     const double twice = TimeCmpLists(200000, differences);
-    Row("CmpLists: 200,000", twice * 1e3, "ms", twice / large, "at most 2.5 times that of 100,000");
+    bench::Print({"CmpLists: 200,000", twice * 1e3, "ms", "half as many", large * 1e3, 2.5});
 }
 
 // `count` records over `states` states: each state after the first deletes what the one before it
@@ -270,13 +266,12 @@ double TimeReplay(std::uint32_t count, std::uint32_t states, std::size_t& object
 void BenchReplay() {
     std::size_t objects = 0;
     const double half = TimeReplay(50000, 25, objects);
-    Row("BuildStateList: 50,000 records, 25 states", half * 1e3, "ms", 1, "the baseline");
     const double full = TimeReplay(100000, 50, objects);
-    Row("BuildStateList: 100,000 records, 50 states", full * 1e3, "ms", full / half,
-        "near 2: linear in records");
+    bench::Print({"BuildStateList: 100,000 records, 50 states", full * 1e3, "ms", "half as many",
+                  half * 1e3, 2.5});
     const double wide = TimeReplay(100000, 500, objects);
-    Row("BuildStateList: 100,000 records, 500 states", wide * 1e3, "ms", wide / full,
-        "near 1: not by states");
+    bench::Print({"BuildStateList: 100,000 records, 500 states", wide * 1e3, "ms", "50 states",
+                  full * 1e3, 1.25});
 }
 
 }  // namespace
@@ -284,9 +279,8 @@ void BenchReplay() {
 
 int main() {
     using namespace tolvenar;
-    std::printf("%-58s %10s %-6s %8s   %s\n", "what", "figure", "", "ratio", "must reach");
-    BenchChecksum(65536, "Checksum16, 64 KB blocks, against the byte loop", "at least 5");
-    BenchChecksum(32, "Checksum16, 32-byte blocks, against the byte loop", "at least 3");
+    BenchChecksum(65536, "Checksum16: blocks of 64 KB", 0.2);
+    BenchChecksum(32, "Checksum16: blocks of 32 bytes", 1.0 / 3);
     BenchList();
     BenchMemory();
     BenchMatching();

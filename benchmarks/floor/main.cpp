@@ -1,12 +1,13 @@
 // Arguments: "first" makes a storage of the device, "again" does what a backup does that finds no
-// change, "restore" writes everything in the storage back.
-#include "benchmarks/floor/floor.h"
+// change, "restore" writes everything in the storage back, "load" reads the journal alone.
+#include "platform/win32.h"
 
 #include <commctrl.h>
 
 #include "app/operations/progress_popup.h"
 #include "app/operations/window_progress.h"
 #include "autobackup/agent_control.h"
+#include "benchmarks/floor/floor.h"
 #include "platform/heap.h"
 
 namespace floor_program {
@@ -35,6 +36,9 @@ void Run(HINSTANCE instance, const wchar_t* what) {
     ::InitCommonControlsEx(&controls);
     ::FindWindowW(L"TolvenarOperationClass", nullptr);
     LoadJournal();
+    if (::wcscmp(what, L"load") == 0) {
+        return;
+    }
     tolvenar::ProgressWindows windows{};
     tolvenar::WindowProgress progress(windows);
     tolvenar::ProgressPopup popup(instance, windows);

@@ -21,8 +21,8 @@ volatile unsigned checksums;  // what is read is needed
 BYTE data[kDataBytes];
 
 void ReadFileOnce(const wchar_t* path, const WIN32_FIND_DATAW& entry) {
-    const UniqueHandle mapping = tolvenar::MapFileForReading(
-        path, 0, entry.dwFileAttributes | FILE_FLAG_RANDOM_ACCESS);
+    const UniqueHandle mapping =
+        tolvenar::MapFileForReading(path, 0, entry.dwFileAttributes | FILE_FLAG_RANDOM_ACCESS);
     const UniqueView view(
         mapping ? ::MapViewOfFile(mapping.get(), FILE_MAP_READ, 0, 0, entry.nFileSizeLow)
                 : nullptr);
@@ -58,9 +58,9 @@ public:
         DWORD subkeys = 0;
         DWORD values = 0;
         FILETIME time;
-        if (!key || ::RegQueryInfoKeyW(key.get(), nullptr, nullptr, nullptr, &subkeys, nullptr,
-                                       nullptr, &values, nullptr, nullptr, nullptr,
-                                       &time) != ERROR_SUCCESS) {
+        if (!key ||
+            ::RegQueryInfoKeyW(key.get(), nullptr, nullptr, nullptr, &subkeys, nullptr, nullptr,
+                               &values, nullptr, nullptr, nullptr, &time) != ERROR_SUCCESS) {
             return;
         }
         things_.AddKey(root, path_);
@@ -142,8 +142,7 @@ bool Describe(CEOID oid, tolvenar::InfoBlock& block) {
 
 void ScanDevice(Things& things) {
     Scan(things).Files(0);
-    for (const HKEY root :
-         {HKEY_CLASSES_ROOT, HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE, HKEY_USERS}) {
+    for (const HKEY root : {HKEY_CLASSES_ROOT, HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE, HKEY_USERS}) {
         Scan(things).Key(root, 0);
     }
 }

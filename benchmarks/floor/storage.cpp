@@ -62,9 +62,9 @@ void FillRegistryBlock(const Thing& thing, DWORD type, DWORD bytes, InfoBlock& b
     block.head().hive = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(thing.root));
     block.head().value_type = type;
     block.head().data_bytes = bytes;
-    block.head().type = static_cast<std::uint16_t>(
-        thing.value != nullptr ? tolvenar::ObjectType::kRegistryValue
-                               : tolvenar::ObjectType::kRegistryKey);
+    block.head().type =
+        static_cast<std::uint16_t>(thing.value != nullptr ? tolvenar::ObjectType::kRegistryValue
+                                                          : tolvenar::ObjectType::kRegistryKey);
 }
 
 void WriteRegistryThing(HANDLE storage, HKEY key, const Thing& thing) {
@@ -110,9 +110,9 @@ void EachBlock(Visit visit) {
 struct StoredData {
     StoredData(HANDLE mapping, DWORD offset, DWORD length)
         : adjust(offset & 0xFFFF),
-          view(length != 0 ? ::MapViewOfFile(mapping, FILE_MAP_READ, 0, offset - adjust,
-                                             length + adjust)
-                           : nullptr) {}
+          view(length != 0
+                   ? ::MapViewOfFile(mapping, FILE_MAP_READ, 0, offset - adjust, length + adjust)
+                   : nullptr) {}
     const BYTE* bytes() const { return static_cast<const BYTE*>(view.get()) + adjust; }
     DWORD adjust;
     UniqueView view;
