@@ -1,6 +1,39 @@
 # add_suites(TARGET [LAUNCHER …] [PROPERTIES …] SOURCES …): one CTest entry for each GoogleTest suite of a
 # program. Starting a program on the simulated device costs more than most cases, and reading the suites
 # from the sources needs no run of it.
+#
+# A suite that takes long is cut into shards, as many as tests/shards.txt says, so that they run beside each other and
+# begin before the others.
+set_property(DIRECTORY ${CMAKE_SOURCE_DIR} APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS tests/shards.txt)
+file(STRINGS ${CMAKE_SOURCE_DIR}/tests/shards.txt shard_lines REGEX "^[A-Za-z]")
+foreach(line IN LISTS shard_lines)
+  string(REGEX MATCH "^([A-Za-z0-9_]+) +([0-9]+)$" matched "${line}")
+  set(shards_of_${CMAKE_MATCH_1} ${CMAKE_MATCH_2})
+endforeach()
+
+function(add_suite target suite command properties)
+  set(shards 1)
+  if(DEFINED shards_of_${suite})
+    set(shards ${shards_of_${suite}})
+  endif()
+  foreach(shard RANGE 1 ${shards})
+    set(name ${target}.${suite})
+    if(shards GREATER 1)
+      string(APPEND name .${shard})
+    endif()
+    add_test(NAME ${name}
+      COMMAND ${command} --gtest_brief=1 --gtest_filter=${suite}.*:*/${suite}.*:${suite}/*.*)
+    if(properties)
+      set_tests_properties(${name} PROPERTIES ${properties})
+    endif()
+    if(shards GREATER 1)
+      math(EXPR index "${shard} - 1")
+      set_tests_properties(${name} PROPERTIES COST 100
+        ENVIRONMENT "GTEST_TOTAL_SHARDS=${shards};GTEST_SHARD_INDEX=${index}")
+    endif()
+  endforeach()
+endfunction()
+
 function(add_suites target)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;PROPERTIES;LAUNCHER")
   set(seen "")
@@ -15,11 +48,7 @@ function(add_suites target)
       string(REGEX REPLACE "^[A-Z_]+\\(([A-Za-z0-9_]+).*" "\\1" suite "${line}")
       if(NOT suite IN_LIST seen)
         list(APPEND seen ${suite})
-        add_test(NAME ${target}.${suite}
-          COMMAND ${program} --gtest_brief=1 --gtest_filter=${suite}.*:*/${suite}.*:${suite}/*.*)
-        if(arg_PROPERTIES)
-          set_tests_properties(${target}.${suite} PROPERTIES ${arg_PROPERTIES})
-        endif()
+        add_suite(${target} ${suite} "${program}" "${arg_PROPERTIES}")
       endif()
     endforeach()
   endforeach()
