@@ -64,6 +64,21 @@ void Order(std::vector<std::uint32_t>& numbers, const std::string& order) {
 
 }  // namespace
 
+Node NodeOfEntry(std::uint32_t number, const std::string& value) {
+    NodeHead head;
+    std::memcpy(&head, value.data(), sizeof head);
+    Node node;
+    node.number = number;
+    node.parent = head.parent;
+    node.stored_attributes = head.attributes;
+    node.oid = head.oid;
+    node.on_card = (head.flags & kOnCardFlag) != 0;
+    node.is_card = (head.flags & kIsCardFlag) != 0;
+    node.name.resize((value.size() - sizeof head) / sizeof(wchar_t));
+    std::memcpy(&node.name[0], value.data() + sizeof head, node.name.size() * sizeof(wchar_t));
+    return node;
+}
+
 Found FileTable::Find(const wchar_t* path) { return Find(ParsePath(path)); }
 
 Found FileTable::Find(const Path& path) {
@@ -100,18 +115,7 @@ std::optional<Node> FileTable::Get(std::uint32_t number) {
     if (value == nullptr) {
         return std::nullopt;
     }
-    NodeHead head;
-    std::memcpy(&head, value->data(), sizeof head);
-    Node node;
-    node.number = number;
-    node.parent = head.parent;
-    node.stored_attributes = head.attributes;
-    node.oid = head.oid;
-    node.on_card = (head.flags & kOnCardFlag) != 0;
-    node.is_card = (head.flags & kIsCardFlag) != 0;
-    node.name.resize((value->size() - sizeof head) / sizeof(wchar_t));
-    std::memcpy(&node.name[0], value->data() + sizeof head, node.name.size() * sizeof(wchar_t));
-    return node;
+    return NodeOfEntry(number, *value);
 }
 
 std::optional<Node> FileTable::Child(std::uint32_t parent, const std::wstring& name) {
