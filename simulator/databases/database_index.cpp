@@ -53,19 +53,16 @@ std::uint32_t DatabaseIndex::ByName(std::u16string_view name) const {
 RecordListing& DatabaseIndex::Listing(const LogStore::View& view, std::uint32_t database,
                                       const SortOrder& sort, const std::string& order) {
     auto& listings = tables_[database].listings;
-    const auto [at, is_new] =
-        listings.try_emplace({sort.propid, sort.flags, order}, sort, order);
+    const auto [at, is_new] = listings.try_emplace({sort.propid, sort.flags, order}, sort, order);
     if (!is_new) {
         return at->second;
     }
     const std::u16string prefix = kRecordEntries + files::KeyNumber(database) + u"/";
-    for (auto entry = view.map().lower_bound(prefix);
-         entry != view.map().end() && entry->first.compare(0, prefix.size(), prefix) == 0;
-         ++entry) {
-        ++looks_;
-        at->second.Put(NumberAt(entry->first, prefix.size()), Decode(entry->second));
-    }
-    return at->second;
+    RecordListing& listing = at->second;
+    view.ForEach(prefix, [&](const std::u16string& key, const std::string& entry) {
+        listing.Put(NumberAt(key, prefix.size()), Decode(entry));
+    });
+    return listing;
 }
 
 void DatabaseIndex::Changed(const std::u16string& key, const std::string* before,
@@ -82,7 +79,6 @@ void DatabaseIndex::RecordChanged(const std::u16string& key, const std::string* 
     const std::size_t database_at = kRecordEntries.size();
     const std::uint32_t record = NumberAt(key, database_at + kDigits + 1);
     Table& table = tables_[NumberAt(key, database_at)];
-    ++looks_;
     table.records += (now != nullptr ? 1u : 0u) - (before != nullptr ? 1u : 0u);
     table.bytes += SizeOf(now) - SizeOf(before);
     for (auto& [order, listing] : table.listings) {

@@ -1,5 +1,5 @@
-// What is kept in memory of a device's databases, so that no call walks over their records: how many
-// and how large they are, their names, and their lists in the orders that were asked for.
+// What is kept in memory of a device's databases, so that no call walks over their records: how
+// many and how large they are, their names, and their lists in the orders that were asked for.
 #pragma once
 
 #include <map>
@@ -28,8 +28,6 @@ public:
     std::uint32_t ByName(std::u16string_view name) const;
     RecordListing& Listing(const LogStore::View& view, std::uint32_t database,
                            const SortOrder& sort, const std::string& order);
-    // Records that were looked at so far, to list them or because they changed.
-    std::uint64_t looks() const { return looks_; }
 
 private:
     struct Table {
@@ -47,9 +45,8 @@ private:
 
     bool watches_ = false;
     std::unordered_map<std::uint32_t, Table> tables_;
-    std::unordered_map<std::uint32_t, std::u16string> names_;          // folded
+    std::unordered_map<std::uint32_t, std::u16string> names_;           // folded
     std::unordered_map<std::u16string, std::set<std::uint32_t>> oids_;  // by folded name
-    std::uint64_t looks_ = 0;
 };
 
 }  // namespace sim::databases

@@ -70,10 +70,9 @@ Database DecodeDatabase(std::uint32_t oid, const std::string& entry) {
 // Calls `visit(oid, entry)` for each entry whose key is `prefix` and an oid.
 template <typename Visit>
 void ForEachOid(const LogStore::View& view, const std::u16string& prefix, Visit&& visit) {
-    for (auto at = view.map().lower_bound(prefix);
-         at != view.map().end() && at->first.compare(0, prefix.size(), prefix) == 0; ++at) {
-        visit(OidAt(at->first, prefix.size()), at->second);
-    }
+    view.ForEach(prefix, [&](const std::u16string& key, const std::string& entry) {
+        visit(OidAt(key, prefix.size()), entry);
+    });
 }
 
 std::vector<std::uint32_t> Arranged(const Device& device, const std::vector<std::uint32_t>& oids) {

@@ -6,9 +6,7 @@
 namespace sim::databases {
 namespace {
 
-const Property* Pointer(const std::optional<Property>& value) {
-    return value ? &*value : nullptr;
-}
+const Property* Pointer(const std::optional<Property>& value) { return value ? &*value : nullptr; }
 
 }  // namespace
 

@@ -137,11 +137,9 @@ bool FileTable::IsProtected(const Node& node) {
 std::vector<std::uint32_t> FileTable::Children(std::uint32_t parent) {
     LogStore::View view(store());
     std::vector<std::uint32_t> numbers;
-    const std::u16string prefix = ChildrenKey(parent);
-    for (auto at = view.map().lower_bound(prefix);
-         at != view.map().end() && StartsWith(at->first, prefix); ++at) {
-        numbers.push_back(Stored(at->second));
-    }
+    view.ForEach(ChildrenKey(parent), [&](const std::u16string&, const std::string& number) {
+        numbers.push_back(Stored(number));
+    });
     Order(numbers, device_.Setting("order", "stored"));
     return numbers;
 }
@@ -156,10 +154,9 @@ bool FileTable::HasChildren(std::uint32_t parent) {
 std::vector<std::uint32_t> FileTable::All() {
     LogStore::View view(store());
     std::vector<std::uint32_t> numbers;
-    for (auto at = view.map().lower_bound(kNodes);
-         at != view.map().end() && StartsWith(at->first, kNodes); ++at) {
-        numbers.push_back(NumberOfKey(at->first.substr(kNodes.size())));
-    }
+    view.ForEach(kNodes, [&](const std::u16string& key, const std::string&) {
+        numbers.push_back(NumberOfKey(key.substr(kNodes.size())));
+    });
     return numbers;
 }
 

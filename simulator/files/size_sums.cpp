@@ -87,7 +87,7 @@ void SizeSums::Look(std::uint32_t number) {
 void SizeSums::LookAtMarked(std::size_t level, std::uint32_t first) {
     const std::uint32_t number = first / PlacesOf(level);
     const long now = table_.slot(first).changes[level];
-    ++looks_;
+    table_.store().CountStep();
     if (seen_[level][number] == now) {
         return;
     }
@@ -105,8 +105,8 @@ void SizeSums::LookAtMarked(std::size_t level, std::uint32_t first) {
 
 void SizeSums::LookAtWritten() {
     const std::vector<std::uint32_t> numbers(written_.begin(), written_.end());
-    looks_ += numbers.size();
     for (const std::uint32_t number : numbers) {
+        table_.store().CountStep();
         Look(number);
     }
 }

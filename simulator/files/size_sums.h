@@ -23,8 +23,6 @@ public:
 
     // Bytes that the files outside ROM take on one volume: the sum of what `SizeOf` tells of each.
     std::int64_t Used(bool card);
-    // Places that were looked at so far.
-    std::uint64_t looks() const { return looks_; }
 
 private:
     struct Kept {
@@ -45,7 +43,6 @@ private:
     std::int64_t sums_[2] = {};                  // of the object store and of the card
     std::vector<long> seen_[kChangeLevels];      // the marks of each level as they were last
     std::uint32_t end_ = 0;                      // behind the last number
-    std::uint64_t looks_ = 0;
 };
 
 // Whoever changes a file's size holds one meanwhile. As long as it lives the content's own size

@@ -23,20 +23,11 @@ bool StartsWith(const std::u16string& key, const std::u16string& prefix) {
     return key.compare(0, prefix.size(), prefix) == 0;
 }
 
-// Calls `visit` with each key that begins with `prefix`, in order, and its value.
-template <typename Visit>
-void ForEachKey(FileTable& table, const std::u16string& prefix, Visit&& visit) {
-    const LogStore::View view(table.store());
-    for (auto at = view.map().lower_bound(prefix);
-         at != view.map().end() && StartsWith(at->first, prefix); ++at) {
-        visit(at->first, at->second);
-    }
-}
-
-// The same with the number behind the prefix.
+// Calls `visit` with the number behind `prefix` of each key that begins with it, and the value.
 template <typename Visit>
 void ForEach(FileTable& table, const std::u16string& prefix, Visit&& visit) {
-    ForEachKey(table, prefix, [&](const std::u16string& key, const std::string& value) {
+    const LogStore::View view(table.store());
+    view.ForEach(prefix, [&](const std::u16string& key, const std::string& value) {
         visit(NumberOfKey(key.substr(prefix.size())), value);
     });
 }
@@ -181,8 +172,8 @@ void ForgetAll(FileTable& table) {
     LogStore::Change change(table.store());
     for (const std::u16string& prefix : {kBases, kChanges, kChangesByNode}) {
         std::vector<std::u16string> keys;
-        ForEachKey(table, prefix,
-                   [&](const std::u16string& key, const std::string&) { keys.push_back(key); });
+        change.ForEach(prefix,
+                       [&](const std::u16string& key, const std::string&) { keys.push_back(key); });
         for (const std::u16string& key : keys) {
             change.Erase(key);
         }

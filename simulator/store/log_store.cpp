@@ -163,6 +163,7 @@ void LogStore::Clear() {
 
 std::optional<std::string> LogStore::Replace(const std::u16string& key,
                                              std::optional<std::string> value) {
+    CountStep();
     const auto found = places_.find(key);
     const bool was_there = found != places_.end();
     std::optional<std::string> before;
@@ -256,6 +257,7 @@ LogStore::View::View(LogStore& store) : store_(store), guard_(store.mutex_) {
 }
 
 const std::string* LogStore::View::Find(const std::u16string& key) const {
+    store_.CountStep();
     const auto found = store_.places_.find(key);
     return found == store_.places_.end() ? nullptr : &found->second->second;
 }
@@ -263,10 +265,9 @@ const std::string* LogStore::View::Find(const std::u16string& key) const {
 const LogStore::Map& LogStore::View::map() const { return store_.map_; }
 
 void LogStore::View::Watch(std::u16string prefix, Watcher& watcher) const {
-    for (auto at = store_.map_.lower_bound(prefix);
-         at != store_.map_.end() && at->first.compare(0, prefix.size(), prefix) == 0; ++at) {
-        watcher.Changed(at->first, nullptr, &at->second);
-    }
+    ForEach(prefix, [&](const std::u16string& key, const std::string& value) {
+        watcher.Changed(key, nullptr, &value);
+    });
     store_.watchers_.emplace_back(std::move(prefix), &watcher);
 }
 

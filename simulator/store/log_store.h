@@ -45,6 +45,16 @@ public:
         explicit View(LogStore& store);
         const std::string* Find(const std::u16string& key) const;
         const Map& map() const;
+        // Calls `visit` with each key that begins with `prefix`, in order, and its value. Nothing
+        // may change meanwhile.
+        template <typename Visit>
+        void ForEach(const std::u16string& prefix, Visit&& visit) const {
+            for (auto at = map().lower_bound(prefix);
+                 at != map().end() && at->first.compare(0, prefix.size(), prefix) == 0; ++at) {
+                store_.CountStep();
+                visit(at->first, at->second);
+            }
+        }
         // From now on `watcher` is told of each key that begins with `prefix`, at first of those
         // that are there. It lives as long as the store.
         void Watch(std::u16string prefix, Watcher& watcher) const;
@@ -82,6 +92,11 @@ public:
 
     const std::wstring& folder() const { return folder_; }
 
+    // Entries that were looked for, passed by or taken in so far, and places of what is kept beside
+    // them: the work of this process, by which tests see that a call walks over nothing.
+    std::uint64_t steps() const { return steps_; }
+    void CountStep() { ++steps_; }
+
 private:
     struct Files;
     void CatchUp();
@@ -100,6 +115,7 @@ private:
     std::unordered_map<std::u16string_view, Map::iterator> places_;  // the same, by the whole key
     std::vector<std::pair<std::u16string, Watcher*>> watchers_;
     std::uint32_t read_ = 0;
+    std::uint64_t steps_ = 0;
     Change* innermost_ = nullptr;
 };
 
