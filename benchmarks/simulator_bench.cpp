@@ -1,12 +1,13 @@
-// What the simulated device itself costs as it grows: reading its log, and single calls, which are to
-// take as long beside many objects as beside few.
+// What the simulated device itself costs as it grows: reading its log, and single calls, which are
+// to take as long beside many objects as beside few.
+#include "platform/win32.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <string>
 #include <windbase.h>
 
 #include "benchmarks/on_new_device.h"
-#include "platform/win32.h"
 #include "simulator/databases/database_store.h"
 #include "simulator/files/space.h"
 #include "simulator/store/device.h"
@@ -112,8 +113,16 @@ public:
         }
         const double columns[] = {
             Fastest(kCalls, [](int) { AskForRoom(); }),
-            Fastest(kCalls, [&](int i) { MakeFile(files_ + i); AskForRoom(); }),
-            Fastest(kCalls, [&](int i) { MakeFile(files_ + i); DeleteFileOf(files_ + i); }),
+            Fastest(kCalls,
+                    [&](int i) {
+                        MakeFile(files_ + i);
+                        AskForRoom();
+                    }),
+            Fastest(kCalls,
+                    [&](int i) {
+                        MakeFile(files_ + i);
+                        DeleteFileOf(files_ + i);
+                    }),
             Fastest(kCalls, [](int i) { SetValue(i); }),
             Fastest(kCalls, [&](int i) { WriteRecord(database, i, last_record_); }),
             Fastest(kCalls, [&](int) { Describe(last_record_); }),
@@ -163,7 +172,8 @@ int Run() {
     std::printf("the gate of the simulated device: %.0f ns a call\n",
                 1000 * Fastest(1'000'000, [](int) { ::GetLastError(); }));
     std::puts("the simulated device: loading, ms and ratio to the row above; single calls, us");
-    std::puts("objects     load  ratio     room new+room  new+del    value   record      oid       db");
+    std::puts(
+        "objects     load  ratio     room new+room  new+del    value   record      oid       db");
     Filled device;
     double before = 0;
     for (const int objects : kObjects) {

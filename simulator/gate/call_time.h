@@ -1,5 +1,6 @@
-// How long a call is inside, without the calls that are made inside it: a window procedure that runs
-// within one call makes others. Counted in ticks of the processor's own clock, the cheapest to read.
+// How long a call is inside, without the calls that are made inside it: a window procedure that
+// runs within one call makes others. Counted in ticks of the processor's own clock, the cheapest to
+// read.
 #pragma once
 
 #include "simulator/gate/gate_file.h"

@@ -1,4 +1,5 @@
-// What a call costs beside many objects, counted as entries of the device's state that are looked at.
+// What a call costs beside many objects, counted as entries of the device's state that are looked
+// at.
 #include <functional>
 #include <map>
 #include <string>
@@ -96,46 +97,51 @@ TEST_F(ConstantTimeTest, ACallLooksAtAsMuchBesideManyObjectsAsBesideFew) {
         {"an entry by path", [] { Found(L"\\Folder\\3"); }},
         {"a file that comes and goes", MakeAndDeleteFile},
         {"a file's attributes", [] { ::SetFileAttributesW(L"\\Folder\\3", 0x20); }},
-        {"a file's name", [] {
+        {"a file's name",
+         [] {
              ::MoveFileW(L"\\Folder\\3", L"\\Folder\\a");
              ::MoveFileW(L"\\Folder\\a", L"\\Folder\\3");
          }},
         {"a file by id", [&] { Describe(file); }},
         {"a database by id", [&] { Describe(database()); }},
         {"a record by id", [&] { Describe(record); }},
-        {"a database by name", [&] {
+        {"a database by name",
+         [&] {
              CEOID oid = 0;
              wchar_t name[] = L"Numbers";
              OpenedDatabase(::CeOpenDatabaseEx(&store_, &oid, name, 0, 0, nullptr));
          }},
-        {"a record that comes and goes", [&] {
+        {"a record that comes and goes",
+         [&] {
              const OpenedDatabase opened = Open(database());
              const CEOID made =
                  Write(opened, {Number(5), Number(static_cast<LONG>(NewNumber()), kUniqueId)});
              ::CeDeleteRecord(opened.get(), made);
          }},
         {"a record by value", [&] { Seek(by_number, CEDB_SEEK_VALUEFIRSTEQUAL, Number(7)); }},
-        {"a record's place", [&] {
-             Seek(Open(database()), CEDB_SEEK_CEOID, record);
-         }},
-        {"the next record", [&] {
+        {"a record's place", [&] { Seek(Open(database()), CEDB_SEEK_CEOID, record); }},
+        {"the next record",
+         [&] {
              const OpenedDatabase opened = Open(database());
              Write(opened, {Number(1)}, record);
              Read(opened);
          }},
-        {"a value", [&] {
+        {"a value",
+         [&] {
              ::RegSetValueExW(key(), L"new", 0, REG_BINARY, nullptr, 0);
              ::RegQueryValueExW(key(), L"new", nullptr, nullptr, nullptr, nullptr);
              ::RegDeleteValueW(key(), L"new");
          }},
-        {"a key", [&] {
+        {"a key",
+         [&] {
              HKEY made = nullptr;
              ::RegCreateKeyExW(key(), L"new", 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &made,
                                nullptr);
              ::RegCloseKey(made);
              ::RegDeleteKeyW(key(), L"new");
          }},
-        {"memory", [] {
+        {"memory",
+         [] {
              MEMORYSTATUS status{};
              ::GlobalMemoryStatus(&status);
          }},

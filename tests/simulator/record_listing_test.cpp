@@ -90,7 +90,6 @@ TEST_P(RecordListingTest, AValueIsFoundWhereItWouldStand) {
 INSTANTIATE_TEST_SUITE_P(Orders, RecordListingTest,
                          ::testing::Combine(::testing::Values(0u, std::uint32_t{kDescending},
                                                               std::uint32_t{kUnknownFirst}),
-                                            ::testing::Values("stored", "reversed",
-                                                              "shuffled:5")));
+                                            ::testing::Values("stored", "reversed", "shuffled:5")));
 
 }  // namespace
