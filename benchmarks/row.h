@@ -27,8 +27,7 @@ inline std::string Bound(const Row& row) {
     if (row.bound == 0) {
         return "\u2013";
     }
-    return "at most " + Number(row.bound) +
-           (row.figure / row.limit <= row.bound ? "" : " PASSED");
+    return "at most " + Number(row.bound) + (row.figure / row.limit <= row.bound ? "" : " PASSED");
 }
 
 inline void Print(const Row& row) {

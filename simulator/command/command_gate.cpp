@@ -182,7 +182,16 @@ Json RunCounters(Device& device, const Words& words) {
         }
         processes.push_back(std::move(process));
     }
-    return {{"calls", TotalCalls(device)}, {"processes", std::move(processes)}};
+    const CallTimes times = TimesInCalls(device);
+    long simulator = 0;
+    for (const auto& [function, microseconds] : times.simulated) {
+        simulator += microseconds;
+    }
+    return {{"calls", TotalCalls(device)},
+            {"microseconds", times.simulated},
+            {"simulator", simulator},
+            {"waiting", times.waiting},
+            {"processes", std::move(processes)}};
 }
 
 }  // namespace sim

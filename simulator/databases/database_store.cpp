@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
+#include "simulator/databases/database_index.h"
 #include "simulator/files/file_table.h"
+#include "simulator/files/key_number.h"
 #include "simulator/files/space.h"
 #include "simulator/store/byte_stream.h"
 #include "simulator/store/names.h"
@@ -10,28 +12,16 @@
 namespace sim::databases {
 namespace {
 
-const std::u16string kDatabases = u"d/b/";
 const std::u16string kDeleted = u"d/deleted";
-constexpr int kOidDigits = 8;
-
-std::u16string Digits(std::uint32_t oid) {
-    std::u16string text(kOidDigits, u'0');
-    for (int i = kOidDigits - 1; i >= 0; --i, oid >>= 4) {
-        text[static_cast<std::size_t>(i)] = u"0123456789abcdef"[oid & 0xF];
-    }
-    return text;
-}
+std::u16string Digits(std::uint32_t oid) { return files::KeyNumber(oid); }
 
 std::uint32_t OidAt(const std::u16string& key, std::size_t at) {
-    std::uint32_t oid = 0;
-    for (const char16_t digit : key.substr(at)) {
-        const int value = digit <= u'9' ? digit - u'0' : digit - u'a' + 10;
-        oid = oid * 16 + static_cast<std::uint32_t>(value);
-    }
-    return oid;
+    return files::NumberOfKey(key.substr(at));
 }
 
-std::u16string RecordsKey(std::uint32_t database) { return u"d/r/" + Digits(database) + u"/"; }
+std::u16string RecordsKey(std::uint32_t database) {
+    return kRecordEntries + Digits(database) + u"/";
+}
 std::u16string RecordKey(std::uint32_t database, std::uint32_t record) {
     return RecordsKey(database) + Digits(record);
 }
@@ -80,10 +70,9 @@ Database DecodeDatabase(std::uint32_t oid, const std::string& entry) {
 // Calls `visit(oid, entry)` for each entry whose key is `prefix` and an oid.
 template <typename Visit>
 void ForEachOid(const LogStore::View& view, const std::u16string& prefix, Visit&& visit) {
-    for (auto at = view.map().lower_bound(prefix);
-         at != view.map().end() && at->first.compare(0, prefix.size(), prefix) == 0; ++at) {
-        visit(OidAt(at->first, prefix.size()), at->second);
-    }
+    view.ForEach(prefix, [&](const std::u16string& key, const std::string& entry) {
+        visit(OidAt(key, prefix.size()), entry);
+    });
 }
 
 std::vector<std::uint32_t> Arranged(const Device& device, const std::vector<std::uint32_t>& oids) {
@@ -119,7 +108,7 @@ bool HasRoom(Device& device, std::size_t bytes) {
 std::vector<std::uint32_t> DatabaseStore::All(std::uint32_t type) const {
     LogStore::View view(device_.store());
     std::vector<std::uint32_t> oids;
-    ForEachOid(view, kDatabases, [&](std::uint32_t oid, const std::string& entry) {
+    ForEachOid(view, kDatabaseEntries, [&](std::uint32_t oid, const std::string& entry) {
         if (type == 0 || DecodeDatabase(oid, entry).type == type) {
             oids.push_back(oid);
         }
@@ -129,21 +118,13 @@ std::vector<std::uint32_t> DatabaseStore::All(std::uint32_t type) const {
 
 std::optional<Database> DatabaseStore::Get(std::uint32_t oid) const {
     LogStore::View view(device_.store());
-    const std::string* entry = view.Find(kDatabases + Digits(oid));
+    const std::string* entry = view.Find(kDatabaseEntries + Digits(oid));
     return entry != nullptr ? std::optional(DecodeDatabase(oid, *entry)) : std::nullopt;
 }
 
 std::optional<Database> DatabaseStore::ByName(std::u16string_view name) const {
     LogStore::View view(device_.store());
-    std::optional<Database> found;
-    const std::u16string folded = FoldName(name);
-    ForEachOid(view, kDatabases, [&](std::uint32_t oid, const std::string& entry) {
-        Database database = DecodeDatabase(oid, entry);
-        if (!found && FoldName(database.name) == folded) {
-            found = std::move(database);
-        }
-    });
-    return found;
+    return Get(DatabaseIndex::Of(device_, view).ByName(name));
 }
 
 std::uint32_t DatabaseStore::DeletionCount() const {
@@ -182,7 +163,7 @@ Error DatabaseStore::Create(Database& database) {
         return kDiskFull;
     }
     database.oid = device_.TakeObjectId();
-    change.Set(kDatabases + Digits(database.oid), std::move(entry));
+    change.Set(kDatabaseEntries + Digits(database.oid), std::move(entry));
     return kOk;
 }
 
@@ -191,14 +172,14 @@ Error DatabaseStore::Change(const Database& database) {
     if (const Error error = CheckShape(database)) {
         return error;
     }
-    change.Set(kDatabases + Digits(database.oid), EncodeDatabase(database));
+    change.Set(kDatabaseEntries + Digits(database.oid), EncodeDatabase(database));
     SetNumber(change, CountKey(database.oid), Generation(database.oid) + 1);
     return kOk;
 }
 
 bool DatabaseStore::Delete(std::uint32_t oid) {
     LogStore::Change change(device_.store());
-    if (change.Find(kDatabases + Digits(oid)) == nullptr) {
+    if (change.Find(kDatabaseEntries + Digits(oid)) == nullptr) {
         return false;
     }
     std::vector<std::uint32_t> records;
@@ -209,7 +190,7 @@ bool DatabaseStore::Delete(std::uint32_t oid) {
         change.Erase(OwnerKey(record));
     }
     change.Erase(CountKey(oid));
-    change.Erase(kDatabases + Digits(oid));
+    change.Erase(kDatabaseEntries + Digits(oid));
     SetNumber(change, kDeleted, DeletionCount() + 1);
     return true;
 }
@@ -232,6 +213,19 @@ std::uint32_t DatabaseStore::DatabaseOf(std::uint32_t record) const {
     return NumberAt(LogStore::View(device_.store()), OwnerKey(record));
 }
 
+// Whether another record than `oid` has the value.
+bool DatabaseStore::IsTaken(std::uint32_t database, const SortOrder& sort, const Property& value,
+                            std::uint32_t oid) const {
+    LogStore::View view(device_.store());
+    const RecordListing& listing =
+        DatabaseIndex::Of(device_, view).Listing(view, database, sort, "stored");
+    std::size_t index = listing.FirstNotBefore(value);
+    if (listing.At(index) == oid) {
+        ++index;
+    }
+    return listing.IsEqual(index, value);
+}
+
 Error DatabaseStore::CheckSorts(const Database& database, std::uint32_t oid,
                                 const Record& record) const {
     for (const SortOrder& order : database.sort_orders) {
@@ -242,12 +236,8 @@ Error DatabaseStore::CheckSorts(const Database& database, std::uint32_t oid,
         if (value == nullptr || (order.flags & kUnique) == 0) {
             continue;
         }
-        for (const std::uint32_t other_oid : Records(database.oid)) {
-            const std::optional<Record> other = Read(database.oid, other_oid);
-            const Property* taken = Find(*other, order.propid);
-            if (other_oid != oid && taken != nullptr && Compare(order, value, taken) == 0) {
-                return kAlreadyExists;
-            }
+        if (IsTaken(database.oid, order, *value, oid)) {
+            return kAlreadyExists;
         }
     }
     return kOk;
@@ -292,7 +282,7 @@ void DatabaseStore::Touch(std::uint32_t oid) {
     LogStore::Change change(device_.store());
     if (std::optional<Database> database = Get(oid)) {
         database->modified = device_.WriteTimeUtc();
-        change.Set(kDatabases + Digits(oid), EncodeDatabase(*database));
+        change.Set(kDatabaseEntries + Digits(oid), EncodeDatabase(*database));
     }
     SetNumber(change, CountKey(oid), Generation(oid) + 1);
 }
@@ -303,17 +293,12 @@ std::uint32_t DatabaseStore::Generation(std::uint32_t database) const {
 
 std::uint32_t DatabaseStore::RecordCount(std::uint32_t database) const {
     LogStore::View view(device_.store());
-    std::uint32_t count = 0;
-    ForEachOid(view, RecordsKey(database), [&](std::uint32_t, const std::string&) { ++count; });
-    return count;
+    return DatabaseIndex::Of(device_, view).RecordCount(database);
 }
 
 std::uint32_t DatabaseStore::SizeOf(std::uint32_t database) const {
     LogStore::View view(device_.store());
-    std::size_t bytes = 0;
-    ForEachOid(view, RecordsKey(database),
-               [&](std::uint32_t, const std::string& entry) { bytes += entry.size(); });
-    return static_cast<std::uint32_t>(bytes);
+    return static_cast<std::uint32_t>(DatabaseIndex::Of(device_, view).RecordBytes(database));
 }
 
 }  // namespace sim::databases

@@ -62,6 +62,8 @@ public:
 private:
     Error CheckShape(const Database& database) const;
     Error CheckSorts(const Database& database, std::uint32_t oid, const Record& record) const;
+    bool IsTaken(std::uint32_t database, const SortOrder& sort, const Property& value,
+                 std::uint32_t oid) const;
     void Touch(std::uint32_t database);
 
     Device& device_;

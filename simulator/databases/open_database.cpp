@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <windows.h>
 
+#include "simulator/databases/database_index.h"
 #include "simulator/store/device_name.h"
 
 namespace sim::databases {
@@ -34,81 +35,69 @@ OpenDatabase::OpenDatabase(Device& device, const Database& database, std::uint32
 
 OpenDatabase::~OpenDatabase() { ::CloseHandle(in_use_); }
 
-// Takes the records' present list and finds the place in it again.
-void OpenDatabase::Refresh() {
+const RecordListing& OpenDatabase::Refresh(const LogStore::View& view) {
+    Device& device = store_.device();
     const std::uint32_t generation = store_.Generation(oid_);
-    std::string order = store_.device().Setting("order", "stored");
+    std::string order = device.Setting("order", "stored");
+    const RecordListing& records =
+        DatabaseIndex::Of(device, view).Listing(view, oid_, sort_, order);
     if (listed_ && generation == generation_ && order == order_) {
-        return;
+        return records;
     }
-    const bool was_at_end = listed_ && place_ == records_.size() && !records_.empty();
-    records_ = store_.Records(oid_);
-    Sort();
+    const bool was_at_end = listed_ && place_ == count_ && count_ != 0;
     generation_ = generation;
     order_ = std::move(order);
+    count_ = records.size();
     listed_ = true;
-    const auto found = std::find(records_.begin(), records_.end(), current_);
-    if (current_ != 0 && found != records_.end()) {
-        place_ = static_cast<std::size_t>(found - records_.begin());
-        return;
+    if (const auto index = records.IndexOf(current_)) {
+        place_ = *index;
+        return records;
     }
     // The record behind a deleted one has moved to its place.
     current_deleted_ = current_deleted_ || (current_ != 0 && !auto_increment_);
-    place_ = was_at_end ? records_.size() : std::min(place_, records_.size());
-    current_ = place_ < records_.size() ? records_[place_] : 0;
-}
-
-void OpenDatabase::Sort() {
-    if (sort_.propid == 0) {
-        return;
-    }
-    std::vector<std::pair<std::uint32_t, Record>> rows;
-    for (const std::uint32_t record : records_) {
-        rows.emplace_back(record, *store_.Read(oid_, record));
-    }
-    std::stable_sort(rows.begin(), rows.end(), [this](const auto& a, const auto& b) {
-        return Compare(sort_, Find(a.second, sort_.propid), Find(b.second, sort_.propid)) < 0;
-    });
-    std::transform(rows.begin(), rows.end(), records_.begin(),
-                   [](const auto& row) { return row.first; });
+    place_ = was_at_end ? count_ : std::min(place_, count_);
+    current_ = records.At(place_);
+    return records;
 }
 
 Error OpenDatabase::Current(std::uint32_t& oid, Record& record) {
     LogStore::View view(store_.device().store());
-    Refresh();
+    const RecordListing& records = Refresh(view);
     if (current_deleted_) {
         return kKeyDeleted;
     }
-    if (place_ >= records_.size()) {
+    if (place_ >= records.size()) {
         return kNoMoreItems;
     }
-    oid = records_[place_];
+    oid = records.At(place_);
+    following_ = records.At(place_ + 1);
     record = *store_.Read(oid_, oid);
     return kOk;
 }
 
 void OpenDatabase::Advance() {
-    if (auto_increment_ && place_ < records_.size()) {
+    if (auto_increment_ && place_ < count_) {
         ++place_;
-        current_ = place_ < records_.size() ? records_[place_] : 0;
+        current_ = following_;
     }
 }
 
-std::uint32_t OpenDatabase::MoveToEnd() {
+std::uint32_t OpenDatabase::MoveToEnd(const RecordListing& records) {
     if (store_.device().Setting("database.seek.fails", "end") == "end") {
-        place_ = records_.size();
+        place_ = records.size();
         current_ = 0;
         current_deleted_ = false;
     }
     return 0;
 }
 
-std::uint32_t OpenDatabase::MoveTo(std::int64_t index, std::uint32_t& index_out) {
-    if (index < 0 || index >= static_cast<std::int64_t>(records_.size())) {
-        return MoveToEnd();
+std::uint32_t OpenDatabase::MoveTo(const RecordListing& records, std::int64_t index,
+                                   std::uint32_t& index_out) {
+    if (index < 0 || index >= static_cast<std::int64_t>(records.size())) {
+        return MoveToEnd(records);
     }
     place_ = static_cast<std::size_t>(index);
-    current_ = records_[place_];
+    current_ = records.At(place_);
     current_deleted_ = false;
     index_out = static_cast<std::uint32_t>(index);
     return current_;
@@ -116,48 +105,35 @@ std::uint32_t OpenDatabase::MoveTo(std::int64_t index, std::uint32_t& index_out)
 
 std::uint32_t OpenDatabase::SeekTo(std::uint32_t way, std::uint32_t value, std::uint32_t& index) {
     LogStore::View view(store_.device().store());
-    Refresh();
-    const auto count = static_cast<std::int64_t>(records_.size());
+    const RecordListing& records = Refresh(view);
+    const auto count = static_cast<std::int64_t>(records.size());
+    const auto place = static_cast<std::int64_t>(place_);
     switch (way) {
         case kSeekOid: {
-            const auto found = std::find(records_.begin(), records_.end(), value);
-            return MoveTo(found - records_.begin(), index);
+            const std::optional<std::size_t> found = records.IndexOf(value);
+            return MoveTo(records, found ? static_cast<std::int64_t>(*found) : count, index);
         }
-        case kSeekBeginning: return MoveTo(value, index);
-        case kSeekEnd: return MoveTo(count - static_cast<std::int64_t>(value), index);
-        case kSeekCurrent:
-            return MoveTo(static_cast<std::int64_t>(place_) + static_cast<std::int32_t>(value),
-                          index);
+        case kSeekBeginning: return MoveTo(records, value, index);
+        case kSeekEnd: return MoveTo(records, count - static_cast<std::int64_t>(value), index);
+        case kSeekCurrent: return MoveTo(records, place + static_cast<std::int32_t>(value), index);
         default: return 0;
     }
-}
-
-const Property* OpenDatabase::SortValueOf(std::uint32_t record_oid, Record& record) const {
-    record = *store_.Read(oid_, record_oid);
-    return Find(record, sort_.propid);
 }
 
 std::uint32_t OpenDatabase::SeekValue(std::uint32_t way, const Property& value,
                                       std::uint32_t& index) {
     LogStore::View view(store_.device().store());
-    Refresh();
-    Record record;
-    const auto compare = [&](std::uint32_t record_oid) {
-        return Compare(sort_, SortValueOf(record_oid, record), &value);
+    const RecordListing& records = Refresh(view);
+    const std::size_t first = records.FirstNotBefore(value);
+    const auto move_if_equal = [&](std::size_t at) {
+        return records.IsEqual(at, value) ? MoveTo(records, static_cast<std::int64_t>(at), index)
+                                          : MoveToEnd(records);
     };
-    const auto first_not_below = std::partition_point(
-        records_.begin(), records_.end(), [&](std::uint32_t oid) { return compare(oid) < 0; });
-    const auto position = first_not_below - records_.begin();
-    const bool is_equal = first_not_below != records_.end() && compare(*first_not_below) == 0;
     switch (way) {
-        case kSeekSmaller: return MoveTo(position - 1, index);
-        case kSeekGreater: return MoveTo(position, index);
-        case kSeekFirstEqual: return is_equal ? MoveTo(position, index) : MoveToEnd();
-        case kSeekNextEqual: {
-            const std::size_t next = place_ + 1;
-            const bool equal = next < records_.size() && compare(records_[next]) == 0;
-            return equal ? MoveTo(static_cast<std::int64_t>(next), index) : MoveToEnd();
-        }
+        case kSeekSmaller: return MoveTo(records, static_cast<std::int64_t>(first) - 1, index);
+        case kSeekGreater: return MoveTo(records, static_cast<std::int64_t>(first), index);
+        case kSeekFirstEqual: return move_if_equal(first);
+        case kSeekNextEqual: return move_if_equal(place_ + 1);
         default: return 0;
     }
 }

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "simulator/databases/database_store.h"
+#include "simulator/databases/record_listing.h"
 
 namespace sim::databases {
 
@@ -35,11 +36,11 @@ public:
     Error Write(std::uint32_t& oid, const Record& changes, const Record& deletions);
 
 private:
-    void Refresh();
-    void Sort();
-    std::uint32_t MoveTo(std::int64_t index, std::uint32_t& index_out);
-    std::uint32_t MoveToEnd();
-    const Property* SortValueOf(std::uint32_t record_oid, Record& record) const;
+    // The records' present list, with the place in it found again. Within a View.
+    const RecordListing& Refresh(const LogStore::View& view);
+    std::uint32_t MoveTo(const RecordListing& records, std::int64_t index,
+                         std::uint32_t& index_out);
+    std::uint32_t MoveToEnd(const RecordListing& records);
 
     DatabaseStore store_;
     std::uint32_t oid_;
@@ -47,9 +48,10 @@ private:
     bool auto_increment_;
     void* in_use_;  // a named object that tells other handles and processes
 
-    std::vector<std::uint32_t> records_;  // in the sort order
     std::size_t place_ = 0;
-    std::uint32_t current_ = 0;  // the oid at the place; 0 at the end
+    std::size_t count_ = 0;        // of the records at the last look
+    std::uint32_t current_ = 0;    // the oid at the place; 0 at the end
+    std::uint32_t following_ = 0;  // the one behind it at the last read
     bool current_deleted_ = false;
     std::uint32_t generation_ = 0;
     std::string order_;

@@ -19,6 +19,12 @@ void WINAPI SimAttachDevice(const wchar_t* folder) {
 extern "C" int WINAPI SimOpenHandles() __asm__("_ce_SimOpenHandles");
 int WINAPI SimOpenHandles() { return sim::handles::OpenCount() + sim::files::Mapping::ViewCount(); }
 
+// What this process's work on the device's state has come to: see LogStore::steps.
+extern "C" unsigned long WINAPI SimSteps() __asm__("_ce_SimSteps");
+unsigned long WINAPI SimSteps() {
+    return static_cast<unsigned long>(sim::Device::Current().store().steps());
+}
+
 extern "C" void __cdecl ce_not_there_yet(const char* name) {
     std::fprintf(stderr, "coredll: %s is not in the simulator\n", name);
     std::fflush(stderr);

@@ -64,6 +64,21 @@ void Order(std::vector<std::uint32_t>& numbers, const std::string& order) {
 
 }  // namespace
 
+Node NodeOfEntry(std::uint32_t number, const std::string& value) {
+    NodeHead head;
+    std::memcpy(&head, value.data(), sizeof head);
+    Node node;
+    node.number = number;
+    node.parent = head.parent;
+    node.stored_attributes = head.attributes;
+    node.oid = head.oid;
+    node.on_card = (head.flags & kOnCardFlag) != 0;
+    node.is_card = (head.flags & kIsCardFlag) != 0;
+    node.name.resize((value.size() - sizeof head) / sizeof(wchar_t));
+    std::memcpy(&node.name[0], value.data() + sizeof head, node.name.size() * sizeof(wchar_t));
+    return node;
+}
+
 Found FileTable::Find(const wchar_t* path) { return Find(ParsePath(path)); }
 
 Found FileTable::Find(const Path& path) {
@@ -100,18 +115,7 @@ std::optional<Node> FileTable::Get(std::uint32_t number) {
     if (value == nullptr) {
         return std::nullopt;
     }
-    NodeHead head;
-    std::memcpy(&head, value->data(), sizeof head);
-    Node node;
-    node.number = number;
-    node.parent = head.parent;
-    node.stored_attributes = head.attributes;
-    node.oid = head.oid;
-    node.on_card = (head.flags & kOnCardFlag) != 0;
-    node.is_card = (head.flags & kIsCardFlag) != 0;
-    node.name.resize((value->size() - sizeof head) / sizeof(wchar_t));
-    std::memcpy(&node.name[0], value->data() + sizeof head, node.name.size() * sizeof(wchar_t));
-    return node;
+    return NodeOfEntry(number, *value);
 }
 
 std::optional<Node> FileTable::Child(std::uint32_t parent, const std::wstring& name) {
@@ -133,11 +137,9 @@ bool FileTable::IsProtected(const Node& node) {
 std::vector<std::uint32_t> FileTable::Children(std::uint32_t parent) {
     LogStore::View view(store());
     std::vector<std::uint32_t> numbers;
-    const std::u16string prefix = ChildrenKey(parent);
-    for (auto at = view.map().lower_bound(prefix);
-         at != view.map().end() && StartsWith(at->first, prefix); ++at) {
-        numbers.push_back(Stored(at->second));
-    }
+    view.ForEach(ChildrenKey(parent), [&](const std::u16string&, const std::string& number) {
+        numbers.push_back(Stored(number));
+    });
     Order(numbers, device_.Setting("order", "stored"));
     return numbers;
 }
@@ -152,10 +154,9 @@ bool FileTable::HasChildren(std::uint32_t parent) {
 std::vector<std::uint32_t> FileTable::All() {
     LogStore::View view(store());
     std::vector<std::uint32_t> numbers;
-    for (auto at = view.map().lower_bound(kNodes);
-         at != view.map().end() && StartsWith(at->first, kNodes); ++at) {
-        numbers.push_back(NumberOfKey(at->first.substr(kNodes.size())));
-    }
+    view.ForEach(kNodes, [&](const std::u16string& key, const std::string&) {
+        numbers.push_back(NumberOfKey(key.substr(kNodes.size())));
+    });
     return numbers;
 }
 

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "simulator/files/path.h"
+#include "simulator/files/size_sums.h"
 #include "simulator/files/slots.h"
 #include "simulator/store/device.h"
 
@@ -68,7 +69,7 @@ struct Times {
 
 class FileTable {
 public:
-    explicit FileTable(Device& device) : device_(device), slots_(device.folder()) {}
+    explicit FileTable(Device& device) : device_(device), slots_(device.folder()), sizes_(*this) {}
     static FileTable& Of(Device& device) { return device.Part<FileTable>(); }
 
     Device& device() { return device_; }
@@ -110,6 +111,8 @@ public:
     void SetTimes(const Node& node, const Times& times);
 
     Slot& slot(std::uint32_t number) { return slots_.At(number); }
+    // What all files take together.
+    SizeSums& sizes() { return sizes_; }
     // The host file that holds a file's content. It need not exist: then the content is empty.
     std::wstring ContentFile(std::uint32_t number) const;
 
@@ -122,6 +125,10 @@ private:
 
     Device& device_;
     SlotFile slots_;
+    SizeSums sizes_;
 };
+
+// A node as its entry `f/n/<number>` tells it.
+Node NodeOfEntry(std::uint32_t number, const std::string& value);
 
 }  // namespace sim::files

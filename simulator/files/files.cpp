@@ -126,6 +126,7 @@ void Put(Device& device, const std::wstring& path, const std::string& bytes) {
         throw FileError(path, ERROR_ACCESS_DENIED);
     }
     const std::uint32_t old_size = table.SizeOf(node);
+    SizeChange size(table, node.number);
     if (!host::WriteWhole(table.ContentFile(node.number), bytes)) {
         throw FileError(path, ERROR_SHARING_VIOLATION);
     }
@@ -133,7 +134,7 @@ void Put(Device& device, const std::wstring& path, const std::string& bytes) {
         GiveSpaceBack(table, node.on_card, old_size);
         AddToUsed(table, node.on_card, static_cast<std::uint32_t>(bytes.size()));
     }
-    ::InterlockedExchange(&table.slot(node.number).size, static_cast<long>(bytes.size()));
+    size.Set(static_cast<std::uint32_t>(bytes.size()));
     Forget(table, node.number);
     if (old) {
         table.SetModified(node, device.WriteTimeUtc());

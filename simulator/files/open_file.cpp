@@ -17,19 +17,17 @@ OpenFile::OpenFile(FileTable& table, const Node& node, void* host, bool writes, 
     if (host_ == nullptr || !writes_) {
         return;
     }
-    Slot& place = table_.slot(node_.number);
-    ::InterlockedIncrement(&place.writers);
-    place.size = static_cast<long>(::GetFileSize(host_, nullptr));
+    size_.emplace(table_, node_.number);
+    size_->Set(::GetFileSize(host_, nullptr));
 }
 
 OpenFile::~OpenFile() {
     if (host_ == nullptr) {
         return;
     }
-    if (writes_) {
-        Slot& place = table_.slot(node_.number);
-        place.size = static_cast<long>(::GetFileSize(host_, nullptr));
-        ::InterlockedDecrement(&place.writers);
+    if (size_) {
+        size_->Set(::GetFileSize(host_, nullptr));
+        size_.reset();
     }
     ::CloseHandle(host_);
 }
@@ -60,8 +58,7 @@ std::uint32_t OpenFile::Write(const void* buffer, std::uint32_t bytes, std::uint
     if (end > kMaxFileBytes) {
         return ERROR_DISK_FULL;
     }
-    Slot& place = table_.slot(node_.number);
-    const auto size = static_cast<std::uint32_t>(place.size);
+    const auto size = static_cast<std::uint32_t>(table_.slot(node_.number).size);
     const std::uint32_t more = end > size ? static_cast<std::uint32_t>(end) - size : 0;
     if (more != 0 && !TakeSpace(table_, node_.on_card, more)) {
         return ERROR_DISK_FULL;
@@ -74,7 +71,7 @@ std::uint32_t OpenFile::Write(const void* buffer, std::uint32_t bytes, std::uint
         return error;
     }
     if (more != 0) {
-        ::InterlockedExchange(&place.size, static_cast<long>(end));
+        size_->Set(static_cast<std::uint32_t>(end));
     }
     NoteChange(table_, node_,
                {ChangeKind::kWrite, static_cast<std::uint32_t>(start),
@@ -119,8 +116,7 @@ std::uint32_t OpenFile::GrowTo(std::uint32_t bytes) {
 
 // The host's file position stands at the new end.
 std::uint32_t OpenFile::SetSize(std::uint32_t bytes) {
-    Slot& place = table_.slot(node_.number);
-    const auto size = static_cast<std::uint32_t>(place.size);
+    const auto size = static_cast<std::uint32_t>(table_.slot(node_.number).size);
     const std::uint32_t more = bytes > size ? bytes - size : 0;
     if (more != 0 && !TakeSpace(table_, node_.on_card, more)) {
         return ERROR_DISK_FULL;
@@ -133,7 +129,7 @@ std::uint32_t OpenFile::SetSize(std::uint32_t bytes) {
     if (bytes < size) {
         GiveSpaceBack(table_, node_.on_card, size - bytes);
     }
-    ::InterlockedExchange(&place.size, static_cast<long>(bytes));
+    size_->Set(bytes);
     if (bytes != size) {
         NoteChange(table_, node_, {ChangeKind::kSize, bytes, {}});
         Touch();

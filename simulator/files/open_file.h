@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 #include "simulator/files/file_table.h"
 
@@ -68,6 +69,7 @@ private:
     void* host_;  // null for a folder
     bool writes_;
     bool for_mapping_;
+    std::optional<SizeChange> size_;  // of a file that is open for writing
 };
 
 }  // namespace sim::files

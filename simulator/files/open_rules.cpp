@@ -114,7 +114,7 @@ HANDLE OpenContent(FileTable& table, const Node& node, const OpenRequest& reques
 void AfterTruncation(FileTable& table, Node& node, const OpenRequest& request,
                      std::uint32_t old_size) {
     GiveSpaceBack(table, node.on_card, old_size);
-    ::InterlockedExchange(&table.slot(node.number).size, 0);
+    SizeChange(table, node.number).Set(0);
     NoteChange(table, node, {ChangeKind::kSize, 0, {}});
     table.SetModified(node, table.device().WriteTimeUtc());
     if (request.disposition == CREATE_ALWAYS) {

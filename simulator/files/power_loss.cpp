@@ -256,7 +256,7 @@ private:
             host::WriteWhole(table_.ContentFile(made.number), outcome.content);
             const auto size = static_cast<std::uint32_t>(outcome.content.size());
             AddToUsed(table_, true, size);
-            ::InterlockedExchange(&table_.slot(made.number).size, static_cast<long>(size));
+            SizeChange(table_, made.number).Set(size);
             table_.SetTimes(made, outcome.times);
         }
     }

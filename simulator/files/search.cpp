@@ -3,6 +3,19 @@
 #include <windows.h>
 
 namespace sim::files {
+namespace {
+
+// A name without wildcards leads to one child; no need to look at the others.
+std::vector<std::uint32_t> Candidates(FileTable& table, const Node& folder,
+                                      const std::wstring& pattern) {
+    if (pattern.find_first_of(L"*?") != std::wstring::npos) {
+        return table.Children(folder.number);
+    }
+    const std::optional<Node> child = table.Child(folder.number, pattern);
+    return child ? std::vector<std::uint32_t>{child->number} : std::vector<std::uint32_t>();
+}
+
+}  // namespace
 
 std::shared_ptr<Search> Search::Begin(Device& device, const wchar_t* pattern, FindEntry& first,
                                       std::uint32_t& error) {
@@ -26,7 +39,7 @@ std::shared_ptr<Search> Search::Begin(Device& device, const wchar_t* pattern, Fi
         error = ERROR_PATH_NOT_FOUND;
         return nullptr;
     }
-    auto search = std::make_shared<Search>(table, table.Children(folder.node.number), last);
+    auto search = std::make_shared<Search>(table, Candidates(table, folder.node, last), last);
     if (!search->Next(first)) {
         error = nothing;
         return nullptr;

@@ -3,6 +3,7 @@
 // after a kill: the size is trusted only while nobody writes, else the content's own size counts.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -11,6 +12,8 @@
 
 namespace sim::files {
 
+constexpr std::size_t kChangeLevels = 4;
+
 struct Slot {
     volatile long long modified;  // FILETIME counts, UTC
     volatile long long created;
@@ -18,7 +21,10 @@ struct Slot {
     volatile long size;     // bytes, unsigned
     volatile long writers;  // handles open for writing, those of killed processes included
     volatile long used;     // places 0 and 1 only: bytes taken of the object store and of the card
-    long reserved[7];
+    // Counts how often a size may have changed: that of this place, and where a group begins with
+    // it, of the 64, of the 4,096 and of the 262,144 places from here. See size_sums.h.
+    volatile long changes[kChangeLevels];
+    long reserved[3];
 };
 static_assert(sizeof(Slot) == 64);
 

@@ -21,38 +21,26 @@ std::int64_t Limit(Device& device, bool card) {
     return SizeSetting(device, card) - device.NumberSetting(TakenSetting(card), 0);
 }
 
-std::int64_t UsedByFiles(FileTable& table, bool card) {
-    LogStore::View view(table.store());
-    std::int64_t used = 0;
-    for (const std::uint32_t number : table.All()) {
-        const std::optional<Node> node = table.Get(number);
-        if (node && node->on_card == card && !node->is_rom()) {
-            used += table.SizeOf(*node);
-        }
-    }
-    return used;
-}
-
 volatile long& Counter(FileTable& table, bool card) { return table.slot(card ? 1 : 0).used; }
 
 }  // namespace
 
 Space SpaceOf(Device& device, bool card) {
     FileTable& table = FileTable::Of(device);
-    const std::int64_t free = Limit(device, card) - UsedByFiles(table, card);
+    const std::int64_t free = Limit(device, card) - table.sizes().Used(card);
     return {static_cast<std::uint64_t>(SizeSetting(device, card)),
             static_cast<std::uint64_t>(std::max<std::int64_t>(free, 0))};
 }
 
 void SetFree(Device& device, bool card, std::uint64_t bytes) {
-    const std::int64_t used = UsedByFiles(FileTable::Of(device), card);
+    const std::int64_t used = FileTable::Of(device).sizes().Used(card);
     device.SetSetting(TakenSetting(card), std::to_string(SizeSetting(device, card) - used -
                                                          static_cast<std::int64_t>(bytes)));
 }
 
 // The counter is raised before anything is written and lowered afterwards, so that it may say too
-// much after a kill and never too little. Only when it says that nothing more fits the files are
-// counted.
+// much after a kill and never too little. Only when it says that nothing more fits the files'
+// sizes count.
 bool TakeSpace(FileTable& table, bool card, std::uint32_t bytes) {
     volatile long& counter = Counter(table, card);
     const auto before =
@@ -61,7 +49,7 @@ bool TakeSpace(FileTable& table, bool card, std::uint32_t bytes) {
     if (static_cast<std::int64_t>(before) + bytes <= limit) {
         return true;
     }
-    if (UsedByFiles(table, card) + bytes <= limit) {
+    if (table.sizes().Used(card) + bytes <= limit) {
         return true;
     }
     GiveSpaceBack(table, card, bytes);

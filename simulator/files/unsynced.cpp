@@ -13,21 +13,23 @@ namespace {
 
 const std::u16string kBases = u"f/u/b/";
 const std::u16string kChanges = u"f/u/c/";
+const std::u16string kChangesByNode = u"f/u/n/";
 
 std::u16string BaseKey(std::uint32_t number) { return kBases + KeyNumber(number); }
+
+std::u16string ChangesOf(std::uint32_t number) { return kChangesByNode + KeyNumber(number) + u"/"; }
 
 bool StartsWith(const std::u16string& key, const std::u16string& prefix) {
     return key.compare(0, prefix.size(), prefix) == 0;
 }
 
-// Calls `visit` with the number and the value of each key that begins with `prefix`, by number.
+// Calls `visit` with the number behind `prefix` of each key that begins with it, and the value.
 template <typename Visit>
 void ForEach(FileTable& table, const std::u16string& prefix, Visit&& visit) {
     const LogStore::View view(table.store());
-    for (auto at = view.map().lower_bound(prefix);
-         at != view.map().end() && StartsWith(at->first, prefix); ++at) {
-        visit(NumberOfKey(at->first.substr(prefix.size())), at->second);
-    }
+    view.ForEach(prefix, [&](const std::u16string& key, const std::string& value) {
+        visit(NumberOfKey(key.substr(prefix.size())), value);
+    });
 }
 
 void WriteBase(FileTable& table, std::uint32_t number, const CardBase& base) {
@@ -77,7 +79,9 @@ void Append(FileTable& table, std::uint32_t number, const CardChange& added) {
     PutNumbers(value, {number, static_cast<std::uint32_t>(added.kind), added.value});
     PutBytes(value, added.bytes);
     LogStore::Change change(table.store());
-    change.Set(kChanges + KeyNumber(CountChanges(table)), std::move(value));
+    const std::u16string at = KeyNumber(CountChanges(table));
+    change.Set(kChanges + at, std::move(value));
+    change.Set(ChangesOf(number) + at, "");
 }
 
 }  // namespace
@@ -156,24 +160,22 @@ void Forget(FileTable& table, std::uint32_t number) {
     }
     change.Erase(BaseKey(number));
     std::vector<std::uint32_t> forgotten;
-    ForEach(table, kChanges, [&](std::uint32_t at, const std::string& value) {
-        if (!value.empty() && ByteReader(value).Number() == number) {
-            forgotten.push_back(at);
-        }
-    });
+    ForEach(table, ChangesOf(number),
+            [&](std::uint32_t at, const std::string&) { forgotten.push_back(at); });
     for (const std::uint32_t at : forgotten) {
         change.Set(kChanges + KeyNumber(at), "");
+        change.Erase(ChangesOf(number) + KeyNumber(at));
     }
 }
 
 void ForgetAll(FileTable& table) {
     LogStore::Change change(table.store());
-    for (const std::u16string& prefix : {kBases, kChanges}) {
-        std::vector<std::uint32_t> numbers;
-        ForEach(table, prefix,
-                [&](std::uint32_t number, const std::string&) { numbers.push_back(number); });
-        for (const std::uint32_t number : numbers) {
-            change.Erase(prefix + KeyNumber(number));
+    for (const std::u16string& prefix : {kBases, kChanges, kChangesByNode}) {
+        std::vector<std::u16string> keys;
+        change.ForEach(prefix,
+                       [&](const std::u16string& key, const std::string&) { keys.push_back(key); });
+        for (const std::u16string& key : keys) {
+            change.Erase(key);
         }
     }
 }

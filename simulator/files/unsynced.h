@@ -6,6 +6,7 @@
 // of the handle. What a tester does is certain at once.
 //   f/u/b/<number>  a file or folder before its first change
 //   f/u/c/<change>  one change, numbered in the order of the calls
+//   f/u/n/<number>/<change>  a change of that file or folder
 #pragma once
 
 #include <cstdint>

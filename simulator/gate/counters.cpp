@@ -1,6 +1,9 @@
 #include "simulator/gate/counters.h"
 
+#include <cmath>
 #include <windows.h>
+
+#include "simulator/gate/call_time.h"
 
 namespace sim {
 namespace {
@@ -47,10 +50,25 @@ std::map<std::string, long> TotalCalls(Device& device) {
     return sums;
 }
 
+CallTimes TimesInCalls(Device& device) {
+    GateFile& gate = GateOf(device);
+    CallTimes times;
+    for (std::size_t i = 0; i < kCallCount; ++i) {
+        const long long ticks = ::InterlockedCompareExchange64(&gate.ticks[i], 0, 0);
+        if (ticks == 0) {
+            continue;
+        }
+        auto& kind = IsWaiting(static_cast<Call>(i)) ? times.waiting : times.simulated;
+        kind[kCallNames[i]] = std::lround(static_cast<double>(ticks) / TicksInMicrosecond());
+    }
+    return times;
+}
+
 void ClearCounters(Device& device) {
     GateFile& gate = GateOf(device);
     for (std::size_t i = 0; i < kCallCount; ++i) {
         ::InterlockedExchange(&gate.earlier_calls[i], 0);
+        ::InterlockedExchange64(&gate.ticks[i], 0);
         for (GateProcess& process : gate.processes) {
             ::InterlockedExchange(&process.calls[i], 0);
         }

@@ -21,7 +21,13 @@ struct ProcessCounters {
 std::vector<ProcessCounters> CountersByProcess(Device& device);
 // Calls of all processes since the device was made or its counters were cleared.
 std::map<std::string, long> TotalCalls(Device& device);
-// Sets every number of calls to 0; what is held stays counted.
+// Microseconds inside the calls of all processes, without the calls inside them.
+struct CallTimes {
+    std::map<std::string, long> simulated;
+    std::map<std::string, long> waiting;  // those whose time is not the simulator's
+};
+CallTimes TimesInCalls(Device& device);
+// Sets every number of calls and every time to 0; what is held stays counted.
 void ClearCounters(Device& device);
 
 }  // namespace sim

@@ -148,6 +148,7 @@ GateEntry::GateEntry(Call call, bool can_fail) : call_(call), can_fail_(can_fail
     watched_ = (here->gate->watch_all | here->gate->watch[index]) != 0;
     traces_ = here->gate->trace != 0 &&
               here->gate->untraced_thread != static_cast<long>(::GetCurrentThreadId());
+    time_.Begin(*here->gate, call);
 }
 
 void GateEntry::AddArgument(const std::string& text) {

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 
+#include "simulator/gate/call_time.h"
 #include "simulator/gate/gate_file.h"
 
 namespace sim {
@@ -29,6 +30,8 @@ class GateEntry {
 public:
     // A call that cannot fail meets delays and crashes, but no faults.
     explicit GateEntry(Call call, bool can_fail = true);
+    GateEntry(const GateEntry&) = delete;
+    GateEntry& operator=(const GateEntry&) = delete;
     // True when arguments must be told: a trace is on, or a rule of this call matches by argument.
     bool wants_arguments() const { return watched_; }
     void AddArgument(const std::string& text);
@@ -49,6 +52,7 @@ private:
     bool can_fail_;
     bool watched_ = false;
     bool traces_ = false;
+    CallTime time_;
     std::string arguments_;
 };
 

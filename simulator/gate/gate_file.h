@@ -60,8 +60,9 @@ struct GateFile {
     volatile long trace_bytes;      // given out in the trace file
     volatile long untraced_thread;  // runs a command: see UntracedThread; 0: none
     volatile long processes_started;
-    volatile long watch[kCallCount];          // rules for each call
-    volatile long earlier_calls[kCallCount];  // of processes that made room
+    volatile long watch[kCallCount];                  // rules for each call
+    volatile long earlier_calls[kCallCount];          // of processes that made room
+    alignas(8) volatile long long ticks[kCallCount];  // inside each call, of all processes
     GateRule rules[kRuleCount];
     GateProcess processes[kProcessCount];
 };

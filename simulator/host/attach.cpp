@@ -27,6 +27,8 @@ void AttachProcess(const std::wstring& folder) {
 
 int OpenHandlesOfCoredll() { return Control<int(WINAPI*)()>("SimOpenHandles")(); }
 
+unsigned long StepsOfCoredll() { return Control<unsigned long(WINAPI*)()>("SimSteps")(); }
+
 std::wstring UniqueName() {
     static volatile LONG count = 0;
     return std::to_wstring(::GetCurrentProcessId()) + L"-" +

@@ -14,6 +14,9 @@ void AttachProcess(const std::wstring& folder);
 // How many of the device's handles coredll.dll has given out and not closed yet.
 int OpenHandlesOfCoredll();
 
+// How many entries of the device's state coredll.dll has looked at or passed by in this process.
+unsigned long StepsOfCoredll();
+
 // A number that no other process and no other call has.
 std::wstring UniqueName();
 

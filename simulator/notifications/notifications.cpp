@@ -119,10 +119,9 @@ Start StartOf(const Notification& notification) {
 std::vector<Notification> All(Device& device) {
     LogStore::View view(device.store());
     std::vector<Notification> all;
-    for (auto at = view.map().lower_bound(kEntries);
-         at != view.map().end() && at->first.compare(0, kEntries.size(), kEntries) == 0; ++at) {
-        all.push_back(Decode(at->second));
-    }
+    view.ForEach(kEntries, [&](const std::u16string&, const std::string& entry) {
+        all.push_back(Decode(entry));
+    });
     return all;
 }
 

@@ -76,10 +76,9 @@ bool IsLive(const Row& row) {
 std::vector<Row> Rows(Device& device) {
     std::vector<Row> rows;
     LogStore::View view(device.store());
-    for (auto at = view.map().lower_bound(kPrefix);
-         at != view.map().end() && at->first.compare(0, kPrefix.size(), kPrefix) == 0; ++at) {
-        rows.push_back(Decode(at->first, at->second));
-    }
+    view.ForEach(kPrefix, [&](const std::u16string& key, const std::string& value) {
+        rows.push_back(Decode(key, value));
+    });
     return rows;
 }
 

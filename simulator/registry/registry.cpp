@@ -75,10 +75,8 @@ Error Check(const KeyId& key, const std::vector<std::u16string_view>& names) {
 
 void EraseRange(LogStore::Change& change, const std::u16string& prefix) {
     std::vector<std::u16string> gone;
-    for (auto at = change.map().lower_bound(prefix);
-         at != change.map().end() && StartsWith(at->first, prefix); ++at) {
-        gone.push_back(at->first);
-    }
+    change.ForEach(prefix,
+                   [&](const std::u16string& key, const std::string&) { gone.push_back(key); });
     for (const std::u16string& key : gone) {
         change.Erase(key);
     }
@@ -247,6 +245,7 @@ std::vector<KeyId> Registry::Subkeys(const KeyId& key) const {
     const std::u16string prefix = KeyEntry(key) + kLevel;
     auto at = view.map().lower_bound(prefix);
     while (at != view.map().end() && StartsWith(at->first, prefix)) {
+        device_.store().CountStep();
         items.push_back({SequenceOf(at->second), at->first.substr(kKeys.size())});
         // What stands below a subkey comes right behind it and is passed over.
         const std::u16string below = at->first + kLevel;
@@ -262,10 +261,9 @@ std::vector<std::u16string> Registry::Values(const KeyId& key) const {
     LogStore::View view(device_.store());
     std::vector<Enumerated> items;
     const std::u16string prefix = ValuesOf(key);
-    for (auto at = view.map().lower_bound(prefix);
-         at != view.map().end() && StartsWith(at->first, prefix); ++at) {
-        items.push_back({SequenceOf(at->second), at->first.substr(prefix.size())});
-    }
+    view.ForEach(prefix, [&](const std::u16string& place, const std::string& entry) {
+        items.push_back({SequenceOf(entry), place.substr(prefix.size())});
+    });
     return Arranged(device_, items);
 }
 

@@ -132,7 +132,7 @@ LogStore::~LogStore() = default;
 void LogStore::CatchUp() {
     Published now = files_->Read();
     while (now.log.number != files_->log_number) {  // compacted by another process
-        map_.clear();
+        Clear();
         read_ = 0;
         files_->OpenLog(now.log.number);
         now = files_->Read();
@@ -152,6 +152,52 @@ void LogStore::CatchUp() {
     read_ = now.log.length;
 }
 
+void LogStore::Clear() {
+    places_.clear();
+    const Map gone = std::move(map_);
+    map_.clear();
+    for (const auto& [key, value] : gone) {
+        Tell(key, &value, nullptr);
+    }
+}
+
+std::optional<std::string> LogStore::Replace(const std::u16string& key,
+                                             std::optional<std::string> value) {
+    CountStep();
+    const auto found = places_.find(key);
+    const bool was_there = found != places_.end();
+    std::optional<std::string> before;
+    const std::string* now = nullptr;
+    if (was_there) {
+        before = std::move(found->second->second);
+    }
+    if (value && was_there) {
+        now = &(found->second->second = std::move(*value));
+    } else if (value) {
+        // A compacted log is in order: there each key goes behind the last.
+        const auto at = map_.emplace_hint(map_.end(), key, std::move(*value));
+        places_.emplace(at->first, at);
+        now = &at->second;
+    } else if (was_there) {
+        const auto at = found->second;
+        places_.erase(found);
+        map_.erase(at);
+    }
+    Tell(key, before ? &*before : nullptr, now);
+    return before;
+}
+
+void LogStore::Tell(const std::u16string& key, const std::string* before, const std::string* now) {
+    if (before == nullptr && now == nullptr) {
+        return;
+    }
+    for (const auto& [prefix, watcher] : watchers_) {
+        if (key.compare(0, prefix.size(), prefix) == 0) {
+            watcher->Changed(key, before, now);
+        }
+    }
+}
+
 void LogStore::Apply(const char* bytes, std::size_t size) {
     for (std::size_t at = 0; at + sizeof(EntryHead) <= size;) {
         EntryHead head;
@@ -162,11 +208,9 @@ void LogStore::Apply(const char* bytes, std::size_t size) {
         std::u16string key(head.key_units, u' ');
         std::memcpy(&key[0], bytes + at + sizeof head, head.key_units * sizeof(char16_t));
         const char* value = bytes + at + sizeof head + head.key_units * sizeof(char16_t);
-        if (head.value_bytes == kErased) {
-            map_.erase(key);
-        } else {
-            map_[std::move(key)].assign(value, head.value_bytes);
-        }
+        const bool is_erased = head.value_bytes == kErased;
+        Replace(key,
+                is_erased ? std::nullopt : std::optional(std::string(value, head.value_bytes)));
         at += head.total_bytes;
     }
 }
@@ -174,9 +218,9 @@ void LogStore::Apply(const char* bytes, std::size_t size) {
 void LogStore::Publish(const Change& change) {
     std::string entries;
     for (const auto& [key, old] : change.before_) {
-        const auto now = map_.find(key);
-        if (now != map_.end()) {
-            AppendEntry(entries, key, &now->second);
+        const auto now = places_.find(key);
+        if (now != places_.end()) {
+            AppendEntry(entries, key, &now->second->second);
         } else if (old) {
             AppendEntry(entries, key, nullptr);
         }
@@ -213,11 +257,19 @@ LogStore::View::View(LogStore& store) : store_(store), guard_(store.mutex_) {
 }
 
 const std::string* LogStore::View::Find(const std::u16string& key) const {
-    const auto found = store_.map_.find(key);
-    return found == store_.map_.end() ? nullptr : &found->second;
+    store_.CountStep();
+    const auto found = store_.places_.find(key);
+    return found == store_.places_.end() ? nullptr : &found->second->second;
 }
 
 const LogStore::Map& LogStore::View::map() const { return store_.map_; }
+
+void LogStore::View::Watch(std::u16string prefix, Watcher& watcher) const {
+    ForEach(prefix, [&](const std::u16string& key, const std::string& value) {
+        watcher.Changed(key, nullptr, &value);
+    });
+    store_.watchers_.emplace_back(std::move(prefix), &watcher);
+}
 
 LogStore::Change::Change(LogStore& store)
     : View(store), outer_(store.innermost_), exceptions_(std::uncaught_exceptions()) {
@@ -243,32 +295,21 @@ LogStore::Change::~Change() {
 
 void LogStore::Change::TakeBack() {
     for (auto& [key, old] : before_) {
-        if (old) {
-            store_.map_[key] = std::move(*old);
-        } else {
-            store_.map_.erase(key);
-        }
+        store_.Replace(key, std::move(old));
     }
     before_.clear();
 }
 
 void LogStore::Change::Set(const std::u16string& key, std::string value) {
-    auto [at, is_new] = store_.map_.try_emplace(key);
-    std::optional<std::string> old;
-    if (!is_new) {
-        old = std::move(at->second);
-    }
+    std::optional<std::string> old = store_.Replace(key, std::move(value));
     store_.innermost_->before_.try_emplace(key, std::move(old));
-    at->second = std::move(value);
 }
 
 void LogStore::Change::Erase(const std::u16string& key) {
-    const auto found = store_.map_.find(key);
-    if (found == store_.map_.end()) {
-        return;
+    std::optional<std::string> old = store_.Replace(key, std::nullopt);
+    if (old) {
+        store_.innermost_->before_.try_emplace(key, std::move(old));
     }
-    store_.innermost_->before_.try_emplace(key, std::move(found->second));
-    store_.map_.erase(found);
 }
 
 }  // namespace sim

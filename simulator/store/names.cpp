@@ -47,21 +47,25 @@ std::u16string StoredText(const wchar_t* text) {
     return std::u16string(view.begin(), view.end());
 }
 
-void Arrange(std::vector<Enumerated>& items, const std::string& order) {
-    const auto by_sequence = [](const Enumerated& a, const Enumerated& b) {
-        return a.sequence < b.sequence;
-    };
-    std::sort(items.begin(), items.end(), by_sequence);
+std::uint64_t RankOf(const Enumerated& item, const std::string& order) {
     if (order == "reversed") {
-        std::reverse(items.begin(), items.end());
+        return ~std::uint64_t{item.sequence};
     }
     if (order.rfind("shuffled:", 0) != 0) {
-        return;
+        return item.sequence;
     }
-    const std::uint64_t seed = std::strtoull(order.c_str() + 9, nullptr, 10);
-    std::stable_sort(items.begin(), items.end(), [seed](const Enumerated& a, const Enumerated& b) {
-        return Mix(seed, a.key) < Mix(seed, b.key);
-    });
+    return Mix(std::strtoull(order.c_str() + 9, nullptr, 10), item.key);
+}
+
+void Arrange(std::vector<Enumerated>& items, const std::string& order) {
+    const auto before = [](const Enumerated& a, const Enumerated& b) {
+        return a.sequence < b.sequence;
+    };
+    std::sort(items.begin(), items.end(), before);
+    std::stable_sort(items.begin(), items.end(),
+                     [&order](const Enumerated& a, const Enumerated& b) {
+                         return RankOf(a, order) < RankOf(b, order);
+                     });
 }
 
 }  // namespace sim

@@ -21,6 +21,10 @@ struct Enumerated {
     std::u16string key;
 };
 
+// Where the item stands among others under the device setting "order": below another's is before
+// it, the same is as they came. What `Arrange` sorts by.
+std::uint64_t RankOf(const Enumerated& item, const std::string& order);
+
 // Puts the items into the order of the device setting "order": "stored" as they came, "reversed",
 // or "shuffled:<seed>". What is left after an item is gone keeps its order.
 void Arrange(std::vector<Enumerated>& items, const std::string& order);

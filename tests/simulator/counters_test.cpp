@@ -3,6 +3,9 @@
 
 #include "platform/win32.h"
 
+#include <nlohmann/json.hpp>
+#include <x86intrin.h>
+
 #include "tests/support/device_test.h"
 
 namespace {
@@ -21,6 +24,7 @@ protected:
         const long last = gate_->processes_started - 1;
         return last < 0 ? 0 : gate_->processes[last].gauges[static_cast<std::size_t>(gauge)];
     }
+    long long Ticks(sim::Call call) const { return gate_->ticks[static_cast<std::size_t>(call)]; }
 
     sim::MappedGate gate_{folder()};
 };
@@ -143,6 +147,46 @@ TEST_F(CountersTest, SilentKeyPressesAreCountedAndNotTyped) {
     ::keybd_event(VK_SHIFT, 0, KEYEVENTF_SILENT | KEYEVENTF_KEYUP, 0);
     EXPECT_EQ(2, Held(Gauge::kKeyPresses));
     EXPECT_EQ(0, ::GetAsyncKeyState(VK_SHIFT));
+}
+
+// Makes a call of its own for each message.
+LRESULT CALLBACK SleepOnMessage(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message == WM_USER) {
+        ::Sleep(20);
+    }
+    return ::DefWindowProcW(window, message, wparam, lparam);
+}
+
+TEST_F(CountersTest, TimeInsideACallWithinACallCountsOnce) {
+    HWND window = ::CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr,
+                                    nullptr, nullptr);
+    ::SetWindowLongW(window, GWL_WNDPROC, reinterpret_cast<LONG>(&SleepOnMessage));
+    sim::ClearCounters(device().sim());
+    const auto begin = static_cast<long long>(__rdtsc());
+    ::SendMessageW(window, WM_USER, 0, 0);
+    const long long all = static_cast<long long>(__rdtsc()) - begin;
+    EXPECT_LT(0, Ticks(sim::Call::SendMessageW));
+    EXPECT_LT(0, Ticks(sim::Call::Sleep));
+    EXPECT_GE(all, Ticks(sim::Call::SendMessageW) + Ticks(sim::Call::Sleep));
+    ::DestroyWindow(window);
+}
+
+TEST_F(CountersTest, TheCommandTellsTheSimulatorsTimeAndTheWaitingApart) {
+    device().Command("counters clear");
+    ::Sleep(1);
+    ::DeleteFileW(L"\\no.txt");
+    ::GetFileAttributesW(L"\\no.txt");
+    const auto counters = nlohmann::json::parse(device().Command("counters"));
+    EXPECT_TRUE(counters["waiting"].contains("Sleep"));
+    EXPECT_FALSE(counters["microseconds"].contains("Sleep"));
+    EXPECT_TRUE(counters["microseconds"].contains("DeleteFileW"));
+    long sum = 0;
+    for (const auto& [function, microseconds] : counters["microseconds"].items()) {
+        sum += microseconds.get<long>();
+    }
+    EXPECT_EQ(sum, counters["simulator"].get<long>());
+    device().Command("counters clear");
+    EXPECT_EQ(0, Ticks(sim::Call::DeleteFileW));
 }
 
 TEST_F(CountersTest, TheCommandTellsProcessesByName) {

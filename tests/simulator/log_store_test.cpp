@@ -168,6 +168,58 @@ TEST_F(LogStoreTest, CompactingKeepsTheStateForEveryoneWhoHasItOpen) {
     EXPECT_EQ("second", Get(*first_, u"often"));
 }
 
+// Knows the keys that begin with "a" from what it is told alone.
+class Copy final : public LogStore::Watcher {
+public:
+    void Changed(const std::u16string& key, const std::string* before,
+                 const std::string* now) override {
+        const auto known = map_.find(key);
+        EXPECT_EQ(before != nullptr, known != map_.end());
+        EXPECT_TRUE(before == nullptr || *before == known->second);
+        if (now != nullptr) {
+            map_[key] = *now;
+        } else {
+            map_.erase(key);
+        }
+    }
+    const LogStore::Map& map() const { return map_; }
+
+private:
+    LogStore::Map map_;
+};
+
+TEST_F(LogStoreTest, AWatcherIsToldOfEveryChangeUnderItsPrefix) {
+    Set(*first_, u"a0", "before");
+    Copy copies[2];
+    LogStore* const stores[] = {first_.get(), second_.get()};
+    for (int i = 0; i < 2; ++i) {
+        LogStore::View(*stores[i]).Watch(u"a", copies[i]);
+    }
+    Set(*first_, u"a1", "1");
+    Set(*second_, u"a1", "2");
+    Set(*first_, u"b", "another prefix");
+    EXPECT_THROW(
+        {
+            LogStore::Change change(*first_);
+            change.Set(u"a2", "taken back");
+            change.Erase(u"a1");
+            throw std::runtime_error("halfway");
+        },
+        std::runtime_error);
+    {
+        LogStore::Change change(*second_);
+        change.Erase(u"a0");
+        change.Erase(u"a0");
+        change.Set(u"a3", "3");
+    }
+    first_->Compact();
+    Set(*first_, u"a4", "4");
+    for (int i = 0; i < 2; ++i) {
+        const LogStore::View catches_up(*stores[i]);
+        EXPECT_EQ((LogStore::Map{{u"a1", "2"}, {u"a3", "3"}, {u"a4", "4"}}), copies[i].map());
+    }
+}
+
 TEST_F(LogStoreTest, AReaderThatLagsBehindFindsTheCompactedLog) {
     Set(*first_, u"a", "1");
     EXPECT_EQ("1", Get(*second_, u"a"));
