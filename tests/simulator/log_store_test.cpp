@@ -220,6 +220,17 @@ TEST_F(LogStoreTest, AWatcherIsToldOfEveryChangeUnderItsPrefix) {
     }
 }
 
+TEST_F(LogStoreTest, LoadingTakesOneStepForEachEntryOfTheLog) {
+    constexpr char16_t kKeys[] = u"abcdefghij";
+    for (int i = 0; i < 200; ++i) {
+        const char16_t key[] = {kKeys[i % 10], kKeys[i / 20], u'\0'};
+        Set(*first_, key, "value");
+    }
+    EXPECT_EQ(200u, LogStore(folder_).steps());
+    first_->Compact();
+    EXPECT_EQ(100u, LogStore(folder_).steps());
+}
+
 TEST_F(LogStoreTest, AReaderThatLagsBehindFindsTheCompactedLog) {
     Set(*first_, u"a", "1");
     EXPECT_EQ("1", Get(*second_, u"a"));
