@@ -3,8 +3,8 @@
 #include "platform/win32.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <string>
+#include <vector>
 #include <windbase.h>
 
 #include "benchmarks/on_new_device.h"

@@ -51,11 +51,13 @@ class Device:
             sys.exit(f"{program} {arguments} ended with {code}")
         return time.monotonic() - start
 
-    def calls(self, program, arguments):
-        """How many platform calls the run makes, by function, and how long it takes."""
+    def cost(self, program, arguments):
+        """Of one run: seconds, platform calls, and bytes of the heap at its peak."""
         self.ask("counters", "clear")
         seconds = self.seconds(program, arguments)
-        return self.ask("counters")[0]["calls"], seconds
+        counters = self.ask("counters")[0]
+        peaks = [process["heapPeak"] for process in counters["processes"]]
+        return {"s": seconds, "calls": sum(counters["calls"].values()), "bytes": max(peaks)}
 
     def remove_bench(self, files, values):
         """Takes away what the profile brought, so that a restore has all of it to write."""

@@ -83,6 +83,7 @@ constexpr struct {
     {Gauge::kHandles, "handles"},       {Gauge::kWindows, "windows"},
     {Gauge::kThreads, "threads"},       {Gauge::kGdiObjects, "gdiObjects"},
     {Gauge::kHeapBlocks, "heapBlocks"}, {Gauge::kKeyPresses, "keyPresses"},
+    {Gauge::kHeapBytes, "heapBytes"},   {Gauge::kHeapPeak, "heapPeak"},
 };
 
 }  // namespace

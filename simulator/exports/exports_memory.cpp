@@ -67,7 +67,7 @@ LPVOID WINAPI HeapAlloc(HANDLE heap, DWORD flags, SIZE_T bytes) {
         [&] {
             void* block = sim::host::AllocateBlock(heap, flags, bytes);
             if (block != nullptr) {
-                sim::CountBlocks(heap, 1);
+                sim::NoteTaken(heap, sim::host::BlockBytes(heap, block));
             }
             return block;
         },
@@ -78,11 +78,12 @@ BOOL WINAPI HeapFree(HANDLE heap, DWORD flags, LPVOID block) {
     return Gated(
         Call::HeapFree, FALSE,
         [&]() -> BOOL {
+            const std::size_t bytes = sim::host::BlockBytes(heap, block);
             if (!sim::host::FreeBlock(heap, flags, block)) {
                 return FALSE;
             }
             if (block != nullptr) {
-                sim::CountBlocks(heap, -1);
+                sim::NoteFreed(heap, bytes);
             }
             return TRUE;
         },
@@ -95,7 +96,7 @@ HLOCAL WINAPI LocalAlloc(UINT flags, SIZE_T bytes) {
         [&]() -> HLOCAL {
             void* block = sim::host::AllocateLocal(flags, bytes);
             if (block != nullptr) {
-                sim::CountBlocks(kLocalHeap, 1);
+                sim::NoteTaken(kLocalHeap, sim::host::BlockBytes(kLocalHeap, block));
             }
             return block;
         },
@@ -107,9 +108,10 @@ HLOCAL WINAPI LocalFree(HLOCAL block) {
     return Gated(
         Call::LocalFree, block,
         [&]() -> HLOCAL {
+            const std::size_t bytes = sim::host::BlockBytes(kLocalHeap, block);
             HLOCAL left = sim::host::FreeLocal(block);
             if (left == nullptr && block != nullptr) {
-                sim::CountBlocks(kLocalHeap, -1);
+                sim::NoteFreed(kLocalHeap, bytes);
             }
             return left;
         },

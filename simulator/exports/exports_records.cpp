@@ -113,9 +113,12 @@ BYTE* Reallocate(HANDLE heap, BYTE* old, std::size_t bytes) {
     if (block == nullptr) {
         return nullptr;
     }
+    sim::NoteTaken(heap, sim::host::BlockBytes(heap, block));
     if (old == nullptr) {
-        sim::CountBlocks(heap, 1);
-    } else if (heap != nullptr) {
+        return static_cast<BYTE*>(block);
+    }
+    sim::NoteFreed(heap, sim::host::BlockBytes(heap, old));
+    if (heap != nullptr) {
         sim::host::FreeBlock(heap, 0, old);
     } else {
         sim::host::FreeLocal(old);

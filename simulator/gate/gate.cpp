@@ -205,12 +205,24 @@ void GateEntry::Note(bool succeeded) {
     }
 }
 
-void AddToGauge(Gauge gauge, long count) {
+long AddToGauge(Gauge gauge, long count) {
+    Attachment* here = Attached();
+    if (here == nullptr) {
+        return 0;
+    }
+    volatile long& held = here->process->gauges[static_cast<std::size_t>(gauge)];
+    return ::InterlockedExchangeAdd(&held, count) + count;
+}
+
+void RaiseGauge(Gauge gauge, long least) {
     Attachment* here = Attached();
     if (here == nullptr) {
         return;
     }
-    ::InterlockedExchangeAdd(&here->process->gauges[static_cast<std::size_t>(gauge)], count);
+    volatile long& held = here->process->gauges[static_cast<std::size_t>(gauge)];
+    for (long now = held; now < least;) {
+        now = ::InterlockedCompareExchange(&held, least, now);
+    }
 }
 
 bool TakeHalfWrite() {

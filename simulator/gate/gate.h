@@ -56,8 +56,10 @@ private:
     std::string arguments_;
 };
 
-// Adds to a gauge of this process, for what the calls themselves do not tell.
-void AddToGauge(Gauge gauge, long count);
+// Adds to a gauge of this process, for what the calls themselves do not tell; what it is now.
+long AddToGauge(Gauge gauge, long count);
+// Makes it at least so many.
+void RaiseGauge(Gauge gauge, long least);
 
 // What a process ends with where a rule says that it dies.
 constexpr unsigned kCrashExitCode = 0xCD;

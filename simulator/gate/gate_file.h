@@ -22,6 +22,8 @@ enum class Gauge : unsigned char {
     kThreads,
     kGdiObjects,
     kHeapBlocks,
+    kHeapBytes,
+    kHeapPeak,  // the most that kHeapBytes was
     kKeyPresses,
     kCount
 };

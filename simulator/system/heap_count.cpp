@@ -8,30 +8,46 @@
 namespace sim {
 namespace {
 
+struct Held {
+    long blocks;
+    long bytes;
+};
+
 std::mutex lock;
-std::map<void*, long>& Blocks() {
-    static std::map<void*, long> blocks;
-    return blocks;
+std::map<void*, Held>& Heaps() {
+    static std::map<void*, Held> heaps;
+    return heaps;
+}
+
+void Tell(long blocks, long bytes) {
+    AddToGauge(Gauge::kHeapBlocks, blocks);
+    RaiseGauge(Gauge::kHeapPeak, AddToGauge(Gauge::kHeapBytes, bytes));
+}
+
+void Add(void* heap, long blocks, long bytes) {
+    {
+        const std::lock_guard guard(lock);
+        Held& held = Heaps()[heap];
+        held.blocks += blocks;
+        held.bytes += bytes;
+    }
+    Tell(blocks, bytes);
 }
 
 }  // namespace
 
-void CountBlocks(void* heap, long count) {
-    {
-        const std::lock_guard guard(lock);
-        Blocks()[heap] += count;
-    }
-    AddToGauge(Gauge::kHeapBlocks, count);
-}
+void NoteTaken(void* heap, std::size_t bytes) { Add(heap, 1, static_cast<long>(bytes)); }
+
+void NoteFreed(void* heap, std::size_t bytes) { Add(heap, -1, -static_cast<long>(bytes)); }
 
 void ForgetHeap(void* heap) {
-    long left = 0;
+    Held left{};
     {
         const std::lock_guard guard(lock);
-        left = Blocks()[heap];
-        Blocks().erase(heap);
+        left = Heaps()[heap];
+        Heaps().erase(heap);
     }
-    AddToGauge(Gauge::kHeapBlocks, -left);
+    Tell(-left.blocks, -left.bytes);
 }
 
 }  // namespace sim

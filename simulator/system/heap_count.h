@@ -1,11 +1,14 @@
-// How many blocks each heap of this process holds, for the gauge.
+// What each heap of this process holds, for the gauges; also of blocks that the simulator itself
+// takes from a program's heap.
 #pragma once
+
+#include <cstddef>
 
 namespace sim {
 
-// Adds to the blocks of `heap` and to the gauge; also for blocks that the simulator itself takes
-// from a program's heap.
-void CountBlocks(void* heap, long count);
+// A block of so many bytes was taken from `heap`, or goes back to it.
+void NoteTaken(void* heap, std::size_t bytes);
+void NoteFreed(void* heap, std::size_t bytes);
 // The heap is gone with all its blocks.
 void ForgetHeap(void* heap);
 

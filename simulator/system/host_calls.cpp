@@ -74,6 +74,15 @@ void* AllocateLocal(std::uint32_t flags, std::size_t bytes) { return ::LocalAllo
 
 void* FreeLocal(void* block) { return ::LocalFree(block); }
 
+std::size_t BlockBytes(void* heap, const void* block) {
+    if (block == nullptr) {
+        return 0;
+    }
+    const SIZE_T bytes =
+        heap != nullptr ? ::HeapSize(heap, 0, block) : ::LocalSize(const_cast<void*>(block));
+    return bytes != static_cast<SIZE_T>(-1) ? bytes : 0;
+}
+
 int LocaleInfo(std::uint32_t locale, std::uint32_t type, wchar_t* text, int units) {
     return ::GetLocaleInfoW(locale, type, text, units);
 }

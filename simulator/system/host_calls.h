@@ -29,6 +29,8 @@ void* AllocateBlock(void* heap, std::uint32_t flags, std::size_t bytes);
 bool FreeBlock(void* heap, std::uint32_t flags, void* block);
 void* AllocateLocal(std::uint32_t flags, std::size_t bytes);
 void* FreeLocal(void* block);
+// Of a block of `heap`, or of a local one where that is null; 0 of no block.
+std::size_t BlockBytes(void* heap, const void* block);
 
 // The host's English texts for what the device's settings do not tell; 0 with the last error set.
 int LocaleInfo(std::uint32_t locale, std::uint32_t type, wchar_t* text, int units);

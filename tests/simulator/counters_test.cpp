@@ -89,6 +89,23 @@ TEST_F(CountersTest, LocalBlocksAreHeapBlocks) {
     EXPECT_EQ(before, after);
 }
 
+TEST_F(CountersTest, BytesOfBlocksAreCountedWithTheMostThatTheyWere) {
+    HANDLE heap = ::HeapCreate(0, 0x1000, 0);
+    const long before = Held(Gauge::kHeapBytes);
+    void* block = ::HeapAlloc(heap, 0, 100'000'000);
+    const long with_block = Held(Gauge::kHeapBytes);
+    ::HeapFree(heap, 0, block);
+    const long after = Held(Gauge::kHeapBytes);
+    ::HeapAlloc(heap, 0, 1000);
+    const long peak = Held(Gauge::kHeapPeak);
+    ::HeapDestroy(heap);
+    const long at_end = Held(Gauge::kHeapBytes);
+    EXPECT_EQ(before + 100'000'000, with_block);
+    EXPECT_EQ(before, after);
+    EXPECT_EQ(with_block, peak);
+    EXPECT_EQ(before, at_end);
+}
+
 TEST_F(CountersTest, GdiObjectsAreCounted) {
     const long before = Held(Gauge::kGdiObjects);
     HPEN pen = ::CreatePen(PS_SOLID, 1, 0);
