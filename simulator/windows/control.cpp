@@ -249,7 +249,6 @@ bool Tap(const Device& device, int id, const std::string& item, int times) {
         const json spot = AskOwner(DeviceName(device), ToWindow(control->handle), "spot", item);
         tapped = spot.is_array();
         if (tapped) {
-            RaiseIfActive(ToWindow(control->handle));
             TapScreen({spot.at(0), spot.at(1)}, times);
         }
     });

@@ -34,6 +34,7 @@ protected:
 
 private:
     std::vector<Window> PageControls();
+    bool DialogStandsAlone();
     void TapAt(int x, int y);
     std::optional<Window> ArrowsOf(const Window& tabs);
 };
