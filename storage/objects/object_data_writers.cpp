@@ -87,7 +87,7 @@ bool CopyChunk(const DataWriter& writer, HANDLE mapping, DWORD offset, DWORD byt
 bool CopyFileContents(const DataWriter& writer, StoredData& data) {
     const DWORD total = writer.block.head().data_bytes;
     DWORD size = 0;
-    const UniqueHandle mapping = MapFileForReading(
+    UniqueHandle mapping = MapFileForReading(
         Wide(writer.block.name()), 0, FILE_ATTRIBUTE_NORMAL | FILE_FLAG_RANDOM_ACCESS, &size);
     if (!mapping || size != total) {
         return false;
@@ -105,6 +105,7 @@ bool CopyFileContents(const DataWriter& writer, StoredData& data) {
         }
         done += bytes;
     }
+    mapping.Close();
     return true;
 }
 
