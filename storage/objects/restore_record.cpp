@@ -66,18 +66,19 @@ RestoreOutcome RestoreRegistry(RestoreTools& tools, const ObjectRecord& record, 
                                const StoredBytes& data, RestoreMode mode) {
     if (const RegistryObject* live =
             record.propOffset == 0 ? tools.live.FindRegistryObject(record.TolvOID) : nullptr) {
-        return RestoreRegistryObject(data, block, {live->key_path, live->value_name}, mode);
+        return RestoreRegistryObject(tools.key, data, block, {live->key_path, live->value_name},
+                                     mode);
     }
     char16_t* const name = block.name();
     if (record.type == ObjectType::kRegistryKey) {
-        return RestoreRegistryObject(data, block, {name, nullptr}, mode);
+        return RestoreRegistryObject(tools.key, data, block, {name, nullptr}, mode);
     }
     std::size_t separator = 0;
     if (!tools.value_names.FindSeparator(record, block, separator)) {
         return FailWith(ERROR_INVALID_DATA);
     }
     name[separator] = 0;
-    return RestoreRegistryObject(data, block, {name, name + separator + 1}, mode);
+    return RestoreRegistryObject(tools.key, data, block, {name, name + separator + 1}, mode);
 }
 
 // The id of the device's record that a deletion or a write-back is about; 0 when there is none.

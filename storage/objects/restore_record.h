@@ -9,6 +9,7 @@
 #include "storage/files/storage_view.h"
 #include "storage/format/storage_reader.h"
 #include "storage/objects/database_layer.h"
+#include "storage/objects/kept_key.h"
 #include "storage/objects/restore_outcome.h"
 
 namespace tolvenar {
@@ -29,6 +30,7 @@ struct RestoreTools {
     DatabaseRestore database_restore;
     WrittenRecords& written;
     ValueNames value_names;
+    KeptKey& key;  // of the value that was restored last
 };
 
 // Deletes the object of a record with JF_ADD from the device, writes any other back. `newOid` is

@@ -142,13 +142,15 @@ bool RestoreList(Engine& engine, ObjectList& list, RestoreRun& run, ResultCode& 
     const DatabaseCacheScope cache(engine.databases);
     MappedBytes bytes(storage);
     StorageReader stored(bytes);
+    KeptKey key(0);
     RestoreTools tools{engine.info,
                        stored,
                        engine.databases,
                        storage,
                        run.database_restore,
                        run.written,
-                       {engine.storage.journal.get(), stored, engine.info}};
+                       {engine.storage.journal.get(), stored, engine.info},
+                       key};
     run.ended_early = false;
     Passes passes(engine, tools, list, run);
     passes.RunPhase(IsDeletion);

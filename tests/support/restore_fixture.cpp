@@ -167,13 +167,15 @@ RestoreTools& RestoreFixture::Run() {
                                     mapping_,
                                     DatabaseRestore::kByDevice,
                                     written_,
-                                    {storage_.journal.get(), *reader_, info_}});
+                                    {storage_.journal.get(), *reader_, info_},
+                                    key_});
     }
     return *run_;
 }
 
 void RestoreFixture::NewRun() {
     run_.reset();
+    key_.Close();
     mapping_ = StorageMapping();
 }
 

@@ -69,6 +69,7 @@ protected:
     MappedBytes mapped_{mapping_};
     std::optional<StorageReader> reader_;
     WrittenRecords written_;
+    KeptKey key_{0};
     std::unique_ptr<RestoreTools> run_;
 
 private:
