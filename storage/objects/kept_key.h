@@ -16,9 +16,9 @@ public:
     KeptKey(const KeptKey&) = delete;
     KeptKey& operator=(const KeptKey&) = delete;
 
-    // Calls `use` with the key at `path`; it answers as the platform's registry calls do. A key that
-    // was open already may have been deleted and made again since: after a failure it is opened
-    // anew and `use` is called once more. The answer of the last call, or of the opening.
+    // Calls `use` with the key at `path`; it answers as the platform's registry calls do. A key
+    // that was open already may have been deleted and made again since: after a failure it is
+    // opened anew and `use` is called once more. The answer of the last call, or of the opening.
     template <typename Use>
     LONG With(std::uint32_t hive, const char16_t* path, Use use) {
         if (Holds(hive, path) && use(key_.get()) == ERROR_SUCCESS) {

@@ -135,8 +135,11 @@ TEST_F(RestoreRegistryTest, AValueThatCannotBeSetFails) {
 
 TEST_F(RestoreRegistryTest, AValueWhoseDataCannotBeMappedFails) {
     SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Word(1));
-    const ObjectRecord stored = StoreValue(HKEY_CURRENT_USER, u"Key", u"v", REG_SZ, kText);
-    FailInRun("MapViewOfFile", 2, ERROR_NOT_ENOUGH_MEMORY);
+    const ObjectRecord stored =
+        StoreValue(HKEY_CURRENT_USER, u"Key", u"v", REG_SZ, Bytes(2000, 'x'));
+    // Neither a window of both, nor another one of the data, nor the data alone.
+    FailInRun("MapViewOfFile", 1, ERROR_NOT_ENOUGH_MEMORY);
+    device().Fault("MapViewOfFile", 3, 2, ERROR_NOT_ENOUGH_MEMORY);
     const long before = device().Calls("RegSetValueExW");
     EXPECT_EQ(kFailed, WriteBack(stored));
     EXPECT_EQ(before, device().Calls("RegSetValueExW"));
