@@ -8,7 +8,12 @@ namespace tolvenar {
 
 // The entry at `path`; false, with the last error telling why, when there is none.
 inline bool FindEntry(const char16_t* path, WIN32_FIND_DATAW& entry) {
-    return static_cast<bool>(UniqueFind(::FindFirstFileW(Wide(path), &entry)));
+    UniqueFind search(::FindFirstFileW(Wide(path), &entry));
+    const bool is_found = static_cast<bool>(search);
+    if (is_found) {
+        search.Close();
+    }
+    return is_found;
 }
 
 inline bool IsInRom(DWORD attributes) {

@@ -5,12 +5,17 @@ namespace {
 
 constexpr DWORD kUsualGranularity = 0x10000;
 
-}  // namespace
-
-DWORD AllocationGranularity() {
+DWORD AskGranularity() {
     SYSTEM_INFO info{};
     ::GetSystemInfo(&info);
     return info.dwAllocationGranularity == 0 ? kUsualGranularity : info.dwAllocationGranularity;
+}
+
+}  // namespace
+
+DWORD AllocationGranularity() {
+    static const DWORD granularity = AskGranularity();
+    return granularity;
 }
 
 UniqueHandle MapFileForReading(const wchar_t* path, DWORD share, DWORD flags, DWORD* size) {

@@ -5,7 +5,7 @@
 
 namespace tolvenar {
 
-// The unit that the offsets of views must be a multiple of.
+// The unit that the offsets of views must be a multiple of; asked for once.
 DWORD AllocationGranularity();
 
 // A read-only mapping of the existing file `path`; `share` as for opening a file, `flags` its

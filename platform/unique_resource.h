@@ -25,7 +25,8 @@ public:
     explicit operator bool() const noexcept { return handle_ && handle_ != Invalid(); }
     T get() const noexcept { return handle_; }
     T Release() noexcept { return std::exchange(handle_, T{}); }
-    // For closings that may fail; the handle is gone in any case.
+    // Of an open handle, for closings that may fail and where nobody asks for the last error of
+    // before: two calls fewer than Reset. The handle is gone in any case.
     auto Close() noexcept { return close(Release()); }
     // For calls that return the handle through a pointer.
     T* Put() noexcept {

@@ -21,6 +21,7 @@ bool HasWholeName(const InfoBlock& block) {
 bool HasChecksum(StorageReader& stored, const ObjectRecord& record, const InfoBlock& block) {
     std::uint16_t checksum = kChecksumSeed;
     std::uint8_t chunk[kChunkBytes];
+    stored.Expect(record.data_offset, block.head().data_bytes);
     for (std::uint32_t done = 0; done < block.head().data_bytes;) {
         const std::uint32_t bytes = std::min(kChunkBytes, block.head().data_bytes - done);
         std::uint32_t read = 0;

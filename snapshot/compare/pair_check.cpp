@@ -135,6 +135,11 @@ Damage PairCheck::DamageOf(const ObjectRecord& record) const {
     return version == nullptr ? Damage::kBlock : version->damage;
 }
 
+bool PairCheck::BlockIsSound(std::uint32_t propOffset) const {
+    const StoredVersion* const version = Find(propOffset);
+    return version != nullptr && version->damage != Damage::kBlock;
+}
+
 bool PairCheck::IsOneObject(const Living& a, const Living& b) const {
     InfoBlock block_a;
     InfoBlock block_b;

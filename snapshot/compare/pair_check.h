@@ -37,6 +37,8 @@ public:
     // What is wrong with the stored version of a record. A record that no addition of the journal
     // is behind is damaged.
     Damage DamageOf(const ObjectRecord& record) const;
+    // True when the block at `propOffset` is an addition's and was read whole and undamaged.
+    bool BlockIsSound(std::uint32_t propOffset) const;
     // Whole blocks of no listed state: no record points to them, or one with a number above the
     // last state that has a record of its own. What the device has under such a name may be what a
     // state has.

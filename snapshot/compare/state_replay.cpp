@@ -116,23 +116,19 @@ bool StateReplay::Apply(const ObjectList::Node& source) {
 
 bool StateReplay::Add(const ObjectKey& own_key, const ObjectRecord& record) {
     const ObjectKey key = EntryKey(out_, own_key, record, info_);
-    std::unique_ptr<ObjectRecord> copy(NewObjectRecord(record));
-    if (copy == nullptr) {
-        return false;
-    }
-    copy->flags = 0;
+    ObjectRecord copy = record;
+    copy.flags = 0;
     if (const ObjectList::Node* present = out_.FindByKey(key)) {
         if (CountsRecords(record.type) && (record.flags & kFlagAddition20)) {
-            copy->content_fingerprint = static_cast<std::uint16_t>(
-                copy->content_fingerprint + present->record->content_fingerprint);
+            copy.content_fingerprint = static_cast<std::uint16_t>(
+                copy.content_fingerprint + present->record->content_fingerprint);
         }
         registry_.Remove(*present);
     }
-    ObjectList::Node* node = out_.InsertByKey(key, copy.get());
+    ObjectList::Node* node = out_.InsertByKey(key, copy);
     if (node == nullptr) {
         return false;
     }
-    static_cast<void>(copy.release());
     registry_.Add(*node);
     return true;
 }

@@ -3,6 +3,7 @@
 
 #include "platform/unique_resource.h"
 #include "snapshot/compare/info_source.h"
+#include "snapshot/engine/proved_blocks.h"
 #include "storage/files/handle_bytes.h"
 #include "storage/format/storage_reader.h"
 #include "storage/opened/engine.h"
@@ -14,11 +15,13 @@ struct Descriptions {
         : sav_file(OpenSavFile(engine.storage.names)),
           bytes(sav_file.get()),
           stored(bytes),
-          source(stored, engine.info) {}
+          blocks(stored),
+          source(blocks, engine.info) {}
 
     UniqueHandle sav_file;  // empty when the file could not be opened
     HandleBytes bytes;
     StorageReader stored;
+    ProvedBlocks blocks;
     InfoSource source;
 };
 

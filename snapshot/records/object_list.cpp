@@ -19,48 +19,38 @@ std::unique_ptr<ObjectList> ObjectList::CreateList() {
     return std::unique_ptr<ObjectList>(new (std::nothrow) ObjectList);
 }
 
-ObjectList::~ObjectList() { ClearList(); }
+ObjectList::~ObjectList() = default;
 
 ObjectList::Node* ObjectList::FindByKey(const ObjectKey& key) const {
     return index_.Find(HashOf(key), [&key](const Node& node) { return node.key == key; });
 }
 
-ObjectList::Node* ObjectList::InsertByKey(const ObjectKey& key, ObjectRecord* record) {
+ObjectList::Node* ObjectList::InsertByKey(const ObjectKey& key, const ObjectRecord& record) {
     Node* node = FindByKey(key);
     if (node == nullptr) {
-        return NewNode(key, record);
+        node = NewNode(key);
     }
-    if (node->record != record) {
-        delete node->record;
-        node->record = record;
+    if (node != nullptr) {
+        *node->record = record;
     }
     return node;
 }
 
-ObjectList::Node* ObjectList::NewNode(const ObjectKey& key, ObjectRecord* record) {
-    if (!index_.ReserveOneMore()) {
-        return nullptr;
-    }
-    auto* node = new (std::nothrow) Node{key, record, nullptr, first_, nullptr, next_serial_};
+ObjectList::Node* ObjectList::NewNode(const ObjectKey& key) {
+    Node* const node = index_.ReserveOneMore() ? nodes_.Take() : nullptr;
     if (node == nullptr) {
         return nullptr;
     }
+    node->key = key;
+    node->record = &node->own_record;
+    node->next = first_;
+    node->serial = next_serial_++;
     index_.Add(*node);
     if (first_ != nullptr) {
         first_->previous = node;
     }
     first_ = node;
-    ++next_serial_;
     return node;
-}
-
-bool ObjectList::InsertCopy(const ObjectKey& key, const ObjectRecord& record) {
-    std::unique_ptr<ObjectRecord> copy(NewObjectRecord(record));
-    if (copy == nullptr || InsertByKey(key, copy.get()) == nullptr) {
-        return false;
-    }
-    static_cast<void>(copy.release());
-    return true;
 }
 
 int ObjectList::RemoveByKey(const ObjectKey& key) {
@@ -78,8 +68,7 @@ void ObjectList::Remove(Node& node) {
     if (node.next != nullptr) {
         node.next->previous = node.previous;
     }
-    delete node.record;
-    delete &node;
+    nodes_.GiveBack(node);
 }
 
 int ObjectList::Next(Cursor& cursor, ObjectKey* key_out, ObjectRecord** record_out) {
@@ -97,13 +86,9 @@ int ObjectList::Next(Cursor& cursor, ObjectKey* key_out, ObjectRecord** record_o
 }
 
 void ObjectList::ClearList() {
-    while (first_ != nullptr) {
-        Node* node = first_;
-        first_ = node->next;
-        delete node->record;
-        delete node;
-    }
+    first_ = nullptr;
     index_.Clear();
+    nodes_.Clear();
 }
 
 std::uint16_t ObjectList::MaxStateNumber() const {

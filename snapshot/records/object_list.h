@@ -7,22 +7,25 @@
 
 #include "snapshot/records/hash_index.h"
 #include "snapshot/records/object_record.h"
+#include "snapshot/records/slabs.h"
 
 namespace tolvenar {
 
 // A doubly linked list that owns its records, newest insertion first. Order, replacement and search
 // results are those of a plain walk from the front; an index beside the links makes a lookup by key
-// constant time. Costs at most 128 bytes for each record, all of it on the private heap.
+// constant time. Costs at most 80 bytes for each record, all of it on the private heap.
 class ObjectList {
 public:
     struct Node {
         ObjectKey key;
-        ObjectRecord* record;  // owned by the list
+        ObjectRecord*
+            record;  // the node's own; a walk over a list that is not changed may change it
         Node* previous;
         Node* next;
         Node* bucket_next;
         // Insertions into this list before this one: the walk meets greater serials first.
         std::uint32_t serial;
+        ObjectRecord own_record;
 
         std::uint32_t Hash() const;  // of the key
     };
@@ -53,12 +56,13 @@ public:
 
     // The node under exactly this key, or null. The record is node->record.
     Node* FindByKey(const ObjectKey& key) const;
-    // Enters `record`, which must be a block of its own from NewObjectRecord, and owns it from then
-    // on: in the place of the record that the key holds already, or in a new node at the front.
-    // Null when there is no memory; the record is then still the caller's.
-    Node* InsertByKey(const ObjectKey& key, ObjectRecord* record);
-    // InsertByKey with a copy of `record`; false when there is no memory, the list is as before.
-    bool InsertCopy(const ObjectKey& key, const ObjectRecord& record);
+    // Enters a copy of `record`: in the place of the record that the key holds already, or in a new
+    // node at the front. Null when there is no memory; the list is as before.
+    Node* InsertByKey(const ObjectKey& key, const ObjectRecord& record);
+    // The same for who needs no node; false when there is no memory.
+    bool InsertCopy(const ObjectKey& key, const ObjectRecord& record) {
+        return InsertByKey(key, record) != nullptr;
+    }
     // Makes a record and inserts it under its own key. False when there is no memory.
     bool AddObject(const ObjectRecord& record) { return InsertCopy(KeyOf(record), record); }
     // Frees the node under this key and its record; 0 when there is none.
@@ -94,15 +98,15 @@ public:
 
 private:
     ObjectList() = default;
-    Node* NewNode(const ObjectKey& key, ObjectRecord* record);
+    Node* NewNode(const ObjectKey& key);
 
+    Slabs<Node> nodes_;
     Node* first_ = nullptr;
     HashIndex<Node> index_;
     std::uint32_t next_serial_ = 0;
 };
 
-// A zero-filled copy on the private heap, to be given to InsertByKey or freed with `delete`. Null
-// when there is no memory.
+// A copy of a block of its own, freed with `delete`. Null when there is no memory.
 ObjectRecord* NewObjectRecord(const ObjectRecord& record);
 
 // Destroys the list in `cell`, if any, and puts a new empty one there. False when out of memory.

@@ -1,33 +1,11 @@
 #include "snapshot/records/registry_objects.h"
 
-#include <cstring>
-#include <new>
-
 #include "snapshot/records/checksum.h"
 #include "snapshot/text/log.h"
 #include "snapshot/text/text_buffer.h"
 
 namespace tolvenar {
 namespace {
-
-// Null for an absent text and without memory.
-char16_t* CopyText(const char16_t* text) {
-    if (text == nullptr) {
-        return nullptr;
-    }
-    const std::size_t units = std::u16string_view(text).size() + 1;
-    auto* copy = new (std::nothrow) char16_t[units];
-    if (copy != nullptr) {
-        std::memcpy(copy, text, units * sizeof(char16_t));
-    }
-    return copy;
-}
-
-void Free(RegistryObject* object) {
-    delete[] object->key_path;
-    delete[] object->value_name;
-    delete object;
-}
 
 void LogCollision(const char16_t* full_name, const HolderNames& present, std::uint32_t TolvOID) {
     TextBuffer<1024> text;
@@ -58,19 +36,31 @@ std::uint32_t MakeKeyTolvOID(std::uint32_t hive, std::u16string_view key_path) {
     return (Checksum16(key_path.data(), path_bytes) & 0xFFu) << 16 | name;
 }
 
+// The values of a key come behind all that is below it: the first of them looks the path up.
+const char16_t* RegistryObjects::PathOf(const RegistryEntry& entry) {
+    const std::u16string_view path(entry.key_path);
+    if (last_path_ != nullptr && path == last_path_) {
+        return last_path_;
+    }
+    // A key under another collision counter is not found, and its path stands in the table twice.
+    const RegistryObject* const key =
+        entry.is_key ? nullptr : RegObjectFind(MakeKeyTolvOID(entry.hive, path));
+    last_path_ =
+        key != nullptr && path == key->key_path ? key->key_path : texts_.Copy(entry.key_path);
+    return last_path_;
+}
+
 int RegistryObjects::RegObjectAdd(std::uint32_t TolvOID, const RegistryEntry& entry) {
     if (entry.key_path == nullptr || !index_.ReserveOneMore()) {
         return 0;
     }
-    auto* object = new (std::nothrow) RegistryObject{};
+    const char16_t* const key_path = PathOf(entry);
+    const char16_t* const value_name =
+        entry.value_name == nullptr ? nullptr : texts_.Copy(entry.value_name);
+    const bool has_texts =
+        key_path != nullptr && (entry.value_name == nullptr || value_name != nullptr);
+    RegistryObject* const object = has_texts ? objects_.Take() : nullptr;
     if (object == nullptr) {
-        return 0;
-    }
-    object->key_path = CopyText(entry.key_path);
-    object->value_name = CopyText(entry.value_name);
-    if (object->key_path == nullptr ||
-        (entry.value_name != nullptr && object->value_name == nullptr)) {
-        Free(object);
         return 0;
     }
     object->TolvOID = TolvOID;
@@ -78,8 +68,8 @@ int RegistryObjects::RegObjectAdd(std::uint32_t TolvOID, const RegistryEntry& en
     object->is_key = entry.is_key;
     object->value_type = entry.value_type;
     object->data_bytes = entry.data_bytes;
-    object->next = first_;
-    first_ = object;
+    object->key_path = key_path;
+    object->value_name = value_name;
     index_.Add(*object);
     return 1;
 }
@@ -91,12 +81,10 @@ const RegistryObject* RegistryObjects::RegObjectFind(std::uint32_t TolvOID) cons
 }
 
 void RegistryObjects::RegObjectClear() {
-    while (first_ != nullptr) {
-        RegistryObject* object = first_;
-        first_ = object->next;
-        Free(object);
-    }
     index_.Clear();
+    objects_.Clear();
+    texts_.Clear();
+    last_path_ = nullptr;
 }
 
 bool RegistryObjects::IsTaken(std::uint32_t TolvOID, const RegistryEntry& entry,

@@ -7,6 +7,8 @@
 #include <string_view>
 
 #include "snapshot/records/hash_index.h"
+#include "snapshot/records/slabs.h"
+#include "snapshot/records/text_slabs.h"
 
 namespace tolvenar {
 
@@ -44,9 +46,8 @@ struct RegistryObject {
     bool is_key;
     std::uint32_t value_type;  // 0 for a key
     std::uint32_t data_bytes;
-    char16_t* key_path;    // owned by the table
-    char16_t* value_name;  // owned; null for a key
-    RegistryObject* next;  // newest first
+    const char16_t* key_path;    // the table's; those of one key may share it
+    const char16_t* value_name;  // the table's; null for a key
     RegistryObject* bucket_next;
 
     std::uint32_t Hash() const { return HashOf(TolvOID); }
@@ -78,7 +79,6 @@ protected:
 class RegistryObjects {
 public:
     RegistryObjects() = default;
-    ~RegistryObjects() { RegObjectClear(); }
     RegistryObjects(const RegistryObjects&) = delete;
     RegistryObjects& operator=(const RegistryObjects&) = delete;
 
@@ -96,11 +96,14 @@ public:
                   IdentifierHolders* holders = nullptr);
 
 private:
+    const char16_t* PathOf(const RegistryEntry& entry);
     bool IsTaken(std::uint32_t TolvOID, const RegistryEntry& entry, IdentifierHolders* holders,
                  HolderNames& names) const;
 
-    RegistryObject* first_ = nullptr;
-    HashIndex<RegistryObject> index_;  // of equal identifiers the newest stands first
+    Slabs<RegistryObject> objects_;
+    TextSlabs texts_;
+    const char16_t* last_path_ = nullptr;  // of the object that was entered last
+    HashIndex<RegistryObject> index_;      // of equal identifiers the newest stands first
 };
 
 }  // namespace tolvenar

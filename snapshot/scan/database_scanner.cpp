@@ -1,5 +1,7 @@
 #include "snapshot/scan/database_scanner.h"
 
+#include <algorithm>
+
 #include "platform/text.h"
 #include "platform/unique_resource.h"
 #include "snapshot/compare/exclusion.h"
@@ -15,23 +17,28 @@ constexpr DWORD kAllTypes = 0;
 // record without properties may read as "no data": it is then asked for by its place, since the
 // platform does not say whether such a read moves on. 0 when there are no more records.
 CEOID ReadNextRecord(DatabaseLayer& layer, HANDLE database, DWORD position, RecordBuffer& buffer) {
+    buffer.Clear();
     const CEOID oid = layer.ReadRecordProps(database, buffer);
     if (oid != 0 || ::GetLastError() != ERROR_NO_DATA) {
         return oid;
     }
+    buffer.Clear();
     const CEOID empty_record = layer.SeekRecord(database, CEDB_SEEK_BEGINNING, position);
     layer.SeekRecord(database, CEDB_SEEK_BEGINNING, position + 1);
     return empty_record;
 }
 
-void VisitRecords(DatabaseScan& scan, HANDLE database, DatabaseMaker maker) {
+// A larger buffer of before would be told as the size of the record.
+void VisitRecords(DatabaseScan& scan, HANDLE database, CEOID database_oid, const char16_t* name,
+                  DatabaseMaker maker) {
     RecordBuffer buffer;
     for (DWORD position = 0;; ++position) {
         const CEOID oid = ReadNextRecord(scan.databases, database, position, buffer);
         if (oid == 0) {
             return;
         }
-        maker(scan, {false, oid, buffer.count(), buffer.bytes(), buffer.size()});
+        maker(scan,
+              {false, oid, database_oid, name, buffer.count(), buffer.bytes(), buffer.size()});
     }
 }
 
@@ -40,7 +47,9 @@ void VisitDatabase(DatabaseScan& scan, CEOID oid, DatabaseMaker maker) {
     if (!scan.databases.GetObjectInfo(oid, info) || info.wObjType != OBJTYPE_DATABASE) {
         return;
     }
-    const char16_t* name = Utf16(info.infDatabase.szDbaseName);
+    // The platform may fill the name to the last unit.
+    char16_t name[CEDB_MAXDBASENAMELEN + 1] = {};
+    std::copy_n(Utf16(info.infDatabase.szDbaseName), CEDB_MAXDBASENAMELEN, name);
     if (IsExcludedDatabase(name)) {
         return;
     }
@@ -50,8 +59,16 @@ void VisitDatabase(DatabaseScan& scan, CEOID oid, DatabaseMaker maker) {
         scan.left_out.Add(ObjectType::kDatabase, name);
         return;
     }
-    maker(scan, {true, oid, info.infDatabase.wNumRecords, nullptr, 0});
-    VisitRecords(scan, database.get(), maker);
+    maker(scan, {true, oid, oid, name, info.infDatabase.wNumRecords, nullptr, 0});
+    VisitRecords(scan, database.get(), oid, name, maker);
+}
+
+bool Describe(ObjectInfo& info, const DatabaseEntry& entry, InfoBlock& block) {
+    return entry.is_database
+               ? info.GetOIDInfo(0, entry.oid, block)
+               : info.DescribeReadRecord({entry.oid, entry.database_oid, entry.database_name,
+                                          entry.count, entry.buffer_bytes},
+                                         block);
 }
 
 }  // namespace
@@ -73,7 +90,7 @@ void MakeDatabaseObject(DatabaseScan& scan, const DatabaseEntry& entry) {
             ? entry.count
             : FingerprintOfProperties(entry.properties, entry.buffer_bytes, entry.count);
     InfoBlock block;
-    if (!scan.info.GetOIDInfo(0, entry.oid, block)) {
+    if (!Describe(scan.info, entry, block)) {
         return;
     }
     record.dwOID = entry.oid;

@@ -1,19 +1,16 @@
 // Walks the object store's databases and makes a record of every database and database record.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
-
-#include "snapshot/compare/info_source.h"
 #include "snapshot/records/left_out.h"
 #include "snapshot/records/object_list.h"
 #include "storage/objects/database_layer.h"
+#include "storage/objects/object_info.h"
 
 namespace tolvenar {
 
 struct DatabaseScan {
     ObjectList& list;
-    LiveObjects& info;
+    ObjectInfo& info;
     DatabaseLayer& databases;
     LeftOut& left_out;  // gets the databases that are there and cannot be opened
 };
@@ -22,11 +19,13 @@ struct DatabaseScan {
 struct DatabaseEntry {
     bool is_database;
     CEOID oid;
+    CEOID database_oid;  // its own or that of its database
+    const char16_t* database_name;
     WORD count;  // database: number of records; record: number of properties
     // Record: the properties as the platform gives them, strings and blobs as pointers into this
-    // buffer; the maker may change it.
+    // buffer, a fresh one; the maker may change it.
     void* properties;
-    std::size_t buffer_bytes;
+    DWORD buffer_bytes;
 };
 
 using DatabaseMaker = void (*)(DatabaseScan& scan, const DatabaseEntry& entry);

@@ -49,6 +49,7 @@ public:
         do {
             VisitEntry();
         } while (::FindNextFileW(search.get(), &entry_));
+        search.Close();
     }
 
 private:
@@ -89,17 +90,19 @@ private:
 // False when the file is held by someone else or its contents cannot be mapped.
 bool ChecksumOfContents(const char16_t* path, const WIN32_FIND_DATAW& entry,
                         std::uint16_t& checksum) {
-    const UniqueHandle mapping =
+    UniqueHandle mapping =
         MapFileForReading(Wide(path), 0, entry.dwFileAttributes | FILE_FLAG_RANDOM_ACCESS);
     if (!mapping) {
         return false;
     }
     // The object store holds no file of 4 GB; a view longer than the file fails.
-    const UniqueView view(::MapViewOfFile(mapping.get(), FILE_MAP_READ, 0, 0, entry.nFileSizeLow));
+    UniqueView view(::MapViewOfFile(mapping.get(), FILE_MAP_READ, 0, 0, entry.nFileSizeLow));
     if (!view) {
         return false;
     }
     checksum = Checksum16(view.get(), entry.nFileSizeLow);
+    view.Close();
+    mapping.Close();
     return true;
 }
 

@@ -49,7 +49,7 @@ public:
 
     // Visits the key in path_. Each level lengthens the path, so the path's limit bounds the depth.
     void VisitKey() {
-        const UniqueHkey key = OpenKey(RootKey(hive_), Wide(path_), KEY_READ);
+        UniqueHkey key = OpenKey(RootKey(hive_), Wide(path_), KEY_READ);
         KeyCounts counts{};
         if (!key || !QueryKey(key.get(), counts)) {
             return;
@@ -64,6 +64,7 @@ public:
             path_[length_] = 0;
         }
         VisitValues(key.get(), counts);
+        key.Close();
     }
 
 private:

@@ -92,13 +92,17 @@ bool HandleBytes::MoveTo(std::uint32_t offset) {
     if (is_position_known_ && position_ == offset) {
         return true;
     }
+    // One place is also the answer of a failure.
+    const bool is_ambiguous = offset == 0xFFFFFFFF;
+    if (is_ambiguous) {
+        ::SetLastError(ERROR_SUCCESS);
+    }
     // With the high word given, the low one is an unsigned distance: places over 2 GB can be
     // reached.
     LONG high = 0;
-    ::SetLastError(ERROR_SUCCESS);
     const DWORD reached = ::SetFilePointer(file_, static_cast<LONG>(offset), &high, FILE_BEGIN);
-    const bool failed = reached == 0xFFFFFFFF && ::GetLastError() != ERROR_SUCCESS;
-    is_position_known_ = !failed && high == 0;
+    const bool failed = is_ambiguous && ::GetLastError() != ERROR_SUCCESS;
+    is_position_known_ = reached == offset && high == 0 && !failed;
     if (is_position_known_) {
         position_ = offset;
     }

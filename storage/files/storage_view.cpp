@@ -38,10 +38,14 @@ std::uint32_t NextChunk(std::uint32_t remaining) {
 
 bool WriteChunk(HANDLE file, const StorageMapping& storage, std::uint32_t offset,
                 std::uint32_t length) {
-    const StoredBytes data = MapStoredBytes(storage, offset, length);
+    StoredBytes data = MapStoredBytes(storage, offset, length);
     DWORD written = 0;
-    return data.bytes != nullptr && ::WriteFile(file, data.bytes, length, &written, nullptr) &&
-           written == length;
+    if (data.bytes == nullptr || !::WriteFile(file, data.bytes, length, &written, nullptr) ||
+        written != length) {
+        return false;
+    }
+    data.view.Close();
+    return true;
 }
 
 }  // namespace

@@ -23,12 +23,24 @@ const PageCache::Run* PageCache::Find(std::uint32_t page) {
     return nullptr;
 }
 
-void PageCache::DropOldest() {
-    Run& oldest = runs_[oldest_];
-    pages_kept_ -= oldest.pages;
-    oldest = Run{};
-    oldest_ = (oldest_ + 1) % kMaxPages;
-    --count_;
+void PageCache::Expect(std::uint32_t offset, std::uint32_t bytes) {
+    expected_begin_ = offset / kPageBytes;
+    expected_end_ =
+        static_cast<std::uint32_t>((std::uint64_t{offset} + bytes + kPageBytes - 1) / kPageBytes);
+}
+
+// Drops the oldest. The memory of one that was as large is used again.
+void PageCache::MakeRoomFor(Run& run) {
+    while (pages_kept_ + run.pages > kMaxPages) {
+        Run& oldest = runs_[oldest_];
+        if (oldest.pages == run.pages) {
+            run.data = std::move(oldest.data);
+        }
+        pages_kept_ -= oldest.pages;
+        oldest = Run{};
+        oldest_ = (oldest_ + 1) % kMaxPages;
+        --count_;
+    }
 }
 
 // The pages that are read when this one is wanted: more of them while reads go on one way.
@@ -41,6 +53,9 @@ PageCache::Run PageCache::RunAt(std::uint32_t page) {
     pages_ahead_ = goes_on ? std::min(2 * pages_ahead_, kMaxPages) : 1;
     direction_ = direction;
     if (direction >= 0) {
+        if (page >= expected_begin_ && page < expected_end_) {
+            pages_ahead_ = std::clamp(expected_end_ - page, pages_ahead_, kMaxPages);
+        }
         return {page, pages_ahead_, 0, nullptr};
     }
     const std::uint32_t pages = std::min(pages_ahead_, page + 1);
@@ -53,15 +68,15 @@ const PageCache::Run* PageCache::Load(std::uint32_t page) {
         runs_.reset(new (std::nothrow) Run[kMaxPages]{});
     }
     Run run = RunAt(page);
-    run.data.reset(new (std::nothrow) std::uint8_t[run.pages * kPageBytes]);
+    MakeRoomFor(run);
+    if (run.data == nullptr) {
+        run.data.reset(new (std::nothrow) std::uint8_t[run.pages * kPageBytes]);
+    }
     if (runs_ == nullptr || run.data == nullptr ||
         !file_.ReadAt(run.first_page * kPageBytes, run.data.get(), run.pages * kPageBytes,
                       run.bytes)) {
         pages_ahead_ = 0;
         return nullptr;
-    }
-    while (pages_kept_ + run.pages > kMaxPages) {
-        DropOldest();
     }
     last_found_ = (oldest_ + count_) % kMaxPages;
     previous_page_ = run.first_page - 1;

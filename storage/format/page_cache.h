@@ -22,6 +22,8 @@ public:
     // As ByteReader::ReadAt. Where a page cannot be read or kept the bytes alone are read: a bad
     // place of the file costs no neighbour.
     bool ReadAt(std::uint32_t offset, void* buffer, std::uint32_t bytes, std::uint32_t& read);
+    // Tells that these bytes are read next: they are read together, as far as they can be kept.
+    void Expect(std::uint32_t offset, std::uint32_t bytes);
 
     static constexpr std::uint32_t kPageBytes = 4096;
     static constexpr std::uint32_t kMaxPages = 64;
@@ -42,7 +44,7 @@ private:
     const Run* Find(std::uint32_t page);
     Run RunAt(std::uint32_t page);
     const Run* Load(std::uint32_t page);
-    void DropOldest();
+    void MakeRoomFor(Run& run);
 
     ByteReader& file_;
     std::unique_ptr<Run[]> runs_;  // a ring of kMaxPages: each has one page at least
@@ -54,6 +56,8 @@ private:
     std::uint32_t next_page_ = 0;      // behind it
     int direction_ = 0;                // of that run: 1 forward, -1 back, 0 after a jump
     std::uint32_t pages_ahead_ = 0;
+    std::uint32_t expected_begin_ = 0;  // pages
+    std::uint32_t expected_end_ = 0;
 };
 
 }  // namespace tolvenar

@@ -24,11 +24,15 @@ bool StorageReader::GetInfoFromStorage(std::uint32_t offset, InfoBlock& block) {
     return ReadUpTo(offset, bytes, sizeof bytes, read) && ParseInfoBlock(bytes, read, block);
 }
 
+bool StorageReader::IsInside(std::uint32_t offset, std::uint32_t bytes) {
+    is_size_known_ = is_size_known_ || file_.Size(size_);
+    return is_size_known_ && offset <= size_ && bytes <= size_ - offset;
+}
+
 std::unique_ptr<std::uint8_t[]> StorageReader::ReadData(std::uint32_t offset, std::uint32_t bytes) {
-    std::uint32_t size = 0;
     std::uint32_t read = 0;
     // A damaged block may claim any length.
-    if (!file_.Size(size) || offset > size || bytes > size - offset) {
+    if (!IsInside(offset, bytes)) {
         return nullptr;
     }
     std::unique_ptr<std::uint8_t[]> data(new (std::nothrow) std::uint8_t[bytes + std::size_t{1}]);

@@ -31,10 +31,16 @@ public:
     // All of `bytes` bytes at `offset` in a buffer of their own; null when they are not all there,
     // or there is no memory.
     std::unique_ptr<std::uint8_t[]> ReadData(std::uint32_t offset, std::uint32_t bytes);
+    // So many bytes at `offset` are read next, in pieces: the first of them may fetch the others.
+    void Expect(std::uint32_t offset, std::uint32_t bytes) { pages_.Expect(offset, bytes); }
 
 private:
+    bool IsInside(std::uint32_t offset, std::uint32_t bytes);
+
     ByteReader& file_;
     PageCache pages_;
+    std::uint32_t size_ = 0;  // of the file; asked for when it is first needed
+    bool is_size_known_ = false;
 };
 
 }  // namespace tolvenar

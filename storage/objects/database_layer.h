@@ -15,13 +15,20 @@ namespace tolvenar {
 class RecordBuffer {
 public:
     RecordBuffer() = default;
-    ~RecordBuffer() { HeapRelease(bytes_); }
+    ~RecordBuffer() { Clear(); }
     RecordBuffer(const RecordBuffer&) = delete;
     RecordBuffer& operator=(const RecordBuffer&) = delete;
 
     BYTE* bytes() const { return bytes_; }
     DWORD size() const { return size_; }   // bytes of the record that was read last
     WORD count() const { return count_; }  // its properties
+
+    void Clear() {
+        HeapRelease(bytes_);
+        bytes_ = nullptr;
+        size_ = 0;
+        count_ = 0;
+    }
 
 private:
     friend class DatabaseLayer;

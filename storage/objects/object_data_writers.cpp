@@ -1,15 +1,11 @@
 #include "storage/objects/object_data_writers.h"
 
 #include <algorithm>
-#include <memory>
-#include <new>
 
 #include "platform/file_mapping.h"
-#include "platform/registry_key.h"
 #include "platform/text.h"
 #include "snapshot/records/checksum.h"
 #include "storage/format/property_encoding.h"
-#include "storage/objects/stored_record.h"
 
 namespace tolvenar {
 namespace {
@@ -18,18 +14,6 @@ constexpr std::uint16_t kNoContents = 0xFFFF;  // fingerprint of keys and empty 
 
 bool Append(const DataWriter& writer, const void* bytes, StoredData& data) {
     return writer.storage.WriteBlock(bytes, writer.block.head().data_bytes, data.offset, false);
-}
-
-// The names come from the table: a key path may hold the character that joins them in a block.
-bool ReadRegistryValue(const RegistryObject& object, std::uint8_t* buffer, DWORD bytes) {
-    const UniqueHkey key = OpenKey(RootKey(object.hive), Wide(object.key_path), KEY_ALL_ACCESS);
-    if (!key) {
-        return false;
-    }
-    DWORD read = bytes;
-    return ::RegQueryValueExW(key.get(), Wide(object.value_name), nullptr, nullptr, buffer,
-                              &read) == ERROR_SUCCESS &&
-           read == bytes;
 }
 
 bool BackupSortOrders(const DataWriter& writer, StoredData& data) {
@@ -47,20 +31,19 @@ bool BackupSortOrders(const DataWriter& writer, StoredData& data) {
 }
 
 bool BackupRecordProperties(const DataWriter& writer, StoredData& data) {
-    RecordBuffer record;
-    if (!ReadRecordOf(writer.databases, writer.block.name(), writer.oid, record) ||
-        record.count() != writer.block.head().property_count) {
+    RecordBuffer* const record = writer.live.DescribedRecord(writer.oid);
+    if (record == nullptr || record->count() != writer.block.head().property_count ||
+        record->size() != writer.block.head().data_bytes) {
         return false;
     }
-    if (record.count() == 0) {
+    if (record->count() == 0) {
         // No byte of it is written.
-        return writer.block.head().data_bytes == 0 && Append(writer, writer.block.bytes(), data);
+        return record->size() == 0 && Append(writer, writer.block.bytes(), data);
     }
-    const auto base = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(record.bytes()));
-    return record.size() == writer.block.head().data_bytes &&
-           PointersToOffsets(record.bytes(), record.size(), record.count(), base) &&
-           ChecksumOfProperties(record.bytes(), record.size(), record.count(), data.checksum) &&
-           Append(writer, record.bytes(), data);
+    const auto base = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(record->bytes()));
+    return PointersToOffsets(record->bytes(), record->size(), record->count(), base) &&
+           ChecksumOfProperties(record->bytes(), record->size(), record->count(), data.checksum) &&
+           Append(writer, record->bytes(), data);
 }
 
 // The most that is mapped at once: the free memory in whole granules; 0 when there is not one.
@@ -87,7 +70,7 @@ bool CopyChunk(const DataWriter& writer, HANDLE mapping, DWORD offset, DWORD byt
 bool CopyFileContents(const DataWriter& writer, StoredData& data) {
     const DWORD total = writer.block.head().data_bytes;
     DWORD size = 0;
-    const UniqueHandle mapping = MapFileForReading(
+    UniqueHandle mapping = MapFileForReading(
         Wide(writer.block.name()), 0, FILE_ATTRIBUTE_NORMAL | FILE_FLAG_RANDOM_ACCESS, &size);
     if (!mapping || size != total) {
         return false;
@@ -105,6 +88,7 @@ bool CopyFileContents(const DataWriter& writer, StoredData& data) {
         }
         done += bytes;
     }
+    mapping.Close();
     return true;
 }
 
@@ -115,19 +99,13 @@ bool BackupRegistryData(const DataWriter& writer, StoredData& data) {
         data.checksum = kNoContents;
         return true;
     }
-    const RegistryObject* object = writer.registry_objects.RegObjectFind(writer.TolvOID);
     const std::uint32_t bytes = writer.block.head().data_bytes;
-    if (object == nullptr) {
+    const std::uint8_t* const value = writer.live.ReadValue(writer.TolvOID, bytes);
+    if (value == nullptr) {
         return false;
     }
-    // A value may have no data; reading it still wants a buffer.
-    const std::unique_ptr<std::uint8_t[]> buffer(
-        new (std::nothrow) std::uint8_t[std::max<std::uint32_t>(bytes, 1)]);
-    if (buffer == nullptr || !ReadRegistryValue(*object, buffer.get(), bytes)) {
-        return false;
-    }
-    data.checksum = Checksum16(buffer.get(), bytes);
-    return Append(writer, buffer.get(), data);
+    data.checksum = Checksum16(value, bytes);
+    return Append(writer, value, data);
 }
 
 bool BackupDatabaseData(const DataWriter& writer, StoredData& data) {
@@ -150,7 +128,7 @@ bool BackupFileData(const DataWriter& writer, StoredData& data) {
 
 bool BackupStateData(const DataWriter& writer, StoredData& data) {
     data.checksum = 0;
-    return Append(writer, writer.state_description, data);
+    return Append(writer, writer.live.state_description(), data);
 }
 
 bool BackupObjectData(const DataWriter& writer, StoredData& data) {

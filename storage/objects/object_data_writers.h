@@ -5,10 +5,10 @@
 
 #include <cstdint>
 
-#include "snapshot/records/registry_objects.h"
 #include "storage/format/info_block.h"
 #include "storage/format/storage_appender.h"
 #include "storage/objects/database_layer.h"
+#include "storage/objects/object_info.h"
 
 namespace tolvenar {
 
@@ -18,13 +18,12 @@ struct StoredData {
     std::uint16_t checksum = 0;
 };
 
-// The object of `block`: `TolvOID` for registry objects, `oid` for those of the object store. The
-// writers append the block's data_bytes bytes to `storage`; they fail when the
-// object has not exactly as many any more.
+// The object of `block`, which `live` has just described: `TolvOID` for registry objects, `oid` for
+// those of the object store. The writers append the block's data_bytes bytes to `storage`; they
+// fail when the object has not exactly as many any more.
 struct DataWriter {
+    ObjectInfo& live;
     DatabaseLayer& databases;
-    const RegistryObjects& registry_objects;
-    const char16_t* state_description;  // of the state that is written
     StorageAppender& storage;
     const InfoBlock& block;
     std::uint32_t TolvOID;
@@ -33,7 +32,7 @@ struct DataWriter {
 
 // A key has no data and the checksum 0xFFFF.
 bool BackupRegistryData(const DataWriter& writer, StoredData& data);
-// A database's sort orders, a record's properties.
+// A database's sort orders; the properties that a record was described by.
 bool BackupDatabaseData(const DataWriter& writer, StoredData& data);
 // A folder and a file in ROM have no data and the checksum 0, an empty file none and 0xFFFF. On
 // failure `data` is that of an empty file.

@@ -3,7 +3,6 @@
 #include <string_view>
 
 #include "platform/text.h"
-#include "platform/unique_resource.h"
 #include "storage/format/state_block.h"
 
 namespace tolvenar {
@@ -51,10 +50,17 @@ bool DescribeDatabase(const CEDBASEINFO& database, InfoBlock& block) {
                           TextIn(database.szDbaseName, CEDB_MAXDBASENAMELEN));
 }
 
+bool DescribeAs(InfoBlock& block, const char16_t* database_name, WORD count, DWORD bytes) {
+    block.head().property_count = count;
+    block.head().data_bytes = bytes;
+    return SetTypeAndName(block, ObjectType::kDatabaseRecord, database_name);
+}
+
 }  // namespace
 
 bool ObjectInfo::GetOIDInfo(std::uint32_t TolvOID, std::uint32_t dwOID, InfoBlock& block) {
     block.Clear();
+    described_record_ = 0;
     if (TolvOID != 0) {
         return dwOID == 0 && DescribeRegistryObject(TolvOID, block);
     }
@@ -112,32 +118,60 @@ bool ObjectInfo::DescribeStoreObject(CEOID oid, InfoBlock& block) {
     }
 }
 
+// What cannot be read counts as a record without properties. The description then differs from the
+// stored one, so the record is looked at again rather than taken for absent.
 bool ObjectInfo::DescribeRecord(CEOID oid, CEOID database_oid, InfoBlock& block) {
-    CEOIDINFO parent;
-    if (!GetObjectInfoPatiently(database_oid, parent) || parent.wObjType != OBJTYPE_DATABASE) {
+    const KeptOpen until_described(*this);
+    const bool was_open = records_.Holds(database_oid);
+    if (!was_open && !OpenDatabase(database_oid)) {
         return false;
     }
-    const auto name = TextIn(parent.infDatabase.szDbaseName, CEDB_MAXDBASENAMELEN);
-    if (!SetTypeAndName(block, ObjectType::kDatabaseRecord, name)) {
+    bool is_read = records_.Read(oid);
+    // The handle of before may be of no use any more.
+    if (!is_read && was_open) {
+        if (!OpenDatabase(database_oid)) {
+            return false;
+        }
+        is_read = records_.Read(oid);
+    }
+    described_record_ = is_read ? oid : 0;
+    return DescribeAs(block, records_.database_name(), records_.record().count(),
+                      records_.record().size());
+}
+
+bool ObjectInfo::DescribeReadRecord(const ReadRecord& record, InfoBlock& block) {
+    block.Clear();
+    CEOIDINFO info;
+    return GetObjectInfoPatiently(record.oid, info) && info.wObjType == OBJTYPE_RECORD &&
+           info.infRecord.oidParent == record.database_oid &&
+           DescribeAs(block, record.database_name, record.count, record.bytes);
+}
+
+// False when it is no database; one that cannot be opened has a name all the same.
+bool ObjectInfo::OpenDatabase(CEOID oid) {
+    CEOIDINFO info;
+    if (!GetObjectInfoPatiently(oid, info) || info.wObjType != OBJTYPE_DATABASE) {
         return false;
     }
-    CountProperties(block.name(), oid, block);
+    records_.Open(oid, TextIn(info.infDatabase.szDbaseName, CEDB_MAXDBASENAMELEN));
     return true;
 }
 
-// What cannot be read counts as a record without properties. The description then differs from the
-// stored one, so the record is looked at again rather than taken for absent.
-void ObjectInfo::CountProperties(const char16_t* database_name, CEOID oid, InfoBlock& block) {
-    CEOID database_oid = 0;
-    const UniqueHandle database(
-        databases_.OpenDatabase(database_oid, database_name, 0, 0, nullptr));
-    if (!database || databases_.SeekRecord(database.get(), CEDB_SEEK_CEOID, oid) == 0) {
-        return;
-    }
-    RecordBuffer record;
-    if (databases_.ReadRecordProps(database.get(), record) != 0) {
-        block.head().property_count = record.count();
-        block.head().data_bytes = record.size();
+RecordBuffer* ObjectInfo::DescribedRecord(CEOID oid) {
+    return oid != 0 && described_record_ == oid ? &records_.record() : nullptr;
+}
+
+const std::uint8_t* ObjectInfo::ReadValue(std::uint32_t TolvOID, std::uint32_t bytes) {
+    const KeptOpen until_read(*this);
+    const RegistryObject* const value = registry_objects_.RegObjectFind(TolvOID);
+    return value == nullptr ? nullptr : values_.Read(*value, bytes);
+}
+
+void ObjectInfo::EndUse() {
+    if (--users_ == 0) {
+        described_record_ = 0;
+        records_.Close();
+        values_.Close();
     }
 }
 

@@ -35,8 +35,8 @@ RestoreOutcome WriteFolder(const InfoBlock& block, CEOID& newOid) {
                                       AttributesOf(block), nullptr));
     if (folder) {
         SetTimes(folder.get(), block);
+        folder.Close();
     }
-    folder.Reset();
     ::SetFileAttributesW(path, AttributesOf(block));
     return RestoreOutcome::kDone;
 }
@@ -74,7 +74,7 @@ RestoreOutcome WriteFileBack(const StorageMapping& storage, std::uint32_t data_o
         cause = CauseOf(error);
     }
     SetTimes(file.get(), block);
-    file.Reset();
+    file.Close();
     ::SetFileAttributesW(path, AttributesOf(block));
     newOid = ObjectIdOf(block.name());
     return cause == ERROR_SUCCESS ? RestoreOutcome::kDone : FailWith(cause);

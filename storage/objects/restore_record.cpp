@@ -1,5 +1,7 @@
 #include "storage/objects/restore_record.h"
 
+#include <algorithm>
+
 #include "snapshot/text/log.h"
 #include "snapshot/text/text_buffer.h"
 #include "storage/objects/restore_database.h"
@@ -25,14 +27,16 @@ void LogMapFailure(const ObjectRecord& record) {
     LogMessage(message.text(), kModule, kLogError);
 }
 
-bool ReadStoredBlock(StorageReader& stored, const ObjectRecord& record, InfoBlock& block) {
-    std::uint8_t bytes[kInfoBlockBytes];
-    std::uint32_t read = 0;
-    if (!stored.ReadUpTo(record.propOffset, bytes, sizeof bytes, read) || read == 0) {
+bool ReadStoredBlock(RestoreTools& tools, const ObjectRecord& record, InfoBlock& block) {
+    const std::uint32_t size = tools.storage.size();
+    const std::uint32_t behind = record.propOffset < size ? size - record.propOffset : 1;
+    const std::uint32_t length = std::min<std::uint32_t>(kInfoBlockBytes, behind);
+    const std::uint8_t* const bytes = tools.window.At(record.propOffset, length);
+    if (bytes == nullptr) {
         LogMapFailure(record);
         return false;
     }
-    if (!ParseInfoBlock(bytes, read, block) || block.type() != record.type ||
+    if (!ParseInfoBlock(bytes, length, block) || block.type() != record.type ||
         !IsKnownType(record.type)) {
         LogMessage(u"Fail GetInfoFromStorage", kModule, kLogError);
         return false;
@@ -66,18 +70,27 @@ RestoreOutcome RestoreRegistry(RestoreTools& tools, const ObjectRecord& record, 
                                const StoredBytes& data, RestoreMode mode) {
     if (const RegistryObject* live =
             record.propOffset == 0 ? tools.live.FindRegistryObject(record.TolvOID) : nullptr) {
-        return RestoreRegistryObject(data, block, {live->key_path, live->value_name}, mode);
+        return RestoreRegistryObject(tools.key, data, block, {live->key_path, live->value_name},
+                                     mode);
     }
     char16_t* const name = block.name();
     if (record.type == ObjectType::kRegistryKey) {
-        return RestoreRegistryObject(data, block, {name, nullptr}, mode);
+        return RestoreRegistryObject(tools.key, data, block, {name, nullptr}, mode);
     }
     std::size_t separator = 0;
     if (!tools.value_names.FindSeparator(record, block, separator)) {
         return FailWith(ERROR_INVALID_DATA);
     }
     name[separator] = 0;
-    return RestoreRegistryObject(data, block, {name, name + separator + 1}, mode);
+    return RestoreRegistryObject(tools.key, data, block, {name, name + separator + 1}, mode);
+}
+
+// What is written back; nothing of it is there when it cannot be mapped.
+StoredBytes DataOf(RestoreTools& tools, const ObjectRecord& record, const InfoBlock& block) {
+    StoredBytes data;
+    data.length = block.head().data_bytes;
+    data.bytes = tools.window.At(record.data_offset, data.length);
+    return data;
 }
 
 // The id of the device's record that a deletion or a write-back is about; 0 when there is none.
@@ -100,9 +113,7 @@ RestoreOutcome RestoreDescribed(RestoreTools& tools, const ObjectRecord& record,
         return RestoreOutcome::kDone;
     }
     const StoredBytes data =
-        mode == RestoreMode::kWriteBack
-            ? MapStoredBytes(tools.storage, record.data_offset, block.head().data_bytes)
-            : StoredBytes();
+        mode == RestoreMode::kWriteBack ? DataOf(tools, record, block) : StoredBytes();
     if (is_registry) {
         return RestoreRegistry(tools, record, block, data, mode);
     }
@@ -118,7 +129,7 @@ RestoreOutcome DoRestoreRecord(RestoreTools& tools, const ObjectRecord& record, 
         (record.flags & JF_ADD) != 0 ? RestoreMode::kDelete : RestoreMode::kWriteBack;
     InfoBlock block;
     if (record.propOffset != 0) {
-        if (!ReadStoredBlock(tools.stored, record, block)) {
+        if (!ReadStoredBlock(tools, record, block)) {
             return FailWith(ERROR_INVALID_DATA);
         }
     } else {

@@ -7,8 +7,9 @@
 #include "snapshot/compare/value_names.h"
 #include "snapshot/compare/written_records.h"
 #include "storage/files/storage_view.h"
-#include "storage/format/storage_reader.h"
+#include "storage/files/storage_window.h"
 #include "storage/objects/database_layer.h"
+#include "storage/objects/kept_key.h"
 #include "storage/objects/restore_outcome.h"
 
 namespace tolvenar {
@@ -23,12 +24,13 @@ enum class DatabaseRestore {
 // What restoring an object works with.
 struct RestoreTools {
     LiveObjects& live;
-    StorageReader& stored;
     DatabaseLayer& databases;
-    const StorageMapping& storage;  // what `stored` reads
+    const StorageMapping& storage;
+    StorageWindow& window;  // of `storage`: blocks, and data of what is no file
     DatabaseRestore database_restore;
     WrittenRecords& written;
     ValueNames value_names;
+    KeptKey& key;  // of the value that was restored last
 };
 
 // Deletes the object of a record with JF_ADD from the device, writes any other back. `newOid` is

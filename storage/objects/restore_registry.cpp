@@ -13,15 +13,20 @@ RestoreOutcome Outcome(LONG status) {
     return status == ERROR_SUCCESS ? RestoreOutcome::kDone : FailWith(static_cast<DWORD>(status));
 }
 
-RestoreOutcome RestoreKey(HKEY root, const char16_t* key_path, RestoreMode mode) {
+RestoreOutcome RestoreKey(KeptKey& kept, HKEY root, const char16_t* key_path, RestoreMode mode) {
     if (mode == RestoreMode::kDelete) {
+        kept.Close();
         // A key that cannot be deleted, as one that is open, does not hold the restore up.
         ::RegDeleteKeyW(root, Wide(key_path));
         return RestoreOutcome::kDone;
     }
     UniqueHkey key;
-    return Outcome(::RegCreateKeyExW(root, Wide(key_path), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
-                                     key.Put(), nullptr));
+    const LONG status = ::RegCreateKeyExW(root, Wide(key_path), 0, nullptr, 0, KEY_ALL_ACCESS,
+                                          nullptr, key.Put(), nullptr);
+    if (status == ERROR_SUCCESS) {
+        key.Close();
+    }
+    return Outcome(status);
 }
 
 bool EqualIgnoringCase(const char16_t* a, const char16_t* b) {
@@ -64,46 +69,50 @@ bool MayChange(const LocaleValue& guarded, const StoredBytes& data, RestoreMode 
 }
 
 // Some releases answer 87 for a value that is not there, as the result or as the last error.
-RestoreOutcome DeleteValue(HKEY key, const char16_t* value_name) {
+LONG DeleteValue(HKEY key, const char16_t* value_name) {
     ::SetLastError(ERROR_SUCCESS);
     const LONG status = ::RegDeleteValueW(key, Wide(value_name));
     const DWORD error = ::GetLastError();
-    return status == ERROR_INVALID_PARAMETER || error == ERROR_INVALID_PARAMETER
-               ? RestoreOutcome::kDone
-               : Outcome(status);
+    return status == ERROR_INVALID_PARAMETER || error == ERROR_INVALID_PARAMETER ? ERROR_SUCCESS
+                                                                                 : status;
 }
 
-RestoreOutcome RestoreValue(const StoredBytes& data, const InfoBlock& block,
+LONG RestoreValueOf(HKEY key, const StoredBytes& data, const InfoBlock& block,
+                    const RegistryName& name, RestoreMode mode) {
+    const LocaleValue* guarded = FindLocaleValue(block.head().hive, name);
+    if (guarded != nullptr && !MayChange(*guarded, data, mode)) {
+        return ERROR_SUCCESS;
+    }
+    if (mode == RestoreMode::kDelete) {
+        return DeleteValue(key, name.value_name);
+    }
+    return data.complete() ? ::RegSetValueExW(key, Wide(name.value_name), 0,
+                                              block.head().value_type, data.bytes, data.length)
+                           : ERROR_INVALID_DATA;
+}
+
+RestoreOutcome RestoreValue(KeptKey& kept, const StoredBytes& data, const InfoBlock& block,
                             const RegistryName& name, RestoreMode mode) {
-    const UniqueHkey key = OpenKey(RootKey(block.head().hive), Wide(name.key_path));
-    if (!key) {
+    const LONG status = kept.With(block.head().hive, name.key_path, [&](HKEY key) {
+        return RestoreValueOf(key, data, block, name, mode);
+    });
+    if (!kept.is_open()) {
         return mode == RestoreMode::kDelete ? RestoreOutcome::kDone
                                             : FailWith(ERROR_PATH_NOT_FOUND);
     }
-    const LocaleValue* guarded = FindLocaleValue(block.head().hive, name);
-    if (guarded != nullptr && !MayChange(*guarded, data, mode)) {
-        return RestoreOutcome::kDone;
-    }
-    if (mode == RestoreMode::kDelete) {
-        return DeleteValue(key.get(), name.value_name);
-    }
-    if (!data.complete()) {
-        return FailWith(ERROR_INVALID_DATA);
-    }
-    return Outcome(::RegSetValueExW(key.get(), Wide(name.value_name), 0, block.head().value_type,
-                                    data.bytes, data.length));
+    return Outcome(status);
 }
 
 }  // namespace
 
-RestoreOutcome RestoreRegistryObject(const StoredBytes& data, const InfoBlock& block,
+RestoreOutcome RestoreRegistryObject(KeptKey& kept, const StoredBytes& data, const InfoBlock& block,
                                      const RegistryName& name, RestoreMode mode) {
     if (!IsHive(block.head().hive)) {
         return FailWith(ERROR_INVALID_DATA);
     }
     return block.type() == ObjectType::kRegistryKey
-               ? RestoreKey(RootKey(block.head().hive), name.key_path, mode)
-               : RestoreValue(data, block, name, mode);
+               ? RestoreKey(kept, RootKey(block.head().hive), name.key_path, mode)
+               : RestoreValue(kept, data, block, name, mode);
 }
 
 }  // namespace tolvenar

@@ -5,6 +5,7 @@
 
 #include "storage/files/storage_view.h"
 #include "storage/format/info_block.h"
+#include "storage/objects/kept_key.h"
 #include "storage/objects/restore_outcome.h"
 
 namespace tolvenar {
@@ -15,9 +16,9 @@ struct RegistryName {
     const char16_t* value_name;  // null for a key
 };
 
-// `block` describes a key or a value of this name, `data` is the value's. Fails, touching nothing,
-// when the description makes no sense.
-RestoreOutcome RestoreRegistryObject(const StoredBytes& data, const InfoBlock& block,
+// `block` describes a key or a value of this name, `data` is the value's. `kept` stays open for the
+// values of one key. Fails, touching nothing, when the description makes no sense.
+RestoreOutcome RestoreRegistryObject(KeptKey& kept, const StoredBytes& data, const InfoBlock& block,
                                      const RegistryName& name, RestoreMode mode);
 
 }  // namespace tolvenar

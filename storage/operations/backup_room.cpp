@@ -24,6 +24,7 @@ std::uint32_t BytesInStorage(Engine& engine, const ObjectRecord& record) {
 
 // Everything that the scan met, in a storage of its own.
 std::uint64_t EstimateFullBackup(Engine& engine) {
+    const ObjectInfo::KeptOpen until_counted(engine.info);
     std::uint64_t total = kFirstBytes + kSpareBytes;
     for (const ObjectList::Node& node : *engine.storage.newer) {
         total += std::uint64_t{BytesInStorage(engine, *node.record)} + sizeof(ObjectRecord);
@@ -54,6 +55,7 @@ std::uint32_t EstimateBlockSize(Engine& engine, const ObjectRecord& record) {
 }
 
 std::uint64_t EstimateList(Engine& engine, const ObjectList& list) {
+    const ObjectInfo::KeptOpen until_counted(engine.info);
     std::uint64_t total = 0;
     for (const ObjectList::Node& node : list) {
         total += std::uint64_t{EstimateBlockSize(engine, *node.record)} + sizeof(ObjectRecord);

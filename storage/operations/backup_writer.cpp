@@ -201,6 +201,7 @@ int BackupItems(Engine& engine, StorageAppender& storage, ObjectList& list,
     engine.progress.ProgressStep(u"Backing Up...");
     failed_count = 0;
     LostContainers lost;
+    const ObjectInfo::KeptOpen until_written(engine.info);
     for (const ObjectList::Node& node : list) {
         ObjectRecord& record = *node.record;
         const bool is_stored = !IsLost(engine, record, lost) && BackupItem(engine, storage, record);
@@ -221,6 +222,7 @@ bool BackupItem(Engine& engine, StorageAppender& storage, ObjectRecord& record) 
     if ((record.flags & JF_ADD) == 0) {
         return true;
     }
+    const ObjectInfo::KeptOpen until_written(engine.info);
     InfoBlock block;
     // An id that was given out again since the scan is another object's.
     if (!engine.info.GetOIDInfo(record.TolvOID, record.dwOID, block) ||
@@ -228,13 +230,8 @@ bool BackupItem(Engine& engine, StorageAppender& storage, ObjectRecord& record) 
         return false;
     }
     StoredData data;
-    const DataWriter writer{engine.databases,
-                            engine.storage.registry_objects,
-                            engine.info.state_description(),
-                            storage,
-                            block,
-                            record.TolvOID,
-                            record.dwOID};
+    const DataWriter writer{engine.info, engine.databases, storage,
+                            block,       record.TolvOID,   record.dwOID};
     std::uint32_t block_offset = 0;
     if (!storage.WriteBlock(block.bytes(), kInfoHeadBytes, block_offset, true) ||
         !BackupObjectData(writer, data) || !storage.Flush()) {

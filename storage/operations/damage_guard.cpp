@@ -213,7 +213,7 @@ void DamageGuard::HoldBackDamagedData() {
         ObjectRecord& record = *node.record;
         InfoBlock block;
         if (!IsPendingVersion(record) || !IsLookedAt(record) ||
-            !descriptions_.stored.GetInfoFromStorage(record.propOffset, block)) {
+            !descriptions_.blocks.GetInfoFromStorage(record.propOffset, block)) {
             continue;
         }
         if (check_.DamageOf(record) == Damage::kData ||

@@ -38,6 +38,10 @@ std::uint64_t RoomForFiles(const Room& room) {
     return store != 0 && memory != 0 ? store + memory : 0;
 }
 
+bool IsFileDeletion(const ObjectRecord& record) {
+    return record.type == ObjectType::kFile && IsPendingDeletion(record);
+}
+
 // What a file of the device gives back when it goes or is overwritten.
 std::uint64_t SizeOnDevice(const InfoBlock& block) {
     WIN32_FIND_DATAW found{};
@@ -81,7 +85,7 @@ bool FindRoomNeed(const ObjectList& difference, DatabaseRestore database_restore
                            overwritten.AddByName(record);
                        }
                    });
-    ForEachPending(difference, IsPendingDeletion, info, [&](ObjectRecord&, const InfoBlock& block) {
+    ForEachPending(difference, IsFileDeletion, info, [&](ObjectRecord&, const InfoBlock& block) {
         // The deleted and the overwritten one may be one file.
         const bool is_counted = overwritten.FindByName(block) != nullptr;
         room.store += is_counted ? 0 : SizeOnDevice(block);

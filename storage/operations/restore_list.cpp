@@ -2,6 +2,7 @@
 
 #include "platform/win32.h"
 
+#include "storage/format/storage_reader.h"
 #include "storage/operations/aimed_state.h"
 #include "storage/operations/held_back.h"
 
@@ -140,15 +141,19 @@ bool RestoreList(Engine& engine, ObjectList& list, RestoreRun& run, ResultCode& 
     engine.progress.ProgressBegin(2 * list.CountRecords());
     engine.progress.ProgressStep(u"Restoring...");
     const DatabaseCacheScope cache(engine.databases);
+    StorageWindow window(storage);
+    // The names of values have a reader of their own: reading one moves a window.
     MappedBytes bytes(storage);
     StorageReader stored(bytes);
+    KeptKey key(0);
     RestoreTools tools{engine.info,
-                       stored,
                        engine.databases,
                        storage,
+                       window,
                        run.database_restore,
                        run.written,
-                       {engine.storage.journal.get(), stored, engine.info}};
+                       {engine.storage.journal.get(), stored, engine.info},
+                       key};
     run.ended_early = false;
     Passes passes(engine, tools, list, run);
     passes.RunPhase(IsDeletion);

@@ -11,7 +11,7 @@
 namespace tolvenar {
 namespace {
 
-// Takes out what is never restored. False when there is no memory.
+// Takes out what is never restored, but files. False when there is no memory.
 bool TakeOutUnrestored(OpenedStorage& storage, Descriptions& descriptions) {
     ObjectList& difference = *storage.difference;
     TakeOutOwnValues(difference, kOwnValues, descriptions.source);
@@ -20,7 +20,6 @@ bool TakeOutUnrestored(OpenedStorage& storage, Descriptions& descriptions) {
         return false;
     }
     RemoveHandled(difference);
-    TakeOutOwnFiles(difference, storage.names, descriptions.source);
     return true;
 }
 
@@ -46,6 +45,8 @@ PlanOutcome PrepareRestore(RestorePlan& plan, RestoreRun& run) {
     if (!CheckOpenPair(plan.engine, descriptions, check)) {
         return PlanOutcome::kLeaveAll;
     }
+    descriptions.blocks.Prove(check, storage.names.sav);
+    TakeOutOwnFiles(*storage.difference, storage.names, descriptions.source);
     std::unique_ptr<ObjectList> aimed;
     plan.target = storage.older.get();
     if ((!plan.tells_device && !AimAtState(plan, descriptions, aimed)) ||

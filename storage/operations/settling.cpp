@@ -68,8 +68,10 @@ public:
 
     // The device's object that is `version`, or null.
     ObjectRecord* Find(const LiveObjectsOfList& live, const ObjectRecord& version) {
+        const auto is_any = [](const ObjectRecord&) { return true; };
         InfoBlock block;
-        if (!descriptions_.stored.GetInfoFromStorage(version.propOffset, block) ||
+        if (live.Find(version, is_any) == nullptr ||
+            !descriptions_.blocks.GetInfoFromStorage(version.propOffset, block) ||
             block.type() != version.type) {
             return nullptr;
         }

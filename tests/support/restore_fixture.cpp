@@ -155,6 +155,7 @@ ObjectRecord RestoreFixture::LiveValue(HKEY root, const Text& key_path, const Te
 
 RestoreTools& RestoreFixture::Run() {
     if (mapping_.size() != sav_.size()) {
+        window_.Close();
         mapping_ = StorageMapping();
         SaveStorage();
         EXPECT_TRUE(mapping_.Open(storage_.names.sav));
@@ -162,18 +163,21 @@ RestoreTools& RestoreFixture::Run() {
     }
     if (!run_) {
         run_.reset(new RestoreTools{info_,
-                                    *reader_,
                                     databases_,
                                     mapping_,
+                                    window_,
                                     DatabaseRestore::kByDevice,
                                     written_,
-                                    {storage_.journal.get(), *reader_, info_}});
+                                    {storage_.journal.get(), *reader_, info_},
+                                    key_});
     }
     return *run_;
 }
 
 void RestoreFixture::NewRun() {
     run_.reset();
+    key_.Close();
+    window_.Close();
     mapping_ = StorageMapping();
 }
 

@@ -3,6 +3,7 @@
 
 #include <optional>
 
+#include "storage/format/storage_reader.h"
 #include "storage/objects/restore_record.h"
 #include "tests/support/engine_test.h"
 
@@ -67,8 +68,10 @@ protected:
     Bytes sav_ = Bytes(236, '\0');
     StorageMapping mapping_;
     MappedBytes mapped_{mapping_};
+    StorageWindow window_{mapping_};
     std::optional<StorageReader> reader_;
     WrittenRecords written_;
+    KeptKey key_{0};
     std::unique_ptr<RestoreTools> run_;
 
 private:

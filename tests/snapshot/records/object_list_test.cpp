@@ -97,9 +97,7 @@ TEST_F(ObjectListTest, APresentKeyKeepsItsPlaceAndGetsTheNewRecord) {
     ObjectRecord changed = MakeRecord(kFile, 2, 0);
     changed.propOffset = 99;
     const ObjectList::Node* node = list_->FindByKey(KeyOf(changed));
-    auto* record = NewObjectRecord(changed);
-    EXPECT_EQ(node, list_->InsertByKey(KeyOf(changed), record));
-    EXPECT_EQ(record, node->record);
+    EXPECT_EQ(node, list_->InsertByKey(KeyOf(changed), changed));
     EXPECT_EQ(3u, list_->CountRecords());
     EXPECT_EQ((std::vector<std::uint32_t>{3, 2, 1}), Oids());
     EXPECT_EQ(99u, Walk(*list_)[1].record.propOffset);
@@ -108,7 +106,7 @@ TEST_F(ObjectListTest, APresentKeyKeepsItsPlaceAndGetsTheNewRecord) {
 TEST_F(ObjectListTest, InsertingTheRecordThatIsThereChangesNothing) {
     AddFile(5);
     ObjectList::Node* node = list_->First();
-    EXPECT_EQ(node, list_->InsertByKey(node->key, node->record));
+    EXPECT_EQ(node, list_->InsertByKey(node->key, *node->record));
     EXPECT_EQ(5u, node->record->dwOID);
 }
 

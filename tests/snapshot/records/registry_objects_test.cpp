@@ -53,6 +53,28 @@ TEST_F(RegistryObjectsTest, FindsWhatWasAdded) {
     EXPECT_EQ(nullptr, table_.RegObjectFind(6));
 }
 
+TEST_F(RegistryObjectsTest, TheValuesOfAKeyShareItsPath) {
+    const auto enter = [this](const RegistryEntry& entry) {
+        const std::u16string name = entry.is_key ? u"80000002" : u"80000002\u00FF";
+        std::uint32_t id = 0;
+        const std::u16string full = name + entry.key_path + (entry.is_key ? u"" : entry.value_name);
+        EXPECT_TRUE(table_.Generate(full.c_str(), entry, id));
+        return table_.RegObjectFind(id);
+    };
+    const RegistryObject* const key = enter({true, kMachine, u"A"});
+    // What is below the key comes before its values.
+    const RegistryObject* const subkey = enter({true, kMachine, u"A\\B"});
+    const RegistryObject* const one = enter({false, kMachine, u"A", u"one"});
+    const RegistryObject* const two = enter({false, kMachine, u"A", u"two"});
+    EXPECT_EQ(key->key_path, one->key_path);
+    EXPECT_EQ(key->key_path, two->key_path);
+    EXPECT_NE(key->key_path, subkey->key_path);
+    EXPECT_EQ(std::u16string(u"two"), two->value_name);
+    // A key that is in no state has values all the same.
+    const RegistryObject* const lone = enter({false, kMachine, u"C", u"three"});
+    EXPECT_EQ(std::u16string(u"C"), lone->key_path);
+}
+
 TEST_F(RegistryObjectsTest, TheTextsAreCopies) {
     char16_t key_path[] = u"Software";
     char16_t name[] = u"Name";

@@ -167,13 +167,30 @@ TEST_F(DatabaseScannerTest, AReadThatFailsEndsItsDatabaseAndNotTheScan) {
 }
 
 TEST_F(DatabaseScannerTest, ARecordThatCannotBeDescribedIsLeftOut) {
-    MakeDatabase(L"First");
+    const CEOID database = MakeDatabase(L"First");
     const CEOID oid = AddRecord(L"First", {{kNumber, 1}});
     DatabaseScan whole{*list_, info_, databases_, left_out_};
-    MakeDatabaseObject(whole, {false, oid + 1000, 0, nullptr, 0});
+    MakeDatabaseObject(whole, {false, oid + 1000, database, u"First", 0, nullptr, 0});
+    MakeDatabaseObject(whole, {false, oid, database + 1000, u"First", 0, nullptr, 0});
     EXPECT_EQ(0u, list_->CountRecords());
-    MakeDatabaseObject(whole, {false, oid, 0, nullptr, 0});
+    MakeDatabaseObject(whole, {false, oid, database, u"First", 0, nullptr, 0});
     EXPECT_EQ(1u, list_->CountRecords());
+}
+
+// The size of the buffer is in the description, and a backup describes the record by itself.
+TEST_F(DatabaseScannerTest, ARecordIsDescribedAsIfItWasReadAlone) {
+    MakeDatabase(L"First");
+    const CEOID large = AddRecord(L"First", {{kNumber, 1}, {0x0002001F, 0, L"a long name"}});
+    const CEOID small = AddRecord(L"First", {{kNumber, 2}});
+    device().Set("database.empty.record", "no-data");
+    const CEOID empty = AddEmptyRecord(L"First");
+    Scan();
+    for (const CEOID oid : {large, small, empty}) {
+        InfoBlock block;
+        ASSERT_TRUE(info_.GetOIDInfo(0, oid, block));
+        ASSERT_NE(nullptr, RecordOf(oid));
+        EXPECT_EQ(Checksum16(block.bytes(), block.size()), RecordOf(oid)->info_checksum);
+    }
 }
 
 TEST_F(DatabaseScannerTest, TheScanClosesWhatItOpens) {

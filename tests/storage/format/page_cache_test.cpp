@@ -96,6 +96,27 @@ TEST_F(PageCacheTest, AJumpReadsOnePageAgain) {
     EXPECT_EQ(Costs(1, kPage), Cost(48 * kPage, 4));
 }
 
+TEST_F(PageCacheTest, WhatIsExpectedComesInOneRead) {
+    cache_.Expect(10 * kPage + 100, 3 * kPage);
+    EXPECT_EQ(Costs(1, 4 * kPage), Cost(10 * kPage + 100, kPage));
+    EXPECT_EQ(Costs(0, 0), Cost(11 * kPage + 100, 2 * kPage));
+    EXPECT_EQ(Costs(1, kPage), Cost(30 * kPage, 4)) << "nothing is expected there";
+    cache_.Expect(100 * kPage, 100 * kPage);
+    EXPECT_EQ(Costs(1, PageCache::kMaxPages * kPage), Cost(100 * kPage, 4)) << "what is kept";
+    cache_.Expect(0xFFFFFFFF, 0xFFFFFFFF);
+    EXPECT_EQ(Costs(1, kPage), Cost(50 * kPage, 4));
+}
+
+TEST_F(PageCacheTest, ABadPlaceInWhatIsExpectedCostsNothingBeforeIt) {
+    file_.bad_begin = 12 * kPage;
+    file_.bad_end = 13 * kPage;
+    cache_.Expect(10 * kPage, 4 * kPage);
+    EXPECT_TRUE(Reads(10 * kPage, kPage));
+    EXPECT_TRUE(Reads(11 * kPage, kPage));
+    EXPECT_FALSE(Reads(12 * kPage, kPage));
+    EXPECT_TRUE(Reads(13 * kPage, kPage));
+}
+
 TEST_F(PageCacheTest, GoingToAndFroBetweenPlacesCostsNothingMore) {
     for (std::uint32_t place = 0; place < 30; ++place) {
         Cost(place * 6 * kPage, 4);

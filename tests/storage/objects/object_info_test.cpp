@@ -87,6 +87,70 @@ TEST_F(ObjectInfoTest, ARecordWhoseDatabaseCannotBeDescribedFails) {
     EXPECT_FALSE(info_.GetOIDInfo(0, oid, block));
 }
 
+TEST_F(ObjectInfoTest, ADatabaseStaysOpenForItsRecordsUntilTheLastUseEnds) {
+    const CEOID database = MakeDatabase(L"First");
+    const CEOID one = AddRecord(L"First", {{kNumber, 1}});
+    const CEOID two = AddRecord(L"First", {{kNumber, 2}});
+    {
+        const ObjectInfo::KeptOpen kept(info_);
+        const std::string calls = device().Traced("CeOpenDatabaseEx", [&] {
+            const ObjectInfo::KeptOpen kept_within(info_);
+            EXPECT_EQ(1u, Describe(0, one).head().property_count);
+            EXPECT_EQ(1u, Describe(0, two).head().property_count);
+        });
+        const std::size_t first = calls.find("First");
+        EXPECT_NE(std::string::npos, first);
+        EXPECT_EQ(std::string::npos, calls.find("First", first + 1)) << calls;
+        EXPECT_NE(nullptr, info_.DescribedRecord(two));
+        EXPECT_EQ(nullptr, info_.DescribedRecord(one));
+        EXPECT_FALSE(databases_.DeleteDatabase(database));
+    }
+    EXPECT_EQ(nullptr, info_.DescribedRecord(two));
+    EXPECT_TRUE(databases_.DeleteDatabase(database));
+}
+
+TEST_F(ObjectInfoTest, ADatabaseThatIsOpenAndFailsIsOpenedOnceMore) {
+    MakeDatabase(L"First");
+    const CEOID one = AddRecord(L"First", {{kNumber, 1}});
+    const CEOID two = AddRecord(L"First", {{kNumber, 2}, {0x0002001F, 0, L"ab"}});
+    for (const char* function : {"CeSeekDatabase", "CeReadRecordPropsEx"}) {
+        const ObjectInfo::KeptOpen kept(info_);
+        Describe(0, one);
+        Fail(function, 1, ERROR_INVALID_HANDLE);
+        EXPECT_EQ(2u, Describe(0, two).head().property_count) << function;
+        device().EndFaults();
+    }
+}
+
+TEST_F(ObjectInfoTest, AValueIsReadThroughAKeyThatIsOpenedOnce) {
+    SetValue(HKEY_CURRENT_USER, L"Key", L"one", REG_SZ, "first");
+    SetValue(HKEY_CURRENT_USER, L"Key", L"two", REG_SZ, "other");
+    RegistryObjects& table = storage_.registry_objects;
+    ASSERT_TRUE(table.RegObjectAdd(1, {false, 0x80000001, u"Key", u"one", REG_SZ, nullptr, 5}));
+    ASSERT_TRUE(table.RegObjectAdd(2, {false, 0x80000001, u"Key", u"two", REG_SZ, nullptr, 5}));
+    const ObjectInfo::KeptOpen kept(info_);
+    EXPECT_EQ(0, std::memcmp("first", info_.ReadValue(1, 5), 5));
+    // A second opening would fail.
+    Fail("RegOpenKeyExW", 1, ERROR_ACCESS_DENIED);
+    const std::uint8_t* const second = info_.ReadValue(2, 5);
+    ASSERT_NE(nullptr, second);
+    EXPECT_EQ(0, std::memcmp("other", second, 5));
+    EXPECT_EQ(nullptr, info_.ReadValue(2, 4));
+    EXPECT_EQ(nullptr, info_.ReadValue(3, 5));
+}
+
+TEST_F(ObjectInfoTest, AKeyThatWasMadeAnewIsOpenedOnceMore) {
+    SetValue(HKEY_CURRENT_USER, L"Key", L"one", REG_SZ, "first");
+    ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(
+        1, {false, 0x80000001, u"Key", u"one", REG_SZ, nullptr, 5}));
+    const ObjectInfo::KeptOpen kept(info_);
+    ASSERT_NE(nullptr, info_.ReadValue(1, 5));
+    Fail("RegQueryValueExW", 1, ERROR_INVALID_HANDLE);
+    const std::uint8_t* const again = info_.ReadValue(1, 5);
+    ASSERT_NE(nullptr, again);
+    EXPECT_EQ(0, std::memcmp("first", again, 5));
+}
+
 TEST_F(ObjectInfoTest, ABlockThatIsUsedAgainKeepsNothing) {
     ASSERT_TRUE(storage_.registry_objects.RegObjectAdd(
         5, {false, 0x80000001, u"A", u"v", REG_DWORD, nullptr, 4}));

@@ -46,6 +46,37 @@ TEST_F(RestoreRegistryTest, AKeyOfEachHiveComesBackInItsOwn) {
     EXPECT_FALSE(KeyExists(HKEY_CLASSES_ROOT, L"Mine"));
 }
 
+TEST_F(RestoreRegistryTest, AKeyIsOpenedOnceForItsValues) {
+    SetValue(HKEY_CURRENT_USER, L"Key", L"three", REG_DWORD, Word(3));
+    const ObjectRecord one = StoreValue(HKEY_CURRENT_USER, u"Key", u"one", REG_SZ, kText);
+    const ObjectRecord two = StoreValue(HKEY_CURRENT_USER, u"Key", u"two", REG_DWORD, Word(2));
+    Run();
+    const long before = device().Calls("RegOpenKeyExW");
+    EXPECT_EQ(kDone, WriteBack(one));
+    EXPECT_EQ(kDone, WriteBack(two));
+    EXPECT_EQ(kDone, Delete(LiveValue(HKEY_CURRENT_USER, u"Key", u"three")));
+    EXPECT_EQ(1, device().Calls("RegOpenKeyExW") - before);
+    EXPECT_EQ("4:" + Word(2), Value(HKEY_CURRENT_USER, L"Key", L"two"));
+}
+
+TEST_F(RestoreRegistryTest, AKeyWhoseHandleIsOfNoUseAnyMoreIsOpenedOnceMore) {
+    SetValue(HKEY_CURRENT_USER, L"Key", L"one", REG_DWORD, Word(1));
+    const ObjectRecord one = StoreValue(HKEY_CURRENT_USER, u"Key", u"one", REG_SZ, kText);
+    const ObjectRecord two = StoreValue(HKEY_CURRENT_USER, u"Key", u"two", REG_DWORD, Word(2));
+    EXPECT_EQ(kDone, WriteBack(one));
+    FailInRun("RegSetValueExW", 1, ERROR_INVALID_HANDLE);
+    EXPECT_EQ(kDone, WriteBack(two));
+    EXPECT_EQ("4:" + Word(2), Value(HKEY_CURRENT_USER, L"Key", L"two"));
+}
+
+// The platform deletes no key that is open.
+TEST_F(RestoreRegistryTest, AKeyIsDeletedBehindItsValues) {
+    SetValue(HKEY_CURRENT_USER, L"Key\\Below", L"v", REG_DWORD, Word(1));
+    EXPECT_EQ(kDone, Delete(LiveValue(HKEY_CURRENT_USER, u"Key\\Below", u"v")));
+    EXPECT_EQ(kDone, Delete(LiveKey(HKEY_CURRENT_USER, u"Key\\Below")));
+    EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, L"Key\\Below"));
+}
+
 TEST_F(RestoreRegistryTest, AKeyThatCannotBeMadeFails) {
     const ObjectRecord stored = StoreKey(HKEY_LOCAL_MACHINE, u"New");
     FailInRun("RegCreateKeyExW", 1, ERROR_DISK_FULL);
@@ -104,8 +135,11 @@ TEST_F(RestoreRegistryTest, AValueThatCannotBeSetFails) {
 
 TEST_F(RestoreRegistryTest, AValueWhoseDataCannotBeMappedFails) {
     SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_DWORD, Word(1));
-    const ObjectRecord stored = StoreValue(HKEY_CURRENT_USER, u"Key", u"v", REG_SZ, kText);
-    FailInRun("MapViewOfFile", 2, ERROR_NOT_ENOUGH_MEMORY);
+    const ObjectRecord stored =
+        StoreValue(HKEY_CURRENT_USER, u"Key", u"v", REG_SZ, Bytes(2000, 'x'));
+    // Neither a window of both, nor another one of the data, nor the data alone.
+    FailInRun("MapViewOfFile", 1, ERROR_NOT_ENOUGH_MEMORY);
+    device().Fault("MapViewOfFile", 3, 2, ERROR_NOT_ENOUGH_MEMORY);
     const long before = device().Calls("RegSetValueExW");
     EXPECT_EQ(kFailed, WriteBack(stored));
     EXPECT_EQ(before, device().Calls("RegSetValueExW"));

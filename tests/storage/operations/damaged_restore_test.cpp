@@ -263,9 +263,12 @@ TEST_F(LostRecordTest, WhatItMayBeOfIsToldWhereItIsMissing) {
 
 // A deletion whose record is lost leaves the older version in the state.
 TEST_F(DamagedRestoreTest, OfTwoVersionsOfOneFileTheNewerHolds) {
+    // Of two times that come as they like the checksums may be one, and the versions with them.
     device().PutFile(L"\\a.txt", "one");
+    device().Touch(L"\\a.txt", 0x01C0FFEE12345680);
     ASSERT_EQ(Done(), Backup(1));
     device().PutFile(L"\\a.txt", "another");
+    device().Touch(L"\\a.txt", 0x01C0FFEE12345690);
     ASSERT_EQ(Done(), Backup(2));
     Bytes journal = Content(kJournal);
     for (std::size_t at = 0; at < journal.size(); at += 32) {

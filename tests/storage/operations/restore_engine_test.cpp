@@ -101,7 +101,8 @@ TEST_F(RestoreEngineTest,
        AStorageFileThatCannotBeMappedIsADriversFailureAndTheJournalIsLoadedAgain) {
     ASSERT_EQ(Done(), Backup(1));
     device().PutFile(L"\\a.txt", "new");
-    device().Fault("CreateFileForMappingW", 1, 1, ERROR_INVALID_FUNCTION, "Home.sav");
+    // The plan does without a mapping.
+    device().Fault("CreateFileForMappingW", 1, 2, ERROR_INVALID_FUNCTION, "Home.sav");
     EXPECT_EQ(Done(ResultCode::kDriver), Restore(1));
     ExpectClosed();
     ASSERT_NE(nullptr, storage_.journal);
