@@ -15,6 +15,12 @@ foreach(seed 1 2 3)
   set_tests_properties(random_use.${seed} PROPERTIES TIMEOUT 900)
 endforeach()
 
+# Calls are counted, not timed: they are the same on every machine.
+add_test(NAME call_counts COMMAND ${CMAKE_SOURCE_DIR}/scripts/own_display
+  ${CMAKE_SOURCE_DIR}/tools/bench_calls --objects 100 --kept ${CMAKE_SOURCE_DIR}/tests/call_counts.md
+  ${CMAKE_SOURCE_DIR}/scripts/cedev $<TARGET_FILE_DIR:Tolvenar> ${CMAKE_BINARY_DIR}/call_counts)
+set_tests_properties(call_counts PROPERTIES TIMEOUT 900)
+
 # What tests share: a fresh device for each case, host-side helpers.
 file(GLOB support_sources CONFIGURE_DEPENDS tests/support/*.cpp)
 add_library(test_support STATIC ${support_sources})
