@@ -119,7 +119,7 @@ void BenchList() {
         const std::string records = " of " + std::to_string(kSizes[i + 1]) + " records";
         const auto row = [&](const char* what, double ListTimes::*time) {
             bench::Print({"list: " + (what + records), times[i + 1].*time * 1e9 / kSizes[i + 1],
-                          "ns", "half as many", times[i].*time * 1e9 / kSizes[i], 1.25});
+                          "ns", "half as many", times[i].*time * 1e9 / kSizes[i], 1.5});
         };
         row("insert", &ListTimes::insert);
         row("find", &ListTimes::find);
@@ -270,7 +270,7 @@ void BenchReplay() {
                   half * 1e3, 2.5});
     const double wide = TimeReplay(100000, 500, objects);
     bench::Print({"BuildStateList: 100,000 records, 500 states", wide * 1e3, "ms", "50 states",
-                  full * 1e3, 1.25});
+                  full * 1e3, 1.5});
 }
 
 }  // namespace

@@ -21,13 +21,15 @@ volatile unsigned checksums;  // what is read is needed
 BYTE data[kDataBytes];
 
 void ReadFileOnce(const wchar_t* path, const WIN32_FIND_DATAW& entry) {
-    const UniqueHandle mapping =
+    UniqueHandle mapping =
         tolvenar::MapFileForReading(path, 0, entry.dwFileAttributes | FILE_FLAG_RANDOM_ACCESS);
-    const UniqueView view(
-        mapping ? ::MapViewOfFile(mapping.get(), FILE_MAP_READ, 0, 0, entry.nFileSizeLow)
-                : nullptr);
+    UniqueView view(mapping
+                        ? ::MapViewOfFile(mapping.get(), FILE_MAP_READ, 0, 0, entry.nFileSizeLow)
+                        : nullptr);
     if (view) {
         checksums = checksums + Checksum16(view.get(), entry.nFileSizeLow);
+        view.Close();
+        mapping.Close();
     }
 }
 
@@ -39,7 +41,7 @@ public:
     void Files(std::size_t length) {
         WIN32_FIND_DATAW entry;
         ::wcscpy(path_ + length, L"\\*.*");
-        const UniqueFind find(::FindFirstFileW(path_, &entry));
+        UniqueFind find(::FindFirstFileW(path_, &entry));
         if (!find) {
             return;
         }
@@ -51,10 +53,11 @@ public:
                 File(entry, length + 1 + name);
             }
         } while (::FindNextFileW(find.get(), &entry));
+        find.Close();
     }
 
     void Key(HKEY root, std::size_t length) {
-        const UniqueHkey key = tolvenar::OpenKey(root, path_);
+        UniqueHkey key = tolvenar::OpenKey(root, path_);
         DWORD subkeys = 0;
         DWORD values = 0;
         FILETIME time;
@@ -66,6 +69,7 @@ public:
         things_.AddKey(root, path_);
         Values(key.get(), values);
         Subkeys(root, key.get(), subkeys, length);
+        key.Close();
     }
 
 private:

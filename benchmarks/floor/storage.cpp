@@ -43,12 +43,13 @@ void WriteFileThing(HANDLE storage, const Thing& thing) {
     }
     MEMORYSTATUS memory{};
     ::GlobalMemoryStatus(&memory);
-    const UniqueHandle mapping =
-        tolvenar::MapFileForReading(thing.path, 0, FILE_FLAG_RANDOM_ACCESS);
-    const UniqueView view(::MapViewOfFile(mapping.get(), FILE_MAP_READ, 0, 0, 0));
+    UniqueHandle mapping = tolvenar::MapFileForReading(thing.path, 0, FILE_FLAG_RANDOM_ACCESS);
+    UniqueView view(::MapViewOfFile(mapping.get(), FILE_MAP_READ, 0, 0, 0));
     if (view) {
         checksums = checksums + Checksum16(view.get(), block.head().data_bytes);
         Write(storage, view.get(), block.head().data_bytes);
+        view.Close();
+        mapping.Close();
     }
 }
 
@@ -93,6 +94,9 @@ void EachBlock(Visit visit) {
     for (DWORD at = 0; mapping && at < size;) {
         if (!view || at - window > kWindow / 2) {
             window = at & ~0xFFFFu;
+            if (view) {
+                view.Close();
+            }
             view.Reset(::MapViewOfFile(mapping.get(), FILE_MAP_READ, 0, window,
                                        size - window < kWindow ? size - window : kWindow));
         }
@@ -113,6 +117,11 @@ struct StoredData {
           view(length != 0
                    ? ::MapViewOfFile(mapping, FILE_MAP_READ, 0, offset - adjust, length + adjust)
                    : nullptr) {}
+    ~StoredData() {
+        if (view) {
+            view.Close();
+        }
+    }
     const BYTE* bytes() const { return static_cast<const BYTE*>(view.get()) + adjust; }
     DWORD adjust;
     UniqueView view;
@@ -125,6 +134,15 @@ InfoBlock MappedBlock(HANDLE mapping, const InfoBlock& block, DWORD data_offset)
     InfoBlock mapped;
     tolvenar::ParseInfoBlock(head.bytes(), size, mapped);
     return mapped;
+}
+
+// The new object's identifier is asked for.
+void LookAt(const wchar_t* path) {
+    WIN32_FIND_DATAW found;
+    tolvenar::UniqueFind find(::FindFirstFileW(path, &found));
+    if (find) {
+        find.Close();
+    }
 }
 
 void WriteFileBack(HANDLE mapping, const InfoBlock& block, DWORD offset) {
@@ -145,18 +163,16 @@ void WriteFileBack(HANDLE mapping, const InfoBlock& block, DWORD offset) {
     }
     const FILETIME time = {block.head().time_low, block.head().time_high};
     ::SetFileTime(file.get(), &time, &time, &time);
-    file.Reset();
+    file.Close();
     ::SetFileAttributesW(path, block.head().attributes);
-    WIN32_FIND_DATAW found;
-    const tolvenar::UniqueFind find(::FindFirstFileW(path, &found));
+    LookAt(path);
 }
 
 void WriteFolderBack(const InfoBlock& block) {
     const wchar_t* const path = tolvenar::Wide(block.name());
     ::CreateDirectoryW(path, nullptr);
     ::SetFileAttributesW(path, block.head().attributes);
-    WIN32_FIND_DATAW found;
-    const tolvenar::UniqueFind find(::FindFirstFileW(path, &found));
+    LookAt(path);
 }
 
 void WriteValueBack(HANDLE mapping, InfoBlock& block, DWORD offset) {
@@ -167,15 +183,21 @@ void WriteValueBack(HANDLE mapping, InfoBlock& block, DWORD offset) {
     }
     *joint = 0;
     const StoredData data(mapping, offset, block.head().data_bytes);
-    const UniqueHkey key = tolvenar::OpenKey(tolvenar::RootKey(block.head().hive), path);
-    ::RegSetValueExW(key.get(), joint + 1, 0, block.head().value_type, data.bytes(),
-                     block.head().data_bytes);
+    UniqueHkey key = tolvenar::OpenKey(tolvenar::RootKey(block.head().hive), path);
+    if (key) {
+        ::RegSetValueExW(key.get(), joint + 1, 0, block.head().value_type, data.bytes(),
+                         block.head().data_bytes);
+        key.Close();
+    }
 }
 
 void WriteKeyBack(const InfoBlock& block) {
     UniqueHkey key;
     ::RegCreateKeyExW(tolvenar::RootKey(block.head().hive), tolvenar::Wide(block.name()), 0,
                       nullptr, 0, KEY_ALL_ACCESS, nullptr, key.Put(), nullptr);
+    if (key) {
+        key.Close();
+    }
 }
 
 }  // namespace
@@ -193,6 +215,9 @@ void WriteStorage(const Things& things, tolvenar::Progress& progress) {
                 continue;
             }
             if (thing->value != nullptr && thing->path != open_path) {
+                if (key) {
+                    key.Close();
+                }
                 key = tolvenar::OpenKey(thing->root, thing->path);
                 open_path = thing->path;
             }
