@@ -82,7 +82,8 @@ void WriteRegistryThing(HANDLE storage, HKEY key, const Thing& thing) {
     Write(storage, start, static_cast<DWORD>(block.size()) + bytes);
 }
 
-// Walks over the blocks of the storage through views of the size that a window has.
+// Walks over the blocks of the storage through views of the size that a window has: small data are
+// in view with their block.
 template <typename Visit>
 void EachBlock(Visit visit) {
     DWORD size = 0;
@@ -106,7 +107,7 @@ void EachBlock(Visit visit) {
             return;
         }
         const DWORD head = static_cast<DWORD>(block.size());
-        visit(mapping.get(), block, at + head);
+        visit(mapping.get(), block, at + head, bytes + head);
         at += head + block.head().data_bytes;
     }
 }
@@ -126,15 +127,6 @@ struct StoredData {
     DWORD adjust;
     UniqueView view;
 };
-
-// Each object's block is mapped for itself, as its data is.
-InfoBlock MappedBlock(HANDLE mapping, const InfoBlock& block, DWORD data_offset) {
-    const auto size = static_cast<DWORD>(block.size());
-    const StoredData head(mapping, data_offset - size, size);
-    InfoBlock mapped;
-    tolvenar::ParseInfoBlock(head.bytes(), size, mapped);
-    return mapped;
-}
 
 // The new object's identifier is asked for.
 void LookAt(const wchar_t* path) {
@@ -175,21 +167,36 @@ void WriteFolderBack(const InfoBlock& block) {
     LookAt(path);
 }
 
-void WriteValueBack(HANDLE mapping, InfoBlock& block, DWORD offset) {
-    wchar_t* const path = tolvenar::Wide(block.name());
-    wchar_t* const joint = ::wcschr(path, kJoint);
-    if (joint == nullptr) {
-        return;
-    }
-    *joint = 0;
-    const StoredData data(mapping, offset, block.head().data_bytes);
-    UniqueHkey key = tolvenar::OpenKey(tolvenar::RootKey(block.head().hive), path);
-    if (key) {
-        ::RegSetValueExW(key.get(), joint + 1, 0, block.head().value_type, data.bytes(),
+// The key stays open for the values that follow.
+class ValueWriter {
+public:
+    void Write(InfoBlock& block, const BYTE* data) {
+        wchar_t* const path = tolvenar::Wide(block.name());
+        wchar_t* const joint = ::wcschr(path, kJoint);
+        if (joint == nullptr) {
+            return;
+        }
+        *joint = 0;
+        if (::wcscmp(path, path_) != 0 || block.head().hive != hive_) {
+            Close();
+            key_ = tolvenar::OpenKey(tolvenar::RootKey(block.head().hive), path);
+            ::wcscpy(path_, path);
+            hive_ = block.head().hive;
+        }
+        ::RegSetValueExW(key_.get(), joint + 1, 0, block.head().value_type, data,
                          block.head().data_bytes);
-        key.Close();
     }
-}
+    void Close() {
+        if (key_) {
+            key_.Close();
+        }
+    }
+
+private:
+    UniqueHkey key_;
+    std::uint32_t hive_ = 0;
+    wchar_t path_[tolvenar::kMaxNameBytes / sizeof(wchar_t) + 1] = L"";
+};
 
 void WriteKeyBack(const InfoBlock& block) {
     UniqueHkey key;
@@ -256,7 +263,7 @@ DWORD CountRecords() {
 }
 
 void ReadStorage() {
-    EachBlock([](HANDLE, const InfoBlock&, DWORD) {});
+    EachBlock([](HANDLE, const InfoBlock&, DWORD, const BYTE*) {});
 }
 
 void WriteBack(DWORD count, tolvenar::Progress& progress) {
@@ -264,11 +271,10 @@ void WriteBack(DWORD count, tolvenar::Progress& progress) {
     const auto is_file = [](const InfoBlock& block) {
         return block.type() == tolvenar::ObjectType::kFile;
     };
-    EachBlock([&](HANDLE mapping, const InfoBlock& seen, DWORD offset) {
-        if (!is_file(seen)) {
+    EachBlock([&](HANDLE mapping, const InfoBlock& block, DWORD offset, const BYTE*) {
+        if (!is_file(block)) {
             return;
         }
-        const InfoBlock block = MappedBlock(mapping, seen, offset);
         if ((block.head().attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
             WriteFolderBack(block);
         } else {
@@ -277,18 +283,19 @@ void WriteBack(DWORD count, tolvenar::Progress& progress) {
         progress.ProgressStep();
     });
     ::Sleep(100);
-    EachBlock([&](HANDLE mapping, const InfoBlock& seen, DWORD offset) {
-        if (is_file(seen)) {
+    ValueWriter values;
+    EachBlock([&](HANDLE, InfoBlock& block, DWORD, const BYTE* data) {
+        if (is_file(block)) {
             return;
         }
-        InfoBlock block = MappedBlock(mapping, seen, offset);
         if (block.type() == tolvenar::ObjectType::kRegistryKey) {
             WriteKeyBack(block);
         } else {
-            WriteValueBack(mapping, block, offset);
+            values.Write(block, data);
         }
         progress.ProgressStep();
     });
+    values.Close();
     SaveJournal(count);
     LoadJournal();
 }
