@@ -17,9 +17,9 @@ bool DeriveNames(StorageNames& names) {
     return ReadStoragePath(path) && MakeStorageNames(path, names);
 }
 
-bool CreateStoragePair(const StorageNames& names, DescriptionPrompt* prompt) {
+bool CreateStoragePair(const StorageNames& names, DescriptionPrompt* prompt, Existing existing) {
     // First, so that a stop in between leaves no old journal beside the new storage file.
-    if (!ClearJournalPlace(names) || !CreateStorage(names.sav, prompt)) {
+    if (!ClearJournalPlace(names) || !CreateStorage(names.sav, prompt, existing)) {
         return false;
     }
     if (CreateJournal(names)) {
@@ -31,7 +31,7 @@ bool CreateStoragePair(const StorageNames& names, DescriptionPrompt* prompt) {
 
 bool CreateNewStorage() {
     StorageNames names;
-    return DeriveNames(names) && CreateStoragePair(names, nullptr);
+    return DeriveNames(names) && CreateStoragePair(names, nullptr, Existing::kKept);
 }
 
 bool DeleteOldStorage() {

@@ -11,9 +11,10 @@ namespace tolvenar {
 bool DeriveNames(StorageNames& names);
 
 // Creates the storage file of `names` and an empty journal beside it. On failure no storage file is
-// left: with the old journal it would pass for one that holds everything already.
-bool CreateStoragePair(const StorageNames& names, DescriptionPrompt* prompt);
-// The same, silently, for the storage that the settings name.
+// made: with the old journal it would pass for one that holds everything already.
+bool CreateStoragePair(const StorageNames& names, DescriptionPrompt* prompt, Existing existing);
+// The same, silently, for the storage that the settings name. A storage file that is there is left
+// as it is: a card that comes up late may have hidden it.
 bool CreateNewStorage();
 
 // Deletes the journal, then the storage file, that the settings name. True when both were deleted;

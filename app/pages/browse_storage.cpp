@@ -112,7 +112,7 @@ OpenStorageResult CreateAndOpen(Application& app, const StorageNames& names) {
     }
     DescriptionDialog prompt(app);
     OpenStorageResult result = OpenStorageResult::kFileMissing;
-    const bool created = CreateStoragePair(names, &prompt);
+    const bool created = CreateStoragePair(names, &prompt, Existing::kReset);
     if (created && !MayGoOn(app)) {
         return result;
     }

@@ -1,17 +1,15 @@
 #include "app/rules/launch_reason.h"
 
 #include <cwchar>
-#include <initializer_list>
 
 namespace tolvenar {
 
+bool IsScheduledReason(const wchar_t* reason) {
+    return std::wcscmp(reason, kReasonTime) == 0 || std::wcscmp(reason, kReasonBattery) == 0;
+}
+
 bool IsBackupReason(const wchar_t* reason) {
-    for (const wchar_t* text : {kReasonTime, kReasonBattery, kReasonExternalBackup}) {
-        if (std::wcscmp(reason, text) == 0) {
-            return true;
-        }
-    }
-    return false;
+    return IsScheduledReason(reason) || std::wcscmp(reason, kReasonExternalBackup) == 0;
 }
 
 bool IsRestoreReason(const wchar_t* reason) { return std::wcscmp(reason, kReasonRestoreLast) == 0; }

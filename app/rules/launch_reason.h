@@ -10,6 +10,8 @@ constexpr wchar_t kReasonRestoreLast[] = L"AutoRestore: Last State";  // only fr
 
 // One of the three that ask for a backup.
 bool IsBackupReason(const wchar_t* reason);
+// One of the two that the device itself starts, often out of its sleep.
+bool IsScheduledReason(const wchar_t* reason);
 bool IsRestoreReason(const wchar_t* reason);
 
 }  // namespace tolvenar

@@ -4,6 +4,7 @@
 #include "app/operations/operation_drivers.h"
 #include "app/operations/storage_files.h"
 #include "app/rules/launch_reason.h"
+#include "app/start/card_wait.h"
 #include "platform/text.h"
 #include "snapshot/compare/states.h"
 #include "snapshot/text/log.h"
@@ -34,8 +35,14 @@ void LogEnd(const Application& app, const OperationEnd& end) {
     LogMessage(line.text(), u"RunUnattended", kLogError);
 }
 
-// A storage that another program holds answers as a missing one does, and must not be made anew. A
-// write-protected one is of no use to a backup.
+// A storage that another program holds answers as a missing one does, and must not be made anew.
+// Nor must one whose folder is missing: the card may be there a moment later.
+bool MayBeMade(const char16_t* sav) {
+    return ::GetFileAttributesW(Wide(sav)) == INVALID_FILE_ATTRIBUTES &&
+           ::GetLastError() == ERROR_FILE_NOT_FOUND;
+}
+
+// A write-protected storage is of no use to a backup.
 ResultCode OpenOrCreate(Application& app) {
     OpenStorageResult result;
     const char16_t* sav = app.storage.names.sav;
@@ -43,7 +50,7 @@ ResultCode OpenOrCreate(Application& app) {
         return StorageIsWriteProtected(app.storage.names) ? ResultCode::kWriteProtected
                                                           : ResultCode::kSuccess;
     }
-    const bool may_create = result == OpenStorageResult::kFileMissing && IsReallyAbsent(sav);
+    const bool may_create = result == OpenStorageResult::kFileMissing && MayBeMade(sav);
     return may_create && CreateNewStorage() && OpenStorage(sav, app.storage, result)
                ? ResultCode::kSuccess
                : ResultCode::kNoStorage;
@@ -64,6 +71,9 @@ std::optional<int> BackUp(Application& app) {
     char16_t path[kStoragePathUnits];
     if (!ReadStoragePath(path)) {
         return std::nullopt;
+    }
+    if (IsScheduledReason(app.launchReason)) {
+        WaitForStorageFolder(path);
     }
     OperationEnd end;
     end.code = LoadForBackup(app);

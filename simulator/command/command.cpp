@@ -27,6 +27,7 @@ const CommandRows& Commands() {
         {"lock", 1, 2, RunLock, "PATH [none|read|write]"},
         {"unlock", 1, 1, RunUnlock, "PATH"},
         {"lose", 1, 2, RunLose, "SEED [CHANGES]"},
+        {"resume", 0, 0, RunResume, ""},
 
         {"fault", 3, 5, RunFault, "FUNCTION N [COUNT] ERROR|short [MATCH]"},
         {"delay", 3, 4, RunDelay, "FUNCTION N MS [MATCH]"},

@@ -1,6 +1,7 @@
-// put, get, mkdir, rm, mv, attr, touch, ls, lock, unlock, lose: the device's files, past attributes
-// and sharing, and a card that loses its power.
+// put, get, mkdir, rm, mv, attr, touch, ls, lock, unlock, lose, resume: the device's files, past
+// attributes and sharing, and a card that loses its power or comes back late.
 #include "simulator/command/command_row.h"
+#include "simulator/files/card_absence.h"
 #include "simulator/files/files.h"
 #include "simulator/files/power_loss.h"
 
@@ -80,6 +81,11 @@ Json RunLose(Device& device, const Words& words) {
     const std::uint32_t moment =
         words.size() > 1 ? static_cast<std::uint32_t>(Number(words[1])) : files::kAfterAllChanges;
     return {{"changes", files::LosePower(device, seed, moment)}};
+}
+
+Json RunResume(Device& device, const Words&) {
+    files::Resume(device);
+    return Done();
 }
 
 }  // namespace sim

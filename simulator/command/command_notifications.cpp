@@ -2,6 +2,7 @@
 #include <cstdio>
 
 #include "simulator/command/command_row.h"
+#include "simulator/files/card_absence.h"
 #include "simulator/notifications/notifications.h"
 #include "simulator/processes/process_handles.h"
 #include "simulator/programs/programs.h"
@@ -18,8 +19,10 @@ std::wstring Units(const std::u16string& text) { return std::wstring(text.begin(
 // How long the walk over a time waits for what it started, before the clock goes on.
 constexpr std::uint32_t kWaitMs = 60000;
 
-// An application that cannot be started is told with its error and holds nothing else up.
+// A device is asleep when a notification is due, and the start wakes it. An application that cannot
+// be started is told with its error and holds nothing else up.
 Json StartOne(Device& device, const notifications::Start& start, std::uint32_t wait_ms) {
+    files::Resume(device);
     processes::Watch watch(device);
     const processes::Started started =
         processes::Start(device, Units(start.application), Units(start.arguments));

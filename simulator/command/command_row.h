@@ -40,7 +40,7 @@ Json RunRow(const CommandRows& rows, const std::string& prefix, Device& device, 
 CommandHandler RunDbImport, RunDbExport, RunDbDelete;
 CommandHandler RunNotifications, RunFire, RunTick;
 CommandHandler RunPut, RunGet, RunMkdir, RunRm, RunMv, RunAttr, RunTouch, RunLs, RunLock, RunUnlock,
-    RunLose;
+    RunLose, RunResume;
 CommandHandler RunFault, RunDelay, RunCrash, RunCrashHalf, RunFaults, RunTrace, RunCounters;
 CommandHandler RunRun, RunStart, RunPs, RunKill;
 CommandHandler RunCreate, RunExport, RunDump, RunInstall;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <windows.h>
 
+#include "simulator/files/card_absence.h"
 #include "simulator/files/file_table.h"
 #include "simulator/files/space.h"
 #include "simulator/files/unsynced.h"
@@ -313,6 +314,9 @@ bool ApplyFileSetting(Device& device, const std::string& name, const std::string
         }
         device.SetSetting(name, value);
         ForgetAll(FileTable::Of(device));
+    } else if (name == "card.ready") {
+        CheckCardReady(value);
+        device.SetSetting(name, value);
     } else if (name == "card.name") {
         FileTable& table = FileTable::Of(device);
         LogStore::Change change(table.store());

@@ -68,7 +68,7 @@ std::vector<Entry> ListAll(Device& device);
 std::wstring HostFile(Device& device, const std::wstring& path);
 
 // A setting that this area has to act on: "store.free", "card.free", "oid.next", "card.name",
-// "card.unsynced". False when the name is none of them.
+// "card.ready", "card.unsynced". False when the name is none of them.
 bool ApplyFileSetting(Device& device, const std::string& name, const std::string& value);
 
 }  // namespace sim::files

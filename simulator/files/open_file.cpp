@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include "simulator/files/card_absence.h"
 #include "simulator/files/space.h"
 #include "simulator/files/unsynced.h"
 
@@ -37,6 +38,9 @@ std::uint32_t OpenFile::Read(void* buffer, std::uint32_t bytes, std::uint32_t& g
     if (host_ == nullptr) {
         return ERROR_ACCESS_DENIED;
     }
+    if (const std::uint32_t error = AbsenceOf(table_, node_)) {
+        return error;
+    }
     DWORD count = 0;
     if (!::ReadFile(host_, buffer, bytes, &count, nullptr)) {
         return ::GetLastError();
@@ -52,6 +56,9 @@ std::uint32_t OpenFile::Write(const void* buffer, std::uint32_t bytes, std::uint
     }
     if (bytes == 0) {
         return 0;
+    }
+    if (const std::uint32_t error = AbsenceOf(table_, node_)) {
+        return error;
     }
     const std::uint64_t start = ::SetFilePointer(host_, 0, nullptr, FILE_CURRENT);
     const std::uint64_t end = start + bytes;
@@ -94,6 +101,9 @@ std::uint32_t OpenFile::Seek(long distance, long* distance_high, std::uint32_t m
 std::uint32_t OpenFile::SetEnd() {
     if (host_ == nullptr || !writes_) {
         return ERROR_ACCESS_DENIED;
+    }
+    if (const std::uint32_t error = AbsenceOf(table_, node_)) {
+        return error;
     }
     const std::uint32_t position = ::SetFilePointer(host_, 0, nullptr, FILE_CURRENT);
     return SetSize(position);
@@ -140,6 +150,9 @@ std::uint32_t OpenFile::SetSize(std::uint32_t bytes) {
 std::uint32_t OpenFile::Flush() {
     if (!writes_) {
         return ERROR_ACCESS_DENIED;
+    }
+    if (const std::uint32_t error = AbsenceOf(table_, node_)) {
+        return error;
     }
     NoteFlush(table_, node_);
     return 0;

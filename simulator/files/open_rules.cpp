@@ -1,6 +1,7 @@
 // Opening: which request on which node is allowed, and the order in which a file comes to be.
 #include <windows.h>
 
+#include "simulator/files/card_absence.h"
 #include "simulator/files/open_file.h"
 #include "simulator/files/sharing.h"
 #include "simulator/files/space.h"
@@ -185,7 +186,7 @@ std::shared_ptr<OpenFile> OpenFile::Open(Device& device, const OpenRequest& requ
     }
     FileTable& table = FileTable::Of(device);
     const Path path = ParsePath(request.path);
-    Found found = table.Find(path);
+    Found found = FindAsProgram(table, path);
     if (found.error == 0) {
         existed = true;
         return OpenExisting(table, found.node, request, error);
@@ -199,7 +200,7 @@ std::shared_ptr<OpenFile> OpenFile::Open(Device& device, const OpenRequest& requ
         return nullptr;
     }
     LogStore::Change change(table.store());
-    found = table.Find(path);  // once more, now that nobody else can create it
+    found = FindAsProgram(table, path);  // once more, now that nobody else can create it
     error = 0;
     existed = found.error == 0;
     return existed ? OpenExisting(table, found.node, request, error)

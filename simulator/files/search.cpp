@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include "simulator/files/card_absence.h"
+
 namespace sim::files {
 namespace {
 
@@ -34,9 +36,10 @@ std::shared_ptr<Search> Search::Begin(Device& device, const wchar_t* pattern, Fi
     }
     const std::wstring last = path.names.back();
     path.names.pop_back();
-    const Found folder = table.Find(path);
+    const Found folder = FindAsProgram(table, path);
     if (folder.error != 0 || !folder.node.is_folder()) {
-        error = ERROR_PATH_NOT_FOUND;
+        const std::uint32_t absence = AbsenceOf(table, folder.node);
+        error = absence != 0 ? absence : ERROR_PATH_NOT_FOUND;
         return nullptr;
     }
     auto search = std::make_shared<Search>(table, Candidates(table, folder.node, last), last);
@@ -51,7 +54,7 @@ bool Search::Next(FindEntry& entry) {
     LogStore::View view(table_.store());
     while (at_ < numbers_.size()) {
         const std::optional<Node> node = table_.Get(numbers_[at_++]);
-        if (!node || !Matches(pattern_, node->name)) {
+        if (!node || !Matches(pattern_, node->name) || !IsListed(table_, *node)) {
             continue;
         }
         entry.info = {table_.TimesOf(*node), table_.AttributesOf(*node),

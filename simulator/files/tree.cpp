@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include "simulator/files/card_absence.h"
 #include "simulator/files/open_file.h"
 #include "simulator/files/sharing.h"
 #include "simulator/files/space.h"
@@ -68,7 +69,7 @@ template <typename Change>
 std::uint32_t ChangeNode(Device& device, const wchar_t* path, Change&& change) {
     FileTable& table = FileTable::Of(device);
     LogStore::Change kept_together(table.store());
-    const Found found = table.Find(path);
+    const Found found = FindAsProgram(table, path);
     return found.error != 0 ? found.error : change(table, found.node);
 }
 
@@ -118,8 +119,8 @@ std::uint32_t MoveOne(Device& device, const wchar_t* from_path, const wchar_t* t
     FileTable& table = FileTable::Of(device);
     {
         LogStore::Change change(table.store());
-        Found from = table.Find(from_path);
-        const Found to = table.Find(to_path);
+        Found from = FindAsProgram(table, from_path);
+        const Found to = FindAsProgram(table, to_path);
         if (const std::uint32_t error = CheckMove(table, from, to)) {
             return error;
         }
@@ -170,7 +171,7 @@ std::uint32_t CopyOne(Device& device, const wchar_t* from, const wchar_t* to, bo
 std::uint32_t CreateFolder(Device& device, const wchar_t* path) {
     FileTable& table = FileTable::Of(device);
     LogStore::Change change(table.store());
-    const Found found = table.Find(path);
+    const Found found = FindAsProgram(table, path);
     if (found.error == 0) {
         return ERROR_ALREADY_EXISTS;
     }
@@ -190,7 +191,7 @@ std::uint32_t RemoveFolder(Device& device, const wchar_t* path) {
 
 std::uint32_t GetAttributes(Device& device, const wchar_t* path, std::uint32_t& attributes) {
     FileTable& table = FileTable::Of(device);
-    const Found found = table.Find(path);
+    const Found found = FindAsProgram(table, path);
     if (found.error == 0) {
         attributes = table.AttributesOf(found.node);
     }
@@ -217,7 +218,7 @@ std::uint32_t VolumeOf(Device& device, const wchar_t* path, bool& card) {
         card = false;
         return 0;
     }
-    const Found found = FileTable::Of(device).Find(path);
+    const Found found = FindAsProgram(FileTable::Of(device), path);
     if (found.error != 0) {
         return ERROR_PATH_NOT_FOUND;
     }

@@ -72,13 +72,15 @@ void SetCreationTime(StorageHeader& header) {
 
 }  // namespace
 
-std::unique_ptr<StorageHeader> CreateStorage(const char16_t* path, DescriptionPrompt* prompt) {
+std::unique_ptr<StorageHeader> CreateStorage(const char16_t* path, DescriptionPrompt* prompt,
+                                             Existing existing) {
     char16_t sav[kStorageNameUnits];
     std::unique_ptr<StorageHeader> header(new StorageHeader());
     if (!header || !MakeSavName(path, sav)) {
         return nullptr;
     }
-    const UniqueHandle file = OpenFile(sav, GENERIC_READ | GENERIC_WRITE, 0, CREATE_ALWAYS);
+    const UniqueHandle file = OpenFile(sav, GENERIC_READ | GENERIC_WRITE, 0,
+                                       existing == Existing::kReset ? CREATE_ALWAYS : CREATE_NEW);
     if (!file) {
         return nullptr;
     }

@@ -24,10 +24,17 @@ protected:
     ~DescriptionPrompt() = default;
 };
 
-// Creates the ".sav" file of `path`, an existing one is reset, and writes its head without a
-// description, which is whole before `prompt` is asked; what the user confirms replaces it. Null
-// when the file cannot be created or there is no memory; a failed write is found at the next open.
-std::unique_ptr<StorageHeader> CreateStorage(const char16_t* path, DescriptionPrompt* prompt);
+// What becomes of a storage file that is there already.
+enum class Existing {
+    kReset,
+    kKept,  // and none is created
+};
+
+// Creates the ".sav" file of `path` and writes its head without a description, which is whole
+// before `prompt` is asked; what the user confirms replaces it. Null when the file cannot be
+// created or there is no memory; a failed write is found at the next open.
+std::unique_ptr<StorageHeader> CreateStorage(const char16_t* path, DescriptionPrompt* prompt,
+                                             Existing existing = Existing::kReset);
 
 // The head of an existing storage file; null when it cannot be opened or read, or is not whole.
 std::unique_ptr<StorageHeader> ReadStorageHeader(const char16_t* sav_path);

@@ -72,6 +72,13 @@ TEST_F(StorageFilesTest, ANewStorageIsAHeadAndAnEmptyJournal) {
     EXPECT_TRUE(OpenJournal(storage, nullptr));
 }
 
+// The card hid it when it was looked for.
+TEST_F(StorageFilesTest, AStorageFileThatIsThereIsNeverCut) {
+    device().PutFile(kSav, std::string(5000, 's'));
+    EXPECT_FALSE(CreateNewStorage());
+    EXPECT_EQ(std::string(5000, 's'), device().FileBytes(kSav));
+}
+
 // In its place the old records would match the device, and nothing would ever be stored again.
 TEST_F(StorageFilesTest, ANewStorageKeepsAnOldJournalAndATemporaryOneAside) {
     device().PutFile(kJournal, std::string(64, 'j'));

@@ -36,6 +36,12 @@ TEST_F(StorageFileTest, AnExistingStorageIsReset) {
     EXPECT_EQ(Head(), Content(kSav));
 }
 
+TEST_F(StorageFileTest, AnExistingStorageThatIsKeptIsLeftAsItIs) {
+    Put(kSav, Bytes(5000, 'x'));
+    EXPECT_FALSE(CreateStorage(kSav, nullptr, Existing::kKept));
+    EXPECT_EQ(Bytes(5000, 'x'), Content(kSav));
+}
+
 TEST_F(StorageFileTest, AChosenJournalsPathMakesTheStorageBesideIt) {
     ASSERT_TRUE(CreateStorage(kJournal, nullptr));
     EXPECT_TRUE(Exists(kSav));
