@@ -1,5 +1,5 @@
-// The agent: what the platform's notifications start. It hands its argument to Tolvenar unchanged
-// and stays resident; an agent that is started beside a resident one only hands its argument on.
+// The agent: what the platform's notifications start. It hands a reason for a launch to Tolvenar
+// unchanged and stays resident; an agent that is started beside a resident one only hands it on.
 #include "platform/win32.h"
 
 #include "companions/agent.h"
@@ -10,6 +10,19 @@ namespace {
 
 constexpr wchar_t kSettingsKey[] = L"Software\\Kestrin2\\Tolvenar";
 constexpr wchar_t kProgram[] = L"\\Tolvenar.exe";
+
+// How the reasons for a launch begin. Any other argument is none: some systems give a program that
+// is started without arguments its own name.
+constexpr const wchar_t* kReasons[] = {L"TolvenarRun", L"AutoBackup: ", L"AutoRestore: "};
+
+bool IsReason(const wchar_t* argument) {
+    for (const wchar_t* reason : kReasons) {
+        if (::wcsncmp(argument, reason, ::wcslen(reason)) == 0) {
+            return true;
+        }
+    }
+    return false;
+}
 
 // Fills `path` with InstDir's text; false when the installation left none or it does not fit.
 bool ReadInstallFolder(wchar_t (&path)[MAX_PATH]) {
@@ -66,7 +79,7 @@ int StayResident(HINSTANCE instance) {
 }  // namespace
 
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPWSTR argument, int) {
-    if (argument != nullptr && argument[0] != L'\0') {
+    if (argument != nullptr && IsReason(argument)) {
         HandOn(argument);
     }
     // Never released: it becomes free when this process is gone, and CloseOther.exe waits for that.

@@ -18,7 +18,9 @@ UniqueHandle StartThread(LPTHREAD_START_ROUTINE run, void* parameter) {
     return UniqueHandle(::CreateThread(nullptr, 0, run, parameter, 0, nullptr));
 }
 
+// Success need not clear the last error, which alone tells whether the mutex was there.
 UniqueHandle NamedMutex(const wchar_t* name) {
+    ::SetLastError(ERROR_SUCCESS);
     return UniqueHandle(::CreateMutexW(nullptr, FALSE, name));
 }
 

@@ -5,8 +5,9 @@
 
 namespace tolvenar {
 
-// Starts a program and leaves it to itself. False when it cannot be started.
-bool StartProgram(const wchar_t* program, const wchar_t* arguments = nullptr);
+// Starts a program and leaves it to itself. False when it cannot be started. Without arguments it
+// gets an empty command line: what comes of none at all is not the same on every system.
+bool StartProgram(const wchar_t* program, const wchar_t* arguments = L"");
 
 // Empty when the thread cannot be started.
 UniqueHandle StartThread(LPTHREAD_START_ROUTINE run, void* parameter);

@@ -1,10 +1,10 @@
 #include "app/start/unattended.h"
 
 #include "app/operations/backup_history.h"
+#include "app/operations/card_wait.h"
 #include "app/operations/operation_drivers.h"
 #include "app/operations/storage_files.h"
 #include "app/rules/launch_reason.h"
-#include "app/start/card_wait.h"
 #include "platform/text.h"
 #include "snapshot/compare/states.h"
 #include "snapshot/text/log.h"

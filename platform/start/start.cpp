@@ -37,6 +37,12 @@ void RunExitFunctions() {
         exit_functions[--exit_function_count]();
     }
 }
+
+// A device may refuse a process its own termination; the end of the first thread is its end too.
+[[noreturn]] void EndProcess(UINT code) {
+    ::TerminateProcess(::GetCurrentProcess(), code);
+    ::ExitThread(code);
+}
 }  // namespace
 
 int atexit(Function function) {
@@ -47,11 +53,7 @@ int atexit(Function function) {
     return 0;
 }
 
-void abort() {
-    ::TerminateProcess(::GetCurrentProcess(), 3);
-    for (;;) {
-    }
-}
+void abort() { EndProcess(3); }
 
 void __cxa_pure_virtual() { abort(); }
 
@@ -91,7 +93,5 @@ __attribute__((force_align_arg_pointer)) void WinMainCRTStartup() {
     const int result =
         ::WinMain(::GetModuleHandleW(nullptr), nullptr, ::GetCommandLineW(), SW_SHOW);
     RunExitFunctions();
-    ::TerminateProcess(::GetCurrentProcess(), static_cast<UINT>(result));
-    for (;;) {
-    }
+    EndProcess(static_cast<UINT>(result));
 }

@@ -36,6 +36,9 @@ HANDLE StartThread(LPSECURITY_ATTRIBUTES security, SIZE_T stack_bytes, LPTHREAD_
     return thread;
 }
 
+// Windows CE ends a process with its first thread, which loads this library.
+const DWORD first_thread = GetCurrentThreadId();
+
 // Blocks of the process's own heap are counted together with LocalAlloc's, which come from it.
 void* const kLocalHeap = nullptr;
 
@@ -136,6 +139,9 @@ void WINAPI ExitThread(DWORD code) {
         if (entry.traces()) {
             entry.Finish({});
         }
+    }
+    if (GetCurrentThreadId() == first_thread) {
+        sim::EndThisProcess(code);
     }
     sim::AddToGauge(sim::Gauge::kThreads, -1);
     sim::host::EndThread(code);

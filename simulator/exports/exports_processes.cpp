@@ -15,10 +15,15 @@ BOOL FailWith(DWORD error) {
     return FALSE;
 }
 
+// What a program gets that is started without arguments.
+LPCWSTR NoArguments(LPCWSTR name) {
+    return Device::Current().Setting("process.no.arguments", "empty") == "empty" ? L"" : name;
+}
+
 BOOL StartProgram(LPCWSTR name, LPCWSTR arguments, DWORD flags, LPPROCESS_INFORMATION info) {
-    const sim::processes::Started started =
-        sim::processes::Start(Device::Current(), name, arguments != nullptr ? arguments : L"",
-                              (flags & CREATE_SUSPENDED) != 0);
+    const sim::processes::Started started = sim::processes::Start(
+        Device::Current(), name, arguments != nullptr ? arguments : NoArguments(name),
+        (flags & CREATE_SUSPENDED) != 0);
     if (started.error != 0) {
         return FailWith(started.error);
     }
@@ -32,6 +37,26 @@ BOOL StartProgram(LPCWSTR name, LPCWSTR arguments, DWORD flags, LPPROCESS_INFORM
     info->dwProcessId = started.pid;
     info->dwThreadId = started.thread_id;
     return TRUE;
+}
+
+// Some systems do nothing when a process ends itself and say that it was done.
+BOOL EndItself(UINT exit_code) {
+    if (Device::Current().Setting("terminate.self", "ends") == "ends") {
+        sim::EndThisProcess(exit_code);
+    }
+    return TRUE;
+}
+
+// Whether a new mutex clears the last error is not the same on every system.
+HANDLE CreateMutexOn(Device& device, BOOL owned, LPCWSTR name) {
+    LastError last_error;
+    HANDLE mutex = sim::processes::CreateNamedMutex(owned != 0, name);
+    const DWORD error = GetLastError();
+    const bool is_new = mutex != nullptr && error != ERROR_ALREADY_EXISTS;
+    if (!is_new || device.Setting("mutex.last.error", "cleared") == "cleared") {
+        last_error.Set(error);
+    }
+    return mutex;
 }
 
 // An object that processes share by its name; the device knows none with security attributes.
@@ -73,7 +98,7 @@ BOOL WINAPI TerminateProcess(HANDLE process, UINT exit_code) {
         Call::TerminateProcess, FALSE,
         [&]() -> BOOL {
             if (process == GetCurrentProcess()) {
-                sim::EndThisProcess(exit_code);
+                return EndItself(exit_code);
             }
             return sim::processes::Terminate(process, exit_code);
         },
@@ -97,7 +122,7 @@ LPWSTR WINAPI GetCommandLineW() {
 
 HANDLE WINAPI CreateMutexW(LPSECURITY_ATTRIBUTES security, BOOL owned, LPCWSTR name) {
     return CreateNamed(Call::CreateMutexW, security, name,
-                       [&] { return sim::processes::CreateNamedMutex(owned != 0, name); });
+                       [&] { return CreateMutexOn(Device::Current(), owned, name); });
 }
 
 HANDLE WINAPI CreateEventW(LPSECURITY_ATTRIBUTES security, BOOL manual, BOOL signalled,

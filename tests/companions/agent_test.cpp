@@ -67,13 +67,26 @@ TEST_F(AgentTest, ItStaysResidentWithoutAVisibleWindow) {
     EXPECT_TRUE(Handed().empty());
 }
 
-TEST_F(AgentTest, ItHandsItsArgumentOnUnchanged) {
+TEST_F(AgentTest, ItHandsAReasonForALaunchOnUnchanged) {
     for (const wchar_t* argument :
          {L"TolvenarRunAtTime", L"TolvenarRunAtAcPowerOff", L"TolvenarRunAfterWakeup",
-          L"TolvenarRunAfterTimeChange", L"TolvenarRunAfterTzChange", L"two  \"words\" "}) {
+          L"TolvenarRunAfterTimeChange", L"TolvenarRunAfterTzChange", L"AutoBackup: External",
+          L"AutoRestore: Last State"}) {
         Program agent(sim(), kAgent, argument);
         EXPECT_SOON_EQ(std::vector<std::wstring>{argument}, Handed());
         processes::KillAll(sim());
+    }
+}
+
+// Such as its own name.
+TEST_F(AgentTest, AnyOtherArgumentIsHandedToNobody) {
+    for (const wchar_t* argument :
+         {kAgent, L"\\Windows\\kestrin_tolvenar_agent.exe", L"two words"}) {
+        Program agent(sim(), kAgent, argument);
+        ASSERT_NE(nullptr, AwaitAgent());
+        EXPECT_TRUE(Handed().empty()) << argument;
+        processes::KillAll(sim());
+        ASSERT_SOON(::FindWindowW(kAgentClass, nullptr) == nullptr);
     }
 }
 

@@ -204,6 +204,15 @@ TEST_F(LaunchTest, AHeapThatCannotBeMadeEndsWithNothingDone) {
     EXPECT_EQ(Numbers(), States());
 }
 
+// Then the end of the first thread is the program's.
+TEST_F(LaunchTest, ADeviceThatRefusesAProgramItsEndIsLeftAllTheSame) {
+    device().Set("terminate.self", "nothing");
+    Program backup = Launch("AutoBackup: External");
+    EXPECT_EQ(0, backup.ExitCode());
+    EXPECT_EQ(Numbers{1}, States());
+    ExpectInteractive("");
+}
+
 TEST_F(LaunchTest, AWindowOrThreadThatCannotBeMadeEndsTheStart) {
     for (const char* fault : {"RegisterClassW 1 8", "RegisterClassW 2 8", "CreateWindowExW 1 8",
                               "CreateThread 1 8", "CreateDialogIndirectParamW 1 8"}) {

@@ -50,6 +50,24 @@ TEST_F(ProcessesTest, ASecondMutexOfANameSaysThatThereIsOne) {
     EXPECT_TRUE(first && second);
 }
 
+TEST_F(ProcessesTest, AnErrorOfBeforeIsNoSignOfASecondMutex) {
+    device().Set("mutex.last.error", "kept");
+    ::SetLastError(ERROR_ALREADY_EXISTS);
+    const UniqueHandle first = NamedMutex(L"TolvenarTest");
+    EXPECT_EQ(0u, ::GetLastError());
+    EXPECT_TRUE(first);
+}
+
+TEST_F(ProcessesTest, WithoutArgumentsTheCommandLineIsEmpty) {
+    device().Set("process.no.arguments", "name");
+    tests::InstallProgram(device().sim(), "probe.exe", L"\\Windows\\probe.exe");
+    EXPECT_TRUE(StartProgram(L"\\Windows\\probe.exe"));
+    const auto programs = sim::processes::List(device().sim());
+    ASSERT_EQ(1u, programs.size());
+    EXPECT_EQ(L"", programs[0].arguments);
+    sim::processes::KillAll(device().sim());
+}
+
 TEST_F(ProcessesTest, AKeyThatIsNotThereIsNone) {
     EXPECT_TRUE(OpenKey(HKEY_CURRENT_USER, L""));
     EXPECT_FALSE(OpenKey(HKEY_CURRENT_USER, L"No\\Such\\Key"));

@@ -1,5 +1,6 @@
 // A program for tests of the simulated device: its argument says what it does.
 //   exit N            ends with that code
+//   beside N          ends with that code beside a thread of its own that never ends
 //   wait              stays until it is ended
 //   pause N           ends after N milliseconds
 //   hand ARGUMENTS    starts itself with these arguments and ends
@@ -174,6 +175,16 @@ int Stay() {
     return 0;
 }
 
+DWORD WINAPI SleepForEver(void*) {
+    ::Sleep(INFINITE);
+    return 0;
+}
+
+int EndBesideAThread(int code) {
+    ::CloseHandle(::CreateThread(nullptr, 0, SleepForEver, nullptr, 0, nullptr));
+    return code;
+}
+
 int WorkArea() {
     RECT area{};
     ::SystemParametersInfoW(SPI_GETWORKAREA, 0, &area, 0);
@@ -189,6 +200,9 @@ int ScreenSize() {
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPWSTR arguments, int) {
     if (StartsWith(arguments, L"exit ")) {
         return static_cast<int>(wcstol(arguments + 5, nullptr, 10));
+    }
+    if (StartsWith(arguments, L"beside ")) {
+        return EndBesideAThread(static_cast<int>(wcstol(arguments + 7, nullptr, 10)));
     }
     if (StartsWith(arguments, L"start ")) {
         return StartOther(arguments + 6);

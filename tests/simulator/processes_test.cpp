@@ -15,9 +15,48 @@ TEST_F(ProcessesTest, TheWholeExitCodeReachesTheStarter) {
     EXPECT_EQ(0x12345u, RunProbe(L"exit 74565"));
 }
 
+// A program's own run-time code ends it; where that does nothing, the end of its first thread does.
+TEST_F(ProcessesTest, AProcessEndsWithItsFirstThread) {
+    device().Set("terminate.self", "nothing");
+    device().Command("trace on");
+    EXPECT_EQ(7u, RunProbe(L"exit 7"));
+    EXPECT_EQ(8u, RunProbe(L"beside 8"));
+    EXPECT_NE("[]", device().Command("trace show ExitThread"));
+}
+
 TEST_F(ProcessesTest, ArgumentsArriveAsTheyWereGiven) {
     EXPECT_EQ(0u, RunProbe(L"echo  \"two blanks\" end"));
     EXPECT_EQ(1u, RunProbe(L"echo \"two blanks\" end"));
+}
+
+// Some systems give a program without a command line its name.
+TEST_F(ProcessesTest, WithoutACommandLineAProgramGetsNoneOrItsName) {
+    for (const wchar_t* expected : {L"", kProbe}) {
+        device().Set("process.no.arguments", expected == kProbe ? "name" : "empty");
+        PROCESS_INFORMATION info{};
+        ASSERT_TRUE(::CreateProcessW(kProbe, nullptr, nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                                     nullptr, &info));
+        EXPECT_TRUE(::CloseHandle(info.hThread));
+        EXPECT_TRUE(::CloseHandle(info.hProcess));
+        const auto programs = processes::List(sim());
+        ASSERT_EQ(1u, programs.size());
+        EXPECT_EQ(expected, programs[0].arguments);
+        processes::KillAll(sim());
+    }
+}
+
+// Some systems leave the last error alone.
+TEST_F(ProcessesTest, ANewMutexClearsTheLastErrorOrLeavesIt) {
+    for (const DWORD expected : {0u, 5u}) {
+        device().Set("mutex.last.error", expected == 0 ? "cleared" : "kept");
+        ::SetLastError(5);
+        HANDLE mutex = ::CreateMutexW(nullptr, FALSE, L"TolvenarTest");
+        EXPECT_EQ(expected, ::GetLastError());
+        HANDLE second = ::CreateMutexW(nullptr, FALSE, L"TolvenarTest");
+        EXPECT_EQ(DWORD{ERROR_ALREADY_EXISTS}, ::GetLastError());
+        EXPECT_TRUE(::CloseHandle(second));
+        EXPECT_TRUE(::CloseHandle(mutex));
+    }
 }
 
 TEST_F(ProcessesTest, ABareNameIsSoughtInWindowsAndThenInTheRoot) {

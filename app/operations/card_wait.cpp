@@ -1,4 +1,4 @@
-#include "app/start/card_wait.h"
+#include "app/operations/card_wait.h"
 
 #include "platform/win32.h"
 
