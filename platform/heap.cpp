@@ -12,6 +12,10 @@ bool CreatePrivateHeap() {
     if (private_heap == nullptr) {
         private_heap = ::HeapCreate(0, kInitialHeapBytes, 0);
     }
+    // What a heap has at first is taken at once, and a device may lack so much; it grows by itself.
+    if (private_heap == nullptr) {
+        private_heap = ::HeapCreate(0, 0, 0);
+    }
     return private_heap != nullptr;
 }
 

@@ -9,7 +9,8 @@ namespace tolvenar {
 
 constexpr unsigned kHeapZeroFill = 0x40;
 
-// Creates the heap, 5,000,000 bytes at first and without a maximum. True when it exists.
+// Creates the heap, 5,000,000 bytes at first, or none where these are refused, and without a
+// maximum. True when it exists.
 bool CreatePrivateHeap();
 // Gives all of it back at once; no block of it may be used afterwards.
 void DestroyPrivateHeap();

@@ -71,7 +71,7 @@ void ShowResult(HWND owner, const ResultMessage& message) {
     ShowMessage(owner, message.text != nullptr ? message.text : own_text.text(), message.icon);
 }
 
-void ShowMemoryMessage(HWND owner, std::uint32_t missing_bytes) {
+void ShowMissingMemory(HWND owner, std::uint32_t missing_bytes) {
     wchar_t megabytes[kMegabytesUnits];
     FormatMegabytes(missing_bytes, megabytes);
     wchar_t text[kMessageUnits];
@@ -126,7 +126,7 @@ bool ReportBackup(ResultCode result, const ReportContext& context) {
             ShowSpaceMessage(context);
         }
         if (is_memory) {
-            ShowMemoryMessage(context.owner, kMinimumFreeBytes - context.available);
+            ShowMissingMemory(context.owner, kMinimumFreeBytes - context.available);
         }
     }
     return message == nullptr && !is_space && !is_memory;
@@ -137,7 +137,7 @@ bool ReportRestore(HWND owner, const RestoreResult& result) {
         return true;
     }
     if (result.code == ResultCode::kNoMemory) {
-        ShowRestoreMemoryMessage(owner);
+        ShowMemoryMessage(owner);
     }
     if (result.code == ResultCode::kFailed && result.is_damaged) {
         ShowOwnMessage(owner, IDS_STORAGE_DAMAGED, MB_ICONWARNING);
@@ -180,7 +180,7 @@ void TellOfUnreadableJournal(HINSTANCE instance, const StorageNames& names) {
     ShowMessage(nullptr, text, MB_ICONERROR);
 }
 
-void ShowRestoreMemoryMessage(HWND owner) { ShowMemoryMessage(owner, kMinimumFreeBytes); }
+void ShowMemoryMessage(HWND owner) { ShowMissingMemory(owner, kMinimumFreeBytes); }
 
 void ShowInstallationMissing(HWND owner) {
     ShowMessage(owner,

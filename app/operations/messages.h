@@ -48,8 +48,9 @@ void TellWhyNotOpened(OpenStorageResult result);
 // The journal of the chosen storage cannot be opened, without an owner.
 void TellOfUnreadableJournal(HINSTANCE instance, const StorageNames& names);
 
-// The message of too little memory before a restore; its figure is fixed (docs/oddities.md, 22).
-void ShowRestoreMemoryMessage(HWND owner);
+// The message of too little memory before a restore and at the start; its figure is fixed
+// (docs/oddities.md, 22).
+void ShowMemoryMessage(HWND owner);
 
 // The storage file holds data of which its journal says nothing: its states cannot be listed.
 void TellOfMissingStates();

@@ -39,6 +39,14 @@ HANDLE StartThread(LPSECURITY_ATTRIBUTES security, SIZE_T stack_bytes, LPTHREAD_
 // Windows CE ends a process with its first thread, which loads this library.
 const DWORD first_thread = GetCurrentThreadId();
 
+// What a heap has at first is real memory, and a full device has little of it. A test has its heap
+// before it has a device.
+bool HeapFits(SIZE_T first_bytes) {
+    const std::int64_t limit =
+        Device::HasCurrent() ? Device::Current().NumberSetting("heap.first", -1) : -1;
+    return limit < 0 || first_bytes <= static_cast<std::uint64_t>(limit);
+}
+
 // Blocks of the process's own heap are counted together with LocalAlloc's, which come from it.
 void* const kLocalHeap = nullptr;
 
@@ -47,8 +55,14 @@ void* const kLocalHeap = nullptr;
 HANDLE WINAPI HeapCreate(DWORD options, SIZE_T first, SIZE_T most) {
     return Gated(
         Call::HeapCreate, HANDLE{},
-        [&]() -> HANDLE { return sim::host::CreateHeap(options, first, most); }, options, first,
-        most);
+        [&]() -> HANDLE {
+            if (!HeapFits(first)) {
+                sim::SetHostError(ERROR_NOT_ENOUGH_MEMORY);
+                return nullptr;
+            }
+            return sim::host::CreateHeap(options, first, most);
+        },
+        options, first, most);
 }
 
 BOOL WINAPI HeapDestroy(HANDLE heap) {

@@ -136,6 +136,7 @@ TEST_F(LaunchTest, OneOfTwoScheduledLaunchesWorks) {
     Program first = Launch("TolvenarRunAtTime");
     ASSERT_TRUE(PromptAppears());
     SetBattery(12);
+    device().Set("clock", "2026-11-16T09:10:00");
     EXPECT_EQ(0, Run("TolvenarRunAtTime"));
     EXPECT_EQ(0, Run("TolvenarRunAtAcPowerOff"));
     EXPECT_EQ(1u, WindowCount("Dialog", "Autobackup"));
@@ -150,6 +151,7 @@ TEST_F(LaunchTest, AScheduledLaunchHoldsTheMutexToItsEnd) {
     device().Set("sleep.scale", "100");
     Program first = Launch("TolvenarRunAtTime");
     ASSERT_TRUE(MainDialogAppears(first.pid()));
+    device().Set("clock", "2026-11-16T09:10:00");
     ExpectDropped("TolvenarRunAtTime");
     EXPECT_TRUE(first.Runs());
     CloseMainDialog();
@@ -198,10 +200,27 @@ TEST_F(LaunchTest, WithoutAChosenStorageARestoreEndsQuietly) {
     EXPECT_EQ(0, Counted("MessageBoxW"));
 }
 
-TEST_F(LaunchTest, AHeapThatCannotBeMadeEndsWithNothingDone) {
-    ExpectFailure(0, "AutoBackup: External", "HeapCreate 1 8");
-    ExpectFailure(0, "", "HeapCreate 1 8");
+TEST_F(LaunchTest, WithoutAnyHeapALaunchForAReasonEndsWithoutAWord) {
+    ExpectFailure(1, "AutoBackup: External", "HeapCreate 1 2 8");
+    ExpectFailure(1, "TolvenarRunAtTime", "HeapCreate 1 2 8");
     EXPECT_EQ(Numbers(), States());
+}
+
+TEST_F(LaunchTest, WithoutAnyHeapTheUserIsTold) {
+    Ask("fault HeapCreate 1 2 8");
+    Program program = Launch();
+    AnswerMessage(
+        {"Not enough memory to start operation. You need to free at least the 8.0 Mb of "
+         "the device memory.",
+         kErrorBox});
+    EXPECT_EQ(1, program.ExitCode());
+}
+
+TEST_F(LaunchTest, OnAFullDeviceTheHeapBeginsEmpty) {
+    device().Set("heap.first", "4000000");
+    EXPECT_EQ(0, BackUp());
+    EXPECT_EQ(Numbers{1}, States());
+    ExpectInteractive("");
 }
 
 // Then the end of the first thread is the program's.

@@ -39,6 +39,17 @@ TEST_F(SystemTest, FreeMemoryIsASetting) {
     EXPECT_EQ(92u, status.dwMemoryLoad);
 }
 
+// What a heap has at first is taken at once; it grows all the same.
+TEST_F(SystemTest, AHeapThatBeginsTooLargeIsRefused) {
+    device().Set("heap.first", "4000");
+    EXPECT_EQ(nullptr, ::HeapCreate(0, 4001, 0));
+    EXPECT_EQ(DWORD{ERROR_NOT_ENOUGH_MEMORY}, ::GetLastError());
+    HANDLE heap = ::HeapCreate(0, 4000, 0);
+    ASSERT_NE(nullptr, heap);
+    EXPECT_NE(nullptr, ::HeapAlloc(heap, 0, 100000));
+    EXPECT_TRUE(::HeapDestroy(heap));
+}
+
 TEST_F(SystemTest, PowerStatusIsSettings) {
     device().Command("set power.ac 0");
     device().Command("set power.flag 2");
