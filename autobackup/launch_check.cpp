@@ -1,6 +1,9 @@
 #include "autobackup/launch_check.h"
 
-#include "app/settings/settings.h"
+#include <cstdint>
+
+#include "app/settings/own_values.h"
+#include "autobackup/next_occurrence.h"
 #include "autobackup/notification_scheduler.h"
 #include "autobackup/notification_table.h"
 
@@ -13,20 +16,45 @@ LaunchCheckResult TestBattery(PowerStatus& power) {
                                                                     : LaunchCheckResult::kQuit;
 }
 
-// A notification that comes in another hour was held up, by a device that was off for example.
-bool IsStale() {
-    const DWORD wake_up_time = ReadSetting(setting::kWakeUpTime);
-    if (wake_up_time == kSettingAbsent) {
-        return false;
-    }
+// How much too early the platform may start what is due at a time.
+constexpr LONG kEarlySeconds = 60;
+constexpr std::uint64_t kTicksPerMinute = 600000000;
+
+// The local time that a start by the daily notification is for.
+SYSTEMTIME TimeOfStart(DWORD wake_up_time) {
     SYSTEMTIME now;
     ::GetLocalTime(&now);
-    return LOWORD(wake_up_time) != now.wHour;
+    SYSTEMTIME soon = now;
+    const bool is_early = AddSeconds(soon, kEarlySeconds) && LOWORD(wake_up_time) == soon.wHour &&
+                          HIWORD(wake_up_time) == soon.wMinute;
+    return is_early ? soon : now;
+}
+
+// A notification that comes in another hour was held up, by a device that was off for example.
+bool IsStale(DWORD wake_up_time, const SYSTEMTIME& start) {
+    return wake_up_time != kSettingAbsent && LOWORD(wake_up_time) != start.wHour;
+}
+
+// A time that came early comes again, and what is set anew within its minute may start at once.
+bool IsSecondStart(const SYSTEMTIME& start) {
+    FILETIME time{};
+    ::SystemTimeToFileTime(&start, &time);
+    const std::uint64_t ticks =
+        static_cast<std::uint64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime;
+    const auto minute = static_cast<std::uint32_t>(ticks / kTicksPerMinute);
+    if (ReadSetting(own_value::kLastDailyStart) == minute) {
+        return true;
+    }
+    WriteSetting(own_value::kLastDailyStart, minute);
+    return false;
 }
 
 LaunchCheckResult CheckDailyLaunch(PowerStatus& power) {
-    RescheduleTimeNotification();  // first, so that tomorrow's is set whatever happens next
-    if (IsStale()) {
+    // First, so that tomorrow's is set whatever happens next.
+    RescheduleTimeNotification(kEarlySeconds);
+    const DWORD wake_up_time = ReadSetting(setting::kWakeUpTime);
+    const SYSTEMTIME start = TimeOfStart(wake_up_time);
+    if (IsStale(wake_up_time, start) || IsSecondStart(start)) {
         return LaunchCheckResult::kQuit;
     }
     if ((ReadSetting(setting::kOnTime) & kSettingMask) != 0) {

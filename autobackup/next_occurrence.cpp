@@ -8,17 +8,6 @@ namespace {
 constexpr std::int64_t kTicksPerSecond = 10000000;
 constexpr LONG kSecondsPerDay = 86400;
 
-// Moves a local time to the same time of the next day, month and year ends included.
-bool AddOneDay(SYSTEMTIME& time) {
-    FILETIME today;
-    FILETIME tomorrow;
-    if (!::SystemTimeToFileTime(&time, &today)) {
-        return false;
-    }
-    AddSecondsToFileTime(today, tomorrow, kSecondsPerDay);
-    return ::FileTimeToSystemTime(&tomorrow, &time) != FALSE;
-}
-
 }  // namespace
 
 void AddSecondsToFileTime(const FILETIME& in, FILETIME& out, LONG seconds) {
@@ -28,12 +17,25 @@ void AddSecondsToFileTime(const FILETIME& in, FILETIME& out, LONG seconds) {
     out.dwHighDateTime = static_cast<DWORD>(ticks >> 32);
 }
 
-bool NextOccurrence(WORD hour, WORD minute, SYSTEMTIME* start) {
+bool AddSeconds(SYSTEMTIME& time, LONG seconds) {
+    FILETIME before;
+    FILETIME after;
+    if (!::SystemTimeToFileTime(&time, &before)) {
+        return false;
+    }
+    AddSecondsToFileTime(before, after, seconds);
+    return ::FileTimeToSystemTime(&after, &time) != FALSE;
+}
+
+bool NextOccurrence(WORD hour, WORD minute, SYSTEMTIME* start, LONG passed_seconds) {
     SYSTEMTIME time;
     ::GetLocalTime(&time);
+    if (passed_seconds != 0 && !AddSeconds(time, passed_seconds)) {
+        return false;
+    }
     time.wSecond = 0;  // the milliseconds stay when it is today
     const bool is_ahead = time.wHour < hour || (time.wHour == hour && time.wMinute < minute);
-    if (!is_ahead && !AddOneDay(time)) {
+    if (!is_ahead && !AddSeconds(time, kSecondsPerDay)) {
         return false;
     }
     time.wHour = hour;

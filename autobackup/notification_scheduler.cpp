@@ -23,8 +23,9 @@ CE_NOTIFICATION_TRIGGER MakeTrigger(const NotificationRow& row) {
 }
 
 // Sets the trigger's start to the next occurrence of an encoded time of day.
-bool SetStart(CE_NOTIFICATION_TRIGGER& trigger, DWORD wake_up_time) {
-    return NextOccurrence(LOWORD(wake_up_time), HIWORD(wake_up_time), &trigger.stStartTime);
+bool SetStart(CE_NOTIFICATION_TRIGGER& trigger, DWORD wake_up_time, LONG passed_seconds = 0) {
+    return NextOccurrence(LOWORD(wake_up_time), HIWORD(wake_up_time), &trigger.stStartTime,
+                          passed_seconds);
 }
 
 bool IsOurs(const CE_NOTIFICATION_TRIGGER& trigger) {
@@ -45,27 +46,40 @@ bool IsAsked(const NotificationRow& row, DWORD on_time, DWORD on_battery) {
     return (row.on_time_mask & on_time) != 0 || (row.on_battery_mask & on_battery) != 0;
 }
 
+// Never in place: the platform takes a time notification away around the start of its program, and
+// with the handle that has just fired the next start would go. The old one goes last, so that there
+// is one at any moment; it may be gone already.
+bool SetAnew(HANDLE old, CE_NOTIFICATION_TRIGGER& trigger, CE_USER_NOTIFICATION* user) {
+    if (::CeSetUserNotificationEx(nullptr, &trigger, user) == nullptr) {
+        return false;
+    }
+    if (old != nullptr) {
+        ::CeClearUserNotification(old);
+    }
+    return true;
+}
+
 // The stored notification's own time of day is kept, not the setting's.
-bool MoveOn(HANDLE notification, NotificationReader& reader) {
+bool MoveOn(HANDLE notification, NotificationReader& reader, LONG passed_seconds) {
     CE_NOTIFICATION_INFO_HEADER* record = reader.Read(notification);
     if (record == nullptr) {
         return false;
     }
     SYSTEMTIME& start = record->pcent->stStartTime;
-    if (!NextOccurrence(start.wHour, start.wMinute, &start)) {
+    if (!NextOccurrence(start.wHour, start.wMinute, &start, passed_seconds)) {
         return false;
     }
-    return ::CeSetUserNotificationEx(notification, record->pcent, record->pceun) != nullptr;
+    return SetAnew(notification, *record->pcent, record->pceun);
 }
 
-bool MakeDailyNotification() {
+bool MakeDailyNotification(LONG passed_seconds) {
     const DWORD wake_up_time = ReadSetting(setting::kWakeUpTime);
     if (ReadSetting(setting::kOnTime) == kSettingAbsent || wake_up_time == kSettingAbsent) {
         return false;
     }
     constexpr NotificationRow kDaily = {CNT_TIME, NOTIFICATION_EVENT_NONE, kRunAtTime, 0, 0};
     CE_NOTIFICATION_TRIGGER trigger = MakeTrigger(kDaily);
-    if (!SetStart(trigger, wake_up_time & kSettingMask)) {
+    if (!SetStart(trigger, wake_up_time & kSettingMask, passed_seconds)) {
         return false;
     }
     return ::CeSetUserNotificationEx(nullptr, &trigger, nullptr) != nullptr;
@@ -136,12 +150,15 @@ bool RegisterAutoBackupNotifications() {
             continue;
         }
         const HANDLE present = FindNotification(trigger);
-        all_set = ::CeSetUserNotificationEx(present, &trigger, nullptr) != nullptr && all_set;
+        const bool set = row.trigger_type == CNT_TIME
+                             ? SetAnew(present, trigger, nullptr)
+                             : ::CeSetUserNotificationEx(present, &trigger, nullptr) != nullptr;
+        all_set = set && all_set;
     }
     return all_set;
 }
 
-bool RescheduleTimeNotification() {
+bool RescheduleTimeNotification(LONG passed_seconds) {
     const NotificationHandles handles;
     // A device without any notification gets none here (docs/oddities.md, 27).
     if (handles.count() == 0) {
@@ -154,10 +171,10 @@ bool RescheduleTimeNotification() {
             return false;
         }
         if (record != nullptr && IsDailyNotification(*record->pcent)) {
-            return MoveOn(handles[i], reader);
+            return MoveOn(handles[i], reader, passed_seconds);
         }
     }
-    return MakeDailyNotification();
+    return MakeDailyNotification(passed_seconds);
 }
 
 }  // namespace tolvenar

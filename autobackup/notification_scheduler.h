@@ -15,12 +15,14 @@ HANDLE FindNotification(const CE_NOTIFICATION_TRIGGER& trigger);
 // record could not be read for want of memory.
 bool ClearAutoBackupNotifications();
 
-// Registers the rows that the settings ask for; one that is there already is replaced in place.
+// Registers the rows that the settings ask for; one that is there already is replaced, an event's
+// in place.
 // Leaves other notifications alone: callers clear first. True when every registration succeeded.
 bool RegisterAutoBackupNotifications();
 
 // Moves the daily notification on to its next occurrence at the time that it carries itself, or
-// makes it from the settings. False when there is nothing to move or make, or the platform refuses.
-bool RescheduleTimeNotification();
+// makes it from the settings. An occurrence within `passed_seconds` counts as past. False when
+// there is nothing to move or make, or the platform refuses.
+bool RescheduleTimeNotification(LONG passed_seconds = 0);
 
 }  // namespace tolvenar

@@ -17,6 +17,8 @@ constexpr char16_t kSuspendedWakeUpTime[] = u"OwnSuspendedWakeUpTime";
 // How the last unattended backup ended, and what the last backup could not save.
 constexpr char16_t kLastAutomatic[] = u"OwnLastAutomatic";
 constexpr char16_t kLastUnsaved[] = u"OwnLastUnsaved";
+// The minute of the last daily start, counted from the first that a FILETIME has.
+constexpr char16_t kLastDailyStart[] = u"OwnLastDailyStart";
 // What stood in the description's field when another copy took over.
 constexpr char16_t kDescription[] = u"OwnDescription";
 }  // namespace own_value

@@ -1,4 +1,5 @@
 // notifications, fire, tick: what the device starts by itself.
+#include <algorithm>
 #include <cstdio>
 
 #include "simulator/command/command_row.h"
@@ -63,6 +64,12 @@ std::uint64_t UtcOf(Device& device, const notifications::Time& time) {
     return IsMoment(moment) ? ParseIsoTime(IsoText(time), DeviceZone(device)) : 0;
 }
 
+// How much too early a time's program is started.
+std::uint64_t EarlyTicks(Device& device) {
+    return static_cast<std::uint64_t>(device.NumberSetting("notification.early", 0)) *
+           kTicksPerSecond;
+}
+
 // A clock that runs goes on running from the new time.
 void MoveClock(Device& device, const std::string& iso_time) {
     const bool stands = device.NumberSetting("clock.frozen", 0) != 0;
@@ -85,15 +92,17 @@ Json RunFire(Device& device, const Words& words) {
 // time, and what it registers up to the end is due too.
 Json RunTick(Device& device, const Words& words) {
     const std::uint64_t end = ParseIsoTime(words[0], DeviceZone(device));
+    const std::uint64_t early = EarlyTicks(device);
     Json list = Json::array();
-    while (const auto due = notifications::TakeDue(device, LocalTime(device, end))) {
-        const std::uint64_t time = UtcOf(device, due->time);
+    while (const auto due = notifications::TakeDue(device, LocalTime(device, end + early))) {
+        const std::uint64_t time = std::max(UtcOf(device, due->time), early) - early;
         if (time > device.NowUtc()) {
-            MoveClock(device, IsoText(due->time));
+            MoveClock(device, IsoText(LocalTime(device, time)));
         }
         if (due->start) {
             list.push_back(StartOne(device, *due->start, time < end ? kWaitMs : 0));
         }
+        notifications::EndDue(device, *due);
     }
     MoveClock(device, words[0]);
     return list;

@@ -105,6 +105,12 @@ bool IsBefore(const Time& a, const Time& b) {
     return false;
 }
 
+constexpr std::uint32_t kSignalled = 1;
+
+bool Vanishes(const Device& device, const char* moment) {
+    return device.Setting("notification.vanishes", "before") == moment;
+}
+
 // The platform hands these to an application registered for a plain time.
 constexpr char16_t kRunAtTime[] = u"AppRunAtTime";
 
@@ -153,7 +159,8 @@ std::optional<Due> TakeDue(Device& device, const Time& now) {
     LogStore::Change change(device.store());
     std::optional<Notification> first;
     for (Notification& notification : All(device)) {
-        const bool is_due = notification.kind != kEvent && !IsBefore(now, notification.start);
+        const bool is_due = notification.kind != kEvent && notification.status != kSignalled &&
+                            !IsBefore(now, notification.start);
         if (is_due && (!first || IsBefore(notification.start, first->start))) {
             first = std::move(notification);
         }
@@ -161,12 +168,23 @@ std::optional<Due> TakeDue(Device& device, const Time& now) {
     if (!first) {
         return std::nullopt;
     }
-    change.Erase(EntryKey(first->handle));
-    Due due{first->start, std::nullopt};
+    Due due{first->handle, first->start, std::nullopt};
     if (first->application) {
         due.start = StartOf(*first);
     }
+    if (Vanishes(device, "before")) {
+        change.Erase(EntryKey(first->handle));
+    } else {
+        first->status = kSignalled;
+        change.Set(EntryKey(first->handle), Encode(*first));
+    }
     return due;
+}
+
+void EndDue(Device& device, const Due& due) {
+    if (Vanishes(device, "after")) {
+        Clear(device, due.handle);
+    }
 }
 
 std::vector<Start> Fire(Device& device, const std::u16string& arguments) {

@@ -29,7 +29,7 @@ struct UserNotification {
 
 struct Notification {
     std::uint32_t handle = 0;
-    std::uint32_t status = 0;  // 1: it was shown to the user
+    std::uint32_t status = 0;  // 1: its time has come
     std::uint32_t kind = kEvent;
     std::uint32_t event = 0;
     std::optional<std::u16string> application;
@@ -53,13 +53,17 @@ struct Start {
     std::u16string arguments;
 };
 
-// Takes away the earliest notification whose time has come by `now`: its time, and what it starts
-// when it names an application. Nothing when none is due.
+// The earliest notification whose time has come by `now` and that has not been taken: its time, and
+// what it starts when it names an application. Nothing when none is due. When it vanishes is not
+// the same on every system (setting "notification.vanishes"): here, in `EndDue`, or never.
 struct Due {
+    std::uint32_t handle = 0;
     Time time{};
     std::optional<Start> start;
 };
 std::optional<Due> TakeDue(Device& device, const Time& now);
+// Its program has started. Whatever the handle stands for by now may go with it.
+void EndDue(Device& device, const Due& due);
 // The event notifications with these arguments; they stay.
 std::vector<Start> Fire(Device& device, const std::u16string& arguments);
 // The event notifications of one platform event, such as 4 for the end of AC power; they stay.

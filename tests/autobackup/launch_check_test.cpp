@@ -3,7 +3,7 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
-#include "app/settings/settings.h"
+#include "app/settings/own_values.h"
 #include "autobackup/notification_reader.h"
 #include "autobackup/notification_table.h"
 #include "tests/support/device_test.h"
@@ -77,6 +77,30 @@ TEST_F(LaunchCheckTest, TheDailyTimeIsDueWithinItsHour) {
     EXPECT_EQ(LaunchCheckResult::kTimed, Check(kRunAtTime));
     device().Command("set clock 2026-11-16T21:59:59");
     EXPECT_EQ(LaunchCheckResult::kTimed, Check(kRunAtTime));
+}
+
+TEST_F(LaunchCheckTest, ASecondStartOfTheSameMinuteDoesNothing) {
+    SetDaily(1, 3u << 16 | 21);
+    EXPECT_EQ(LaunchCheckResult::kTimed, Check(kRunAtTime));
+    device().Command("set clock 2026-11-16T21:03:59");
+    EXPECT_EQ(LaunchCheckResult::kQuit, Check(kRunAtTime));
+    device().Command("set clock 2026-11-16T21:04:00");
+    EXPECT_EQ(LaunchCheckResult::kTimed, Check(kRunAtTime));
+    device().Command("set clock 2026-11-17T21:03:00");
+    EXPECT_EQ(LaunchCheckResult::kTimed, Check(kRunAtTime));
+}
+
+TEST_F(LaunchCheckTest, AFiringUpToAMinuteEarlyIsThatOfItsTime) {
+    SetDaily(1, 0u << 16 | 22);
+    for (const char* early : {"21:59:00", "21:59:59"}) {
+        DeleteOwnValue(own_value::kLastDailyStart);
+        device().Command(std::string("set clock 2026-11-16T") + early);
+        EXPECT_EQ(LaunchCheckResult::kTimed, Check(kRunAtTime)) << early;
+        device().Command("set clock 2026-11-16T22:00:00");
+        EXPECT_EQ(LaunchCheckResult::kQuit, Check(kRunAtTime)) << early;
+    }
+    device().Command("set clock 2026-11-17T21:58:59");
+    EXPECT_EQ(LaunchCheckResult::kQuit, Check(kRunAtTime));
 }
 
 TEST_F(LaunchCheckTest, ALateFiringIsDroppedAndYetMovedOn) {

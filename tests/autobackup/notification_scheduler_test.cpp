@@ -261,11 +261,34 @@ TEST_F(NotificationSchedulerTest, FindingComparesApplicationAndArgumentsWithCase
 
 TEST_F(NotificationSchedulerTest, ReschedulingMovesTheStoredNotificationOnAtItsOwnTime) {
     SetOptions(1, 0);  // 21:30, which is not read
-    const HANDLE stored = Add(CNT_TIME, 0, kAgentProgram, kRunAtTime, 8);
+    Add(CNT_TIME, 0, kAgentProgram, kRunAtTime, 8);
     EXPECT_TRUE(RescheduleTimeNotification());
     EXPECT_EQ(Texts{L"TolvenarRunAtTime 11-17 08:15"}, All());
-    const NotificationHandles handles;
-    EXPECT_EQ(stored, handles[0]);
+}
+
+// The platform may take the handle away once its program has started.
+TEST_F(NotificationSchedulerTest, ATimeIsNeverSetOverTheHandleThatFired) {
+    SetOptions(1, 0);
+    RegisterAutoBackupNotifications();
+    for (const bool is_rescheduled : {true, false}) {
+        const NotificationHandles before;
+        ASSERT_EQ(2u, before.count());
+        EXPECT_TRUE(is_rescheduled ? RescheduleTimeNotification()
+                                   : RegisterAutoBackupNotifications());
+        const NotificationHandles after;
+        ASSERT_EQ(2u, after.count());
+        EXPECT_NE(before[1], after[1]) << is_rescheduled;
+        EXPECT_EQ(kTimeOnly, All());
+    }
+}
+
+TEST_F(NotificationSchedulerTest, AnOccurrenceWithinThePassedSecondsIsPast) {
+    Add(CNT_TIME, 0, kAgentProgram, kRunAtTime, 9);  // a quarter past
+    device().Command("set clock 2026-11-16T09:14:10");
+    EXPECT_TRUE(RescheduleTimeNotification(49));
+    EXPECT_EQ(Texts{L"TolvenarRunAtTime 11-16 09:15"}, All());
+    EXPECT_TRUE(RescheduleTimeNotification(50));
+    EXPECT_EQ(Texts{L"TolvenarRunAtTime 11-17 09:15"}, All());
 }
 
 TEST_F(NotificationSchedulerTest, ReschedulingPassesOverARecordThatCannotBeRead) {
@@ -279,10 +302,11 @@ TEST_F(NotificationSchedulerTest, ReschedulingPassesOverARecordThatCannotBeRead)
 TEST_F(NotificationSchedulerTest, ReschedulingKeepsTheUserNotificationOfTheStoredOne) {
     CE_USER_NOTIFICATION user{};
     user.ActionFlags = 1;
-    const HANDLE stored = Add(CNT_TIME, 0, kAgentProgram, kRunAtTime, 8, &user);
+    Add(CNT_TIME, 0, kAgentProgram, kRunAtTime, 8, &user);
     EXPECT_TRUE(RescheduleTimeNotification());
+    const NotificationHandles handles;
     NotificationReader reader;
-    const CE_NOTIFICATION_INFO_HEADER* record = reader.Read(stored);
+    const CE_NOTIFICATION_INFO_HEADER* record = reader.Read(handles[0]);
     ASSERT_NE(nullptr, record->pceun);
     EXPECT_EQ(1u, record->pceun->ActionFlags);
 }

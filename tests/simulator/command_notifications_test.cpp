@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <notify.h>
 
+#include "simulator/notifications/notifications.h"
 #include "simulator/processes/process_handles.h"
 #include "simulator/programs/rest.h"
 #include "tests/support/programs.h"
@@ -94,6 +95,52 @@ TEST_F(CommandNotificationsTest, TheClockIsMovedAndWhatIsDueVanishes) {
     EXPECT_EQ("2003-02-28T07:30:00.000Z", Run("show")["clock"]);
     EXPECT_EQ(1u, Run("notifications").size());
     EXPECT_EQ(Json::array(), Run("tick 2003-02-28T07:31:00"));
+}
+
+// Documents say that a time's notification vanishes and not when; some systems keep it.
+TEST_F(CommandNotificationsTest, ATimeVanishesBeforeItsProgramOrAfterOrNever) {
+    const struct {
+        const char* moment;
+        std::size_t meanwhile;
+        std::size_t left;
+    } kRows[] = {{"before", 0, 0}, {"after", 1, 0}, {"never", 1, 1}};
+    for (const auto& row : kRows) {
+        device().Set("clock", "2003-02-28T07:00:00");
+        device().Set("notification.vanishes", row.moment);
+        const HANDLE handle = AtTime(7, 30, L"pause 100");
+        const auto due = sim::notifications::TakeDue(device().sim(), {2003, 2, 5, 28, 7, 30});
+        ASSERT_TRUE(due) << row.moment;
+        EXPECT_EQ(row.meanwhile, Run("notifications").size()) << row.moment;
+        sim::notifications::EndDue(device().sim(), *due);
+        EXPECT_EQ(row.left, Run("notifications").size()) << row.moment;
+        EXPECT_EQ(Json::array(), Run("tick 2003-02-28T09:00:00")) << row.moment;
+        ::CeClearUserNotification(handle);
+    }
+}
+
+// What is set anew over its handle goes with it.
+TEST_F(CommandNotificationsTest, AHandleThatVanishesAfterItsProgramTakesWhatWasSetOverIt) {
+    device().Set("notification.vanishes", "after");
+    const HANDLE handle = AtTime(7, 30, L"exit 0");
+    const auto due = sim::notifications::TakeDue(device().sim(), {2003, 2, 5, 28, 7, 30});
+    ASSERT_TRUE(due);
+    CE_NOTIFICATION_TRIGGER trigger{};
+    trigger.dwSize = sizeof trigger;
+    trigger.dwType = CNT_TIME;
+    trigger.lpszApplication = const_cast<wchar_t*>(L"\\Windows\\probe.exe");
+    trigger.stStartTime = {2003, 3, 6, 1, 7, 30, 0, 0};
+    EXPECT_EQ(handle, ::CeSetUserNotificationEx(handle, &trigger, nullptr));
+    sim::notifications::EndDue(device().sim(), *due);
+    EXPECT_EQ(Json::array(), Run("notifications"));
+}
+
+// A device need not be exact.
+TEST_F(CommandNotificationsTest, ATimeMayComeEarly) {
+    device().Set("notification.early", "30");
+    AtTime(7, 30, L"exit 0");
+    EXPECT_EQ(Json::array(), Run("tick 2003-02-28T07:29:29"));
+    EXPECT_EQ(1u, Run("tick 2003-02-28T07:29:30").size());
+    EXPECT_EQ("2003-02-28T07:29:30.000Z", Run("show")["clock"]);
 }
 
 TEST_F(CommandNotificationsTest, EachDueProgramHasEndedBeforeTheNextStarts) {
