@@ -242,8 +242,11 @@ LONG WINAPI RegSetValueExW(HKEY hkey, LPCWSTR name, DWORD, DWORD type, const BYT
         Call::RegSetValueExW, hkey,
         [&](Registry& registry, OpenKey& key) -> long {
             Value value{sim::StoredText(name), type, {}};
+            // Whether no data may be a null is not the same on every system.
+            const bool refuses_null =
+                size != 0 || registry.device().Setting("registry.null.data", "") == "refused";
             if (value.name.size() > sim::registry::kMaxNameUnits ||
-                (data == nullptr && size != 0)) {
+                (data == nullptr && refuses_null)) {
                 return ERROR_INVALID_PARAMETER;
             }
             if (size != 0) {

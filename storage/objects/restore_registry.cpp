@@ -86,9 +86,13 @@ LONG RestoreValueOf(HKEY key, const StoredBytes& data, const InfoBlock& block,
     if (mode == RestoreMode::kDelete) {
         return DeleteValue(key, name.value_name);
     }
-    return data.complete() ? ::RegSetValueExW(key, Wide(name.value_name), 0,
-                                              block.head().value_type, data.bytes, data.length)
-                           : ERROR_INVALID_DATA;
+    if (!data.complete()) {
+        return ERROR_INVALID_DATA;
+    }
+    // A system may refuse a null even for no data.
+    const BYTE nothing = 0;
+    return ::RegSetValueExW(key, Wide(name.value_name), 0, block.head().value_type,
+                            data.bytes != nullptr ? data.bytes : &nothing, data.length);
 }
 
 RestoreOutcome RestoreValue(KeptKey& kept, const StoredBytes& data, const InfoBlock& block,

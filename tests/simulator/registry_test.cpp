@@ -194,6 +194,18 @@ TEST_F(RegistryTest, AnEmptyValueHasNoBytes) {
     ::RegCloseKey(key);
 }
 
+// Documented is a pointer to the data.
+TEST_F(RegistryTest, ANullForNoDataMayBeRefused) {
+    device().Set("registry.null.data", "refused");
+    HKEY key = nullptr;
+    ASSERT_EQ(ERROR_SUCCESS, ::RegCreateKeyExW(HKEY_CURRENT_USER, L"Key", 0, nullptr, 0, 0, nullptr,
+                                               &key, nullptr));
+    EXPECT_EQ(ERROR_INVALID_PARAMETER, ::RegSetValueExW(key, L"x", 0, REG_BINARY, nullptr, 0));
+    EXPECT_EQ(ERROR_SUCCESS,
+              ::RegSetValueExW(key, L"x", 0, REG_BINARY, reinterpret_cast<const BYTE*>(""), 0));
+    EXPECT_EQ(ERROR_SUCCESS, ::RegCloseKey(key));
+}
+
 TEST_F(RegistryTest, AnAbsentValueOrKeyAnswersTwo) {
     HKEY key = Create(HKEY_CURRENT_USER, L"v");
     EXPECT_EQ(2, ::RegDeleteValueW(key, L"none"));

@@ -111,6 +111,13 @@ TEST_F(RestoreRegistryTest, AValueWithoutDataComesBackEmpty) {
     EXPECT_EQ("3:", Value(HKEY_CURRENT_USER, L"Key", L"v"));
 }
 
+TEST_F(RestoreRegistryTest, AValueWithoutDataComesBackWhereANullIsRefused) {
+    device().Set("registry.null.data", "refused");
+    SetValue(HKEY_CURRENT_USER, L"Key", L"v", REG_BINARY, "old");
+    EXPECT_EQ(kDone, WriteBack(StoreValue(HKEY_CURRENT_USER, u"Key", u"v", REG_BINARY, "")));
+    EXPECT_EQ("3:", Value(HKEY_CURRENT_USER, L"Key", L"v"));
+}
+
 TEST_F(RestoreRegistryTest, TheDefaultValueOfARootKeyComesBack) {
     EXPECT_EQ(kDone, WriteBack(StoreValue(HKEY_USERS, u"", u"", REG_SZ, kText)));
     EXPECT_EQ("1:" + kText, Value(HKEY_USERS, L"", L""));
