@@ -11,10 +11,6 @@
 namespace sim::windows {
 namespace {
 
-// A window that goes makes the host move its focus, which it tells of a while later and which takes
-// the press of a button back. Nothing tells when that is over, and no stylus is as quick.
-constexpr DWORD kSettlingMs = 200;
-
 using Place = std::optional<RECT>;  // in the control
 
 Place PlaceInList(HWND list, int index) {
@@ -94,7 +90,6 @@ void TapScreen(POINT spot, int times) {
     tap.mi.dy = Normalized(spot.y, ::GetSystemMetrics(SM_CYSCREEN));
     tap.mi.dwFlags =
         MOUSEEVENTF_ABSOLUTE | MOUSEEVENTF_MOVE | MOUSEEVENTF_LEFTDOWN | MOUSEEVENTF_LEFTUP;
-    ::Sleep(kSettlingMs);
     RaiseActive();
     for (int i = 0; i < times; ++i) {
         ::SendInput(1, &tap, sizeof tap);
