@@ -12,7 +12,7 @@ add_test(NAME check_includes_seeds COMMAND ${CMAKE_SOURCE_DIR}/tests/scripts/che
 foreach(seed 1 2 3)
   add_test(NAME random_use.${seed} COMMAND ${CMAKE_SOURCE_DIR}/scripts/own_display
     ${CMAKE_SOURCE_DIR}/tools/random_use ${CMAKE_SOURCE_DIR}/scripts/cedev $<TARGET_FILE_DIR:Tolvenar> ${seed} 30)
-  set_tests_properties(random_use.${seed} PROPERTIES TIMEOUT 900)
+  set_tests_properties(random_use.${seed} PROPERTIES TIMEOUT 900 RESOURCE_LOCK stylus)
 endforeach()
 
 # Calls are counted, not timed: they are the same on every machine.
