@@ -23,18 +23,6 @@ Box ParseBox(const std::string& arguments) {
             arguments.substr(caption + 2, style - caption - 2)};
 }
 
-std::optional<Window> FindIn(const std::vector<Window>& windows,
-                             const std::function<bool(const Window&)>& is_wanted) {
-    const auto found = std::find_if(windows.begin(), windows.end(), is_wanted);
-    return found != windows.end() ? std::optional(*found) : std::nullopt;
-}
-
-Window AwaitIn(const std::function<std::vector<Window>()>& list,
-               const std::function<bool(const Window&)>& is_wanted) {
-    const auto windows = Await(list, [&](const auto& all) { return FindIn(all, is_wanted); });
-    return FindIn(windows, is_wanted).value_or(Window{});
-}
-
 // While one window gives way to another, keys go nowhere.
 bool AWindowIsActive() {
     const HWND active = ::GetForegroundWindow();
@@ -111,31 +99,23 @@ bool UiTest::ProgramRuns() {
 void UiTest::ExpectEnd() { EXPECT_SOON(!ProgramRuns()); }
 
 std::optional<Window> UiTest::Find(const IsWanted& is_wanted) {
-    return FindIn(Windows(), is_wanted);
+    const std::vector<Window> windows = Windows();
+    const auto found = std::find_if(windows.begin(), windows.end(), is_wanted);
+    return found != windows.end() ? std::optional(*found) : std::nullopt;
 }
 
 Window UiTest::AwaitWindow(const IsWanted& is_wanted) {
-    return AwaitIn([&] { return Windows(); }, is_wanted);
-}
-
-Window UiTest::AwaitTop(const IsWanted& is_wanted) {
-    return AwaitIn([&] { return sim::windows::ListTops(device().sim()); }, is_wanted);
-}
-
-Window UiTest::AwaitControl(int id, const IsWanted& is_wanted) {
-    return AwaitIn([&] { return sim::windows::ListControls(device().sim(), id); },
-                   [&](const Window& window) {
-                       return window.parent != 0 && window.id == id && is_wanted(window);
-                   });
-}
-
-std::optional<Window> UiTest::FindTop(const IsWanted& is_wanted) {
-    return FindIn(sim::windows::ListTops(device().sim()), is_wanted);
+    const std::vector<Window> windows =
+        Await([&] { return Windows(); },
+              [&](const auto& all) { return std::any_of(all.begin(), all.end(), is_wanted); });
+    const auto found = std::find_if(windows.begin(), windows.end(), is_wanted);
+    return found != windows.end() ? *found : Window{};
 }
 
 std::optional<Window> UiTest::Top(const std::string& caption) {
-    return FindTop([&](const Window& window) {
-        return window.visible && window.text == caption && window.class_name == "Dialog";
+    return Find([&](const Window& window) {
+        return window.parent == 0 && window.visible && window.text == caption &&
+               window.class_name == "Dialog";
     });
 }
 
@@ -162,13 +142,14 @@ bool UiTest::IsDisabled(const std::string& caption) {
 }
 
 std::optional<Window> UiTest::Control(int id) {
-    return FindIn(sim::windows::ListControls(device().sim(), id), [id](const Window& window) {
+    return Find([id](const Window& window) {
         return window.parent != 0 && window.visible && window.id == id;
     });
 }
 
 Window UiTest::AnyControl(int id) {
-    return AwaitControl(id, [](const Window&) { return true; });
+    return AwaitWindow(
+        [id](const Window& window) { return window.parent != 0 && window.id == id; });
 }
 
 bool UiTest::DialogIsDone() {
@@ -212,7 +193,9 @@ bool UiTest::IsChecked(int id) {
 }
 
 void UiTest::Press(int id) {
-    AwaitControl(id, [](const Window& window) { return window.visible && window.enabled; });
+    AwaitWindow([id](const Window& window) {
+        return window.parent != 0 && window.visible && window.id == id && window.enabled;
+    });
     Ask("window press " + std::to_string(id));
 }
 
@@ -272,7 +255,7 @@ void UiTest::ExpectFocusOn(const KeyToControl& row) {
 }
 
 bool UiTest::BoxIsUp() {
-    return FindTop([](const Window& window) {
+    return Find([](const Window& window) {
                return window.class_name == kBoxClass && window.visible;
            })
         .has_value();

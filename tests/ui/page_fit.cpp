@@ -88,7 +88,7 @@ SIZE PageFitTest::ScreenSize() const {
 }
 
 Window PageFitTest::MainWindowOnScreen() {
-    return AwaitTop(
+    return AwaitWindow(
         [](const Window& window) { return window.text == kMainTitle && window.visible; });
 }
 
@@ -141,8 +141,8 @@ void PageFitTest::ExpectPagesFit() {
 // A popup that goes takes a tap with it.
 bool PageFitTest::DialogStandsAlone() {
     return Eventually([&] {
-        return ::GetForegroundWindow() == MainDialog() && !FindTop([](const Window& window) {
-                   return window.visible && window.class_name == "Dialog" &&
+        return ::GetForegroundWindow() == MainDialog() && !Find([](const Window& window) {
+                   return window.parent == 0 && window.visible && window.class_name == "Dialog" &&
                           window.text != kMainTitle;
                });
     });
@@ -161,7 +161,9 @@ void PageFitTest::TapAt(int x, int y) {
 void PageFitTest::Tap(int id) {
     EXPECT_TRUE(DialogStandsAlone());
     EXPECT_TRUE(DialogIsDone()) << "where the control stands may change";
-    AwaitControl(id, [](const Window& window) { return window.visible && window.enabled; });
+    AwaitWindow([id](const Window& window) {
+        return window.parent != 0 && window.visible && window.id == id && window.enabled;
+    });
     EXPECT_TRUE(sim::windows::Tap(device().sim(), id, ""));
     EXPECT_TRUE(DialogIsDone());
 }
