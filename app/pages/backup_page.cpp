@@ -79,18 +79,19 @@ void BackupPage::ShowLastState() {
     }
     StateDetails details;
     ReadStateDetails(app_.storage.names, *last, details);
+    const std::uint32_t unsaved = ReadUnsaved(app_.storage.names, last->state_number);
     Line text;
     Line shorter;
-    PutLastState(*last, details.time, text);
-    PutLastState(*last, details.plain_time, shorter);
+    PutLastState(last->state_number, details.time, unsaved, text);
+    PutLastState(last->state_number, details.plain_time, unsaved, shorter);
     last_state_.Set(Control(IDC_LAST_STATE), text, shorter);
 }
 
 // A state that lacks something must not look as one that has all.
-void BackupPage::PutLastState(const ObjectRecord& state, const char16_t* time, Line& text) const {
+void BackupPage::PutLastState(std::uint16_t state, const char16_t* time, std::uint32_t unsaved,
+                              Line& text) const {
     wchar_t name[kDateTimeTextUnits + kStateTextUnits];
-    ::wsprintfW(name, time[0] != 0 ? L"State %i, %s" : L"State %i", state.state_number, Wide(time));
-    const std::uint32_t unsaved = ReadUnsaved(app_.storage.names, state.state_number);
+    ::wsprintfW(name, time[0] != 0 ? L"State %i, %s" : L"State %i", state, Wide(time));
     ::wsprintfW(text, unsaved != 0 ? ResourceText(app_.instance, IDS_UNSAVED).text() : L"%s", name,
                 unsaved);
 }

@@ -34,7 +34,8 @@ private:
     void ReadDescription(char16_t* buffer) const;
     void ShowStorage();
     void ShowLastState();
-    void PutLastState(const ObjectRecord& state, const char16_t* time, Line& text) const;
+    void PutLastState(std::uint16_t state, const char16_t* time, std::uint32_t unsaved,
+                      Line& text) const;
     void ShowLastAutomatic();
     void TakeKeptDescription();
     void ShowFreeSpace();
