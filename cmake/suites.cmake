@@ -1,4 +1,4 @@
-# add_suites(TARGET [LAUNCHER …] [PROPERTIES …] SOURCES …): one CTest entry for each GoogleTest suite of a
+# add_suites(TARGET [PROPERTIES …] SOURCES …): one CTest entry for each GoogleTest suite of a
 # program. Starting a program on the simulated device costs more than most cases, and reading the suites
 # from the sources needs no run of it.
 #
@@ -11,11 +11,11 @@ foreach(line IN LISTS shard_lines)
   set(shards_of_${CMAKE_MATCH_1} ${CMAKE_MATCH_2})
 endforeach()
 
-# Beside another suite that taps, a tap of the stylus goes astray, though each has a display of its own. Such suites run
-# one after the other, beside all others.
-set(TAPS_REGEX "Tap[A-Za-z]*\\(|stories/story_test.h")
+# What looks at the screen's pixels has an X display of its own. All others run without one: Wine's windows, messages and
+# input are then the same, but no X server takes or gives the focus, or moves the pointer, at a moment of its own choice.
+set(LOOKS_REGEX "TakeScreenshot|screenshot|tree_window_fixture.h")
 
-function(add_suite target suite command properties)
+function(add_suite target suite command environment properties)
   set(shards 1)
   if(DEFINED shards_of_${suite})
     set(shards ${shards_of_${suite}})
@@ -27,37 +27,35 @@ function(add_suite target suite command properties)
     endif()
     add_test(NAME ${name}
       COMMAND ${command} --gtest_brief=1 --gtest_filter=${suite}.*:*/${suite}.*:${suite}/*.*)
-    if(properties)
-      set_tests_properties(${name} PROPERTIES ${properties})
-    endif()
+    set(shard_environment ${environment})
     if(shards GREATER 1)
       math(EXPR index "${shard} - 1")
-      set_tests_properties(${name} PROPERTIES COST 100
-        ENVIRONMENT "GTEST_TOTAL_SHARDS=${shards};GTEST_SHARD_INDEX=${index}")
+      list(APPEND shard_environment GTEST_TOTAL_SHARDS=${shards} GTEST_SHARD_INDEX=${index})
+      set_tests_properties(${name} PROPERTIES COST 100)
     endif()
+    set_tests_properties(${name} PROPERTIES ENVIRONMENT "${shard_environment}" ${properties})
   endforeach()
 endfunction()
 
 function(add_suites target)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;PROPERTIES;LAUNCHER")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;PROPERTIES")
   set(seen "")
-  set(program ${target})
-  if(arg_LAUNCHER)
-    set(program ${arg_LAUNCHER} ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:${target}>)
-  endif()
   foreach(source IN LISTS arg_SOURCES)
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${source})
     file(STRINGS ${source} lines REGEX "^(TEST|TEST_F|TEST_P|TYPED_TEST)\\(")
-    file(STRINGS ${source} taps REGEX "${TAPS_REGEX}")
-    set(properties ${arg_PROPERTIES})
-    if(taps)
-      list(APPEND properties RESOURCE_LOCK stylus)
+    file(STRINGS ${source} looks REGEX "${LOOKS_REGEX}")
+    if(looks)
+      set(command ${CMAKE_SOURCE_DIR}/scripts/own_display ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:${target}>)
+      set(environment "")
+    else()
+      set(command ${target})
+      set(environment DISPLAY=)
     endif()
     foreach(line IN LISTS lines)
       string(REGEX REPLACE "^[A-Z_]+\\(([A-Za-z0-9_]+).*" "\\1" suite "${line}")
       if(NOT suite IN_LIST seen)
         list(APPEND seen ${suite})
-        add_suite(${target} ${suite} "${program}" "${properties}")
+        add_suite(${target} ${suite} "${command}" "${environment}" "${arg_PROPERTIES}")
       endif()
     endforeach()
   endforeach()

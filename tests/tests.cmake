@@ -10,16 +10,16 @@ add_test(NAME check_includes_seeds COMMAND ${CMAKE_SOURCE_DIR}/tests/scripts/che
 
 # The program used at random, each seed on a device of its own.
 foreach(seed 1 2 3)
-  add_test(NAME random_use.${seed} COMMAND ${CMAKE_SOURCE_DIR}/scripts/own_display
+  add_test(NAME random_use.${seed} COMMAND
     ${CMAKE_SOURCE_DIR}/tools/random_use ${CMAKE_SOURCE_DIR}/scripts/cedev $<TARGET_FILE_DIR:Tolvenar> ${seed} 30)
-  set_tests_properties(random_use.${seed} PROPERTIES TIMEOUT 900 RESOURCE_LOCK stylus)
+  set_tests_properties(random_use.${seed} PROPERTIES TIMEOUT 900 ENVIRONMENT DISPLAY=)
 endforeach()
 
 # Calls are counted, not timed: they are the same on every machine.
-add_test(NAME call_counts COMMAND ${CMAKE_SOURCE_DIR}/scripts/own_display
+add_test(NAME call_counts COMMAND
   ${CMAKE_SOURCE_DIR}/tools/bench_calls --objects 100 --kept ${CMAKE_SOURCE_DIR}/tests/call_counts.md
   ${CMAKE_SOURCE_DIR}/scripts/cedev $<TARGET_FILE_DIR:Tolvenar> ${CMAKE_BINARY_DIR}/call_counts)
-set_tests_properties(call_counts PROPERTIES TIMEOUT 900)
+set_tests_properties(call_counts PROPERTIES TIMEOUT 900 ENVIRONMENT DISPLAY=)
 
 # What tests share: a fresh device for each case, host-side helpers.
 file(GLOB support_sources CONFIGURE_DEPENDS tests/support/*.cpp)
@@ -56,10 +56,5 @@ foreach(folder IN LISTS test_folders)
   target_link_options(${name} PRIVATE -static)
   add_dependencies(${name} sim_coredll sim_commctrl sim_commdlg Tolvenar ${probes}
     ${companions})
-  # A folder whose tests need the keyboard focus says so in a file.
-  set(launcher "")
-  if(EXISTS ${CMAKE_SOURCE_DIR}/tests/${folder}/own_display)
-    set(launcher ${CMAKE_SOURCE_DIR}/scripts/own_display)
-  endif()
-  add_suites(${name} SOURCES ${sources} LAUNCHER ${launcher} PROPERTIES TIMEOUT 900)
+  add_suites(${name} SOURCES ${sources} PROPERTIES TIMEOUT 900)
 endforeach()

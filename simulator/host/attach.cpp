@@ -1,5 +1,6 @@
 #include "simulator/host/attach.h"
 
+#include <cstdint>
 #include <stdexcept>
 #include <windows.h>
 
@@ -18,6 +19,12 @@ Function Control(const char* name) {
     return reinterpret_cast<Function>(reinterpret_cast<void*>(found));
 }
 
+std::uint64_t Now() {
+    FILETIME now{};
+    ::GetSystemTimeAsFileTime(&now);
+    return std::uint64_t{now.dwHighDateTime} << 32 | now.dwLowDateTime;
+}
+
 }  // namespace
 
 void AttachProcess(const std::wstring& folder) {
@@ -29,9 +36,12 @@ int OpenHandlesOfCoredll() { return Control<int(WINAPI*)()>("SimOpenHandles")();
 
 unsigned long StepsOfCoredll() { return Control<unsigned long(WINAPI*)()>("SimSteps")(); }
 
+// The host gives an ended process's id to the next one at once, while the desktop of a device still
+// stands for a second after its last program.
 std::wstring UniqueName() {
+    static const std::wstring start = std::to_wstring(Now());
     static volatile LONG count = 0;
-    return std::to_wstring(::GetCurrentProcessId()) + L"-" +
+    return start + L"-" + std::to_wstring(::GetCurrentProcessId()) + L"-" +
            std::to_wstring(::InterlockedIncrement(&count));
 }
 

@@ -17,7 +17,7 @@ int OpenHandlesOfCoredll();
 // How many entries of the device's state coredll.dll has looked at or passed by in this process.
 unsigned long StepsOfCoredll();
 
-// A number that no other process and no other call has.
+// A name that no other process, not even an ended one, and no other call has.
 std::wstring UniqueName();
 
 }  // namespace sim::host

@@ -27,14 +27,33 @@ std::wstring PipeName(const std::wstring& desktop, std::uint32_t pid) {
     return L"\\\\.\\pipe\\" + desktop + L"-" + std::to_wstring(pid);
 }
 
+std::vector<Window> DescribePart(HWND top, const json& request) {
+    if (request.contains("id")) {
+        return DescribeControls(top, request.at("id"));
+    }
+    if (request.value("visible", false)) {
+        return DescribeVisible(top);
+    }
+    return request.value("tops", false) ? DescribeTop(top) : Describe(top);
+}
+
+json DescribeAll(const json& request) {
+    std::vector<Window> list;
+    for (const json& top : request.at("windows")) {
+        const auto windows = DescribePart(ToWindow(top.get<std::uint32_t>()), request);
+        list.insert(list.end(), windows.begin(), windows.end());
+    }
+    return list;
+}
+
 // The answering side: what a request asks of this process's windows.
 json Answer(const json& request) {
     const std::string verb = request.value("verb", "");
+    if (verb == "describe") {
+        return DescribeAll(request);
+    }
     HWND window = ToWindow(request.value("window", 0u));
     const std::string text = request.value("text", "");
-    if (verb == "describe") {
-        return Describe(window);
-    }
     if (verb == "text") {
         return SetControlText(window, text);
     }
@@ -53,10 +72,7 @@ json Answer(const json& request) {
 
 // The asking side. The window's own process answers; one that does not (a program of the host's) is
 // asked from here as far as that goes.
-json AskOwner(const std::wstring& desktop, HWND window, const char* verb, const std::string& text) {
-    const json request = {{"verb", verb}, {"window", HandleToULong(window)}, {"text", text}};
-    DWORD pid = 0;
-    ::GetWindowThreadProcessId(window, &pid);
+json AskProcess(const std::wstring& desktop, DWORD pid, const json& request) {
     if (pid != ::GetCurrentProcessId()) {
         if (auto answer = AskPipe(PipeName(desktop, pid), request)) {
             return *answer;
@@ -65,19 +81,46 @@ json AskOwner(const std::wstring& desktop, HWND window, const char* verb, const 
     return Answer(request);
 }
 
+DWORD OwnerOf(HWND window) {
+    DWORD pid = 0;
+    ::GetWindowThreadProcessId(window, &pid);
+    return pid;
+}
+
+json AskOwner(const std::wstring& desktop, HWND window, const char* verb, const std::string& text) {
+    return AskProcess(desktop, OwnerOf(window),
+                      {{"verb", verb}, {"window", HandleToULong(window)}, {"text", text}});
+}
+
+// Windows from front to back, those of one process that follow each other together: asking a
+// process is what takes time.
+struct Group {
+    DWORD pid;
+    std::vector<std::uint32_t> tops;
+};
+
 BOOL CALLBACK CollectTop(HWND window, LPARAM param) {
-    if (!IsHostsOwn(window)) {
-        reinterpret_cast<std::vector<HWND>*>(param)->push_back(window);
+    auto& groups = *reinterpret_cast<std::vector<Group>*>(param);
+    if (IsHostsOwn(window)) {
+        return TRUE;
     }
+    const DWORD pid = OwnerOf(window);
+    if (groups.empty() || groups.back().pid != pid) {
+        groups.push_back({pid, {}});
+    }
+    groups.back().tops.push_back(HandleToULong(window));
     return TRUE;
 }
 
-std::vector<Window> ListHere(const std::wstring& desktop) {
-    std::vector<HWND> tops;
-    ::EnumWindows(CollectTop, reinterpret_cast<LPARAM>(&tops));
+// `request` says which windows.
+std::vector<Window> ListHere(const std::wstring& desktop, json request) {
+    request["verb"] = "describe";
+    std::vector<Group> groups;
+    ::EnumWindows(CollectTop, reinterpret_cast<LPARAM>(&groups));
     std::vector<Window> list;
-    for (HWND top : tops) {
-        const json answer = AskOwner(desktop, top, "describe", "");
+    for (const Group& group : groups) {
+        request["windows"] = group.tops;
+        const json answer = AskProcess(desktop, group.pid, request);
         if (!answer.is_array()) {
             continue;
         }
@@ -132,7 +175,13 @@ std::optional<Window> FindIn(const std::vector<Window>& list, int id) {
 }
 
 std::optional<Window> FindHere(const Device& device, int id) {
-    return FindIn(ListHere(DeviceName(device)), id);
+    return FindIn(ListHere(DeviceName(device), {{"id", id}}), id);
+}
+
+std::vector<Window> ListPart(const Device& device, const json& request) {
+    std::vector<Window> list;
+    OnDesktop(device, [&] { list = ListHere(DeviceName(device), request); });
+    return list;
 }
 
 bool AskControl(const Device& device, int id, const char* verb, const std::string& text) {
@@ -160,10 +209,16 @@ void AnswerOutside(const Device& device) {
     }
 }
 
-std::vector<Window> List(const Device& device) {
-    std::vector<Window> list;
-    OnDesktop(device, [&] { list = ListHere(DeviceName(device)); });
-    return list;
+std::vector<Window> List(const Device& device) { return ListPart(device, json::object()); }
+
+std::vector<Window> ListTops(const Device& device) { return ListPart(device, {{"tops", true}}); }
+
+std::vector<Window> ListVisible(const Device& device) {
+    return ListPart(device, {{"visible", true}});
+}
+
+std::vector<Window> ListControls(const Device& device, int id) {
+    return ListPart(device, {{"id", id}});
 }
 
 std::optional<Window> Find(const Device& device, int id) {
@@ -201,7 +256,6 @@ bool Tap(const Device& device, int id, const std::string& item, int times) {
         const json spot = AskOwner(DeviceName(device), ToWindow(control->handle), "spot", item);
         tapped = spot.is_array();
         if (tapped) {
-            RaiseIfActive(ToWindow(control->handle));
             TapScreen({spot.at(0), spot.at(1)}, times);
         }
     });
@@ -219,8 +273,8 @@ bool Select(const Device& device, int id, const std::string& item) {
 std::vector<TreeItem> Tree(const Device& device) {
     std::vector<TreeItem> items;
     OnDesktop(device, [&] {
-        for (const Window& window : ListHere(DeviceName(device))) {
-            if (window.class_name != "SysTreeView32" || !window.visible) {
+        for (const Window& window : ListHere(DeviceName(device), {{"visible", true}})) {
+            if (window.class_name != "SysTreeView32") {
                 continue;
             }
             const json answer = AskOwner(DeviceName(device), ToWindow(window.handle), "tree", "");

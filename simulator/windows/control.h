@@ -53,6 +53,11 @@ struct TreeItem {
 // Every window of the device's programs, top-level windows front to back, each followed by its
 // descendants.
 std::vector<Window> List(const Device& device);
+// The same of the top-level windows alone, of what is visible, or of the controls `id` with the
+// windows that they stand in: describing a window takes its time.
+std::vector<Window> ListTops(const Device& device);
+std::vector<Window> ListVisible(const Device& device);
+std::vector<Window> ListControls(const Device& device, int id);
 
 // The control `id` of the active window, or of any visible window when that has none.
 std::optional<Window> Find(const Device& device, int id);

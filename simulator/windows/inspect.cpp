@@ -1,7 +1,10 @@
 #include "simulator/windows/inspect.h"
 
+#include <algorithm>
 #include <commctrl.h>
 #include <cstdio>
+#include <iterator>
+#include <set>
 
 #include "simulator/store/utf8.h"
 #include "simulator/windows/inspect_tree.h"
@@ -12,7 +15,12 @@ namespace {
 constexpr UINT kAskTimeoutMs = 3000;
 constexpr int kMaxItemUnits = 512;
 
-std::string TextOf(HWND window) {
+// The host's edit controls keep their text themselves.
+bool KeepsItsText(const std::string& class_name) {
+    return class_name == "Edit" || class_name == "ComboBox";
+}
+
+std::string AskText(HWND window) {
     const auto length = static_cast<std::size_t>(Ask(window, WM_GETTEXTLENGTH));
     std::wstring text(length + 1, L'\0');
     const LRESULT got = Ask(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(&text[0]));
@@ -20,7 +28,8 @@ std::string TextOf(HWND window) {
     return Utf8(text);
 }
 
-// As the window system knows it: a thread that works, or waits, is not asked.
+// As the window system knows it: a thread that works, or waits, is not asked. Nor is one that is
+// ready, since the answers of many windows take their time.
 std::string CaptionOf(HWND window) {
     wchar_t text[kMaxItemUnits] = L"";
     ::InternalGetWindowText(window, text, kMaxItemUnits);
@@ -183,7 +192,7 @@ Window DescribeOne(HWND window, const Screen& screen) {
     out.pid = pid;
     out.id = child ? ::GetDlgCtrlID(window) : 0;
     out.class_name = ClassOf(window);
-    out.text = child ? TextOf(window) : CaptionOf(window);
+    out.text = child && KeepsItsText(out.class_name) ? AskText(window) : CaptionOf(window);
     out.left = rect.left;
     out.top = rect.top;
     out.width = rect.right - rect.left;
@@ -199,6 +208,26 @@ Window DescribeOne(HWND window, const Screen& screen) {
 BOOL CALLBACK CollectChild(HWND window, LPARAM param) {
     reinterpret_cast<std::vector<HWND>*>(param)->push_back(window);
     return TRUE;
+}
+
+// `top` first, each window before what stands in it.
+std::vector<HWND> WindowsOf(HWND top) {
+    std::vector<HWND> windows = {top};
+    ::EnumChildWindows(top, CollectChild, reinterpret_cast<LPARAM>(&windows));
+    return windows;
+}
+
+// A window with controls answers first: what its thread had begun is then on the screen as a whole.
+std::vector<Window> DescribeEach(const std::vector<HWND>& windows) {
+    if (windows.size() > 1) {
+        Ask(windows.front(), WM_NULL);
+    }
+    const Screen screen = ReadScreen();
+    std::vector<Window> out;
+    for (HWND window : windows) {
+        out.push_back(DescribeOne(window, screen));
+    }
+    return out;
 }
 
 int IndexOf(const std::vector<std::string>& items, const std::string& item) {
@@ -241,15 +270,33 @@ LRESULT Ask(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
     return answered ? static_cast<LRESULT>(result) : 0;
 }
 
-std::vector<Window> Describe(HWND top) {
-    std::vector<HWND> windows = {top};
-    ::EnumChildWindows(top, CollectChild, reinterpret_cast<LPARAM>(&windows));
-    const Screen screen = ReadScreen();
-    std::vector<Window> out;
+std::vector<Window> Describe(HWND top) { return DescribeEach(WindowsOf(top)); }
+
+std::vector<Window> DescribeVisible(HWND top) {
+    std::vector<HWND> windows = WindowsOf(top);
+    windows.erase(std::remove_if(windows.begin(), windows.end(),
+                                 [](HWND window) { return !::IsWindowVisible(window); }),
+                  windows.end());
+    return DescribeEach(windows);
+}
+
+std::vector<Window> DescribeTop(HWND top) { return DescribeEach({top}); }
+
+std::vector<Window> DescribeControls(HWND top, int id) {
+    const std::vector<HWND> windows = WindowsOf(top);
+    std::set<HWND> wanted;
     for (HWND window : windows) {
-        out.push_back(DescribeOne(window, screen));
+        if (window == top || ::GetDlgCtrlID(window) != id) {
+            continue;
+        }
+        for (HWND at = window; at != nullptr && wanted.insert(at).second && at != top;) {
+            at = ::GetParent(at);
+        }
     }
-    return out;
+    std::vector<HWND> described;
+    std::copy_if(windows.begin(), windows.end(), std::back_inserter(described),
+                 [&](HWND window) { return wanted.count(window) != 0; });
+    return DescribeEach(described);
 }
 
 bool SetControlText(HWND control, const std::string& text) {

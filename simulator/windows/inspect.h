@@ -16,6 +16,12 @@ LRESULT Ask(HWND window, UINT message, WPARAM wparam = 0, LPARAM lparam = 0);
 
 // `top` and its descendants.
 std::vector<Window> Describe(HWND top);
+// Those of them that are visible.
+std::vector<Window> DescribeVisible(HWND top);
+// `top` alone.
+std::vector<Window> DescribeTop(HWND top);
+// The controls `id` below `top` and the windows that they stand in.
+std::vector<Window> DescribeControls(HWND top, int id);
 
 bool SetControlText(HWND control, const std::string& text);
 bool SelectItem(HWND control, const std::string& item);

@@ -58,6 +58,12 @@ LONG Normalized(LONG pixel, int pixels) {
     return (pixel * kParts + pixels - 1) / pixels;
 }
 
+void RaiseActive() {
+    if (HWND active = ::GetForegroundWindow()) {
+        ::SetWindowPos(active, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    }
+}
+
 }  // namespace
 
 std::optional<POINT> SpotOf(HWND control, const std::string& item) {
@@ -75,13 +81,6 @@ std::optional<POINT> SpotOf(HWND control, const std::string& item) {
     return middle;
 }
 
-void RaiseIfActive(HWND control) {
-    HWND top = ::GetAncestor(control, GA_ROOT);
-    if (top == ::GetForegroundWindow()) {
-        ::SetWindowPos(top, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
-    }
-}
-
 // A tap is one input: while windows come up the host moves its pointer by itself, and a move
 // between pressing and releasing takes a button's press back.
 void TapScreen(POINT spot, int times) {
@@ -91,6 +90,7 @@ void TapScreen(POINT spot, int times) {
     tap.mi.dy = Normalized(spot.y, ::GetSystemMetrics(SM_CYSCREEN));
     tap.mi.dwFlags =
         MOUSEEVENTF_ABSOLUTE | MOUSEEVENTF_MOVE | MOUSEEVENTF_LEFTDOWN | MOUSEEVENTF_LEFTUP;
+    RaiseActive();
     for (int i = 0; i < times; ++i) {
         ::SendInput(1, &tap, sizeof tap);
     }

@@ -12,11 +12,9 @@ namespace sim::windows {
 // away. In pixels of the screen.
 std::optional<POINT> SpotOf(HWND control, const std::string& item);
 
-// What is active stands before its owner and all others on the platform. The host now and then
-// leaves it behind an owner that was raised while it came up. No other window is moved.
-void RaiseIfActive(HWND control);
-
-// Taps whatever stands there on this thread's desktop, `times` times at once.
+// Taps whatever stands there on this thread's desktop, `times` times at once. The active window is
+// raised before: on the platform it stands before its owner and all others, while the host now and
+// then leaves it behind an owner that was raised while it came up.
 void TapScreen(POINT spot, int times);
 
 }  // namespace sim::windows

@@ -27,12 +27,20 @@ protected:
     }
     windows::Window Control(int id) { return windows::Find(sim(), id).value_or(windows::Window{}); }
     std::vector<windows::Window> Tops() {
-        std::vector<windows::Window> tops = windows::List(sim());
-        tops.erase(
-            std::remove_if(tops.begin(), tops.end(),
-                           [](const windows::Window& w) { return w.parent != 0 || !w.visible; }),
-            tops.end());
+        std::vector<windows::Window> tops = windows::ListTops(sim());
+        tops.erase(std::remove_if(tops.begin(), tops.end(),
+                                  [](const windows::Window& w) { return !w.visible; }),
+                   tops.end());
         return tops;
+    }
+    static std::vector<std::string> Classes(const std::vector<windows::Window>& list) {
+        std::vector<std::string> classes;
+        for (const windows::Window& window : list) {
+            if (window.visible) {
+                classes.push_back(window.class_name);
+            }
+        }
+        return classes;
     }
 };
 
@@ -57,6 +65,35 @@ TEST_F(WindowsTest, TheListTellsWhatStandsOnTheScreen) {
     EXPECT_EQ(200, Control(kEdit).width);
     EXPECT_EQ(22, Control(kEdit).height);
     EXPECT_FALSE(windows::Find(sim(), 999).has_value());
+}
+
+TEST_F(WindowsTest, ControlsAreListedWithWhatTheyStandIn) {
+    Program program(sim(), kProbe, L"dialog");
+    ASSERT_TRUE(DialogIsUp());
+    const auto list = windows::ListControls(sim(), kList);
+    EXPECT_EQ((std::vector<std::string>{"Dialog", "ListBox"}), Classes(list));
+    EXPECT_EQ(list.front().handle, list.back().parent);
+    EXPECT_EQ((std::vector<std::string>{"State 1", "State 2"}), list.back().items);
+    EXPECT_EQ((std::vector<std::string>{}), Classes(windows::ListControls(sim(), 999)));
+    for (const windows::Window& top : windows::ListTops(sim())) {
+        EXPECT_EQ(0u, top.parent);
+    }
+    EXPECT_LT(windows::ListTops(sim()).size(), windows::List(sim()).size());
+}
+
+TEST_F(WindowsTest, WhatIsVisibleIsListedAlone) {
+    Program program(sim(), kProbe, L"dialog");
+    ASSERT_TRUE(DialogIsUp());
+    const std::uint32_t list = Control(kList).handle;
+    const auto is_listed = [&] {
+        const auto windows = windows::ListVisible(sim());
+        return std::any_of(windows.begin(), windows.end(),
+                           [list](const windows::Window& window) { return window.handle == list; });
+    };
+    EXPECT_TRUE(is_listed());
+    ::ShowWindow(static_cast<HWND>(ULongToHandle(list)), SW_HIDE);
+    EXPECT_FALSE(is_listed());
+    EXPECT_TRUE(windows::Find(sim(), kList).has_value());
 }
 
 TEST_F(WindowsTest, APressIsAClick) {

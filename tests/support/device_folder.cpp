@@ -23,7 +23,6 @@ std::wstring FolderOfDevices() {
 
 DeviceFolder::DeviceFolder(const std::wstring& purpose)
     : folder_(FolderOfDevices() + L"\\" + purpose + L"-" + sim::host::UniqueName()) {
-    sim::host::RemoveTree(folder_);  // an older process may have had the same id
     sim::host::MakeFolder(folder_);
 }
 

@@ -18,7 +18,6 @@ namespace {
 std::wstring NewDeviceFolder() {
     std::wstring folder = sim::host::FolderFromEnvironmentOrTemp(L"TOLVENAR_TEST_DEVICES") +
                           L"\\device-" + sim::host::UniqueName();
-    sim::host::RemoveTree(folder);  // an older process may have had the same id
     sim::host::MakeFolder(folder);
     return folder;
 }

@@ -23,6 +23,18 @@ Box ParseBox(const std::string& arguments) {
             arguments.substr(caption + 2, style - caption - 2)};
 }
 
+std::optional<Window> FindIn(const std::vector<Window>& windows,
+                             const std::function<bool(const Window&)>& is_wanted) {
+    const auto found = std::find_if(windows.begin(), windows.end(), is_wanted);
+    return found != windows.end() ? std::optional(*found) : std::nullopt;
+}
+
+Window AwaitIn(const std::function<std::vector<Window>()>& list,
+               const std::function<bool(const Window&)>& is_wanted) {
+    const auto windows = Await(list, [&](const auto& all) { return FindIn(all, is_wanted); });
+    return FindIn(windows, is_wanted).value_or(Window{});
+}
+
 // While one window gives way to another, keys go nowhere.
 bool AWindowIsActive() {
     const HWND active = ::GetForegroundWindow();
@@ -99,23 +111,31 @@ bool UiTest::ProgramRuns() {
 void UiTest::ExpectEnd() { EXPECT_SOON(!ProgramRuns()); }
 
 std::optional<Window> UiTest::Find(const IsWanted& is_wanted) {
-    const std::vector<Window> windows = Windows();
-    const auto found = std::find_if(windows.begin(), windows.end(), is_wanted);
-    return found != windows.end() ? std::optional(*found) : std::nullopt;
+    return FindIn(Windows(), is_wanted);
 }
 
 Window UiTest::AwaitWindow(const IsWanted& is_wanted) {
-    const std::vector<Window> windows =
-        Await([&] { return Windows(); },
-              [&](const auto& all) { return std::any_of(all.begin(), all.end(), is_wanted); });
-    const auto found = std::find_if(windows.begin(), windows.end(), is_wanted);
-    return found != windows.end() ? *found : Window{};
+    return AwaitIn([&] { return Windows(); }, is_wanted);
+}
+
+Window UiTest::AwaitTop(const IsWanted& is_wanted) {
+    return AwaitIn([&] { return sim::windows::ListTops(device().sim()); }, is_wanted);
+}
+
+Window UiTest::AwaitControl(int id, const IsWanted& is_wanted) {
+    return AwaitIn([&] { return sim::windows::ListControls(device().sim(), id); },
+                   [&](const Window& window) {
+                       return window.parent != 0 && window.id == id && is_wanted(window);
+                   });
+}
+
+std::optional<Window> UiTest::FindTop(const IsWanted& is_wanted) {
+    return FindIn(sim::windows::ListTops(device().sim()), is_wanted);
 }
 
 std::optional<Window> UiTest::Top(const std::string& caption) {
-    return Find([&](const Window& window) {
-        return window.parent == 0 && window.visible && window.text == caption &&
-               window.class_name == "Dialog";
+    return FindTop([&](const Window& window) {
+        return window.visible && window.text == caption && window.class_name == "Dialog";
     });
 }
 
@@ -142,14 +162,13 @@ bool UiTest::IsDisabled(const std::string& caption) {
 }
 
 std::optional<Window> UiTest::Control(int id) {
-    return Find([id](const Window& window) {
+    return FindIn(sim::windows::ListControls(device().sim(), id), [id](const Window& window) {
         return window.parent != 0 && window.visible && window.id == id;
     });
 }
 
 Window UiTest::AnyControl(int id) {
-    return AwaitWindow(
-        [id](const Window& window) { return window.parent != 0 && window.id == id; });
+    return AwaitControl(id, [](const Window&) { return true; });
 }
 
 bool UiTest::DialogIsDone() {
@@ -193,9 +212,7 @@ bool UiTest::IsChecked(int id) {
 }
 
 void UiTest::Press(int id) {
-    AwaitWindow([id](const Window& window) {
-        return window.parent != 0 && window.visible && window.id == id && window.enabled;
-    });
+    AwaitControl(id, [](const Window& window) { return window.visible && window.enabled; });
     Ask("window press " + std::to_string(id));
 }
 
@@ -255,7 +272,7 @@ void UiTest::ExpectFocusOn(const KeyToControl& row) {
 }
 
 bool UiTest::BoxIsUp() {
-    return Find([](const Window& window) {
+    return FindTop([](const Window& window) {
                return window.class_name == kBoxClass && window.visible;
            })
         .has_value();

@@ -78,8 +78,12 @@ protected:
     std::vector<Window> Windows() { return sim::windows::List(device().sim()); }
     using IsWanted = std::function<bool(const Window&)>;
     std::optional<Window> Find(const IsWanted& is_wanted);
-    // Waits for it.
+    // Among the top-level windows alone.
+    std::optional<Window> FindTop(const IsWanted& is_wanted);
+    // These wait for it.
     Window AwaitWindow(const IsWanted& is_wanted);
+    Window AwaitTop(const IsWanted& is_wanted);
+    Window AwaitControl(int id, const IsWanted& is_wanted);
     // The visible dialog of this caption.
     std::optional<Window> Top(const std::string& caption);
     bool Shows(const std::string& caption) { return Top(caption).has_value(); }

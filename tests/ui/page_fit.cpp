@@ -88,7 +88,7 @@ SIZE PageFitTest::ScreenSize() const {
 }
 
 Window PageFitTest::MainWindowOnScreen() {
-    return AwaitWindow(
+    return AwaitTop(
         [](const Window& window) { return window.text == kMainTitle && window.visible; });
 }
 
@@ -103,8 +103,8 @@ std::vector<Window> PageFitTest::PageControls() {
     std::vector<Window> controls;
     std::optional<Window> page;
     const RECT dialog = AreaOf(MainWindowOnScreen());
-    for (const Window& window : Windows()) {
-        const bool is_child = window.parent != 0 && window.visible;
+    for (const Window& window : sim::windows::ListVisible(device().sim())) {
+        const bool is_child = window.parent != 0;
         if (is_child && !page && window.class_name == "Dialog") {
             page = window;
             EXPECT_TRUE(IsWithin(AreaOf(window), dialog)) << Told(window);
@@ -141,8 +141,8 @@ void PageFitTest::ExpectPagesFit() {
 // A popup that goes takes a tap with it.
 bool PageFitTest::DialogStandsAlone() {
     return Eventually([&] {
-        return ::GetForegroundWindow() == MainDialog() && !Find([](const Window& window) {
-                   return window.parent == 0 && window.visible && window.class_name == "Dialog" &&
+        return ::GetForegroundWindow() == MainDialog() && !FindTop([](const Window& window) {
+                   return window.visible && window.class_name == "Dialog" &&
                           window.text != kMainTitle;
                });
     });
@@ -161,9 +161,7 @@ void PageFitTest::TapAt(int x, int y) {
 void PageFitTest::Tap(int id) {
     EXPECT_TRUE(DialogStandsAlone());
     EXPECT_TRUE(DialogIsDone()) << "where the control stands may change";
-    AwaitWindow([id](const Window& window) {
-        return window.parent != 0 && window.visible && window.id == id && window.enabled;
-    });
+    AwaitControl(id, [](const Window& window) { return window.visible && window.enabled; });
     EXPECT_TRUE(sim::windows::Tap(device().sim(), id, ""));
     EXPECT_TRUE(DialogIsDone());
 }
