@@ -210,18 +210,18 @@ BOOL CALLBACK CollectChild(HWND window, LPARAM param) {
     return TRUE;
 }
 
-// `top` first, each window before what stands in it.
+// `top` first, each window before what stands in it. A window with controls answers before: what
+// its thread had begun is then on the screen as a whole.
 std::vector<HWND> WindowsOf(HWND top) {
+    if (::GetWindow(top, GW_CHILD) != nullptr) {
+        Ask(top, WM_NULL);
+    }
     std::vector<HWND> windows = {top};
     ::EnumChildWindows(top, CollectChild, reinterpret_cast<LPARAM>(&windows));
     return windows;
 }
 
-// A window with controls answers first: what its thread had begun is then on the screen as a whole.
 std::vector<Window> DescribeEach(const std::vector<HWND>& windows) {
-    if (windows.size() > 1) {
-        Ask(windows.front(), WM_NULL);
-    }
     const Screen screen = ReadScreen();
     std::vector<Window> out;
     for (HWND window : windows) {

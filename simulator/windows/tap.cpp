@@ -52,12 +52,6 @@ Place PlaceOfItem(HWND control, const std::string& item) {
                                            : PlaceInList(control, index);
 }
 
-// The host divides what it takes for the screen into 65536 parts; rounded up, the pixel comes back.
-LONG Normalized(LONG pixel, int pixels) {
-    constexpr LONG kParts = 65536;
-    return (pixel * kParts + pixels - 1) / pixels;
-}
-
 void RaiseActive() {
     if (HWND active = ::GetForegroundWindow()) {
         ::SetWindowPos(active, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
@@ -81,16 +75,16 @@ std::optional<POINT> SpotOf(HWND control, const std::string& item) {
     return middle;
 }
 
-// A tap is one input: while windows come up the host moves its pointer by itself, and a move
-// between pressing and releasing takes a button's press back.
+// No place goes with the input itself: it would be told in parts of the screen, and the host, which
+// has one size for the screens of all devices, takes it for another place when another device comes
+// up meanwhile. A tap is one input: a move between pressing and releasing takes a button's press
+// back.
 void TapScreen(POINT spot, int times) {
     INPUT tap{};
     tap.type = INPUT_MOUSE;
-    tap.mi.dx = Normalized(spot.x, ::GetSystemMetrics(SM_CXSCREEN));
-    tap.mi.dy = Normalized(spot.y, ::GetSystemMetrics(SM_CYSCREEN));
-    tap.mi.dwFlags =
-        MOUSEEVENTF_ABSOLUTE | MOUSEEVENTF_MOVE | MOUSEEVENTF_LEFTDOWN | MOUSEEVENTF_LEFTUP;
+    tap.mi.dwFlags = MOUSEEVENTF_LEFTDOWN | MOUSEEVENTF_LEFTUP;
     RaiseActive();
+    ::SetCursorPos(spot.x, spot.y);
     for (int i = 0; i < times; ++i) {
         ::SendInput(1, &tap, sizeof tap);
     }

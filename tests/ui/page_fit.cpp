@@ -118,6 +118,7 @@ std::vector<Window> PageFitTest::PageControls() {
 }
 
 void PageFitTest::ExpectPageFits() {
+    EXPECT_TRUE(DialogIsDone()) << "the controls may still move";
     const Ruler ruler;
     const std::vector<Window> controls = PageControls();
     EXPECT_GE(controls.size(), 4u);
