@@ -1,10 +1,12 @@
 #include "autobackup/notification_reader.h"
 
+#include "autobackup/notification_calls.h"
+
 namespace tolvenar {
 
 NotificationHandles::NotificationHandles() {
     DWORD needed = 0;
-    ::CeGetUserNotificationHandles(nullptr, 0, &needed);
+    GetNotificationHandles(nullptr, 0, &needed);
     if (needed == 0) {
         return;
     }
@@ -12,7 +14,7 @@ NotificationHandles::NotificationHandles() {
     if (!handles_) {
         return;
     }
-    if (!::CeGetUserNotificationHandles(static_cast<HANDLE*>(handles_.get()), needed, &count_)) {
+    if (!GetNotificationHandles(static_cast<HANDLE*>(handles_.get()), needed, &count_)) {
         handles_.Reset();
         count_ = 0;
         return;
@@ -24,7 +26,7 @@ NotificationHandles::NotificationHandles() {
 
 DWORD NotificationReader::SizeOf(HANDLE notification) {
     DWORD size = 0;
-    ::CeGetUserNotification(notification, 0, &size, nullptr);
+    GetNotification(notification, 0, &size, nullptr);
     return size;
 }
 
@@ -44,7 +46,7 @@ CE_NOTIFICATION_INFO_HEADER* NotificationReader::Read(HANDLE notification) {
         return nullptr;
     }
     auto* bytes = static_cast<BYTE*>(buffer_.get());
-    if (!::CeGetUserNotification(notification, size, &size, bytes)) {
+    if (!GetNotification(notification, size, &size, bytes)) {
         return nullptr;
     }
     auto* header = reinterpret_cast<CE_NOTIFICATION_INFO_HEADER*>(bytes);

@@ -2,6 +2,7 @@
 
 #include "app/settings/settings.h"
 #include "autobackup/next_occurrence.h"
+#include "autobackup/notification_calls.h"
 #include "autobackup/notification_reader.h"
 #include "autobackup/notification_table.h"
 
@@ -50,7 +51,7 @@ bool IsAsked(const NotificationRow& row, DWORD on_time, DWORD on_battery) {
 // with the handle that has just fired the next start would go. The old one goes last, so that there
 // is one at any moment; it may be gone already.
 bool SetAnew(HANDLE old, CE_NOTIFICATION_TRIGGER& trigger, CE_USER_NOTIFICATION* user) {
-    if (::CeSetUserNotificationEx(nullptr, &trigger, user) == nullptr) {
+    if (SetNotification(nullptr, &trigger, user) == nullptr) {
         return false;
     }
     if (old != nullptr) {
@@ -82,7 +83,7 @@ bool MakeDailyNotification(LONG passed_seconds) {
     if (!SetStart(trigger, wake_up_time & kSettingMask, passed_seconds)) {
         return false;
     }
-    return ::CeSetUserNotificationEx(nullptr, &trigger, nullptr) != nullptr;
+    return SetNotification(nullptr, &trigger, nullptr) != nullptr;
 }
 
 }  // namespace
@@ -152,7 +153,7 @@ bool RegisterAutoBackupNotifications() {
         const HANDLE present = FindNotification(trigger);
         const bool set = row.trigger_type == CNT_TIME
                              ? SetAnew(present, trigger, nullptr)
-                             : ::CeSetUserNotificationEx(present, &trigger, nullptr) != nullptr;
+                             : SetNotification(present, &trigger, nullptr) != nullptr;
         all_set = set && all_set;
     }
     return all_set;

@@ -2,6 +2,7 @@
 #   ce_read_list(VAR FILE)                 the names of one list
 #   ce_import_library(NAME DLL CALLS LIST... [PLAIN LIST...])  an import library; symbols ce_NAME, or plain NAME
 #   ce_simulator_exports(TARGET DLL FORWARDS LISTS...)  module-definition file and loud stubs, see there
+#   ce_name_versions(FILE LIST)            the names with a version of platform/versions.txt, for the simulator
 #   ce_names_header(FILE LISTS...)         the renaming that platform/include/windows.h includes
 function(ce_read_list var file)
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${file})
@@ -52,7 +53,8 @@ endfunction()
 
 # Each listed name is, in this order: defined in one of the target's exports_*.cpp sources; the function
 # of a DLL of the host, as a row of the forwards file says: behind the gate (NAME DLL FAILURE, where - is
-# a call that cannot fail) or as a plain forwarder (NAME DLL); or a stub that ends the process with a
+# a call that cannot fail; the DLL "translated" is a function of simulator/windows/translated.h, which has the
+# host's values put in for the platform's) or as a plain forwarder (NAME DLL); or a stub that ends the process with a
 # message, so that nothing unfinished passes silently. Gated ones are templates over the host function's
 # own type (simulator/gate/forward.h), made in the file TARGET_gated.cpp; a one-instruction stub of the
 # export's name jumps there.
@@ -90,10 +92,14 @@ function(ce_simulator_exports target dll forwards)
       elseif(DEFINED failure_${n})
         string(APPEND def "${n} = ce_${n}\n")
         string(APPEND stubs "    .globl _ce_${n}\n_ce_${n}: jmp *_ce_forward_${n}\n")
+        set(forward CE_FORWARD)
+        if(to_${n} STREQUAL "translated")
+          set(forward CE_FORWARD_TRANSLATED)
+        endif()
         if(failure_${n} STREQUAL "-")
-          string(APPEND gated "CE_FORWARD(${n}, 0, false)\n")
+          string(APPEND gated "${forward}(${n}, 0, false)\n")
         else()
-          string(APPEND gated "CE_FORWARD(${n}, ${failure_${n}}, true)\n")
+          string(APPEND gated "${forward}(${n}, ${failure_${n}}, true)\n")
         endif()
       elseif(DEFINED to_${n})
         string(APPEND def "${n} = ${to_${n}}.${n}\n")
@@ -111,6 +117,7 @@ function(ce_simulator_exports target dll forwards)
     set(gated_file ${CMAKE_CURRENT_BINARY_DIR}/${target}_gated.cpp)
     file(CONFIGURE OUTPUT ${gated_file} CONTENT "// Made from ${forwards}.
 #include \"simulator/gate/forward.h\"
+#include \"simulator/windows/translated.h\"
 #include <commctrl.h>
 ${gated}")
     # The desktop's view; without its dllimport marks a function's address is a constant.
@@ -141,6 +148,26 @@ ${rows}    kCount
 };
 inline constexpr const char* kCallNames[] = {
 ${names}};
+}  // namespace sim
+")
+endfunction()
+
+function(ce_name_versions file list)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${list})
+  file(STRINGS ${list} lines REGEX "^[A-Za-z_][A-Za-z0-9_]* [0-9]")
+  set(rows "")
+  foreach(line IN LISTS lines)
+    string(REGEX REPLACE "^([^ ]+) ([0-9.]+)$" "    {L\"\\1\", \\2},\n" row "${line}")
+    string(APPEND rows "${row}")
+  endforeach()
+  file(CONFIGURE OUTPUT ${file} CONTENT "// Made from ${list}.
+#pragma once
+namespace sim {
+inline constexpr struct {
+    const wchar_t* name;
+    double version;
+} kNameVersions[] = {
+${rows}};
 }  // namespace sim
 ")
 endfunction()

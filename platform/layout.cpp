@@ -75,6 +75,14 @@ void HideOthers(HWND dialog, const Layout& layout) {
     }
 }
 
+void InvalidateAll(HWND window) {
+    ::InvalidateRect(window, nullptr, TRUE);
+    for (HWND child = ::GetWindow(window, GW_CHILD); child != nullptr;
+         child = ::GetWindow(child, GW_HWNDNEXT)) {
+        InvalidateAll(child);
+    }
+}
+
 }  // namespace
 
 const Layout& ChooseLayout(HWND dialog, const LayoutSet& set) {
@@ -99,7 +107,7 @@ void ApplyLayout(HWND dialog, const Layout& layout) {
         PutInPlace(dialog, layout.places[i], surplus);
     }
     // What a control leaves is painted over by the dialog, also where another came to stand.
-    ::RedrawWindow(dialog, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+    InvalidateAll(dialog);
 }
 
 RECT WorkArea() {

@@ -4,6 +4,7 @@
 # all; scripts/check_includes holds them in their order.
 set(SIM ${CMAKE_CURRENT_LIST_DIR})
 ce_call_ids(${GENERATED}/call_ids.h ${P}/coredll.def ${P}/commctrl.def ${P}/commdlg.def)
+ce_name_versions(${GENERATED}/name_versions.h ${P}/versions.txt)
 set(SIM_HOST_LIBRARIES comctl32 comdlg32 gdi32 user32 advapi32 kernel32)
 
 # Header-only, so the machine's own copy serves; its folder alone, or the machine's C headers come along.

@@ -4,6 +4,7 @@
 #include "app/operations/operation_drivers.h"
 #include "app/operations/storage_files.h"
 #include "app/pages/description_dialog.h"
+#include "platform/file_chooser.h"
 #include "platform/resource_text.h"
 #include "platform/text.h"
 #include "res/resource.h"
@@ -61,7 +62,11 @@ bool AskForFile(const Application& app, HWND page, wchar_t (&chosen)[kChosenUnit
     dialog.lpstrTitle = L"Choose backup file";
     dialog.Flags = kFlags;
     dialog.lpstrDefExt = L"jrn";
-    return ::GetOpenFileNameW(&dialog) && MayGoOn(app);
+    const FileChoice choice = ChooseFile(dialog);
+    if (choice == FileChoice::kNoChooser) {
+        ShowMessage(nullptr, ResourceText(app.instance, IDS_NO_FILE_CHOOSER).text(), MB_OK);
+    }
+    return choice == FileChoice::kChosen && MayGoOn(app);
 }
 
 // The names that belong to a chosen file: what it would be opened by once it is in the settings.

@@ -77,4 +77,8 @@ void FormatNextBackup(const Application& app, NextBackup& next) {
     }
 }
 
+void FormatNoAutomaticBackup(const Application& app, NextBackup& next) {
+    PutText(app, IDS_NO_AUTOMATIC_BACKUP, next);
+}
+
 }  // namespace tolvenar

@@ -13,5 +13,7 @@ struct NextBackup {
 };
 // The line for the Options page while something is automatic.
 void FormatNextBackup(const Application& app, NextBackup& next);
+// The line on a system that cannot start one.
+void FormatNoAutomaticBackup(const Application& app, NextBackup& next);
 
 }  // namespace tolvenar

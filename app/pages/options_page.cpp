@@ -3,6 +3,7 @@
 #include "app/operations/window_messages.h"
 #include "app/pages/next_backup.h"
 #include "app/rules/time_format.h"
+#include "autobackup/notification_calls.h"
 #include "platform/notification.h"
 #include "platform/resource_text.h"
 #include "platform/text.h"
@@ -45,6 +46,7 @@ constexpr std::uint32_t PackTime(const SYSTEMTIME& time) {
 }  // namespace
 
 void OptionsPage::OnInit() {
+    has_automatic_backup_ = HasNotificationCalls();
     // During an operation the registry holds the schedule's zeros; the copies are right.
     if (!app_.gate.IsOccupied()) {
         ReadAllSettings(SlotsOf(app_.settings), app_.installationMissing);
@@ -68,12 +70,14 @@ void OptionsPage::SetTimeFormat() {
 }
 
 // Without its installation the program keeps no settings, and a tick would fake an installation.
+// What no backup would follow from cannot be switched on.
 void OptionsPage::EnableControls() {
     const BOOL is_installed = app_.installationMissing ? FALSE : TRUE;
+    const BOOL has_schedule = is_installed && has_automatic_backup_ ? TRUE : FALSE;
     for (const Switch& row : kSwitches) {
-        ::EnableWindow(Control(row.id), is_installed);
+        ::EnableWindow(Control(row.id), row.is_schedule ? has_schedule : is_installed);
     }
-    ::EnableWindow(Control(IDC_TIME), is_installed);
+    ::EnableWindow(Control(IDC_TIME), has_schedule);
     ::EnableWindow(Control(IDC_SHOW_REMINDERS), is_installed);
     if (!app_.power.IsAvailable()) {
         ::EnableWindow(Control(IDC_ON_BATTERY), FALSE);
@@ -104,7 +108,8 @@ void OptionsPage::ShowTime() {
 // Hint and time stand in one place.
 void OptionsPage::ShowSchedule() {
     const HWND hint = Control(IDC_AUTOMATIC_OFF_HINT);
-    const bool is_off = app_.settings.onTime == 0 && app_.settings.onBattery == 0;
+    const bool is_off =
+        has_automatic_backup_ && app_.settings.onTime == 0 && app_.settings.onBattery == 0;
     ::EnableWindow(hint, is_off && !app_.installationMissing);
     ::ShowWindow(hint, is_off ? SW_SHOW : SW_HIDE);
     ::ShowWindow(Control(IDC_NEXT_BACKUP), is_off ? SW_HIDE : SW_SHOW);
@@ -117,7 +122,11 @@ void OptionsPage::ShowNextBackup() {
         return;
     }
     NextBackup next;
-    FormatNextBackup(app_, next);
+    if (has_automatic_backup_) {
+        FormatNextBackup(app_, next);
+    } else {
+        FormatNoAutomaticBackup(app_, next);
+    }
     next_backup_.Set(Control(IDC_NEXT_BACKUP), next.line, next.shorter);
 }
 

@@ -42,6 +42,7 @@ private:
     void OnTimeChanged();
 
     AgentStatus agent_;
+    bool has_automatic_backup_ = false;  // whether the system can start one
     FittingText next_backup_;
 };
 

@@ -207,7 +207,7 @@ LRESULT TreeWindow::OnNotify(LPARAM lparam) {
         return 0;
     }
     switch (header->code) {
-        case NM_CUSTOMDRAW:
+        case static_cast<UINT>(NM_CUSTOMDRAW):
             return painter_.OnCustomDraw(*reinterpret_cast<NMTVCUSTOMDRAW*>(header));
         case TVN_DELETEITEMW:
             FreeNodeRecord(reinterpret_cast<NodeRecord*>(

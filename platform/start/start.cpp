@@ -9,7 +9,7 @@ extern "C" {
 using Function = void (*)();
 extern Function __CTOR_LIST__[];  // made by the linker: -1, the constructors, 0
 
-[[noreturn, gnu::used]] void WinMainCRTStartup();
+[[noreturn, gnu::used]] void WinMainCRTStartup(HINSTANCE, HINSTANCE, LPWSTR, int);
 int atexit(Function);
 void __cxa_pure_virtual();
 [[noreturn]] void abort();
@@ -41,7 +41,9 @@ void RunExitFunctions() {
 // A device may refuse a process its own termination; the end of the first thread is its end too.
 [[noreturn]] void EndProcess(UINT code) {
     ::TerminateProcess(::GetCurrentProcess(), code);
-    ::ExitThread(code);
+    for (;;) {  // not every header says that ExitThread does not return
+        ::ExitThread(code);
+    }
 }
 }  // namespace
 
@@ -87,11 +89,14 @@ void __glibcxx_assert_fail(const char*, int, const char*, const char*) noexcept 
 #endif
 }  // namespace std
 
-// CE hands the command line without the program's name; GetCommandLineW of coredll.dll does too.
-__attribute__((force_align_arg_pointer)) void WinMainCRTStartup() {
+// The loader hands over the command line without the program's name. An x86 loader aligns the stack
+// to four bytes, the compiler counts on sixteen.
+#ifdef __i386__
+__attribute__((force_align_arg_pointer))
+#endif
+void WinMainCRTStartup(HINSTANCE instance, HINSTANCE previous, LPWSTR command_line, int show) {
     RunConstructors();
-    const int result =
-        ::WinMain(::GetModuleHandleW(nullptr), nullptr, ::GetCommandLineW(), SW_SHOW);
+    const int result = ::WinMain(instance, previous, command_line, show);
     RunExitFunctions();
     EndProcess(static_cast<UINT>(result));
 }

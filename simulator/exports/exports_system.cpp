@@ -5,9 +5,9 @@
 #include <string>
 #include <windows.h>
 
-#include "simulator/databases/hidden_names.h"
 #include "simulator/exports/gated.h"
 #include "simulator/system/host_calls.h"
+#include "simulator/system/missing_names.h"
 #include "simulator/system/settings.h"
 
 namespace {
@@ -95,15 +95,13 @@ BOOL FillPower(SYSTEM_POWER_STATUS_EX* status) {
     return TRUE;
 }
 
-bool IsAbsent(LPCWSTR name) {
-    if (std::wcscmp(name, L"GetSystemPowerStatusEx") == 0) {
-        return SettingNumber(Device::Current(), "power.present") == 0;
-    }
-    return sim::databases::IsHidden(Device::Current(), name);
+bool IsAbsent(HMODULE module, LPCWSTR name) {
+    const bool is_commdlg = module == sim::host::FindModule(L"commdlg.dll");
+    return sim::IsMissing(Device::Current(), is_commdlg ? L"commdlg.dll" : L"coredll.dll", name);
 }
 
 FARPROC FindProcedure(HMODULE module, LPCWSTR name) {
-    if (name != nullptr && reinterpret_cast<ULONG_PTR>(name) > 0xFFFF && !IsAbsent(name)) {
+    if (name != nullptr && reinterpret_cast<ULONG_PTR>(name) > 0xFFFF && !IsAbsent(module, name)) {
         return reinterpret_cast<FARPROC>(sim::host::FindFunction(module, name));
     }
     sim::SetHostError(ERROR_PROC_NOT_FOUND);

@@ -31,7 +31,6 @@ constexpr Call kWaiting[] = {
     Call::MoveWindow,
     Call::MsgWaitForMultipleObjectsEx,
     Call::PeekMessageW,
-    Call::RedrawWindow,
     Call::SendDlgItemMessageW,
     Call::SendMessageW,
     Call::SetActiveWindow,

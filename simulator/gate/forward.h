@@ -75,8 +75,11 @@ struct Forward<kReal> {
 }  // namespace sim
 
 // The one word of a forwarded call's export: made from a list, see ce_simulator_exports.
-#define CE_FORWARD(name, failure, can_fail)                                              \
-    extern "C" decltype(&sim::Forward<&::name>::Run<sim::Call::name, failure, can_fail>) \
-        ce_forward_##name;                                                               \
-    decltype(ce_forward_##name) ce_forward_##name =                                      \
-        &sim::Forward<&::name>::Run<sim::Call::name, failure, can_fail>;
+#define CE_FORWARD_TO(real, name, failure, can_fail)                                   \
+    extern "C" decltype(&sim::Forward<&real>::Run<sim::Call::name, failure, can_fail>) \
+        ce_forward_##name;                                                             \
+    decltype(ce_forward_##name) ce_forward_##name =                                    \
+        &sim::Forward<&real>::Run<sim::Call::name, failure, can_fail>;
+#define CE_FORWARD(name, failure, can_fail) CE_FORWARD_TO(::name, name, failure, can_fail)
+#define CE_FORWARD_TRANSLATED(name, failure, can_fail) \
+    CE_FORWARD_TO(sim::translated::name, name, failure, can_fail)

@@ -5,6 +5,8 @@
 #include "simulator/files/files.h"
 #include "simulator/processes/process_handles.h"
 #include "simulator/processes/process_start.h"
+#include "simulator/programs/imports.h"
+#include "simulator/system/missing_names.h"
 #include "simulator/windows/desktop.h"
 
 namespace sim::processes {
@@ -17,6 +19,16 @@ std::wstring WithExtension(const std::wstring& name) {
         return name;
     }
     return name + L".exe";
+}
+
+// The platform's loader starts no program that imports what the system lacks.
+bool LacksImport(const Device& device, const std::wstring& host_file) {
+    for (const Import& import : ReadImports(host_file)) {
+        if (IsMissing(device, import.dll, import.name)) {
+            return true;
+        }
+    }
+    return false;
 }
 
 }  // namespace
@@ -44,6 +56,10 @@ Started Start(Device& device, const std::wstring& path, const std::wstring& argu
     const std::wstring program = FindProgram(device, path);
     if (program.empty()) {
         started.error = ERROR_FILE_NOT_FOUND;
+        return started;
+    }
+    if (LacksImport(device, files::HostFile(device, program))) {
+        started.error = ERROR_PROC_NOT_FOUND;
         return started;
     }
     // Suspended until it stands in the table: whoever sees it run also finds it there.

@@ -11,6 +11,7 @@ constexpr struct {
     const char* value;
 } kDefaults[] = {
     {"device.name", "Handheld_PC"},
+    {"file.chooser", "both"},
     {"locale.am", "AM"},
     {"locale.datesep", "/"},
     {"locale.decimal", "."},

@@ -4,6 +4,7 @@
 #include <iterator>
 #include <string_view>
 
+#include "platform/system_function.h"
 #include "platform/text.h"
 
 namespace tolvenar {
@@ -43,11 +44,7 @@ bool DescribeNewDatabase(const char16_t* name, DWORD type, WORD sort_count,
 DatabaseLayer::DatabaseLayer() {
     ResetVolume();
     ResetDatabaseCache();
-    const HMODULE coredll = ::GetModuleHandleW(L"coredll.dll");
-    seek_database_ex_ = coredll == nullptr
-                            ? nullptr
-                            : reinterpret_cast<SeekDatabaseEx>(reinterpret_cast<void*>(
-                                  ::GetProcAddressW(coredll, L"CeSeekDatabaseEx")));
+    seek_database_ex_ = FindSystemFunction<SeekDatabaseEx>(L"CeSeekDatabaseEx");
 }
 
 void DatabaseLayer::ResetVolume() { volume_ = CEGUID{}; }

@@ -98,13 +98,13 @@ private:
         HANDLE handle;  // INVALID_HANDLE_VALUE: none
         DWORD use_count;
     };
-    using SeekDatabaseEx = CEOID(WINAPI*)(HANDLE, DWORD, DWORD, WORD, LPDWORD);
+    using SeekDatabaseEx = CEOID WINAPI(HANDLE, DWORD, DWORD, WORD, LPDWORD);
 
     static void Clear(CacheEntry& entry);
     CacheEntry* FindCached(CEOID oid, const char16_t* name);
 
     CEGUID volume_;
-    SeekDatabaseEx seek_database_ex_;  // null on devices that have CeSeekDatabase only
+    SeekDatabaseEx* seek_database_ex_;  // null on devices that have CeSeekDatabase only
     CacheEntry cache_[kCacheEntries];
 };
 

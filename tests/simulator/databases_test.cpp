@@ -5,7 +5,6 @@
 #include <windows.h>
 
 #include "simulator/databases/database_store.h"
-#include "simulator/databases/hidden_names.h"
 #include "tests/support/child_role.h"
 #include "tests/support/device_test.h"
 
@@ -285,14 +284,6 @@ TEST_F(DatabasesTest, AnUnknownIdIsAnInvalidHandle) {
     }
     EXPECT_FALSE(::CeOidGetInfoEx(&store_, 1, nullptr));
     EXPECT_EQ(static_cast<DWORD>(ERROR_INVALID_PARAMETER), LastError());
-}
-
-TEST_F(DatabasesTest, AnOlderSystemLacksTheNewerSeek) {
-    device().Set("os.version", "3.0");
-    EXPECT_TRUE(sim::databases::IsHidden(device().sim(), L"CeSeekDatabaseEx"));
-    EXPECT_FALSE(sim::databases::IsHidden(device().sim(), L"CeSeekDatabase"));
-    device().Set("os.version", "4.20");
-    EXPECT_FALSE(sim::databases::IsHidden(device().sim(), L"CeSeekDatabaseEx"));
 }
 
 }  // namespace

@@ -24,6 +24,16 @@ TEST_F(ProcessesTest, AProcessEndsWithItsFirstThread) {
     EXPECT_NE("[]", device().Command("trace show ExitThread"));
 }
 
+// The probe imports the window to choose a file with from commdlg.dll.
+TEST_F(ProcessesTest, AProgramThatImportsWhatTheSystemLacksIsNotStarted) {
+    device().Set("file.chooser", "coredll");
+    const processes::Started refused = processes::Start(sim(), kProbe, L"exit 7");
+    EXPECT_EQ(DWORD{ERROR_PROC_NOT_FOUND}, refused.error);
+    EXPECT_TRUE(processes::List(sim()).empty());
+    device().Set("file.chooser", "commdlg");
+    EXPECT_EQ(7u, RunProbe(L"exit 7"));
+}
+
 TEST_F(ProcessesTest, ArgumentsArriveAsTheyWereGiven) {
     EXPECT_EQ(0u, RunProbe(L"echo  \"two blanks\" end"));
     EXPECT_EQ(1u, RunProbe(L"echo \"two blanks\" end"));

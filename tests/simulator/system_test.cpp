@@ -74,6 +74,50 @@ TEST_F(SystemTest, ADeviceWithoutPowerStatusLacksTheFunction) {
     ::FreeLibrary(module);
 }
 
+TEST_F(SystemTest, AnOlderSystemLacksNewerFunctions) {
+    const struct {
+        const wchar_t* name;
+        const char* last_without;
+        const char* first_with;
+    } kRows[] = {
+        {L"CeSetUserNotificationEx", "2.11", "2.12"},
+        {L"CeGetUserNotification", "2.11", "2.12"},
+        {L"CeGetUserNotificationHandles", "2.11", "2.12"},
+        {L"CeSeekDatabaseEx", "3.0", "4.20"},
+    };
+    const HMODULE module = ::GetModuleHandleW(L"coredll.dll");
+    for (const auto& row : kRows) {
+        device().Set("os.version", row.last_without);
+        EXPECT_EQ(nullptr, ::GetProcAddressW(module, row.name)) << row.name;
+        EXPECT_NE(nullptr, ::GetProcAddressW(module, L"CeSeekDatabase"));
+        device().Set("os.version", row.first_with);
+        EXPECT_NE(nullptr, ::GetProcAddressW(module, row.name)) << row.name;
+    }
+}
+
+TEST_F(SystemTest, TheWindowToChooseAFileIsInEitherDll) {
+    constexpr wchar_t kName[] = L"GetOpenFileNameW";
+    const HMODULE coredll = ::GetModuleHandleW(L"coredll.dll");
+    const HMODULE commdlg = ::LoadLibraryW(L"commdlg.dll");
+    ASSERT_NE(nullptr, commdlg);
+    EXPECT_NE(nullptr, ::GetProcAddressW(coredll, kName));
+    EXPECT_NE(nullptr, ::GetProcAddressW(commdlg, kName));
+    device().Set("file.chooser", "coredll");
+    EXPECT_NE(nullptr, ::GetProcAddressW(coredll, kName));
+    EXPECT_EQ(nullptr, ::GetProcAddressW(commdlg, kName));
+    device().Set("file.chooser", "commdlg");
+    EXPECT_EQ(nullptr, ::GetProcAddressW(coredll, kName));
+    EXPECT_NE(nullptr, ::GetProcAddressW(commdlg, kName));
+    ::FreeLibrary(commdlg);
+}
+
+TEST_F(SystemTest, AColourHasTheSystemsMark) {
+    EXPECT_NE(0u, ::GetSysColor(COLOR_WINDOW));
+    EXPECT_EQ(0u, ::GetSysColor(COLOR_WINDOW & 0xFF));
+    EXPECT_NE(nullptr, ::GetSysColorBrush(COLOR_3DFACE));
+    EXPECT_EQ(nullptr, ::GetSysColorBrush(COLOR_3DFACE & 0xFF));
+}
+
 TEST_F(SystemTest, AnUnknownNameIsNoFunction) {
     HMODULE module = ::GetModuleHandleW(L"coredll.dll");
     EXPECT_EQ(nullptr, ::GetProcAddressW(module, L"NoSuchFunction"));

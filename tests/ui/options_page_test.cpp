@@ -97,7 +97,7 @@ TEST_F(OptionsPageTest, ThePickerShowsTheWakeUpTimeOfToday) {
     SetDword("WakeUpTime", 0x001E0007);
     OpenOptions();
     EXPECT_EQ("2026-11-16T07:30:00", Text(IDC_TIME));
-    EXPECT_EQ(1u, Calls("SendMessageW", ", 4146, "));  // DTM_SETFORMATW: it shows no seconds
+    EXPECT_EQ(1u, Calls("SendMessageW", ", 4176, "));  // DTM_SETFORMATW: it shows no seconds
 }
 
 TEST_F(OptionsPageTest, WithoutAWakeUpTimeThePickerShowsMidnight) {
