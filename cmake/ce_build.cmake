@@ -1,0 +1,23 @@
+# The program and its companions for real devices of one CPU, CE_CPU. The headers are those of the desktop's compiler
+# for every CPU; the platform's differences stand in platform/include.
+set(CMAKE_C_STANDARD_LIBRARIES "")
+set(CMAKE_CXX_STANDARD_LIBRARIES "")
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+# The oldest version of the system whose loader takes the program; a file's header says it to every loader.
+set(CE_VERSION 2.11)
+if(CE_CPU STREQUAL "x86")
+  include(cmake/ce/x86.cmake)
+else()
+  include(cmake/ce/elf.cmake)
+endif()
+include(cmake/program.cmake)
+ce_finish()
+
+# What a device could not run is found without one.
+get_property(programs GLOBAL PROPERTY companion_programs)
+list(REMOVE_ITEM programs peghelp)  # the system's own on a device
+foreach(program Tolvenar ${programs})
+  ce_disassembled(code ${program})
+  add_test(NAME ${CE_CPU}.${program} COMMAND ${CMAKE_SOURCE_DIR}/tools/ce/check_program ${CE_CPU}
+    ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${program}.exe ${code} ${CMAKE_OBJDUMP})
+endforeach()
