@@ -21,3 +21,5 @@ foreach(program Tolvenar ${programs})
   add_test(NAME ${CE_CPU}.${program} COMMAND ${CMAKE_SOURCE_DIR}/tools/ce/check_program ${CE_CPU}
     ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${program}.exe ${code} ${CMAKE_OBJDUMP})
 endforeach()
+add_test(NAME ${CE_CPU}.package COMMAND ${CMAKE_SOURCE_DIR}/tests/scripts/package_test.py ${CE_CPU}
+  ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
