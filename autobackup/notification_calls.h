@@ -1,5 +1,5 @@
-// The platform's notification calls that came with version 2.12 of the system. Where they are missing a
-// notification cannot be set, and none is found.
+// The platform's notification calls that came with version 2.12 of the system. Where they are
+// missing a notification cannot be set, and none is found.
 #pragma once
 
 #include "platform/win32.h"

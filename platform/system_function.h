@@ -1,5 +1,5 @@
-// Functions that not every system has. They are looked up while the program runs: a program that imports
-// one is not started where it is missing.
+// Functions that not every system has. They are looked up while the program runs: a program that
+// imports one is not started where it is missing.
 #pragma once
 
 #include "platform/win32.h"

@@ -28,7 +28,7 @@ std::wstring EnvironmentFor(const StartRequest& request) {
     std::wstring block;
     wchar_t* own = ::GetEnvironmentStringsW();
     for (const wchar_t* entry = own; *entry != L'\0'; entry += std::wcslen(entry) + 1) {
-        if (SetsOneOf(entry, {L"CEDEVICE", L"CEPROGRAM", L"PATH"})) {
+        if (SetsOneOf(entry, {L"CEDEVICE", L"CEPROGRAM", L"CEGUEST", L"PATH"})) {
             continue;
         }
         block.append(entry).push_back(L'\0');
@@ -36,6 +36,7 @@ std::wstring EnvironmentFor(const StartRequest& request) {
     ::FreeEnvironmentStringsW(own);
     block.append(L"CEDEVICE=").append(request.device_folder).push_back(L'\0');
     block.append(L"CEPROGRAM=").append(request.path).push_back(L'\0');
+    block.append(L"CEGUEST=").append(request.host_file).push_back(L'\0');
     block.append(L"PATH=")
         .append(SimulatorFolder())
         .append(L";")
@@ -43,6 +44,28 @@ std::wstring EnvironmentFor(const StartRequest& request) {
         .push_back(L'\0');
     block.push_back(L'\0');
     return block;
+}
+
+// Made for Windows CE itself: the host's loader takes no such program.
+bool IsDeviceProgram(const std::wstring& file) {
+    HANDLE handle = ::CreateFileW(file.c_str(), GENERIC_READ,
+                                  FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                  OPEN_EXISTING, 0, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) {
+        return false;
+    }
+    const auto read = [handle](LONG offset, void* part, DWORD bytes) {
+        DWORD taken = 0;
+        return ::SetFilePointer(handle, offset, nullptr, FILE_BEGIN) ==
+                   static_cast<DWORD>(offset) &&
+               ::ReadFile(handle, part, bytes, &taken, nullptr) && taken == bytes;
+    };
+    IMAGE_DOS_HEADER start{};
+    IMAGE_NT_HEADERS32 head{};
+    const bool is_read = read(0, &start, sizeof start) && read(start.e_lfanew, &head, sizeof head);
+    ::CloseHandle(handle);
+    return is_read && head.Signature == IMAGE_NT_SIGNATURE &&
+           head.OptionalHeader.Subsystem == IMAGE_SUBSYSTEM_WINDOWS_CE_GUI;
 }
 
 std::wstring FolderOf(HMODULE module) {
@@ -73,9 +96,12 @@ Started StartHostFile(const StartRequest& request) {
     std::wstring environment = EnvironmentFor(request);
     // One quoted word and one blank before the arguments, so that these can be taken back verbatim.
     std::wstring command_line = L"\"" + request.path + L"\" " + request.arguments;
+    const std::wstring host_program = IsDeviceProgram(request.host_file)
+                                          ? SimulatorFolder() + L"\\ce_guest.exe"
+                                          : request.host_file;
     PROCESS_INFORMATION info{};
     Started started;
-    if (!::CreateProcessW(request.host_file.c_str(), &command_line[0], nullptr, nullptr, FALSE,
+    if (!::CreateProcessW(host_program.c_str(), &command_line[0], nullptr, nullptr, FALSE,
                           CREATE_SUSPENDED | CREATE_UNICODE_ENVIRONMENT, &environment[0], nullptr,
                           &startup, &info)) {
         started.error = ::GetLastError();

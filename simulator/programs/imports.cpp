@@ -31,8 +31,7 @@ public:
         const auto start = In<IMAGE_DOS_HEADER>(0);
         const auto place = static_cast<std::size_t>(start.e_lfanew);
         head_ = In<IMAGE_NT_HEADERS32>(place);
-        is_program_ =
-            start.e_magic == IMAGE_DOS_SIGNATURE && head_.Signature == IMAGE_NT_SIGNATURE;
+        is_program_ = start.e_magic == IMAGE_DOS_SIGNATURE && head_.Signature == IMAGE_NT_SIGNATURE;
         sections_ = place + offsetof(IMAGE_NT_HEADERS32, OptionalHeader) +
                     head_.FileHeader.SizeOfOptionalHeader;
     }

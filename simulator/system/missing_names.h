@@ -1,5 +1,5 @@
-// Functions that the device's system lacks: those that came with a newer version of it, and what settings
-// take away.
+// Functions that the device's system lacks: those that came with a newer version of it, and what
+// settings take away.
 #pragma once
 
 #include <string_view>
@@ -8,9 +8,9 @@
 
 namespace sim {
 
-// Whether `dll`, in lower case, exports no `name` on this device: what began with a newer system than
-// "os.version", the power status without "power.present", and the window to choose a file with where
-// "file.chooser" names the other DLL.
+// Whether `dll`, in lower case, exports no `name` on this device: what began with a newer system
+// than "os.version", the power status without "power.present", and the window to choose a file with
+// where "file.chooser" names the other DLL.
 bool IsMissing(const Device& device, std::wstring_view dll, std::wstring_view name);
 
 }  // namespace sim

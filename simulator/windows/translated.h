@@ -1,5 +1,5 @@
-// Calls whose constants have other values on the platform than on the host: the platform's come in, the
-// host's function gets its own.
+// Calls whose constants have other values on the platform than on the host: the platform's come in,
+// the host's function gets its own.
 #pragma once
 
 #include <windows.h>

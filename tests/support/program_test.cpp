@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <deque>
 #include <set>
@@ -20,13 +21,19 @@ using nlohmann::json;
 
 constexpr char16_t kSettingsPath[] = u"HKCU\\Software\\Kestrin2\\Tolvenar";
 
+// Those for another processor, where the environment names them.
+std::string ProgramFolder() {
+    const char* folder = std::getenv("TOLVENAR_PROGRAMS");
+    return folder != nullptr ? folder : TOLVENAR_BIN_DIR;
+}
+
 }  // namespace
 
 void ProgramTest::SetUp() {
     DeviceTest::SetUp();
     device().Command("set clock 2026-11-16T09:00:00");
     device().Command("set clock.step 1000");
-    device().Command(std::string("install \"") + TOLVENAR_BIN_DIR + "\"");
+    device().Command("install \"" + ProgramFolder() + "\"");
 }
 
 void ProgramTest::TearDown() {
