@@ -46,6 +46,8 @@ const CommandRows& Commands() {
         {"export", 1, 1, RunExport, "PROFILE"},
         {"dump", 0, 0, RunDump, ""},
         {"install", 1, 1, RunInstall, "FOLDER"},
+        {"install-cab", 1, 1, RunInstallCab, "FILE"},
+        {"remove-app", 1, 1, RunRemoveApp, "APP"},
 
         {"reg-import", 1, 1, RunRegImport, "FILE"},
         {"reg-export", 1, 1, RunRegExport, "FILE"},

@@ -44,6 +44,7 @@ CommandHandler RunPut, RunGet, RunMkdir, RunRm, RunMv, RunAttr, RunTouch, RunLs,
 CommandHandler RunFault, RunDelay, RunCrash, RunCrashHalf, RunFaults, RunTrace, RunCounters;
 CommandHandler RunRun, RunStart, RunPs, RunKill;
 CommandHandler RunCreate, RunExport, RunDump, RunInstall;
+CommandHandler RunInstallCab, RunRemoveApp;
 CommandHandler RunRegImport, RunRegExport, RunRegSet, RunRegDelete;
 CommandHandler RunSet, RunShow;
 CommandHandler RunWindow, RunScreenshot;

@@ -1,5 +1,5 @@
-// ARMv4 without Thumb, coprocessors and status registers. Anything else ends the program: a device of the oldest kind
-// that is supported has no more.
+// ARMv4 without Thumb, coprocessors and status registers. Anything else ends the program: a device
+// of the oldest kind that is supported has no more.
 #include "simulator/guest/guest.h"
 
 namespace sim::guest {
@@ -55,8 +55,7 @@ private:
         const Word first[4] = {r_[0], r_[1], r_[2], r_[3]};
         stack_.now = r_[kSp];
         TellSteps();
-        const std::uint64_t result =
-            CallHost(function, first, &At<Word>(r_[kSp], function));
+        const std::uint64_t result = CallHost(function, first, &At<Word>(r_[kSp], function));
         r_[0] = static_cast<Word>(result);
         r_[1] = static_cast<Word>(result >> 32);
         r_[2] = r_[3] = r_[12] = 0xDEADBEEF;  // a callee keeps none of these

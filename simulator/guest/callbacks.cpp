@@ -83,8 +83,8 @@ INT_PTR WINAPI RunDialog(HINSTANCE instance, LPCDLGTEMPLATEW layout, HWND owner,
 }
 INT_PTR WINAPI CreateDialogWindow(HINSTANCE instance, LPCDLGTEMPLATEW layout, HWND owner,
                                   const void* procedure, LPARAM parameter) {
-    return Platform<DialogCall>("CreateDialogIndirectParamW")(
-        instance, layout, owner, HostProcedure(procedure), parameter);
+    return Platform<DialogCall>("CreateDialogIndirectParamW")(instance, layout, owner,
+                                                              HostProcedure(procedure), parameter);
 }
 
 struct ThreadStart {

@@ -1,4 +1,5 @@
-// Calls between the program and the host: those of the platform, and those back into the program's own procedures.
+// Calls between the program and the host: those of the platform, and those back into the program's
+// own procedures.
 #pragma once
 
 #include "simulator/guest/guest.h"

@@ -1,6 +1,7 @@
-// A program that was built for a real device, run on the simulated one: its image stands at its own address, its code
-// is interpreted (on x86: run), and each platform call goes, argument by argument, to the simulator's DLLs. Program and
-// host share one address space and all layouts, so nothing is converted.
+// A program that was built for a real device, run on the simulated one: its image stands at its own
+// address, its code is interpreted (on x86: run), and each platform call goes, argument by
+// argument, to the simulator's DLLs. Program and host share one address space and all layouts, so
+// nothing is converted.
 #pragma once
 
 #include <cstdint>
@@ -42,7 +43,8 @@ void AddInstructions(std::uint64_t count);
 // Ends the program and says in the device's folder what it did that a device would not bear.
 [[noreturn]] void Stop(const char* what, Word address, Word value);
 
-// A word, halfword or byte of the program's memory. Devices' processors fault on other than aligned accesses.
+// A word, halfword or byte of the program's memory. Devices' processors fault on other than aligned
+// accesses.
 template <typename T>
 T& At(Word address, Word pc) {
     if (address % sizeof(T) != 0) {

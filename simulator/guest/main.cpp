@@ -1,5 +1,5 @@
-// ce_guest: the simulator starts it in the place of a program that was built for a real device. CEGUEST names the
-// program's file on the host.
+// ce_guest: the simulator starts it in the place of a program that was built for a real device.
+// CEGUEST names the program's file on the host.
 #include <windows.h>
 
 #include "simulator/guest/callbacks.h"
@@ -41,9 +41,9 @@ int main() {
     const Image image = LoadImage(file);
     BeginCalls(image, ProcessorOf(image));
     FillImports(image, &FindPlatformFunction);
-    const auto* command_line = Platform<const wchar_t* WINAPI()>("GetCommandLineW")();
-    const Word result = CallProgram(image.entry, {image.begin, 0,
-                              static_cast<Word>(reinterpret_cast<std::uintptr_t>(command_line)),
-                              SW_SHOW});
+    const auto* command_line = Platform<const wchar_t * WINAPI()>("GetCommandLineW")();
+    const Word result = CallProgram(
+        image.entry, {image.begin, 0,
+                      static_cast<Word>(reinterpret_cast<std::uintptr_t>(command_line)), SW_SHOW});
     Stop("the entry point returned", image.entry, result);
 }

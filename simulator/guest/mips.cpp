@@ -10,7 +10,9 @@ constexpr Word kSp = 29, kRa = 31, kV0 = 2, kV1 = 3, kA0 = 4, kT9 = 25;
 // The callee owns the places of the four arguments in registers.
 constexpr Word kHomeBytes = 16;
 
-constexpr Word Extend(Word half) { return static_cast<Word>(Signed{static_cast<std::int16_t>(half)}); }
+constexpr Word Extend(Word half) {
+    return static_cast<Word>(Signed{static_cast<std::int16_t>(half)});
+}
 constexpr Signed AsSigned(Word value) { return static_cast<Signed>(value); }
 
 class Mips {
@@ -53,8 +55,7 @@ private:
         const Word first[4] = {r_[kA0], r_[kA0 + 1], r_[kA0 + 2], r_[kA0 + 3]};
         stack_.now = r_[kSp];
         TellSteps();
-        const std::uint64_t result =
-            CallHost(pc_, first, &At<Word>(r_[kSp] + kHomeBytes, pc_));
+        const std::uint64_t result = CallHost(pc_, first, &At<Word>(r_[kSp] + kHomeBytes, pc_));
         for (Word i = kV0; i < 16; ++i) {  // a callee keeps none of these
             r_[i] = 0xDEADBEEF;
         }
@@ -201,8 +202,8 @@ private:
             case 18: return SetRd(lo_);
             case 19: lo_ = Rs(); return;
             case 24:
-                return SetProduct(static_cast<std::uint64_t>(std::int64_t{AsSigned(Rs())} *
-                                                             AsSigned(Rt())));
+                return SetProduct(
+                    static_cast<std::uint64_t>(std::int64_t{AsSigned(Rs())} * AsSigned(Rt())));
             case 25: return SetProduct(std::uint64_t{Rs()} * Rt());
             case 26: return Divide();
             case 27:

@@ -25,8 +25,9 @@ void Report(const char* format, ...) {
     const int length = std::vsnprintf(line, sizeof line, format, arguments);
     va_end(arguments);
     const std::wstring file = Variable(L"CEDEVICE") + L"\\guest.log";
-    HANDLE handle = ::CreateFileW(file.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                  nullptr, OPEN_ALWAYS, 0, nullptr);
+    HANDLE handle =
+        ::CreateFileW(file.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                      OPEN_ALWAYS, 0, nullptr);
     if (handle != INVALID_HANDLE_VALUE) {
         DWORD written = 0;
         ::WriteFile(handle, line, static_cast<DWORD>(length), &written, nullptr);
@@ -45,7 +46,8 @@ void ReportThread(Word stack_bytes, std::uint64_t instructions) {
 }
 
 void Stop(const char* what, Word address, Word value) {
-    Report("%ls: stopped: %s at %08x: %08x\n", Variable(L"CEPROGRAM").c_str(), what, address, value);
+    Report("%ls: stopped: %s at %08x: %08x\n", Variable(L"CEPROGRAM").c_str(), what, address,
+           value);
     ::TerminateProcess(::GetCurrentProcess(), kStoppedExitCode);
     for (;;) {
         ::ExitThread(kStoppedExitCode);

@@ -5,7 +5,8 @@
 
 namespace sim::guest {
 
-// At the end of a thread: the deepest that its stack was, and the instructions of all threads so far.
+// At the end of a thread: the deepest that its stack was, and the instructions of all threads so
+// far.
 void ReportThread(Word stack_bytes, std::uint64_t instructions);
 
 }  // namespace sim::guest

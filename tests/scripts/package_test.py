@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
 """package_test.py CPU PROGRAMS: makes a package and reads it as a device's loader does, with a reader of its own."""
+import json
 import pathlib
 import struct
 import subprocess
@@ -117,6 +118,80 @@ class PackageTest(unittest.TestCase):
     def test_the_shortcuts_lead_to_the_program(self):
         program = next(n for n, row in self.setup.files.items() if row[2] == "Tolvenar.exe")
         self.assertEqual([(11, program, 1, "Tolvenar.lnk"), (3, program, 1, "Tolvenar.lnk")], self.setup.links)
+
+
+class InstallationTest(unittest.TestCase):
+    """The package on a simulated device."""
+
+    APP = "Kestrin Tolvenar"
+    KEY = "HKCU\\Software\\Kestrin2\\Tolvenar"
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.work = pathlib.Path(folder.name)
+        subprocess.run([ROOT / "tools/ce/make_package", CPU, PROGRAMS, self.work], check=True)
+        self.cab = str(self.work / f"Tolvenar-{CPU}.cab")
+        self.tell("set", "processor", str(PROCESSORS[CPU]))
+
+    def call(self, *words, device="device"):
+        return subprocess.run([ROOT / "scripts/cedev", self.work / device, *words], capture_output=True, text=True)
+
+    def tell(self, *words, device="device"):
+        result = self.call(*words, device=device)
+        self.assertEqual(0, result.returncode, result.stderr)
+        return json.loads(result.stdout)
+
+    def files(self, device="device"):
+        return {f["path"]: f.get("sha256") for f in self.tell("dump", device=device)["files"] if "sha256" in f}
+
+    def values(self, device="device"):
+        return {v["name"]: v["data"] for k in self.tell("dump", device=device)["registry"] if k["key"] == self.KEY
+                for v in k["values"]}
+
+    def test_it_comes_to_what_an_installation_is(self):
+        self.assertEqual({"app": self.APP}, self.tell("install-cab", self.cab))
+        self.tell("install", str(PROGRAMS), device="other")
+        self.assertEqual(self.values("other"), self.values())
+        expected = {path: sha for path, sha in self.files("other").items() if not path.endswith("peghelp.exe")}
+        found = self.files()
+        self.assertEqual(expected, {path: found.get(path) for path in expected})
+        extra = {"\\Program Files\\Tolvenar\\tolvenar.ico", "\\Windows\\Programs\\Tolvenar.lnk",
+                 "\\Windows\\Desktop\\Tolvenar.lnk", f"\\Windows\\{self.APP}.unload"}
+        self.assertEqual(extra, found.keys() - expected.keys())
+
+    def test_the_shortcut_starts_the_program(self):
+        self.tell("install-cab", self.cab)
+        copy = self.work / "shortcut"
+        self.tell("get", "\\Windows\\Programs\\Tolvenar.lnk", str(copy))
+        self.assertEqual('38#"\\Program Files\\Tolvenar\\Tolvenar.exe"', copy.read_text())
+
+    def test_settings_that_are_there_stay(self):
+        self.tell("reg-set", self.KEY, "StorageFile", "REG_SZ", "Mine")
+        before = self.values()
+        self.tell("install-cab", self.cab)
+        self.assertEqual(before["StorageFile"], self.values()["StorageFile"])
+
+    def test_a_second_installation_another_processor_and_an_older_system_are_refused(self):
+        self.tell("set", "processor", "1")
+        self.assertIn("another processor", self.call("install-cab", self.cab).stderr)
+        self.tell("set", "processor", str(PROCESSORS[CPU]))
+        self.tell("set", "os.version", "2.10")
+        self.assertIn("newer system", self.call("install-cab", self.cab).stderr)
+        self.assertEqual({}, self.files())
+        self.tell("set", "os.version", "2.11")
+        self.tell("install-cab", self.cab)
+        self.assertIn("already installed", self.call("install-cab", self.cab).stderr)
+
+    def test_a_removal_leaves_storages_and_log(self):
+        self.tell("install-cab", self.cab)
+        kept = ["\\Storage Card\\Tolvenar\\" + name for name in ("Backup.sav", "Backup.jrn", "tolvenar_log.txt")]
+        for path in kept:
+            self.tell("put", self.cab, path)
+        self.tell("remove-app", self.APP)
+        self.assertEqual(set(kept), self.files().keys())
+        self.assertEqual({}, self.values())
+        self.tell("install-cab", self.cab)
 
 
 if __name__ == "__main__":

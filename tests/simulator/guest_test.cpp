@@ -1,13 +1,13 @@
 // Programs that were built for a real device: what their code does, and what ends them.
-#include "simulator/processes/process_start.h"
-#include "simulator/programs/programs.h"
-#include "tests/support/programs.h"
+#include "platform/win32.h"
 
 #include <cstdio>
 #include <cstring>
 #include <vector>
 
-#include "platform/win32.h"
+#include "simulator/processes/process_start.h"
+#include "simulator/programs/programs.h"
+#include "tests/support/programs.h"
 
 namespace tests {
 namespace {
@@ -101,7 +101,7 @@ TEST_F(GuestTest, ArmCodeThatAnOldDeviceDoesNotBearEndsTheRun) {
     ExpectStop(kArm, {0xE12FFF1E}, "status register, or instruction of a later processor");  // bx
     ExpectStop(kArm, {0xE1C000D0}, "transfer of two words");                                 // ldrd
     ExpectStop(kArm, {0xE7F000F0}, "undefined instruction");
-    ExpectStop(kArm, {0xEE000A10}, "coprocessor");             // a floating-point move
+    ExpectStop(kArm, {0xEE000A10}, "coprocessor");  // a floating-point move
     ExpectStop(kArm, {0xE24DD004, kArmReturn}, "the stack pointer was not kept");
 }
 
