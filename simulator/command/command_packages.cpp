@@ -1,4 +1,5 @@
-// install-cab, remove-app: a package as the platform's loader installs it, and as it takes it away again.
+// install-cab, remove-app: a package as the platform's loader installs it, and as it takes it away
+// again.
 #include <cstdlib>
 
 #include "simulator/command/command_row.h"
@@ -70,9 +71,8 @@ void CheckDevice(Device& device, const Package& package) {
     if (package.processor != 0 && package.processor != SettingNumber(device, "processor")) {
         throw CommandError("made for another processor");
     }
-    const double oldest =
-        std::strtod((std::to_string(package.major) + "." + std::to_string(package.minor)).c_str(),
-                    nullptr);
+    const double oldest = std::strtod(
+        (std::to_string(package.major) + "." + std::to_string(package.minor)).c_str(), nullptr);
     if (std::strtod(SettingText(device, "os.version").c_str(), nullptr) < oldest) {
         throw CommandError("made for a newer system");
     }

@@ -28,7 +28,7 @@ struct PackageLink {
 struct Package {
     std::string name;
     std::string provider;
-    std::uint32_t processor = 0;  // 0: any
+    std::uint32_t processor = 0;         // 0: any
     std::uint32_t major = 0, minor = 0;  // the oldest system
     std::vector<PackageFile> files;
     std::vector<PackageValue> values;
