@@ -54,7 +54,7 @@ foreach(folder IN LISTS test_folders)
   target_link_libraries(${name} PRIVATE test_support warnings GTest::gtest_main ${PRODUCT} simcore
     coredll_calls commctrl commdlg ${SIM_HOST_LIBRARIES})
   target_link_options(${name} PRIVATE -static)
-  add_dependencies(${name} sim_coredll sim_commctrl sim_commdlg Tolvenar ${probes}
+  add_dependencies(${name} ce_guest sim_coredll sim_commctrl sim_commdlg Tolvenar ${probes}
     ${companions})
   add_suites(${name} SOURCES ${sources} PROPERTIES TIMEOUT 900)
 endforeach()
