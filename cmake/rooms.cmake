@@ -30,8 +30,8 @@ function(make_rooms result)
     endif()
     string(REPLACE "/" "_" target room_${room})
     file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/${room}/*.cpp)
-    # The program's entry point is no part of what tests link.
-    list(FILTER sources EXCLUDE REGEX "/app/start/main\\.cpp$")
+    # A program's entry point is no part of what tests link.
+    list(FILTER sources EXCLUDE REGEX "/main\\.cpp$")
     set(visibility PUBLIC)
     if(sources)
       add_library(${target} STATIC ${sources})

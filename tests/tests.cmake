@@ -45,8 +45,8 @@ file(GLOB test_folders CONFIGURE_DEPENDS LIST_DIRECTORIES true RELATIVE ${CMAKE_
 foreach(folder IN LISTS test_folders)
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS tests/${folder}/*.cpp)
   file(GLOB_RECURSE test_resources CONFIGURE_DEPENDS tests/${folder}/*.rc)
-  # The native build has fuzzers, and tests of its own.
-  if(NOT sources OR folder MATCHES "^(support|programs|native|fuzz)$")
+  # The native build has fuzzers, tests of its own, and those of the program for the PC.
+  if(NOT sources OR folder MATCHES "^(support|programs|native|fuzz|pc)$")
     continue()
   endif()
   set(name ${folder}_test)

@@ -112,6 +112,16 @@ class SeededViolation(unittest.TestCase):
         self.write("top/page.cpp", '#include "simulator/low/device.h"\n')
         self.assert_fails_with("top/page.cpp knows the simulator")
 
+    def test_the_pcs_program_needs_what_works_on_bytes_and_is_needed_by_nobody_else(self):
+        self.write("pc/reader.cpp", '#include "platform/handle.h"\n')
+        self.write("cmake/rooms.txt", ROOMS + "pc  pc  platform | reading\n")
+        self.assert_fails_with("pc builds natively alone and needs platform, which does not")
+        self.write("pc/reader.cpp", '#include "low/bytes/list.h"\n')
+        self.write("pc/reader.h", "")
+        self.write("top/page.cpp", '#include "pc/reader.h"\n')
+        self.write("cmake/rooms.txt", ROOMS + "pc  pc  low/bytes | reading\ntop  device  pc | pages\n")
+        self.assert_fails_with("top needs pc, which only the PC's program has")
+
     def test_a_cycle_fails(self):
         self.write("high/a.h", '#include "high/b.h"\n')
         self.write("high/b.h", '#include "high/a.h"\n')

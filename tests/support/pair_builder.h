@@ -34,9 +34,10 @@ public:
         return Identify(MakeTolvOID((u"80000001" + path).c_str(), path.data(), 2 * path.size(), 0),
                         key);
     }
-    ObjectRecord AddValue(const Text& path, const Text& name, const Bytes& data) {
+    ObjectRecord AddValue(const Text& path, const Text& name, const Bytes& data,
+                          std::uint32_t value_type = 3) {
         const Text joined = path + kNameSeparator + name;
-        const ObjectRecord value = Store(kValue, kHive, 3, joined, data, true);
+        const ObjectRecord value = Store(kValue, kHive, value_type, joined, data, true);
         return Identify(MakeTolvOID((u"80000001" + joined).c_str(), data.data(), data.size(), 0),
                         value);
     }
@@ -45,10 +46,14 @@ public:
     }
     // One of a CEVT_I4.
     ObjectRecord AddRecord(const Text& database, std::uint32_t number, std::uint32_t dwOID) {
-        const Bytes data = Property(0x00020003, number);
-        ObjectRecord record = Store(kDbRecord, 1, 0, database, data, true, dwOID);
         // Of identifier, flags and value.
-        const Bytes looked_at = Word(0x00020003) + Half(0) + Word(number);
+        return AddRecord(database, Property(0x00020003, number), 1,
+                         Word(0x00020003) + Half(0) + Word(number), dwOID);
+    }
+    // One of `count` properties; `looked_at` is what the fingerprint is taken of.
+    ObjectRecord AddRecord(const Text& database, const Bytes& properties, std::uint32_t count,
+                           const Bytes& looked_at, std::uint32_t dwOID) {
+        ObjectRecord record = Store(kDbRecord, count, 0, database, properties, true, dwOID);
         record.content_fingerprint = Checksum16(looked_at.data(), looked_at.size());
         records_.back().back() = record;
         return record;
@@ -79,6 +84,7 @@ public:
     }
 
     Bytes sav = Head(u"Handheld", 1);
+    std::uint64_t time = 0;  // of the following states and files
 
 private:
     static constexpr std::uint32_t kHive = 0x80000001;
@@ -86,7 +92,9 @@ private:
     ObjectRecord Store(ObjectType type, std::uint32_t first_field, std::uint32_t second_field,
                        const Text& name, const Bytes& data, bool has_data, std::uint32_t dwOID = 0,
                        std::uint16_t without_data = 0xFFFF) {
-        const Bytes block = Block(first_field, second_field, 0, data.size(), type, name);
+        const bool has_time = type == kFile || type == kState;
+        const Bytes block =
+            Block(first_field, second_field, has_time ? time : 0, data.size(), type, name);
         ObjectRecord record{};
         record.dwOID = dwOID;
         record.info_checksum = Checksum16(block.data(), block.size());

@@ -1,0 +1,11 @@
+# The program for the PC over the rooms that work on bytes, which are there already. `pc_options` brings the
+# compiler's options of the build.
+find_package(fmt REQUIRED)
+find_package(CLI11 REQUIRED)
+find_package(nlohmann_json REQUIRED)
+target_include_directories(pc_options INTERFACE ${CMAKE_SOURCE_DIR})
+target_link_libraries(pc_options INTERFACE fmt::fmt CLI11::CLI11 nlohmann_json::nlohmann_json)
+make_rooms(PC_PROGRAM KINDS pc OPTIONS pc_options)
+add_executable(tolvenar_pc pc/command/main.cpp)
+set_target_properties(tolvenar_pc PROPERTIES OUTPUT_NAME tolvenar)
+target_link_libraries(tolvenar_pc PRIVATE ${PC_PROGRAM} pc_options)

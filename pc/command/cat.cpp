@@ -1,0 +1,110 @@
+// cat: what an object holds. A file as its bytes; values and records as text for people, or as the
+// bytes that are stored.
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "difftree/model/data_text.h"
+#include "pc/command/commands.h"
+#include "pc/command/json.h"
+#include "pc/command/object_json.h"
+#include "pc/command/opened.h"
+#include "pc/storage/object_data.h"
+#include "pc/storage/object_filter.h"
+#include "pc/storage/state_objects.h"
+#include "snapshot/text/letter_case.h"
+
+namespace tolvenar::pc {
+namespace {
+
+void AppendLocalTime(std::uint32_t low, std::uint32_t high, TextBuilder& text) {
+    text.Append(ToUtf16(LocalText(FileTime::Of(low, high))).c_str());
+}
+
+// Lines as this machine ends them.
+std::string TextOf(const StoredObject& object, const std::vector<std::uint8_t>& data) {
+    // A byte is three units at most, a property some forty more.
+    std::vector<char16_t> buffer(4 * data.size() + 64);
+    TextBuilder text(buffer.data(), buffer.size());
+    text.Clear();
+    if (object.type() == ObjectType::kRegistryValue) {
+        AppendValueData(object.value_type(), data.data(), data.size(), text);
+    } else {
+        AppendProperties(data.data(), data.size(), object.property_count(), AppendLocalTime, text);
+    }
+    std::u16string lines(text.text(), text.length());
+    lines.erase(std::remove(lines.begin(), lines.end(), u'\r'), lines.end());
+    std::string told;
+    for (std::size_t begin = 0; begin < lines.size();) {
+        const std::size_t end = std::min(lines.find(u'\n', begin), lines.size());
+        told += Printable(std::u16string_view(lines).substr(begin, end - begin)) + "\n";
+        begin = end + 1;
+    }
+    return told;
+}
+
+StoredObject FindObject(StoredPair& pair, std::uint16_t state, const std::string& text) {
+    const std::u16string path = ParsePath(text);
+    for (StoredObject& object : ObjectsOf(pair, state)) {
+        if (EqualIgnoringCase(PathOf(object), path)) {
+            return std::move(object);
+        }
+    }
+    throw Failure(ExitCode::kCannot, fmt::format("State {} has no \"{}\"", state, text));
+}
+
+// Why there is nothing to show; null when there is something.
+const char* NothingIn(const StoredObject& object) {
+    if (object.is_in_rom()) {
+        return "a file of the device's ROM: no storage has its contents";
+    }
+    switch (object.type()) {
+        case ObjectType::kRegistryValue:
+        case ObjectType::kDatabaseRecord: return nullptr;
+        case ObjectType::kFile:
+            return object.is_folder() ? "a folder: \"tolvenar ls\" tells what is in it" : nullptr;
+        default: return "holds other objects alone: \"tolvenar ls\" tells which";
+    }
+}
+
+std::string HexOf(const std::vector<std::uint8_t>& data) {
+    std::string digits;
+    for (const std::uint8_t byte : data) {
+        digits += fmt::format("{:02x}", byte);
+    }
+    return digits;
+}
+
+}  // namespace
+
+ExitCode RunCat(const Options& options, Console& console) {
+    const Opened opened = OpenAddress(options.storage, console);
+    StoredPair& pair = *opened.pair;
+    const StoredObject object = FindObject(pair, pair.FindState(opened.state), options.object);
+    const std::string path = Printable(PathOf(object));
+    if (const char* reason = NothingIn(object)) {
+        throw Failure(object.is_in_rom() ? ExitCode::kIncomplete : ExitCode::kCannot,
+                      path + ": " + reason);
+    }
+    if (!DataAreSound(pair, object)) {
+        throw Failure(ExitCode::kDamaged, path + ": its contents are damaged, and not shown");
+    }
+    if (options.json) {
+        Json json = JsonOf(object);
+        json["data"] = HexOf(ReadData(pair, object));
+        console.Line(json.dump());
+    } else if (options.raw || object.type() == ObjectType::kFile) {
+        const bool is_whole = StreamData(pair, object, [&console](std::string_view bytes) {
+            console.out.Write(bytes);
+            return !console.out.failed();
+        });
+        if (!is_whole) {
+            throw Failure(ExitCode::kCannot, path + ": cannot be read or written to its end");
+        }
+    } else {
+        console.out.Write(TextOf(object, ReadData(pair, object)));
+    }
+    return ListVerdict(pair);
+}
+
+}  // namespace tolvenar::pc

@@ -1,0 +1,122 @@
+#include "pc/command/command_line.h"
+
+#include <CLI/CLI.hpp>
+#include <new>
+
+#include "pc/command/commands.h"
+
+namespace tolvenar::pc {
+namespace {
+
+constexpr const char* kAddressHelp =
+    "the storage: its .sav, its .jrn or their common name; \"@STATE\" behind it is a state, by "
+    "number, \"last\" or a local time such as 2026-11-16 (the last state made until then); the "
+    "last state when it is left away";
+constexpr const char* kStorageHelp = "the storage: its .sav, its .jrn or their common name";
+constexpr const char* kPatternHelp =
+    "which objects: their path, with \"*\" and \"?\", and all below it; a path that begins with "
+    "\"/\" may have slashes for backslashes";
+constexpr const char* kExitCodes =
+    "Exit codes: 0 done, 1 cannot, 2 wrong usage, 3 done but incomplete (what is told), 4 damaged,\n"
+    "5 not a storage. The storage itself is never written to.";
+
+struct Command {
+    const char* name;
+    const char* does;
+    const char* example;
+    void (*add_options)(CLI::App& app, Options& options);
+    ExitCode (*run)(const Options& options, Console& console);
+};
+
+void AddStorage(CLI::App& app, Options& options, const char* help) {
+    app.add_option("STORAGE", options.storage, help)->required();
+    app.add_flag("--json", options.json, "the result as JSON");
+}
+
+void AddInfoOptions(CLI::App& app, Options& options) { AddStorage(app, options, kStorageHelp); }
+
+void AddListOptions(CLI::App& app, Options& options) {
+    AddStorage(app, options, kAddressHelp);
+    app.add_option("PATTERN", options.patterns, kPatternHelp);
+    app.add_flag("-l,--long", options.is_long, "kind, size and time, too");
+}
+
+void AddCatOptions(CLI::App& app, Options& options) {
+    AddStorage(app, options, kAddressHelp);
+    app.add_option("OBJECT", options.object, "its path, as ls tells it")->required();
+    app.add_flag("--raw", options.raw, "of a value or record the bytes as they are stored");
+}
+
+void AddFindOptions(CLI::App& app, Options& options) {
+    AddStorage(app, options, kStorageHelp);
+    app.add_option("PATTERN", options.patterns, kPatternHelp)->required();
+}
+
+const Command kCommands[] = {
+    {"info", "tells what a storage is and which states it holds", "tolvenar info Home.sav",
+     AddInfoOptions, RunInfo},
+    {"ls", "lists the files, registry and databases of a state",
+     "tolvenar ls -l Home.sav@3 '/My Documents' 'HKCU*'", AddListOptions, RunList},
+    {"cat", "writes out what a file, value or record of a state holds",
+     "tolvenar cat Home.sav@3 '/My Documents/letter.txt'", AddCatOptions, RunCat},
+    {"find", "tells in which states an object is, and when it changed",
+     "tolvenar find Home.sav '*letter*'", AddFindOptions, RunFind},
+};
+
+// The parser's own words for help and errors go where the console says.
+int TellOfParser(const CLI::App& app, const CLI::ParseError& error, Console& console) {
+    if (error.get_exit_code() == 0) {
+        console.out.Write(error.get_name() == "CallForVersion" ? std::string(error.what()) + "\n"
+                                                               : app.help());
+        return 0;
+    }
+    console.Tell(std::string(error.what()) + " (--help tells more)");
+    return static_cast<int>(ExitCode::kUsage);
+}
+
+ExitCode Run(const Command& command, const Options& options, Console& console) {
+    try {
+        return command.run(options, console);
+    } catch (const Failure& failure) {
+        console.Tell(failure.what());
+        return failure.code;
+    } catch (const std::bad_alloc&) {
+        console.Tell("there is not enough memory");
+    } catch (const std::exception& error) {
+        console.Tell(error.what());
+    }
+    return ExitCode::kCannot;
+}
+
+}  // namespace
+
+int RunCommandLine(const std::vector<std::string>& arguments, Console& console) {
+    CLI::App app("Reads, checks and uses a storage of Tolvenar on this machine.", "tolvenar");
+    app.require_subcommand(1);
+    app.footer(kExitCodes);
+    Options options;
+    for (const Command& command : kCommands) {
+        CLI::App* const subcommand = app.add_subcommand(command.name, command.does);
+        subcommand->footer(std::string("Example: ") + command.example + "\n" + kExitCodes);
+        command.add_options(*subcommand, options);
+    }
+    std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());
+    try {
+        app.parse(reversed);
+    } catch (const CLI::ParseError& error) {
+        return TellOfParser(app, error, console);
+    }
+    ExitCode code = ExitCode::kUsage;
+    for (const Command& command : kCommands) {
+        if (app.got_subcommand(command.name)) {
+            code = Run(command, options, console);
+        }
+    }
+    if (!console.out.Finish()) {
+        console.Tell("the output cannot be written");
+        code = ExitCode::kCannot;
+    }
+    return static_cast<int>(code);
+}
+
+}  // namespace tolvenar::pc

@@ -1,0 +1,27 @@
+// What a command is asked for, and the commands. Each writes to the console and tells how it ended;
+// what ends it early is a Failure.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "pc/command/console.h"
+#include "pc/text/failure.h"
+
+namespace tolvenar::pc {
+
+struct Options {
+    std::string storage;  // with or without "@STATE"
+    bool json = false;
+    std::vector<std::string> patterns;  // of objects
+    std::string object;                 // cat: its path
+    bool is_long = false;               // ls: kind, size and time, too
+    bool raw = false;                   // cat: the bytes that are stored
+};
+
+ExitCode RunInfo(const Options& options, Console& console);
+ExitCode RunList(const Options& options, Console& console);
+ExitCode RunCat(const Options& options, Console& console);
+ExitCode RunFind(const Options& options, Console& console);
+
+}  // namespace tolvenar::pc

@@ -1,0 +1,16 @@
+// The program's entry.
+#include <unistd.h>
+
+#include <csignal>
+
+#include "pc/command/command_line.h"
+
+int main(int count, char** arguments) {
+    using namespace tolvenar::pc;
+    // A pipe that was closed is a write that fails, and told as such.
+    std::signal(SIGPIPE, SIG_IGN);
+    HandleOutput out(STDOUT_FILENO);
+    HandleOutput err(STDERR_FILENO);
+    Console console{out, err, ::isatty(STDERR_FILENO) != 0};
+    return RunCommandLine({arguments + 1, arguments + count}, console);
+}

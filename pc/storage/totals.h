@@ -1,0 +1,25 @@
+// How much each state brought, and what of the storage file nothing refers to.
+#pragma once
+
+#include <cstdint>
+#include <map>
+
+#include "pc/storage/stored_pair.h"
+
+namespace tolvenar::pc {
+
+struct StateTotals {
+    std::uint32_t added = 0;    // versions of objects that the state stored
+    std::uint32_t deleted = 0;  // that end with it; a changed object is one of each
+    std::uint64_t bytes = 0;    // of the storage file: blocks and data, the state's own too
+};
+
+struct StorageTotals {
+    std::map<std::uint16_t, StateTotals> states;
+    std::uint64_t unclaimed_bytes = 0;  // of ended backups and failed items
+    std::uint32_t damaged_blocks = 0;
+};
+
+StorageTotals CountTotals(StoredPair& pair);
+
+}  // namespace tolvenar::pc

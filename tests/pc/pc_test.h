@@ -1,0 +1,53 @@
+// A storage made by hand in a folder of its own, and the program's commands over it.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "nlohmann/json.hpp"
+#include "tests/support/pair_builder.h"
+
+namespace tolvenar::pc {
+
+// 16 November 2026, 04:33:10 UTC.
+constexpr std::uint64_t kTime = 0x01DD7583957AC700;
+constexpr std::uint64_t kHour = 36000000000;
+
+class PcTest : public testing::Test {
+protected:
+    struct Result {
+        int code;
+        std::string out;
+        std::string err;
+    };
+
+    PcTest();
+    ~PcTest() override;
+
+    // Path of a file in the case's folder.
+    std::string In(const std::string& name) const { return (folder_ / name).string(); }
+    void Write(const std::string& name, const Bytes& bytes) const;
+    Bytes Read(const std::string& name) const;
+    // Writes the pair as "Home.sav" and "Home.jrn".
+    void Save() const;
+    // Runs a command line. "HOME" stands for the storage, also before an "@".
+    Result Run(std::vector<std::string> arguments) const;
+    // The same with --json, parsed.
+    nlohmann::json RunJson(std::vector<std::string> arguments, int expected_code = 0) const;
+
+    PairBuilder pair;
+
+private:
+    std::filesystem::path folder_;
+};
+
+// Three states of files, registry and databases, as the cases of several commands want them.
+class ThreeStatesTest : public PcTest {
+protected:
+    ThreeStatesTest();
+};
+
+}  // namespace tolvenar::pc

@@ -1,0 +1,80 @@
+// The PC's text: UTF-16 and UTF-8, times, patterns.
+#include <gtest/gtest.h>
+
+#include <ctime>
+
+#include "pc/text/file_time.h"
+#include "pc/text/utf.h"
+#include "pc/text/wildcard.h"
+
+namespace tolvenar::pc {
+namespace {
+
+TEST(Utf, TextOfEveryLengthComesBack) {
+    const std::u16string text = u"aß€\U0001F600";
+    EXPECT_EQ("a\xC3\x9F\xE2\x82\xAC\xF0\x9F\x98\x80", ToUtf8(text));
+    EXPECT_EQ(text, ToUtf16(ToUtf8(text)));
+    EXPECT_TRUE(IsWellFormed(text));
+}
+
+TEST(Utf, ALoneSurrogateIsToldAndKeptExactly) {
+    const std::u16string units = {u'a', 0xD800, u'b', 0xDC00};
+    EXPECT_FALSE(IsWellFormed(units));
+    EXPECT_EQ("a\xEF\xBF\xBD" "b\xEF\xBF\xBD", ToUtf8(units));
+    EXPECT_EQ("0061d8000062dc00", ExactUnits(units));
+    EXPECT_EQ("a<U+D800>b<U+DC00>", Printable(units));
+}
+
+TEST(Utf, BytesThatAreNoTextBecomeReplacements) {
+    const std::u16string bad = u"\uFFFD";
+    EXPECT_EQ(bad, ToUtf16("\xFF"));
+    EXPECT_EQ(bad + bad, ToUtf16("\xC0\x80"));          // too long a form
+    EXPECT_EQ(bad + bad + bad, ToUtf16("\xED\xA0\x80"));  // a surrogate
+    EXPECT_EQ(bad, ToUtf16("\xE2"));                    // cut
+    EXPECT_EQ(bad + u"a", ToUtf16("\xE2" "a"));
+    EXPECT_EQ(bad + bad + bad + bad, ToUtf16("\xF4\x90\x80\x80"));  // too large
+}
+
+TEST(Utf, NothingOfANameReachesATerminalAsAControl) {
+    EXPECT_EQ("a<U+001B>[2Jb<U+000A><U+009B><U+202E>", Printable(u"a\x1b[2Jb\n\u009b\u202e"));
+}
+
+TEST(FileTimes, AreToldInUtcAndLocalTime) {
+    ::setenv("TZ", "ABC-2", 1);
+    ::tzset();
+    const FileTime time{0x01DD7583957AC700};
+    EXPECT_EQ("2026-11-16T04:33:10Z", UtcText(time));
+    EXPECT_EQ("2026-11-16 06:33:10", LocalText(time));
+    EXPECT_EQ("-", LocalText({}));
+    EXPECT_EQ(1794803590, ToUnix(time).seconds);
+    EXPECT_EQ(100u, ToUnix({time.ticks + 1}).nanoseconds);
+    // The latest that there is.
+    EXPECT_EQ("60056-05-28T05:36:10Z", UtcText({0xFFFFFFFFFFFFFFFF}));
+    ::setenv("TZ", "UTC0", 1);
+    ::tzset();
+}
+
+TEST(FileTimes, AreTakenToTheEndOfWhatIsSaid) {
+    ::setenv("TZ", "UTC0", 1);
+    ::tzset();
+    EXPECT_EQ("2026-11-16T23:59:59Z", UtcText(*ParseLocalTime("2026-11-16")));
+    EXPECT_EQ("2026-11-16T04:33:59Z", UtcText(*ParseLocalTime("2026-11-16 04:33")));
+    EXPECT_EQ("2026-11-16T04:33:10Z", UtcText(*ParseLocalTime("2026-11-16T04:33:10")));
+    for (const char* text : {"", "x", "2026-02-30", "2026-11", "2026-11-16x", "2026-11-16 04",
+                             "2026-11-16 04:33:10 ", "2026-13-01", "0000-01-01"}) {
+        EXPECT_FALSE(ParseLocalTime(text)) << text;
+    }
+}
+
+TEST(Wildcards, TakeAnyUnitsOrOne) {
+    EXPECT_TRUE(MatchesWildcard(u"*.TXT", u"\\My Documents\\a.txt"));
+    EXPECT_TRUE(MatchesWildcard(u"\\a?c*", u"\\abc"));
+    EXPECT_TRUE(MatchesWildcard(u"*a*b*", u"xaxxbabx"));
+    EXPECT_TRUE(MatchesWildcard(u"", u""));
+    EXPECT_FALSE(MatchesWildcard(u"", u"a"));
+    EXPECT_FALSE(MatchesWildcard(u"a?", u"a"));
+    EXPECT_FALSE(MatchesWildcard(u"*a*b", u"ba"));
+}
+
+}  // namespace
+}  // namespace tolvenar::pc
