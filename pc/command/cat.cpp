@@ -1,13 +1,12 @@
 // cat: what an object holds. A file as its bytes; values and records as text for people, or as the
 // bytes that are stored.
+#include <algorithm>
 #include <fmt/format.h>
 
-#include <algorithm>
-
-#include "difftree/model/data_text.h"
 #include "pc/command/commands.h"
 #include "pc/command/json.h"
 #include "pc/command/object_json.h"
+#include "pc/command/object_text.h"
 #include "pc/command/opened.h"
 #include "pc/storage/object_data.h"
 #include "pc/storage/object_filter.h"
@@ -16,32 +15,6 @@
 
 namespace tolvenar::pc {
 namespace {
-
-void AppendLocalTime(std::uint32_t low, std::uint32_t high, TextBuilder& text) {
-    text.Append(ToUtf16(LocalText(FileTime::Of(low, high))).c_str());
-}
-
-// Lines as this machine ends them.
-std::string TextOf(const StoredObject& object, const std::vector<std::uint8_t>& data) {
-    // A byte is three units at most, a property some forty more.
-    std::vector<char16_t> buffer(4 * data.size() + 64);
-    TextBuilder text(buffer.data(), buffer.size());
-    text.Clear();
-    if (object.type() == ObjectType::kRegistryValue) {
-        AppendValueData(object.value_type(), data.data(), data.size(), text);
-    } else {
-        AppendProperties(data.data(), data.size(), object.property_count(), AppendLocalTime, text);
-    }
-    std::u16string lines(text.text(), text.length());
-    lines.erase(std::remove(lines.begin(), lines.end(), u'\r'), lines.end());
-    std::string told;
-    for (std::size_t begin = 0; begin < lines.size();) {
-        const std::size_t end = std::min(lines.find(u'\n', begin), lines.size());
-        told += Printable(std::u16string_view(lines).substr(begin, end - begin)) + "\n";
-        begin = end + 1;
-    }
-    return told;
-}
 
 StoredObject FindObject(StoredPair& pair, std::uint16_t state, const std::string& text) {
     const std::u16string path = ParsePath(text);
@@ -102,7 +75,9 @@ ExitCode RunCat(const Options& options, Console& console) {
             throw Failure(ExitCode::kCannot, path + ": cannot be read or written to its end");
         }
     } else {
-        console.out.Write(TextOf(object, ReadData(pair, object)));
+        for (const std::string& line : LinesOf(object, ReadData(pair, object))) {
+            console.Line(line);
+        }
     }
     return ListVerdict(pair);
 }

@@ -17,7 +17,8 @@ constexpr const char* kPatternHelp =
     "which objects: their path, with \"*\" and \"?\", and all below it; a path that begins with "
     "\"/\" may have slashes for backslashes";
 constexpr const char* kExitCodes =
-    "Exit codes: 0 done, 1 cannot, 2 wrong usage, 3 done but incomplete (what is told), 4 damaged,\n"
+    "Exit codes: 0 done, 1 cannot, 2 wrong usage, 3 done but incomplete (what is told), 4 "
+    "damaged,\n"
     "5 not a storage. The storage itself is never written to.";
 
 struct Command {
@@ -52,6 +53,31 @@ void AddFindOptions(CLI::App& app, Options& options) {
     app.add_option("PATTERN", options.patterns, kPatternHelp)->required();
 }
 
+void AddVerifyOptions(CLI::App& app, Options& options) {
+    AddStorage(app, options, kStorageHelp);
+    app.add_flag("--all", options.all, "tells of every object, not of the damaged ones alone");
+}
+
+void AddExtractOptions(CLI::App& app, Options& options) {
+    AddStorage(app, options, kAddressHelp);
+    app.add_option("PATTERN", options.patterns, kPatternHelp);
+    app.add_option("-o,--output", options.folder, "the folder, made when it is not there");
+    app.add_flag("--dry-run", options.dry_run, "writes nothing and tells what would be written");
+}
+
+void AddDiffOptions(CLI::App& app, Options& options) {
+    AddStorage(app, options, kStorageHelp);
+    app.add_option("OLDER", options.older, "a state, or 0 for nothing at all")->required();
+    app.add_option("NEWER", options.newer, "a state")->required();
+    app.add_option(
+        "PATTERN", options.patterns,
+        std::string("for --flat, --contents and the objects of --json: ") + kPatternHelp);
+    app.add_flag("--simple", options.simple, "the tree by documents, applications and databases");
+    app.add_flag("--flat", options.flat,
+                 "a line for each object: A added, D deleted, C changed, ! damaged");
+    app.add_flag("--contents", options.contents, "the same, and the lines that differ");
+}
+
 const Command kCommands[] = {
     {"info", "tells what a storage is and which states it holds", "tolvenar info Home.sav",
      AddInfoOptions, RunInfo},
@@ -61,6 +87,12 @@ const Command kCommands[] = {
      "tolvenar cat Home.sav@3 '/My Documents/letter.txt'", AddCatOptions, RunCat},
     {"find", "tells in which states an object is, and when it changed",
      "tolvenar find Home.sav '*letter*'", AddFindOptions, RunFind},
+    {"verify", "proves the journal, every block and all contents",
+     "tolvenar verify Home.sav && echo good", AddVerifyOptions, RunVerify},
+    {"extract", "copies the files of a state into a folder",
+     "tolvenar extract Home.sav@3 '/My Documents' -o rescued", AddExtractOptions, RunExtract},
+    {"diff", "tells what differs between two states",
+     "tolvenar diff Home.sav 2 3 --contents '/My Documents'", AddDiffOptions, RunDiff},
 };
 
 // The parser's own words for help and errors go where the console says.

@@ -16,12 +16,23 @@ struct Options {
     std::vector<std::string> patterns;  // of objects
     std::string object;                 // cat: its path
     bool is_long = false;               // ls: kind, size and time, too
-    bool raw = false;                   // cat: the bytes that are stored
+    bool all = false;                   // verify: what is whole, too
+    std::string folder = ".";           // extract: where the files go
+    bool dry_run = false;               // extract: tells what would be done
+    std::string older;                  // diff: the states
+    std::string newer;
+    bool simple = false;    // diff: the tree by documents and applications
+    bool flat = false;      // diff: one line for each object
+    bool contents = false;  // diff: what changed in them, too
+    bool raw = false;       // cat: the bytes that are stored
 };
 
 ExitCode RunInfo(const Options& options, Console& console);
 ExitCode RunList(const Options& options, Console& console);
 ExitCode RunCat(const Options& options, Console& console);
 ExitCode RunFind(const Options& options, Console& console);
+ExitCode RunVerify(const Options& options, Console& console);
+ExitCode RunExtract(const Options& options, Console& console);
+ExitCode RunDiff(const Options& options, Console& console);
 
 }  // namespace tolvenar::pc

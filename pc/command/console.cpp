@@ -1,8 +1,7 @@
 #include "pc/command/console.h"
 
-#include <unistd.h>
-
 #include <cerrno>
+#include <unistd.h>
 
 namespace tolvenar::pc {
 namespace {

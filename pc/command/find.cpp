@@ -10,22 +10,6 @@
 namespace tolvenar::pc {
 namespace {
 
-// "1 to 3, 5".
-std::string Ranges(const std::vector<std::uint16_t>& states) {
-    std::string text;
-    for (std::size_t i = 0; i < states.size();) {
-        std::size_t last = i;
-        while (last + 1 < states.size() && states[last + 1] == states[last] + 1) {
-            ++last;
-        }
-        text += text.empty() ? "" : ", ";
-        text += last == i ? fmt::format("{}", states[i])
-                          : fmt::format("{} to {}", states[i], states[last]);
-        i = last + 1;
-    }
-    return text.empty() ? "none" : text;
-}
-
 void Print(const History& history, std::uint16_t last_state, Console& console) {
     console.Line(Printable(history.path));
     for (const Version& version : history.versions) {
@@ -69,8 +53,9 @@ ExitCode RunFind(const Options& options, Console& console) {
         }
         list.Finish();
     } else {
+        const std::uint16_t last_state = found.states.empty() ? 0 : found.states.back();
         for (const History& history : found.objects) {
-            Print(history, found.states.back(), console);
+            Print(history, last_state, console);
         }
     }
     if (found.damaged_versions != 0) {

@@ -1,7 +1,6 @@
 // info: what a storage is, and the states that it holds.
-#include <fmt/format.h>
-
 #include <algorithm>
+#include <fmt/format.h>
 
 #include "pc/command/commands.h"
 #include "pc/command/json.h"
@@ -67,13 +66,13 @@ void PrintHead(const StoredPair& pair, Console& console) {
         console.Line(fmt::format("{:<12} {}", name, text));
     };
     row("Storage", fmt::format("{}, {} bytes", pair.files().sav, pair.sizes().storage));
-    row("Journal", fmt::format("{}, {} records",
-                               pair.reads_temporary() ? pair.files().temporary
-                                                      : pair.files().journal,
-                               pair.journal().CountRecords()));
+    row("Journal",
+        fmt::format("{}, {} records",
+                    pair.reads_temporary() ? pair.files().temporary : pair.files().journal,
+                    pair.journal().CountRecords()));
     row("Device", Printable(header.deviceName));
-    row("Processor", fmt::format("{} ({})", ToUtf8(ProcessorName(header.processorType)),
-                                 header.processorType));
+    row("Processor",
+        fmt::format("{} ({})", ToUtf8(ProcessorName(header.processorType)), header.processorType));
     row("System", fmt::format("Windows CE {}.{:02}", header.osMajor, header.osMinor));
     row("Created", LocalText(FileTime::Of(header.created_low, header.created_high)));
     if (header.description[0] != 0) {
@@ -99,8 +98,9 @@ void PrintStates(const StoredPair& pair, const StorageTotals& totals, Console& c
     console.Line(fmt::format("{:>5}  {:<19} {:>9} {:>8} {:>13}", "all", "", sum.added, sum.deleted,
                              sum.bytes));
     if (totals.unclaimed_bytes != 0) {
-        console.Line(fmt::format("Nothing refers to {} bytes: what an ended backup or a failed item left.",
-                                 totals.unclaimed_bytes));
+        console.Line(
+            fmt::format("Nothing refers to {} bytes: what an ended backup or a failed item left.",
+                        totals.unclaimed_bytes));
     }
 }
 

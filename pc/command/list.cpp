@@ -53,9 +53,7 @@ ExitCode RunList(const Options& options, Console& console) {
         each([&list](const StoredObject& object) { list.Add(JsonOf(object)); });
         list.Finish();
     } else {
-        each([&](const StoredObject& object) {
-            console.Line(LineOf(object, options.is_long));
-        });
+        each([&](const StoredObject& object) { console.Line(LineOf(object, options.is_long)); });
     }
     if (taken == 0 && !options.patterns.empty() && code == ExitCode::kDone) {
         throw Failure(ExitCode::kCannot, fmt::format("State {} has no such object", state));

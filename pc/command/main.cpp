@@ -1,7 +1,6 @@
 // The program's entry.
-#include <unistd.h>
-
 #include <csignal>
+#include <unistd.h>
 
 #include "pc/command/command_line.h"
 

@@ -10,9 +10,11 @@ Opened OpenAddress(const std::string& text, Console& console) {
         console.Tell("the journal is read from \"" + pair.files().temporary +
                      "\": saving it was stopped");
     }
-    if (pair.check().findings_in_list() != 0) {
-        console.Tell("the journal is damaged, so what belongs to which state is not certain: "
-                     "\"tolvenar verify\" tells more");
+    if (!pair.list_is_sound()) {
+        console.Tell(
+            "the journal is damaged, or lacks a record, so what belongs to which state is not "
+            "certain: "
+            "\"tolvenar verify\" tells more");
     }
     return opened;
 }
@@ -20,14 +22,14 @@ Opened OpenAddress(const std::string& text, Console& console) {
 std::unique_ptr<StoredPair> OpenWhole(const std::string& address, Console& console) {
     Opened opened = OpenAddress(address, console);
     if (!opened.state.empty()) {
-        throw Failure(ExitCode::kUsage, "this command looks at all states: leave \"@" +
-                                            opened.state + "\" away");
+        throw Failure(ExitCode::kUsage,
+                      "this command looks at all states: leave \"@" + opened.state + "\" away");
     }
     return std::move(opened.pair);
 }
 
 ExitCode ListVerdict(const StoredPair& pair) {
-    return pair.check().findings_in_list() != 0 ? ExitCode::kDamaged : ExitCode::kDone;
+    return pair.list_is_sound() ? ExitCode::kDone : ExitCode::kDamaged;
 }
 
 }  // namespace tolvenar::pc

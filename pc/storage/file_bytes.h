@@ -1,5 +1,5 @@
-// A file of this machine, read as bytes at an offset. It is read, not mapped: a bad sector of a card
-// fails one read instead of ending the program.
+// A file of this machine, read as bytes at an offset. It is read, not mapped: a bad sector of a
+// card fails one read instead of ending the program.
 #pragma once
 
 #include <cstdint>

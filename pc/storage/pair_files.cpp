@@ -1,8 +1,7 @@
 #include "pc/storage/pair_files.h"
 
-#include <strings.h>
-
 #include <filesystem>
+#include <strings.h>
 #include <system_error>
 
 #include "pc/text/failure.h"

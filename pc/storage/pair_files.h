@@ -7,8 +7,8 @@ namespace tolvenar::pc {
 
 struct PairFiles {
     std::string sav;
-    std::string journal;           // where it is, or would be
-    std::string temporary;         // what a save that was stopped leaves of it; may be absent
+    std::string journal;    // where it is, or would be
+    std::string temporary;  // what a save that was stopped leaves of it; may be absent
     bool has_journal = false;
     bool has_temporary = false;
 };

@@ -5,7 +5,6 @@
 #include <set>
 #include <tuple>
 
-
 namespace tolvenar::pc {
 namespace {
 
@@ -19,20 +18,17 @@ int GroupOf(const StoredObject& object) {
 // A key stands before its values, a database before its records, and both before what is below.
 auto OrderOf(const StoredObject& object) {
     const bool is_registry = IsRegistryObject(object.record);
-    return std::make_tuple(GroupOf(object), is_registry ? object.hive() : 0u,
-                           std::u16string_view(object.name),
-                           object.type() == ObjectType::kRegistryValue ||
-                               object.type() == ObjectType::kDatabaseRecord,
-                           std::u16string_view(object.value_name), object.record.dwOID,
-                           object.record.propOffset);
+    return std::make_tuple(
+        GroupOf(object), is_registry ? object.hive() : 0u, std::u16string_view(object.name),
+        object.type() == ObjectType::kRegistryValue || object.type() == ObjectType::kDatabaseRecord,
+        std::u16string_view(object.value_name), object.record.dwOID, object.record.propOffset);
 }
 
 std::set<std::uint32_t> OlderVersions(const StoredPair& pair, const ObjectList& state) {
     std::set<std::uint32_t> offsets;
-    const bool done =
-        pair.check().ForEachDouble(state, [&](const ObjectRecord& older, const ObjectRecord&) {
-            offsets.insert(older.propOffset);
-        });
+    const bool done = pair.check().ForEachDouble(
+        state,
+        [&](const ObjectRecord& older, const ObjectRecord&) { offsets.insert(older.propOffset); });
     if (!done) {
         throw std::bad_alloc();
     }
@@ -40,6 +36,8 @@ std::set<std::uint32_t> OlderVersions(const StoredPair& pair, const ObjectList& 
 }
 
 }  // namespace
+
+bool StandsBefore(const StoredObject& a, const StoredObject& b) { return OrderOf(a) < OrderOf(b); }
 
 std::vector<StoredObject> DescribeAll(StoredPair& pair, std::vector<ObjectRecord> records) {
     std::sort(records.begin(), records.end(), [](const ObjectRecord& a, const ObjectRecord& b) {
@@ -65,9 +63,8 @@ std::vector<StoredObject> ObjectsOf(StoredPair& pair, std::uint16_t state) {
         }
     }
     std::vector<StoredObject> objects = DescribeAll(pair, std::move(records));
-    std::sort(objects.begin(), objects.end(), [](const StoredObject& a, const StoredObject& b) {
-        return OrderOf(a) < OrderOf(b);
-    });
+    std::sort(objects.begin(), objects.end(),
+              [](const StoredObject& a, const StoredObject& b) { return OrderOf(a) < OrderOf(b); });
     return objects;
 }
 

@@ -8,9 +8,12 @@
 
 namespace tolvenar::pc {
 
-// Files by path, then the registry by key with the values of a key behind it, then databases with
-// their records, then what is damaged. Of two versions of one object, which a failed backup leaves,
-// the newer one. The state's own record is not among them.
+// The order of lists: files by path, then the registry by key with the values of a key behind it,
+// then databases with their records, then what is damaged.
+bool StandsBefore(const StoredObject& a, const StoredObject& b);
+
+// In that order. Of two versions of one object, which a failed backup leaves, the newer one. The
+// state's own record is not among them.
 std::vector<StoredObject> ObjectsOf(StoredPair& pair, std::uint16_t state);
 
 // Describes records, reading their blocks in the order of the storage file.

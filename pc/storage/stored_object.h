@@ -14,7 +14,7 @@ struct StoredObject {
     bool is_damaged = false;  // the block cannot be trusted: nothing below means anything
     std::u16string name;      // path of a file, path of a key, name of a database; empty for states
     std::u16string value_name;
-    std::uint32_t first = 0;   // the block's words: InfoBlockHead
+    std::uint32_t first = 0;  // the block's words: InfoBlockHead
     std::uint32_t second = 0;
     FileTime time;
     std::uint32_t data_bytes = 0;

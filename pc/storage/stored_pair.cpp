@@ -94,10 +94,11 @@ void StoredPair::LoadJournal() {
         sizes_.journal = 0;
     }
     if (journal_->CountRecords() == 0 && sizes_.storage > StorageHeaderBytesToRead(header_)) {
-        throw Failure(ExitCode::kDamaged,
-                      files_.journal + (files_.has_journal ? ": the journal is empty"
-                                                           : ": the journal is not there") +
-                          ", and without it nobody knows what \"" + files_.sav + "\" holds");
+        throw Failure(
+            ExitCode::kDamaged,
+            files_.journal +
+                (files_.has_journal ? ": the journal is empty" : ": the journal is not there") +
+                ", and without it nobody knows what \"" + files_.sav + "\" holds");
     }
 }
 
@@ -115,8 +116,8 @@ void StoredPair::CollectStates() {
             continue;
         }
         StateBlock block{};
-        const bool is_sound = check_.DamageOf(record) != Damage::kBlock &&
-                              ReadStateBlock(reader_, record, block);
+        const bool is_sound =
+            check_.DamageOf(record) != Damage::kBlock && ReadStateBlock(reader_, record, block);
         const auto made = is_sound ? FileTime::Of(block.time_low, block.time_high) : FileTime{};
         states_.push_back({record.state_number, &record, made,
                            is_sound ? block.description : std::u16string(), !is_sound});

@@ -45,6 +45,11 @@ public:
     InfoSource& info() { return info_; }
     ValueNames& value_names() { return value_names_; }
     const PairCheck& check() const { return check_; }
+    // False when what belongs to which state is not certain. A whole block that no record points to
+    // is what a failed item left, or an object whose record is lost.
+    bool list_is_sound() const {
+        return check_.findings_in_list() == 0 && check_.unclaimed().empty();
+    }
     // What the check said, a line for each finding.
     const std::vector<std::u16string>& findings() const { return findings_; }
 

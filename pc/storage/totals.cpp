@@ -32,9 +32,8 @@ StorageTotals CountTotals(StoredPair& pair) {
             ++totals.states[record.state_number].deleted;
         }
     }
-    std::sort(additions.begin(), additions.end(), [](const auto* a, const auto* b) {
-        return a->propOffset < b->propOffset;
-    });
+    std::sort(additions.begin(), additions.end(),
+              [](const auto* a, const auto* b) { return a->propOffset < b->propOffset; });
     std::uint64_t claimed_end = pair.sizes().storage_head;
     for (const ObjectRecord* record : additions) {
         StateTotals& state = totals.states[record->state_number];

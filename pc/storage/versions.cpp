@@ -10,18 +10,25 @@
 namespace tolvenar::pc {
 namespace {
 
-// By the place of a version's block.
-using Holders = std::map<std::uint32_t, std::vector<std::uint16_t>>;
-
 std::u16string Folded(std::u16string path) {
     std::transform(path.begin(), path.end(), path.begin(), Capital);
     return path;
 }
 
-// A key and a value, a folder and a file may be called alike at different times: one history each
-// of keys and values, one of what is a file now and a folder then.
+}  // namespace
+
 std::u16string IdentityOf(const StoredObject& object) {
     return Folded(PathOf(object)) + static_cast<char16_t>(object.type());
+}
+
+std::vector<std::uint16_t> StatesOf(const StoredPair& pair) {
+    std::vector<std::uint16_t> states;
+    for (std::uint32_t number = 1; number <= LastStoredState(&pair.journal()); ++number) {
+        if (HasState(pair.journal(), number)) {
+            states.push_back(static_cast<std::uint16_t>(number));
+        }
+    }
+    return states;
 }
 
 Holders FindHolders(StoredPair& pair, const std::vector<std::uint16_t>& states) {
@@ -45,15 +52,24 @@ std::vector<ObjectRecord> AdditionsOf(const ObjectList& journal) {
     return additions;
 }
 
-}  // namespace
+std::string Ranges(const std::vector<std::uint16_t>& states) {
+    std::string text;
+    for (std::size_t i = 0; i < states.size();) {
+        std::size_t last = i;
+        while (last + 1 < states.size() && states[last + 1] == states[last] + 1) {
+            ++last;
+        }
+        text += text.empty() ? "" : ", ";
+        text += last == i ? std::to_string(states[i])
+                          : std::to_string(states[i]) + " to " + std::to_string(states[last]);
+        i = last + 1;
+    }
+    return text.empty() ? "none" : text;
+}
 
 Histories FindHistories(StoredPair& pair, const ObjectFilter& filter) {
     Histories found;
-    for (std::uint32_t number = 1; number <= LastStoredState(&pair.journal()); ++number) {
-        if (HasState(pair.journal(), number)) {
-            found.states.push_back(static_cast<std::uint16_t>(number));
-        }
-    }
+    found.states = StatesOf(pair);
     Holders holders = FindHolders(pair, found.states);
     std::map<std::u16string, History> by_identity;
     // In the order of the storage file, which is that of their age.
@@ -71,6 +87,9 @@ Histories FindHistories(StoredPair& pair, const ObjectFilter& filter) {
     for (auto& [identity, history] : by_identity) {
         found.objects.push_back(std::move(history));
     }
+    std::sort(found.objects.begin(), found.objects.end(), [](const History& a, const History& b) {
+        return StandsBefore(a.versions.back().object, b.versions.back().object);
+    });
     return found;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -9,6 +10,23 @@
 #include "pc/storage/stored_object.h"
 
 namespace tolvenar::pc {
+
+// The numbers of the states that can be rebuilt, in order.
+std::vector<std::uint16_t> StatesOf(const StoredPair& pair);
+
+// The states that hold a version, by the place of its block.
+using Holders = std::map<std::uint32_t, std::vector<std::uint16_t>>;
+Holders FindHolders(StoredPair& pair, const std::vector<std::uint16_t>& states);
+
+// The records of every stored version of an object; the states' own are not among them.
+std::vector<ObjectRecord> AdditionsOf(const ObjectList& journal);
+
+// "1 to 3, 5"; "none".
+std::string Ranges(const std::vector<std::uint16_t>& states);
+
+// What tells one object from another whatever its version: kind and path, in letters that stand for
+// either case. A record of a device that was restored has another id, and so is another one.
+std::u16string IdentityOf(const StoredObject& object);
 
 struct Version {
     StoredObject object;
@@ -22,9 +40,9 @@ struct History {
 };
 
 struct Histories {
-    std::vector<History> objects;      // in the order of their paths
-    std::vector<std::uint16_t> states; // of the storage
-    std::size_t damaged_versions = 0;  // whose names nobody knows
+    std::vector<History> objects;       // in the order of lists
+    std::vector<std::uint16_t> states;  // of the storage
+    std::size_t damaged_versions = 0;   // whose names nobody knows
 };
 
 Histories FindHistories(StoredPair& pair, const ObjectFilter& filter);

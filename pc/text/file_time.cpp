@@ -1,9 +1,8 @@
 #include "pc/text/file_time.h"
 
-#include <fmt/format.h>
-
 #include <cstdio>
 #include <ctime>
+#include <fmt/format.h>
 
 namespace tolvenar::pc {
 namespace {
@@ -47,10 +46,9 @@ std::optional<FileTime> ParseLocalTime(const std::string& text) {
     int day_end = 0;
     int minute_end = 0;
     int end = 0;
-    const int taken =
-        std::sscanf(text.c_str(), "%4d-%2d-%2d%n%c%2d:%2d%n:%2d%n", &parts.tm_year, &parts.tm_mon,
-                    &parts.tm_mday, &day_end, &between, &parts.tm_hour, &parts.tm_min, &minute_end,
-                    &parts.tm_sec, &end);
+    const int taken = std::sscanf(text.c_str(), "%4d-%2d-%2d%n%c%2d:%2d%n:%2d%n", &parts.tm_year,
+                                  &parts.tm_mon, &parts.tm_mday, &day_end, &between, &parts.tm_hour,
+                                  &parts.tm_min, &minute_end, &parts.tm_sec, &end);
     const int used = taken == 3 ? day_end : taken == 6 ? minute_end : taken == 7 ? end : -1;
     if (used < 0 || static_cast<std::size_t>(used) != text.size() ||
         (between != ' ' && between != 'T')) {

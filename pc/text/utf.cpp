@@ -1,7 +1,6 @@
 #include "pc/text/utf.h"
 
 #include <fmt/format.h>
-
 #include <iterator>
 
 namespace tolvenar::pc {
@@ -22,9 +21,7 @@ char32_t NextCharacter(std::u16string_view units, std::size_t& place) {
     return 0x10000u + ((unit - 0xD800u) << 10) + (low - 0xDC00u);
 }
 
-constexpr bool IsSurrogate(char32_t character) {
-    return character >= 0xD800 && character < 0xE000;
-}
+constexpr bool IsSurrogate(char32_t character) { return character >= 0xD800 && character < 0xE000; }
 
 void AppendUtf8(std::string& text, char32_t character) {
     const auto byte = [&text](char32_t value) { text += static_cast<char>(value); };

@@ -1,7 +1,6 @@
 // The command line, and the program as a process.
-#include <sys/wait.h>
-
 #include <cstdlib>
+#include <sys/wait.h>
 
 #include "tests/pc/pc_test.h"
 
@@ -37,7 +36,7 @@ TEST_F(CommandLineTest, WrongUsageIsCodeTwo) {
 TEST_F(CommandLineTest, EveryCommandHasHelpWithAnExample) {
     const Result all = Run({"--help"});
     EXPECT_EQ(0, all.code);
-    for (const char* command : {"info", "ls", "cat", "find"}) {
+    for (const char* command : {"info", "ls", "cat", "find", "verify", "extract", "diff"}) {
         EXPECT_NE(std::string::npos, all.out.find(command)) << command;
         const Result help = Run({command, "--help"});
         EXPECT_EQ(0, help.code);

@@ -121,7 +121,8 @@ TEST_F(CatTest, ShowsValuesAndRecordsAsText) {
 TEST_F(CatTest, RawGivesTheStoredBytes) {
     EXPECT_EQ(Terminated(u"Courier"),
               Run({"cat", "--raw", "HOME", "hkcu\\software\\notes\\\\font"}).out);
-    EXPECT_EQ(Property(0x00020003, 7), Run({"cat", "--raw", "HOME@1", "db:contacts database#33"}).out);
+    EXPECT_EQ(Property(0x00020003, 7),
+              Run({"cat", "--raw", "HOME@1", "db:contacts database#33"}).out);
     EXPECT_EQ("54006100", RunJson({"cat", "HOME@1", "HKCU\\Software\\Notes\\\\Font"})["data"]
                               .get<std::string>()
                               .substr(0, 8));
@@ -130,7 +131,8 @@ TEST_F(CatTest, RawGivesTheStoredBytes) {
 TEST_F(CatTest, EveryTypeOfValueFitsItsText) {
     pair.BeginState();
     pair.AddValue(u"Software\\Notes", u"Bytes", RandomBytes(5000, 2), 3);
-    pair.AddValue(u"Software\\Notes", u"List", Terminated(u"a\n\n\nb") + Terminated(u"c") + Half(0), 7);
+    pair.AddValue(u"Software\\Notes", u"List", Terminated(u"a\n\n\nb") + Terminated(u"c") + Half(0),
+                  7);
     pair.AddValue(u"Software\\Notes", u"Number", Word(258), 4);
     Save();
     EXPECT_EQ(15000u, Run({"cat", "HOME", "HKCU\\Software\\Notes\\\\Bytes"}).out.size());
@@ -176,9 +178,7 @@ TEST_F(FindTest, JsonHasTheStatesOfEachVersion) {
     EXPECT_EQ((std::vector<int>{2, 3}), versions[1]["states"].get<std::vector<int>>());
 }
 
-TEST_F(FindTest, NothingFoundIsToldByTheCode) {
-    EXPECT_EQ(1, Run({"find", "HOME", "*.doc"}).code);
-}
+TEST_F(FindTest, NothingFoundIsToldByTheCode) { EXPECT_EQ(1, Run({"find", "HOME", "*.doc"}).code); }
 
 TEST_F(FindTest, ADamagedVersionIsTold) {
     pair.sav[pair.sav.find(Units(u"notes.txt"))] ^= 1;

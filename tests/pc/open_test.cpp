@@ -22,7 +22,8 @@ TEST_F(OpenTest, OnlyAFinalExtensionIsCut) {
     Write("Home.sav.old.sav", pair.sav);
     Write("Home.sav.old.jrn", pair.JournalBytes());
     EXPECT_EQ(0, Open("Home.sav.old"));
-    EXPECT_NE(std::string::npos, Run({"info", In("Home.sav.old.sav")}).out.find("Home.sav.old.sav"));
+    EXPECT_NE(std::string::npos,
+              Run({"info", In("Home.sav.old.sav")}).out.find("Home.sav.old.sav"));
 }
 
 TEST_F(OpenTest, NamesOfACardMayBeInAnyCase) {
@@ -101,7 +102,7 @@ TEST_F(OpenTest, AnotherFamilyOrANewerRevisionIsNoStorage) {
 TEST_F(OpenTest, NothingIsWrittenToTheStorageOrItsFolder) {
     ::chmod(In("Home.sav").c_str(), 0444);
     ::chmod(In("").c_str(), 0555);
-    for (const char* command : {"info", "ls"}) {
+    for (const char* command : {"info", "ls", "verify"}) {
         EXPECT_EQ(0, Run({command, "HOME"}).code) << command;
     }
     ::chmod(In("").c_str(), 0755);

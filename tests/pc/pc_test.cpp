@@ -62,8 +62,7 @@ ThreeStatesTest::ThreeStatesTest() {
     const ObjectRecord letter = pair.AddFile(u"\\My Documents\\letter.txt", "Dear Ann", 0x11);
     const ObjectRecord notes = pair.AddFile(u"\\My Documents\\notes.txt", "milk", 0x12);
     pair.AddKey(u"Software\\Notes");
-    const ObjectRecord font =
-        pair.AddValue(u"Software\\Notes", u"Font", Terminated(u"Tahoma"), 1);
+    const ObjectRecord font = pair.AddValue(u"Software\\Notes", u"Font", Terminated(u"Tahoma"), 1);
     pair.AddDatabase(u"Contacts Database", 0x20);
     const ObjectRecord contact = pair.AddRecord(u"Contacts Database", 7, 0x21);
 

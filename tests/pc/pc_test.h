@@ -1,9 +1,8 @@
 // A storage made by hand in a folder of its own, and the program's commands over it.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
+#include <gtest/gtest.h>
 #include <string>
 #include <vector>
 

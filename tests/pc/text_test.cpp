@@ -1,7 +1,6 @@
 // The PC's text: UTF-16 and UTF-8, times, patterns.
-#include <gtest/gtest.h>
-
 #include <ctime>
+#include <gtest/gtest.h>
 
 #include "pc/text/file_time.h"
 #include "pc/text/utf.h"
@@ -20,7 +19,10 @@ TEST(Utf, TextOfEveryLengthComesBack) {
 TEST(Utf, ALoneSurrogateIsToldAndKeptExactly) {
     const std::u16string units = {u'a', 0xD800, u'b', 0xDC00};
     EXPECT_FALSE(IsWellFormed(units));
-    EXPECT_EQ("a\xEF\xBF\xBD" "b\xEF\xBF\xBD", ToUtf8(units));
+    EXPECT_EQ(
+        "a\xEF\xBF\xBD"
+        "b\xEF\xBF\xBD",
+        ToUtf8(units));
     EXPECT_EQ("0061d8000062dc00", ExactUnits(units));
     EXPECT_EQ("a<U+D800>b<U+DC00>", Printable(units));
 }
@@ -28,10 +30,11 @@ TEST(Utf, ALoneSurrogateIsToldAndKeptExactly) {
 TEST(Utf, BytesThatAreNoTextBecomeReplacements) {
     const std::u16string bad = u"\uFFFD";
     EXPECT_EQ(bad, ToUtf16("\xFF"));
-    EXPECT_EQ(bad + bad, ToUtf16("\xC0\x80"));          // too long a form
+    EXPECT_EQ(bad + bad, ToUtf16("\xC0\x80"));            // too long a form
     EXPECT_EQ(bad + bad + bad, ToUtf16("\xED\xA0\x80"));  // a surrogate
-    EXPECT_EQ(bad, ToUtf16("\xE2"));                    // cut
-    EXPECT_EQ(bad + u"a", ToUtf16("\xE2" "a"));
+    EXPECT_EQ(bad, ToUtf16("\xE2"));                      // cut
+    EXPECT_EQ(bad + u"a", ToUtf16("\xE2"
+                                  "a"));
     EXPECT_EQ(bad + bad + bad + bad, ToUtf16("\xF4\x90\x80\x80"));  // too large
 }
 

@@ -26,6 +26,10 @@ public:
     ObjectRecord AddFile(const Text& path, const Bytes& contents, std::uint32_t dwOID) {
         return Store(kFile, 0x20, 0, path, contents, !contents.empty(), dwOID);
     }
+    // A file of the ROM that a state tells of: its contents are not stored.
+    ObjectRecord AddRomFile(const Text& path, std::uint32_t dwOID) {
+        return Store(kFile, 0x40, 0, path, "", false, dwOID, 0);
+    }
     ObjectRecord AddFolder(const Text& path, std::uint32_t dwOID) {
         return Store(kFile, 0x10, 0, path, "", false, dwOID, 0);
     }
