@@ -11,6 +11,7 @@
 #include "pc/storage/object_data.h"
 #include "pc/storage/object_filter.h"
 #include "pc/storage/state_objects.h"
+#include "pc/text/hex.h"
 #include "snapshot/text/letter_case.h"
 
 namespace tolvenar::pc {
@@ -40,14 +41,6 @@ const char* NothingIn(const StoredObject& object) {
     }
 }
 
-std::string HexOf(const std::vector<std::uint8_t>& data) {
-    std::string digits;
-    for (const std::uint8_t byte : data) {
-        digits += fmt::format("{:02x}", byte);
-    }
-    return digits;
-}
-
 }  // namespace
 
 ExitCode RunCat(const Options& options, Console& console) {
@@ -64,7 +57,8 @@ ExitCode RunCat(const Options& options, Console& console) {
     }
     if (options.json) {
         Json json = JsonOf(object);
-        json["data"] = HexOf(ReadData(pair, object));
+        const std::vector<std::uint8_t> data = ReadData(pair, object);
+        json["data"] = HexOf({reinterpret_cast<const char*>(data.data()), data.size()});
         console.Line(json.dump());
     } else if (options.raw || object.type() == ObjectType::kFile) {
         const bool is_whole = StreamData(pair, object, [&console](std::string_view bytes) {

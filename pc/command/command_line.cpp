@@ -31,42 +31,48 @@ struct Command {
 
 void AddStorage(CLI::App& app, Options& options, const char* help) {
     app.add_option("STORAGE", options.storage, help)->required();
+}
+
+void AddStorageAndJson(CLI::App& app, Options& options, const char* help) {
+    AddStorage(app, options, help);
     app.add_flag("--json", options.json, "the result as JSON");
 }
 
-void AddInfoOptions(CLI::App& app, Options& options) { AddStorage(app, options, kStorageHelp); }
+void AddInfoOptions(CLI::App& app, Options& options) {
+    AddStorageAndJson(app, options, kStorageHelp);
+}
 
 void AddListOptions(CLI::App& app, Options& options) {
-    AddStorage(app, options, kAddressHelp);
+    AddStorageAndJson(app, options, kAddressHelp);
     app.add_option("PATTERN", options.patterns, kPatternHelp);
     app.add_flag("-l,--long", options.is_long, "kind, size and time, too");
 }
 
 void AddCatOptions(CLI::App& app, Options& options) {
-    AddStorage(app, options, kAddressHelp);
+    AddStorageAndJson(app, options, kAddressHelp);
     app.add_option("OBJECT", options.object, "its path, as ls tells it")->required();
     app.add_flag("--raw", options.raw, "of a value or record the bytes as they are stored");
 }
 
 void AddFindOptions(CLI::App& app, Options& options) {
-    AddStorage(app, options, kStorageHelp);
+    AddStorageAndJson(app, options, kStorageHelp);
     app.add_option("PATTERN", options.patterns, kPatternHelp)->required();
 }
 
 void AddVerifyOptions(CLI::App& app, Options& options) {
-    AddStorage(app, options, kStorageHelp);
+    AddStorageAndJson(app, options, kStorageHelp);
     app.add_flag("--all", options.all, "tells of every object, not of the damaged ones alone");
 }
 
 void AddExtractOptions(CLI::App& app, Options& options) {
-    AddStorage(app, options, kAddressHelp);
+    AddStorageAndJson(app, options, kAddressHelp);
     app.add_option("PATTERN", options.patterns, kPatternHelp);
     app.add_option("-o,--output", options.folder, "the folder, made when it is not there");
     app.add_flag("--dry-run", options.dry_run, "writes nothing and tells what would be written");
 }
 
 void AddDiffOptions(CLI::App& app, Options& options) {
-    AddStorage(app, options, kStorageHelp);
+    AddStorageAndJson(app, options, kStorageHelp);
     app.add_option("OLDER", options.older, "a state, or 0 for nothing at all")->required();
     app.add_option("NEWER", options.newer, "a state")->required();
     app.add_option(
@@ -76,6 +82,16 @@ void AddDiffOptions(CLI::App& app, Options& options) {
     app.add_flag("--flat", options.flat,
                  "a line for each object: A added, D deleted, C changed, ! damaged");
     app.add_flag("--contents", options.contents, "the same, and the lines that differ");
+}
+
+void AddExportOptions(CLI::App& app, Options& options) {
+    AddStorage(app, options, kAddressHelp);
+    app.add_option("FORM", options.form,
+                   "reg: the registry as a .reg file of version 5; json: databases with every "
+                   "property; csv: one database as a table")
+        ->required();
+    app.add_option("PATTERN", options.patterns, kPatternHelp);
+    app.add_option("-o,--output", options.file, "the file, which must not be there yet");
 }
 
 const Command kCommands[] = {
@@ -93,6 +109,9 @@ const Command kCommands[] = {
      "tolvenar extract Home.sav@3 '/My Documents' -o rescued", AddExtractOptions, RunExtract},
     {"diff", "tells what differs between two states",
      "tolvenar diff Home.sav 2 3 --contents '/My Documents'", AddDiffOptions, RunDiff},
+    {"export", "gives registry and databases to other programs",
+     "tolvenar export Home.sav@3 csv 'db:Contacts Database' -o contacts.csv", AddExportOptions,
+     RunExport},
 };
 
 // The parser's own words for help and errors go where the console says.

@@ -24,6 +24,8 @@ struct Options {
     bool simple = false;    // diff: the tree by documents and applications
     bool flat = false;      // diff: one line for each object
     bool contents = false;  // diff: what changed in them, too
+    std::string form;       // export
+    std::string file;       // export: nothing for the output
     bool raw = false;       // cat: the bytes that are stored
 };
 
@@ -34,5 +36,6 @@ ExitCode RunFind(const Options& options, Console& console);
 ExitCode RunVerify(const Options& options, Console& console);
 ExitCode RunExtract(const Options& options, Console& console);
 ExitCode RunDiff(const Options& options, Console& console);
+ExitCode RunExport(const Options& options, Console& console);
 
 }  // namespace tolvenar::pc

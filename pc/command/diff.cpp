@@ -105,10 +105,9 @@ void PrintText(StoredPair& pair, const Compared& compared, const Options& option
 
 ExitCode RunDiff(const Options& options, Console& console) {
     const std::unique_ptr<StoredPair> pair = OpenWhole(options.storage, console);
-    Compared compared{StateOrNothing(*pair, options.older), StateOrNothing(*pair, options.newer),
-                      {}, {}};
-    const std::unique_ptr<ObjectList> list =
-        FindDifferences(*pair, compared.older, compared.newer);
+    Compared compared{
+        StateOrNothing(*pair, options.older), StateOrNothing(*pair, options.newer), {}, {}};
+    const std::unique_ptr<ObjectList> list = FindDifferences(*pair, compared.older, compared.newer);
     const ObjectFilter filter(options.patterns);
     ExitCode code = ListVerdict(*pair);
     for (Change& change : ChangesOf(*pair, *list)) {

@@ -1,9 +1,8 @@
 #include "pc/command/difference_tree.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <deque>
+#include <fmt/format.h>
 #include <new>
 
 #include "difftree/model/difference_tree.h"
@@ -87,8 +86,8 @@ private:
     // A path has few components: the depth is bounded.
     static void AddLines(const Item& item, std::vector<TreeLine>& lines) {
         const NodeRecord& node = *item.record;
-        lines.push_back({item.text, node.added, node.deleted, node.both, node.group_mark != 0,
-                         node.depth});
+        lines.push_back(
+            {item.text, node.added, node.deleted, node.both, node.group_mark != 0, node.depth});
         for (const Item* child : item.children) {
             AddLines(*child, lines);
         }
@@ -113,8 +112,7 @@ Json ItemOf(const std::vector<TreeLine>& tree, std::size_t& place) {
 
 }  // namespace
 
-std::vector<TreeLine> BuildTree(StoredPair& pair, const ObjectList& differences,
-                                bool is_advanced) {
+std::vector<TreeLine> BuildTree(StoredPair& pair, const ObjectList& differences, bool is_advanced) {
     const FailureTable no_failures;
     NoDevice device;
     NoContents contents;
@@ -135,7 +133,8 @@ std::string LineOf(const TreeLine& line) {
     }
     std::string counts;
     const auto add = [&counts](const char* mark, std::uint32_t number) {
-        counts += number == 0 ? "" : fmt::format("{}{}{}", counts.empty() ? "" : ", ", mark, number);
+        counts +=
+            number == 0 ? "" : fmt::format("{}{}{}", counts.empty() ? "" : ", ", mark, number);
     };
     add("+", line.added);
     add("-", line.deleted);

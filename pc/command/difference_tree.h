@@ -12,10 +12,10 @@ namespace tolvenar::pc {
 // An item of the tree, named as the device names it.
 struct TreeLine {
     std::u16string caption;
-    std::uint32_t added;    // changed objects below it
+    std::uint32_t added;  // changed objects below it
     std::uint32_t deleted;
     std::uint32_t both;
-    bool has_counts;        // a category or a group
+    bool has_counts;  // a category or a group
     std::size_t depth;
 };
 

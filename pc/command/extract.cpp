@@ -1,6 +1,5 @@
 // extract: the files of a state into a folder.
 #include <fmt/format.h>
-
 #include <optional>
 
 #include "pc/command/commands.h"
@@ -81,8 +80,7 @@ void Extract(StoredPair& pair, Item& item, FolderWriter* writer) {
         });
 }
 
-void ExtractAll(StoredPair& pair, std::vector<Item>& plan, FolderWriter* writer,
-                Console& console) {
+void ExtractAll(StoredPair& pair, std::vector<Item>& plan, FolderWriter* writer, Console& console) {
     const InterruptWatch watch;
     ProgressLine progress(console, "extract", BytesOf(plan));
     for (Item& item : plan) {

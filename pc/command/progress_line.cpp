@@ -1,8 +1,7 @@
 #include "pc/command/progress_line.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
+#include <fmt/format.h>
 
 namespace tolvenar::pc {
 namespace {
@@ -33,8 +32,7 @@ void ProgressLine::Add(std::uint64_t bytes, Clock::time_point now) {
     is_shown_ = true;
     const double seconds = std::chrono::duration<double>(now - begin_).count();
     const double rate = static_cast<double>(done_) / seconds;
-    const double left =
-        static_cast<double>(total_ - std::min(total_, done_)) / std::max(rate, 1.0);
+    const double left = static_cast<double>(total_ - std::min(total_, done_)) / std::max(rate, 1.0);
     const double part = total_ == 0 ? 1 : static_cast<double>(done_) / static_cast<double>(total_);
     console_.err.Write(fmt::format("\r{}: {:.0f} %, {:.1f} MB/s, {:.0f} s left\x1b[K", what_,
                                    100 * std::min(part, 1.0), rate / kMega, left));

@@ -1,6 +1,5 @@
 // verify: the check of the device's program, and beyond it every content.
 #include <fmt/format.h>
-
 #include <map>
 
 #include "pc/command/commands.h"
@@ -127,9 +126,10 @@ void PrintText(const StoredPair& pair, const Judgement& judgement, bool all, Con
         console.Line(Printable(line));
     }
     for (const UnclaimedBlock& block : pair.check().unclaimed()) {
-        console.Line(fmt::format("at {} stands a whole block of no state: a failed item of the "
-                                 "backup after state {}, or an object whose record is lost",
-                                 block.offset, block.state));
+        console.Line(
+            fmt::format("at {} stands a whole block of no state: a failed item of the "
+                        "backup after state {}, or an object whose record is lost",
+                        block.offset, block.state));
     }
     for (const Judged& judged : judgement.objects) {
         if (all || judged.damage != nullptr) {

@@ -23,8 +23,7 @@ std::unique_ptr<ObjectList> FindDifferences(StoredPair& pair, std::uint16_t olde
     const std::unique_ptr<ObjectList> from = StateOrNothing(pair, older);
     const std::unique_ptr<ObjectList> to = StateOrNothing(pair, newer);
     std::unique_ptr<ObjectList> differences = ObjectList::CreateList();
-    if (differences == nullptr ||
-        !FindChanges(from.get(), to.get(), *differences, pair.info())) {
+    if (differences == nullptr || !FindChanges(from.get(), to.get(), *differences, pair.info())) {
         throw std::bad_alloc();
     }
     PruneDifferences(*differences, kBackupPruning, pair.info());

@@ -1,14 +1,13 @@
 #include "pc/storage/folder_writer.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <fcntl.h>
 #include <filesystem>
+#include <sys/stat.h>
 #include <system_error>
+#include <unistd.h>
 
 #include "pc/text/failure.h"
 
@@ -72,8 +71,7 @@ std::string FolderWriter::OpenFolder(const std::vector<std::string>& components,
     }
     int current = ::dup(root_);
     for (const std::string& component : components) {
-        const bool is_there =
-            ::mkdirat(current, component.c_str(), 0777) == 0 || errno == EEXIST;
+        const bool is_there = ::mkdirat(current, component.c_str(), 0777) == 0 || errno == EEXIST;
         const int below = is_there ? ::openat(current, component.c_str(),
                                               O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC)
                                    : -1;

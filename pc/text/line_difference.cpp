@@ -1,9 +1,8 @@
 #include "pc/text/line_difference.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <cstdint>
+#include <fmt/format.h>
 
 namespace tolvenar::pc {
 namespace {
@@ -23,13 +22,11 @@ class CommonLengths {
 public:
     CommonLengths(const Lines& a, const Lines& b, std::size_t begin, std::size_t a_end,
                   std::size_t b_end)
-        : begin_(begin),
-          columns_(b_end - begin + 1),
-          lengths_((a_end - begin + 1) * columns_) {
+        : begin_(begin), columns_(b_end - begin + 1), lengths_((a_end - begin + 1) * columns_) {
         for (std::size_t i = a_end; i-- > begin;) {
             for (std::size_t j = b_end; j-- > begin;) {
-                At(i, j) = a[i] == b[j] ? At(i + 1, j + 1) + 1
-                                        : std::max(At(i + 1, j), At(i, j + 1));
+                At(i, j) =
+                    a[i] == b[j] ? At(i + 1, j + 1) + 1 : std::max(At(i + 1, j), At(i, j + 1));
             }
         }
     }
@@ -115,9 +112,7 @@ struct Range {
     std::size_t first = 1;  // counted from 1
     std::size_t count = 0;
 
-    std::string Text() const {
-        return fmt::format("{},{}", count == 0 ? first - 1 : first, count);
-    }
+    std::string Text() const { return fmt::format("{},{}", count == 0 ? first - 1 : first, count); }
 };
 
 }  // namespace

@@ -20,8 +20,8 @@ constexpr char kFlips[] = {0x01, static_cast<char>(0x80), static_cast<char>(0xFF
 using Contents = std::map<std::string, Bytes>;
 using States = std::map<int, Contents>;
 
-// The id of a record is in the journal alone, of a record's number some bytes mean nothing, and of a
-// database's data no checksum is kept: nothing could prove them.
+// The id of a record is in the journal alone, of a record's number some bytes mean nothing, and of
+// a database's data no checksum is kept: nothing could prove them.
 std::string NameOf(const StoredObject& object) {
     return object.type() == ObjectType::kDatabaseRecord ? ToUtf8(object.name) + "#"
                                                         : ToUtf8(PathOf(object));
@@ -32,9 +32,8 @@ Bytes MeantBytes(StoredPair& pair, const StoredObject& object) {
     }
     const std::vector<std::uint8_t> data = ReadData(pair, object);
     const Bytes bytes(data.begin(), data.end());
-    return object.type() == ObjectType::kDatabaseRecord
-               ? bytes.substr(0, 4) + bytes.substr(6, 6)
-               : bytes;
+    return object.type() == ObjectType::kDatabaseRecord ? bytes.substr(0, 4) + bytes.substr(6, 6)
+                                                        : bytes;
 }
 
 class PcDamageTest : public ThreeStatesTest {
@@ -83,6 +82,11 @@ protected:
             {"find", "HOME", "*"},
             {"cat", "HOME@2", "/My Documents/letter.txt"},
             {"extract", "HOME@2", "--dry-run"},
+            {"diff", "HOME", "1", "3", "--contents"},
+            {"diff", "HOME", "0", "2"},
+            {"export", "HOME@2", "reg"},
+            {"export", "HOME@1", "json"},
+            {"export", "HOME@1", "csv"},
         };
         Run(commands[number % commands.size()]);
     }

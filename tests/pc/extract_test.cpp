@@ -1,7 +1,6 @@
 // extract: what comes out, and that a hostile storage reaches nothing outside the folder.
-#include <sys/stat.h>
-
 #include <csignal>
+#include <sys/stat.h>
 
 #include "pc/command/interrupt.h"
 #include "pc/storage/folder_writer.h"
@@ -112,16 +111,14 @@ TEST_F(ExtractTest, AFileWithADamagedBlockIsTold) {
     EXPECT_EQ("Dear Ann, bye", Read("out/My Documents/letter.txt"));
 }
 
-TEST_F(ExtractTest, UpwardPathsStayInside) {
-    EXPECT_EQ("__/__/x", PlaceOf(u"\\..\\..\\x"));
-}
+TEST_F(ExtractTest, UpwardPathsStayInside) { EXPECT_EQ("__/__/x", PlaceOf(u"\\..\\..\\x")); }
 TEST_F(ExtractTest, ADotIsAName) { EXPECT_EQ("_/x", PlaceOf(u"\\.\\x")); }
 TEST_F(ExtractTest, DoubledRootsStayInside) { EXPECT_EQ("_/etc/x", PlaceOf(u"\\\\etc\\x")); }
 TEST_F(ExtractTest, SlashesArePartOfAName) { EXPECT_EQ("_etc_x", PlaceOf(u"/etc/x")); }
-TEST_F(ExtractTest, DrivesAndStreamsArePartOfAName) {
-    EXPECT_EQ("C_/x_y", PlaceOf(u"\\C:\\x:y"));
+TEST_F(ExtractTest, DrivesAndStreamsArePartOfAName) { EXPECT_EQ("C_/x_y", PlaceOf(u"\\C:\\x:y")); }
+TEST_F(ExtractTest, NamesOfDevicesAreNone) {
+    EXPECT_EQ("_CON/_nul.txt", PlaceOf(u"\\CON\\nul.txt"));
 }
-TEST_F(ExtractTest, NamesOfDevicesAreNone) { EXPECT_EQ("_CON/_nul.txt", PlaceOf(u"\\CON\\nul.txt")); }
 TEST_F(ExtractTest, DotsAndBlanksAtTheEndStay) { EXPECT_EQ("a__/b_", PlaceOf(u"\\a. \\b.")); }
 TEST_F(ExtractTest, ControlCharactersGo) { EXPECT_EQ("a_b_c", PlaceOf(u"\\a\nb\u202ec")); }
 TEST_F(ExtractTest, AnEmptyNameIsNone) { EXPECT_EQ("_", PlaceOf(u"\\")); }

@@ -1,0 +1,36 @@
+// The forms in which a state's objects are handed to other programs.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "pc/command/console.h"
+#include "pc/storage/stored_object.h"
+#include "pc/text/failure.h"
+
+namespace tolvenar::pc {
+
+// What an export leaves out, told as it is met.
+class Omissions {
+public:
+    explicit Omissions(Console& console) : console_(console) {}
+
+    void Add(const StoredObject& object, const char* why, ExitCode code);
+    ExitCode code() const { return code_; }
+
+private:
+    Console& console_;
+    ExitCode code_ = ExitCode::kDone;
+};
+
+// Each gives the bytes of a file of what is of its kind among `objects`, which are whole but for
+// their data and in the order of lists.
+std::string ExportRegistry(StoredPair& pair, const std::vector<StoredObject>& objects,
+                           Omissions& omissions);
+std::string ExportDatabases(StoredPair& pair, const std::vector<StoredObject>& objects,
+                            Omissions& omissions);
+// A table of one database. A Failure when there are several.
+std::string ExportTable(StoredPair& pair, const std::vector<StoredObject>& objects,
+                        Omissions& omissions);
+
+}  // namespace tolvenar::pc
