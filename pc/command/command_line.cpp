@@ -94,6 +94,18 @@ void AddExportOptions(CLI::App& app, Options& options) {
     app.add_option("-o,--output", options.file, "the file, which must not be there yet");
 }
 
+void AddTrimOptions(CLI::App& app, Options& options) {
+    AddStorageAndJson(app, options, kStorageHelp);
+    app.add_option("-o,--output", options.file, "the common name of the new pair")->required();
+    app.add_option("--keep", options.keep.states, "these states, with commas between")
+        ->delimiter(',');
+    app.add_option("--keep-last", options.keep.last, "so many newest states");
+    app.add_option("--keep-daily", options.keep.daily,
+                   "the last state of each of so many newest days that have one");
+    app.add_option("--keep-monthly", options.keep.monthly, "the same of months");
+    app.add_flag("--dry-run", options.dry_run, "writes nothing and tells what would be kept");
+}
+
 const Command kCommands[] = {
     {"info", "tells what a storage is and which states it holds", "tolvenar info Home.sav",
      AddInfoOptions, RunInfo},
@@ -112,6 +124,9 @@ const Command kCommands[] = {
     {"export", "gives registry and databases to other programs",
      "tolvenar export Home.sav@3 csv 'db:Contacts Database' -o contacts.csv", AddExportOptions,
      RunExport},
+    {"trim", "makes a new storage with only some of the states",
+     "tolvenar trim Home.sav --keep-daily 7 --keep-monthly 12 -o small/Home", AddTrimOptions,
+     RunTrim},
 };
 
 // The parser's own words for help and errors go where the console says.

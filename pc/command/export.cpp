@@ -1,7 +1,6 @@
 // export: a state's registry and databases as files that other programs take.
-#include <fmt/format.h>
-
 #include <filesystem>
+#include <fmt/format.h>
 
 #include "pc/command/commands.h"
 #include "pc/command/exports.h"
@@ -38,9 +37,9 @@ void WriteOut(const std::string& bytes, const std::string& file, Console& consol
     }
     const std::filesystem::path path(file);
     FolderWriter writer(path.has_parent_path() ? path.parent_path().string() : ".");
-    const std::string failure = writer.WriteFile(
-        {path.filename().string()}, {},
-        [&bytes](const FolderWriter::Take& take) { return take(bytes); });
+    const std::string failure =
+        writer.WriteFile({path.filename().string()}, {},
+                         [&bytes](const FolderWriter::Take& take) { return take(bytes); });
     if (!failure.empty()) {
         throw Failure(ExitCode::kCannot, file + ": " + failure);
     }

@@ -1,7 +1,6 @@
 // export json and csv: databases and their records.
-#include <fmt/format.h>
-
 #include <cstring>
+#include <fmt/format.h>
 #include <map>
 
 #include "pc/command/exports.h"
@@ -45,8 +44,8 @@ Json JsonOf(const StoredObject& record, const std::vector<RecordProperty>& prope
 
 // Calls `take` with each record that is whole, and its properties.
 template <typename Take>
-void ForEachRecord(StoredPair& pair, const std::vector<StoredObject>& objects,
-                   Omissions& omissions, Take take) {
+void ForEachRecord(StoredPair& pair, const std::vector<StoredObject>& objects, Omissions& omissions,
+                   Take take) {
     for (const StoredObject& object : objects) {
         if (object.type() != ObjectType::kDatabaseRecord) {
             continue;
@@ -166,8 +165,7 @@ std::string ExportDatabases(StoredPair& pair, const std::vector<StoredObject>& o
                           omissions.Add(record, "its database is not among what is exported",
                                         ExitCode::kIncomplete);
                       } else {
-                          databases[place->second]["records"].push_back(
-                              JsonOf(record, properties));
+                          databases[place->second]["records"].push_back(JsonOf(record, properties));
                       }
                   });
     return databases.dump(1) + "\n";

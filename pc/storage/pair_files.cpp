@@ -37,7 +37,16 @@ std::string FindFile(const std::string& path) {
     return {};
 }
 
-std::string CutExtension(const std::string& name) {
+// As the device makes it of the stem.
+std::string CutAtFirstDot(const std::string& stem) {
+    const std::size_t slash = stem.rfind('/');
+    const std::size_t dot = stem.find('.', slash == stem.npos ? 0 : slash + 1);
+    return stem.substr(0, dot);
+}
+
+}  // namespace
+
+std::string StemOf(const std::string& name) {
     for (const std::string extension : {kSav, kJournal, kTemporary}) {
         const std::size_t stem = name.size() - extension.size();
         if (name.size() > extension.size() &&
@@ -48,22 +57,17 @@ std::string CutExtension(const std::string& name) {
     return name;
 }
 
-// As the device makes it of the stem.
-std::string CutAtFirstDot(const std::string& stem) {
-    const std::size_t slash = stem.rfind('/');
-    const std::size_t dot = stem.find('.', slash == stem.npos ? 0 : slash + 1);
-    return stem.substr(0, dot);
-}
+namespace {
 
 bool IsPartOfStorage(const std::string& name) {
-    const std::string stem = CutExtension(name);
+    const std::string stem = StemOf(name);
     return !FindFile(stem + kSav).empty() || !FindFile(stem + kJournal).empty() || IsFile(name);
 }
 
 }  // namespace
 
 PairFiles FindPair(const std::string& name) {
-    const std::string stem = CutExtension(name);
+    const std::string stem = StemOf(name);
     PairFiles files;
     files.sav = FindFile(stem + kSav);
     if (files.sav.empty()) {

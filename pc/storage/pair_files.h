@@ -20,6 +20,9 @@ struct PairFiles {
 // "my.old.sav". Throws a Failure when there is no ".sav".
 PairFiles FindPair(const std::string& name);
 
+// The common name of a storage's files: `name` without its final extension.
+std::string StemOf(const std::string& name);
+
 // A storage and, behind the last "@", a state of it: "Home.sav@3".
 struct StorageAddress {
     std::string storage;

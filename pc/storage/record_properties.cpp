@@ -1,8 +1,7 @@
 #include "pc/storage/record_properties.h"
 
-#include <fmt/format.h>
-
 #include <cstring>
+#include <fmt/format.h>
 
 #include "pc/text/file_time.h"
 #include "pc/text/hex.h"
@@ -47,8 +46,7 @@ Number NumberOf(const std::string& bytes) {
 
 }  // namespace
 
-std::vector<RecordProperty> PropertiesOf(const std::vector<std::uint8_t>& data,
-                                         std::size_t count) {
+std::vector<RecordProperty> PropertiesOf(const std::vector<std::uint8_t>& data, std::size_t count) {
     std::vector<RecordProperty> properties;
     for (std::size_t i = 0; i < count && (i + 1) * sizeof(StoredProperty) <= data.size(); ++i) {
         StoredProperty stored;
@@ -56,7 +54,9 @@ std::vector<RecordProperty> PropertiesOf(const std::vector<std::uint8_t>& data,
         RecordProperty property{stored.propid, stored.flags, {}};
         switch (property.type()) {
             case kPropertyString: property.bytes = TerminatedAt(data, stored.value); break;
-            case kPropertyBlob: property.bytes = Slice(data, stored.value_high, stored.value); break;
+            case kPropertyBlob:
+                property.bytes = Slice(data, stored.value_high, stored.value);
+                break;
             default:
                 property.bytes.assign(reinterpret_cast<const char*>(&stored.value),
                                       FixedBytes(property.type()));

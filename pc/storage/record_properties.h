@@ -19,8 +19,7 @@ struct RecordProperty {
 };
 
 // Those of proved data, in their order. One that is not whole inside the data has no bytes.
-std::vector<RecordProperty> PropertiesOf(const std::vector<std::uint8_t>& data,
-                                         std::size_t count);
+std::vector<RecordProperty> PropertiesOf(const std::vector<std::uint8_t>& data, std::size_t count);
 
 // A number, a time in UTC, a text; bytes in hexadecimal.
 std::string TextOf(const RecordProperty& property);

@@ -66,9 +66,10 @@ TEST_F(ExportTest, RegHasTextThatIsNoneExactly) {
               Value(u"t", Terminated(std::u16string(1, char16_t{0xD800})), 1));
 }
 TEST_F(ExportTest, RegBreaksLongLines) {
-    EXPECT_EQ(u"\"b\"=hex:00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,"
-              u"\\\r\n  00,00,00\r\n",
-              Value(u"b", Bytes(26, '\0'), 3));
+    EXPECT_EQ(
+        u"\"b\"=hex:00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,00,"
+        u"\\\r\n  00,00,00\r\n",
+        Value(u"b", Bytes(26, '\0'), 3));
 }
 
 TEST_F(ExportTest, ANameThatALineCannotHoldIsTold) {
@@ -128,8 +129,8 @@ TEST_F(ExportTest, CsvQuotesAndKeepsTextThatIsNone) {
     pair.BeginState();
     const std::u16string text = {u'"', u',', 0xDC00};
     const Bytes properties = Property(0x4013001F, 16) + Terminated(text);
-    pair.AddRecord(u"Contacts Database", properties, 1,
-                   Word(0x4013001F) + Half(0) + Units(text), 0x30);
+    pair.AddRecord(u"Contacts Database", properties, 1, Word(0x4013001F) + Half(0) + Units(text),
+                   0x30);
     Save();
     EXPECT_EQ("id,4013 text,4013 text utf16\r\n48,\"\"\",\xEF\xBF\xBD\",0022002cdc00\r\n",
               Run({"export", "HOME", "csv"}).out);
@@ -152,9 +153,7 @@ TEST_F(ExportTest, AFileIsWrittenWholeAndReplacesNothing) {
     EXPECT_EQ(Run({"export", "HOME", "reg"}).out, Read("home.reg"));
 }
 
-TEST_F(ExportTest, AnUnknownFormIsWrongUsage) {
-    EXPECT_EQ(2, Run({"export", "HOME", "doc"}).code);
-}
+TEST_F(ExportTest, AnUnknownFormIsWrongUsage) { EXPECT_EQ(2, Run({"export", "HOME", "doc"}).code); }
 
 }  // namespace
 }  // namespace tolvenar::pc
