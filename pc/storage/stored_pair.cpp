@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <new>
 
 #include "pc/text/failure.h"
 #include "snapshot/compare/difference.h"
@@ -44,17 +45,48 @@ private:
 
 bool HoldsAState(const ObjectList& journal) { return LastStoredState(&journal) != 0; }
 
-// True when the file is read to its end.
-bool ReadJournal(const std::string& path, ObjectList& journal, std::uint32_t& bytes) {
-    FileBytes file(path);
-    std::uint32_t taken = 0;
-    if (!file.Size(bytes)) {
-        return false;
+// The bytes of a file, read at once: record by record each would be a call of the system.
+class LoadedBytes final : public ByteReader {
+public:
+    explicit LoadedBytes(const std::string& path) {
+        FileBytes file(path);
+        std::uint32_t size = 0;
+        std::uint32_t read = 0;
+        if (!file.Size(size)) {
+            throw Failure(ExitCode::kCannot, path + ": its size cannot be told");
+        }
+        bytes_.resize(size);
+        if (!file.ReadAt(0, bytes_.data(), size, read) || read != size) {
+            throw Failure(ExitCode::kCannot, path + ": cannot be read to its end");
+        }
     }
-    if (!ReadJournalRecords(file, journal, nullptr, taken)) {
+    bool ReadAt(std::uint32_t offset, void* buffer, std::uint32_t bytes,
+                std::uint32_t& read) override {
+        const std::size_t left = bytes_.size() - std::min<std::size_t>(offset, bytes_.size());
+        read = static_cast<std::uint32_t>(std::min<std::size_t>(bytes, left));
+        if (read != 0) {
+            std::copy_n(bytes_.data() + offset, read, static_cast<char*>(buffer));
+        }
+        return true;
+    }
+    bool Size(std::uint32_t& bytes) override {
+        bytes = static_cast<std::uint32_t>(bytes_.size());
+        return true;
+    }
+
+private:
+    std::vector<char> bytes_;
+};
+
+// The size of the file.
+std::uint32_t ReadJournal(const std::string& path, ObjectList& journal) {
+    LoadedBytes file(path);
+    std::uint32_t bytes = 0;
+    std::uint32_t taken = 0;
+    if (!file.Size(bytes) || !ReadJournalRecords(file, journal, nullptr, taken)) {
         throw std::bad_alloc();
     }
-    return taken == JournalRecordCount(bytes);
+    return bytes;
 }
 
 }  // namespace
@@ -85,8 +117,8 @@ StoredPair::StoredPair(const PairFiles& files)
 void StoredPair::LoadJournal() {
     const std::string& path = files_.has_journal ? files_.journal : files_.temporary;
     const bool is_there = files_.has_journal || files_.has_temporary;
-    if (is_there && !ReadJournal(path, *journal_, sizes_.journal)) {
-        throw Failure(ExitCode::kCannot, path + ": cannot be read to its end");
+    if (is_there) {
+        sizes_.journal = ReadJournal(path, *journal_);
     }
     reads_temporary_ = !files_.has_journal && is_there && HoldsAState(*journal_);
     if (!files_.has_journal && !reads_temporary_) {
