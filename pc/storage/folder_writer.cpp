@@ -41,6 +41,16 @@ bool SetTime(int file, FileTime time) {
     return ::futimens(file, times) == 0;
 }
 
+// Some file systems cannot refuse to replace; there a look before has to do.
+bool GiveName(int folder, const char* name) {
+    if (::renameat2(folder, kPartName, folder, name, RENAME_NOREPLACE) == 0) {
+        return true;
+    }
+    struct stat there {};
+    return errno == EINVAL && ::fstatat(folder, name, &there, AT_SYMLINK_NOFOLLOW) != 0 &&
+           ::renameat(folder, kPartName, folder, name) == 0;
+}
+
 }  // namespace
 
 FolderWriter::FolderWriter(const std::string& root) {
@@ -137,8 +147,7 @@ std::string FolderWriter::Fill(int folder, const std::string& name, FileTime tim
     if (!is_filled || !reason.empty()) {
         return reason.empty() ? "its contents cannot be read" : reason;
     }
-    return ::renameat2(folder, kPartName, folder, name.c_str(), RENAME_NOREPLACE) == 0 ? ""
-                                                                                       : Reason();
+    return GiveName(folder, name.c_str()) ? std::string() : Reason();
 }
 
 }  // namespace tolvenar::pc
