@@ -1,4 +1,5 @@
 // trim: a new pair with only the states that are kept. On the device storages only grow.
+#include <algorithm>
 #include <filesystem>
 #include <fmt/format.h>
 

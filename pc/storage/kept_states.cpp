@@ -1,6 +1,7 @@
 #include "pc/storage/kept_states.h"
 
 #include <algorithm>
+#include <iterator>
 #include <set>
 
 #include "pc/text/failure.h"

@@ -1,5 +1,6 @@
 #include "pc/storage/record_properties.h"
 
+#include <algorithm>
 #include <cstring>
 #include <fmt/format.h>
 
