@@ -14,6 +14,10 @@ bool MemoryCheck(std::uint32_t& available) {
     return available >= kMinimumFreeBytes;
 }
 
+std::uint32_t MissingMemory(std::uint32_t available) {
+    return available < kMinimumFreeBytes ? kMinimumFreeBytes - available : kMinimumFreeBytes;
+}
+
 void FormatMegabytes(std::uint32_t bytes, wchar_t (&text)[kMegabytesUnits]) {
     constexpr std::uint64_t kMegabyte = 0x100000;
     // As if times 9.536743e-7, which is a little less than 1 / 2^20: a half is rounded down.

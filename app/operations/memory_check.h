@@ -12,6 +12,10 @@ constexpr std::uint32_t kMinimumFreeBytes = 0x800000;
 // platform may turn into program memory, and the free physical memory, in bytes.
 bool MemoryCheck(std::uint32_t& available);
 
+// How much is to be freed of the device's memory when `available` bytes were not enough. An
+// operation can find too little behind the check, too: then it needs as much again.
+std::uint32_t MissingMemory(std::uint32_t available);
+
 constexpr std::size_t kMegabytesUnits = 16;
 // Bytes as megabytes with one decimal and a point, as "0.5"; the platform's formatter knows no
 // floats.

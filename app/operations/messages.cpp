@@ -126,7 +126,7 @@ bool ReportBackup(ResultCode result, const ReportContext& context) {
             ShowSpaceMessage(context);
         }
         if (is_memory) {
-            ShowMissingMemory(context.owner, kMinimumFreeBytes - context.available);
+            ShowMissingMemory(context.owner, MissingMemory(context.available));
         }
     }
     return message == nullptr && !is_space && !is_memory;

@@ -106,7 +106,7 @@ OperationEnd EndOf(const BackupOrder& order, const BackupResult& result, std::ui
         end.missing_bytes = result.bytes_needed;
     }
     if (result.code == ResultCode::kNoMemory) {
-        end.missing_bytes = kMinimumFreeBytes - available;
+        end.missing_bytes = MissingMemory(available);
     }
     return end;
 }

@@ -28,6 +28,18 @@ bool IsFilledWith(const CEGUID* guid, DWORD word) {
 bool IsSystemGuid(const CEGUID* guid) { return IsFilledWith(guid, 0); }
 bool IsInvalidGuid(const CEGUID* guid) { return IsFilledWith(guid, 0xFFFFFFFF); }
 
+// What a call leaves in the volume's id that it was given.
+void WriteVolume(PCEGUID volume) {
+    if (volume == nullptr) {
+        return;
+    }
+    if (Device::Current().Setting("database.volume", "kept") == "written") {
+        *volume = {1, 2, 3, 4};
+    } else {
+        CREATE_SYSTEMGUID(volume);
+    }
+}
+
 // A text of a fixed field, which may fill it without a terminator.
 std::u16string FieldText(const WCHAR* field, std::size_t units) {
     std::size_t length = 0;
@@ -148,6 +160,7 @@ void Describe(const DatabaseStore& store, const Database& database, CEDBASEINFO&
     for (std::size_t i = 0; i < database.sort_orders.size(); ++i) {
         info.rgSortSpecs[i] = {database.sort_orders[i].propid, database.sort_orders[i].flags};
     }
+    WriteVolume(volume);
 }
 
 bool DescribeFile(CEOID oid, CEOIDINFO& info) {
@@ -232,8 +245,8 @@ CEOID WINAPI CeFindNextDatabaseEx(HANDLE search, PCEGUID volume) {
             }
             sim::databases::Error error = sim::databases::kOk;
             const CEOID oid = databases->Next(error);
-            if (last.Answer(error) && volume != nullptr) {
-                CREATE_SYSTEMGUID(volume);
+            if (last.Answer(error)) {
+                WriteVolume(volume);
             }
             return oid;
         },

@@ -11,6 +11,7 @@
 #include "snapshot/scan/file_scanner.h"
 #include "snapshot/scan/registry_scanner.h"
 #include "snapshot/text/log.h"
+#include "snapshot/text/text_buffer.h"
 
 namespace tolvenar {
 namespace {
@@ -30,6 +31,14 @@ constexpr Hive kHives[] = {
     {kHiveUsers, u"Scanning HKU registry entry..."},
 };
 
+// What the lists have is told: so much has found room.
+void LogLackOfMemory(const OpenedStorage& storage) {
+    TextBuffer<64> text;
+    text.Append(u"Not enough memory, objects found: ");
+    text.AppendUnsigned(static_cast<std::uint32_t>(storage.newer->CountRecords()));
+    LogMessage(text.text(), u"FindDifference", kLogError);
+}
+
 void ScanObjectStoreFiles(Engine& engine) {
     const OwnFiles own_files(engine.storage.names);
     FileScan scan{*engine.storage.newer, engine.info, own_files.names(), engine.storage.left_out};
@@ -38,16 +47,16 @@ void ScanObjectStoreFiles(Engine& engine) {
 
 void ScanHives(Engine& engine, IdentifierHolders& holders) {
     RegistryScan scan{*engine.storage.newer, engine.info, engine.storage.registry_objects,
-                      &holders};
+                      engine.storage.left_out, &holders};
     for (const Hive& hive : kHives) {
         engine.progress.ProgressStep(hive.progress_text);
         ScanRegistry(scan, hive.root, u"", MakeRegistryObject);
     }
 }
 
-// Scans the device into the newer list. `holders` have the identifiers of the older.
-void ScanDevice(Engine& engine, IdentifierHolders& holders) {
-    engine.storage.left_out.Clear();
+// Scans the device into the newer list. `holders` have the identifiers of the older. False when
+// memory was short.
+bool ScanDevice(Engine& engine, IdentifierHolders& holders) {
     engine.progress.ProgressStep(u"Scanning files...");
     ScanObjectStoreFiles(engine);
     engine.storage.registry_objects.RegObjectClear();
@@ -56,6 +65,7 @@ void ScanDevice(Engine& engine, IdentifierHolders& holders) {
     DatabaseScan scan{*engine.storage.newer, engine.info, engine.databases,
                       engine.storage.left_out};
     ScanDatabases(scan, MakeDatabaseObject);
+    return !engine.storage.left_out.lacks_memory();
 }
 
 // Compares the older list with the newer into the difference list, which is empty.
@@ -82,6 +92,7 @@ bool PrepareStateList(Engine& engine, std::unique_ptr<ObjectList>& list, std::ui
 
 int FindDifference(Engine& engine, std::uint32_t state) {
     OpenedStorage& storage = engine.storage;
+    storage.left_out.Clear();
     Descriptions descriptions(engine);
     if (!descriptions.sav_file || storage.journal == nullptr) {
         return 0;
@@ -100,7 +111,11 @@ int FindDifference(Engine& engine, std::uint32_t state) {
     if (!identifiers.Build(*storage.older)) {
         return 0;
     }
-    ScanDevice(engine, identifiers);
+    if (!ScanDevice(engine, identifiers)) {
+        LogLackOfMemory(storage);
+        storage.difference.reset();
+        return 0;
+    }
     if (!ResetList(storage.difference)) {
         descriptions.sav_file.Reset();
         ::MessageBoxW(nullptr, Wide(kNoList), L"FindDifference", MB_SETFOREGROUND);

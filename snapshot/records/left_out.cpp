@@ -17,14 +17,16 @@ std::uint32_t HashOf(ObjectType type, std::u16string_view name) {
 
 std::uint32_t LeftOut::Entry::Hash() const { return HashOf(type, name); }
 
-void LeftOut::Add(ObjectType type, std::u16string_view name) {
+void LeftOut::Add(ObjectType type, std::u16string_view name, std::uint32_t dwOID) {
     std::unique_ptr<char16_t[]> copy(new (std::nothrow) char16_t[name.size() + 1]);
     if (copy == nullptr || !index_.ReserveOneMore()) {
+        NoteLackOfMemory();
         return;
     }
     copy[name.copy(copy.get(), name.size())] = 0;
-    auto* entry = new (std::nothrow) Entry{type, false, copy.get(), nullptr, nullptr};
+    auto* entry = new (std::nothrow) Entry{type, dwOID, false, copy.get(), nullptr, nullptr};
     if (entry == nullptr) {
+        NoteLackOfMemory();
         return;
     }
     static_cast<void>(copy.release());
@@ -33,15 +35,17 @@ void LeftOut::Add(ObjectType type, std::u16string_view name) {
     index_.Add(*entry);
 }
 
-void LeftOut::MarkKept(ObjectType type, std::u16string_view name) {
-    if (Entry* entry = Find(type, name)) {
+void LeftOut::MarkKept(ObjectType type, std::u16string_view name, std::uint32_t dwOID) {
+    if (Entry* entry = Find(type, name, dwOID)) {
         entry->is_kept = true;
     }
 }
 
-LeftOut::Entry* LeftOut::Find(ObjectType type, std::u16string_view name) const {
-    return index_.Find(HashOf(type, name), [type, name](const Entry& present) {
-        return present.type == type && EqualIgnoringCase(present.name, name);
+LeftOut::Entry* LeftOut::Find(ObjectType type, std::u16string_view name,
+                              std::uint32_t dwOID) const {
+    return index_.Find(HashOf(type, name), [type, name, dwOID](const Entry& present) {
+        return present.type == type && present.dwOID == dwOID &&
+               EqualIgnoringCase(present.name, name);
     });
 }
 
@@ -54,6 +58,8 @@ void LeftOut::Clear() {
     }
     last_ = nullptr;
     index_.Clear();
+    has_unlisted_databases_ = false;
+    lacks_memory_ = false;
 }
 
 }  // namespace tolvenar

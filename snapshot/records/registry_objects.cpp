@@ -51,16 +51,17 @@ const char16_t* RegistryObjects::PathOf(const RegistryEntry& entry) {
 }
 
 int RegistryObjects::RegObjectAdd(std::uint32_t TolvOID, const RegistryEntry& entry) {
-    if (entry.key_path == nullptr || !index_.ReserveOneMore()) {
+    if (entry.key_path == nullptr) {
         return 0;
     }
-    const char16_t* const key_path = PathOf(entry);
+    const char16_t* const key_path = index_.ReserveOneMore() ? PathOf(entry) : nullptr;
     const char16_t* const value_name =
         entry.value_name == nullptr ? nullptr : texts_.Copy(entry.value_name);
     const bool has_texts =
         key_path != nullptr && (entry.value_name == nullptr || value_name != nullptr);
     RegistryObject* const object = has_texts ? objects_.Take() : nullptr;
     if (object == nullptr) {
+        lacks_memory_ = true;
         return 0;
     }
     object->TolvOID = TolvOID;
@@ -85,6 +86,7 @@ void RegistryObjects::RegObjectClear() {
     objects_.Clear();
     texts_.Clear();
     last_path_ = nullptr;
+    lacks_memory_ = false;
 }
 
 bool RegistryObjects::IsTaken(std::uint32_t TolvOID, const RegistryEntry& entry,

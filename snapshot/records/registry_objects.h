@@ -87,6 +87,8 @@ public:
     int RegObjectAdd(std::uint32_t TolvOID, const RegistryEntry& entry);
     // The newest entry with this identifier, or null.
     const RegistryObject* RegObjectFind(std::uint32_t TolvOID) const;
+    // An object could not be entered for want of memory since the table was cleared.
+    bool lacks_memory() const { return lacks_memory_; }
     void RegObjectClear();
 
     // Takes the first identifier that neither the table nor `holders` (may be null) have for
@@ -104,6 +106,7 @@ private:
     TextSlabs texts_;
     const char16_t* last_path_ = nullptr;  // of the object that was entered last
     HashIndex<RegistryObject> index_;      // of equal identifiers the newest stands first
+    bool lacks_memory_ = false;
 };
 
 }  // namespace tolvenar

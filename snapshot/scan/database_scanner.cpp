@@ -6,45 +6,52 @@
 #include "platform/unique_resource.h"
 #include "snapshot/compare/exclusion.h"
 #include "snapshot/records/checksum.h"
+#include "snapshot/scan/database_listing.h"
+#include "snapshot/scan/record_walk.h"
 #include "storage/objects/stored_record.h"
 
 namespace tolvenar {
 namespace {
 
-constexpr DWORD kAllTypes = 0;
-
-// Reads the record that the handle stands on, number `position` of the database, and moves on. A
-// record without properties may read as "no data": it is then asked for by its place, since the
-// platform does not say whether such a read moves on. 0 when there are no more records.
-CEOID ReadNextRecord(DatabaseLayer& layer, HANDLE database, DWORD position, RecordBuffer& buffer) {
-    buffer.Clear();
-    const CEOID oid = layer.ReadRecordProps(database, buffer);
-    if (oid != 0 || ::GetLastError() != ERROR_NO_DATA) {
-        return oid;
+// A walk that began again meets a record again.
+void LeaveOutRecord(DatabaseScan& scan, const char16_t* database_name, CEOID oid) {
+    if (!scan.left_out.Contains(ObjectType::kDatabaseRecord, database_name, oid)) {
+        scan.left_out.Add(ObjectType::kDatabaseRecord, database_name, oid);
     }
-    buffer.Clear();
-    const CEOID empty_record = layer.SeekRecord(database, CEDB_SEEK_BEGINNING, position);
-    layer.SeekRecord(database, CEDB_SEEK_BEGINNING, position + 1);
-    return empty_record;
 }
 
-// A larger buffer of before would be told as the size of the record.
-void VisitRecords(DatabaseScan& scan, HANDLE database, CEOID database_oid, const char16_t* name,
+void VisitRecords(DatabaseScan& scan, RecordWalk& walk, CEOID database_oid, const char16_t* name,
                   DatabaseMaker maker) {
-    RecordBuffer buffer;
-    for (DWORD position = 0;; ++position) {
-        const CEOID oid = ReadNextRecord(scan.databases, database, position, buffer);
-        if (oid == 0) {
-            return;
+    for (;;) {
+        switch (walk.Next()) {
+            case RecordWalk::Step::kRead:
+                maker(scan, {false, walk.oid(), database_oid, name, walk.record().count(),
+                             walk.record().bytes(), walk.record().size()});
+                break;
+            case RecordWalk::Step::kUnread: LeaveOutRecord(scan, name, walk.oid()); break;
+            case RecordWalk::Step::kCut:
+                scan.left_out.Add(ObjectType::kDatabaseRecord, name);
+                return;
+            case RecordWalk::Step::kNoMemory: scan.left_out.NoteLackOfMemory(); return;
+            case RecordWalk::Step::kEnd: return;
         }
-        maker(scan,
-              {false, oid, database_oid, name, buffer.count(), buffer.bytes(), buffer.size()});
+    }
+}
+
+// A database that was deleted since it was listed is not there.
+void NoteUndescribed(DatabaseScan& scan, DWORD error) {
+    if (error != ERROR_INVALID_HANDLE) {
+        scan.left_out.NoteUnlistedDatabases();
     }
 }
 
 void VisitDatabase(DatabaseScan& scan, CEOID oid, DatabaseMaker maker) {
     CEOIDINFO info;
-    if (!scan.databases.GetObjectInfo(oid, info) || info.wObjType != OBJTYPE_DATABASE) {
+    if (!scan.databases.GetObjectInfo(oid, info)) {
+        NoteUndescribed(scan, ::GetLastError());
+        return;
+    }
+    if (info.wObjType != OBJTYPE_DATABASE) {
         return;
     }
     // The platform may fill the name to the last unit.
@@ -60,7 +67,8 @@ void VisitDatabase(DatabaseScan& scan, CEOID oid, DatabaseMaker maker) {
         return;
     }
     maker(scan, {true, oid, oid, name, info.infDatabase.wNumRecords, nullptr, 0});
-    VisitRecords(scan, database.get(), oid, name, maker);
+    RecordWalk walk(scan.databases, database.get(), info.infDatabase.wNumRecords);
+    VisitRecords(scan, walk, oid, name, maker);
 }
 
 bool Describe(ObjectInfo& info, const DatabaseEntry& entry, InfoBlock& block) {
@@ -71,14 +79,24 @@ bool Describe(ObjectInfo& info, const DatabaseEntry& entry, InfoBlock& block) {
                                          block);
 }
 
+void LeaveOut(DatabaseScan& scan, const DatabaseEntry& entry) {
+    if (entry.is_database) {
+        scan.left_out.Add(ObjectType::kDatabase, entry.database_name);
+    } else {
+        LeaveOutRecord(scan, entry.database_name, entry.oid);
+    }
+}
+
 }  // namespace
 
 void ScanDatabases(DatabaseScan& scan, DatabaseMaker maker) {
-    const UniqueHandle find(scan.databases.FindFirstDatabase(kAllTypes));
-    if (!find) {
-        return;
+    DatabaseListing listing;
+    switch (listing.Read(scan.databases)) {
+        case DatabaseListing::End::kWhole: break;
+        case DatabaseListing::End::kCut: scan.left_out.NoteUnlistedDatabases(); break;
+        case DatabaseListing::End::kNoMemory: scan.left_out.NoteLackOfMemory(); break;
     }
-    while (const CEOID oid = scan.databases.FindNextDatabase(find.get())) {
+    for (const CEOID oid : listing) {
         VisitDatabase(scan, oid, maker);
     }
 }
@@ -91,13 +109,16 @@ void MakeDatabaseObject(DatabaseScan& scan, const DatabaseEntry& entry) {
             : FingerprintOfProperties(entry.properties, entry.buffer_bytes, entry.count);
     InfoBlock block;
     if (!Describe(scan.info, entry, block)) {
+        LeaveOut(scan, entry);
         return;
     }
     record.dwOID = entry.oid;
     record.info_checksum = Checksum16(block.bytes(), block.size());
     record.flags = JF_PRESENT;
     record.type = entry.is_database ? ObjectType::kDatabase : ObjectType::kDatabaseRecord;
-    scan.list.AddObject(record);
+    if (!scan.list.AddObject(record)) {
+        scan.left_out.NoteLackOfMemory();
+    }
 }
 
 }  // namespace tolvenar

@@ -12,7 +12,7 @@ struct DatabaseScan {
     ObjectList& list;
     ObjectInfo& info;
     DatabaseLayer& databases;
-    LeftOut& left_out;  // gets the databases that are there and cannot be opened
+    LeftOut& left_out;  // gets what is there and cannot be read, and a lack of memory
 };
 
 // A database or one of its records as the walk meets it.
@@ -30,11 +30,11 @@ struct DatabaseEntry {
 
 using DatabaseMaker = void (*)(DatabaseScan& scan, const DatabaseEntry& entry);
 
-// Visits every database, each before its records. Databases of the recycle bin and those that
-// cannot be opened are passed over with their records.
+// Visits every database, each before its records. Databases of the recycle bin are passed over.
+// Databases that cannot be listed or opened and records that cannot be read are left out.
 void ScanDatabases(DatabaseScan& scan, DatabaseMaker maker);
 
-// Enters the record of one object; none when it cannot be described.
+// Enters the record of one object; one that cannot be described is left out.
 void MakeDatabaseObject(DatabaseScan& scan, const DatabaseEntry& entry);
 
 }  // namespace tolvenar

@@ -133,7 +133,9 @@ bool IsPassedOver(const FileScan& scan, const char16_t* folder_path,
 void ScanFiles(FileScan& scan, const char16_t* folder_path, FileMaker maker) {
     // Too big for the stack of a device's thread.
     const std::unique_ptr<Walk> walk(new (std::nothrow) Walk(scan, maker));
-    if (walk != nullptr && walk->Start(folder_path)) {
+    if (walk == nullptr) {
+        scan.left_out.NoteLackOfMemory();
+    } else if (walk->Start(folder_path)) {
         walk->VisitContents();
     }
 }
@@ -157,7 +159,9 @@ void MakeFileObject(FileScan& scan, const char16_t* folder_path, const WIN32_FIN
     record.state_number = kScannedFileState;
     record.flags = JF_PRESENT;
     record.type = ObjectType::kFile;
-    scan.list.AddObject(record);
+    if (!scan.list.AddObject(record)) {
+        scan.left_out.NoteLackOfMemory();
+    }
 }
 
 }  // namespace tolvenar

@@ -14,7 +14,7 @@ struct FileScan {
     ObjectList& list;
     LiveObjects& info;
     const StorageFileNames& storage_files;
-    LeftOut& left_out;  // gets the files that are there and cannot be read
+    LeftOut& left_out;  // gets the files that are there and cannot be read, and a lack of memory
 };
 
 // Called for each entry of the walk; the folder's path has no backslash at its end and is empty for

@@ -86,7 +86,11 @@ private:
     }
 
     void VisitValues(HKEY key, const KeyCounts& counts) {
-        if (counts.values == 0 || !ReserveData(counts.longest_data_bytes)) {
+        if (counts.values == 0) {
+            return;
+        }
+        if (!ReserveData(counts.longest_data_bytes)) {
+            scan_.left_out.NoteLackOfMemory();
             return;
         }
         for (DWORD i = 0; i < counts.values; ++i) {
@@ -146,7 +150,9 @@ void ScanRegistry(RegistryScan& scan, std::uint32_t hive, const char16_t* key_pa
                   RegistryMaker maker) {
     // Too big for the stack of a device's thread.
     const std::unique_ptr<Walk> walk(new (std::nothrow) Walk(scan, hive, maker));
-    if (walk != nullptr && walk->Start(key_path)) {
+    if (walk == nullptr) {
+        scan.left_out.NoteLackOfMemory();
+    } else if (walk->Start(key_path)) {
         walk->VisitKey();
     }
 }
@@ -167,7 +173,12 @@ void MakeRegistryObject(RegistryScan& scan, const RegistryEntry& entry) {
         entry.is_key ? kKeyFingerprint : Checksum16(entry.data, entry.data_bytes);
     record.flags = JF_PRESENT;
     record.type = entry.is_key ? ObjectType::kRegistryKey : ObjectType::kRegistryValue;
-    scan.list.AddObject(record);
+    if (scan.objects.lacks_memory()) {
+        scan.left_out.NoteLackOfMemory();
+    }
+    if (!scan.list.AddObject(record)) {
+        scan.left_out.NoteLackOfMemory();
+    }
 }
 
 }  // namespace tolvenar

@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "snapshot/compare/info_source.h"
+#include "snapshot/records/left_out.h"
 #include "snapshot/records/object_list.h"
 #include "snapshot/records/registry_objects.h"
 
@@ -15,6 +16,7 @@ struct RegistryScan {
     ObjectList& list;
     LiveObjects& info;  // describes what `objects` holds
     RegistryObjects& objects;
+    LeftOut& left_out;  // gets a lack of memory
     // Whose identifiers no other object gets; may be null.
     IdentifierHolders* holders = nullptr;
 };

@@ -62,11 +62,13 @@ CEOID DatabaseLayer::CreateDatabase(const char16_t* name, DWORD type, WORD sort_
 BOOL DatabaseLayer::DeleteDatabase(CEOID oid) { return ::CeDeleteDatabaseEx(&volume_, oid); }
 
 HANDLE DatabaseLayer::FindFirstDatabase(DWORD type) {
-    return ::CeFindFirstDatabaseEx(&volume_, type);
+    CEGUID volume = volume_;
+    return ::CeFindFirstDatabaseEx(&volume, type);
 }
 
 CEOID DatabaseLayer::FindNextDatabase(HANDLE find) {
-    return ::CeFindNextDatabaseEx(find, &volume_);
+    CEGUID volume = volume_;
+    return ::CeFindNextDatabaseEx(find, &volume);
 }
 
 BOOL DatabaseLayer::GetObjectInfo(CEOID oid, CEOIDINFO& info) {
@@ -80,9 +82,10 @@ HANDLE DatabaseLayer::OpenDatabase(CEOID& oid, const char16_t* name, CEPROPID so
     request.dwSize = sizeof request;
     request.hwnd = notify_window;
     const HANDLE database =
-        ::CeOpenDatabaseEx(&volume_, &oid, Wide(const_cast<char16_t*>(name)), sort_property, flags,
+        ::CeOpenDatabaseEx(&volume, &oid, Wide(const_cast<char16_t*>(name)), sort_property, flags,
                            notify_window == nullptr ? nullptr : &request);
     // The platform answers either for a database that it cannot open.
+    CEGUID volume = volume_;
     return database == nullptr ? INVALID_HANDLE_VALUE : database;
 }
 

@@ -103,7 +103,7 @@ private:
     static void Clear(CacheEntry& entry);
     CacheEntry* FindCached(CEOID oid, const char16_t* name);
 
-    CEGUID volume_;
+    CEGUID volume_;                     // calls that may write a volume's id get a copy
     SeekDatabaseEx* seek_database_ex_;  // null on devices that have CeSeekDatabase only
     CacheEntry cache_[kCacheEntries];
 };

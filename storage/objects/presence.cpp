@@ -80,14 +80,15 @@ bool IsValueOnDevice(const InfoBlock& block) {
     });
 }
 
-// The database of that name, and the record when `record_oid` is not 0.
+// The database of that name, and the record when `record_oid` is not 0. What a database holds that
+// cannot be opened is not known: it counts as there.
 bool IsInDatabase(DatabaseLayer& databases, const char16_t* name, CEOID record_oid, CEOID& oid) {
     if (IsExcludedDatabase(name)) {
         return false;
     }
     const HANDLE database = databases.OpenDatabaseCached(oid, name, 0, 0, nullptr);
     if (database == INVALID_HANDLE_VALUE) {
-        return false;
+        return ::GetLastError() != ERROR_FILE_NOT_FOUND;
     }
     if (record_oid != 0) {
         oid = databases.SeekRecord(database, CEDB_SEEK_CEOID, record_oid);

@@ -13,7 +13,8 @@ namespace tolvenar {
 // Asks the device for an object of the same kind and name as the stored one of `block`; of a
 // database record for its id. False for what no state is to hold: what the exclusion rules name, is
 // in ROM, or is a mounted card or on one. `oid` receives the object-store id of what is there, 0
-// for registry objects. Databases are opened through the cache, which the caller closes.
+// for registry objects and for what is in a database that cannot be opened, which counts as there.
+// Databases are opened through the cache, which the caller closes.
 bool IsOnDevice(DatabaseLayer& databases, const StorageFileNames& storage_files,
                 const ObjectRecord& record, const InfoBlock& block, CEOID& oid);
 

@@ -14,6 +14,7 @@
 #include "storage/opened/journal.h"
 #include "storage/operations/backup_room.h"
 #include "storage/operations/saved_counts.h"
+#include "storage/operations/scan_result.h"
 #include "storage/operations/withdrawals.h"
 
 namespace tolvenar {
@@ -124,7 +125,7 @@ bool RunBackup(Engine& engine, std::uint32_t state_number, const char16_t* descr
         return Fail(ResultCode::kFailed, result);
     }
     if (!FindDifference(engine, state_number - 1)) {
-        return Fail(ResultCode::kNoDifferenceList, result);
+        return Fail(CodeWithoutDifferences(engine.storage), result);
     }
     if (!LeaveOutOwnValues(engine) || !WithdrawDeletions(engine, result)) {
         return Fail(ResultCode::kFailed, result);

@@ -1,4 +1,4 @@
-// The log's lines about what a backup did not store.
+// The log's lines about what a scan could not read.
 #pragma once
 
 #include <cstdint>
@@ -13,5 +13,8 @@ namespace tolvenar {
 void LogKept(const ObjectRecord& record, const InfoBlock& block);
 // What was not read and is not kept: in no state. Answers how many.
 std::uint32_t LogNotStored(const LeftOut& left_out);
+
+// What of databases a restore left alone since the scan could not read it.
+void LogLeftAlone(const LeftOut& left_out);
 
 }  // namespace tolvenar

@@ -12,8 +12,10 @@
 #include "storage/operations/aimed_state.h"
 #include "storage/operations/failure_log.h"
 #include "storage/operations/held_back.h"
+#include "storage/operations/left_out_log.h"
 #include "storage/operations/restore_list.h"
 #include "storage/operations/restore_preparation.h"
+#include "storage/operations/scan_result.h"
 
 namespace tolvenar {
 namespace {
@@ -107,7 +109,7 @@ bool Restore::RunFull() {
     if (!Prepare()) {
         return result_.took_older_list && TakeOlderList();
     }
-    if (storage_.difference->CountRecords() == 0 && !plan_.lacks_objects) {
+    if (storage_.difference->CountRecords() == 0 && !plan_.lacks_objects && !plan_.leaves_unread) {
         return plan_.has_settled ? EndSettled() : EndWithoutDifference();
     }
     return RestoreDifferences();
@@ -161,8 +163,10 @@ bool Restore::EndSettled() {
 // Restores the difference list, then loads the journal again.
 bool Restore::RestoreDifferences() {
     RunPasses();
-    // What a damaged list does not tell is missing, whatever could be done.
-    if (result_.code == ResultCode::kSuccess && (!plan_.trusts_list || plan_.lacks_objects)) {
+    // What a damaged list does not tell is missing, whatever could be done, and what could not be
+    // read is as it was.
+    const bool is_whole = plan_.trusts_list && !plan_.lacks_objects && !plan_.leaves_unread;
+    if (result_.code == ResultCode::kSuccess && !is_whole) {
         result_.code = ResultCode::kFailed;
     }
     if (result_.code == ResultCode::kFailed) {
@@ -201,6 +205,7 @@ void Restore::RunPasses() {
 void Restore::LogFailed() {
     Descriptions descriptions(engine_);
     LogNotRestored(storage_, descriptions.source);
+    LogLeftAlone(storage_.left_out);
 }
 
 // The journal is saved with new ids after a full restore only. A write-protected one, and a damaged
@@ -223,7 +228,7 @@ bool DoRestore(Engine& engine, std::uint32_t state_number, RestoreQuestions* que
     const RegistryObjectsScope registry_objects(engine.storage);
     result = {};
     if (!FindDifference(engine, state_number)) {
-        return FailEarly(engine.storage, ResultCode::kNoDifferenceList, result);
+        return FailEarly(engine.storage, CodeWithoutDifferences(engine.storage), result);
     }
     // A state that is none holds nothing: everything on the device would be deleted for it.
     if (!HasState(*engine.storage.journal, state_number)) {

@@ -9,6 +9,7 @@
 #include "storage/operations/pair_proof.h"
 #include "storage/operations/restore_paths.h"
 #include "storage/operations/settling.h"
+#include "storage/operations/unread_databases.h"
 
 namespace tolvenar {
 namespace {
@@ -71,7 +72,8 @@ PlanOutcome PlanRestore(RestorePlan& plan, Descriptions& descriptions, const Pai
     ObjectList& difference = *plan.engine.storage.difference;
     DamageGuard guard(plan.engine, descriptions, check, run.database_restore);
     if ((plan.target != nullptr && !guard.DropOlderDoubles(*plan.target)) ||
-        (plan.tells_device && !Settle(plan.engine, descriptions, run, plan.has_settled))) {
+        (plan.tells_device && (!Settle(plan.engine, descriptions, run, plan.has_settled) ||
+                               !HoldBackUnread(plan, descriptions)))) {
         return PlanOutcome::kLeaveAll;
     }
     const DamageCount damage = guard.CountUntrusted();

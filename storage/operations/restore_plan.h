@@ -23,6 +23,7 @@ struct RestorePlan {
     bool is_damaged = false;     // something was held back for damage
     bool trusts_list = true;     // the list of states may be saved again
     bool lacks_objects = false;  // the state may have had what no list tells of
+    bool leaves_unread = false;  // of the databases something could not be read
     bool has_settled = false;
     std::uint64_t written_bytes = 0;  // of what is written back, when that is decided
     std::uint64_t missing_bytes = 0;  // for want of which nothing may be done

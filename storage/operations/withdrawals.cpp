@@ -8,6 +8,7 @@
 #include "snapshot/engine/descriptions.h"
 #include "storage/objects/presence.h"
 #include "storage/operations/left_out_log.h"
+#include "storage/operations/unread_databases.h"
 
 namespace tolvenar {
 namespace {
@@ -135,8 +136,9 @@ public:
             CEOID none = 0;
             return !scanned_.HoldsName(block) && Find(deletion, block, none);
         }
-        // The scan met the database: whether it opens by now or not, it is there with its records.
-        if (IsOfDatabase(deletion) && left_out_.Contains(ObjectType::kDatabase, block.name())) {
+        // The scan met it: whether it can be read by now or not, it is there.
+        if (IsLeftOut(left_out_, deletion, block) &&
+            !scanned_.HoldsId(deletion.type, deletion.dwOID)) {
             return true;
         }
         CEOID oid = 0;
@@ -208,7 +210,7 @@ bool TakeOutUnread(Engine& engine, BackupResult& result) {
             !unread.Hold(record, block) || unread.out_of_memory()) {
             return false;
         }
-        storage.left_out.MarkKept(record.type, block.name());
+        storage.left_out.MarkKept(record.type, block.name(), IdInLeftOut(record));
         LogKept(record, block);
         ++result.kept;
         return true;

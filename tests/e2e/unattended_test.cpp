@@ -87,6 +87,28 @@ TEST_F(UnattendedTest, ADeletedStorageFileBecomesANewFirstState) {
     EXPECT_EQ(first_size, device().FileBytes(kStorageFile).size());
 }
 
+// Something that the scan had no memory for would count as gone.
+TEST_F(UnattendedTest, WithoutMemoryForItsScanABackupWritesAndARestoreChangesNothing) {
+    BackUp();
+    Ask("reg-set HKCU\\Test Large REG_BINARY " + std::string(10002, '0'));
+    device().Remove(kNote);
+    const std::string storage = device().FileBytes(kStorageFile);
+    const std::string journal = device().FileBytes(kJournalFile);
+    // The room for the value's data and a terminator.
+    device().Fault("HeapAlloc", 1, 2, ERROR_NOT_ENOUGH_MEMORY, ", 5003");
+    EXPECT_EQ(0, BackUp());
+    EXPECT_EQ(9u, LastResult());
+    EXPECT_EQ(storage, device().FileBytes(kStorageFile));
+    EXPECT_EQ(journal, device().FileBytes(kJournalFile));
+
+    device().Fault("MessageBoxW", 1, 1, ERROR_ACCESS_DENIED, "Not enough memory");
+    EXPECT_EQ(0, RestoreLast());
+    EXPECT_FALSE(device().Exists(kNote));
+    device().EndFaults();
+    EXPECT_EQ(0, BackUp());
+    EXPECT_EQ((Numbers{1, 2}), States());
+}
+
 TEST_F(UnattendedTest, AHeldStorageFileIsLeftAlone) {
     BackUp();
     device().PutFile(L"\\My Documents\\b.txt", "more");

@@ -26,10 +26,17 @@ TEST_F(EveryCallBackupTest, ASecondBackupLeavesTheDeviceAndTheFirstState) {
     const Contents first = BackUp();
     ChangeDevice(1);
     const Contents second = Now();
+    const std::string sav = Content(kSav);
+    const std::string journal = Content(kJournal);
     KeepDevice();
     const std::string whole = JournalAfter(Backup);
+    int without_memory = 0;
     FailEachCall(Backup, [&](FaultRun& run) {
         EXPECT_EQ(Lines(), Differences(second, Now()));
+        if (run.code == ResultCode::kNoMemory) {
+            ++without_memory;
+            EXPECT_TRUE(sav == Content(kSav) && journal == Content(kJournal));
+        }
         if (IsCutJournal(run, whole)) {
             return;
         }
@@ -38,6 +45,7 @@ TEST_F(EveryCallBackupTest, ASecondBackupLeavesTheDeviceAndTheFirstState) {
         EXPECT_EQ(ResultCode::kSuccess, Restore(1));
         EXPECT_EQ(Lines(), Differences(first, Now()));
     });
+    EXPECT_LT(0, without_memory) << "a scan that lacks memory says so";
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 // Databases as a program sees them: which there are, opening, describing and deleting them.
+#include <cstring>
 #include <string>
 #include <vector>
 #include <windbase.h>
@@ -284,6 +285,25 @@ TEST_F(DatabasesTest, AnUnknownIdIsAnInvalidHandle) {
     }
     EXPECT_FALSE(::CeOidGetInfoEx(&store_, 1, nullptr));
     EXPECT_EQ(static_cast<DWORD>(ERROR_INVALID_PARAMETER), LastError());
+}
+
+// Both may write the volume's id, as is documented: a caller that hands on what it got back asks
+// for another volume.
+TEST_F(DatabasesTest, TheVolumesIdMayBeWritten) {
+    CEOID oid = Create(L"First");
+    for (const bool is_written : {false, true}) {
+        device().Set("database.volume", is_written ? "written" : "kept");
+        CEGUID volume = store_;
+        const HANDLE database = ::CeOpenDatabaseEx(&volume, &oid, nullptr, 0, 0, nullptr);
+        ASSERT_NE(INVALID_HANDLE_VALUE, database);
+        ::CloseHandle(database);
+        EXPECT_EQ(is_written, std::memcmp(&volume, &store_, sizeof volume) != 0);
+        volume = store_;
+        const HANDLE search = ::CeFindFirstDatabaseEx(&volume, 0);
+        EXPECT_EQ(oid, ::CeFindNextDatabaseEx(search, &volume));
+        ::CloseHandle(search);
+        EXPECT_EQ(is_written, std::memcmp(&volume, &store_, sizeof volume) != 0);
+    }
 }
 
 }  // namespace

@@ -33,6 +33,14 @@ TEST_F(MemoryCheckTest, AQuarterAndAHalfOfTheObjectStoreCount) {
     EXPECT_TRUE(is_enough_);
 }
 
+// A scan can lack memory behind a check that found enough.
+TEST(MissingMemoryTest, IsWhatTheMinimumLacksOrTheMinimumAgain) {
+    EXPECT_EQ(1u, MissingMemory(kMinimumFreeBytes - 1));
+    EXPECT_EQ(kMinimumFreeBytes, MissingMemory(0));
+    EXPECT_EQ(kMinimumFreeBytes, MissingMemory(kMinimumFreeBytes));
+    EXPECT_EQ(kMinimumFreeBytes, MissingMemory(3000000000u));
+}
+
 std::wstring Megabytes(std::uint32_t bytes) {
     wchar_t text[kMegabytesUnits] = L"";
     FormatMegabytes(bytes, text);

@@ -1,5 +1,6 @@
 #include "snapshot/engine/difference_engine.h"
 
+#include "snapshot/text/log.h"
 #include "tests/support/engine_test.h"
 
 namespace tolvenar {
@@ -212,6 +213,49 @@ TEST_F(DifferenceEngineTest, AListOfTheDeviceThatCannotBeMadeIsTold) {
     EXPECT_TRUE(all_met);
     EXPECT_NE(Text::npos, Log().find(u"Module: FindDifference; Message: Could't create journal"));
     EXPECT_TRUE(shown);
+}
+
+// What a scan had no memory for would count as gone: every allocation of a comparison with the
+// device fails once, and it says so or lacks nothing.
+TEST_F(DifferenceEngineTest, AScanWithoutMemoryForAllIsNoComparison) {
+    progress_.quiet = true;
+    device().PutFile(L"\\Docs\\a.txt", "text");
+    const auto lock = device().Lock(L"\\Docs\\a.txt");
+    SetValue(HKEY_CURRENT_USER, L"Test", L"Large", REG_BINARY, Bytes(5000, 'l'));
+    MakeDatabase(L"People");
+    AddRecord(L"People", L"Ann", 1);
+    ASSERT_EQ(1, FindDifference(engine_, 0));
+    const std::size_t whole = storage_.difference->CountRecords();
+    const LogPause no_log;
+    int lacked = 0;
+    bool all_met = false;
+    for (int n = 1; n < 4000 && !all_met; ++n) {
+        device().Fault("MessageBoxW", 1, 1, ERROR_NOT_ENOUGH_MEMORY);
+        Fail("HeapAlloc", n, ERROR_NOT_ENOUGH_MEMORY);
+        const int result = FindDifference(engine_, 0);
+        all_met = TakePendingFault(n);
+        device().DropFaults();
+        if (storage_.left_out.lacks_memory()) {
+            ++lacked;
+            EXPECT_EQ(0, result) << n;
+            EXPECT_EQ(nullptr, storage_.difference) << n;
+        }
+        EXPECT_TRUE(result == 0 || (storage_.difference->CountRecords() == whole &&
+                                    storage_.left_out.First() != nullptr))
+            << n;
+    }
+    EXPECT_TRUE(all_met);
+    EXPECT_LT(10, lacked);
+}
+
+TEST_F(DifferenceEngineTest, AScanWithoutMemorySaysHowManyObjectsItFound) {
+    // The data of this value alone are so large.
+    SetValue(HKEY_CURRENT_USER, L"Test", L"Large", REG_BINARY, Bytes(54321, 'l'));
+    device().Fault("HeapAlloc", 1, 1, ERROR_NOT_ENOUGH_MEMORY, ", 54323");
+    EXPECT_EQ(0, FindDifference(engine_, 0));
+    device().EndFaults();
+    EXPECT_NE(Text::npos,
+              Log().find(u"Module: FindDifference; Message: Not enough memory, objects found: "));
 }
 
 }  // namespace

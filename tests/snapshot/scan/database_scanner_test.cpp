@@ -132,10 +132,62 @@ TEST_F(DatabaseScannerTest, ADatabaseOfTheRecycleBinIsNeverScanned) {
     EXPECT_EQ(std::vector<CEOID>{other}, Walk());
 }
 
-TEST_F(DatabaseScannerTest, AnEnumerationThatDoesNotStartGivesNothing) {
+TEST_F(DatabaseScannerTest, AnEnumerationThatDoesNotStartGivesNothingAndIsNoted) {
     MakeDatabase(L"First");
     Fail("CeFindFirstDatabaseEx", 1, 8);
     EXPECT_TRUE(Walk().empty());
+    EXPECT_TRUE(left_out_.has_unlisted_databases());
+}
+
+TEST_F(DatabaseScannerTest, ADatabaseDeletedWhileTheyAreListedStartsTheListingAgain) {
+    const CEOID first = MakeDatabase(L"First");
+    const CEOID second = MakeDatabase(L"Second");
+    device().Fault("CeFindNextDatabaseEx", 2, 3, ERROR_KEY_DELETED);
+    EXPECT_EQ((std::vector<CEOID>{first, second}), Walk());
+    EXPECT_FALSE(left_out_.has_unlisted_databases());
+}
+
+TEST_F(DatabaseScannerTest, AListingThatIsDisturbedAFourthTimeIsCut) {
+    const CEOID first = MakeDatabase(L"First");
+    MakeDatabase(L"Second");
+    device().Fault("CeFindNextDatabaseEx", 2, 3, ERROR_KEY_DELETED);
+    device().Fault("CeFindNextDatabaseEx", 6, 1, ERROR_KEY_DELETED);
+    EXPECT_EQ(std::vector<CEOID>{first}, Walk());
+    EXPECT_TRUE(left_out_.has_unlisted_databases());
+}
+
+TEST_F(DatabaseScannerTest, OnlyTheEndEndsAListing) {
+    const CEOID first = MakeDatabase(L"First");
+    MakeDatabase(L"Second");
+    Fail("CeFindNextDatabaseEx", 2, ERROR_ACCESS_DENIED);
+    EXPECT_EQ(std::vector<CEOID>{first}, Walk());
+    EXPECT_TRUE(left_out_.has_unlisted_databases());
+}
+
+TEST_F(DatabaseScannerTest, AWholeListingIsNotNoted) {
+    MakeDatabase(L"First");
+    Walk();
+    EXPECT_FALSE(left_out_.has_unlisted_databases());
+    EXPECT_FALSE(left_out_.lacks_memory());
+    EXPECT_EQ(nullptr, left_out_.First());
+}
+
+// 65 are more than the first room for their ids.
+TEST_F(DatabaseScannerTest, ManyDatabasesAreListed) {
+    std::vector<CEOID> expected;
+    for (int i = 0; i < 65; ++i) {
+        expected.push_back(MakeDatabase(L"Database" + std::to_wstring(i)));
+    }
+    EXPECT_EQ(expected, Walk());
+}
+
+// Both calls that walk them may write the volume's id that they are given.
+TEST_F(DatabaseScannerTest, AWrittenVolumeIdIsNotPassedOn) {
+    device().Set("database.volume", "written");
+    const CEOID first = MakeDatabase(L"First");
+    const CEOID record = AddRecord(L"First", {{kNumber, 1}});
+    const CEOID second = MakeDatabase(L"Second");
+    EXPECT_EQ((std::vector<CEOID>{first, record, second}), Walk());
 }
 
 TEST_F(DatabaseScannerTest, ADatabaseThatCannotBeOpenedIsLeftOutAndTheNextIsNot) {
@@ -155,7 +207,7 @@ TEST_F(DatabaseScannerTest, ADatabaseThatCannotBeOpenedIsLeftOutAndTheNextIsNot)
     EXPECT_EQ(nullptr, left_out_.First()->next);
 }
 
-TEST_F(DatabaseScannerTest, AReadThatFailsEndsItsDatabaseAndNotTheScan) {
+TEST_F(DatabaseScannerTest, AReadWithoutMemoryEndsItsDatabaseAndIsNoted) {
     const CEOID first = MakeDatabase(L"First");
     const CEOID one = AddRecord(L"First", {{kNumber, 1}});
     AddRecord(L"First", {{kNumber, 2}});
@@ -164,6 +216,61 @@ TEST_F(DatabaseScannerTest, AReadThatFailsEndsItsDatabaseAndNotTheScan) {
     const CEOID other = AddRecord(L"Second", {{kNumber, 1}});
     Fail("CeReadRecordPropsEx", 2, ERROR_NOT_ENOUGH_MEMORY);
     EXPECT_EQ((std::vector<CEOID>{first, one, second, other}), Walk());
+    EXPECT_TRUE(left_out_.lacks_memory());
+}
+
+// Whether the last one or another, and wherever a failed seek leaves the handle.
+TEST_F(DatabaseScannerTest, ARecordThatCannotBeReadIsLeftOutAndItsNeighboursAreNot) {
+    const CEOID first = MakeDatabase(L"First");
+    std::vector<CEOID> records;
+    for (std::uint32_t i = 0; i < 3; ++i) {
+        records.push_back(AddRecord(L"First", {{kNumber, i}}));
+    }
+    for (const char* place : {"end", "stay"}) {
+        device().Set("database.seek.fails", place);
+        for (int bad = 0; bad < 3; ++bad) {
+            SCOPED_TRACE(place + std::to_string(bad));
+            left_out_.Clear();
+            std::vector<CEOID> expected{first};
+            expected.insert(expected.end(), records.begin(), records.end());
+            expected.erase(expected.begin() + 1 + bad);
+            Fail("CeReadRecordPropsEx", 1 + bad, ERROR_CRC);
+            EXPECT_EQ(expected, Walk());
+            device().EndFaults();
+            ASSERT_NE(nullptr, left_out_.First());
+            EXPECT_EQ(kDbRecord, left_out_.First()->type);
+            EXPECT_EQ(records[bad], left_out_.First()->dwOID);
+            EXPECT_EQ(u"First", Text(left_out_.First()->name));
+            EXPECT_EQ(nullptr, left_out_.First()->next);
+        }
+    }
+}
+
+TEST_F(DatabaseScannerTest, RecordsThatCannotBeReachedAreLeftOutTogether) {
+    const CEOID first = MakeDatabase(L"First");
+    const CEOID one = AddRecord(L"First", {{kNumber, 1}});
+    AddRecord(L"First", {{kNumber, 2}});
+    Fail("CeReadRecordPropsEx", 2, ERROR_CRC);
+    Fail("CeSeekDatabase", 1, ERROR_CRC);
+    EXPECT_EQ((std::vector<CEOID>{first, one}), Walk());
+    ASSERT_NE(nullptr, left_out_.First());
+    EXPECT_EQ(kDbRecord, left_out_.First()->type);
+    EXPECT_EQ(0u, left_out_.First()->dwOID);
+}
+
+TEST_F(DatabaseScannerTest, ADeletedRecordStartsTheWalkAgain) {
+    MakeDatabase(L"First");
+    AddRecord(L"First", {{kNumber, 1}});
+    AddRecord(L"First", {{kNumber, 2}});
+    device().Fault("CeReadRecordPropsEx", 2, 3, ERROR_KEY_DELETED);
+    Scan();
+    EXPECT_EQ(3u, list_->CountRecords());
+    EXPECT_EQ(nullptr, left_out_.First());
+    device().EndFaults();
+    device().Fault("CeReadRecordPropsEx", 1, 4, ERROR_KEY_DELETED);
+    Scan();
+    ASSERT_NE(nullptr, left_out_.First());
+    EXPECT_EQ(0u, left_out_.First()->dwOID);
 }
 
 TEST_F(DatabaseScannerTest, ARecordThatCannotBeDescribedIsLeftOut) {
@@ -173,6 +280,8 @@ TEST_F(DatabaseScannerTest, ARecordThatCannotBeDescribedIsLeftOut) {
     MakeDatabaseObject(whole, {false, oid + 1000, database, u"First", 0, nullptr, 0});
     MakeDatabaseObject(whole, {false, oid, database + 1000, u"First", 0, nullptr, 0});
     EXPECT_EQ(0u, list_->CountRecords());
+    ASSERT_NE(nullptr, left_out_.First());
+    EXPECT_EQ(oid + 1000, left_out_.First()->dwOID);
     MakeDatabaseObject(whole, {false, oid, database, u"First", 0, nullptr, 0});
     EXPECT_EQ(1u, list_->CountRecords());
 }

@@ -16,7 +16,7 @@ void NoteEntry(RegistryScan&, const RegistryEntry& entry) {
 
 class RegistryScannerTest : public EngineTest {
 protected:
-    RegistryScan scan() { return {*list_, info_, storage_.registry_objects}; }
+    RegistryScan scan() { return {*list_, info_, storage_.registry_objects, storage_.left_out}; }
 
     void Scan(std::uint32_t hive = kHiveCurrentUser, const char16_t* key_path = u"T") {
         list_->ClearList();

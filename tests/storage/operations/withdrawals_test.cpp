@@ -35,6 +35,13 @@ protected:
         EXPECT_TRUE(OpenJournal(storage_, nullptr));
         return Backup(2);
     }
+    void DeleteFromPeople(CEOID record) {
+        CEGUID volume{};
+        CEOID oid = 0;
+        const UniqueHandle people(
+            ::CeOpenDatabaseEx(&volume, &oid, const_cast<wchar_t*>(L"People"), 0, 0, nullptr));
+        ASSERT_TRUE(::CeDeleteRecord(people.get(), record));
+    }
     int DeletionsInTheJournal() {
         const auto flags = FieldsOf(*storage_.journal, &ObjectRecord::flags);
         return static_cast<int>(std::count(flags.begin(), flags.end(), JF_DELETE));
@@ -197,26 +204,58 @@ TEST_F(WithdrawalsTest, DatabasesThatCannotBeListedAreKeptWithTheirRecords) {
     EXPECT_EQ((Lines{"Ann=1"}), Records(u"People"));
 }
 
-TEST_F(WithdrawalsTest, RecordsBehindOneThatCannotBeReadAreKept) {
+TEST_F(WithdrawalsTest, ARecordThatCannotBeReadIsKeptAndOneThatIsGoneIsNot) {
     MakeDatabase(L"People");
     AddRecord(L"People", L"Ann", 1);
     AddRecord(L"People", L"Bob", 2);
     const CEOID gone = AddRecord(L"People", L"Cid", 3);
     ASSERT_EQ(Done(), Backup(1));
-    {
-        CEGUID volume{};
-        CEOID oid = 0;
-        const UniqueHandle people(
-            ::CeOpenDatabaseEx(&volume, &oid, const_cast<wchar_t*>(L"People"), 0, 0, nullptr));
-        ASSERT_TRUE(::CeDeleteRecord(people.get(), gone));
-    }
-    Fail("CeReadRecordPropsEx", 2, ERROR_NOT_ENOUGH_MEMORY);
+    DeleteFromPeople(gone);
+    Fail("CeReadRecordPropsEx", 2, ERROR_CRC);
     EXPECT_EQ(Done(), Backup(2));
     device().EndFaults();
     ExpectKept(1);
     device().Command("db-delete People");
     EXPECT_EQ(Done(), Restore(2));
     EXPECT_EQ((Lines{"Ann=1", "Bob=2"}), Records(u"People"));
+}
+
+TEST_F(WithdrawalsTest, RecordsBehindOneThatCannotBeReachedAreKept) {
+    MakeDatabase(L"People");
+    AddRecord(L"People", L"Ann", 1);
+    AddRecord(L"People", L"Bob", 2);
+    const CEOID gone = AddRecord(L"People", L"Cid", 3);
+    ASSERT_EQ(Done(), Backup(1));
+    DeleteFromPeople(gone);
+    Fail("CeReadRecordPropsEx", 2, ERROR_CRC);
+    Fail("CeSeekDatabase", 1, ERROR_CRC);
+    EXPECT_EQ(Done(ResultCode::kNoDifference), Backup(2));
+    device().EndFaults();
+    EXPECT_EQ(2u, backup_.kept);
+    EXPECT_EQ(1u, backup_.held) << "there may be more of them";
+    EXPECT_NE(Text::npos, Log().find(u"Not read, not stored: People, records of it"));
+}
+
+TEST_F(WithdrawalsTest, ARecordThatWasNeverReadIsNamedInTheLog) {
+    MakeDatabase(L"People");
+    ASSERT_EQ(Done(), Backup(1));
+    const CEOID record = AddRecord(L"People", L"Ann", 1);
+    Fail("CeReadRecordPropsEx", 1, ERROR_CRC);
+    EXPECT_EQ(Done(ResultCode::kNoDifference), Backup(2));
+    EXPECT_EQ(1u, backup_.held);
+    char line[100];
+    std::snprintf(line, sizeof line, "I DoBackup: Not read, not stored: People, dwOID = %lx",
+                  record);
+    EXPECT_EQ(Lines{line}, LogLines());
+}
+
+TEST_F(WithdrawalsTest, DatabasesThatMayBeUnlistedAreTold) {
+    ASSERT_EQ(Done(), Backup(1));
+    MakeDatabase(L"People");
+    Fail("CeFindNextDatabaseEx", 1, ERROR_ACCESS_DENIED);
+    EXPECT_EQ(Done(ResultCode::kNoDifference), Backup(2));
+    EXPECT_EQ(1u, backup_.held);
+    EXPECT_EQ((Lines{"I DoBackup: There may be databases that could not be listed"}), LogLines());
 }
 
 TEST_F(WithdrawalsTest, WhatIsGoneIsGoneAndWhatChangedIsNotKept) {
