@@ -53,6 +53,8 @@ const CommandRows& Commands() {
         {"reg-export", 1, 1, RunRegExport, "FILE"},
         {"reg-set", 4, 4, RunRegSet, "KEY NAME TYPE DATA"},
         {"reg-delete", 1, 2, RunRegDelete, "KEY [NAME]"},
+        {"reg-lock", 1, 1, RunRegLock, "KEY"},
+        {"reg-unlock", 1, 1, RunRegUnlock, "KEY"},
 
         {"set", 2, 2, RunSet, "NAME VALUE"},
         {"show", 0, 0, RunShow, ""},

@@ -1,4 +1,4 @@
-// reg-import, reg-export, reg-set, reg-delete: the device's registry.
+// reg-import, reg-export, reg-set, reg-delete, reg-lock, reg-unlock: the device's registry.
 #include "simulator/command/command_row.h"
 #include "simulator/command/registry_edit.h"
 #include "simulator/registry/registry.h"
@@ -70,6 +70,12 @@ std::string DataOf(const std::string& type, const std::string& word) {
     return *bytes;
 }
 
+Json HoldKey(Device& device, const std::string& path, bool is_held) {
+    Registry registry(device);
+    return DoneOrThrow(registry.Hold(PlaceOf(registry, path), is_held),
+                       "not in the registry: " + path);
+}
+
 }  // namespace
 
 Json RunRegSet(Device& device, const Words& words) {
@@ -84,6 +90,10 @@ Json RunRegDelete(Device& device, const Words& words) {
         words.size() > 1 ? registry.DeleteValue(place, Wide16(words[1])) : registry.Delete(place);
     return DoneOrThrow(done, "not in the registry: " + words.back());
 }
+
+Json RunRegLock(Device& device, const Words& words) { return HoldKey(device, words[0], true); }
+
+Json RunRegUnlock(Device& device, const Words& words) { return HoldKey(device, words[0], false); }
 
 Json RunRegImport(Device& device, const Words& words) {
     registry::ImportText(device, ReadHostFile(words[0]));

@@ -45,8 +45,8 @@ CommandHandler RunFault, RunDelay, RunCrash, RunCrashHalf, RunFaults, RunTrace, 
 CommandHandler RunRun, RunStart, RunPs, RunKill;
 CommandHandler RunCreate, RunExport, RunDump, RunInstall;
 CommandHandler RunInstallCab, RunRemoveApp;
-CommandHandler RunRegImport, RunRegExport, RunRegSet, RunRegDelete;
-CommandHandler RunSet, RunShow;
+CommandHandler RunRegImport, RunRegExport, RunRegSet, RunRegDelete, RunRegLock, RunRegUnlock;
+CommandHandler RunSet, RunLike, RunShow;
 CommandHandler RunWindow, RunScreenshot;
 
 // Answer of a command that has nothing to tell.

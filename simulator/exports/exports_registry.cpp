@@ -93,11 +93,33 @@ LONG DeleteKeyBelow(Registry& registry, const OpenKey& key, LPCWSTR subkey) {
     if (!registry.Exists(place)) {
         return ERROR_FILE_NOT_FOUND;
     }
-    if (sim::registry::IsOpen(place)) {
+    const bool refuses_tree = registry.device().Setting("registry.delete.key", "tree") == "refused";
+    if (sim::registry::IsOpen(place) || registry.IsHeld(place) ||
+        (refuses_tree && !registry.Subkeys(place).empty())) {
         return ERROR_ACCESS_DENIED;
     }
     registry.Delete(place);
     return ERROR_SUCCESS;
+}
+
+constexpr char16_t kUnnamedAsListed[] = u"Default";
+
+// How the device tells the name of the value that has none.
+std::string UnnamedValue(const Registry& registry) {
+    return registry.device().Setting("registry.unnamed", "empty");
+}
+
+std::u16string ListedName(const Registry& registry, const std::u16string& name) {
+    return name.empty() && UnnamedValue(registry) != "empty" ? kUnnamedAsListed : name;
+}
+
+// The name of a value as a call has it; on some devices the unnamed one may be called as it is
+// listed.
+std::u16string CalledName(const Registry& registry, LPCWSTR called) {
+    std::u16string name = sim::StoredText(called);
+    const bool is_unnamed = UnnamedValue(registry) == "default" &&
+                            sim::FoldName(name) == sim::FoldName(kUnnamedAsListed);
+    return is_unnamed ? std::u16string() : name;
 }
 
 LONG EnumKey(const Registry& registry, OpenKey& key, DWORD index, LPWSTR name, LPDWORD name_units,
@@ -133,7 +155,7 @@ LONG EnumValue(const Registry& registry, OpenKey& key, DWORD index, LPWSTR name,
     if (!value) {
         return ERROR_NO_MORE_ITEMS;
     }
-    if (!PutText(value->name, name, name_units)) {
+    if (!PutText(ListedName(registry, value->name), name, name_units)) {
         return ERROR_MORE_DATA;
     }
     PutNumber(type, value->type);
@@ -163,7 +185,8 @@ KeyFigures FiguresOf(const Registry& registry, OpenKey& key) {
             continue;
         }
         ++figures.values;
-        figures.longest_value_name = std::max(figures.longest_value_name, value->name.size());
+        figures.longest_value_name =
+            std::max(figures.longest_value_name, ListedName(registry, value->name).size());
         figures.longest_data = std::max(figures.longest_data, value->data.size());
     }
     // Whether these lengths count the terminator is not the same on every device.
@@ -226,7 +249,7 @@ LONG WINAPI RegQueryValueExW(HKEY hkey, LPCWSTR name, LPDWORD, LPDWORD type, LPB
             if (data != nullptr && size == nullptr) {
                 return ERROR_INVALID_PARAMETER;
             }
-            const std::optional<Value> value = registry.Find(key.id(), sim::StoredText(name));
+            const std::optional<Value> value = registry.Find(key.id(), CalledName(registry, name));
             if (!value) {
                 return ERROR_FILE_NOT_FOUND;
             }
@@ -241,11 +264,12 @@ LONG WINAPI RegSetValueExW(HKEY hkey, LPCWSTR name, DWORD, DWORD type, const BYT
     return OnKey(
         Call::RegSetValueExW, hkey,
         [&](Registry& registry, OpenKey& key) -> long {
-            Value value{sim::StoredText(name), type, {}};
+            Value value{CalledName(registry, name), type, {}};
+            const std::int64_t most = registry.device().NumberSetting("registry.value.limit", size);
             // Whether no data may be a null is not the same on every system.
             const bool refuses_null =
                 size != 0 || registry.device().Setting("registry.null.data", "") == "refused";
-            if (value.name.size() > sim::registry::kMaxNameUnits ||
+            if (value.name.size() > sim::registry::kMaxNameUnits || size > most ||
                 (data == nullptr && refuses_null)) {
                 return ERROR_INVALID_PARAMETER;
             }
@@ -262,8 +286,9 @@ LONG WINAPI RegDeleteValueW(HKEY hkey, LPCWSTR name) {
     return OnKey(
         Call::RegDeleteValueW, hkey,
         [&](Registry& registry, OpenKey& key) -> long {
-            return registry.DeleteValue(key.id(), sim::StoredText(name)) ? ERROR_SUCCESS
-                                                                         : ERROR_FILE_NOT_FOUND;
+            return registry.DeleteValue(key.id(), CalledName(registry, name))
+                       ? ERROR_SUCCESS
+                       : ERROR_FILE_NOT_FOUND;
         },
         name);
 }

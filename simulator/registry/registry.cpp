@@ -13,6 +13,7 @@ constexpr char16_t kBehindLevels = u'\x02';  // sorts behind everything below a 
 constexpr std::size_t kMarkUnits = 1;
 const std::u16string kKeys = u"r/k/";
 const std::u16string kValues = u"r/v/";
+const std::u16string kHeld = u"r/l/";
 const std::u16string kGeneration = u"r/gen";
 
 struct RootRow {
@@ -171,8 +172,31 @@ bool Registry::Delete(const KeyId& key) {
     EraseRange(change, KeyEntry(key) + kLevel);
     EraseRange(change, ValuesOf(key));
     EraseRange(change, kValues + key + kLevel);
+    change.Erase(kHeld + key);
+    EraseRange(change, kHeld + key + kLevel);
     NextSequence();
     return true;
+}
+
+bool Registry::Hold(const KeyId& key, bool is_held) {
+    LogStore::Change change(device_.store());
+    if (change.Find(KeyEntry(key)) == nullptr) {
+        return false;
+    }
+    if (is_held) {
+        change.Set(kHeld + key, "");
+    } else {
+        change.Erase(kHeld + key);
+    }
+    return true;
+}
+
+bool Registry::IsHeld(const KeyId& key) const {
+    LogStore::View view(device_.store());
+    const std::u16string below = kHeld + key + kLevel;
+    const auto at = view.map().lower_bound(below);
+    return view.Find(kHeld + key) != nullptr ||
+           (at != view.map().end() && StartsWith(at->first, below));
 }
 
 KeyNames Registry::NamesOf(const KeyId& key) const {

@@ -2,6 +2,7 @@
 // Kept in the device's log, never in the host's registry:
 //   r/k/<key>                     a key: sequence, name, class
 //   r/v/<key> U+0002 <name>       a value: sequence, type, name, data
+//   r/l/<key>                     the key is held open by another program
 //   r/gen                         counts every key and value that came or went
 // where <key> is the root's digit, then U+0001 and the folded name for each level.
 #pragma once
@@ -77,6 +78,11 @@ public:
                  KeyId& place, bool& created);
     // Deletes the key with everything below it; false when there is none.
     bool Delete(const KeyId& key);
+
+    // Another program holds the key open, or no longer. False when it is not there.
+    bool Hold(const KeyId& key, bool is_held);
+    // Whether another program holds the key or one below it.
+    bool IsHeld(const KeyId& key) const;
 
     KeyNames NamesOf(const KeyId& key) const;
     // "HKLM\Software\…" or with the root's full name.

@@ -8,6 +8,7 @@
 #include "platform/text.h"
 #include "snapshot/compare/exclusion.h"
 #include "snapshot/records/checksum.h"
+#include "snapshot/text/letter_case.h"
 #include "snapshot/text/text_buffer.h"
 #include "storage/format/info_block.h"
 
@@ -100,8 +101,18 @@ private:
             // A name that does not fit is longer than a block can name: such a value is left out.
             if (::RegEnumValueW(key, i, Wide(value_name_), &name_units, nullptr, &type, data_.get(),
                                 &data_bytes) == ERROR_SUCCESS) {
+                TakeOffListedName(key);
                 maker_(scan_, {false, hive_, path_, value_name_, type, data_.get(), data_bytes});
             }
+        }
+    }
+
+    // The value without a name may be listed under one that no other call knows.
+    void TakeOffListedName(HKEY key) {
+        if (EqualIgnoringCase(value_name_, u"Default") &&
+            ::RegQueryValueExW(key, Wide(value_name_), nullptr, nullptr, nullptr, nullptr) ==
+                ERROR_FILE_NOT_FOUND) {
+            value_name_[0] = 0;
         }
     }
 
@@ -162,6 +173,9 @@ void MakeRegistryObject(RegistryScan& scan, const RegistryEntry& entry) {
         return;
     }
     const std::uint32_t TolvOID = Identify(scan, entry);
+    if (scan.objects.lacks_memory()) {
+        scan.left_out.NoteLackOfMemory();
+    }
     InfoBlock block;
     if (TolvOID == 0 || !scan.info.GetOIDInfo(TolvOID, 0, block)) {
         return;
@@ -173,9 +187,6 @@ void MakeRegistryObject(RegistryScan& scan, const RegistryEntry& entry) {
         entry.is_key ? kKeyFingerprint : Checksum16(entry.data, entry.data_bytes);
     record.flags = JF_PRESENT;
     record.type = entry.is_key ? ObjectType::kRegistryKey : ObjectType::kRegistryValue;
-    if (scan.objects.lacks_memory()) {
-        scan.left_out.NoteLackOfMemory();
-    }
     if (!scan.list.AddObject(record)) {
         scan.left_out.NoteLackOfMemory();
     }

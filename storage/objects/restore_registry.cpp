@@ -13,12 +13,22 @@ RestoreOutcome Outcome(LONG status) {
     return status == ERROR_SUCCESS ? RestoreOutcome::kDone : FailWith(static_cast<DWORD>(status));
 }
 
+// A key that another program has open stays, and on some systems one with subkeys: those go first,
+// and the next pass meets it again. A hive itself is no key to delete.
+RestoreOutcome DeleteKey(HKEY root, const char16_t* key_path) {
+    if (*key_path == 0) {
+        return RestoreOutcome::kDone;
+    }
+    const LONG status = ::RegDeleteKeyW(root, Wide(key_path));
+    return status == ERROR_SUCCESS || !OpenKey(root, Wide(key_path), 0)
+               ? RestoreOutcome::kDone
+               : FailWith(static_cast<DWORD>(status));
+}
+
 RestoreOutcome RestoreKey(KeptKey& kept, HKEY root, const char16_t* key_path, RestoreMode mode) {
     if (mode == RestoreMode::kDelete) {
         kept.Close();
-        // A key that cannot be deleted, as one that is open, does not hold the restore up.
-        ::RegDeleteKeyW(root, Wide(key_path));
-        return RestoreOutcome::kDone;
+        return DeleteKey(root, key_path);
     }
     UniqueHkey key;
     const LONG status = ::RegCreateKeyExW(root, Wide(key_path), 0, nullptr, 0, KEY_ALL_ACCESS,

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <stdexcept>
+#include <vector>
 
 #include "tests/simulator/registry_fixture.h"
 
@@ -259,6 +261,66 @@ TEST_F(RegistryTest, AHandleWhoseKeyAnotherDeletedAnswersKeyDeleted) {
     const BYTE byte = 0;
     EXPECT_EQ(ERROR_KEY_DELETED, ::RegSetValueExW(key, L"x", 0, REG_BINARY, &byte, 1));
     EXPECT_EQ(ERROR_SUCCESS, ::RegCloseKey(key));
+}
+
+// A desktop's refuses a key with subkeys, and no version of the documents speaks of all devices.
+TEST_F(RegistryTest, AKeyWithSubkeysGoesWithThemOrIsRefused) {
+    Make(HKEY_USERS, L"k\\below");
+    device().Set("registry.delete.key", "refused");
+    EXPECT_EQ(ERROR_ACCESS_DENIED, ::RegDeleteKeyW(HKEY_USERS, L"k"));
+    EXPECT_EQ(ERROR_SUCCESS, ::RegDeleteKeyW(HKEY_USERS, L"k\\below"));
+    EXPECT_EQ(ERROR_SUCCESS, ::RegDeleteKeyW(HKEY_USERS, L"k"));
+    Make(HKEY_USERS, L"k\\below");
+    device().Set("registry.delete.key", "");
+    EXPECT_EQ(ERROR_SUCCESS, ::RegDeleteKeyW(HKEY_USERS, L"k"));
+}
+
+// An open key cannot be deleted, whoever has it open.
+TEST_F(RegistryTest, AKeyThatAnotherProgramHoldsStays) {
+    Make(HKEY_USERS, L"k\\below");
+    Make(HKEY_USERS, L"k\\belows");
+    device().Command("reg-lock HKU\\K\\Below");
+    EXPECT_EQ(ERROR_ACCESS_DENIED, ::RegDeleteKeyW(HKEY_USERS, L"k"));
+    EXPECT_EQ(ERROR_ACCESS_DENIED, ::RegDeleteKeyW(HKEY_USERS, L"k\\below"));
+    EXPECT_EQ(ERROR_SUCCESS, ::RegDeleteKeyW(HKEY_USERS, L"k\\belows"));
+    device().Command("reg-unlock HKU\\k\\below");
+    EXPECT_EQ(ERROR_SUCCESS, ::RegDeleteKeyW(HKEY_USERS, L"k"));
+    EXPECT_THROW(device().Command("reg-lock HKU\\k"), std::runtime_error);
+}
+
+// 4096 bytes are documented as the most for a value.
+TEST_F(RegistryTest, AValueOfMoreBytesThanTheLimitIsRefused) {
+    device().Set("registry.value.limit", "4096");
+    HKEY key = Create(HKEY_USERS, L"k");
+    const std::vector<BYTE> data(4097);
+    EXPECT_EQ(ERROR_INVALID_PARAMETER,
+              ::RegSetValueExW(key, L"v", 0, REG_BINARY, data.data(), 4097));
+    EXPECT_EQ(ERROR_SUCCESS, ::RegSetValueExW(key, L"v", 0, REG_BINARY, data.data(), 4096));
+    device().Set("registry.value.limit", "");
+    EXPECT_EQ(ERROR_SUCCESS, ::RegSetValueExW(key, L"v", 0, REG_BINARY, data.data(), 4097));
+    ::RegCloseKey(key);
+}
+
+// The documents name the value without a name "Default"; whether calls know that name is open.
+TEST_F(RegistryTest, TheValueWithoutANameIsListedAsTheDeviceHasIt) {
+    HKEY key = Create(HKEY_USERS, L"k");
+    SetText(key, L"", L"text");
+    const auto query = [&](const wchar_t* name) {
+        return ::RegQueryValueExW(key, name, nullptr, nullptr, nullptr, nullptr);
+    };
+    EXPECT_EQ(L"", ValueName(key, 0));
+    EXPECT_EQ(ERROR_FILE_NOT_FOUND, query(L"Default"));
+    device().Set("registry.unnamed", "listed");
+    EXPECT_EQ(L"Default", ValueName(key, 0));
+    EXPECT_EQ(ERROR_FILE_NOT_FOUND, query(L"Default"));
+    EXPECT_EQ(ERROR_SUCCESS, query(nullptr));
+    device().Set("registry.unnamed", "default");
+    EXPECT_EQ(L"Default", ValueName(key, 0));
+    EXPECT_EQ(ERROR_SUCCESS, query(L"default"));
+    EXPECT_EQ(ERROR_SUCCESS, query(L""));
+    EXPECT_EQ(ERROR_SUCCESS, ::RegDeleteValueW(key, L"Default"));
+    EXPECT_EQ(ERROR_FILE_NOT_FOUND, query(L""));
+    ::RegCloseKey(key);
 }
 
 }  // namespace

@@ -89,13 +89,26 @@ TEST_F(RestoreRegistryTest, AKeyIsDeletedWithAllBelowIt) {
     EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, L"Old"));
 }
 
-TEST_F(RestoreRegistryTest, DeletingAKeyAlwaysSucceeds) {
+TEST_F(RestoreRegistryTest, AKeyIsDeletedOnceItIsGone) {
     EXPECT_EQ(kDone, Delete(LiveKey(HKEY_CURRENT_USER, u"Absent")));
-    Run();
     SetValue(HKEY_CURRENT_USER, L"Old", L"v", REG_DWORD, Word(1));
-    Fail("RegDeleteKeyW", 1, ERROR_ACCESS_DENIED);
-    EXPECT_EQ(kDone, Delete(LiveKey(HKEY_CURRENT_USER, u"Old")));
+    FailInRun("RegDeleteKeyW", 1, ERROR_ACCESS_DENIED);
+    EXPECT_EQ(kFailed, Delete(LiveKey(HKEY_CURRENT_USER, u"Old")));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_ACCESS_DENIED), ::GetLastError());
     EXPECT_TRUE(KeyExists(HKEY_CURRENT_USER, L"Old"));
+    EXPECT_EQ(kDone, Delete(LiveKey(HKEY_CURRENT_USER, u"Old")));
+    EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, L"Old"));
+}
+
+TEST_F(RestoreRegistryTest, AKeyThatAnotherProgramHasOpenIsNotDeleted) {
+    SetValue(HKEY_CURRENT_USER, L"Old\\Below", L"v", REG_DWORD, Word(1));
+    device().Command("reg-lock HKCU\\Old\\Below");
+    EXPECT_EQ(kFailed, Delete(LiveKey(HKEY_CURRENT_USER, u"Old")));
+    EXPECT_TRUE(KeyExists(HKEY_CURRENT_USER, L"Old\\Below"));
+}
+
+TEST_F(RestoreRegistryTest, AHiveIsNotDeleted) {
+    EXPECT_EQ(kDone, Delete(LiveKey(HKEY_USERS, u"")));
 }
 
 TEST_F(RestoreRegistryTest, AValueComesBackWithTypeAndData) {
