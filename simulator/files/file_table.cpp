@@ -196,7 +196,7 @@ Node FileTable::Add(const Node& parent, const std::wstring& name, std::uint32_t 
     Slot& place = slot(node.number);
     place.size = 0;
     place.writers = 0;
-    const std::uint64_t now = device_.WriteTimeUtc();
+    const std::uint64_t now = OnMedium(node, device_.WriteTimeUtc());
     StoreTime(place.created, now);
     StoreTime(place.accessed, now);
     StoreTime(place.modified, now);

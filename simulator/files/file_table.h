@@ -80,6 +80,10 @@ public:
     std::optional<Node> Get(std::uint32_t number);
     std::optional<Node> Child(std::uint32_t parent, const std::wstring& name);
     std::optional<Node> ByOid(std::uint32_t oid);
+    // What programs are told: that of a file on a card is 0, all ones or one of its own (setting
+    // "card.oid").
+    std::uint32_t ToldOid(const Node& node);
+    std::optional<Node> ByToldOid(std::uint32_t oid);
     // True for what lies on a card whose switch keeps it from being written (setting
     // "card.protected").
     bool IsProtected(const Node& node);
@@ -122,6 +126,10 @@ public:
 
 private:
     void Write(const Node& node);
+    // Times as the medium keeps them: a card's may be local ones of two seconds (setting
+    // "card.times").
+    std::uint64_t OnMedium(const Node& node, std::uint64_t utc);
+    std::uint64_t FromMedium(const Node& node, std::uint64_t kept);
 
     Device& device_;
     SlotFile slots_;

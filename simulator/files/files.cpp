@@ -262,7 +262,7 @@ Entry Info(Device& device, const std::wstring& path) {
 std::optional<Entry> InfoByOid(Device& device, std::uint32_t oid) {
     FileTable& table = FileTable::Of(device);
     LogStore::View view(table.store());
-    const std::optional<Node> node = table.ByOid(oid);
+    const std::optional<Node> node = table.ByToldOid(oid);
     if (!node) {
         return std::nullopt;
     }

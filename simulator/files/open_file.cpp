@@ -154,6 +154,11 @@ std::uint32_t OpenFile::Flush() {
     if (const std::uint32_t error = AbsenceOf(table_, node_)) {
         return error;
     }
+    if (node_.on_card) {
+        if (const auto error = table_.device().NumberSetting("card.flush.error", 0)) {
+            return static_cast<std::uint32_t>(error);
+        }
+    }
     NoteFlush(table_, node_);
     return 0;
 }
@@ -187,7 +192,7 @@ std::uint32_t OpenFile::Info(FileInfo& info) {
     info.attributes = table_.AttributesOf(*now);
     info.times = table_.TimesOf(*now);
     info.size = table_.SizeOf(*now);
-    info.oid = now->oid;
+    info.oid = table_.ToldOid(*now);
     info.number = now->number;
     info.on_card = now->on_card;
     return 0;

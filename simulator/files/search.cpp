@@ -58,7 +58,7 @@ bool Search::Next(FindEntry& entry) {
             continue;
         }
         entry.info = {table_.TimesOf(*node), table_.AttributesOf(*node),
-                      table_.SizeOf(*node),  node->oid,
+                      table_.SizeOf(*node),  table_.ToldOid(*node),
                       node->number,          node->on_card};
         entry.name = node->name;
         return true;

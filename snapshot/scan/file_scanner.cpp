@@ -119,11 +119,17 @@ bool FingerprintOf(const char16_t* path, const WIN32_FIND_DATAW& entry,
     return ChecksumOfContents(path, entry, fingerprint);
 }
 
+// Files outside the object store have no identifier of it; which they tell instead depends on the
+// system.
+bool HasStoreId(const WIN32_FIND_DATAW& entry) {
+    return entry.dwOID != 0 && entry.dwOID != 0xFFFFFFFF;
+}
+
 // What no state is to hold. Something without an identifier cannot be described: 0 means the state
 // that is being written.
 bool IsPassedOver(const FileScan& scan, const char16_t* folder_path,
                   const WIN32_FIND_DATAW& entry) {
-    return entry.dwOID == 0 || IsInRom(entry.dwFileAttributes) || IsMountedCard(entry) ||
+    return !HasStoreId(entry) || IsInRom(entry.dwFileAttributes) || IsMountedCard(entry) ||
            IsExcluded(ExclusionKind::kFile, folder_path, Utf16(entry.cFileName),
                       &scan.storage_files);
 }

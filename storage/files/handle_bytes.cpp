@@ -1,6 +1,7 @@
 #include "storage/files/handle_bytes.h"
 
 #include "platform/text.h"
+#include "storage/files/card_retry.h"
 
 namespace tolvenar {
 namespace {
@@ -35,7 +36,22 @@ UniqueHandle OpenSavFile(const StorageNames& names) {
 }
 
 UniqueHandle OpenSavFileForWriting(const StorageNames& names) {
-    return OpenFile(names.sav, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, OPEN_EXISTING);
+    UniqueHandle file;
+    WriteToCard([&] {
+        file = OpenFile(names.sav, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, OPEN_EXISTING);
+        return static_cast<bool>(file);
+    });
+    return file;
+}
+
+bool Flush(HANDLE file) {
+    return WriteToCard([file] {
+        if (::FlushFileBuffers(file)) {
+            return true;
+        }
+        const DWORD error = ::GetLastError();
+        return error == ERROR_NOT_SUPPORTED || error == ERROR_CALL_NOT_IMPLEMENTED;
+    });
 }
 
 bool IsWriteProtected(const char16_t* path) {
@@ -79,11 +95,22 @@ bool HandleBytes::Size(std::uint32_t& bytes) {
 }
 
 bool HandleBytes::Append(const void* buffer, std::uint32_t bytes) {
+    const std::uint32_t place = position_;
+    return WriteToCard([&] { return WriteAt(place, buffer, bytes); });
+}
+
+// A write that failed may have moved the handle.
+bool HandleBytes::WriteAt(std::uint32_t place, const void* buffer, std::uint32_t bytes) {
+    if (!MoveTo(place)) {
+        return false;
+    }
     DWORD done = 0;
-    is_position_known_ =
-        ::WriteFile(file_, buffer, bytes, &done, nullptr) != FALSE && done == bytes;
+    const bool is_written = ::WriteFile(file_, buffer, bytes, &done, nullptr) != FALSE;
+    is_position_known_ = is_written && done == bytes;
     if (is_position_known_) {
         position_ += done;
+    } else if (is_written) {
+        ::SetLastError(ERROR_DISK_FULL);
     }
     return is_position_known_;
 }

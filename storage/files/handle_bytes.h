@@ -24,6 +24,10 @@ UniqueHandle OpenSavFile(const StorageNames& names);
 // The same for a backup, which appends: empty where the file is write-protected.
 UniqueHandle OpenSavFileForWriting(const StorageNames& names);
 
+// Sees that what was written is on the card. A card whose driver knows no flushing keeps it as it
+// does.
+bool Flush(HANDLE file);
+
 // True when the file is there and cannot be written because it or its card is write-protected. One
 // that another program holds is none of these.
 bool IsWriteProtected(const char16_t* path);
@@ -40,10 +44,13 @@ public:
     bool ReadAt(std::uint32_t offset, void* buffer, std::uint32_t bytes,
                 std::uint32_t& read) override;
     bool Size(std::uint32_t& bytes) override;
+    // A card that is loaded again is waited for.
     bool Append(const void* buffer, std::uint32_t bytes) override;
     bool MoveTo(std::uint32_t offset) override;
 
 private:
+    bool WriteAt(std::uint32_t place, const void* buffer, std::uint32_t bytes);
+
     HANDLE file_;
     std::uint32_t position_ = 0;
     bool is_position_known_ = true;

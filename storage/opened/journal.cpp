@@ -5,6 +5,7 @@
 #include "platform/text.h"
 #include "platform/unique_resource.h"
 #include "snapshot/text/log.h"
+#include "storage/files/card_retry.h"
 #include "storage/files/handle_bytes.h"
 #include "storage/format/journal_records.h"
 #include "storage/opened/old_journals.h"
@@ -74,14 +75,18 @@ bool FinishInterruptedSave(const StorageNames& names, const char16_t*& path) {
 bool ReserveRoom(HANDLE file, HandleBytes& bytes, const ObjectList& list) {
     const std::uint64_t size = std::uint64_t{sizeof(ObjectRecord)} * list.CountRecords();
     return size <= 0xFFFFFFFF && bytes.MoveTo(static_cast<std::uint32_t>(size)) &&
-           ::SetEndOfFile(file) && bytes.MoveTo(0);
+           WriteToCard([file] { return ::SetEndOfFile(file) != FALSE; }) && bytes.MoveTo(0);
 }
 
 enum class Saved { kNothing, kPart, kAll };
 
 // Writes the list into the temporary file.
 Saved WriteTemporary(const StorageNames& names, const ObjectList& list, Progress* progress) {
-    const UniqueHandle file = OpenFile(names.journal_temporary, GENERIC_WRITE, 0, CREATE_ALWAYS);
+    UniqueHandle file;
+    WriteToCard([&] {
+        file = OpenFile(names.journal_temporary, GENERIC_WRITE, 0, CREATE_ALWAYS);
+        return static_cast<bool>(file);
+    });
     HandleBytes bytes(file.get());
     if (!file || !ReserveRoom(file.get(), bytes, list)) {
         return Saved::kNothing;
@@ -97,7 +102,7 @@ Saved WriteTemporary(const StorageNames& names, const ObjectList& list, Progress
     if (!is_whole && !(bytes.MoveTo(end) && ::SetEndOfFile(file.get()))) {
         return Saved::kNothing;
     }
-    if (!::FlushFileBuffers(file.get())) {
+    if (!Flush(file.get())) {
         return Saved::kNothing;
     }
     return is_whole ? Saved::kAll : Saved::kPart;
@@ -112,11 +117,12 @@ int SaveObjectList(const StorageNames& names, const ObjectList& list, Progress* 
         return 0;
     }
     if (saved == Saved::kAll) {
-        ::DeleteFileW(Wide(names.journal));
+        WriteToCard([&] { return ::DeleteFileW(Wide(names.journal)) != FALSE; });
     } else if (!MoveJournalAside(names, names.journal)) {
         return 0;
     }
-    const bool replaced = ::MoveFileW(Wide(names.journal_temporary), Wide(names.journal)) != FALSE;
+    const bool replaced = WriteToCard(
+        [&] { return ::MoveFileW(Wide(names.journal_temporary), Wide(names.journal)) != FALSE; });
     return replaced && saved == Saved::kAll && list.CountRecords() != 0 ? 1 : 0;
 }
 

@@ -91,7 +91,7 @@ std::unique_ptr<StorageHeader> CreateStorage(const char16_t* path, DescriptionPr
     // The question may stay for long, and the program or the battery may end under it: a whole head
     // is on the card by then. Whether the write succeeded shows at the next open.
     if (WritePlainHead(bytes, *header) && prompt != nullptr) {
-        ::FlushFileBuffers(file.get());
+        Flush(file.get());
     }
     char16_t answer[kMaxDescriptionUnits] = {};
     std::size_t units = 0;

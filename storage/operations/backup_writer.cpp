@@ -79,7 +79,7 @@ bool WriteState(Engine& engine, std::uint32_t state_number, const char16_t* desc
     std::size_t failed_count = 0;
     const bool has_state = BackupItems(engine, storage, difference, failed_count) != 0;
     result.failed = static_cast<std::uint32_t>(failed_count);
-    return (has_state && ::FlushFileBuffers(sav_file.get())) || Fail(ResultCode::kFailed, result);
+    return (has_state && Flush(sav_file.get())) || Fail(ResultCode::kFailed, result);
 }
 
 // Records that failed stay out: the new state has what the state before had, and the next backup

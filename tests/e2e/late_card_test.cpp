@@ -48,6 +48,24 @@ TEST_F(LateCardStory, AScheduledBackupWaitsForTheCard) {
     }
 }
 
+// The device goes to sleep while the first block is written.
+TEST_F(LateCardStory, ACardThatGoesDuringABackupTakesTheWholeState) {
+    device().PutFile(L"\\My Documents\\b.txt", "more");
+    device().Set("card.ready", "1500 55");
+    HoldCall("WriteFile");
+    Program program = Launch("AutoBackup: External");
+    ASSERT_TRUE(RulesAreUsedUp());
+    Ask("resume");
+    LetGo();
+    EXPECT_EQ(0, program.ExitCode());
+    EXPECT_EQ((Numbers{1, 2}), States());
+    device().Remove(L"\\My Documents\\b.txt");
+    device().PutFile(kNote, "other");
+    EXPECT_EQ(0, RestoreLast());
+    EXPECT_EQ("more", device().FileBytes(L"\\My Documents\\b.txt"));
+    EXPECT_EQ("changed", device().FileBytes(kNote));
+}
+
 TEST_F(LateCardStory, ABackupForALowBatteryWaitsForTheCard) {
     SetBattery(12);
     Resume("3000 55");

@@ -299,5 +299,21 @@ TEST_F(FileScannerTest, TheDeepestPathIsWalkedToItsEnd) {
     EXPECT_EQ((path.size() - 2) / 2 + 1, Walk(u"\\A").size());
 }
 
+// A card whose folders do not tell that they are a card's: by their identifiers its files are known
+// for none of the object store's, and asking for a description takes a tenth of a second each.
+TEST_F(FileScannerTest, WhatHasNoIdentifierOfTheObjectStoreIsNotDescribed) {
+    device().PutFile(L"\\Storage Card\\Folder\\a.txt", "text");
+    device().Set("card.temporary", "none");
+    for (const char* oid : {"none", "ones"}) {
+        device().Set("card.oid", oid);
+        list_->ClearList();
+        const long before = device().Calls("CeOidGetInfoEx");
+        Scan();
+        EXPECT_EQ(1u, list_->CountRecords()) << oid;
+        EXPECT_EQ(1, device().Calls("CeOidGetInfoEx") - before) << oid;
+        EXPECT_EQ(nullptr, left_out_.First());
+    }
+}
+
 }  // namespace
 }  // namespace tolvenar

@@ -76,6 +76,63 @@ TEST_F(HandleBytesTest, AFailedWriteFails) {
     EXPECT_EQ("x\2\3", Content(kSav));
 }
 
+// After a resume a card's driver is loaded again, and open files fail for seconds.
+TEST_F(HandleBytesTest, AWriteWaitsForACardThatIsLoadedAgain) {
+    LetTimePass();
+    for (const std::uint32_t error : {ERROR_ACCESS_DENIED, ERROR_DEV_NOT_EXIST}) {
+        HandleBytes bytes(file_.get());
+        ASSERT_TRUE(bytes.MoveTo(1));
+        const long waits = device().Calls("Sleep");
+        device().Fault("WriteFile", 1, 4, error);
+        EXPECT_TRUE(bytes.Append("abc", 3));
+        EXPECT_EQ(4, device().Calls("Sleep") - waits);
+        EXPECT_TRUE(bytes.Append("d", 1));
+        EXPECT_EQ("\1abcd", ReadAt(bytes, 0, 8));
+        ::SetFilePointer(file_.get(), 0, nullptr, FILE_BEGIN);
+    }
+}
+
+// The first half of what failed is overwritten.
+TEST_F(HandleBytesTest, AWriteThatIsTriedAgainBeginsWhereItStood) {
+    LetTimePass();
+    HandleBytes bytes(file_.get());
+    ASSERT_TRUE(bytes.MoveTo(1));
+    device().Fault("WriteFile", 1, 1, ERROR_DEV_NOT_EXIST);
+    device().Fault("SetFilePointer", 1, 1, ERROR_DEV_NOT_EXIST);
+    EXPECT_TRUE(bytes.Append("abc", 3));
+    EXPECT_EQ("\1abc", ReadAt(bytes, 0, 8));
+}
+
+TEST_F(HandleBytesTest, AFifthFailureAndAnyOtherOneFail) {
+    LetTimePass();
+    HandleBytes bytes(file_.get());
+    device().Fault("WriteFile", 1, 5, ERROR_DEV_NOT_EXIST);
+    EXPECT_FALSE(bytes.Append("abcd", 4));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_DEV_NOT_EXIST), ::GetLastError());
+    const long waits = device().Calls("Sleep");
+    device().Fault("WriteFile", 1, 1, ERROR_WRITE_FAULT);
+    EXPECT_FALSE(bytes.Append("abcd", 4));
+    // A short write has no error of its own, and an older one may stand.
+    ::SetLastError(ERROR_ACCESS_DENIED);
+    device().Short("WriteFile", 1);
+    EXPECT_FALSE(bytes.Append("abcd", 4));
+    EXPECT_EQ(waits, device().Calls("Sleep"));
+}
+
+TEST_F(HandleBytesTest, ADriverThatKnowsNoFlushingHasFlushed) {
+    LetTimePass();
+    EXPECT_TRUE(Flush(file_.get()));
+    for (const char* error : {"50", "120"}) {
+        device().Set("card.flush.error", error);
+        EXPECT_TRUE(Flush(file_.get())) << error;
+    }
+    device().Set("card.flush.error", "29");
+    EXPECT_FALSE(Flush(file_.get()));
+    device().Set("card.flush.error", "");
+    device().Fault("FlushFileBuffers", 1, 4, ERROR_DEV_NOT_EXIST);
+    EXPECT_TRUE(Flush(file_.get()));
+}
+
 TEST_F(HandleBytesTest, WithoutAPositionNothingIsWritten) {
     HandleBytes bytes(file_.get());
     Fail("SetFilePointer", 1, ERROR_INVALID_HANDLE);

@@ -141,7 +141,7 @@ TEST_F(JournalSaveTest, AListThatCannotTakeTheJournalsPlaceIsNotSaved) {
 }
 
 TEST_F(JournalSaveTest, AFailedRenamingIsMadeUpForByTheNextLoad) {
-    Fail("MoveFileW", 1, ERROR_ACCESS_DENIED);
+    Fail("MoveFileW", 1, ERROR_WRITE_FAULT);
     EXPECT_EQ(0, Save());
     EXPECT_FALSE(Exists(kJournal));
     ASSERT_TRUE(OpenJournal(storage_, nullptr));

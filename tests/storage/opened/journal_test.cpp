@@ -141,6 +141,23 @@ TEST_F(JournalTest, AnotherTimeZoneMakesNoOtherJournal) {
     EXPECT_FALSE(JournalIsAsLoaded(storage_));
 }
 
+// The card keeps local times of two seconds: the user has gone to another zone, then summer comes.
+TEST_F(JournalTest, AJournalOnACardWithLocalTimesIsAsLoadedInAnyZone) {
+    device().Set("card.times", "fat");
+    device().Set("zone", "CET-1CEST,M3.5.0/2,M10.5.0/3");
+    device().Set("clock", "2003-02-28T07:30:01.500Z");
+    Put(kJournal, kThreeRecords);
+    ASSERT_TRUE(Open());
+    device().Set("zone", "IST-5:30");
+    EXPECT_TRUE(JournalIsAsLoaded(storage_));
+    device().Set("zone", "CET-1CEST,M3.5.0/2,M10.5.0/3");
+    device().Set("clock", "2003-07-01T07:30:00Z");
+    EXPECT_TRUE(JournalIsAsLoaded(storage_));
+    device().Set("clock", "2003-07-01T07:31:00Z");
+    Put(kJournal, InOrder(kThreeRecords, {2, 1, 0}));
+    EXPECT_FALSE(JournalIsAsLoaded(storage_));
+}
+
 TEST_F(JournalTest, AJournalThatIsGoneIsNotAsLoaded) {
     Put(kJournal, kThreeRecords);
     ASSERT_TRUE(Open());

@@ -74,7 +74,7 @@ TEST_F(BackupWriterFaultTest, AStorageFileThatCannotBeFlushedGives4AndTheJournal
 
 TEST_F(BackupWriterFaultTest, ATemporaryJournalThatCannotBeMadeGives4AndTheJournalIsLoadedAgain) {
     const std::string journal = Content(kJournal);
-    device().Fault("CreateFileW", 1, 1, ERROR_ACCESS_DENIED, "Home.jrn_1");
+    device().Fault("CreateFileW", 1, 1, ERROR_DISK_FULL, "Home.jrn_1");
     EXPECT_EQ(Failed(), Backup(2));
     EXPECT_EQ(journal, Content(kJournal));
     ASSERT_NE(nullptr, storage_.journal);
@@ -91,6 +91,33 @@ TEST_F(BackupWriterFaultTest, AJournalThatCannotBeLoadedAgainGives5AndNoJournal)
     device().EndFaults();
     EXPECT_EQ(nullptr, storage_.journal);
     ExpectClosed();
+}
+
+// The device was off for a moment: each call that writes the pair fails four times.
+TEST_F(BackupWriterFaultTest, ACardThatIsLoadedAgainTakesTheWholeState) {
+    LetTimePass();
+    std::uint32_t state = 2;
+    for (const char* function : {"WriteFile", "FlushFileBuffers", "SetEndOfFile", "DeleteFileW",
+                                 "MoveFileW", "CreateFileW Home.jrn_1"}) {
+        SCOPED_TRACE(function);
+        const std::string call(function);
+        const std::size_t blank = call.find(' ');
+        device().PutFile(L"\\n.txt", call);
+        device().Fault(call.substr(0, blank), 1, 4, ERROR_DEV_NOT_EXIST,
+                       blank == call.npos ? "" : call.substr(blank + 1));
+        EXPECT_EQ(Done(), Backup(state++));
+        EXPECT_EQ(0u, backup_.failed);
+        EXPECT_EQ(std::string::npos, device().Faults().find(call.substr(0, blank)));
+        device().Remove(L"\\n.txt");
+        EXPECT_EQ(Done(), Restore(state - 1));
+        EXPECT_EQ(call, Content(u"\\n.txt"));
+    }
+}
+
+TEST_F(BackupWriterFaultTest, ACardThatKnowsNoFlushingTakesTheState) {
+    device().Set("card.flush.error", "50");
+    EXPECT_EQ(Done(), Backup(2));
+    EXPECT_EQ(0u, FindingsInPair());
 }
 
 // A block that cannot be written is left out and its place taken; the next backup stores the
