@@ -26,6 +26,7 @@ constexpr ReasonText kReasonTexts[] = {
     {FailureReason::kNotStored, IDS_FAILED_NOT_STORED},
     {FailureReason::kNotTried, IDS_FAILED_NOT_TRIED},
     {FailureReason::kOther, IDS_FAILED_OTHER},
+    {FailureReason::kNoOrders, IDS_FAILED_OTHER},
 };
 
 UINT TextOf(const NodeRecord* node) {

@@ -75,8 +75,11 @@ void Merge(const CEDBASEINFO& info, Database& database) {
     if ((info.dwFlags & CEDB_VALIDSORTSPEC) != 0) {
         database.sort_orders.clear();
         for (WORD i = 0; i < info.wNumSortOrder && i < CEDB_MAXSORTORDER; ++i) {
-            database.sort_orders.push_back(
-                {info.rgSortSpecs[i].propid, info.rgSortSpecs[i].dwFlags});
+            // One of no property stands for none.
+            if (info.rgSortSpecs[i].propid != 0) {
+                database.sort_orders.push_back(
+                    {info.rgSortSpecs[i].propid, info.rgSortSpecs[i].dwFlags});
+            }
         }
     }
     if ((info.dwFlags & CEDB_VALIDMODTIME) != 0) {
@@ -93,8 +96,21 @@ bool IsUsable(PCEGUID volume, const CEDBASEINFO* info) {
            (!is_sorted || info->wNumSortOrder <= CEDB_MAXSORTORDER);
 }
 
+// Some systems refuse sort orders whose keys are unique.
+bool TakesOrders(const CEDBASEINFO& info) {
+    bool takes = true;
+    for (WORD i = 0; (info.dwFlags & CEDB_VALIDSORTSPEC) != 0 && i < info.wNumSortOrder; ++i) {
+        takes = takes && (info.rgSortSpecs[i].dwFlags & CEDB_SORT_UNIQUE) == 0;
+    }
+    return takes || Device::Current().Setting("database.unique", "taken") == "taken";
+}
+
 CEOID Create(CEDBASEINFO& info, LastError& error) {
     Device& device = Device::Current();
+    if (!TakesOrders(info)) {
+        error.Set(ERROR_INVALID_PARAMETER);
+        return 0;
+    }
     sim::LogStore::Change change(device.store());
     Database database;
     database.modified = device.WriteTimeUtc();
@@ -144,6 +160,7 @@ HANDLE Open(PCEGUID volume, PCEOID oid, LPCWSTR name, CEPROPID sort, DWORD flags
     if (oid != nullptr) {
         *oid = database->oid;
     }
+    WriteVolume(volume);
     return sim::handles::Register(
         Kind::kDatabase,
         std::make_shared<OpenDatabase>(device, *database, sort, (flags & CEDB_AUTOINCREMENT) != 0));
@@ -157,10 +174,13 @@ void Describe(const DatabaseStore& store, const Database& database, CEDBASEINFO&
     info.wNumSortOrder = static_cast<WORD>(database.sort_orders.size());
     info.dwSize = store.SizeOf(database.oid);
     info.ftLastModified = ToFileTime(database.modified);
+    if (database.sort_orders.empty() &&
+        Device::Current().Setting("database.no.orders", "none") == "placeholder") {
+        info.wNumSortOrder = 1;
+    }
     for (std::size_t i = 0; i < database.sort_orders.size(); ++i) {
         info.rgSortSpecs[i] = {database.sort_orders[i].propid, database.sort_orders[i].flags};
     }
-    WriteVolume(volume);
 }
 
 bool DescribeFile(CEOID oid, CEOIDINFO& info) {
@@ -290,8 +310,12 @@ BOOL WINAPI CeSetDatabaseInfoEx(PCEGUID volume, CEOID oid, CEDBASEINFO* info) {
             sim::LogStore::Change change(device.store());
             DatabaseStore store(device);
             std::optional<Database> database = store.Get(oid);
-            if (!IsUsable(volume, info) || !database) {
+            if (!IsUsable(volume, info) || !database || !TakesOrders(*info)) {
                 return ERROR_INVALID_PARAMETER;
+            }
+            if (device.Setting("database.info.open", "changed") == "refused" &&
+                sim::databases::IsOpen(device, oid)) {
+                return ERROR_SHARING_VIOLATION;
             }
             Merge(*info, *database);
             return store.Change(*database);

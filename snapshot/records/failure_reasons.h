@@ -24,6 +24,7 @@ enum class FailureReason : std::uint16_t {
     kNotStored = 0x0200,    // no state holds it
     kNotTried = 0x0400,     // nothing was restored at all
     kOther = 0x0800,
+    kNoOrders = 0x1000,  // the database is back without its sort orders
 };
 
 // Records are known by their place in memory: clear the table before their list goes.

@@ -11,7 +11,7 @@ namespace tolvenar {
 namespace {
 
 // Of the four sort orders that a database has room for, a new one is given three (docs/oddities.md,
-// 7). SetDatabaseInfo gives it all of them afterwards.
+// 7). Who makes one fills in all of them.
 constexpr WORD kMaxNewSortOrders = 3;
 
 }  // namespace
@@ -56,6 +56,10 @@ CEOID DatabaseLayer::CreateDatabase(const char16_t* name, DWORD type, WORD sort_
         ::SetLastError(ERROR_INVALID_PARAMETER);
         return 0;
     }
+    return CreateDatabase(info);
+}
+
+CEOID DatabaseLayer::CreateDatabase(CEDBASEINFO& info) {
     return ::CeCreateDatabaseEx(&volume_, &info);
 }
 
@@ -81,11 +85,11 @@ HANDLE DatabaseLayer::OpenDatabase(CEOID& oid, const char16_t* name, CEPROPID so
     CENOTIFYREQUEST request{};
     request.dwSize = sizeof request;
     request.hwnd = notify_window;
+    CEGUID volume = volume_;
     const HANDLE database =
         ::CeOpenDatabaseEx(&volume, &oid, Wide(const_cast<char16_t*>(name)), sort_property, flags,
                            notify_window == nullptr ? nullptr : &request);
     // The platform answers either for a database that it cannot open.
-    CEGUID volume = volume_;
     return database == nullptr ? INVALID_HANDLE_VALUE : database;
 }
 

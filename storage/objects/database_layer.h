@@ -58,6 +58,8 @@ public:
     // The id of the new database, made as DescribeNewDatabase says.
     CEOID CreateDatabase(const char16_t* name, DWORD type, WORD sort_count,
                          const SORTORDERSPEC* sort_specs);
+    // The same of what is filled in already.
+    CEOID CreateDatabase(CEDBASEINFO& info);
     BOOL DeleteDatabase(CEOID oid);
     // Walks the databases of `type`, of all types with 0. Closed with CloseHandle.
     HANDLE FindFirstDatabase(DWORD type);

@@ -118,27 +118,75 @@ RestoreOutcome DeleteDatabase(DatabaseLayer& databases, const char16_t* name) {
                : RestoreOutcome::kFailed;
 }
 
-RestoreOutcome WriteDatabase(DatabaseLayer& databases, const StoredBytes& data,
-                             const InfoBlock& block, CEOID& newOid) {
-    CEDBASEINFO info{};
+// The sort orders of a stored database. False when they are damaged.
+bool ReadSortOrders(const StoredBytes& data, const InfoBlock& block, CEDBASEINFO& info) {
     const std::uint32_t sort_orders = block.head().sort_order_count;
     if (sort_orders > CEDB_MAXSORTORDER || !data.complete() ||
         data.length < sort_orders * sizeof(SORTORDERSPEC)) {
-        return FailWith(ERROR_INVALID_DATA);
+        return false;
     }
+    info = CEDBASEINFO{};
     info.dwFlags = CEDB_VALIDSORTSPEC;
     info.wNumSortOrder = static_cast<WORD>(sort_orders);
     if (data.length != 0) {
         std::memcpy(info.rgSortSpecs, data.bytes,
                     std::min<std::size_t>(data.length, sizeof info.rgSortSpecs));
     }
+    return true;
+}
 
+// Where there is no order some systems tell one of property 0.
+WORD OrdersInUse(const CEDBASEINFO& info) {
+    const bool is_placeholder = info.wNumSortOrder == 1 && info.rgSortSpecs[0].propid == 0;
+    return is_placeholder ? 0 : std::min<WORD>(info.wNumSortOrder, CEDB_MAXSORTORDER);
+}
+
+bool HasSortOrders(DatabaseLayer& databases, CEOID oid, const CEDBASEINFO& wanted) {
+    CEOIDINFO present;
+    if (!databases.GetObjectInfo(oid, present) || present.wObjType != OBJTYPE_DATABASE) {
+        return false;
+    }
+    const WORD orders = OrdersInUse(wanted);
+    return OrdersInUse(present.infDatabase) == orders &&
+           std::memcmp(present.infDatabase.rgSortSpecs, wanted.rgSortSpecs,
+                       orders * sizeof(SORTORDERSPEC)) == 0;
+}
+
+// A database that is made without an order is given one of property 0. One whose orders the device
+// does not take is made without them.
+CEOID CreateSorted(DatabaseLayer& databases, const InfoBlock& block, const CEDBASEINFO& orders) {
+    CEDBASEINFO info;
+    const DWORD type = block.head().database_type;
+    if (!DescribeNewDatabase(block.name(), type, 0, nullptr, info)) {
+        return 0;
+    }
+    info.dwFlags |= CEDB_VALIDSORTSPEC;
+    info.wNumSortOrder = std::max<WORD>(OrdersInUse(orders), 1);
+    std::copy_n(orders.rgSortSpecs, OrdersInUse(orders), info.rgSortSpecs);
+    const CEOID oid = databases.CreateDatabase(info);
+    return oid != 0 || ::GetLastError() != ERROR_INVALID_PARAMETER
+               ? oid
+               : databases.CreateDatabase(block.name(), type, 0, nullptr);
+}
+
+// The sort orders of a database that is there are set only when others are stored: the device
+// refuses it while anybody has the database open, and sorts all of its records.
+RestoreOutcome WriteDatabase(DatabaseLayer& databases, const StoredBytes& data,
+                             const InfoBlock& block, CEOID& newOid) {
+    CEDBASEINFO orders;
+    if (!ReadSortOrders(data, block, orders)) {
+        return FailWith(ERROR_INVALID_DATA);
+    }
     newOid = ProbeDatabase(databases, block.name());
     if (newOid == 0) {
-        newOid = databases.CreateDatabase(block.name(), block.head().database_type, 0, nullptr);
+        newOid = CreateSorted(databases, block, orders);
     }
-    return newOid != 0 && databases.SetDatabaseInfo(newOid, info) ? RestoreOutcome::kDone
-                                                                  : RestoreOutcome::kFailed;
+    if (newOid == 0) {
+        return RestoreOutcome::kFailed;
+    }
+    return HasSortOrders(databases, newOid, orders) || databases.SetDatabaseInfo(newOid, orders)
+               ? RestoreOutcome::kDone
+               : FailWith(kSortOrdersRefused);
 }
 
 }  // namespace

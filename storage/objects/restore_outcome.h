@@ -13,6 +13,10 @@ enum class RestoreOutcome {
     kFailed = 1,
 };
 
+// The last error of a database that is back without its sort orders, which the device did not take.
+// The platform has none that means this; bit 29 marks a program's own.
+constexpr DWORD kSortOrdersRefused = 0x20000001;
+
 inline RestoreOutcome FailWith(DWORD error) {
     ::SetLastError(error);
     return RestoreOutcome::kFailed;

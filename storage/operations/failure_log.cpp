@@ -21,6 +21,7 @@ constexpr ReasonRow kReasonRows[] = {
     {FailureReason::kSpared, u"Not restored, left alone for the damage: "},
     {FailureReason::kOnCard, u"Not restored, on a card now: "},
     {FailureReason::kNotStored, u"Not restored, in no state: "},
+    {FailureReason::kNoOrders, u"Back without its sort orders: "},
 };
 
 const char16_t* LineOf(FailureReason reason) {

@@ -32,6 +32,7 @@ constexpr ErrorRow kErrorRows[] = {
     {ERROR_INVALID_DATA, FailureReason::kDamaged},
     {ERROR_CRC, FailureReason::kDamaged},
     {ERROR_FILE_NOT_FOUND, FailureReason::kNotStored},
+    {kSortOrdersRefused, FailureReason::kNoOrders},
 };
 
 FailureReason ReasonOf(DWORD error) {

@@ -306,4 +306,42 @@ TEST_F(DatabasesTest, TheVolumesIdMayBeWritten) {
     }
 }
 
+// Told for some versions only: the sort orders of an open database stay as they are.
+TEST_F(DatabasesTest, SortOrdersOfAnOpenDatabaseMayBeRefused) {
+    const CEOID oid = Create(L"First");
+    CEDBASEINFO info{};
+    info.dwFlags = CEDB_VALIDSORTSPEC;
+    info.wNumSortOrder = 1;
+    info.rgSortSpecs[0] = {kNumber, 0};
+    HANDLE database = Open(oid);
+    device().Set("database.info.open", "refused");
+    EXPECT_FALSE(::CeSetDatabaseInfoEx(&store_, oid, &info));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_SHARING_VIOLATION), ::GetLastError());
+    ::CloseHandle(database);
+    EXPECT_TRUE(::CeSetDatabaseInfoEx(&store_, oid, &info));
+}
+
+TEST_F(DatabasesTest, UniqueSortOrdersMayBeRefused) {
+    CEDBASEINFO info = Info(L"First");
+    info.wNumSortOrder = 1;
+    info.rgSortSpecs[0] = {kNumber, CEDB_SORT_UNIQUE};
+    device().Set("database.unique", "refused");
+    EXPECT_EQ(0u, ::CeCreateDatabaseEx(&store_, &info));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_INVALID_PARAMETER), ::GetLastError());
+    const CEOID oid = Create(L"First");
+    EXPECT_FALSE(::CeSetDatabaseInfoEx(&store_, oid, &info));
+}
+
+// Whether a database without sort orders tells one of property 0 is open.
+TEST_F(DatabasesTest, ASortOrderOfNoPropertyStandsForNone) {
+    CEDBASEINFO info = Info(L"First");
+    info.wNumSortOrder = 1;
+    info.rgSortSpecs[0] = {0, 0};
+    const CEOID oid = ::CeCreateDatabaseEx(&store_, &info);
+    EXPECT_EQ(0, Described(oid).wNumSortOrder);
+    device().Set("database.no.orders", "placeholder");
+    EXPECT_EQ(1, Described(oid).wNumSortOrder);
+    EXPECT_EQ(0u, Described(oid).rgSortSpecs[0].propid);
+}
+
 }  // namespace

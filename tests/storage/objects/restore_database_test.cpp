@@ -76,9 +76,44 @@ TEST_F(RestoreDatabaseTest, ADatabaseThatCannotBeMadeFails) {
 }
 
 TEST_F(RestoreDatabaseTest, ADatabaseWhoseSortOrdersCannotBeSetFails) {
+    MakeDatabase(L"People");
     const ObjectRecord stored = StoreDatabase(u"People", 1, {{kName, 0}});
     FailInRun("CeSetDatabaseInfoEx", 1, ERROR_DISK_FULL);
     EXPECT_EQ(kFailed, WriteBack(stored));
+    EXPECT_EQ(kSortOrdersRefused, ::GetLastError());
+}
+
+// Setting them anew takes the device minutes, and is refused while anybody has the database open.
+TEST_F(RestoreDatabaseTest, SortOrdersThatAreThereAreNotSet) {
+    const ObjectRecord stored = StoreDatabase(u"People", 1, {{kName, 0}, {kNumber, 0}});
+    EXPECT_EQ(kDone, WriteBack(stored));
+    CEOID oid = 0;
+    const UniqueHandle database(databases_.OpenDatabase(oid, u"People", 0, 0, nullptr));
+    device().Set("database.info.open", "refused");
+    EXPECT_EQ(kDone, WriteBack(stored));
+    EXPECT_EQ(0, device().Calls("CeSetDatabaseInfoEx"));
+    // In another order they are others.
+    EXPECT_EQ(kFailed, WriteBack(StoreDatabase(u"People", 1, {{kNumber, 0}, {kName, 0}})));
+    EXPECT_EQ(1, device().Calls("CeSetDatabaseInfoEx"));
+}
+
+TEST_F(RestoreDatabaseTest, ADatabaseWithoutSortOrdersIsMadeWhateverTheDeviceTellsOfIt) {
+    for (const char* told : {"none", "placeholder"}) {
+        device().Set("database.no.orders", told);
+        const std::u16string name = Utf16(told[0] == 'n' ? L"First" : L"Second");
+        EXPECT_EQ(kDone, WriteBack(StoreDatabase(name, 1)));
+        EXPECT_EQ(kDone, WriteBack(StoreDatabase(name, 1, {{0, 0}})));
+        EXPECT_TRUE(DatabaseExists(name.c_str()));
+        EXPECT_EQ(0, device().Calls("CeSetDatabaseInfoEx"));
+    }
+}
+
+TEST_F(RestoreDatabaseTest, ADatabaseWhoseSortOrdersTheDeviceRefusesIsMadeWithoutThem) {
+    device().Set("database.unique", "refused");
+    EXPECT_EQ(kFailed, WriteBack(StoreDatabase(u"People", 1, {{kName, CEDB_SORT_UNIQUE}})));
+    EXPECT_EQ(kSortOrdersRefused, ::GetLastError());
+    EXPECT_TRUE(DatabaseExists(u"People"));
+    EXPECT_EQ(kDone, WriteBack(StoredPerson(u"People", 900, u"Ann", 1)));
 }
 
 TEST_F(RestoreDatabaseTest, AnEmptyDatabaseIsDeletedThoughARecordOfItWasDeletedBefore) {

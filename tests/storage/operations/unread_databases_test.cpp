@@ -104,5 +104,17 @@ TEST_F(UnreadDatabasesTest, ANewDatabaseThatCannotBeReadStaysAndIsTold) {
     EXPECT_FALSE(DatabaseExists(u"Other"));
 }
 
+// What the user reads is not that something is in use.
+TEST_F(UnreadDatabasesTest, ADatabaseThatIsBackWithoutItsSortOrdersIsToldAsThat) {
+    MakeDatabase(L"Sorted", 1, {{kName, CEDB_SORT_UNIQUE}});
+    AddRecord(L"Sorted", L"Cid", 3);
+    ASSERT_EQ(Done(), Backup(2));
+    device().Command("db-delete Sorted");
+    device().Set("database.unique", "refused");
+    EXPECT_EQ(Done(ResultCode::kFailed), Restore(2));
+    EXPECT_EQ((Lines{"Cid=3"}), Records(u"Sorted"));
+    EXPECT_TRUE(LogHas("E DoRestore: Back without its sort orders: Sorted"));
+}
+
 }  // namespace
 }  // namespace tolvenar
