@@ -71,10 +71,30 @@ HANDLE OpenHandle(const sim::files::OpenRequest& request) {
     return sim::handles::Register(Kind::kFile, std::move(file));
 }
 
+// Later systems take no share mode: who reads shares reading, who writes nothing.
+std::uint32_t ShareForMapping(std::uint32_t access, std::uint32_t share) {
+    if (Device::Current().Setting("mapping.share", "honoured") == "honoured") {
+        return share;
+    }
+    return (access & GENERIC_READ) != 0 ? FILE_SHARE_READ : 0;
+}
+
+// Early systems map files for reading alone.
+HANDLE OpenForMapping(sim::files::OpenRequest request) {
+    const bool reads_only = Device::Current().Setting("mapping.write", "taken") == "refused";
+    if (reads_only && (request.access & GENERIC_WRITE) != 0) {
+        sim::SetHostError(ERROR_ACCESS_DENIED);
+        return INVALID_HANDLE_VALUE;
+    }
+    request.share = ShareForMapping(request.access, request.share);
+    return OpenHandle(request);
+}
+
 HANDLE OpenGated(Call call, const sim::files::OpenRequest& request) {
     return Gated(
-        call, INVALID_HANDLE_VALUE, [&] { return OpenHandle(request); }, request.path,
-        request.access, request.share, request.disposition, request.attributes);
+        call, INVALID_HANDLE_VALUE,
+        [&] { return request.for_mapping ? OpenForMapping(request) : OpenHandle(request); },
+        request.path, request.access, request.share, request.disposition, request.attributes);
 }
 
 void Fill(WIN32_FIND_DATAW& data, const sim::files::FindEntry& entry) {

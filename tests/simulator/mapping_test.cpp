@@ -181,5 +181,26 @@ TEST_F(MappingTest, OpeningForMappingFailsAsOpeningDoes) {
     EXPECT_EQ(static_cast<DWORD>(ERROR_SHARING_VIOLATION), ::GetLastError());
 }
 
+// As documented of version 5.0.
+TEST_F(MappingTest, TheShareModeMayBeIgnored) {
+    device().Set("mapping.share", "ignored");
+    HANDLE mapping = MapFile(OpenForMapping(L"\\a.bin", GENERIC_READ, 0));
+    EXPECT_EQ(0, OpenError(L"\\a.bin", GENERIC_READ, FILE_SHARE_READ));
+    EXPECT_TRUE(::CloseHandle(mapping));
+    HANDLE writer = Open(L"\\a.bin", GENERIC_WRITE, FILE_SHARE_READ, OPEN_EXISTING);
+    EXPECT_EQ(INVALID_HANDLE_VALUE,
+              OpenForMapping(L"\\a.bin", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE));
+    ::CloseHandle(writer);
+}
+
+// As documented of version 2.10 and earlier.
+TEST_F(MappingTest, MayBeForReadingAlone) {
+    device().Set("mapping.write", "refused");
+    EXPECT_EQ(INVALID_HANDLE_VALUE, OpenForMapping(L"\\a.bin", GENERIC_READ | GENERIC_WRITE));
+    EXPECT_EQ(static_cast<DWORD>(ERROR_ACCESS_DENIED), ::GetLastError());
+    HANDLE mapping = MapFile(OpenForMapping(L"\\a.bin"));
+    EXPECT_TRUE(::CloseHandle(mapping));
+}
+
 }  // namespace
 }  // namespace tests
