@@ -81,8 +81,7 @@ TEST_P(NamedDevicesTest, ABackupGoesOnWhenTheDeviceWakesUp) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Devices, NamedDevicesTest,
-                         ::testing::Values("kind", "strict-2.11", "strict-4"),
-                         [](const auto& row) {
+                         ::testing::Values("kind", "strict-2.11", "strict-4"), [](const auto& row) {
                              std::string name(row.param);
                              for (char& c : name) {
                                  c = c == '-' || c == '.' ? '_' : c;
