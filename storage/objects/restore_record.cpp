@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "platform/registry_key.h"
+#include "platform/text.h"
 #include "snapshot/text/log.h"
 #include "snapshot/text/text_buffer.h"
 #include "storage/objects/restore_database.h"
@@ -65,24 +67,38 @@ RestoreOutcome WithoutStoredBlock(LiveObjects& live, const ObjectRecord& record,
     return RestoreOutcome::kDone;
 }
 
+// A key that another program has open stays, and on some systems one with subkeys: those go first,
+// and the next pass meets it again (docs/oddities.md, 66).
+RestoreOutcome RestoreNamed(KeptKey& kept, const StoredBytes& data, const InfoBlock& block,
+                            const RegistryName& name, RestoreMode mode) {
+    const RestoreOutcome outcome = RestoreRegistryObject(kept, data, block, name, mode);
+    if (block.type() != ObjectType::kRegistryKey || mode != RestoreMode::kDelete ||
+        outcome != RestoreOutcome::kDone) {
+        return outcome;
+    }
+    const DWORD error = ::GetLastError();
+    return error != ERROR_SUCCESS && OpenKey(RootKey(block.head().hive), Wide(name.key_path), 0)
+               ? FailWith(error)
+               : RestoreOutcome::kDone;
+}
+
 // A live object is named by its entry in the registry-object table, a stored one by its block.
 RestoreOutcome RestoreRegistry(RestoreTools& tools, const ObjectRecord& record, InfoBlock& block,
                                const StoredBytes& data, RestoreMode mode) {
     if (const RegistryObject* live =
             record.propOffset == 0 ? tools.live.FindRegistryObject(record.TolvOID) : nullptr) {
-        return RestoreRegistryObject(tools.key, data, block, {live->key_path, live->value_name},
-                                     mode);
+        return RestoreNamed(tools.key, data, block, {live->key_path, live->value_name}, mode);
     }
     char16_t* const name = block.name();
     if (record.type == ObjectType::kRegistryKey) {
-        return RestoreRegistryObject(tools.key, data, block, {name, nullptr}, mode);
+        return RestoreNamed(tools.key, data, block, {name, nullptr}, mode);
     }
     std::size_t separator = 0;
     if (!tools.value_names.FindSeparator(record, block, separator)) {
         return FailWith(ERROR_INVALID_DATA);
     }
     name[separator] = 0;
-    return RestoreRegistryObject(tools.key, data, block, {name, name + separator + 1}, mode);
+    return RestoreNamed(tools.key, data, block, {name, name + separator + 1}, mode);
 }
 
 // What is written back; nothing of it is there when it cannot be mapped.

@@ -13,22 +13,14 @@ RestoreOutcome Outcome(LONG status) {
     return status == ERROR_SUCCESS ? RestoreOutcome::kDone : FailWith(static_cast<DWORD>(status));
 }
 
-// A key that another program has open stays, and on some systems one with subkeys: those go first,
-// and the next pass meets it again. A hive itself is no key to delete.
-RestoreOutcome DeleteKey(HKEY root, const char16_t* key_path) {
-    if (*key_path == 0) {
-        return RestoreOutcome::kDone;
-    }
-    const LONG status = ::RegDeleteKeyW(root, Wide(key_path));
-    return status == ERROR_SUCCESS || !OpenKey(root, Wide(key_path), 0)
-               ? RestoreOutcome::kDone
-               : FailWith(static_cast<DWORD>(status));
-}
-
 RestoreOutcome RestoreKey(KeptKey& kept, HKEY root, const char16_t* key_path, RestoreMode mode) {
     if (mode == RestoreMode::kDelete) {
         kept.Close();
-        return DeleteKey(root, key_path);
+        // A key that cannot be deleted, as one that is open, does not hold the restore up: the last
+        // error tells of it. A hive itself is no key to delete.
+        ::SetLastError(static_cast<DWORD>(*key_path == 0 ? ERROR_SUCCESS
+                                                         : ::RegDeleteKeyW(root, Wide(key_path))));
+        return RestoreOutcome::kDone;
     }
     UniqueHkey key;
     const LONG status = ::RegCreateKeyExW(root, Wide(key_path), 0, nullptr, 0, KEY_ALL_ACCESS,

@@ -89,7 +89,21 @@ TEST_F(RestoreRegistryTest, AKeyIsDeletedWithAllBelowIt) {
     EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, L"Old"));
 }
 
-TEST_F(RestoreRegistryTest, AKeyIsDeletedOnceItIsGone) {
+// What is still there afterwards is found by who asked for it.
+TEST_F(RestoreRegistryTest, DeletingAKeyAlwaysSucceeds) {
+    SetValue(HKEY_CURRENT_USER, L"Old", L"v", REG_DWORD, Word(1));
+    const ObjectRecord key = LiveKey(HKEY_CURRENT_USER, u"Old");
+    InfoBlock block;
+    ASSERT_TRUE(Run().live.GetOIDInfo(key.TolvOID, key.dwOID, block));
+    FailInRun("RegDeleteKeyW", 1, ERROR_ACCESS_DENIED);
+    for (const bool is_there : {true, false, false}) {
+        EXPECT_EQ(kDone,
+                  RestoreRegistryObject(key_, {}, block, {u"Old", nullptr}, RestoreMode::kDelete));
+        EXPECT_EQ(is_there, KeyExists(HKEY_CURRENT_USER, L"Old"));
+    }
+}
+
+TEST_F(RestoreRegistryTest, AKeyIsRestoredAwayOnceItIsGone) {
     EXPECT_EQ(kDone, Delete(LiveKey(HKEY_CURRENT_USER, u"Absent")));
     SetValue(HKEY_CURRENT_USER, L"Old", L"v", REG_DWORD, Word(1));
     FailInRun("RegDeleteKeyW", 1, ERROR_ACCESS_DENIED);
@@ -100,7 +114,7 @@ TEST_F(RestoreRegistryTest, AKeyIsDeletedOnceItIsGone) {
     EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, L"Old"));
 }
 
-TEST_F(RestoreRegistryTest, AKeyThatAnotherProgramHasOpenIsNotDeleted) {
+TEST_F(RestoreRegistryTest, AKeyThatAnotherProgramHasOpenIsNotRestoredAway) {
     SetValue(HKEY_CURRENT_USER, L"Old\\Below", L"v", REG_DWORD, Word(1));
     device().Command("reg-lock HKCU\\Old\\Below");
     EXPECT_EQ(kFailed, Delete(LiveKey(HKEY_CURRENT_USER, u"Old")));
