@@ -106,6 +106,12 @@ void AddTrimOptions(CLI::App& app, Options& options) {
     app.add_flag("--dry-run", options.dry_run, "writes nothing and tells what would be kept");
 }
 
+void AddSalvageOptions(CLI::App& app, Options& options) {
+    AddStorageAndJson(app, options, kStorageHelp);
+    app.add_option("-o,--output", options.file, "the common name of the new pair")->required();
+    app.add_flag("--dry-run", options.dry_run, "writes nothing and tells what would be saved");
+}
+
 const Command kCommands[] = {
     {"info", "tells what a storage is and which states it holds", "tolvenar info Home.sav",
      AddInfoOptions, RunInfo},
@@ -127,6 +133,8 @@ const Command kCommands[] = {
     {"trim", "makes a new storage with only some of the states",
      "tolvenar trim Home.sav --keep-daily 7 --keep-monthly 12 -o small/Home", AddTrimOptions,
      RunTrim},
+    {"salvage", "makes a new storage out of one whose journal is lost or damaged",
+     "tolvenar salvage Home.sav -o rescued/Home", AddSalvageOptions, RunSalvage},
 };
 
 // The parser's own words for help and errors go where the console says.

@@ -19,14 +19,14 @@ struct Options {
     bool is_long = false;               // ls: kind, size and time, too
     bool all = false;                   // verify: what is whole, too
     std::string folder = ".";           // extract: where the files go
-    bool dry_run = false;               // extract, trim: tells what would be done
+    bool dry_run = false;               // extract, trim, salvage: tells what would be done
     std::string older;                  // diff: the states
     std::string newer;
     bool simple = false;    // diff: the tree by documents and applications
     bool flat = false;      // diff: one line for each object
     bool contents = false;  // diff: what changed in them, too
     std::string form;       // export
-    std::string file;       // export: nothing for the output; trim: the new pair
+    std::string file;       // export: nothing for the output; trim, salvage: the new pair
     KeepRules keep;         // trim
     bool raw = false;       // cat: the bytes that are stored
 };
@@ -40,5 +40,6 @@ ExitCode RunExtract(const Options& options, Console& console);
 ExitCode RunDiff(const Options& options, Console& console);
 ExitCode RunExport(const Options& options, Console& console);
 ExitCode RunTrim(const Options& options, Console& console);
+ExitCode RunSalvage(const Options& options, Console& console);
 
 }  // namespace tolvenar::pc

@@ -31,8 +31,8 @@ bool CopyPieces(StorageReader& reader, const PairPlan& plan, ProgressLine& progr
             const std::uint32_t bytes = std::min(kChunkBytes, piece.bytes - done);
             std::uint32_t read = 0;
             if (IsInterrupted() ||
-                !reader.ReadUpTo(piece.offset + done, chunk.data(), bytes, read) ||
-                read != bytes || !take({chunk.data(), bytes})) {
+                !reader.ReadUpTo(piece.offset + done, chunk.data(), bytes, read) || read != bytes ||
+                !take({chunk.data(), bytes})) {
                 return false;
             }
             done += bytes;
@@ -44,7 +44,8 @@ bool CopyPieces(StorageReader& reader, const PairPlan& plan, ProgressLine& progr
 
 }  // namespace
 
-void WritePair(StorageReader& reader, const PairPlan& plan, const fs::path& stem, const char* what, Console& console) {
+void WritePair(StorageReader& reader, const PairPlan& plan, const fs::path& stem, const char* what,
+               Console& console) {
     const InterruptWatch watch;
     FolderWriter folder(stem.has_parent_path() ? stem.parent_path().string() : ".");
     ProgressLine progress(console, what, plan.storage_bytes);

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <new>
 
+#include "pc/storage/storage_head.h"
 #include "pc/text/failure.h"
 #include "snapshot/compare/difference.h"
 #include "snapshot/compare/states.h"
@@ -101,11 +102,7 @@ StoredPair::StoredPair(const PairFiles& files)
         throw Failure(ExitCode::kCannot, files_.sav + ": its size cannot be told, or is too large");
     }
     const LogPause no_lines;
-    if (!reader_.ReadHead(header_) || header_.formatFamily != kFormatFamily ||
-        header_.formatRevision == 0 || header_.formatRevision > kFormatRevision) {
-        throw Failure(ExitCode::kNotAStorage,
-                      files_.sav + ": not a storage, or of a newer version of Tolvenar");
-    }
+    header_ = ReadStorageHead(reader_, files_.sav);
     sizes_.storage_head = static_cast<std::uint32_t>(StorageHeadSize(header_));
     LoadJournal();
     Check();

@@ -41,10 +41,10 @@ protected:
     PcDamageTest() : journal_(pair.JournalBytes()), right_(Given()) {}
 
     // What is given as right: nothing at all from a damaged journal.
-    States Given() const {
+    States Given(const std::string& storage = "Home.sav") const {
         States given;
         try {
-            StoredPair opened(FindPair(In("Home.sav")));
+            StoredPair opened(FindPair(In(storage)));
             if (!opened.list_is_sound()) {
                 return {};
             }
@@ -75,6 +75,24 @@ protected:
         EXPECT_TRUE(verdict == 4 || verdict == 5 || given == right_) << what << ": " << verdict;
         RunAnother(number);
     }
+    // A salvage gives nothing that no state ever held: one of both files is whole.
+    void Salvage(const std::string& what) const {
+        std::set<std::pair<std::string, Bytes>> versions;
+        for (const auto& [state, contents] : right_) {
+            versions.insert(contents.begin(), contents.end());
+        }
+        const int verdict = Run({"salvage", "HOME", "-o", In("New")}).code;
+        EXPECT_TRUE(verdict == 3 || verdict == 4 || verdict == 5) << what << ": " << verdict;
+        const States given = verdict == 5 ? States() : Given("New.sav");
+        EXPECT_TRUE(verdict != 3 || given.size() == 3) << what;
+        for (const auto& [state, contents] : given) {
+            for (const auto& [name, bytes] : contents) {
+                EXPECT_EQ(1u, versions.count({name, bytes})) << what << ", " << name;
+            }
+        }
+        std::filesystem::remove(In("New.sav"));
+        std::filesystem::remove(In("New.jrn"));
+    }
     void RunAnother(std::size_t number) const {
         const std::vector<std::vector<std::string>> commands = {
             {"info", "HOME"},
@@ -101,6 +119,7 @@ TEST_F(PcDamageTest, AnyByteOfTheJournal) {
         journal[i] = static_cast<char>(journal[i] ^ kFlips[i % sizeof kFlips]);
         Write("Home.jrn", journal);
         Look(i, "byte " + std::to_string(i) + " of the journal");
+        Salvage("byte " + std::to_string(i) + " of the journal");
     }
 }
 
@@ -139,6 +158,7 @@ TEST_F(PcDamageTest, AnyByteOfTheStorageFile) {
         sav[i] = static_cast<char>(sav[i] ^ kFlips[i % sizeof kFlips]);
         Write("Home.sav", sav);
         Look(i, "byte " + std::to_string(i) + " of the storage file");
+        Salvage("byte " + std::to_string(i) + " of the storage file");
     }
 }
 
@@ -146,6 +166,7 @@ TEST_F(PcDamageTest, AnyLengthOfTheStorageFile) {
     for (std::size_t i = 0; i < pair.sav.size(); i += 3) {
         Write("Home.sav", pair.sav.substr(0, i));
         Look(i, "storage file of " + std::to_string(i));
+        Salvage("storage file of " + std::to_string(i));
         EXPECT_EQ(i < 236 ? 5 : 4, Run({"info", "HOME"}).code) << i;
     }
 }
