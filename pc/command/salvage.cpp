@@ -106,9 +106,10 @@ void PrintText(const SalvageSource& source, const Salvage& salvage, Console& con
         console.Line("What was deleted between the states stays in the later ones.");
     }
     if (salvage.records_without_id != 0) {
-        console.Line(fmt::format("{} database records have no id: earlier versions of them stay "
-                                 "beside the later ones.",
-                                 salvage.records_without_id));
+        console.Line(
+            fmt::format("{} database records have no id: earlier versions of them stay "
+                        "beside the later ones.",
+                        salvage.records_without_id));
     }
 }
 

@@ -111,10 +111,10 @@ private:
         BlockWalk walk = WalkBlocks(source_.reader, source_.records, head, source_.bytes);
         // A damaged length of the description hides the first block.
         if (walk.blocks.empty() || walk.blocks[0].offset != head) {
-            BlockWalk earlier = WalkBlocks(source_.reader, source_.records, kDescriptionOffset,
-                                           source_.bytes);
-            salvage_.is_head_made = source_.bytes < head || (!earlier.blocks.empty() &&
-                                                             earlier.blocks[0].offset < head);
+            BlockWalk earlier =
+                WalkBlocks(source_.reader, source_.records, kDescriptionOffset, source_.bytes);
+            salvage_.is_head_made = source_.bytes < head ||
+                                    (!earlier.blocks.empty() && earlier.blocks[0].offset < head);
             walk = salvage_.is_head_made ? std::move(earlier) : std::move(walk);
         }
         if (salvage_.is_head_made) {
@@ -134,8 +134,8 @@ private:
             Found found{DescribeFound(source_.reader, block), {}, 0};
             const StoredObject& object = found.object;
             const bool is_state = object.type() == ObjectType::kState;
-            found.old_number = block.proof != nullptr ? block.proof->state_number
-                                                      : std::uint16_t{0};
+            found.old_number =
+                block.proof != nullptr ? block.proof->state_number : std::uint16_t{0};
             if (!is_state && object.is_damaged) {
                 salvage_.damaged.push_back({block.offset, NameOf(object)});
                 continue;
@@ -246,10 +246,10 @@ private:
     Salvage salvage_;
     ObjectRecord title_{};  // of the present state
     std::string made_title_;
-    Blocks blocks_;                                  // the objects of the present state
-    std::map<std::u16string, std::uint32_t> living_;  // their places by their identities
-    std::set<std::u16string> met_;                   // what the present state has stored
-    std::map<std::u16string, std::uint16_t> record_counts_;             // of living ones
+    Blocks blocks_;                                          // the objects of the present state
+    std::map<std::u16string, std::uint32_t> living_;         // their places by their identities
+    std::set<std::u16string> met_;                           // what the present state has stored
+    std::map<std::u16string, std::uint16_t> record_counts_;  // of living ones
     std::vector<std::pair<std::uint32_t, std::u16string>> uncounted_;  // the state's databases
 };
 

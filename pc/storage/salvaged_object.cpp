@@ -101,8 +101,9 @@ StoredObject DescribeFound(StorageReader& reader, const FoundBlock& found) {
     if (IsRegistryObject(record)) {
         record.TolvOID = GeneratedId(reader, block, record);
     }
-    object.is_damaged = found.is_contradicted || !MakeFingerprint(reader, block, record) ||
-                        !DataAreSound(reader, found.proof != nullptr ? *found.proof : record, block);
+    object.is_damaged =
+        found.is_contradicted || !MakeFingerprint(reader, block, record) ||
+        !DataAreSound(reader, found.proof != nullptr ? *found.proof : record, block);
     if (record.type == ObjectType::kDatabase && found.proof != nullptr) {
         record.content_fingerprint = found.proof->content_fingerprint;
     }

@@ -11,9 +11,8 @@ namespace tolvenar::pc {
 namespace {
 
 bool Proves(const ObjectRecord& record, std::uint32_t offset, const InfoBlock& block) {
-    const std::uint32_t data = HasStoredData(block)
-                                   ? offset + static_cast<std::uint32_t>(block.size())
-                                   : kNoData;
+    const std::uint32_t data =
+        HasStoredData(block) ? offset + static_cast<std::uint32_t>(block.size()) : kNoData;
     return IsKnownType(record.type) && record.type == block.type() && record.data_offset == data &&
            record.info_checksum == Checksum16(block.bytes(), block.size());
 }
@@ -41,9 +40,9 @@ const ObjectRecord* SurvivingRecords::ProofOf(std::uint32_t offset, const InfoBl
     if (records == by_block_.end()) {
         return nullptr;
     }
-    const auto proof = std::find_if(
-        records->second.begin(), records->second.end(),
-        [&](const ObjectRecord& record) { return Proves(record, offset, block); });
+    const auto proof =
+        std::find_if(records->second.begin(), records->second.end(),
+                     [&](const ObjectRecord& record) { return Proves(record, offset, block); });
     return proof == records->second.end() ? nullptr : &*proof;
 }
 
