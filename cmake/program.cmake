@@ -45,4 +45,9 @@ function(add_device_program name)
 endfunction()
 file(GLOB resources CONFIGURE_DEPENDS res/*.rc)
 add_device_program(Tolvenar app/start/main.cpp ${resources})
+# Asked for at each build: the sources may be another commit's since the last.
+add_custom_target(build_text BYPRODUCTS ${GENERATED}/build_text.h VERBATIM
+  COMMAND ${CMAKE_COMMAND} -DSOURCES=${CMAKE_SOURCE_DIR} -DHEADER=${GENERATED}/build_text.h
+    -P ${CMAKE_SOURCE_DIR}/cmake/build_text.cmake)
+add_dependencies(Tolvenar build_text)
 include(companions/companions.cmake)

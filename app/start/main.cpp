@@ -3,13 +3,14 @@
 
 #include "app/operations/messages.h"
 #include "app/start/startup.h"
+#include "build_text.h"
 #include "platform/heap.h"
 
 namespace {
 
 int RunOnHeap(HINSTANCE instance, const wchar_t* command_line) {
     const std::unique_ptr<tolvenar::Application> app(new tolvenar::Application(instance));
-    return app ? tolvenar::RunProgram(*app, command_line) : 1;
+    return app ? tolvenar::RunProgram(*app, command_line, TOLVENAR_BUILD) : 1;
 }
 
 // A launch with a reason has nobody in front of it.

@@ -4,6 +4,7 @@
 #include "app/rules/launch_reason.h"
 #include "app/start/interactive.h"
 #include "app/start/running_copy.h"
+#include "app/start/start_line.h"
 #include "app/start/unattended.h"
 #include "autobackup/autobackup_prompt.h"
 #include "autobackup/launch_check.h"
@@ -63,7 +64,7 @@ void RecoverAndLog() {
 
 }  // namespace
 
-int RunProgram(Application& app, const wchar_t* command_line) {
+int RunProgram(Application& app, const wchar_t* command_line, const char16_t* build) {
     InstallOperationLog();
     InitControls();
     RecoverAndLog();
@@ -84,6 +85,7 @@ int RunProgram(Application& app, const wchar_t* command_line) {
     if (arbitration == Arbitration::kHandOver) {
         return kHandedOver;
     }
+    LogStart(build);
     // Beside a copy that does not go away nothing unattended runs, and the dialog comes up without
     // a main window (docs/oddities.md, 31).
     if (!WaitForOldCopy()) {

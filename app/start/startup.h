@@ -8,7 +8,7 @@ namespace tolvenar {
 
 // Everything between the making and the destroying of the private heap. Returns the program's exit
 // code: 0 after the message loop, after an unattended operation and for a launch that is dropped; 1
-// when start-up fails or the launch is left to a copy that runs already.
-int RunProgram(Application& app, const wchar_t* command_line);
+// when start-up fails or the launch is left to a copy that runs already. The log tells of `build`.
+int RunProgram(Application& app, const wchar_t* command_line, const char16_t* build);
 
 }  // namespace tolvenar

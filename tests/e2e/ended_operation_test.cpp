@@ -1,5 +1,7 @@
 // A process that ends in the middle of an operation: the reset button, an empty battery. The daily
 // backup must not stay off for it.
+#include <algorithm>
+
 #include "tests/e2e/launch_fixture.h"
 #include "tests/support/log_lines.h"
 
@@ -37,10 +39,10 @@ protected:
         EXPECT_EQ(2u, Notifications().size());
         EXPECT_FALSE(Dword("OwnSuspendedOnTime").has_value());
     }
-    std::vector<std::string> LogLines() {
-        const std::wstring log = L"\\Storage Card\\Tolvenar\\tolvenar_log.txt";
-        return device().Exists(log) ? LogLinesIn(device().FileBytes(log))
-                                    : std::vector<std::string>{};
+    long TimesPutBack() {
+        const auto lines =
+            LogLinesIn(device().FileBytes(L"\\Storage Card\\Tolvenar\\tolvenar_log.txt"));
+        return std::count(lines.begin(), lines.end(), kBack);
     }
 };
 
@@ -49,7 +51,7 @@ TEST_F(EndedOperationTest, TheNextStartByHandPutsTheScheduleBackAndTheLogSaysSo)
     EXPECT_EQ(Texts(), Notifications());
     Open();
     ExpectScheduleIsBack();
-    EXPECT_EQ(std::vector<std::string>{kBack}, LogLines());
+    EXPECT_EQ(1, TimesPutBack());
     ShowTab("Options");
     EXPECT_TRUE(IsChecked(IDC_ON_TIME));
 }
@@ -84,7 +86,7 @@ TEST_F(EndedOperationTest, BesideARunningOperationNothingIsPutBack) {
     LetGo();
     EXPECT_EQ(0, backup.ExitCode());
     ExpectScheduleIsBack();
-    EXPECT_EQ(std::vector<std::string>{}, LogLines());
+    EXPECT_EQ(0, TimesPutBack());
 }
 
 }  // namespace

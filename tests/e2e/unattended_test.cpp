@@ -1,6 +1,9 @@
 // The built program as other programs and the notifications start it.
 #include "platform/win32.h"
 
+#include <map>
+#include <regex>
+
 #include "tests/support/contents.h"
 #include "tests/support/log_lines.h"
 #include "tests/support/program_test.h"
@@ -15,17 +18,28 @@ protected:
         device().PutFile(kNote, "hello");
     }
     Contents Now() { return ContentsOf(device().sim()); }
-    // What the program says of unattended ends; the last backup's result is remembered.
-    Texts Ends() {
+    Texts LinesWith(const std::string& text) {
         const std::wstring log = L"\\Storage Card\\Tolvenar\\tolvenar_log.txt";
-        Texts ends;
+        Texts found;
         for (const std::string& line : device().Exists(log) ? LogLinesIn(device().FileBytes(log))
                                                             : std::vector<std::string>()) {
-            if (line.find("RunUnattended") != line.npos) {
-                ends.push_back(line);
+            if (line.find(text) != line.npos) {
+                found.push_back(line);
             }
         }
-        return ends;
+        return found;
+    }
+    // What the program says of unattended ends; the last backup's result is remembered.
+    Texts Ends() { return LinesWith("RunUnattended"); }
+    // The CPU that the header of the installed program's file names.
+    std::string Cpu() {
+        const std::map<int, std::string> cpus = {{0x14C, "x86"}, {0x166, "MIPS"}, {0x1C0, "ARM"}};
+        const std::string file = device().FileBytes(kProgramPath);
+        std::int32_t header = 0;
+        std::uint16_t machine = 0;
+        file.copy(reinterpret_cast<char*>(&header), sizeof header, 0x3C);
+        file.copy(reinterpret_cast<char*>(&machine), sizeof machine, header + 4);
+        return cpus.at(machine);
     }
     unsigned LastResult() {
         const std::string bytes = SettingBytes("OwnLastAutomatic").value_or("");
@@ -247,6 +261,24 @@ TEST_F(UnattendedTest, AWriteProtectedStorageLeavesALine) {
     EXPECT_EQ(1, BackUp());
     EXPECT_EQ(Texts{"E RunUnattended: AutoBackup: External: result 10, state 0, missing bytes 0"},
               Ends());
+}
+
+TEST_F(UnattendedTest, EachStartLeavesALineOfTheProgramItsCpuItsBuildAndTheSystem) {
+    Ask("set os.version 2.11");
+    BackUp();
+    BackUp();
+    const Texts lines = LinesWith("RunProgram");
+    ASSERT_EQ(2u, lines.size());
+    EXPECT_EQ(lines[0], lines[1]);
+    EXPECT_TRUE(std::regex_match(lines[0], std::regex("I RunProgram: Tolvenar 1\\.0, " + Cpu() +
+                                                      ", build [0-9a-z-]+, on Windows CE 2\\.11")))
+        << lines[0];
+}
+
+TEST_F(UnattendedTest, ALaunchThatIsDroppedLeavesNoLine) {
+    BackUp();
+    EXPECT_EQ(0, Run("TolvenarRunAfterTzChange"));
+    EXPECT_EQ(1u, LinesWith("RunProgram").size());
 }
 
 // Without its folder there is no place for a line; the result is remembered all the same.
