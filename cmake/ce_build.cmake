@@ -28,7 +28,24 @@ add_test(NAME ${CE_CPU}.package COMMAND ${CMAKE_SOURCE_DIR}/tests/scripts/packag
 set(device ${CMAKE_SOURCE_DIR}/build/device/bin)
 add_test(NAME ${CE_CPU}.story COMMAND ${CMAKE_SOURCE_DIR}/tools/ce/check_run ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}
   ${device} ${CMAKE_SOURCE_DIR}/scripts/cedev ${CMAKE_BINARY_DIR}/story)
-add_test(NAME ${CE_CPU}.UnattendedTest COMMAND ${CMAKE_SOURCE_DIR}/scripts/wine32 ${device}/e2e_test.exe
-  --gtest_brief=1 --gtest_filter=UnattendedTest.*)
-set_tests_properties(${CE_CPU}.story ${CE_CPU}.UnattendedTest PROPERTIES TIMEOUT 900
-  ENVIRONMENT "DISPLAY=;TOLVENAR_PROGRAMS=${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
+set_tests_properties(${CE_CPU}.story PROPERTIES TIMEOUT 900 ENVIRONMENT DISPLAY=)
+
+# The suites of tests/e2e that start the program, with this CPU's. One is run each time; the label is of those that
+# ./test runs with --all alone.
+include(cmake/suites.cmake)
+function(add_program_suites)
+  add_suites(${CE_CPU} COMMAND ${CMAKE_SOURCE_DIR}/scripts/wine32 ${device}/e2e_test.exe
+    ENVIRONMENT TOLVENAR_PROGRAMS=${CMAKE_RUNTIME_OUTPUT_DIRECTORY} ${ARGN})
+endfunction()
+set(sample ${CMAKE_SOURCE_DIR}/tests/e2e/unattended_test.cpp)
+file(GLOB e2e_sources CONFIGURE_DEPENDS tests/e2e/*_test.cpp)
+list(REMOVE_ITEM e2e_sources ${sample})
+set(whole "")
+foreach(source IN LISTS e2e_sources)
+  file(STRINGS ${source} starts REGEX "(program_test|ui_test|launch_fixture)\\.h")
+  if(starts)
+    list(APPEND whole ${source})
+  endif()
+endforeach()
+add_program_suites(SOURCES ${sample} PROPERTIES TIMEOUT 900)
+add_program_suites(SOURCES ${whole} PROPERTIES TIMEOUT 1800 LABELS whole)

@@ -1,6 +1,6 @@
-# add_suites(TARGET [PROPERTIES …] SOURCES …): one CTest entry for each GoogleTest suite of a
-# program. Starting a program on the simulated device costs more than most cases, and reading the suites
-# from the sources needs no run of it.
+# add_suites(PREFIX COMMAND … SOURCES … [ENVIRONMENT …] [PROPERTIES …]): one CTest entry, PREFIX.SUITE, for each
+# GoogleTest suite of the program that COMMAND starts. Starting a program on the simulated device costs more than most
+# cases, and reading the suites from the sources needs no run of it.
 #
 # A suite that takes long is cut into shards, as many as tests/shards.txt says, so that they run beside each other and
 # begin before the others.
@@ -15,13 +15,13 @@ endforeach()
 # input are then the same, but no X server takes or gives the focus, or moves the pointer, at a moment of its own choice.
 set(LOOKS_REGEX "TakeScreenshot|screenshot|tree_window_fixture.h")
 
-function(add_suite target suite command environment properties)
+function(add_suite prefix suite command environment properties)
   set(shards 1)
   if(DEFINED shards_of_${suite})
     set(shards ${shards_of_${suite}})
   endif()
   foreach(shard RANGE 1 ${shards})
-    set(name ${target}.${suite})
+    set(name ${prefix}.${suite})
     if(shards GREATER 1)
       string(APPEND name .${shard})
     endif()
@@ -37,25 +37,25 @@ function(add_suite target suite command environment properties)
   endforeach()
 endfunction()
 
-function(add_suites target)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;PROPERTIES")
+function(add_suites prefix)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "COMMAND;SOURCES;ENVIRONMENT;PROPERTIES")
   set(seen "")
   foreach(source IN LISTS arg_SOURCES)
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${source})
     file(STRINGS ${source} lines REGEX "^(TEST|TEST_F|TEST_P|TYPED_TEST)\\(")
     file(STRINGS ${source} looks REGEX "${LOOKS_REGEX}")
     if(looks)
-      set(command ${CMAKE_SOURCE_DIR}/scripts/own_display ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:${target}>)
-      set(environment "")
+      set(command ${CMAKE_SOURCE_DIR}/scripts/own_display ${arg_COMMAND})
+      set(environment ${arg_ENVIRONMENT})
     else()
-      set(command ${target})
-      set(environment DISPLAY=)
+      set(command ${arg_COMMAND})
+      set(environment DISPLAY= ${arg_ENVIRONMENT})
     endif()
     foreach(line IN LISTS lines)
       string(REGEX REPLACE "^[A-Z_]+\\(([A-Za-z0-9_]+).*" "\\1" suite "${line}")
       if(NOT suite IN_LIST seen)
         list(APPEND seen ${suite})
-        add_suite(${target} ${suite} "${command}" "${environment}" "${arg_PROPERTIES}")
+        add_suite(${prefix} ${suite} "${command}" "${environment}" "${arg_PROPERTIES}")
       endif()
     endforeach()
   endforeach()

@@ -56,5 +56,6 @@ foreach(folder IN LISTS test_folders)
   target_link_options(${name} PRIVATE -static)
   add_dependencies(${name} ce_guest sim_coredll sim_commctrl sim_commdlg Tolvenar ${probes}
     ${companions})
-  add_suites(${name} SOURCES ${sources} PROPERTIES TIMEOUT 900)
+  add_suites(${name} COMMAND ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:${name}> SOURCES ${sources}
+    PROPERTIES TIMEOUT 900)
 endforeach()
