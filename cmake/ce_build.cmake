@@ -21,6 +21,10 @@ foreach(program Tolvenar ${programs})
   add_test(NAME ${CE_CPU}.${program} COMMAND ${CMAKE_SOURCE_DIR}/tools/ce/check_program ${CE_CPU}
     ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${program}.exe ${code} ${CMAKE_OBJDUMP})
 endforeach()
+# Any of the programs does; this one is disassembled quickly.
+ce_disassembled(code kestrin_tolvenar_agent)
+add_test(NAME ${CE_CPU}.check_program_seeds COMMAND ${CMAKE_SOURCE_DIR}/tests/scripts/check_program_test.py ${CE_CPU}
+  ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/kestrin_tolvenar_agent.exe ${code} ${CMAKE_OBJDUMP})
 add_test(NAME ${CE_CPU}.package COMMAND ${CMAKE_SOURCE_DIR}/tests/scripts/package_test.py ${CE_CPU}
   ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
 
