@@ -1,6 +1,7 @@
 #include "app/start/start_line.h"
 
 #include "platform/win32.h"
+
 #include "res/version.h"
 #include "snapshot/text/log.h"
 #include "snapshot/text/text_buffer.h"

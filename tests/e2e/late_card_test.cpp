@@ -52,7 +52,7 @@ TEST_F(LateCardStory, AScheduledBackupWaitsForTheCard) {
 TEST_F(LateCardStory, ACardThatGoesDuringABackupTakesTheWholeState) {
     device().PutFile(L"\\My Documents\\b.txt", "more");
     device().Set("card.ready", "1500 55");
-    HoldCall("WriteFile");
+    HoldFirstBlock();
     Program program = Launch("AutoBackup: External");
     ASSERT_TRUE(RulesAreUsedUp());
     Ask("resume");

@@ -71,7 +71,7 @@ TEST_P(NamedDevicesTest, WhatWasBackedUpComesBackAndNothingElseChanges) {
 TEST_P(NamedDevicesTest, ABackupGoesOnWhenTheDeviceWakesUp) {
     EXPECT_EQ(0, BackUp());
     Change();
-    HoldCall("WriteFile");
+    HoldFirstBlock();
     Program program = Launch("AutoBackup: External");
     ASSERT_TRUE(RulesAreUsedUp());
     Ask("resume");

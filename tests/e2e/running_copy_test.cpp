@@ -115,7 +115,7 @@ TEST_F(RunningCopyTest, AnUnattendedCopyIsNotSeenAndItsStorageFoundHeld) {
     device().PutFile(kNote, "hello");
     ASSERT_EQ(0, BackUp());
     device().PutFile(L"\\My Documents\\b.txt", "more");
-    HoldCall("WriteFile");
+    HoldFirstBlock();
     Program first = Launch(kBackUp);
     ASSERT_TRUE(RulesAreUsedUp());
     EXPECT_EQ(1, BackUp());

@@ -129,6 +129,8 @@ void ProgramTest::HoldCall(const std::string& function, const std::string& match
     Ask("delay " + function + " 1 60000" + (match.empty() ? "" : " \"" + match + "\""));
 }
 
+void ProgramTest::HoldFirstBlock() { Ask("delay WriteFile 2 60000"); }
+
 bool ProgramTest::RulesAreUsedUp() {
     return Eventually([&] { return device().Faults() == "[]"; });
 }

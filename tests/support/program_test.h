@@ -59,6 +59,8 @@ protected:
 
     // The next such call, or the next with `match` in its arguments, stays in it until LetGo.
     void HoldCall(const std::string& function, const std::string& match = {});
+    // Holds a backup's first write into the storage; the write before is the log's, of the start.
+    void HoldFirstBlock();
     // Waits until each rule has met its calls; a held one is in its call by then.
     bool RulesAreUsedUp();
     // Takes every rule away; each must have met a call.

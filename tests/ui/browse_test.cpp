@@ -56,7 +56,9 @@ TEST_F(BrowseTest, TheOpenDialogBeginsWithTheStorageInUseAndCancellingItChangesN
     EXPECT_FALSE(Sees(kOpenReadOnly));
     EXPECT_SOON(IsDisabled(kMainTitle));
     Select(kOpenFilter, "All files (*.*)");
-    EXPECT_SOON_EQ((Texts{"Backup.jrn", "Backup.sav", "Other.jrn", "Other.sav"}), Items(kOpenList));
+    EXPECT_SOON_EQ(
+        (Texts{"Backup.jrn", "Backup.sav", "Other.jrn", "Other.sav", "tolvenar_log.txt"}),
+        Items(kOpenList));
     Type(kOpenName, "Other.jrn");
     Press(IDCANCEL);
     ASSERT_TRUE(DialogIsFree());
@@ -186,6 +188,7 @@ TEST_F(BrowseTest, AnExistingStorageKeepsEveryByteAndTheProgramNothingOfTheOldOn
     const std::string storage = Bytes("Other.sav");
     const std::string journal = Bytes("Other.jrn");
     OpenPage();
+    const auto writes = Calls("WriteFile");
     ChooseFile("Other.jrn");
     ASSERT_TRUE(NameBecomes("Other"));
     ChooseFile("Backup.jrn");
@@ -198,7 +201,7 @@ TEST_F(BrowseTest, AnExistingStorageKeepsEveryByteAndTheProgramNothingOfTheOldOn
     EXPECT_EQ(held, Held());
     EXPECT_EQ(storage, Bytes("Other.sav"));
     EXPECT_EQ(journal, Bytes("Other.jrn"));
-    EXPECT_EQ(0u, Calls("WriteFile"));
+    EXPECT_EQ(writes, Calls("WriteFile"));
 }
 
 }  // namespace

@@ -87,7 +87,7 @@ TEST_F(StorageSearchTest, WithoutTheCardAButtonLeadsToTheStoragePage) {
 // Its storage would be read while it is being written.
 TEST_F(StorageSearchTest, WhileAnotherCopyBacksUpNothingIsLookedFor) {
     device().PutFile(kNote, "changed");
-    HoldCall("WriteFile");
+    HoldFirstBlock();
     Program backup = Launch("AutoBackup: External");
     ASSERT_TRUE(RulesAreUsedUp());
     Open();
