@@ -113,6 +113,7 @@ void OptionsPage::ShowSchedule() {
     ::EnableWindow(hint, is_off && !app_.installationMissing);
     ::ShowWindow(hint, is_off ? SW_SHOW : SW_HIDE);
     ::ShowWindow(Control(IDC_NEXT_BACKUP), is_off ? SW_HIDE : SW_SHOW);
+    ::ShowWindow(Control(IDC_NEW_TIME_HINT), has_automatic_backup_ ? SW_SHOW : SW_HIDE);
     ShowNextBackup();
 }
 

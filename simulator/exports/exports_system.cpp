@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <cstring>
 #include <cwchar>
+#include <optional>
 #include <string>
 #include <windows.h>
 
@@ -100,9 +101,24 @@ bool IsAbsent(HMODULE module, LPCWSTR name) {
     return sim::IsMissing(Device::Current(), is_commdlg ? L"commdlg.dll" : L"coredll.dll", name);
 }
 
+// What stands in the place of a name when a number is meant; null for a name.
+std::optional<WORD> NumberIn(LPCWSTR name) {
+    const auto value = reinterpret_cast<ULONG_PTR>(name);
+    return value <= 0xFFFF ? std::optional(static_cast<WORD>(value)) : std::nullopt;
+}
+
+const wchar_t* ExportedName(HMODULE module, LPCWSTR name) {
+    if (const auto number = NumberIn(name)) {
+        return module == sim::host::FindModule(L"coredll.dll")
+                   ? sim::NameOfNumber(Device::Current(), *number)
+                   : nullptr;
+    }
+    return IsAbsent(module, name) ? nullptr : name;
+}
+
 FARPROC FindProcedure(HMODULE module, LPCWSTR name) {
-    if (name != nullptr && reinterpret_cast<ULONG_PTR>(name) > 0xFFFF && !IsAbsent(module, name)) {
-        return reinterpret_cast<FARPROC>(sim::host::FindFunction(module, name));
+    if (const wchar_t* const exported = ExportedName(module, name)) {
+        return reinterpret_cast<FARPROC>(sim::host::FindFunction(module, exported));
     }
     sim::SetHostError(ERROR_PROC_NOT_FOUND);
     return nullptr;
@@ -148,7 +164,8 @@ BOOL WINAPI GetSystemPowerStatusEx(PSYSTEM_POWER_STATUS_EX status, BOOL update) 
 
 FARPROC WINAPI GetProcAddressW(HMODULE module, LPCWSTR name) {
     return Gated(
-        Call::GetProcAddressW, FARPROC{}, [&] { return FindProcedure(module, name); }, name);
+        Call::GetProcAddressW, FARPROC{}, [&] { return FindProcedure(module, name); },
+        NumberIn(name) ? L"a number" : name);
 }
 
 HMODULE WINAPI LoadLibraryW(LPCWSTR name) {

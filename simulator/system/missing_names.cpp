@@ -8,6 +8,8 @@
 namespace sim {
 namespace {
 
+constexpr std::uint16_t kChooserNumber = 488;
+
 bool IsNewer(const Device& device, std::wstring_view name) {
     for (const auto& row : kNameVersions) {
         if (name == row.name) {
@@ -32,6 +34,12 @@ bool IsMissing(const Device& device, std::wstring_view dll, std::wstring_view na
         return IsInOtherDll(device, dll);
     }
     return IsNewer(device, name);
+}
+
+const wchar_t* NameOfNumber(const Device& device, std::uint16_t number) {
+    const std::string chooser = SettingText(device, "file.chooser");
+    const bool has_chooser = chooser == "both" || chooser == "coredll" || chooser == "number";
+    return number == kChooserNumber && has_chooser ? L"GetOpenFileNameW" : nullptr;
 }
 
 }  // namespace sim

@@ -2,6 +2,7 @@
 // settings take away.
 #pragma once
 
+#include <cstdint>
 #include <string_view>
 
 #include "simulator/store/device.h"
@@ -12,5 +13,8 @@ namespace sim {
 // than "os.version", the power status without "power.present", and the window to choose a file with
 // where "file.chooser" names the other DLL.
 bool IsMissing(const Device& device, std::wstring_view dll, std::wstring_view name);
+
+// The name of what coredll.dll exports by `number`; null when this device has nothing there.
+const wchar_t* NameOfNumber(const Device& device, std::uint16_t number);
 
 }  // namespace sim

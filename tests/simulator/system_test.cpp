@@ -108,6 +108,14 @@ TEST_F(SystemTest, TheWindowToChooseAFileIsInEitherDll) {
     device().Set("file.chooser", "commdlg");
     EXPECT_EQ(nullptr, ::GetProcAddressW(coredll, kName));
     EXPECT_NE(nullptr, ::GetProcAddressW(commdlg, kName));
+    const wchar_t* const number = MAKEINTRESOURCEW(488);
+    EXPECT_EQ(nullptr, ::GetProcAddressW(coredll, number));
+    device().Set("file.chooser", "number");
+    EXPECT_EQ(nullptr, ::GetProcAddressW(coredll, kName));
+    EXPECT_EQ(nullptr, ::GetProcAddressW(commdlg, kName));
+    EXPECT_NE(nullptr, ::GetProcAddressW(coredll, number));
+    EXPECT_EQ(nullptr, ::GetProcAddressW(commdlg, number));
+    EXPECT_EQ(nullptr, ::GetProcAddressW(coredll, MAKEINTRESOURCEW(489)));
     ::FreeLibrary(commdlg);
 }
 

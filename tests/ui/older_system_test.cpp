@@ -22,6 +22,7 @@ TEST_F(OlderSystemTest, WithoutNotificationCallsNoAutomaticBackupCanBeSwitchedOn
     }
     EXPECT_TRUE(IsEnabledControl(IDC_ADVANCED_TREE));
     EXPECT_FALSE(Sees(IDC_AUTOMATIC_OFF_HINT));
+    EXPECT_FALSE(Sees(IDC_NEW_TIME_HINT));
 }
 
 TEST_F(OlderSystemTest, WithNotificationCallsItCan) {
@@ -29,6 +30,7 @@ TEST_F(OlderSystemTest, WithNotificationCallsItCan) {
     OpenOn("Options");
     EXPECT_TRUE(IsEnabledControl(IDC_ON_TIME));
     EXPECT_TRUE(Sees(IDC_AUTOMATIC_OFF_HINT));
+    EXPECT_TRUE(Sees(IDC_NEW_TIME_HINT));
 }
 
 TEST_F(OlderSystemTest, ABackupAndARestoreByHandNeedNoNotificationCalls) {
@@ -44,7 +46,7 @@ TEST_F(OlderSystemTest, ABackupAndARestoreByHandNeedNoNotificationCalls) {
 class FileChooserTest : public StorageUiTest {};
 
 TEST_F(FileChooserTest, AFileIsChosenWhereverTheSystemHasTheWindow) {
-    for (const char* dll : {"coredll", "commdlg"}) {
+    for (const char* dll : {"coredll", "commdlg", "number"}) {
         device().Set("file.chooser", dll);
         OpenPage();
         Browse();
