@@ -32,7 +32,7 @@ if(BUILD_TESTING)
   list(REMOVE_ITEM native_tests ${CMAKE_SOURCE_DIR}/tests/native/recording_log.cpp)
   add_executable(native_test ${bytes_tests} ${native_tests})
   target_link_libraries(native_test PRIVATE recording_log GTest::gtest_main)
-  add_suites(native_test SOURCES ${bytes_tests} ${native_tests})
+  add_suites(native_test COMMAND native_test SOURCES ${bytes_tests} ${native_tests})
   # The program for the PC, called as a function and, where that matters, started.
   file(GLOB_RECURSE pc_tests CONFIGURE_DEPENDS tests/pc/*.cpp)
   add_executable(pc_test ${pc_tests})
@@ -40,7 +40,7 @@ if(BUILD_TESTING)
   target_compile_definitions(pc_test PRIVATE PC_PROGRAM="$<TARGET_FILE:tolvenar_pc>"
     TOLVENAR_SOURCE_DIR="${CMAKE_SOURCE_DIR}")
   add_dependencies(pc_test tolvenar_pc)
-  add_suites(pc_test SOURCES ${pc_tests})
+  add_suites(pc_test COMMAND pc_test SOURCES ${pc_tests})
   # A storage of three states that a device wrote, read on this machine.
   add_executable(read_storage tests/native/programs/read_storage.cpp)
   target_link_libraries(read_storage PRIVATE recording_log warnings)

@@ -11,10 +11,11 @@ namespace {
 
 constexpr std::size_t kLineUnits = 120;
 
-#if defined(__arm__)
-constexpr char16_t kCpu[] = u"ARM";
-#elif defined(__mips__)
+// The headers of the MIPS build are told that they are for ARM.
+#if defined(__mips__)
 constexpr char16_t kCpu[] = u"MIPS";
+#elif defined(__arm__)
+constexpr char16_t kCpu[] = u"ARM";
 #else
 constexpr char16_t kCpu[] = u"x86";
 #endif

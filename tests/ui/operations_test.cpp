@@ -89,7 +89,7 @@ TEST_F(OperationsTest, TheDescriptionIsKeptWhenNothingWasWritten) {
 }
 
 TEST_F(OperationsTest, TheBackupPageSaysWhatTheStorageHolds) {
-    device().Set("card.free", "3145728");
+    device().Set("card.free", "3200000");  // the start's line in the log takes some of it
     Open();
     EXPECT_EQ("\\Storage Card\\Tolvenar\\Backup.sav", Text(IDC_BACKUP_STORAGE));
     EXPECT_EQ(0u, Text(IDC_LAST_STATE).find("State 1, 11/16/26, "));
