@@ -65,6 +65,7 @@ void StoryTest::TabTo(int id) {
 
 void StoryTest::GoTo(const std::string& page) {
     EXPECT_SOON(IsReady(IDC_TABS));
+    EXPECT_TRUE(DialogIsDone()) << "a dialog that goes may take a key with it";
     if (IsByStylus()) {
         TapOn(IDC_TABS, page);
     }
