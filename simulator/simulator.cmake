@@ -48,7 +48,7 @@ endif()
 
 # Runs programs that were built for real devices. They stand at an address of their own, so this one stands elsewhere.
 file(GLOB guest_sources CONFIGURE_DEPENDS ${SIM}/guest/*.cpp)
-add_executable(ce_guest ${guest_sources})
+add_executable(ce_guest ${guest_sources} ${SIM}/host/host_files.cpp)
 target_include_directories(ce_guest PRIVATE ${CMAKE_SOURCE_DIR})
 target_compile_definitions(ce_guest PRIVATE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN)
 set_source_files_properties(${guest_sources} PROPERTIES COMPILE_OPTIONS -O2)

@@ -2,26 +2,14 @@
 
 #include <cstdio>
 #include <cstring>
-#include <vector>
+#include <optional>
+#include <string>
 #include <windows.h>
+
+#include "simulator/host/host_files.h"
 
 namespace sim::guest {
 namespace {
-
-std::vector<char> ReadWhole(const std::wstring& file) {
-    std::vector<char> bytes;
-    HANDLE handle = ::CreateFileW(file.c_str(), GENERIC_READ,
-                                  FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                  OPEN_EXISTING, 0, nullptr);
-    if (handle == INVALID_HANDLE_VALUE) {
-        Stop("the program's file cannot be opened", 0, ::GetLastError());
-    }
-    bytes.resize(::GetFileSize(handle, nullptr));
-    DWORD read = 0;
-    ::ReadFile(handle, bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr);
-    ::CloseHandle(handle);
-    return bytes;
-}
 
 template <typename T>
 const T* In(const void* bytes, Word offset) {
@@ -36,19 +24,22 @@ const IMAGE_NT_HEADERS32& Headers(const void* bytes) {
 }  // namespace
 
 Image LoadImage(const std::wstring& file) {
-    const std::vector<char> bytes = ReadWhole(file);
-    const IMAGE_NT_HEADERS32& head = Headers(bytes.data());
+    const std::optional<std::string> bytes = host::ReadWhole(file);
+    if (!bytes) {
+        Stop("the program's file cannot be opened", 0, ::GetLastError());
+    }
+    const IMAGE_NT_HEADERS32& head = Headers(bytes->data());
     const IMAGE_OPTIONAL_HEADER32& optional = head.OptionalHeader;
     void* const base = reinterpret_cast<void*>(static_cast<std::uintptr_t>(optional.ImageBase));
     if (::VirtualAlloc(base, optional.SizeOfImage, MEM_RESERVE | MEM_COMMIT,
                        PAGE_EXECUTE_READWRITE) != base) {
         Stop("the program's address is taken", 0, optional.ImageBase);
     }
-    std::memcpy(base, bytes.data(), optional.SizeOfHeaders);
+    std::memcpy(base, bytes->data(), optional.SizeOfHeaders);
     const IMAGE_SECTION_HEADER* section = IMAGE_FIRST_SECTION(&head);
     for (int i = 0; i < head.FileHeader.NumberOfSections; ++i, ++section) {
         std::memcpy(static_cast<char*>(base) + section->VirtualAddress,
-                    bytes.data() + section->PointerToRawData, section->SizeOfRawData);
+                    bytes->data() + section->PointerToRawData, section->SizeOfRawData);
     }
     Image image;
     image.begin = optional.ImageBase;

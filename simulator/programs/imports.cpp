@@ -5,29 +5,15 @@
 #include <cwctype>
 #include <windows.h>
 
+#include "simulator/host/host_files.h"
+
 namespace sim::processes {
 namespace {
-
-std::string ReadWhole(const std::wstring& path) {
-    std::string bytes;
-    HANDLE file = ::CreateFileW(path.c_str(), GENERIC_READ,
-                                FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                OPEN_EXISTING, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE) {
-        return bytes;
-    }
-    bytes.resize(::GetFileSize(file, nullptr));
-    DWORD read = 0;
-    ::ReadFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr);
-    ::CloseHandle(file);
-    bytes.resize(read);
-    return bytes;
-}
 
 // A program's file, of any processor. What lies outside it reads as zeros.
 class ProgramFile {
 public:
-    explicit ProgramFile(const std::wstring& path) : bytes_(ReadWhole(path)) {
+    explicit ProgramFile(const std::wstring& path) : bytes_(host::ReadWhole(path).value_or("")) {
         const auto start = In<IMAGE_DOS_HEADER>(0);
         const auto place = static_cast<std::size_t>(start.e_lfanew);
         head_ = In<IMAGE_NT_HEADERS32>(place);

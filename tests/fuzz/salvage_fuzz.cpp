@@ -2,35 +2,16 @@
 // the input is the journal, the rest are blocks. Whatever is found, the new pair is sound: the
 // command itself holds it against its plan.
 #include <filesystem>
-#include <fstream>
 
 #include "pc/command/command_line.h"
 #include "tests/fuzz/fuzz_source.h"
+#include "tests/support/temporary_folder.h"
 
 using namespace tolvenar;
 
 namespace {
 
 namespace fs = std::filesystem;
-
-class Folder {
-public:
-    Folder() {
-        std::string pattern = (fs::temp_directory_path() / "tolvenar_XXXXXX").string();
-        path_ = ::mkdtemp(pattern.data());
-    }
-    ~Folder() {
-        std::error_code error;
-        fs::remove_all(path_, error);
-    }
-    std::string In(const std::string& name) const { return (path_ / name).string(); }
-    void Write(const std::string& name, const Bytes& bytes) const {
-        std::ofstream(In(name), std::ios::binary) << bytes;
-    }
-
-private:
-    fs::path path_;
-};
 
 int Run(const std::vector<std::string>& arguments) {
     pc::TextOutput out;
@@ -42,7 +23,7 @@ int Run(const std::vector<std::string>& arguments) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const Folder folder;
+    static const tests::TemporaryFolder folder;
     FuzzInput input(data, size);
     const std::uint16_t journal_bytes = input.Half();
     folder.Write("Home.jrn", input.TakeBytes(journal_bytes));

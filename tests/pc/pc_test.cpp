@@ -7,22 +7,14 @@
 #include "pc/command/command_line.h"
 
 namespace tolvenar::pc {
-namespace fs = std::filesystem;
 
 PcTest::PcTest() {
     ::setenv("TZ", "UTC0", 1);
-    std::string pattern = (fs::temp_directory_path() / "tolvenar_XXXXXX").string();
-    folder_ = ::mkdtemp(pattern.data());
     pair.time = kTime;
 }
 
-PcTest::~PcTest() {
-    std::error_code error;
-    fs::remove_all(folder_, error);
-}
-
 void PcTest::Write(const std::string& name, const Bytes& bytes) const {
-    std::ofstream(In(name), std::ios::binary) << bytes;
+    folder_.Write(name, bytes);
 }
 
 Bytes PcTest::Read(const std::string& name) const {

@@ -8,6 +8,7 @@
 
 #include "nlohmann/json.hpp"
 #include "tests/support/pair_builder.h"
+#include "tests/support/temporary_folder.h"
 
 namespace tolvenar::pc {
 
@@ -24,10 +25,9 @@ protected:
     };
 
     PcTest();
-    ~PcTest() override;
 
     // Path of a file in the case's folder.
-    std::string In(const std::string& name) const { return (folder_ / name).string(); }
+    std::string In(const std::string& name) const { return folder_.In(name); }
     void Write(const std::string& name, const Bytes& bytes) const;
     Bytes Read(const std::string& name) const;
     // Writes the pair as "Home.sav" and "Home.jrn".
@@ -40,7 +40,7 @@ protected:
     PairBuilder pair;
 
 private:
-    std::filesystem::path folder_;
+    tests::TemporaryFolder folder_;
 };
 
 // Three states of files, registry and databases, as the cases of several commands want them.
