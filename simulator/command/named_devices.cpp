@@ -27,6 +27,7 @@ constexpr Choice kStrict211[] = {
     {"database.volume", "written"},
     {"find.nothing", "2"},
     {"folder.open", "no"},
+    {"locale.checks", "missing"},
     {"heap.first", "1000000"},
     {"mapping.failed", "open"},
     {"mapping.write", "refused"},

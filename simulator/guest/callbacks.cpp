@@ -17,27 +17,6 @@ Word AddressOf(const void* pointer) {
     return static_cast<Word>(reinterpret_cast<std::uintptr_t>(pointer));
 }
 
-// As much as a device gives a thread, with a page below that faults.
-Stack& CurrentStack() {
-    constexpr Word kPage = 0x1000;
-    constexpr Word kCallersPart = 256;  // a platform call may read arguments that nobody has passed
-    const DWORD error = ::GetLastError();
-    auto* stack = static_cast<Stack*>(::TlsGetValue(stack_slot));
-    if (stack == nullptr) {
-        char* const memory = static_cast<char*>(::VirtualAlloc(
-            nullptr, kPage + kDeviceStackBytes, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
-        DWORD before = 0;
-        ::VirtualProtect(memory, kPage, PAGE_NOACCESS, &before);
-        stack = new Stack;
-        stack->low = AddressOf(memory) + kPage;
-        stack->high = stack->low + kDeviceStackBytes - kCallersPart;
-        stack->now = stack->deepest = stack->high;
-        ::TlsSetValue(stack_slot, stack);
-    }
-    ::SetLastError(error);
-    return *stack;
-}
-
 void EndThread() {
     const Stack& stack = CurrentStack();
     ReportThread(stack.high - stack.deepest, InstructionCount());
@@ -129,6 +108,27 @@ const struct {
 };
 
 }  // namespace
+
+// As much as a device gives a thread, with a page below that faults.
+Stack& CurrentStack() {
+    constexpr Word kPage = 0x1000;
+    constexpr Word kCallersPart = 256;  // a platform call may read arguments that nobody has passed
+    const DWORD error = ::GetLastError();
+    auto* stack = static_cast<Stack*>(::TlsGetValue(stack_slot));
+    if (stack == nullptr) {
+        char* const memory = static_cast<char*>(::VirtualAlloc(
+            nullptr, kPage + kDeviceStackBytes, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
+        DWORD before = 0;
+        ::VirtualProtect(memory, kPage, PAGE_NOACCESS, &before);
+        stack = new Stack;
+        stack->low = AddressOf(memory) + kPage;
+        stack->high = stack->low + kDeviceStackBytes - kCallersPart;
+        stack->now = stack->deepest = stack->high;
+        ::TlsSetValue(stack_slot, stack);
+    }
+    ::SetLastError(error);
+    return *stack;
+}
 
 void BeginCalls(const Image& image, RunCode* run) {
     program = &image;

@@ -30,11 +30,18 @@ struct Stack {
     Word high = 0;  // where the first call begins
     Word now = 0;
     Word deepest = 0;
+    Word entry = 0;      // x86: where on the host's stack the code that runs was called
+    Word entry_now = 0;  // x86: what was `now` then
 };
+// The stack of the calling thread, made at its first call.
+Stack& CurrentStack();
 
 // Runs the code at `function` with up to four arguments until it returns; its result.
 using RunCode = Word(const Image& image, Stack& stack, Word function, const Word (&arguments)[4]);
 RunCode RunArm, RunMips, RunX86;
+
+// x86: what a program calls before each platform call; the arguments stand at `words`.
+void NotePlatformCall(const Word* words);
 
 // Instructions that all threads have run.
 std::uint64_t InstructionCount();

@@ -58,8 +58,11 @@ Word CallableByX86(const void* function) {
     constexpr unsigned char kCode[] = {0x55,                          // push ebp
                                        0x89, 0xE5,                    // mov ebp, esp
                                        0x56, 0x57,                    // push esi; push edi
-                                       0x83, 0xEC, 0x50,              // sub esp, 80
                                        0x8D, 0x75, 0x08,              // lea esi, [ebp + 8]
+                                       0x56,                          // push esi
+                                       0xB8, 0,    0,    0,    0,     // mov eax, NotePlatformCall
+                                       0xFF, 0xD0,                    // call eax
+                                       0x83, 0xEC, 0x4C,              // sub esp, 76
                                        0x89, 0xE7,                    // mov edi, esp
                                        0xB9, 0x14, 0x00, 0x00, 0x00,  // mov ecx, 20
                                        0xFC, 0xF3, 0xA5,              // cld; rep movsd
@@ -67,8 +70,10 @@ Word CallableByX86(const void* function) {
                                        0xFF, 0xD0,                    // call eax
                                        0x8D, 0x65, 0xF8,              // lea esp, [ebp - 8]
                                        0x5F, 0x5E, 0x5D, 0xC3};       // pop edi, esi, ebp; ret
-    return AddressOf(thunks.For(AddressOf(function), kCode,
-                                [&](unsigned char* code) { Put(code + 22, AddressOf(function)); }));
+    return AddressOf(thunks.For(AddressOf(function), kCode, [&](unsigned char* code) {
+        Put(code + 10, AddressOf(reinterpret_cast<const void*>(&NotePlatformCall)));
+        Put(code + 30, AddressOf(function));
+    }));
 }
 
 }  // namespace sim::guest

@@ -33,6 +33,9 @@ bool IsMissing(const Device& device, std::wstring_view dll, std::wstring_view na
     if (name == L"GetOpenFileNameW" || name == L"GetSaveFileNameW") {
         return IsInOtherDll(device, dll);
     }
+    if (name == L"IsValidLocale" || name == L"IsValidCodePage") {
+        return SettingText(device, "locale.checks") == "missing";
+    }
     return IsNewer(device, name);
 }
 

@@ -13,6 +13,7 @@ constexpr struct {
     {"device.name", "Handheld_PC"},
     {"file.chooser", "both"},
     {"locale.am", "AM"},
+    {"locale.checks", "there"},
     {"locale.datesep", "/"},
     {"locale.decimal", "."},
     {"locale.lcid", "0x409"},

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "platform/registry_key.h"
+#include "platform/system_function.h"
 #include "platform/text.h"
 #include "snapshot/compare/exclusion.h"
 
@@ -36,8 +37,15 @@ bool EqualIgnoringCase(const char16_t* a, const char16_t* b) {
            CSTR_EQUAL;
 }
 
-BOOL IsInstalledLocale(DWORD value) { return ::IsValidLocale(value, LCID_INSTALLED); }
-BOOL IsKnownCodePage(DWORD value) { return ::IsValidCodePage(value); }
+// Of a system that cannot tell nothing is known to be there.
+BOOL IsInstalledLocale(DWORD value) {
+    auto* const is_valid = FindSystemFunction<decltype(::IsValidLocale)>(L"IsValidLocale");
+    return is_valid != nullptr && is_valid(value, LCID_INSTALLED);
+}
+BOOL IsKnownCodePage(DWORD value) {
+    auto* const is_valid = FindSystemFunction<decltype(::IsValidCodePage)>(L"IsValidCodePage");
+    return is_valid != nullptr && is_valid(value);
+}
 
 // Values that keep the device from starting when they name what it does not have.
 struct LocaleValue {

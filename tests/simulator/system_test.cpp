@@ -217,4 +217,15 @@ TEST_F(LocaleTest, OnlyKnownLocalesAndCodePagesAreValid) {
     EXPECT_EQ(0x409u, ::GetUserDefaultLCID());
 }
 
+// The documents call both newer than the first systems, although their numbers speak against it.
+TEST_F(LocaleTest, ASystemMayLackTheChecksOfLocalesAndCodePages) {
+    const HMODULE module = ::GetModuleHandleW(L"coredll.dll");
+    for (const wchar_t* name : {L"IsValidLocale", L"IsValidCodePage"}) {
+        device().Set("locale.checks", "there");
+        EXPECT_NE(nullptr, ::GetProcAddressW(module, name));
+        device().Set("locale.checks", "missing");
+        EXPECT_EQ(nullptr, ::GetProcAddressW(module, name));
+    }
+}
+
 }  // namespace

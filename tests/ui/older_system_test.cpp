@@ -43,6 +43,12 @@ TEST_F(OlderSystemTest, ABackupAndARestoreByHandNeedNoNotificationCalls) {
     EXPECT_EQ(1u, Dword("onTime"));
 }
 
+TEST_F(OlderSystemTest, ItStartsWhereLocalesCannotBeChecked) {
+    device().Set("locale.checks", "missing");
+    device().PutFile(kNote, "hello");
+    EXPECT_EQ(0, BackUp());
+}
+
 class FileChooserTest : public StorageUiTest {};
 
 TEST_F(FileChooserTest, AFileIsChosenWhereverTheSystemHasTheWindow) {

@@ -254,6 +254,16 @@ INSTANTIATE_TEST_SUITE_P(Rows, LocaleGuardTest,
                                            LocaleCase{u"nls\\overrides", u"DefaultLCID", 0x7777,
                                                       true}));
 
+TEST_F(RestoreRegistryTest, ASystemThatCannotTellWhatItHasKeepsItsLocaleAndCodePage) {
+    device().Set("locale.checks", "missing");
+    for (const char16_t* name : {u"DefaultLCID", u"DefaultACP"}) {
+        SetValue(HKEY_LOCAL_MACHINE, L"nls", Wide(name), REG_DWORD, Word(1));
+        EXPECT_EQ(kDone,
+                  WriteBack(StoreValue(HKEY_LOCAL_MACHINE, u"nls", name, REG_DWORD, Word(1252))));
+        EXPECT_EQ("4:" + Word(1), Value(HKEY_LOCAL_MACHINE, L"nls", Wide(name)));
+    }
+}
+
 TEST_F(RestoreRegistryTest, LocaleValuesOfAnotherHiveAreOrdinaryOnes) {
     SetValue(HKEY_CURRENT_USER, L"nls", L"DefaultLCID", REG_DWORD, Word(0x409));
     EXPECT_EQ(kDone, WriteBack(StoreValue(HKEY_CURRENT_USER, u"nls", u"DefaultLCID", REG_DWORD,
