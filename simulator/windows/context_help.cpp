@@ -22,72 +22,32 @@ RECT ButtonOf(HWND window) {
     return {right - height - 2, top, right, top + height};
 }
 
-void Draw(HWND window) {
-    RECT button = ButtonOf(window);
+}  // namespace
+
+void DrawContextHelp(void* window) {
+    const auto drawn = static_cast<HWND>(window);
+    if (!HasButton(drawn)) {
+        return;
+    }
+    RECT button = ButtonOf(drawn);
     RECT place{};
-    ::GetWindowRect(window, &place);
+    ::GetWindowRect(drawn, &place);
     ::OffsetRect(&button, -place.left, -place.top);
-    if (HDC dc = ::GetWindowDC(window)) {
+    if (HDC dc = ::GetWindowDC(drawn)) {
         // The host's own picture of the button comes from a font that it lacks.
         ::DrawFrameControl(dc, &button, DFC_BUTTON, DFCS_BUTTONPUSH);
         ::SetBkMode(dc, TRANSPARENT);
         ::SelectObject(dc, ::GetStockObject(DEFAULT_GUI_FONT));
         ::DrawTextW(dc, L"?", 1, &button, DT_CENTER | DT_VCENTER | DT_SINGLELINE);
-        ::ReleaseDC(window, dc);
+        ::ReleaseDC(drawn, dc);
     }
 }
 
-// Behind whatever draws the caption.
-LRESULT CALLBACK OnAnswered(int code, WPARAM wparam, LPARAM lparam) {
-    const auto& answered = *reinterpret_cast<const CWPRETSTRUCT*>(lparam);
-    const bool draws_caption = answered.message == WM_NCPAINT ||
-                               answered.message == WM_NCACTIVATE || answered.message == WM_SETTEXT;
-    if (code == HC_ACTION && draws_caption && HasButton(answered.hwnd)) {
-        Draw(answered.hwnd);
-    }
-    return ::CallNextHookEx(nullptr, code, wparam, lparam);
-}
-
-// In a WM_NULL: a posted message that draws the caption was answered, which no hook sees.
-constexpr WPARAM kDrawAgain = 0x3F3F;
-
-bool IsTap(const MSG& message) {
-    const POINT tapped = {static_cast<short>(LOWORD(message.lParam)),
-                          static_cast<short>(HIWORD(message.lParam))};
-    const RECT button = ButtonOf(message.hwnd);
-    return message.message == WM_NCLBUTTONDOWN && ::PtInRect(&button, tapped);
-}
-
-LRESULT CALLBACK OnPosted(int code, WPARAM wparam, LPARAM lparam) {
-    auto& message = *reinterpret_cast<MSG*>(lparam);
-    if (code == HC_ACTION && wparam == PM_REMOVE && HasButton(message.hwnd)) {
-        if (message.message == WM_NCACTIVATE) {
-            ::PostMessageW(message.hwnd, WM_NULL, kDrawAgain, 0);
-        } else if (message.message == WM_NULL && message.wParam == kDrawAgain) {
-            Draw(message.hwnd);
-        } else if (IsTap(message)) {
-            message.message = WM_HELP;
-            message.wParam = 0;
-            message.lParam = 0;
-        }
-    }
-    return ::CallNextHookEx(nullptr, code, wparam, lparam);
-}
-
-struct Hooks {
-    HHOOK answered =
-        ::SetWindowsHookExW(WH_CALLWNDPROCRET, OnAnswered, nullptr, ::GetCurrentThreadId());
-    HHOOK posted = ::SetWindowsHookExW(WH_GETMESSAGE, OnPosted, nullptr, ::GetCurrentThreadId());
-};
-
-}  // namespace
-
-void AnswerContextHelp() {
-    static const bool is_program = ::GetEnvironmentVariableW(L"CEPROGRAM", nullptr, 0) != 0;
-    if (is_program) {
-        thread_local const Hooks hooks;
-        static_cast<void>(hooks);
-    }
+bool IsContextHelpTap(void* window, long place) {
+    const auto tapped = static_cast<HWND>(window);
+    const POINT point = {static_cast<short>(LOWORD(place)), static_cast<short>(HIWORD(place))};
+    const RECT button = ButtonOf(tapped);
+    return HasButton(tapped) && ::PtInRect(&button, point);
 }
 
 bool TapContextHelp(void* window) {

@@ -4,9 +4,11 @@
 
 namespace sim::windows {
 
-// From now on this thread's windows have it. In a program that was started on a device only: see
-// DrawActiveCaptions.
-void AnswerContextHelp();
+// Draws the "?" of a window that has one.
+void DrawContextHelp(void* window);
+
+// Whether a tap on the caption, at `place` as a message has it, meets the "?" of the window.
+bool IsContextHelpTap(void* window, long place);
 
 // Taps the "?" of a window; false when it has none.
 bool TapContextHelp(void* window);

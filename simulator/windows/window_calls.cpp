@@ -5,7 +5,6 @@
 
 #include "simulator/windows/caption.h"
 #include "simulator/windows/center.h"
-#include "simulator/windows/context_help.h"
 #include "simulator/windows/control.h"
 #include "simulator/windows/desktop.h"
 #include "simulator/windows/dialog_template.h"
@@ -60,8 +59,7 @@ void EnterDeviceDesktop() {
     }
     EnterDesktop(Device::Current());
     AnswerOutside(Device::Current());
-    DrawActiveCaptions();
-    AnswerContextHelp();
+    AnswerForCaptions();
 }
 
 void* CreateWindowOnDevice(const NewWindow& window) {
