@@ -1,9 +1,8 @@
 #include "pc/command/command_line.h"
 
 #include <CLI/CLI.hpp>
+#include <iterator>
 #include <new>
-
-#include "pc/command/commands.h"
 
 namespace tolvenar::pc {
 namespace {
@@ -21,14 +20,6 @@ constexpr const char* kExitCodes =
     "damaged,\n"
     "5 not a storage. The storage itself is never written to.";
 
-struct Command {
-    const char* name;
-    const char* does;
-    const char* example;
-    void (*add_options)(CLI::App& app, Options& options);
-    ExitCode (*run)(const Options& options, Console& console);
-};
-
 void AddStorage(CLI::App& app, Options& options, const char* help) {
     app.add_option("STORAGE", options.storage, help)->required();
 }
@@ -38,9 +29,7 @@ void AddStorageAndJson(CLI::App& app, Options& options, const char* help) {
     app.add_flag("--json", options.json, "the result as JSON");
 }
 
-void AddInfoOptions(CLI::App& app, Options& options) {
-    AddStorageAndJson(app, options, kStorageHelp);
-}
+void AddInfoOptions(CLI::App& app, Options& options) { AddStorageOfAllStates(app, options); }
 
 void AddListOptions(CLI::App& app, Options& options) {
     AddStorageAndJson(app, options, kAddressHelp);
@@ -164,12 +153,19 @@ ExitCode Run(const Command& command, const Options& options, Console& console) {
 
 }  // namespace
 
-int RunCommandLine(const std::vector<std::string>& arguments, Console& console) {
+void AddStorageOfAllStates(CLI::App& app, Options& options) {
+    AddStorageAndJson(app, options, kStorageHelp);
+}
+
+int RunCommandLine(const std::vector<std::string>& arguments, Console& console,
+                   const std::vector<Command>& more) {
     CLI::App app("Reads, checks and uses a storage of Tolvenar on this machine.", "tolvenar");
     app.require_subcommand(1);
     app.footer(kExitCodes);
     Options options;
-    for (const Command& command : kCommands) {
+    std::vector<Command> commands(std::begin(kCommands), std::end(kCommands));
+    commands.insert(commands.end(), more.begin(), more.end());
+    for (const Command& command : commands) {
         CLI::App* const subcommand = app.add_subcommand(command.name, command.does);
         subcommand->footer(std::string("Example: ") + command.example + "\n" + kExitCodes);
         command.add_options(*subcommand, options);
@@ -181,7 +177,7 @@ int RunCommandLine(const std::vector<std::string>& arguments, Console& console) 
         return TellOfParser(app, error, console);
     }
     ExitCode code = ExitCode::kUsage;
-    for (const Command& command : kCommands) {
+    for (const Command& command : commands) {
         if (app.got_subcommand(command.name)) {
             code = Run(command, options, console);
         }

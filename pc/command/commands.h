@@ -18,7 +18,7 @@ struct Options {
     std::string object;                 // cat: its path
     bool is_long = false;               // ls: kind, size and time, too
     bool all = false;                   // verify: what is whole, too
-    std::string folder = ".";           // extract: where the files go
+    std::string folder = ".";           // extract: where the files go; mount: where the states are
     bool dry_run = false;               // extract, trim, salvage: tells what would be done
     std::string older;                  // diff: the states
     std::string newer;
@@ -26,9 +26,10 @@ struct Options {
     bool flat = false;      // diff: one line for each object
     bool contents = false;  // diff: what changed in them, too
     std::string form;       // export
-    std::string file;       // export: nothing for the output; trim, salvage: the new pair
+    std::string file;       // export, report: nothing for the output; trim, salvage: the new pair
     KeepRules keep;         // trim
     bool raw = false;       // cat: the bytes that are stored
+    int port = 0;           // serve: 0 for one that is free
 };
 
 ExitCode RunInfo(const Options& options, Console& console);

@@ -86,8 +86,8 @@ private:
     // A path has few components: the depth is bounded.
     static void AddLines(const Item& item, std::vector<TreeLine>& lines) {
         const NodeRecord& node = *item.record;
-        lines.push_back(
-            {item.text, node.added, node.deleted, node.both, node.group_mark != 0, node.depth});
+        lines.push_back({item.text, node.added, node.deleted, node.both, node.group_mark != 0,
+                         node.flags & kNodeStateMask, node.depth});
         for (const Item* child : item.children) {
             AddLines(*child, lines);
         }

@@ -15,7 +15,8 @@ struct TreeLine {
     std::uint32_t added;  // changed objects below it
     std::uint32_t deleted;
     std::uint32_t both;
-    bool has_counts;  // a category or a group
+    bool has_counts;       // a category or a group
+    std::uint32_t change;  // of an object itself: kNodeAdded, kNodeDeleted, kNodeBoth; or 0
     std::size_t depth;
 };
 

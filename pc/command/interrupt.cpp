@@ -24,6 +24,7 @@ InterruptWatch::~InterruptWatch() {
     for (const int signal : kSignals) {
         std::signal(signal, SIG_DFL);
     }
+    interrupted = 0;
 }
 
 bool IsInterrupted() { return interrupted != 0; }

@@ -1,75 +1,15 @@
 // verify: the check of the device's program, and beyond it every content.
 #include <fmt/format.h>
-#include <map>
 
 #include "pc/command/commands.h"
 #include "pc/command/json.h"
+#include "pc/command/judgement.h"
 #include "pc/command/object_json.h"
 #include "pc/command/opened.h"
-#include "pc/command/progress_line.h"
-#include "pc/storage/object_data.h"
-#include "pc/storage/state_objects.h"
 #include "pc/storage/versions.h"
-#include "snapshot/text/letter_case.h"
 
 namespace tolvenar::pc {
 namespace {
-
-struct Judged {
-    StoredObject object;
-    std::vector<std::uint16_t> states;  // that hold it
-    const char* damage;                 // null for none, "block" or "contents"
-};
-
-struct StateCount {
-    std::size_t objects = 0;
-    std::size_t damaged = 0;
-};
-
-struct Judgement {
-    std::vector<Judged> objects;  // in the order of the storage file
-    std::map<std::uint16_t, StateCount> states;
-    std::size_t damaged = 0;
-    std::size_t damaged_states = 0;  // whose own blocks are
-};
-
-const char* DamageOf(StoredPair& pair, const StoredObject& object) {
-    return object.is_damaged ? "block" : DataAreSound(pair, object) ? nullptr : "contents";
-}
-
-Judgement Judge(StoredPair& pair, Console& console) {
-    Judgement judgement;
-    Holders holders = FindHolders(pair, StatesOf(pair));
-    ProgressLine progress(console, "verify", pair.sizes().storage);
-    for (StoredObject& object : DescribeAll(pair, AdditionsOf(pair.journal()))) {
-        const char* const damage = DamageOf(pair, object);
-        progress.Add(kInfoHeadBytes + 2 * object.name.size() + object.data_bytes);
-        std::vector<std::uint16_t>& states = holders[object.record.propOffset];
-        for (const std::uint16_t state : states) {
-            ++judgement.states[state].objects;
-            judgement.states[state].damaged += damage != nullptr ? 1 : 0;
-        }
-        judgement.damaged += damage != nullptr ? 1 : 0;
-        judgement.objects.push_back({std::move(object), std::move(states), damage});
-    }
-    for (const State& state : pair.states()) {
-        judgement.damaged_states += state.is_damaged ? 1 : 0;
-    }
-    return judgement;
-}
-
-// The states that hold a whole version of a damaged object; of one without a name nobody knows.
-std::vector<std::uint16_t> StatesWithWhole(const Judgement& judgement, const Judged& damaged) {
-    std::vector<std::uint16_t> states;
-    const std::u16string path = PathOf(damaged.object);
-    for (const Judged& other : judgement.objects) {
-        if (other.damage == nullptr && other.object.type() == damaged.object.type() &&
-            EqualIgnoringCase(PathOf(other.object), path)) {
-            states.insert(states.end(), other.states.begin(), other.states.end());
-        }
-    }
-    return states;
-}
 
 Json JsonOf(const Judgement& judgement, const Judged& judged) {
     Json json = JsonOf(judged.object);
@@ -151,7 +91,7 @@ void PrintText(const StoredPair& pair, const Judgement& judgement, bool all, Con
 
 ExitCode RunVerify(const Options& options, Console& console) {
     const std::unique_ptr<StoredPair> pair = OpenWhole(options.storage, console);
-    const Judgement judgement = Judge(*pair, console);
+    const Judgement judgement = Judge(*pair, "verify", console);
     const bool is_sound = judgement.damaged == 0 && judgement.damaged_states == 0 &&
                           ListVerdict(*pair) == ExitCode::kDone;
     if (options.json) {

@@ -4,7 +4,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "pc/command/command_line.h"
+#include "pc/program/more_commands.h"
 
 namespace tolvenar::pc {
 
@@ -37,7 +37,7 @@ PcTest::Result PcTest::Run(std::vector<std::string> arguments) const {
     TextOutput out;
     TextOutput err;
     Console console{out, err};
-    const int code = RunCommandLine(arguments, console);
+    const int code = RunCommandLine(arguments, console, MoreCommands());
     return {code, out.text, err.text};
 }
 

@@ -2,7 +2,7 @@
 #include <csignal>
 #include <unistd.h>
 
-#include "pc/command/command_line.h"
+#include "pc/program/more_commands.h"
 
 int main(int count, char** arguments) {
     using namespace tolvenar::pc;
@@ -11,5 +11,5 @@ int main(int count, char** arguments) {
     HandleOutput out(STDOUT_FILENO);
     HandleOutput err(STDERR_FILENO);
     Console console{out, err, ::isatty(STDERR_FILENO) != 0};
-    return RunCommandLine({arguments + 1, arguments + count}, console);
+    return RunCommandLine({arguments + 1, arguments + count}, console, MoreCommands());
 }
