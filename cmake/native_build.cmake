@@ -36,7 +36,7 @@ if(BUILD_TESTING)
   # The program for the PC, called as a function and, where that matters, started.
   file(GLOB_RECURSE pc_tests CONFIGURE_DEPENDS tests/pc/*.cpp)
   add_executable(pc_test ${pc_tests})
-  target_link_libraries(pc_test PRIVATE ${PC_PROGRAM} pc_options GTest::gtest_main)
+  target_link_libraries(pc_test PRIVATE ${PC_PROGRAM} pc_options GTest::gtest_main PkgConfig::HTTPLIB)
   target_compile_definitions(pc_test PRIVATE PC_PROGRAM="$<TARGET_FILE:tolvenar_pc>"
     TOLVENAR_SOURCE_DIR="${CMAKE_SOURCE_DIR}")
   add_dependencies(pc_test tolvenar_pc)

@@ -1,9 +1,10 @@
 #include "pc/program/more_commands.h"
 
 #include "pc/report/report.h"
+#include "pc/serve/serve.h"
 
 namespace tolvenar::pc {
 
-std::vector<Command> MoreCommands() { return {kReportCommand}; }
+std::vector<Command> MoreCommands() { return {kReportCommand, kServeCommand}; }
 
 }  // namespace tolvenar::pc

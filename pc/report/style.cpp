@@ -24,6 +24,7 @@ body {
 h1 { margin: 0; font-size: 2rem; line-height: 1.2; font-weight: 650; overflow-wrap: anywhere; }
 h2 { margin: 2.5rem 0 .75rem; font-size: 1.25rem; font-weight: 650; }
 p { margin: .5rem 0; }
+header { margin-bottom: 1.25rem; }
 a { color: var(--accent); text-underline-offset: .15em; }
 small, .soft { color: var(--soft); font-size: .875rem; }
 bdi, td, li { overflow-wrap: anywhere; }

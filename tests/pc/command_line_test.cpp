@@ -36,8 +36,8 @@ TEST_F(CommandLineTest, WrongUsageIsCodeTwo) {
 TEST_F(CommandLineTest, EveryCommandHasHelpWithAnExample) {
     const Result all = Run({"--help"});
     EXPECT_EQ(0, all.code);
-    for (const char* command :
-         {"info", "ls", "cat", "find", "verify", "extract", "diff", "export", "trim", "report"}) {
+    for (const char* command : {"info", "ls", "cat", "find", "verify", "extract", "diff", "export",
+                                "trim", "report", "serve"}) {
         EXPECT_NE(std::string::npos, all.out.find(command)) << command;
         const Result help = Run({command, "--help"});
         EXPECT_EQ(0, help.code);
