@@ -1,10 +1,11 @@
 #include "pc/program/more_commands.h"
 
+#include "pc/mount/mount.h"
 #include "pc/report/report.h"
 #include "pc/serve/serve.h"
 
 namespace tolvenar::pc {
 
-std::vector<Command> MoreCommands() { return {kReportCommand, kServeCommand}; }
+std::vector<Command> MoreCommands() { return {kReportCommand, kServeCommand, kMountCommand}; }
 
 }  // namespace tolvenar::pc

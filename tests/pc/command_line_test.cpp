@@ -37,7 +37,7 @@ TEST_F(CommandLineTest, EveryCommandHasHelpWithAnExample) {
     const Result all = Run({"--help"});
     EXPECT_EQ(0, all.code);
     for (const char* command : {"info", "ls", "cat", "find", "verify", "extract", "diff", "export",
-                                "trim", "report", "serve"}) {
+                                "trim", "report", "serve", "mount"}) {
         EXPECT_NE(std::string::npos, all.out.find(command)) << command;
         const Result help = Run({command, "--help"});
         EXPECT_EQ(0, help.code);
