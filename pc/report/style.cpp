@@ -34,7 +34,7 @@ pre { overflow-x: auto; padding: 1rem; border: 1px solid var(--line); border-rad
 .tiles { display: grid; grid-template-columns: repeat(auto-fit, minmax(9rem, 1fr)); gap: .75rem; margin: 0; }
 .tiles div, .card { background: var(--card); border: 1px solid var(--line); border-radius: .5rem; padding: .75rem 1rem; }
 .tiles dt { color: var(--soft); font-size: .875rem; }
-.tiles dd { margin: 0; font-size: 1.375rem; font-weight: 600; font-variant-numeric: tabular-nums; }
+.tiles dd { margin: 0; font-size: 1.25rem; font-weight: 600; font-variant-numeric: tabular-nums; }
 .chart { display: block; width: 100%; overflow: visible; }
 .chart line { stroke: var(--line); stroke-width: 2; }
 .chart circle { fill: var(--accent); stroke: var(--card); stroke-width: 2; }
