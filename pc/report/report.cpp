@@ -43,7 +43,7 @@ private:
 // What each state changed, the newest first.
 void WriteChanges(Output& out, StoredPair& pair, const ReportData& data) {
     out.Write("<h2>Differences</h2>\n");
-    for (std::size_t i = data.states.size(); i-- > 0 && !out.failed();) {
+    for (std::size_t i = data.states.size(); i-- > 0 && !out.failed() && !IsInterrupted();) {
         const std::uint16_t newer = data.states[i].state.number;
         const std::uint16_t older = i == 0 ? std::uint16_t{0} : data.states[i - 1].state.number;
         const std::vector<TreeLine> tree =
@@ -73,6 +73,12 @@ void WriteReport(Output& out, StoredPair& pair, const ReportData& data) {
     EndPage(out);
 }
 
+void ThrowIfInterrupted() {
+    if (IsInterrupted()) {
+        throw Failure(ExitCode::kCannot, "interrupted");
+    }
+}
+
 void WriteFile(const std::string& file, StoredPair& pair, const ReportData& data) {
     const std::filesystem::path path(file);
     FolderWriter writer(path.has_parent_path() ? path.parent_path().string() : ".");
@@ -83,7 +89,8 @@ void WriteFile(const std::string& file, StoredPair& pair, const ReportData& data
             return out.Finish();
         });
     if (!failure.empty()) {
-        throw Failure(ExitCode::kCannot, IsInterrupted() ? "interrupted" : file + ": " + failure);
+        ThrowIfInterrupted();
+        throw Failure(ExitCode::kCannot, file + ": " + failure);
     }
 }
 
@@ -106,6 +113,7 @@ ExitCode RunReport(const Options& options, Console& console) {
     const ReportData data = GatherReport(*pair, console);
     if (options.file.empty()) {
         WriteReport(console.out, *pair, data);
+        ThrowIfInterrupted();
     } else {
         WriteFile(options.file, *pair, data);
     }

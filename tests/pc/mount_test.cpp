@@ -1,17 +1,14 @@
 // mount: what its operations give, and the file system itself where the system lets it be mounted.
 #include <algorithm>
 #include <cerrno>
-#include <csignal>
 #include <fcntl.h>
-#include <fstream>
-#include <sstream>
 #include <sys/mount.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include "pc/mount/mounted_tree.h"
 #include "pc/text/utf.h"
+#include "tests/pc/child.h"
 #include "tests/pc/hostile_pair.h"
 #include "tests/pc/pc_test.h"
 
@@ -187,37 +184,9 @@ TEST_F(MountTest, NoValueHidesAnother) {
 // The program as a process, in a folder of the system.
 class RealMountTest : public MountTest {
 protected:
-    // False where the system does not let a program mount.
-    bool Start() {
-        std::filesystem::create_directory(In("mnt"));
-        int out[2];
-        if (::pipe(out) != 0) {
-            return false;
-        }
-        const std::string home = In("Home.sav");
-        const std::string folder = In("mnt");
-        const std::string told = In("told");
-        child_ = ::fork();
-        if (child_ == 0) {
-            ::dup2(out[1], STDOUT_FILENO);
-            ::close(out[0]);
-            ::close(out[1]);
-            std::freopen(told.c_str(), "w", stderr);
-            ::execl(PC_PROGRAM, PC_PROGRAM, "mount", home.c_str(), folder.c_str(), "--json",
-                    nullptr);
-            ::_exit(127);
-        }
-        ::close(out[1]);
-        char first = 0;
-        const bool is_mounted = ::read(out[0], &first, 1) == 1;
-        ::close(out[0]);
-        return is_mounted;
-    }
-    // The code of the program's end.
-    int End() const {
-        int status = 0;
-        ::waitpid(child_, &status, 0);
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    void SetUp() override { std::filesystem::create_directory(In("mnt")); }
+    std::vector<std::string> Arguments() const {
+        return {"mount", In("Home.sav"), In("mnt"), "--json"};
     }
     bool MayMount() const {
         const int device = ::open("/dev/fuse", O_RDWR | O_CLOEXEC);
@@ -230,8 +199,6 @@ protected:
         ::close(file);
         return failure;
     }
-
-    pid_t child_ = 0;
 };
 
 TEST_F(RealMountTest, TheSystemReadsIt) {
@@ -240,7 +207,8 @@ TEST_F(RealMountTest, TheSystemReadsIt) {
     }
     pair.sav[pair.sav.find("Dear Ann, bye")] ^= 1;
     Save();
-    ASSERT_TRUE(Start()) << Read("told");
+    const Child child(Arguments(), In("told"));
+    ASSERT_NE("", child.ReadLine()) << Read("told");
     EXPECT_EQ("Dear Ann", Read("mnt/State 1/Files/My Documents/letter.txt"));
     EXPECT_EQ("Tahoma\n", Read("mnt/State 1/Registry/HKCU/Software/Notes/Font.txt"));
     struct stat status {};
@@ -249,8 +217,8 @@ TEST_F(RealMountTest, TheSystemReadsIt) {
     EXPECT_EQ(EIO, OpenAt("State 2/Files/My Documents/letter.txt", O_RDONLY));
     EXPECT_EQ(EROFS, OpenAt("State 1/Files/My Documents/letter.txt", O_RDWR));
     EXPECT_EQ(EROFS, OpenAt("State 1/Files/new.txt", O_WRONLY | O_CREAT));
-    ::kill(child_, SIGINT);
-    EXPECT_EQ(0, End());
+    child.Interrupt();
+    EXPECT_EQ(0, child.End());
     EXPECT_EQ("tolvenar: unmounted\n", Read("told"));
     EXPECT_TRUE(std::filesystem::is_empty(In("mnt")));
 }
@@ -259,9 +227,10 @@ TEST_F(RealMountTest, UnmountingEndsIt) {
     if (!MayMount()) {
         GTEST_SKIP() << "/dev/fuse does not open";
     }
-    ASSERT_TRUE(Start()) << Read("told");
+    const Child child(Arguments(), In("told"));
+    ASSERT_NE("", child.ReadLine()) << Read("told");
     EXPECT_EQ(0, ::umount(In("mnt").c_str()));
-    EXPECT_EQ(0, End());
+    EXPECT_EQ(0, child.End());
 }
 
 TEST_F(RealMountTest, WithoutAFolderItCannot) {

@@ -1,4 +1,5 @@
 // report.
+#include "tests/pc/child.h"
 #include "tests/pc/hostile_pair.h"
 #include "tests/pc/pc_test.h"
 
@@ -13,6 +14,15 @@ protected:
         const Result result = Run({"report", "HOME"});
         EXPECT_EQ(expected_code, result.code) << result.err;
         return result.out;
+    }
+    void AddManyFiles() {
+        pair.BeginState();
+        for (std::uint32_t i = 0; i < 20000; ++i) {
+            const std::u16string folder = u"\\Folder " + std::u16string(i / 1000 + 1, u'a');
+            const std::string number = std::to_string(i);
+            pair.AddFile(folder + u"\\file " + std::u16string(number.begin(), number.end()), "x",
+                         0x1000 + i);
+        }
     }
 };
 
@@ -119,17 +129,22 @@ TEST_F(ReportTest, JsonTellsOfTheFile) {
 
 // A browser opens some megabytes at once.
 TEST_F(ReportTest, AStorageOfManyFilesStaysUsable) {
-    pair.BeginState();
-    for (std::uint32_t i = 0; i < 20000; ++i) {
-        const std::u16string folder = u"\\Folder " + std::u16string(i / 1000 + 1, u'a');
-        const std::string number = std::to_string(i);
-        pair.AddFile(folder + u"\\file " + std::u16string(number.begin(), number.end()), "x",
-                     0x1000 + i);
-    }
+    AddManyFiles();
     Save();
     const std::string page = Report();
     EXPECT_TRUE(Has(page, "file 19999 (+)"));
     EXPECT_GT(20000u * 100, page.size());
+}
+
+// A pipe holds a part of the page.
+TEST_F(ReportTest, AnInterruptIsAClearEnd) {
+    AddManyFiles();
+    Save();
+    const Child child({"report", In("Home.sav")}, In("told"));
+    EXPECT_EQ("<!DOCTYPE html>\n", child.ReadLine());
+    child.Interrupt();
+    EXPECT_EQ(1, child.End());
+    EXPECT_EQ("tolvenar: interrupted\n", Read("told"));
 }
 
 }  // namespace

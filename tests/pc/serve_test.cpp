@@ -1,14 +1,12 @@
 // serve: what it answers over the loopback, and what it refuses.
-#include <csignal>
 #include <httplib.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include "pc/serve/disposition.h"
 #include "pc/serve/server.h"
 #include "pc/serve/site.h"
 #include "pc/serve/token.h"
 #include "pc/text/failure.h"
+#include "tests/pc/child.h"
 #include "tests/pc/hostile_pair.h"
 #include "tests/pc/pc_test.h"
 
@@ -259,33 +257,13 @@ TEST_F(ServeTest, WhatIsMissingInADownloadIsToldFirst) {
 
 // The program as a process, ended as Ctrl-C ends it.
 TEST_F(ServeTest, AnInterruptIsAClearEnd) {
-    int out[2];
-    ASSERT_EQ(0, ::pipe(out));
-    const std::string home = In("Home.sav");
-    const std::string told = In("told");
-    const pid_t child = ::fork();
-    if (child == 0) {
-        ::dup2(out[1], STDOUT_FILENO);
-        ::close(out[0]);
-        ::close(out[1]);
-        std::freopen(told.c_str(), "w", stderr);
-        ::execl(PC_PROGRAM, PC_PROGRAM, "serve", home.c_str(), "--json", nullptr);
-        ::_exit(127);
-    }
-    ::close(out[1]);
-    std::string line;
-    for (char letter = 0; letter != '\n' && ::read(out[0], &letter, 1) == 1;) {
-        line += letter;
-    }
-    const std::string address = nlohmann::json::parse(line)["address"];
+    const Child child({"serve", In("Home.sav"), "--json"}, In("told"));
+    const std::string address = nlohmann::json::parse(child.ReadLine())["address"];
     httplib::Client client(address.substr(0, address.find('/', 7)));
     const httplib::Result result = client.Get(address.substr(address.find('/', 7)));
     EXPECT_TRUE(result && result->status == 200);
-    ::kill(child, SIGINT);
-    int status = 0;
-    EXPECT_EQ(child, ::waitpid(child, &status, 0));
-    ::close(out[0]);
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+    child.Interrupt();
+    EXPECT_EQ(0, child.End());
     EXPECT_EQ("tolvenar: closed\n", Read("told"));
     EXPECT_FALSE(client.Get("/"));
 }
