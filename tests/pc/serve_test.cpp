@@ -237,6 +237,15 @@ TEST_F(ServeTest, ALongFileComesInPieces) {
     EXPECT_EQ(contents, Page("file-4-" + std::to_string(file.propOffset)));
 }
 
+// The library takes minutes to compress what a browser would take compressed.
+TEST_F(ServeTest, ALongPageIsNotCompressed) {
+    Start();
+    const httplib::Result result = Ask(path_, {{"Accept-Encoding", "gzip, deflate, br"}});
+    ASSERT_TRUE(result);
+    EXPECT_FALSE(result->has_header("Content-Encoding"));
+    EXPECT_EQ(Page("").size(), result->body.size());
+}
+
 TEST_F(ServeTest, DamagedContentsAreNotGiven) {
     pair.sav[pair.sav.find("Dear Ann, bye")] ^= 1;
     Start();
