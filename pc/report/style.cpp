@@ -80,7 +80,10 @@ footer { margin-top: 3rem; padding-top: 1rem; border-top: 1px solid var(--line);
   .tree ul { padding-left: .5rem; }
 }
 @media print {
-  :root { --paper: #fff; --card: #fff; --ink: #000; --soft: #444; --line: #bbb; --good: #fff; --bad: #fff; }
+  :root {
+    --paper: #fff; --card: #fff; --ink: #000; --soft: #444; --line: #bbb; --good: #fff; --bad: #fff;
+    --accent: #22577a; --accent-soft: #c9d9e3; --added: #1f7a4d; --deleted: #b3372f; --changed: #93660b;
+  }
   body { max-width: none; padding: 0; font-size: 10pt; }
   .verdict { border: 1px solid var(--line); }
   .chart .before, .chart .new, .chart circle { print-color-adjust: exact; }
