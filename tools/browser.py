@@ -51,7 +51,8 @@ class Browser:
         message, self.waiting = self.waiting.split(b"\0", 1)
         return json.loads(message)
 
-    def call(self, method, **parameters):
+    def ask(self, method, **parameters):
+        """The answer, which may be an error."""
         self.number += 1
         message = {"id": self.number, "method": method, "params": parameters}
         if self.session:
@@ -60,10 +61,14 @@ class Browser:
         while True:
             answer = self.read_message()
             if answer.get("id") == self.number:
-                if "error" in answer:
-                    sys.exit(f"{method}: {answer['error']}")
-                return answer["result"]
+                return answer
             self.events.append(answer)
+
+    def call(self, method, **parameters):
+        answer = self.ask(method, **parameters)
+        if "error" in answer:
+            sys.exit(f"{method}: {answer['error']}")
+        return answer["result"]
 
     def wait_for(self, method):
         while True:
@@ -80,8 +85,25 @@ class Browser:
         self.call("Browser.setDownloadBehavior", behavior="allow", downloadPath=str(downloads), eventsEnabled=True)
 
     def visit(self, address):
-        self.call("Page.navigate", url=address)
-        self.wait_for("Page.loadEventFired")
+        self.leave_page(lambda: self.call("Page.navigate", url=address))
+
+    def follow(self, element):
+        self.leave_page(lambda: self.click(element))
+
+    def leave_page(self, act):
+        """Does what brings another page, and waits until that one is whole."""
+        self.look("window.isOld = true")
+        act()
+        deadline = time.monotonic() + PATIENCE_SECONDS
+        while not self.is_true("!window.isOld && document.readyState === 'complete'"):
+            if time.monotonic() > deadline:
+                sys.exit("no other page comes")
+            time.sleep(0.02)
+
+    def is_true(self, expression):
+        """False also between two pages, where there is nothing to ask."""
+        answer = self.ask("Runtime.evaluate", expression=expression, returnByValue=True)
+        return answer.get("result", {}).get("result", {}).get("value") is True
 
     def look(self, expression):
         result = self.call("Runtime.evaluate", expression=expression, returnByValue=True)

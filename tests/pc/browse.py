@@ -19,11 +19,6 @@ def open_and_look(browser, names, leaf):
     return [before, browser.look(is_seen)]
 
 
-def follow(browser, element):
-    browser.click(element)
-    browser.wait_for("Page.loadEventFired")
-
-
 def save(browser, element):
     browser.click(element)
     name = browser.wait_for("Browser.downloadWillBegin")["suggestedFilename"]
@@ -43,14 +38,14 @@ def work(browser, address):
         seen[f"too_wide_on_{name}"] = browser.look("document.documentElement.scrollWidth > innerWidth")
     browser.call("Emulation.clearDeviceMetricsOverride")
 
-    follow(browser, "document.querySelector('td a[href=\"state-2\"]')")
+    browser.follow("document.querySelector('td a[href=\"state-2\"]')")
     seen["tree"] = open_and_look(browser, ["Files", "My Documents"], link("letter.txt"))
     seen["saved"] = save(browser, "document.querySelector('a[href^=\"file-2-\"]')")
 
     browser.visit(address)
     browser.look("document.querySelector('[name=older]').value = '1', "
                  "document.querySelector('[name=newer]').value = '3'")
-    follow(browser, "document.querySelector('button')")
+    browser.follow("document.querySelector('button')")
     seen["compared"] = browser.look("document.querySelector('h1').textContent")
     leaf = "[...document.querySelectorAll('li.d')].find(l => l.textContent.startsWith('notes.txt'))"
     seen["differences"] = open_and_look(browser, ["Files", "My Documents"], leaf)
