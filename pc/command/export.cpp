@@ -18,8 +18,10 @@ struct Form {
     std::string (*make)(StoredPair& pair, const std::vector<StoredObject>& objects,
                         Omissions& omissions);
 };
-constexpr Form kForms[] = {
-    {"reg", ExportRegistry}, {"json", ExportDatabases}, {"csv", ExportTable}};
+constexpr Form kForms[] = {{"reg", ExportRegistry},
+                           {"reg4", ExportOldRegistry},
+                           {"json", ExportDatabases},
+                           {"csv", ExportTable}};
 
 const Form& FindForm(const std::string& name) {
     for (const Form& form : kForms) {
@@ -27,7 +29,7 @@ const Form& FindForm(const std::string& name) {
             return form;
         }
     }
-    throw Failure(ExitCode::kUsage, "\"" + name + "\" is no form: give reg, json or csv");
+    throw Failure(ExitCode::kUsage, "\"" + name + "\" is no form: give reg, reg4, json or csv");
 }
 
 void WriteOut(const std::string& bytes, const std::string& file, Console& console) {

@@ -27,6 +27,8 @@ private:
 // their data and in the order of lists.
 std::string ExportRegistry(StoredPair& pair, const std::vector<StoredObject>& objects,
                            Omissions& omissions);
+std::string ExportOldRegistry(StoredPair& pair, const std::vector<StoredObject>& objects,
+                              Omissions& omissions);
 std::string ExportDatabases(StoredPair& pair, const std::vector<StoredObject>& objects,
                             Omissions& omissions);
 // A table of one database. A Failure when there are several.
