@@ -18,10 +18,11 @@ struct Form {
     std::string (*make)(StoredPair& pair, const std::vector<StoredObject>& objects,
                         Omissions& omissions);
 };
-constexpr Form kForms[] = {{"reg", ExportRegistry},
-                           {"reg4", ExportOldRegistry},
-                           {"json", ExportDatabases},
-                           {"csv", ExportTable}};
+constexpr Form kForms[] = {
+    {"reg", ExportRegistry},  {"reg4", ExportOldRegistry}, {"json", ExportDatabases},
+    {"csv", ExportTable},     {"vcard3", ExportCards3},    {"vcard4", ExportCards4},
+    {"ical", ExportCalendar},
+};
 
 const Form& FindForm(const std::string& name) {
     for (const Form& form : kForms) {
@@ -29,7 +30,11 @@ const Form& FindForm(const std::string& name) {
             return form;
         }
     }
-    throw Failure(ExitCode::kUsage, "\"" + name + "\" is no form: give reg, reg4, json or csv");
+    std::string names;
+    for (const Form& form : kForms) {
+        names += (names.empty() ? "" : ", ") + std::string(form.name);
+    }
+    throw Failure(ExitCode::kUsage, "\"" + name + "\" is no form: give one of " + names);
 }
 
 void WriteOut(const std::string& bytes, const std::string& file, Console& console) {
@@ -50,7 +55,11 @@ void WriteOut(const std::string& bytes, const std::string& file, Console& consol
 }  // namespace
 
 void Omissions::Add(const StoredObject& object, const char* why, ExitCode code) {
-    console_.Tell(fmt::format("not exported: {}: {}", Printable(PathOf(object)), why));
+    Tell(fmt::format("not exported: {}: {}", Printable(PathOf(object)), why), code);
+}
+
+void Omissions::Tell(const std::string& what, ExitCode code) {
+    console_.Tell(what);
     code_ = Graver(code_, code);
 }
 

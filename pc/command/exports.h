@@ -16,6 +16,7 @@ public:
     explicit Omissions(Console& console) : console_(console) {}
 
     void Add(const StoredObject& object, const char* why, ExitCode code);
+    void Tell(const std::string& what, ExitCode code);
     ExitCode code() const { return code_; }
 
 private:
@@ -34,5 +35,13 @@ std::string ExportDatabases(StoredPair& pair, const std::vector<StoredObject>& o
 // A table of one database. A Failure when there are several.
 std::string ExportTable(StoredPair& pair, const std::vector<StoredObject>& objects,
                         Omissions& omissions);
+// Contacts as cards of version 3 and 4, appointments and tasks as a calendar. A Failure when there
+// are none.
+std::string ExportCards3(StoredPair& pair, const std::vector<StoredObject>& objects,
+                         Omissions& omissions);
+std::string ExportCards4(StoredPair& pair, const std::vector<StoredObject>& objects,
+                         Omissions& omissions);
+std::string ExportCalendar(StoredPair& pair, const std::vector<StoredObject>& objects,
+                           Omissions& omissions);
 
 }  // namespace tolvenar::pc
