@@ -90,7 +90,7 @@ void AddExportOptions(CLI::App& app, Options& options) {
                    "reg: the registry as a .reg file of version 5; reg4: as one of REGEDIT4, for "
                    "older programs; json: databases with every "
                    "property; csv: one database as a table; vcard3, vcard4: contacts as cards; "
-                   "ical: appointments and tasks as a calendar")
+                   "ical: appointments and tasks as a calendar; tar: everything as an archive")
         ->required();
     app.add_option("PATTERN", options.patterns, kPatternHelp);
     app.add_option("-o,--output", options.file, "the file, which must not be there yet");

@@ -1,8 +1,11 @@
 // export: a state's registry and databases as files that other programs take.
+#include <exception>
 #include <filesystem>
 #include <fmt/format.h>
+#include <functional>
 
 #include "pc/command/commands.h"
+#include "pc/command/export_state.h"
 #include "pc/command/exports.h"
 #include "pc/command/opened.h"
 #include "pc/storage/folder_writer.h"
@@ -13,15 +16,26 @@
 namespace tolvenar::pc {
 namespace {
 
+using Take = FileSink::Take;
+
 struct Form {
     const char* name;
-    std::string (*make)(StoredPair& pair, const std::vector<StoredObject>& objects,
-                        Omissions& omissions);
+    void (*write)(const ExportJob& job, const Take& take);
 };
+
+// A form that is one text in memory.
+using MakeText = std::string(StoredPair& pair, const std::vector<StoredObject>& objects,
+                             Omissions& omissions);
+template <MakeText Make>
+void WriteText(const ExportJob& job, const Take& take) {
+    take(Make(job.pair, job.objects, job.omissions));
+}
+
 constexpr Form kForms[] = {
-    {"reg", ExportRegistry},  {"reg4", ExportOldRegistry}, {"json", ExportDatabases},
-    {"csv", ExportTable},     {"vcard3", ExportCards3},    {"vcard4", ExportCards4},
-    {"ical", ExportCalendar},
+    {"reg", WriteText<ExportRegistry>},   {"reg4", WriteText<ExportOldRegistry>},
+    {"json", WriteText<ExportDatabases>}, {"csv", WriteText<ExportTable>},
+    {"vcard3", WriteText<ExportCards3>},  {"vcard4", WriteText<ExportCards4>},
+    {"ical", WriteText<ExportCalendar>},  {"tar", ExportTar},
 };
 
 const Form& FindForm(const std::string& name) {
@@ -37,16 +51,24 @@ const Form& FindForm(const std::string& name) {
     throw Failure(ExitCode::kUsage, "\"" + name + "\" is no form: give one of " + names);
 }
 
-void WriteOut(const std::string& bytes, const std::string& file, Console& console) {
-    if (file.empty()) {
-        console.out.Write(bytes);
-        return;
-    }
+// `write` may end in a Failure; then the file is not there.
+void WriteFile(const std::string& file, const std::function<void(const Take& take)>& write) {
     const std::filesystem::path path(file);
     FolderWriter writer(path.has_parent_path() ? path.parent_path().string() : ".");
+    std::exception_ptr thrown;
+    bool is_taken = true;
     const std::string failure =
-        writer.WriteFile({path.filename().string()}, {},
-                         [&bytes](const FolderWriter::Take& take) { return take(bytes); });
+        writer.WriteFile({path.filename().string()}, {}, [&](const Take& take) {
+            try {
+                write([&](std::string_view bytes) { return is_taken = take(bytes); });
+            } catch (...) {
+                thrown = std::current_exception();
+            }
+            return is_taken && !thrown;
+        });
+    if (thrown && is_taken) {
+        std::rethrow_exception(thrown);
+    }
     if (!failure.empty()) {
         throw Failure(ExitCode::kCannot, file + ": " + failure);
     }
@@ -70,14 +92,23 @@ ExitCode RunExport(const Options& options, Console& console) {
     const ObjectFilter filter(options.patterns);
     Omissions omissions(console);
     std::vector<StoredObject> objects;
-    for (StoredObject& object : ObjectsOf(pair, pair.FindState(opened.state))) {
+    const std::uint16_t state = pair.FindState(opened.state);
+    for (StoredObject& object : ObjectsOf(pair, state)) {
         if (object.is_damaged) {
             omissions.Add(object, "its block is damaged", ExitCode::kDamaged);
         } else if (filter.Takes(PathOf(object))) {
             objects.push_back(std::move(object));
         }
     }
-    WriteOut(form.make(pair, objects, omissions), options.file, console);
+    const ExportJob job{pair, state, objects, omissions, console};
+    if (options.file.empty()) {
+        form.write(job, [&console](std::string_view bytes) {
+            console.out.Write(bytes);
+            return !console.out.failed();
+        });
+    } else {
+        WriteFile(options.file, [&](const Take& take) { form.write(job, take); });
+    }
     return Graver(omissions.code(), ListVerdict(pair));
 }
 

@@ -24,6 +24,14 @@ private:
     ExitCode code_ = ExitCode::kDone;
 };
 
+struct ExportJob {
+    StoredPair& pair;
+    std::uint16_t state;
+    const std::vector<StoredObject>& objects;  // as below
+    Omissions& omissions;
+    Console& console;
+};
+
 // Each gives the bytes of a file of what is of its kind among `objects`, which are whole but for
 // their data and in the order of lists.
 std::string ExportRegistry(StoredPair& pair, const std::vector<StoredObject>& objects,
