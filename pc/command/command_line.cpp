@@ -90,10 +90,12 @@ void AddExportOptions(CLI::App& app, Options& options) {
                    "reg: the registry as a .reg file of version 5; reg4: as one of REGEDIT4, for "
                    "older programs; json: databases with every "
                    "property; csv: one database as a table; vcard3, vcard4: contacts as cards; "
-                   "ical: appointments and tasks as a calendar; tar: everything as an archive")
+                   "ical: appointments and tasks as a calendar; tar: everything as an archive; "
+                   "profile: everything as the folder that a simulated device is made of")
         ->required();
     app.add_option("PATTERN", options.patterns, kPatternHelp);
     app.add_option("-o,--output", options.file, "the file, which must not be there yet");
+    app.add_flag("--ids", options.ids, "profile: the object ids, too");
 }
 
 void AddTrimOptions(CLI::App& app, Options& options) {

@@ -20,6 +20,7 @@ using Take = FileSink::Take;
 
 struct Form {
     const char* name;
+    // Null of the one that is a folder and no file.
     void (*write)(const ExportJob& job, const Take& take);
 };
 
@@ -32,10 +33,15 @@ void WriteText(const ExportJob& job, const Take& take) {
 }
 
 constexpr Form kForms[] = {
-    {"reg", WriteText<ExportRegistry>},   {"reg4", WriteText<ExportOldRegistry>},
-    {"json", WriteText<ExportDatabases>}, {"csv", WriteText<ExportTable>},
-    {"vcard3", WriteText<ExportCards3>},  {"vcard4", WriteText<ExportCards4>},
-    {"ical", WriteText<ExportCalendar>},  {"tar", ExportTar},
+    {"reg", WriteText<ExportRegistry>},
+    {"reg4", WriteText<ExportOldRegistry>},
+    {"json", WriteText<ExportDatabases>},
+    {"csv", WriteText<ExportTable>},
+    {"vcard3", WriteText<ExportCards3>},
+    {"vcard4", WriteText<ExportCards4>},
+    {"ical", WriteText<ExportCalendar>},
+    {"tar", ExportTar},
+    {"profile", nullptr},
 };
 
 const Form& FindForm(const std::string& name) {
@@ -87,6 +93,9 @@ void Omissions::Tell(const std::string& what, ExitCode code) {
 
 ExitCode RunExport(const Options& options, Console& console) {
     const Form& form = FindForm(options.form);
+    if (form.write == nullptr && options.file.empty()) {
+        throw Failure(ExitCode::kUsage, "a profile is a folder: name one with -o");
+    }
     const Opened opened = OpenAddress(options.storage, console);
     StoredPair& pair = *opened.pair;
     const ObjectFilter filter(options.patterns);
@@ -101,7 +110,9 @@ ExitCode RunExport(const Options& options, Console& console) {
         }
     }
     const ExportJob job{pair, state, objects, omissions, console};
-    if (options.file.empty()) {
+    if (form.write == nullptr) {
+        ExportProfile(job, options.file, options.ids);
+    } else if (options.file.empty()) {
         form.write(job, [&console](std::string_view bytes) {
             console.out.Write(bytes);
             return !console.out.failed();

@@ -12,4 +12,13 @@ namespace tolvenar::pc {
 //   databases.json             as export json
 void ExportTar(const ExportJob& job, const FileSink::Take& take);
 
+// Into a folder that is not there yet, or empty: what a simulated device is made of.
+//   files/, files.json      the files, and what of them a file of this machine cannot say
+//   registry.reg            as export reg
+//   databases/all.json      as export json
+//   device.ini              processor and system
+//   ids.json                when it is asked for: object ids
+// A name that is not the device's own on every machine is left out and told.
+void ExportProfile(const ExportJob& job, const std::string& folder, bool with_ids);
+
 }  // namespace tolvenar::pc
