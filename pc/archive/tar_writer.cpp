@@ -68,12 +68,13 @@ TarWriter::TarWriter(Take take, FileTime usual_time)
     ::archive_write_set_format_pax(archive_);
     // Nothing is padded to the blocks of a tape.
     ::archive_write_set_bytes_in_last_block(archive_, 1);
-    Check(::archive_write_open(archive_, const_cast<Take*>(&take_), nullptr, TakeBytes, nullptr));
+    Check(::archive_write_open(archive_, &take_, nullptr, TakeBytes, nullptr));
 }
 
 TarWriter::~TarWriter() {
-    // Without Finish the archive is given up, and nothing more is written.
-    ::archive_write_fail(archive_);
+    // Without Finish the archive is given up, and nothing more is written. An archive that is told
+    // to have failed would not free all of its memory.
+    take_ = [](std::string_view) { return false; };
     ::archive_write_free(archive_);
 }
 

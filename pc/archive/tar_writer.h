@@ -27,7 +27,7 @@ private:
                    std::uint64_t bytes);
     void Check(int result) const;
 
-    const Take take_;
+    Take take_;
     const FileTime usual_time_;
     archive* const archive_;
 };

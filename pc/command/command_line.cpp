@@ -85,7 +85,7 @@ void AddDiffOptions(CLI::App& app, Options& options) {
 }
 
 void AddExportOptions(CLI::App& app, Options& options) {
-    AddStorage(app, options, kAddressHelp);
+    AddStorageAndJson(app, options, kAddressHelp);
     app.add_option("FORM", options.form,
                    "reg: the registry as a .reg file of version 5; reg4: as one of REGEDIT4, for "
                    "older programs; json: databases with every "

@@ -7,6 +7,8 @@
 #include "pc/command/commands.h"
 #include "pc/command/export_state.h"
 #include "pc/command/exports.h"
+#include "pc/command/json.h"
+#include "pc/command/object_json.h"
 #include "pc/command/opened.h"
 #include "pc/storage/folder_writer.h"
 #include "pc/storage/object_filter.h"
@@ -80,21 +82,39 @@ void WriteFile(const std::string& file, const std::function<void(const Take& tak
     }
 }
 
+void PrintJson(const Options& options, const ExportJob& job) {
+    Json json;
+    json["state"] = job.state;
+    json["form"] = options.form;
+    json["to"] = options.file;
+    json["not_exported"] = job.omissions.objects();
+    json["notes"] = job.omissions.notes();
+    job.console.Line(json.dump(2));
+}
+
 }  // namespace
 
 void Omissions::Add(const StoredObject& object, const char* why, ExitCode code) {
-    Tell(fmt::format("not exported: {}: {}", Printable(PathOf(object)), why), code);
+    console_.Tell(fmt::format("not exported: {}: {}", Printable(PathOf(object)), why));
+    code_ = Graver(code_, code);
+    Json told = JsonOf(object);
+    told["reason"] = why;
+    objects_.push_back(std::move(told));
 }
 
 void Omissions::Tell(const std::string& what, ExitCode code) {
     console_.Tell(what);
     code_ = Graver(code_, code);
+    notes_.push_back(what);
 }
 
 ExitCode RunExport(const Options& options, Console& console) {
     const Form& form = FindForm(options.form);
     if (form.write == nullptr && options.file.empty()) {
         throw Failure(ExitCode::kUsage, "a profile is a folder: name one with -o");
+    }
+    if (options.json && options.file.empty()) {
+        throw Failure(ExitCode::kUsage, "--json tells of the file that -o names");
     }
     const Opened opened = OpenAddress(options.storage, console);
     StoredPair& pair = *opened.pair;
@@ -119,6 +139,9 @@ ExitCode RunExport(const Options& options, Console& console) {
         });
     } else {
         WriteFile(options.file, [&](const Take& take) { form.write(job, take); });
+    }
+    if (options.json) {
+        PrintJson(options, job);
     }
     return Graver(omissions.code(), ListVerdict(pair));
 }

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "pc/command/console.h"
+#include "pc/command/json.h"
 #include "pc/storage/stored_object.h"
 #include "pc/text/failure.h"
 
@@ -18,10 +19,15 @@ public:
     void Add(const StoredObject& object, const char* why, ExitCode code);
     void Tell(const std::string& what, ExitCode code);
     ExitCode code() const { return code_; }
+    // For --json: the objects, each with its reason, and what else was told.
+    const Json& objects() const { return objects_; }
+    const Json& notes() const { return notes_; }
 
 private:
     Console& console_;
     ExitCode code_ = ExitCode::kDone;
+    Json objects_ = Json::array();
+    Json notes_ = Json::array();
 };
 
 struct ExportJob {

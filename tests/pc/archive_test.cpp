@@ -73,6 +73,25 @@ TEST_F(ArchiveTest, WhatIsNotInTarIsTold) {
     EXPECT_NE(std::string::npos, Told("tar -tf damaged.tar").find("plan.txt"));
 }
 
+TEST_F(ArchiveTest, JsonTellsWhatIsNotThere) {
+    pair.BeginState();
+    pair.AddRomFile(u"\\Windows\\shell.exe", 0x30);
+    pair.AddFile(u"\\CON", "console", 0x31);
+    Save();
+    const nlohmann::json told = RunJson({"export", "HOME", "tar", "-o", In("home.tar")}, 3);
+    EXPECT_EQ(4, told["state"]);
+    EXPECT_EQ("tar", told["form"]);
+    EXPECT_EQ(In("home.tar"), told["to"]);
+    ASSERT_EQ(1u, told["not_exported"].size());
+    EXPECT_EQ("\\Windows\\shell.exe", told["not_exported"][0]["path"]);
+    EXPECT_NE("", told["not_exported"][0]["reason"]);
+    EXPECT_EQ(nlohmann::json({"renamed: \\CON -> _CON"}), told["notes"]);
+}
+
+TEST_F(ArchiveTest, JsonNeedsAFileOfItsOwn) {
+    EXPECT_EQ(2, Run({"export", "HOME", "tar", "--json"}).code);
+}
+
 TEST_F(ArchiveTest, AFullDiskLeavesNoFile) {
     pair.BeginState();
     pair.AddFile(u"\\big", Bytes(100000, 'x'), 0x30);

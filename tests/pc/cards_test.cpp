@@ -6,10 +6,7 @@
 namespace tolvenar::pc {
 namespace {
 
-struct Told {
-    std::uint32_t propid;
-    Bytes value;  // of a text its units
-};
+using Told = PairBuilder::TypedValue;
 
 class CardsTest : public PcTest {
 protected:
@@ -17,32 +14,8 @@ protected:
     void Hold(const std::u16string& database, const std::vector<Told>& properties) {
         pair.BeginState();
         pair.AddDatabase(database, 0x20);
-        Add(database, properties, 0x21);
+        pair.AddRecord(database, properties, 0x21);
         Save();
-    }
-    void Add(const std::u16string& database, const std::vector<Told>& properties,
-             std::uint32_t dwOID) {
-        Bytes array;
-        Bytes behind;
-        Bytes looked_at;
-        for (const Told& told : properties) {
-            const auto place = static_cast<std::uint32_t>(16 * properties.size() + behind.size());
-            looked_at += Word(told.propid) + Half(0) + told.value;
-            if ((told.propid & 0xFFFF) == 31) {
-                array += Property(told.propid, place);
-                behind += told.value + Half(0);
-            } else if ((told.propid & 0xFFFF) == 65) {
-                array +=
-                    Property(told.propid, static_cast<std::uint32_t>(told.value.size()), place);
-                behind += told.value;
-            } else {
-                Bytes value = told.value;
-                value.resize(8);
-                array += Word(told.propid) + Half(0) + Half(0) + value;
-            }
-        }
-        pair.AddRecord(database, array + behind, static_cast<std::uint32_t>(properties.size()),
-                       looked_at, dwOID);
     }
     // What an export gives, with its code.
     std::string Export(const std::string& form, int expected_code = 0) const {
@@ -163,8 +136,8 @@ TEST_F(CardsTest, LongLinesAreFoldedBetweenCharacters) {
 TEST_F(CardsTest, ADamagedRecordIsLeftOutAndTold) {
     pair.BeginState();
     pair.AddDatabase(u"Contacts Database", 0x20);
-    Add(u"Contacts Database", {{0x3A06001F, Units(u"Ada")}}, 0x21);
-    Add(u"Contacts Database", {{0x3A06001F, Units(u"Bob")}}, 0x22);
+    pair.AddRecord(u"Contacts Database", std::vector<Told>{{0x3A06001F, Units(u"Ada")}}, 0x21);
+    pair.AddRecord(u"Contacts Database", std::vector<Told>{{0x3A06001F, Units(u"Bob")}}, 0x22);
     pair.sav[pair.sav.find(Units(u"Bob"))] ^= 1;
     Save();
     const std::string cards = Export("vcard3", 4);
@@ -185,8 +158,11 @@ TEST_F(CardsTest, ACalendarHasAppointmentsAndTasks) {
                                     {0x00600040, BytesOf(kTime)},
                                     {0x00610040, BytesOf(kTime + kHour)}});
     pair.AddDatabase(u"Tasks Database", 0x30);
-    Add(u"Tasks Database",
-        {{0x0037001F, Units(u"Call")}, {0x00170003, Word(2)}, {0x00610040, BytesOf(kTime)}}, 0x31);
+    pair.AddRecord(
+        u"Tasks Database",
+        std::vector<Told>{
+            {0x0037001F, Units(u"Call")}, {0x00170003, Word(2)}, {0x00610040, BytesOf(kTime)}},
+        0x31);
     Save();
     const std::string calendar = Export("ical");
     EXPECT_EQ(

@@ -105,6 +105,11 @@ protected:
             {"export", "HOME@2", "reg"},
             {"export", "HOME@1", "json"},
             {"export", "HOME@1", "csv"},
+            {"export", "HOME@2", "reg4"},
+            {"export", "HOME@1", "vcard4"},
+            {"export", "HOME@1", "ical"},
+            {"export", "HOME@2", "tar"},
+            {"export", "HOME@2", "profile", "--ids", "-o", In("profile " + std::to_string(number))},
         };
         Run(commands[number % commands.size()]);
     }
