@@ -119,8 +119,7 @@ std::string TarWriter::WriteFile(const std::vector<std::string>& components, Fil
         return true;
     });
     if (!is_filled) {
-        throw Failure(ExitCode::kCannot,
-                      Joined(components) + ": its contents cannot be read any more");
+        throw Failure(ExitCode::kCannot, Joined(components) + ": could not be read to its end");
     }
     Check(::archive_write_finish_entry(archive_));
     return {};
