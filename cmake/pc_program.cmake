@@ -3,8 +3,11 @@
 find_package(fmt REQUIRED)
 find_package(CLI11 REQUIRED)
 find_package(nlohmann_json REQUIRED)
+find_package(LibArchive REQUIRED)
 target_include_directories(pc_options INTERFACE ${CMAKE_SOURCE_DIR})
 target_link_libraries(pc_options INTERFACE fmt::fmt CLI11::CLI11 nlohmann_json::nlohmann_json)
+# tar files.
+target_link_libraries(pc_options INTERFACE LibArchive::LibArchive)
 make_rooms(PC_PROGRAM KINDS pc OPTIONS pc_options)
 # serve waits for browsers in threads of its own.
 find_package(PkgConfig REQUIRED)

@@ -15,6 +15,25 @@ foreach(seed 1 2 3)
   set_tests_properties(random_use.${seed} PROPERTIES TIMEOUT 900 ENVIRONMENT DISPLAY=)
 endforeach()
 
+# What the program for the PC, which the native build makes, gives out of the storages of devices, and the pairs that it
+# makes for them.
+set(pc_program ${CMAKE_SOURCE_DIR}/build/native/bin/tolvenar)
+function(add_device_story tool seed)
+  add_test(NAME ${tool}.${seed} COMMAND ${CMAKE_SOURCE_DIR}/tools/${tool} ${CMAKE_SOURCE_DIR}/scripts/cedev
+    $<TARGET_FILE_DIR:Tolvenar> ${pc_program} ${seed})
+  set_tests_properties(${tool}.${seed} PROPERTIES TIMEOUT 900 ENVIRONMENT DISPLAY= REQUIRED_FILES ${pc_program} ${ARGN})
+endfunction()
+foreach(seed demo 1 2 3 4 5)
+  add_device_story(device_exports ${seed})
+endforeach()
+foreach(seed RANGE 6 50)
+  add_device_story(device_exports ${seed} LABELS whole)
+endforeach()
+add_device_story(device_new_pairs 1)
+foreach(seed demo 2 3 4 5)
+  add_device_story(device_new_pairs ${seed} LABELS whole)
+endforeach()
+
 # Calls are counted, not timed: they are the same on every machine.
 add_test(NAME call_counts COMMAND
   ${CMAKE_SOURCE_DIR}/tools/bench_calls --objects 100 --kept ${CMAKE_SOURCE_DIR}/tests/call_counts.md

@@ -74,13 +74,17 @@ void AddDiffOptions(CLI::App& app, Options& options) {
 }
 
 void AddExportOptions(CLI::App& app, Options& options) {
-    AddStorage(app, options, kAddressHelp);
+    AddStorageAndJson(app, options, kAddressHelp);
     app.add_option("FORM", options.form,
-                   "reg: the registry as a .reg file of version 5; json: databases with every "
-                   "property; csv: one database as a table")
+                   "reg: the registry as a .reg file of version 5; reg4: as one of REGEDIT4, for "
+                   "older programs; json: databases with every "
+                   "property; csv: one database as a table; vcard3, vcard4: contacts as cards; "
+                   "ical: appointments and tasks as a calendar; tar: everything as an archive; "
+                   "profile: everything as the folder that a simulated device is made of")
         ->required();
     app.add_option("PATTERN", options.patterns, kPatternHelp);
     app.add_option("-o,--output", options.file, "the file, which must not be there yet");
+    app.add_flag("--ids", options.ids, "profile: the object ids, too");
 }
 
 void AddTrimOptions(CLI::App& app, Options& options) {
@@ -117,8 +121,7 @@ const Command kCommands[] = {
     {"diff", "tells what differs between two states",
      "tolvenar diff Home.sav 2 3 --contents '/My Documents'", AddDiffOptions, RunDiff},
     {"export", "gives registry and databases to other programs",
-     "tolvenar export Home.sav@3 csv 'db:Contacts Database' -o contacts.csv", AddExportOptions,
-     RunExport},
+     "tolvenar export Home.sav@3 vcard4 -o contacts.vcf", AddExportOptions, RunExport},
     {"trim", "makes a new storage with only some of the states",
      "tolvenar trim Home.sav --keep-daily 7 --keep-monthly 12 -o small/Home", AddTrimOptions,
      RunTrim},

@@ -27,6 +27,7 @@ struct Options {
     bool contents = false;  // diff: what changed in them, too
     std::string form;       // export
     std::string file;       // export, report: nothing for the output; trim, salvage: the new pair
+    bool ids = false;       // export: object ids, too
     KeepRules keep;         // trim
     bool raw = false;       // cat: the bytes that are stored
     int port = 0;           // serve: 0 for one that is free

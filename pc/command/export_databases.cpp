@@ -3,10 +3,10 @@
 #include <fmt/format.h>
 #include <map>
 
+#include "pc/command/exported_records.h"
 #include "pc/command/exports.h"
 #include "pc/command/json.h"
 #include "pc/storage/object_data.h"
-#include "pc/storage/record_properties.h"
 #include "pc/text/hex.h"
 
 namespace tolvenar::pc {
@@ -42,21 +42,7 @@ Json JsonOf(const StoredObject& record, const std::vector<RecordProperty>& prope
     return json;
 }
 
-// Calls `take` with each record that is whole, and its properties.
-template <typename Take>
-void ForEachRecord(StoredPair& pair, const std::vector<StoredObject>& objects, Omissions& omissions,
-                   Take take) {
-    for (const StoredObject& object : objects) {
-        if (object.type() != ObjectType::kDatabaseRecord) {
-            continue;
-        }
-        if (!DataAreSound(pair, object)) {
-            omissions.Add(object, "its data are damaged", ExitCode::kDamaged);
-        } else {
-            take(object, PropertiesOf(ReadData(pair, object), object.property_count()));
-        }
-    }
-}
+bool Any(const std::u16string&) { return true; }
 
 const char* TypeName(std::uint16_t type) {
     switch (type) {
@@ -158,7 +144,7 @@ std::string ExportDatabases(StoredPair& pair, const std::vector<StoredObject>& o
             databases.push_back(std::move(database));
         }
     }
-    ForEachRecord(pair, objects, omissions,
+    ForEachRecord(pair, objects, omissions, Any,
                   [&](const StoredObject& record, const std::vector<RecordProperty>& properties) {
                       const auto place = places.find(record.name);
                       if (place == places.end()) {
@@ -175,7 +161,7 @@ std::string ExportTable(StoredPair& pair, const std::vector<StoredObject>& objec
                         Omissions& omissions) {
     Table table;
     const StoredObject* first = nullptr;
-    ForEachRecord(pair, objects, omissions,
+    ForEachRecord(pair, objects, omissions, Any,
                   [&](const StoredObject& record, const std::vector<RecordProperty>& properties) {
                       first = first == nullptr ? &record : first;
                       if (record.name != first->name) {

@@ -1,8 +1,10 @@
 #include "pc/storage/registry_text.h"
 
+#include <algorithm>
 #include <cstring>
 #include <optional>
 
+#include "pc/text/code_page.h"
 #include "pc/text/hex.h"
 #include "pc/text/utf.h"
 #include "snapshot/compare/exclusion.h"
@@ -33,8 +35,14 @@ std::u16string Quoted(std::u16string_view text) {
     return quoted + u'"';
 }
 
+// True when every reader of the version finds these units again.
+bool IsTold(RegistryVersion version, std::u16string_view units) {
+    return version == RegistryVersion::k5 ? IsWellFormed(units) : FitsCodePage(units);
+}
+
 // The text of data that the quoted form carries unchanged: one terminator at its end, no line ends.
-std::optional<std::u16string> PlainText(const std::vector<std::uint8_t>& data) {
+std::optional<std::u16string> PlainText(RegistryVersion version,
+                                        const std::vector<std::uint8_t>& data) {
     if (data.size() < sizeof(char16_t) || data.size() % sizeof(char16_t) != 0) {
         return std::nullopt;
     }
@@ -44,7 +52,7 @@ std::optional<std::u16string> PlainText(const std::vector<std::uint8_t>& data) {
         return std::nullopt;
     }
     text.pop_back();
-    return FitsALine(text) && IsWellFormed(text) ? std::optional(text) : std::nullopt;
+    return FitsALine(text) && IsTold(version, text) ? std::optional(text) : std::nullopt;
 }
 
 std::u16string HexLines(std::u16string line, const std::vector<std::uint8_t>& data) {
@@ -76,24 +84,12 @@ std::u16string Hex(std::uint32_t number, std::size_t digits) {
     return ToUtf16(text);
 }
 
-}  // namespace
-
-std::u16string RegistryHead() { return u"\uFEFFWindows Registry Editor Version 5.00\r\n"; }
-
-std::u16string KeySection(std::uint32_t hive, std::u16string_view key_path) {
-    std::u16string path = RootName(hive);
-    if (!key_path.empty()) {
-        path += u'\\';
-        path += key_path;
-    }
-    return u"\r\n[" + path + u"]\r\n";
-}
-
-std::u16string ValueLines(const StoredObject& value, const std::vector<std::uint8_t>& data) {
+std::u16string ValueLines(RegistryVersion version, const StoredObject& value,
+                          const std::vector<std::uint8_t>& data) {
     const std::u16string begin =
         (value.value_name.empty() ? u"@" : Quoted(value.value_name)) + u"=";
     if (value.value_type() == kText) {
-        if (const std::optional<std::u16string> text = PlainText(data)) {
+        if (const std::optional<std::u16string> text = PlainText(version, data)) {
             return begin + Quoted(*text) + u"\r\n";
         }
     }
@@ -108,6 +104,49 @@ std::u16string ValueLines(const StoredObject& value, const std::vector<std::uint
     return HexLines(begin + mark, data);
 }
 
+bool IsAscii(std::u16string_view text) {
+    return std::all_of(text.begin(), text.end(), [](char16_t unit) { return unit < 0x80; });
+}
+
+std::string OldBytes(std::u16string_view text) {
+    // Some readers take text for UTF-8 when it might be. Here a byte stands that is none.
+    const std::string hint = IsAscii(text) ? "" : "; code page 1252: \xA4\r\n";
+    return "REGEDIT4\r\n" + hint + ToCodePage(text);
+}
+
+}  // namespace
+
+RegistryText::RegistryText(RegistryVersion version) : version_(version) {}
+
+bool RegistryText::AddKey(std::uint32_t hive, std::u16string_view key_path) {
+    std::u16string path = RootName(hive);
+    if (!key_path.empty()) {
+        path += u'\\';
+        path += key_path;
+    }
+    key_is_told_ = version_ == RegistryVersion::k5 || FitsCodePage(path);
+    text_ += u"\r\n";
+    return Add(u"[" + path + u"]\r\n");
+}
+
+bool RegistryText::AddValue(const StoredObject& value, const std::vector<std::uint8_t>& data) {
+    return Add(ValueLines(version_, value, data));
+}
+
+bool RegistryText::Add(const std::u16string& lines) {
+    const bool is_told = key_is_told_ && (version_ == RegistryVersion::k5 || FitsCodePage(lines));
+    text_ += is_told ? lines : u"; utf16:" + ToUtf16(ExactUnits(lines)) + u"\r\n";
+    return is_told;
+}
+
+std::string RegistryText::Bytes() const {
+    if (version_ == RegistryVersion::k4) {
+        return OldBytes(text_);
+    }
+    const std::u16string text = u"\uFEFFWindows Registry Editor Version 5.00\r\n" + text_;
+    return {reinterpret_cast<const char*>(text.data()), text.size() * sizeof(char16_t)};
+}
+
 bool FitsALine(std::u16string_view name) {
     for (const char16_t unit : name) {
         if (unit < u' ') {
@@ -115,10 +154,6 @@ bool FitsALine(std::u16string_view name) {
         }
     }
     return true;
-}
-
-std::string BytesOf(std::u16string_view text) {
-    return {reinterpret_cast<const char*>(text.data()), text.size() * sizeof(char16_t)};
 }
 
 }  // namespace tolvenar::pc

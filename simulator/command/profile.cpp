@@ -1,5 +1,6 @@
 #include "simulator/command/profile.h"
 
+#include <optional>
 #include <sstream>
 
 #include "simulator/command/apply_setting.h"
@@ -48,6 +49,25 @@ void EraseState(Device& device) {
     }
 }
 
+// The object ids that a profile asks for, of databases and their records in their own files.
+struct ProfileIds {
+    files::FileIds files;
+    AskedIds asked;
+};
+
+std::optional<ProfileIds> IdsOf(Device& device, const std::wstring& profile) {
+    const std::optional<std::string> text = host::ReadWhole(profile + L"\\ids.json");
+    if (!text) {
+        return std::nullopt;
+    }
+    const Json json = Json::parse(*text);
+    ProfileIds ids{{}, AskedIds(device, json.at("next").get<std::uint32_t>())};
+    for (const auto& [path, id] : json.at("files").items()) {
+        ids.files[Wide(path)] = id.get<std::uint32_t>();
+    }
+    return ids;
+}
+
 }  // namespace
 
 void ApplySettingsText(Device& device, const std::string& text) {
@@ -79,13 +99,18 @@ void CreateFromProfile(Device& device, const std::string& folder) {
     if (host::IsFolder(host + L"\\card")) {
         EraseCard(device);
     }
-    files::ImportFiles(device, host);
+    std::optional<ProfileIds> ids = IdsOf(device, host);
+    AskedIds* const asked = ids ? &ids->asked : nullptr;
+    files::ImportFiles(device, host, ids ? ids->files : files::FileIds(), asked);
     if (const auto text = host::ReadWhole(host + L"\\registry.reg")) {
         registry::ImportText(device, *text);
     }
     for (const std::wstring& name : host::List(host + L"\\databases").files) {
-        databases::ImportJson(device,
-                              Json::parse(*host::ReadWhole(host + L"\\databases\\" + name)));
+        databases::ImportJson(device, Json::parse(*host::ReadWhole(host + L"\\databases\\" + name)),
+                              asked);
+    }
+    if (ids) {
+        ids->asked.Finish();
     }
     if (const auto text = host::ReadWhole(host + L"\\notifications.json")) {
         notifications::ImportJson(device, Json::parse(*text));

@@ -14,9 +14,14 @@ namespace {
 
 using nlohmann::json;
 
+struct ImportedRecord {
+    std::uint32_t oid;
+    Record record;
+};
+
 struct Imported {
     Database database;
-    std::vector<Record> records;
+    std::vector<ImportedRecord> records;
 };
 
 json SortOrdersJson(const Database& database) {
@@ -71,6 +76,7 @@ Imported DatabaseOf(const json& from) {
     Imported imported;
     Database& database = imported.database;
     database.name = Wide16(from.at("name").get<std::string>());
+    database.oid = from.value("oid", 0u);
     database.type = from.value("type", 0u);
     database.flags = from.value("flags", 0u);
     for (const json& order : from.value("sortOrders", json::array())) {
@@ -78,7 +84,7 @@ Imported DatabaseOf(const json& from) {
             {order.at("propid").get<std::uint32_t>(), order.value("flags", 0u)});
     }
     for (const json& record : from.value("records", json::array())) {
-        imported.records.push_back(RecordOf(record, database));
+        imported.records.push_back({record.value("oid", 0u), RecordOf(record, database)});
     }
     return imported;
 }
@@ -94,14 +100,20 @@ std::vector<Imported> ParseAll(const json& databases) {
     return all;
 }
 
-void Store(DatabaseStore& store, Imported& imported) {
+void Store(DatabaseStore& store, Imported& imported, AskedIds* asked) {
+    if (asked != nullptr) {
+        asked->Ask(imported.database.oid);
+    }
     imported.database.modified = store.device().WriteTimeUtc();
     if (store.Create(imported.database) != kOk) {
         Fail(imported.database, "its name or sort orders cannot be");
     }
-    for (const Record& record : imported.records) {
+    for (const ImportedRecord& record : imported.records) {
+        if (asked != nullptr) {
+            asked->Ask(record.oid);
+        }
         std::uint32_t oid = 0;
-        if (store.Write(imported.database, oid, record) != kOk) {
+        if (store.Write(imported.database, oid, record.record) != kOk) {
             Fail(imported.database, "a record does not fit");
         }
     }
@@ -130,7 +142,7 @@ json DumpJson(Device& device) {
     return databases;
 }
 
-void ImportJson(Device& device, const json& databases) {
+void ImportJson(Device& device, const json& databases, AskedIds* asked) {
     std::vector<Imported> all = ParseAll(databases);
     DatabaseStore store(device);
     for (const Imported& imported : all) {
@@ -143,7 +155,7 @@ void ImportJson(Device& device, const json& databases) {
         if (const std::optional<Database> old = store.ByName(imported.database.name)) {
             store.Delete(old->oid);
         }
-        Store(store, imported);
+        Store(store, imported, asked);
     }
 }
 

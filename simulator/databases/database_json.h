@@ -4,6 +4,7 @@
 #include <nlohmann/json_fwd.hpp>
 #include <string>
 
+#include "simulator/store/asked_ids.h"
 #include "simulator/store/device.h"
 
 namespace sim::databases {
@@ -14,10 +15,10 @@ namespace sim::databases {
 // terminator.
 nlohmann::json DumpJson(Device& device);
 
-// Takes one database or an array of them, as above; ids are ignored, absent parts are empty. A
-// database of the same name is replaced. Throws std::runtime_error when the text is damaged or a
-// record breaks its database's own rules; then nothing was changed.
-void ImportJson(Device& device, const nlohmann::json& databases);
+// Takes one database or an array of them, as above; absent parts are empty, and ids are ignored
+// without `asked`. A database of the same name is replaced. Throws std::runtime_error when the text
+// is damaged or a record breaks its database's own rules; then nothing was changed.
+void ImportJson(Device& device, const nlohmann::json& databases, AskedIds* asked = nullptr);
 
 // Whether there was one of that name; it goes even when it is open.
 bool DeleteByName(Device& device, const std::string& name);

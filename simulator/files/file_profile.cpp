@@ -15,16 +15,36 @@ std::wstring CardPath(Device& device) {
     return L"\\" + Wide(device.Setting("card.name", "Storage Card"));
 }
 
-void ImportTree(Device& device, const std::wstring& host_folder, const std::wstring& path) {
-    const host::Listing listing = host::List(host_folder);
-    for (const std::wstring& name : listing.folders) {
-        MakeFolder(device, path + L"\\" + name);
-        ImportTree(device, host_folder + L"\\" + name, path + L"\\" + name);
+class TreeImport {
+public:
+    TreeImport(Device& device, const FileIds& ids, AskedIds* asked)
+        : device_(device), ids_(ids), asked_(asked) {}
+
+    void Run(const std::wstring& host_folder, const std::wstring& path) {
+        const host::Listing listing = host::List(host_folder);
+        for (const std::wstring& name : listing.folders) {
+            Ask(path + L"\\" + name);
+            MakeFolder(device_, path + L"\\" + name);
+            Run(host_folder + L"\\" + name, path + L"\\" + name);
+        }
+        for (const std::wstring& name : listing.files) {
+            Ask(path + L"\\" + name);
+            PutHostFile(device_, host_folder + L"\\" + name, path + L"\\" + name);
+        }
     }
-    for (const std::wstring& name : listing.files) {
-        PutHostFile(device, host_folder + L"\\" + name, path + L"\\" + name);
+
+private:
+    void Ask(const std::wstring& path) {
+        if (asked_ != nullptr) {
+            const auto id = ids_.find(path);
+            asked_->Ask(id == ids_.end() ? 0 : id->second);
+        }
     }
-}
+
+    Device& device_;
+    const FileIds& ids_;
+    AskedIds* const asked_;
+};
 
 void ApplyRow(Device& device, const std::wstring& path, const json& row) {
     if (row.contains("attributes")) {
@@ -49,11 +69,12 @@ json RowOf(const Entry& entry) {
 
 }  // namespace
 
-void ImportFiles(Device& device, const std::wstring& profile) {
+void ImportFiles(Device& device, const std::wstring& profile, const FileIds& ids, AskedIds* asked) {
     LogStore::Change change(device.store());
     MountCard(device);
-    ImportTree(device, profile + L"\\files", L"");
-    ImportTree(device, profile + L"\\card", CardPath(device));
+    TreeImport(device, ids, asked).Run(profile + L"\\files", L"");
+    // The card's files have no ids.
+    TreeImport(device, ids, nullptr).Run(profile + L"\\card", CardPath(device));
     const std::optional<std::string> text = host::ReadWhole(profile + L"\\files.json");
     if (!text) {
         return;

@@ -102,15 +102,32 @@ protected:
             {"extract", "HOME@2", "--dry-run"},
             {"diff", "HOME", "1", "3", "--contents"},
             {"diff", "HOME", "0", "2"},
-            {"export", "HOME@2", "reg"},
             {"export", "HOME@1", "json"},
             {"export", "HOME@1", "csv"},
+            {"export", "HOME@1", "vcard4"},
+            {"export", "HOME@1", "ical"},
+            {"export", "HOME@2", "tar"},
+            {"export", "HOME@2", "profile", "--ids", "-o", In("profile " + std::to_string(number))},
         };
-        Run(commands[number % commands.size()]);
+        if (number % 4 == 0) {
+            LookAtRegistry(number, number % 8 == 0 ? "reg" : "reg4");
+        } else {
+            Run(commands[number % commands.size()]);
+        }
+    }
+    // Every byte of it can be proved, unlike ids and sort orders in other forms.
+    void LookAtRegistry(std::size_t number, const std::string& form) const {
+        const Result result = Run({"export", "HOME@2", form});
+        EXPECT_TRUE(result.code == 1 || result.code == 4 || result.code == 5 ||
+                    (result.code == 0 && result.out == registry_.at(form)))
+            << form << " of " << number << ": " << result.code;
     }
 
     const Bytes journal_;
     const States right_;
+    const std::map<std::string, Bytes> registry_ = {
+        {"reg", Run({"export", "HOME@2", "reg"}).out},
+        {"reg4", Run({"export", "HOME@2", "reg4"}).out}};
 };
 
 TEST_F(PcDamageTest, AnyByteOfTheJournal) {

@@ -72,6 +72,54 @@ TEST_F(ExportTest, RegBreaksLongLines) {
         Value(u"b", Bytes(26, '\0'), 3));
 }
 
+TEST_F(ExportTest, OldRegIsInCodePage1252) {
+    pair.BeginState();
+    pair.AddValue(u"Caf\u00E9", u"Preis", Terminated(u"5 \u20AC"), 1);
+    Save();
+    EXPECT_EQ(
+        "REGEDIT4\r\n; code page 1252: \xA4\r\n\r\n"
+        "[HKEY_CURRENT_USER\\Caf\xE9]\r\n\"Preis\"=\"5 \x80\"\r\n",
+        Run({"export", "HOME", "reg4", "HKCU\\Caf*"}).out);
+}
+TEST_F(ExportTest, OldRegOfAsciiAloneNeedsNoHint) {
+    EXPECT_EQ("REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\Software\\Notes]\r\n\"Font\"=\"Courier\"\r\n",
+              Run({"export", "HOME", "reg4"}).out);
+}
+TEST_F(ExportTest, OldRegHasTextOfOtherLettersExactly) {
+    pair.BeginState();
+    pair.AddValue(u"V", u"t", Terminated(u"\u0436"), 1);
+    Save();
+    const Result result = Run({"export", "HOME", "reg4", "HKCU\\V"});
+    EXPECT_EQ(0, result.code);
+    EXPECT_EQ("REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\V]\r\n\"t\"=hex(1):36,04,00,00\r\n", result.out);
+}
+TEST_F(ExportTest, OldRegKeepsAKeyOfOtherLettersAsACommentWithItsValues) {
+    pair.BeginState();
+    pair.AddValue(u"\u0436", u"n", Word(1), 4);
+    Save();
+    const Result result = Run({"export", "HOME", "reg4", "HKCU\\\u0436"});
+    EXPECT_EQ(3, result.code);
+    const Bytes begin = "REGEDIT4\r\n\r\n; utf16:005b0048004b";
+    EXPECT_EQ(begin, result.out.substr(0, begin.size()));
+    // The line of the value: "n"=dword:00000001
+    EXPECT_NE(Bytes::npos,
+              result.out.find("\r\n; utf16:0022006e0022003d00640077006f00720064003a0030003000300030"
+                              "0030003000300031000d000a\r\n"));
+    EXPECT_EQ(Bytes::npos, result.out.find("\r\n\"n\""));
+    EXPECT_NE(std::string::npos, result.err.find("HKCU\\\u0436\\\\n: code page 1252"));
+}
+TEST_F(ExportTest, OldRegKeepsAValueOfOtherLettersAsAComment) {
+    pair.BeginState();
+    pair.AddValue(u"V", u"\u0436", Word(1), 4);
+    pair.AddValue(u"V", u"n", Word(2), 4);
+    Save();
+    const Result result = Run({"export", "HOME", "reg4", "HKCU\\V"});
+    EXPECT_EQ(3, result.code);
+    const Bytes begin =
+        "REGEDIT4\r\n\r\n[HKEY_CURRENT_USER\\V]\r\n\"n\"=dword:00000002\r\n; utf16:00220436";
+    EXPECT_EQ(begin, result.out.substr(0, begin.size()));
+}
+
 TEST_F(ExportTest, ANameThatALineCannotHoldIsTold) {
     pair.BeginState();
     pair.AddValue(u"V", u"a\n[HKEY_LOCAL_MACHINE\\evil]", Word(1), 4);

@@ -2,6 +2,7 @@
 #include <ctime>
 #include <gtest/gtest.h>
 
+#include "pc/text/code_page.h"
 #include "pc/text/file_time.h"
 #include "pc/text/utf.h"
 #include "pc/text/wildcard.h"
@@ -66,6 +67,18 @@ TEST(FileTimes, AreTakenToTheEndOfWhatIsSaid) {
     for (const char* text : {"", "x", "2026-02-30", "2026-11", "2026-11-16x", "2026-11-16 04",
                              "2026-11-16 04:33:10 ", "2026-13-01", "0000-01-01"}) {
         EXPECT_FALSE(ParseLocalTime(text)) << text;
+    }
+}
+
+TEST(CodePage, HasBytesOfItsOwn) {
+    EXPECT_EQ("a\xE9\x80\x9F", ToCodePage(u"a\u00E9\u20AC\u0178"));
+    EXPECT_TRUE(FitsCodePage(u"a\u00E9\u20AC\u0178"));
+}
+
+TEST(CodePage, HoldsNoOtherLetters) {
+    for (const char16_t unit : std::u16string{0x80, 0x81, 0x9F, 0x100, 0xD800}) {
+        EXPECT_FALSE(FitsCodePage({&unit, 1})) << unit;
+        EXPECT_EQ("?", ToCodePage({&unit, 1}));
     }
 }
 

@@ -1,5 +1,6 @@
 // Whole devices by command: everything out as a profile and in again, databases, the log's size.
 #include <algorithm>
+#include <map>
 #include <nlohmann/json.hpp>
 
 #include "simulator/command/command.h"
@@ -57,6 +58,37 @@ protected:
 
     std::string host_;
 };
+
+TEST_F(CommandDeviceTest, AProfileAsksForObjectIds) {
+    sim::host::MakeFolder(folder() + L"\\host\\files\\Papers");
+    sim::host::MakeFolder(folder() + L"\\host\\databases");
+    WriteHost("files\\Papers\\a.txt", "a");
+    WriteHost("files\\b.txt", "b");
+    WriteHost("databases\\all.json",
+              R"([{"name": "Notes", "oid": 900, "records": [{"oid": 7, "props": []}]}])");
+    WriteHost("ids.json", R"({"files": {"\\Papers": 500, "\\Papers\\a.txt": 20}, "next": 901})");
+    Run("create " + Host("."));
+    const Json dump = Run("dump");
+    EXPECT_EQ(900, dump["databases"][0]["oid"]);
+    EXPECT_EQ(7, dump["databases"][0]["records"][0]["oid"]);
+    std::map<std::string, int> ids;
+    for (const Json& file : dump["files"]) {
+        ids[file["path"]] = file["oid"];
+    }
+    EXPECT_EQ(500, ids["\\Papers"]);
+    EXPECT_EQ(20, ids["\\Papers\\a.txt"]);
+    EXPECT_EQ(901, ids["\\b.txt"]);
+    device().PutFile(L"\\c.txt", "c");
+    EXPECT_EQ(902u, device().Info(L"\\c.txt").oid);
+}
+
+TEST_F(CommandDeviceTest, AnIdThatIsAskedForTwiceIsRefused) {
+    sim::host::MakeFolder(folder() + L"\\host\\files");
+    WriteHost("files\\a.txt", "a");
+    WriteHost("files\\b.txt", "b");
+    WriteHost("ids.json", R"({"files": {"\\a.txt": 5, "\\b.txt": 5}, "next": 6})");
+    EXPECT_NE(std::string::npos, Refusal("create " + Host(".")).find("asked for twice"));
+}
 
 TEST_F(CommandDeviceTest, AWholeDeviceComesBackFromItsProfile) {
     device().PutFile(L"\\My Documents\\\x00e9t\x00e9.txt", "abc");

@@ -8,6 +8,7 @@
 
 #include "snapshot/records/checksum.h"
 #include "snapshot/records/registry_objects.h"
+#include "storage/format/property_encoding.h"
 #include "tests/support/bytes.h"
 #include "tests/support/records.h"
 
@@ -62,6 +63,36 @@ public:
         records_.back().back() = record;
         return record;
     }
+    // One of these properties; the value of a text is its units.
+    struct TypedValue {
+        std::uint32_t propid;
+        Bytes value;
+    };
+    ObjectRecord AddRecord(const Text& database, const std::vector<TypedValue>& values,
+                           std::uint32_t dwOID) {
+        Bytes array;
+        Bytes behind;
+        Bytes looked_at;
+        for (const TypedValue& typed : values) {
+            const auto place = static_cast<std::uint32_t>(16 * values.size() + behind.size());
+            const std::uint32_t type = typed.propid & 0xFFFF;
+            looked_at += Word(typed.propid) + Half(0) + (IsLookedAt(type) ? typed.value : "");
+            if (type == kPropertyString) {
+                array += Property(typed.propid, place);
+                behind += typed.value + Half(0);
+            } else if (type == kPropertyBlob) {
+                array +=
+                    Property(typed.propid, static_cast<std::uint32_t>(typed.value.size()), place);
+                behind += typed.value;
+            } else {
+                Bytes value = typed.value;
+                value.resize(8);
+                array += Word(typed.propid) + Half(0) + Half(0) + value;
+            }
+        }
+        return AddRecord(database, array + behind, static_cast<std::uint32_t>(values.size()),
+                         looked_at, dwOID);
+    }
     void Delete(ObjectRecord record) {
         record.state_number = state_;
         record.flags = JF_DELETE;
@@ -92,6 +123,10 @@ public:
 
 private:
     static constexpr std::uint32_t kHive = 0x80000001;
+
+    static bool IsLookedAt(std::uint32_t type) {
+        return type != kPropertyBool && type != kPropertyR8;
+    }
 
     ObjectRecord Store(ObjectType type, std::uint32_t first_field, std::uint32_t second_field,
                        const Text& name, const Bytes& data, bool has_data, std::uint32_t dwOID = 0,
