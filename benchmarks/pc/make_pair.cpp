@@ -1,5 +1,6 @@
-// make_pair STEM FILES VALUES STATES: a storage of so many files and registry values, and a database, in STEM.sav and
-// STEM.jrn. The first state holds all of them; each further one changes one object of fifty.
+// make_pair STEM FILES VALUES STATES: a storage of so many files and registry values, and a
+// database, in STEM.sav and STEM.jrn. The first state holds all of them; each further one changes
+// one object of fifty.
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -99,9 +100,7 @@ private:
         } while (!taken_.insert(MakeTolvOID(path.c_str(), data.data(), data.size(), 0)).second);
         return pair_.AddValue(key, name, data, 1);
     }
-    ObjectRecord AddRecord() {
-        return pair_.AddRecord(kDatabaseName, Random(), next_oid_++);
-    }
+    ObjectRecord AddRecord() { return pair_.AddRecord(kDatabaseName, Random(), next_oid_++); }
 
     PairBuilder pair_;
     std::mt19937 random_{1};

@@ -4,6 +4,7 @@
 
 #include "pc/command/commands.h"
 #include "pc/command/exports.h"
+#include "pc/command/interrupt.h"
 #include "pc/command/opened.h"
 #include "pc/storage/folder_writer.h"
 #include "pc/storage/object_filter.h"
@@ -35,6 +36,7 @@ void WriteOut(const std::string& bytes, const std::string& file, Console& consol
         console.out.Write(bytes);
         return;
     }
+    const InterruptWatch watch;
     const std::filesystem::path path(file);
     FolderWriter writer(path.has_parent_path() ? path.parent_path().string() : ".");
     const std::string failure =

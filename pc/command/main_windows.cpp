@@ -1,7 +1,6 @@
 // The program's entry on Windows: the command line is taken in units, which any file name survives.
-#include <windows.h>
-
 #include <shellapi.h>
+#include <windows.h>
 
 #include "pc/command/command_line.h"
 #include "pc/text/utf.h"

@@ -1,4 +1,5 @@
-// Which states hold which stored versions: one replay of the journal from its first state to its last.
+// Which states hold which stored versions: one replay of the journal from its first state to its
+// last.
 #pragma once
 
 #include <cstdint>

@@ -1,9 +1,9 @@
 // Times as the calendar of this machine has them.
-#include "pc/text/file_time.h"
-
 #include <cstdlib>
 #include <ctime>
 #include <gtest/gtest.h>
+
+#include "pc/text/file_time.h"
 
 namespace tolvenar::pc {
 namespace {
