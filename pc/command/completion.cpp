@@ -77,9 +77,9 @@ std::string ZshCompletion(const CLI::App& app) {
     std::string commands;
     std::string cases;
     for (const CLI::App* command : CommandsOf(app)) {
-        commands += fmt::format("    {}\n", Quoted(command->get_name() + ":" +
-                                                       InBrackets(command->get_description()),
-                                                   "'\\''"));
+        commands += fmt::format(
+            "    {}\n",
+            Quoted(command->get_name() + ":" + InBrackets(command->get_description()), "'\\''"));
         cases += fmt::format("    {}) _arguments", command->get_name());
         for (const CLI::Option* option : OptionsOf(*command)) {
             for (const std::string& name : NamesOf(*option)) {
@@ -126,10 +126,10 @@ std::string FishCompletion(const CLI::App& app) {
             for (const std::string& name : option->get_lnames()) {
                 names += " -l " + name;
             }
-            text += fmt::format(
-                "complete -c tolvenar -n '__fish_seen_subcommand_from {}'{}{} -d {}\n",
-                command->get_name(), names, TakesValue(*option) ? " -r" : "",
-                Quoted(option->get_description(), "\\'"));
+            text +=
+                fmt::format("complete -c tolvenar -n '__fish_seen_subcommand_from {}'{}{} -d {}\n",
+                            command->get_name(), names, TakesValue(*option) ? " -r" : "",
+                            Quoted(option->get_description(), "\\'"));
         }
     }
     return text;

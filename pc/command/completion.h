@@ -1,4 +1,5 @@
-// What a shell offers when a word of the command line is begun: the commands, the options of a command, and files.
+// What a shell offers when a word of the command line is begun: the commands, the options of a
+// command, and files.
 #pragma once
 
 #include <CLI/App.hpp>

@@ -1,8 +1,9 @@
 // The manual page, in the macros that every "man" knows.
+#include "pc/command/manual_page.h"
+
 #include <fmt/format.h>
 
 #include "pc/command/described_command.h"
-#include "pc/command/manual_page.h"
 
 namespace tolvenar::pc {
 namespace {

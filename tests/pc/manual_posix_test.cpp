@@ -1,4 +1,5 @@
-// The worked examples of the manual: their commands are run, and what they print is what the manual shows.
+// The worked examples of the manual: their commands are run, and what they print is what the manual
+// shows.
 #include <algorithm>
 #include <fstream>
 #include <sstream>

@@ -1,9 +1,9 @@
 // How the program ends where its output, its folder or its time does.
-#include "tests/pc/program_test.h"
-
 #include <csignal>
 #include <thread>
 #include <unistd.h>
+
+#include "tests/pc/program_test.h"
 
 namespace tolvenar::pc {
 namespace {
@@ -35,8 +35,8 @@ const char* const kToOutput[] = {"info Home.sav",
 // What each command writes, of which an argument is left away: where.
 struct Writing {
     const char* command;
-    const char* place;         // below which it writes
-    std::size_t whole_files;   // that are there when it is done
+    const char* place;        // below which it writes
+    std::size_t whole_files;  // that are there when it is done
     int code_on_a_full_disk;
 };
 const Writing kToFiles[] = {{"extract Home.sav@2 -o ", "", 2, 3},
@@ -69,8 +69,8 @@ TEST_F(ProgramTest, APipeThatClosedIsAClearEnd) {
         "sys.exit(subprocess.run(sys.argv[1:], stdout=write).returncode)\n";
     Write("closed.py", closed);
     for (const char* command : kToOutput) {
-        EXPECT_EQ(1, Shell(std::string("python3 closed.py '" PC_PROGRAM "' ") + command +
-                           " 2> told"))
+        EXPECT_EQ(1,
+                  Shell(std::string("python3 closed.py '" PC_PROGRAM "' ") + command + " 2> told"))
             << command;
         EXPECT_NE(std::string::npos, Read("told").find("the output cannot be written")) << command;
     }
@@ -98,8 +98,7 @@ TEST_F(ProgramTest, AFullDiskLeavesNothingThatIsHalf) {
     for (const Writing& writing : kToFiles) {
         const std::string run = std::string("tolvenar ") + writing.command + "out" + writing.place;
         fs::create_directory(In("out"));
-        EXPECT_EQ(writing.code_on_a_full_disk,
-                  Shell("ulimit -f 0; " + run + " > /dev/null 2>&1"))
+        EXPECT_EQ(writing.code_on_a_full_disk, Shell("ulimit -f 0; " + run + " > /dev/null 2>&1"))
             << writing.command;
         EXPECT_EQ(0u, CountFiles(In("out"))) << writing.command;
         fs::remove_all(In("out"));

@@ -12,8 +12,8 @@ class ProgramTest : public ThreeStatesTest {
 protected:
     // The exit code of a shell's command in the case's folder. "tolvenar" is the program.
     int Shell(const std::string& command) const {
-        Write("shell.sh", "set -o pipefail\ncd '" + In("") + "'\ntolvenar() { '" PC_PROGRAM
-                          "' \"$@\"; }\n" + command + "\n");
+        Write("shell.sh", "set -o pipefail\ncd '" + In("") +
+                              "'\ntolvenar() { '" PC_PROGRAM "' \"$@\"; }\n" + command + "\n");
         return WEXITSTATUS(std::system(("bash '" + In("shell.sh") + "'").c_str()));
     }
 };
