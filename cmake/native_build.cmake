@@ -35,6 +35,7 @@ if(BUILD_TESTING)
   add_suites(native_test COMMAND native_test SOURCES ${bytes_tests} ${native_tests})
   # The program for the PC, called as a function and, where that matters, started.
   file(GLOB_RECURSE pc_tests CONFIGURE_DEPENDS tests/pc/*.cpp)
+  list(FILTER pc_tests EXCLUDE REGEX "${other_system}_test\\.cpp$")
   add_executable(pc_test ${pc_tests})
   target_link_libraries(pc_test PRIVATE ${PC_PROGRAM} pc_options GTest::gtest_main PkgConfig::HTTPLIB)
   target_compile_definitions(pc_test PRIVATE PC_PROGRAM="$<TARGET_FILE:tolvenar_pc>"

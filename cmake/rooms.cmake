@@ -1,6 +1,7 @@
 # The rooms of rooms.txt as libraries: room_NAME, with "/" as "_", each linked to the rooms that it needs.
 # A room of headers alone is an interface library. Rooms of a kind that the build does not name are left out.
-#   make_rooms(VAR KINDS kind… [OPTIONS library…])   the libraries, highest first in VAR: what calls the
+#   make_rooms(VAR KINDS kind… [OPTIONS library…] [WITHOUT room…])
+#                                                    the libraries, highest first in VAR: what calls the
 #                                                    platform must stand before the import libraries in a link
 #   room_tests(VAR KIND)                             the tests of the rooms of that kind
 set(ROOMS_FILE ${CMAKE_CURRENT_LIST_DIR}/rooms.txt)
@@ -20,18 +21,27 @@ function(read_rooms names)
   set(${names} ${all} PARENT_SCOPE)
 endfunction()
 
+set(this_system _posix)
+set(other_system _windows)
+if(CMAKE_SYSTEM_NAME STREQUAL "Windows")
+  set(this_system _windows)
+  set(other_system _posix)
+endif()
+
 function(make_rooms result)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "KINDS;OPTIONS")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "KINDS;OPTIONS;WITHOUT")
   read_rooms(rooms)
   set(libraries "")
   foreach(room IN LISTS rooms)
-    if(NOT kind_${room} IN_LIST arg_KINDS)
+    if(NOT kind_${room} IN_LIST arg_KINDS OR room IN_LIST arg_WITHOUT)
       continue()
     endif()
     string(REPLACE "/" "_" target room_${room})
     file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/${room}/*.cpp)
     # A program's entry point is no part of what tests link.
-    list(FILTER sources EXCLUDE REGEX "/main\\.cpp$")
+    list(FILTER sources EXCLUDE REGEX "/main(_posix|_windows)?\\.cpp$")
+    # What calls a system of the PC stands once for each.
+    list(FILTER sources EXCLUDE REGEX "${other_system}\\.cpp$")
     set(visibility PUBLIC)
     if(sources)
       add_library(${target} STATIC ${sources})
@@ -40,6 +50,7 @@ function(make_rooms result)
       add_library(${target} INTERFACE)
       set(visibility INTERFACE)
     endif()
+    list(REMOVE_ITEM needs_${room} ${arg_WITHOUT})
     foreach(needed IN LISTS needs_${room})
       string(REPLACE "/" "_" needed room_${needed})
       target_link_libraries(${target} ${visibility} ${needed})

@@ -1,4 +1,5 @@
-// A tar file (pax) that is written as it comes, into whatever takes bytes.
+// A tar file (pax) that is written as it comes, into whatever takes bytes. The program for Windows
+// makes none: there it is a Failure.
 #pragma once
 
 #include <memory>

@@ -4,6 +4,10 @@
 #include <iterator>
 #include <new>
 
+#include "pc/command/completion.h"
+#include "pc/command/manual_page.h"
+#include "res/version.h"
+
 namespace tolvenar::pc {
 namespace {
 
@@ -129,6 +133,29 @@ const Command kCommands[] = {
      "tolvenar salvage Home.sav -o rescued/Home", AddSalvageOptions, RunSalvage},
 };
 
+// The forms in which the command line is described for others. The command that gives them is for
+// the installation alone, so --help does not tell of it.
+struct Description {
+    const char* form;
+    std::string (*make)(const CLI::App& app);
+};
+const Description kDescriptions[] = {{"man", ManualPage},
+                                     {"bash", BashCompletion},
+                                     {"zsh", ZshCompletion},
+                                     {"fish", FishCompletion}};
+constexpr const char* kDescribe = "describe";
+
+ExitCode Describe(const CLI::App& app, const std::string& form, Console& console) {
+    for (const Description& description : kDescriptions) {
+        if (form == description.form) {
+            console.out.Write(description.make(app));
+            return ExitCode::kDone;
+        }
+    }
+    console.Tell("\"" + form + "\" is no form: give man, bash, zsh or fish");
+    return ExitCode::kUsage;
+}
+
 // The parser's own words for help and errors go where the console says.
 int TellOfParser(const CLI::App& app, const CLI::ParseError& error, Console& console) {
     if (error.get_exit_code() == 0) {
@@ -164,7 +191,9 @@ int RunCommandLine(const std::vector<std::string>& arguments, Console& console,
                    const std::vector<Command>& more) {
     CLI::App app("Reads, checks and uses a storage of Tolvenar on this machine.", "tolvenar");
     app.require_subcommand(1);
+    app.allow_windows_style_options(false);  // a path may begin with "/"
     app.footer(kExitCodes);
+    app.set_version_flag("--version", "tolvenar " TOLVENAR_VERSION);
     Options options;
     std::vector<Command> commands(std::begin(kCommands), std::end(kCommands));
     commands.insert(commands.end(), more.begin(), more.end());
@@ -173,6 +202,7 @@ int RunCommandLine(const std::vector<std::string>& arguments, Console& console,
         subcommand->footer(std::string("Example: ") + command.example + "\n" + kExitCodes);
         command.add_options(*subcommand, options);
     }
+    app.add_subcommand(kDescribe)->group("")->add_option("FORM", options.form)->required();
     std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());
     try {
         app.parse(reversed);
@@ -180,6 +210,9 @@ int RunCommandLine(const std::vector<std::string>& arguments, Console& console,
         return TellOfParser(app, error, console);
     }
     ExitCode code = ExitCode::kUsage;
+    if (app.got_subcommand(kDescribe)) {
+        code = Describe(app, options.form, console);
+    }
     for (const Command& command : commands) {
         if (app.got_subcommand(command.name)) {
             code = Run(command, options, console);

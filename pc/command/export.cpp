@@ -7,6 +7,7 @@
 #include "pc/command/commands.h"
 #include "pc/command/export_state.h"
 #include "pc/command/exports.h"
+#include "pc/command/interrupt.h"
 #include "pc/command/json.h"
 #include "pc/command/object_json.h"
 #include "pc/command/opened.h"
@@ -61,6 +62,7 @@ const Form& FindForm(const std::string& name) {
 
 // `write` may end in a Failure; then the file is not there.
 void WriteFile(const std::string& file, const std::function<void(const Take& take)>& write) {
+    const InterruptWatch watch;
     const std::filesystem::path path(file);
     FolderWriter writer(path.has_parent_path() ? path.parent_path().string() : ".");
     std::exception_ptr thrown;

@@ -36,11 +36,10 @@ std::string Joined(const SafePath& place) {
 std::vector<Item> Plan(StoredPair& pair, std::uint16_t state, const ObjectFilter& filter) {
     std::vector<Item> plan;
     SafeNames names;
-    for (StoredObject& object : ObjectsOf(pair, state)) {
-        const bool is_file = object.type() == ObjectType::kFile;
-        if (is_file && object.is_damaged) {
+    for (StoredObject& object : FilesOf(pair, state)) {
+        if (object.is_damaged) {
             plan.push_back({std::move(object), {}, "its block is damaged", true});
-        } else if (is_file && filter.Takes(object.name)) {
+        } else if (filter.Takes(object.name)) {
             SafePath place = names.Place(object.name, object.is_folder());
             const char* failure =
                 object.is_in_rom() ? "a file of the device's ROM: no storage has its contents" : "";

@@ -5,7 +5,6 @@
 #include "pc/command/commands.h"
 #include "pc/command/json.h"
 #include "pc/command/opened.h"
-#include "pc/storage/totals.h"
 
 namespace tolvenar::pc {
 namespace {
@@ -108,7 +107,7 @@ void PrintStates(const StoredPair& pair, const StorageTotals& totals, Console& c
 
 ExitCode RunInfo(const Options& options, Console& console) {
     const std::unique_ptr<StoredPair> pair = OpenWhole(options.storage, console);
-    const StorageTotals totals = CountTotals(*pair);
+    const StorageTotals& totals = pair->totals();
     if (options.json) {
         PrintJson(*pair, totals, console);
     } else {

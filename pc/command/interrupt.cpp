@@ -5,7 +5,11 @@
 namespace tolvenar::pc {
 namespace {
 
+#ifdef _WIN32
+constexpr int kSignals[] = {SIGINT, SIGTERM, SIGBREAK};
+#else
 constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
+#endif
 
 volatile std::sig_atomic_t interrupted = 0;
 

@@ -7,14 +7,16 @@
 #include <vector>
 
 #include "pc/command/console.h"
+#include "pc/storage/content_proof.h"
 #include "pc/storage/stored_object.h"
 
 namespace tolvenar::pc {
 
 struct Judged {
     StoredObject object;
-    std::vector<std::uint16_t> states;  // that hold it
-    const char* damage;                 // null for none, "block" or "contents"
+    std::vector<std::uint16_t> states;           // that hold it
+    Damage damage;                               // of the block or of the contents
+    std::vector<std::uint16_t> whole_in_states;  // other versions of a damaged one
 };
 
 struct StateCount {
@@ -23,16 +25,17 @@ struct StateCount {
 };
 
 struct Judgement {
-    std::vector<Judged> objects;  // in the order of the storage file
+    std::vector<Judged> objects;  // those that are told of, in the order of the storage file
     std::map<std::uint16_t, StateCount> states;
     std::size_t damaged = 0;
     std::size_t damaged_states = 0;  // whose own blocks are
 };
 
-// `what` is told while it goes on. A Failure when it is interrupted under an InterruptWatch.
-Judgement Judge(StoredPair& pair, const char* what, Console& console);
+// "block" or "contents".
+const char* WordOf(Damage damage);
 
-// The states that hold a whole version of a damaged object; of one without a name nobody knows.
-std::vector<std::uint16_t> StatesWithWhole(const Judgement& judgement, const Judged& damaged);
+// Tells of all objects, or of the damaged ones alone. `what` is told while it goes on.
+// A Failure when it is interrupted under an InterruptWatch.
+Judgement Judge(StoredPair& pair, bool all, const char* what, Console& console);
 
 }  // namespace tolvenar::pc

@@ -11,17 +11,17 @@
 namespace tolvenar::pc {
 namespace {
 
-Json JsonOf(const Judgement& judgement, const Judged& judged) {
+Json JsonOf(const Judged& judged) {
     Json json = JsonOf(judged.object);
     json["states"] = judged.states;
-    if (judged.damage != nullptr) {
-        json["damage"] = judged.damage;
-        json["whole_in_states"] = StatesWithWhole(judgement, judged);
+    if (judged.damage != Damage::kNone) {
+        json["damage"] = WordOf(judged.damage);
+        json["whole_in_states"] = judged.whole_in_states;
     }
     return json;
 }
 
-void PrintJson(const StoredPair& pair, const Judgement& judgement, bool all, Console& console) {
+void PrintJson(const StoredPair& pair, const Judgement& judgement, Console& console) {
     Json json;
     json["storage"] = pair.files().sav;
     json["findings"] = Json::array();
@@ -40,28 +40,27 @@ void PrintJson(const StoredPair& pair, const Judgement& judgement, bool all, Con
     json["damaged_state_blocks"] = judgement.damaged_states;
     json["objects"] = Json::array();
     for (const Judged& judged : judgement.objects) {
-        if (all || judged.damage != nullptr) {
-            json["objects"].push_back(JsonOf(judgement, judged));
-        }
+        json["objects"].push_back(JsonOf(judged));
     }
     console.Line(json.dump(2));
 }
 
-void PrintObject(const Judgement& judgement, const Judged& judged, Console& console) {
+void PrintObject(const Judged& judged, Console& console) {
     const std::string path = Printable(PathOf(judged.object));
-    if (judged.damage == nullptr) {
+    if (judged.damage == Damage::kNone) {
         console.Line(fmt::format("whole: {}, in states: {}", path, Ranges(judged.states)));
         return;
     }
-    console.Line(fmt::format("damaged {}: {}, stored by state {}, in states: {}", judged.damage,
-                             path, judged.object.record.state_number, Ranges(judged.states)));
-    const std::vector<std::uint16_t> whole = StatesWithWhole(judgement, judged);
-    if (!whole.empty()) {
-        console.Line(fmt::format("    a whole version is in states: {}", Ranges(whole)));
+    console.Line(fmt::format("damaged {}: {}, stored by state {}, in states: {}",
+                             WordOf(judged.damage), path, judged.object.record.state_number,
+                             Ranges(judged.states)));
+    if (!judged.whole_in_states.empty()) {
+        console.Line(
+            fmt::format("    a whole version is in states: {}", Ranges(judged.whole_in_states)));
     }
 }
 
-void PrintText(const StoredPair& pair, const Judgement& judgement, bool all, Console& console) {
+void PrintText(const StoredPair& pair, const Judgement& judgement, Console& console) {
     for (const std::u16string& line : pair.findings()) {
         console.Line(Printable(line));
     }
@@ -72,9 +71,7 @@ void PrintText(const StoredPair& pair, const Judgement& judgement, bool all, Con
                         block.offset, block.state));
     }
     for (const Judged& judged : judgement.objects) {
-        if (all || judged.damage != nullptr) {
-            PrintObject(judgement, judged, console);
-        }
+        PrintObject(judged, console);
     }
     for (const State& state : pair.states()) {
         if (state.is_damaged) {
@@ -91,13 +88,13 @@ void PrintText(const StoredPair& pair, const Judgement& judgement, bool all, Con
 
 ExitCode RunVerify(const Options& options, Console& console) {
     const std::unique_ptr<StoredPair> pair = OpenWhole(options.storage, console);
-    const Judgement judgement = Judge(*pair, "verify", console);
+    const Judgement judgement = Judge(*pair, options.all, "verify", console);
     const bool is_sound = judgement.damaged == 0 && judgement.damaged_states == 0 &&
                           ListVerdict(*pair) == ExitCode::kDone;
     if (options.json) {
-        PrintJson(*pair, judgement, options.all, console);
+        PrintJson(*pair, judgement, console);
     } else {
-        PrintText(*pair, judgement, options.all, console);
+        PrintText(*pair, judgement, console);
         console.Line(is_sound ? "No errors were found."
                               : fmt::format("Errors were found: {} in the journal, {} objects and "
                                             "{} states' own blocks damaged.",

@@ -76,9 +76,9 @@ std::vector<ChangedObject> MostChanged(const Judgement& judgement) {
 std::vector<Loss> LossesIn(const Judgement& judgement) {
     std::vector<Loss> losses;
     for (const Judged& judged : judgement.objects) {
-        if (judged.damage != nullptr && losses.size() < kMostLosses) {
-            losses.push_back({PathOf(judged.object), judged.damage, judged.states,
-                              StatesWithWhole(judgement, judged)});
+        if (judged.damage != Damage::kNone && losses.size() < kMostLosses) {
+            losses.push_back({PathOf(judged.object), WordOf(judged.damage), judged.states,
+                              judged.whole_in_states});
         }
     }
     return losses;
@@ -88,7 +88,7 @@ std::vector<Loss> LossesIn(const Judgement& judgement) {
 
 ReportData GatherReport(StoredPair& pair, Console& console) {
     const StorageTotals totals = CountTotals(pair);
-    const Judgement judgement = Judge(pair, "report", console);
+    const Judgement judgement = Judge(pair, true, "report", console);
     ReportData data;
     data.states = StatesIn(pair, totals, judgement);
     data.unclaimed_bytes = totals.unclaimed_bytes;

@@ -22,7 +22,11 @@ public:
     bool Size(std::uint32_t& bytes) override;
 
 private:
+#ifdef _WIN32
+    void* file_;
+#else
     int file_;
+#endif
 };
 
 }  // namespace tolvenar::pc

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,13 +28,8 @@ public:
                           const std::function<bool(const Take& take)>& fill);
 
 private:
-    std::string OpenFolder(const std::vector<std::string>& components, int& folder);
-    std::string Fill(int folder, const std::string& name, FileTime time,
-                     const std::function<bool(const Take& take)>& fill);
-
-    int root_;
-    std::vector<std::string> opened_;  // the folder that was used last
-    int opened_folder_ = -1;
+    class System;
+    std::unique_ptr<System> system_;
 };
 
 }  // namespace tolvenar::pc

@@ -1,6 +1,7 @@
 #include "pc/storage/object_data.h"
 
 #include <algorithm>
+#include <memory>
 
 #include "pc/text/failure.h"
 #include "pc/text/utf.h"
@@ -22,13 +23,13 @@ bool StreamData(StoredPair& pair, const StoredObject& object, const TakeData& ta
     if (!object.has_data) {
         return true;
     }
-    std::vector<char> piece(std::min(kPieceBytes, object.data_bytes));
+    const std::unique_ptr<char[]> piece(new char[std::min(kPieceBytes, object.data_bytes)]);
     pair.reader().Expect(object.record.data_offset, object.data_bytes);
     for (std::uint32_t done = 0; done < object.data_bytes;) {
         const std::uint32_t bytes = std::min(kPieceBytes, object.data_bytes - done);
         std::uint32_t read = 0;
-        if (!pair.reader().ReadUpTo(object.record.data_offset + done, piece.data(), bytes, read) ||
-            read != bytes || !take({piece.data(), bytes})) {
+        if (!pair.reader().ReadUpTo(object.record.data_offset + done, piece.get(), bytes, read) ||
+            read != bytes || !take({piece.get(), bytes})) {
             return false;
         }
         done += bytes;

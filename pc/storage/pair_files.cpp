@@ -29,8 +29,10 @@ std::string FindFile(const std::string& path) {
     const fs::path folder = wanted.has_parent_path() ? wanted.parent_path() : fs::path(".");
     std::error_code error;
     for (const fs::directory_entry& entry : fs::directory_iterator(folder, error)) {
-        const std::string found = (wanted.parent_path() / entry.path().filename()).string();
-        if (::strcasecmp(found.c_str(), wanted.c_str()) == 0 && IsFile(found)) {
+        const fs::path name = entry.path().filename();
+        const std::string found = (wanted.parent_path() / name).string();
+        const std::string wanted_name = wanted.filename().string();
+        if (::strcasecmp(name.string().c_str(), wanted_name.c_str()) == 0 && IsFile(found)) {
             return found;
         }
     }
@@ -39,9 +41,9 @@ std::string FindFile(const std::string& path) {
 
 // As the device makes it of the stem.
 std::string CutAtFirstDot(const std::string& stem) {
-    const std::size_t slash = stem.rfind('/');
-    const std::size_t dot = stem.find('.', slash == stem.npos ? 0 : slash + 1);
-    return stem.substr(0, dot);
+    const fs::path path(stem);
+    const std::string name = path.filename().string();
+    return (path.parent_path() / name.substr(0, name.find('.'))).string();
 }
 
 }  // namespace

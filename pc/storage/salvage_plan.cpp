@@ -210,7 +210,8 @@ private:
     // The fingerprint of a database that nothing proves is the number of its records.
     void Count(const StoredObject& object, bool is_new) {
         if (object.type() == ObjectType::kDatabaseRecord) {
-            record_counts_[object.name] += is_new ? 1 : 0;
+            std::uint16_t& count = record_counts_[object.name];
+            count = static_cast<std::uint16_t>(count + (is_new ? 1 : 0));
         } else if (object.type() == ObjectType::kDatabase &&
                    object.record.content_fingerprint == 0) {
             uncounted_.emplace_back(object.record.propOffset, object.name);

@@ -51,21 +51,35 @@ std::vector<StoredObject> DescribeAll(StoredPair& pair, std::vector<ObjectRecord
     return objects;
 }
 
-std::vector<StoredObject> ObjectsOf(StoredPair& pair, std::uint16_t state) {
-    const std::unique_ptr<ObjectList> list = pair.BuildState(state);
+namespace {
+
+template <typename Wanted>
+std::vector<StoredObject> ObjectsOf(StoredPair& pair, std::uint16_t state, Wanted is_wanted) {
+    std::unique_ptr<ObjectList> list = pair.BuildState(state);
     const std::set<std::uint32_t> older = OlderVersions(pair, *list);
     std::vector<ObjectRecord> records;
     records.reserve(list->CountRecords());
     for (const ObjectList::Node& node : *list) {
         const ObjectRecord& record = *node.record;
-        if (record.type != ObjectType::kState && older.count(record.propOffset) == 0) {
+        if (is_wanted(record.type) && older.count(record.propOffset) == 0) {
             records.push_back(record);
         }
     }
+    list.reset();  // the objects take its memory
     std::vector<StoredObject> objects = DescribeAll(pair, std::move(records));
     std::sort(objects.begin(), objects.end(),
               [](const StoredObject& a, const StoredObject& b) { return OrderOf(a) < OrderOf(b); });
     return objects;
+}
+
+}  // namespace
+
+std::vector<StoredObject> ObjectsOf(StoredPair& pair, std::uint16_t state) {
+    return ObjectsOf(pair, state, [](ObjectType type) { return type != ObjectType::kState; });
+}
+
+std::vector<StoredObject> FilesOf(StoredPair& pair, std::uint16_t state) {
+    return ObjectsOf(pair, state, [](ObjectType type) { return type == ObjectType::kFile; });
 }
 
 }  // namespace tolvenar::pc

@@ -84,7 +84,8 @@ std::uint32_t ReadJournal(const std::string& path, ObjectList& journal) {
     LoadedBytes file(path);
     std::uint32_t bytes = 0;
     std::uint32_t taken = 0;
-    if (!file.Size(bytes) || !ReadJournalRecords(file, journal, nullptr, taken)) {
+    if (!file.Size(bytes) || !journal.Reserve(bytes / sizeof(ObjectRecord)) ||
+        !ReadJournalRecords(file, journal, nullptr, taken)) {
         throw std::bad_alloc();
     }
     return bytes;
@@ -133,9 +134,11 @@ void StoredPair::LoadJournal() {
 
 void StoredPair::Check() {
     const KeptLines lines(findings_);
-    if (!check_.Run(sizes_)) {
+    TotalsCounter counter(sizes_, totals_);
+    if (!check_.Run(sizes_, &counter)) {
         throw std::bad_alloc();
     }
+    counter.Finish(*journal_);
 }
 
 void StoredPair::CollectStates() {

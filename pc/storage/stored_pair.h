@@ -10,6 +10,7 @@
 #include "pc/storage/file_bytes.h"
 #include "pc/storage/no_device.h"
 #include "pc/storage/pair_files.h"
+#include "pc/storage/totals.h"
 #include "pc/text/file_time.h"
 #include "snapshot/compare/pair_check.h"
 #include "snapshot/compare/value_names.h"
@@ -45,6 +46,9 @@ public:
     InfoSource& info() { return info_; }
     ValueNames& value_names() { return value_names_; }
     const PairCheck& check() const { return check_; }
+    const StorageTotals& totals() const { return totals_; }
+    // For who reads beside the reader, in another thread.
+    ByteReader& storage_bytes() { return sav_; }
     // False when what belongs to which state is not certain. A whole block that no record points to
     // is what a failed item left, or an object whose record is lost.
     bool list_is_sound() const {
@@ -60,6 +64,10 @@ public:
     // The objects of a state. Throws a Failure without memory.
     std::unique_ptr<ObjectList> BuildState(std::uint16_t number);
 
+    // Small pages: most blocks have contents behind them that nobody asks for, and copying is what
+    // a read costs here.
+    static constexpr std::uint32_t kPageBytes = 1024;
+
 private:
     void LoadJournal();
     void Check();
@@ -68,7 +76,7 @@ private:
 
     const PairFiles files_;
     FileBytes sav_;
-    StorageReader reader_{sav_};
+    StorageReader reader_{sav_, kPageBytes};
     NoDevice device_;
     InfoSource info_{reader_, device_};
     StorageHeader header_{};
@@ -77,6 +85,7 @@ private:
     const std::unique_ptr<ObjectList> journal_;
     ValueNames value_names_;
     PairCheck check_;
+    StorageTotals totals_;
     std::vector<std::u16string> findings_;
     std::vector<State> states_;
 };

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <map>
 
-#include "pc/storage/stored_pair.h"
+#include "snapshot/compare/pair_check.h"
 
 namespace tolvenar::pc {
 
@@ -20,6 +20,20 @@ struct StorageTotals {
     std::uint32_t damaged_blocks = 0;
 };
 
-StorageTotals CountTotals(StoredPair& pair);
+// Counts while the pair is checked: a second reading of all blocks would take as long again.
+class TotalsCounter final : public VersionWatcher {
+public:
+    TotalsCounter(const PairSizes& sizes, StorageTotals& totals)
+        : sizes_(sizes), totals_(totals), claimed_end_(sizes.storage_head) {}
+
+    void Meet(const ObjectRecord& record, const InfoBlock* block) override;
+    // When every version was met.
+    void Finish(const ObjectList& journal);
+
+private:
+    const PairSizes& sizes_;
+    StorageTotals& totals_;
+    std::uint64_t claimed_end_;
+};
 
 }  // namespace tolvenar::pc

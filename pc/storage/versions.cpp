@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <map>
 
+#include "pc/storage/lifetimes.h"
 #include "pc/storage/state_objects.h"
-#include "snapshot/compare/states.h"
 #include "snapshot/text/letter_case.h"
 
 namespace tolvenar::pc {
@@ -19,27 +19,6 @@ std::u16string Folded(std::u16string path) {
 
 std::u16string IdentityOf(const StoredObject& object) {
     return Folded(PathOf(object)) + static_cast<char16_t>(object.type());
-}
-
-std::vector<std::uint16_t> StatesOf(const StoredPair& pair) {
-    std::vector<std::uint16_t> states;
-    for (std::uint32_t number = 1; number <= LastStoredState(&pair.journal()); ++number) {
-        if (HasState(pair.journal(), number)) {
-            states.push_back(static_cast<std::uint16_t>(number));
-        }
-    }
-    return states;
-}
-
-Holders FindHolders(StoredPair& pair, const std::vector<std::uint16_t>& states) {
-    Holders holders;
-    for (const std::uint16_t number : states) {
-        const std::unique_ptr<ObjectList> list = pair.BuildState(number);
-        for (const ObjectList::Node& node : *list) {
-            holders[node.record->propOffset].push_back(number);
-        }
-    }
-    return holders;
 }
 
 std::vector<ObjectRecord> AdditionsOf(const ObjectList& journal) {
@@ -70,7 +49,7 @@ std::string Ranges(const std::vector<std::uint16_t>& states) {
 Histories FindHistories(StoredPair& pair, const ObjectFilter& filter) {
     Histories found;
     found.states = StatesOf(pair);
-    Holders holders = FindHolders(pair, found.states);
+    const Lifetimes lifetimes(pair, found.states);
     std::map<std::u16string, History> by_identity;
     // In the order of the storage file, which is that of their age.
     for (StoredObject& object : DescribeAll(pair, AdditionsOf(pair.journal()))) {
@@ -80,7 +59,7 @@ Histories FindHistories(StoredPair& pair, const ObjectFilter& filter) {
         } else if (filter.Takes(path)) {
             History& history = by_identity[IdentityOf(object)];
             history.path = path;
-            std::vector<std::uint16_t>& states = holders[object.record.propOffset];
+            std::vector<std::uint16_t> states = lifetimes.StatesOf(object.record.propOffset);
             history.versions.push_back({std::move(object), std::move(states)});
         }
     }

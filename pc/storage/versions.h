@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
 #include <string>
 #include <vector>
 
@@ -10,13 +9,6 @@
 #include "pc/storage/stored_object.h"
 
 namespace tolvenar::pc {
-
-// The numbers of the states that can be rebuilt, in order.
-std::vector<std::uint16_t> StatesOf(const StoredPair& pair);
-
-// The states that hold a version, by the place of its block.
-using Holders = std::map<std::uint32_t, std::vector<std::uint16_t>>;
-Holders FindHolders(StoredPair& pair, const std::vector<std::uint16_t>& states);
 
 // The records of every stored version of an object; the states' own are not among them.
 std::vector<ObjectRecord> AdditionsOf(const ObjectList& journal);

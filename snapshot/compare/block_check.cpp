@@ -39,13 +39,14 @@ bool HasSoundIdentifier(const ObjectRecord& record, const InfoBlock& block) {
 class Tiling {
 public:
     Tiling(StorageReader& stored, std::uint32_t begin, std::uint32_t end, const StateTable& states,
-           Findings& findings, UnclaimedBlocks& unclaimed)
+           Findings& findings, UnclaimedBlocks& unclaimed, VersionWatcher* watcher)
         : stored_(stored),
           end_(end),
           covered_(begin),
           states_(states),
           findings_(findings),
-          unclaimed_(unclaimed) {}
+          unclaimed_(unclaimed),
+          watcher_(watcher) {}
 
     void Take(StoredVersion& version) {
         const ObjectRecord& record = *version.record;
@@ -100,6 +101,9 @@ private:
         is_end_known_ = stored_.GetInfoFromStorage(record.propOffset, block) &&
                         block.type() == record.type &&
                         Checksum16(block.bytes(), block.size()) == record.info_checksum;
+        if (watcher_ != nullptr) {
+            watcher_->Meet(record, is_end_known_ ? &block : nullptr);
+        }
         if (!is_end_known_) {
             version.damage = Damage::kBlock;
             return;
@@ -179,6 +183,7 @@ private:
     const StateTable& states_;
     Findings& findings_;
     UnclaimedBlocks& unclaimed_;
+    VersionWatcher* const watcher_;
     bool out_of_memory_ = false;
 };
 
@@ -211,8 +216,8 @@ bool UnclaimedBlocks::Add(const UnclaimedBlock& block) {
 
 bool CheckBlocks(StoredVersion* versions, std::size_t count, StorageReader& stored,
                  std::uint32_t begin, std::uint32_t end, const StateTable& states,
-                 Findings& findings, UnclaimedBlocks& unclaimed) {
-    Tiling tiling(stored, begin, end, states, findings, unclaimed);
+                 Findings& findings, UnclaimedBlocks& unclaimed, VersionWatcher* watcher) {
+    Tiling tiling(stored, begin, end, states, findings, unclaimed, watcher);
     std::for_each(versions, versions + count,
                   [&tiling](StoredVersion& version) { tiling.Take(version); });
     return tiling.Finish();

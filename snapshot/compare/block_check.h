@@ -44,15 +44,26 @@ private:
     std::size_t room_ = 0;
 };
 
+// Is told of every version, in the order of the file.
+class VersionWatcher {
+public:
+    // `block` is null when it is damaged.
+    virtual void Meet(const ObjectRecord& record, const InfoBlock* block) = 0;
+
+protected:
+    ~VersionWatcher() = default;
+};
+
 // Data of the object of `block` are in the storage file, if only of length 0.
 bool HasStoredData(const InfoBlock& block);
 
 // Reads the blocks of `versions`, which stand in the order of the file, and finds out how they
 // cover it from `begin`, the end of the head, to `end`. Enters what is found in the versions, in
 // `findings` where the list itself is wrong, and in `unclaimed` the whole block of one object
-// behind a backup's last one that no record points to. False when there is no memory.
+// behind a backup's last one that no record points to. `watcher` may be null. False when there is
+// no memory.
 bool CheckBlocks(StoredVersion* versions, std::size_t count, StorageReader& stored,
                  std::uint32_t begin, std::uint32_t end, const StateTable& states,
-                 Findings& findings, UnclaimedBlocks& unclaimed);
+                 Findings& findings, UnclaimedBlocks& unclaimed, VersionWatcher* watcher = nullptr);
 
 }  // namespace tolvenar

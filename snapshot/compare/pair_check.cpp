@@ -31,7 +31,7 @@ bool IsBefore(const StoredVersion& version, std::uint32_t propOffset) {
 
 }  // namespace
 
-bool PairCheck::Run(const PairSizes& sizes) {
+bool PairCheck::Run(const PairSizes& sizes, VersionWatcher* watcher) {
     StateTable states;
     if (!CollectVersions() || !CheckRecords(journal_, states, findings_)) {
         return false;
@@ -42,7 +42,7 @@ bool PairCheck::Run(const PairSizes& sizes) {
         findings_.Add(u"two records under one key", 0);
     }
     if (!CheckBlocks(versions_.get(), count_, stored_, sizes.storage_head, sizes.storage, states,
-                     findings_, unclaimed_) ||
+                     findings_, unclaimed_, watcher) ||
         !CollectUnlisted(states.LastState())) {
         return false;
     }

@@ -28,10 +28,13 @@ public:
     PairCheck(const PairCheck&) = delete;
     PairCheck& operator=(const PairCheck&) = delete;
 
-    // Reads every block once, in the order of the file; every finding has a line in the log. False
-    // when there is no memory.
-    bool Run(const PairSizes& sizes);
+    // Reads every block once, in the order of the file; every finding has a line in the log.
+    // `watcher` may be null. False when there is no memory.
+    bool Run(const PairSizes& sizes, VersionWatcher* watcher = nullptr);
 
+    // The additions of the journal with what is wrong with each, in the order of the storage file.
+    const StoredVersion* begin() const { return versions_.get(); }
+    const StoredVersion* end() const { return versions_.get() + count_; }
     // Findings for which nothing in the list can be trusted.
     std::size_t findings_in_list() const { return findings_.count(); }
     // What is wrong with the stored version of a record. A record that no addition of the journal

@@ -124,12 +124,16 @@ bool StateReplay::Add(const ObjectKey& own_key, const ObjectRecord& record) {
                 copy.content_fingerprint + present->record->content_fingerprint);
         }
         registry_.Remove(*present);
+        TellOfEnd(*present->record);
     }
     ObjectList::Node* node = out_.InsertByKey(key, copy);
     if (node == nullptr) {
         return false;
     }
     registry_.Add(*node);
+    if (watcher_ != nullptr) {
+        watcher_->Come(record);
+    }
     return true;
 }
 
@@ -140,7 +144,14 @@ void StateReplay::Delete(const ObjectKey& key, const ObjectRecord& record) {
         return;
     }
     registry_.Remove(*counterpart);
+    TellOfEnd(*counterpart->record);
     out_.Remove(*counterpart);
+}
+
+void StateReplay::TellOfEnd(const ObjectRecord& record) {
+    if (watcher_ != nullptr) {
+        watcher_->Go(record);
+    }
 }
 
 }  // namespace tolvenar

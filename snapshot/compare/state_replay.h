@@ -50,10 +50,22 @@ private:
     std::size_t size_ = 0;
 };
 
+// Is told of the objects that a replayed state gets and loses.
+class ReplayWatcher {
+public:
+    virtual void Come(const ObjectRecord& record) = 0;
+    virtual void Go(const ObjectRecord& record) = 0;
+
+protected:
+    ~ReplayWatcher() = default;
+};
+
 // Applies journal records, oldest state first, to the list of a state. `out` is empty at first.
 class StateReplay {
 public:
-    StateReplay(ObjectList& out, InfoSource& info) : out_(out), info_(info) {}
+    // `watcher` may be null.
+    StateReplay(ObjectList& out, InfoSource& info, ReplayWatcher* watcher = nullptr)
+        : out_(out), info_(info), watcher_(watcher) {}
     // Room for as many records. False when there is no memory.
     bool Reserve(std::size_t records) { return registry_.Reserve(records); }
     // False when there is no memory; the list is then incomplete.
@@ -62,9 +74,11 @@ public:
 private:
     bool Add(const ObjectKey& own_key, const ObjectRecord& record);
     void Delete(const ObjectKey& key, const ObjectRecord& record);
+    void TellOfEnd(const ObjectRecord& record);
 
     ObjectList& out_;
     InfoSource& info_;
+    ReplayWatcher* const watcher_;
     RegistryIndex registry_;
 };
 

@@ -4,6 +4,10 @@
 #include <cstring>
 #include <utility>
 
+#if defined(__x86_64__)
+#include <immintrin.h>
+#endif
+
 namespace tolvenar {
 namespace {
 
@@ -65,6 +69,64 @@ inline void Unfold(Folded& folded) {
     }
 }
 
+#if defined(__x86_64__)
+// The same where the processor multiplies polynomials: four times 16 bytes are moved 64 bytes on.
+// Bytes stand in the order of the checksum's bits, the first with the highest powers, and the
+// product of two such halves has one power too few: the factors have it less.
+constexpr unsigned PowerOfX(int exponent) {
+    unsigned power = 0x8000;  // 1
+    for (; exponent != 0; --exponent) {
+        power = (power & 1) ? (power >> 1) ^ 0x8408 : power >> 1;
+    }
+    return power;
+}
+
+constexpr int kMovedBits = 8 * kFoldBytes;
+constexpr std::uint64_t kNearFactor = std::uint64_t{PowerOfX(kMovedBits - 1)} << 48;
+constexpr std::uint64_t kFarFactor = std::uint64_t{PowerOfX(kMovedBits + 63)} << 48;
+const bool kMultiplies = __builtin_cpu_supports("pclmul");
+
+[[gnu::target("pclmul")]] inline __m128i Moved(__m128i bytes, __m128i factors) {
+    return _mm_xor_si128(_mm_clmulepi64_si128(bytes, factors, 0x00),
+                         _mm_clmulepi64_si128(bytes, factors, 0x11));
+}
+
+[[gnu::target("pclmul")]] void FoldByProducts(Folded& folded, const std::uint8_t*& bytes,
+                                              std::size_t& size) {
+    const __m128i factors =
+        _mm_set_epi64x(static_cast<long long>(kNearFactor), static_cast<long long>(kFarFactor));
+    auto* const words = reinterpret_cast<__m128i*>(folded.data());
+    __m128i sums[4];
+    const auto* const first = reinterpret_cast<const __m128i*>(bytes);
+    for (int i = 0; i < 4; ++i) {
+        sums[i] = _mm_xor_si128(_mm_loadu_si128(words + i), _mm_loadu_si128(first + i));
+    }
+    for (size -= kFoldBytes, bytes += kFoldBytes; size >= kFoldBytes;
+         size -= kFoldBytes, bytes += kFoldBytes) {
+        const auto* const next = reinterpret_cast<const __m128i*>(bytes);
+        for (int i = 0; i < 4; ++i) {
+            sums[i] = _mm_xor_si128(Moved(sums[i], factors), _mm_loadu_si128(next + i));
+        }
+    }
+    for (int i = 0; i < 4; ++i) {
+        _mm_storeu_si128(words + i, sums[i]);
+    }
+}
+#endif
+
+void FoldAll(Folded& folded, const std::uint8_t*& bytes, std::size_t& size) {
+#if defined(__x86_64__)
+    if (kMultiplies) {
+        FoldByProducts(folded, bytes, size);
+        return;
+    }
+#endif
+    for (; size >= kFoldBytes; size -= kFoldBytes, bytes += kFoldBytes) {
+        Fold(folded, bytes, std::make_index_sequence<kFoldWords>{});
+    }
+    Unfold(folded);
+}
+
 inline unsigned Sliced(const std::uint8_t* byte, std::size_t size, unsigned crc) {
     for (; size >= kSlice; size -= kSlice, byte += kSlice) {
         crc = Look(WordAt(byte, 3), 0) ^ Look(WordAt(byte, 2), 4) ^ Look(WordAt(byte, 1), 8) ^
@@ -84,10 +146,7 @@ std::uint16_t Checksum16(const void* bytes, std::size_t size, std::uint16_t seed
     if (size >= 4 * kFoldBytes) {
         Folded folded{};
         folded[0] = crc;
-        for (; size >= kFoldBytes; size -= kFoldBytes, byte += kFoldBytes) {
-            Fold(folded, byte, std::make_index_sequence<kFoldWords>{});
-        }
-        Unfold(folded);
+        FoldAll(folded, byte, size);
         crc = Sliced(reinterpret_cast<const std::uint8_t*>(folded.data()), kFoldBytes, 0);
     }
     return static_cast<std::uint16_t>(Sliced(byte, size, crc));

@@ -85,6 +85,8 @@ int ObjectList::Next(Cursor& cursor, ObjectKey* key_out, ObjectRecord** record_o
     return 1;
 }
 
+bool ObjectList::Reserve(std::size_t records) { return index_.Reserve(records); }
+
 void ObjectList::ClearList() {
     first_ = nullptr;
     index_.Clear();

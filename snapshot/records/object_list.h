@@ -89,6 +89,8 @@ public:
     // Copies the cursor's key and record pointer (either may be null), moves on; 0 at the end.
     static int Next(Cursor& cursor, ObjectKey* key_out, ObjectRecord** record_out);
 
+    // Makes room in the index for so many records in all. False when there is no memory.
+    bool Reserve(std::size_t records);
     void ClearList();
     std::size_t CountRecords() const { return index_.count(); }
     // The greatest state number of the records; 0 for an empty list.

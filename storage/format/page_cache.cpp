@@ -24,9 +24,9 @@ const PageCache::Run* PageCache::Find(std::uint32_t page) {
 }
 
 void PageCache::Expect(std::uint32_t offset, std::uint32_t bytes) {
-    expected_begin_ = offset / kPageBytes;
+    expected_begin_ = offset / page_bytes_;
     expected_end_ =
-        static_cast<std::uint32_t>((std::uint64_t{offset} + bytes + kPageBytes - 1) / kPageBytes);
+        static_cast<std::uint32_t>((std::uint64_t{offset} + bytes + page_bytes_ - 1) / page_bytes_);
 }
 
 // Drops the oldest. The memory of one that was as large is used again.
@@ -70,10 +70,10 @@ const PageCache::Run* PageCache::Load(std::uint32_t page) {
     Run run = RunAt(page);
     MakeRoomFor(run);
     if (run.data == nullptr) {
-        run.data.reset(new (std::nothrow) std::uint8_t[run.pages * kPageBytes]);
+        run.data.reset(new (std::nothrow) std::uint8_t[run.pages * page_bytes_]);
     }
     if (runs_ == nullptr || run.data == nullptr ||
-        !file_.ReadAt(run.first_page * kPageBytes, run.data.get(), run.pages * kPageBytes,
+        !file_.ReadAt(run.first_page * page_bytes_, run.data.get(), run.pages * page_bytes_,
                       run.bytes)) {
         pages_ahead_ = 0;
         return nullptr;
@@ -93,7 +93,7 @@ bool PageCache::ReadAt(std::uint32_t offset, void* buffer, std::uint32_t bytes,
     const std::uint32_t wanted = std::min(bytes, 0xFFFFFFFFu - offset);
     while (read < wanted) {
         const std::uint32_t place = offset + read;
-        const std::uint32_t page = place / kPageBytes;
+        const std::uint32_t page = place / page_bytes_;
         const Run* run = Find(page);
         if (run == nullptr) {
             run = Load(page);
@@ -101,7 +101,7 @@ bool PageCache::ReadAt(std::uint32_t offset, void* buffer, std::uint32_t bytes,
         if (run == nullptr) {
             return file_.ReadAt(offset, buffer, bytes, read);
         }
-        const std::uint32_t within = place - run->first_page * kPageBytes;
+        const std::uint32_t within = place - run->first_page * page_bytes_;
         if (within >= run->bytes) {
             return true;  // the file ends here
         }

@@ -10,12 +10,13 @@
 
 namespace tolvenar {
 
-// A jump reads one page of 4 KB. Reads that go on behind the pages that were read last, or before
-// them, take twice as many each time, up to 256 KB, which is also the most that is kept; what was
-// read first goes first. The file must not change meanwhile.
+// A jump reads one page. Reads that go on behind the pages that were read last, or before them,
+// take twice as many each time, up to 64 pages, which is also the most that is kept; what was read
+// first goes first. The file must not change meanwhile.
 class PageCache {
 public:
-    explicit PageCache(ByteReader& file) : file_(file) {}
+    explicit PageCache(ByteReader& file, std::uint32_t page_bytes = kPageBytes)
+        : file_(file), page_bytes_(page_bytes) {}
     PageCache(const PageCache&) = delete;
     PageCache& operator=(const PageCache&) = delete;
 
@@ -25,7 +26,7 @@ public:
     // Tells that these bytes are read next: they are read together, as far as they can be kept.
     void Expect(std::uint32_t offset, std::uint32_t bytes);
 
-    static constexpr std::uint32_t kPageBytes = 4096;
+    static constexpr std::uint32_t kPageBytes = 4096;  // what a device's card reads at once
     static constexpr std::uint32_t kMaxPages = 64;
 
 private:
@@ -47,6 +48,7 @@ private:
     void MakeRoomFor(Run& run);
 
     ByteReader& file_;
+    const std::uint32_t page_bytes_;
     std::unique_ptr<Run[]> runs_;  // a ring of kMaxPages: each has one page at least
     std::uint32_t oldest_ = 0;
     std::uint32_t count_ = 0;

@@ -16,7 +16,8 @@ namespace tolvenar {
 class StorageReader final : public StoredObjects {
 public:
     // `file` is borrowed and must not change for as long as this lives.
-    explicit StorageReader(ByteReader& file) : file_(file), pages_(file) {}
+    explicit StorageReader(ByteReader& file, std::uint32_t page_bytes = PageCache::kPageBytes)
+        : file_(file), pages_(file, page_bytes) {}
 
     // The head, in two reads: one tells the length of the description, one takes it. False when a
     // read fails or the head is not whole.

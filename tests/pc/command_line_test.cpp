@@ -1,28 +1,10 @@
-// The command line, and the program as a process.
-#include <cstdlib>
-#include <sys/wait.h>
-
+// The command line.
 #include "tests/pc/pc_test.h"
 
 namespace tolvenar::pc {
 namespace {
 
-class CommandLineTest : public ThreeStatesTest {
-protected:
-    // The exit code of a shell's command in which "PROGRAM" and "HOME" stand for what they are.
-    int Shell(std::string command) const {
-        const auto put = [&command](const std::string& word, const std::string& text) {
-            for (std::size_t at; (at = command.find(word)) != command.npos;) {
-                command.replace(at, word.size(), text);
-            }
-        };
-        put("PROGRAM", PC_PROGRAM);
-        put("HOME", In("Home.sav"));
-        put("OUT", In("out"));
-        const int status = std::system(("bash -o pipefail -c '" + command + "'").c_str());
-        return WEXITSTATUS(status);
-    }
-};
+class CommandLineTest : public ThreeStatesTest {};
 
 TEST_F(CommandLineTest, WrongUsageIsCodeTwo) {
     EXPECT_EQ(2, Run({}).code);
@@ -46,23 +28,22 @@ TEST_F(CommandLineTest, EveryCommandHasHelpWithAnExample) {
     }
 }
 
-TEST_F(CommandLineTest, TheProgramGivesResultAndCode) {
-    EXPECT_EQ(0, Shell("PROGRAM cat HOME@1 \"/My Documents/letter.txt\" > OUT"));
-    EXPECT_EQ("Dear Ann", Read("out"));
-    EXPECT_EQ(5, Shell("echo x > OUT.sav; PROGRAM info OUT.sav 2> /dev/null"));
+TEST_F(CommandLineTest, DescribesItselfForTheManualPageAndTheShells) {
+    for (const char* form : {"man", "bash", "zsh", "fish"}) {
+        const Result described = Run({"describe", form});
+        EXPECT_EQ(0, described.code) << form;
+        EXPECT_NE(std::string::npos, described.out.find("salvage")) << form;
+        EXPECT_NE(std::string::npos, described.out.find("keep")) << form;
+        EXPECT_EQ(std::string::npos, described.out.find(" describe")) << form;
+    }
+    EXPECT_EQ(2, Run({"describe", "fly"}).code);
+    EXPECT_EQ(std::string::npos, Run({"--help"}).out.find("describe"));
 }
 
-TEST_F(CommandLineTest, AFullDiskIsToldByTheCode) {
-    EXPECT_EQ(1, Shell("PROGRAM ls HOME > /dev/full 2> OUT"));
-    EXPECT_NE(std::string::npos, Read("out").find("cannot be written"));
-}
-
-TEST_F(CommandLineTest, APipeThatClosesIsAClearEnd) {
-    pair.BeginState();
-    pair.AddFile(u"\\large", Bytes(1000000, 'x'), 0x50);
-    Save();
-    EXPECT_EQ(1, Shell("PROGRAM cat HOME /large 2> /dev/null | head -c 10 > OUT"));
-    EXPECT_EQ("xxxxxxxxxx", Read("out"));
+TEST_F(CommandLineTest, TellsItsVersion) {
+    const Result version = Run({"--version"});
+    EXPECT_EQ(0, version.code);
+    EXPECT_EQ(0u, version.out.find("tolvenar ")) << version.out;
 }
 
 }  // namespace

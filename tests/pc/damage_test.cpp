@@ -3,9 +3,9 @@
 #include <map>
 #include <set>
 
+#include "pc/storage/lifetimes.h"
 #include "pc/storage/object_data.h"
 #include "pc/storage/state_objects.h"
-#include "pc/storage/versions.h"
 #include "pc/text/failure.h"
 #include "pc/text/utf.h"
 #include "tests/pc/pc_test.h"

@@ -1,6 +1,4 @@
 // Finding and opening the files of a storage.
-#include <sys/stat.h>
-
 #include "tests/pc/pc_test.h"
 
 namespace tolvenar::pc {
@@ -81,6 +79,26 @@ TEST_F(OpenTest, AStorageOfNoBackupHasNoStates) {
     EXPECT_EQ(1, Run({"ls", In("New")}).code);
 }
 
+// On Windows, too, where bytes are of the system's own code page.
+TEST_F(OpenTest, NamesMayHaveAnyLetters) {
+    const auto rename = [this](const char* from, const char* to) {
+        std::filesystem::rename(In(from), std::filesystem::u8path(In(to)));
+    };
+    pair.BeginState();
+    pair.AddFile(u"\\\u017Durn\u00E1l \u4E2D.txt", "letters", 0x40);
+    Save();
+    rename("Home.sav", "Z\u00FCrich \u0416.sav");
+    rename("Home.jrn", "Z\u00FCrich \u0416.jrn");
+    const std::string home = In("Z\u00FCrich \u0416");
+    EXPECT_EQ(0, Run({"verify", home}).code);
+    EXPECT_EQ(0, Run({"extract", home, "-o", In("\u00E9t\u00E9")}).code);
+    const auto file = std::filesystem::u8path(In("\u00E9t\u00E9/\u017Durn\u00E1l \u4E2D.txt"));
+    EXPECT_EQ(7u, std::filesystem::file_size(file));
+    EXPECT_EQ(0, Run({"export", home, "reg", "-o", In("\u00E9t\u00E9/\u0416.reg")}).code);
+    EXPECT_EQ(0, Run({"trim", home, "--keep-last", "1", "-o", In("\u00E9t\u00E9/\u0416")}).code);
+    EXPECT_EQ(0, Run({"verify", In("\u00E9t\u00E9/\u0416.sav")}).code);
+}
+
 TEST_F(OpenTest, WhatIsNoStorageIsToldFromWhatIsNotThere) {
     Write("letter.sav", "Dear Ann");
     Write("letter.jrn", "");
@@ -100,12 +118,13 @@ TEST_F(OpenTest, AnotherFamilyOrANewerRevisionIsNoStorage) {
 }
 
 TEST_F(OpenTest, NothingIsWrittenToTheStorageOrItsFolder) {
-    ::chmod(In("Home.sav").c_str(), 0444);
-    ::chmod(In("").c_str(), 0555);
+    std::filesystem::permissions(In("Home.sav"), std::filesystem::perms(0444));
+    std::filesystem::permissions(In(""), std::filesystem::perms(0555));
     for (const char* command : {"info", "ls", "verify"}) {
         EXPECT_EQ(0, Run({command, "HOME"}).code) << command;
     }
-    ::chmod(In("").c_str(), 0755);
+    std::filesystem::permissions(In(""), std::filesystem::perms(0755));
+    std::filesystem::permissions(In("Home.sav"), std::filesystem::perms(0644));
     EXPECT_EQ(pair.sav, Read("Home.sav"));
     EXPECT_EQ(pair.JournalBytes(), Read("Home.jrn"));
 }

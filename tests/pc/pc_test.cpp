@@ -9,7 +9,11 @@
 namespace tolvenar::pc {
 
 PcTest::PcTest() {
+#ifdef _WIN32
+    ::_putenv_s("TZ", "UTC0");
+#else
     ::setenv("TZ", "UTC0", 1);
+#endif
     pair.time = kTime;
 }
 

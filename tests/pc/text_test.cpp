@@ -43,33 +43,6 @@ TEST(Utf, NothingOfANameReachesATerminalAsAControl) {
     EXPECT_EQ("a<U+001B>[2Jb<U+000A><U+009B><U+202E>", Printable(u"a\x1b[2Jb\n\u009b\u202e"));
 }
 
-TEST(FileTimes, AreToldInUtcAndLocalTime) {
-    ::setenv("TZ", "ABC-2", 1);
-    ::tzset();
-    const FileTime time{0x01DD7583957AC700};
-    EXPECT_EQ("2026-11-16T04:33:10Z", UtcText(time));
-    EXPECT_EQ("2026-11-16 06:33:10", LocalText(time));
-    EXPECT_EQ("-", LocalText({}));
-    EXPECT_EQ(1794803590, ToUnix(time).seconds);
-    EXPECT_EQ(100u, ToUnix({time.ticks + 1}).nanoseconds);
-    // The latest that there is.
-    EXPECT_EQ("60056-05-28T05:36:10Z", UtcText({0xFFFFFFFFFFFFFFFF}));
-    ::setenv("TZ", "UTC0", 1);
-    ::tzset();
-}
-
-TEST(FileTimes, AreTakenToTheEndOfWhatIsSaid) {
-    ::setenv("TZ", "UTC0", 1);
-    ::tzset();
-    EXPECT_EQ("2026-11-16T23:59:59Z", UtcText(*ParseLocalTime("2026-11-16")));
-    EXPECT_EQ("2026-11-16T04:33:59Z", UtcText(*ParseLocalTime("2026-11-16 04:33")));
-    EXPECT_EQ("2026-11-16T04:33:10Z", UtcText(*ParseLocalTime("2026-11-16T04:33:10")));
-    for (const char* text : {"", "x", "2026-02-30", "2026-11", "2026-11-16x", "2026-11-16 04",
-                             "2026-11-16 04:33:10 ", "2026-13-01", "0000-01-01"}) {
-        EXPECT_FALSE(ParseLocalTime(text)) << text;
-    }
-}
-
 TEST(CodePage, HasBytesOfItsOwn) {
     EXPECT_EQ("a\xE9\x80\x9F", ToCodePage(u"a\u00E9\u20AC\u0178"));
     EXPECT_TRUE(FitsCodePage(u"a\u00E9\u20AC\u0178"));

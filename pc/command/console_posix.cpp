@@ -1,7 +1,7 @@
-#include "pc/command/console.h"
-
 #include <cerrno>
 #include <unistd.h>
+
+#include "pc/command/console.h"
 
 namespace tolvenar::pc {
 namespace {

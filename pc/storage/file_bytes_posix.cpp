@@ -1,11 +1,10 @@
-#include "pc/storage/file_bytes.h"
-
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "pc/storage/file_bytes.h"
 #include "pc/text/failure.h"
 
 namespace tolvenar::pc {

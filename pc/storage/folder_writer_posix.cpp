@@ -1,5 +1,3 @@
-#include "pc/storage/folder_writer.h"
-
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -9,6 +7,7 @@
 #include <system_error>
 #include <unistd.h>
 
+#include "pc/storage/folder_writer.h"
 #include "pc/text/failure.h"
 
 namespace tolvenar::pc {
@@ -41,19 +40,56 @@ bool SetTime(int file, FileTime time) {
     return ::futimens(file, times) == 0;
 }
 
+int CreatePart(int folder) {
+    constexpr int kHow = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+    const int file = ::openat(folder, kPartName, kHow, 0666);
+    if (file >= 0 || errno != EEXIST) {
+        return file;
+    }
+    // One that a run before left is nobody's.
+    ::unlinkat(folder, kPartName, 0);
+    return ::openat(folder, kPartName, kHow, 0666);
+}
+
 // Some file systems cannot refuse to replace; there a look before has to do.
 bool GiveName(int folder, const char* name) {
     if (::renameat2(folder, kPartName, folder, name, RENAME_NOREPLACE) == 0) {
         return true;
     }
+    if (errno != EINVAL) {
+        return false;
+    }
     struct stat there {};
-    return errno == EINVAL && ::fstatat(folder, name, &there, AT_SYMLINK_NOFOLLOW) != 0 &&
-           ::renameat(folder, kPartName, folder, name) == 0;
+    if (::fstatat(folder, name, &there, AT_SYMLINK_NOFOLLOW) == 0) {
+        errno = EEXIST;
+        return false;
+    }
+    return ::renameat(folder, kPartName, folder, name) == 0;
 }
 
 }  // namespace
 
-FolderWriter::FolderWriter(const std::string& root) {
+class FolderWriter::System {
+public:
+    explicit System(const std::string& root);
+    ~System();
+    System(const System&) = delete;
+    System& operator=(const System&) = delete;
+
+    std::string OpenFolder(const std::vector<std::string>& components, int& folder);
+    std::string WriteFile(const std::vector<std::string>& components, FileTime time,
+                          const std::function<bool(const Take& take)>& fill);
+
+private:
+    std::string Fill(int folder, const std::string& name, FileTime time,
+                     const std::function<bool(const Take& take)>& fill);
+
+    int root_;
+    std::vector<std::string> opened_;  // the folder that was used last
+    int opened_folder_ = -1;
+};
+
+FolderWriter::System::System(const std::string& root) {
     std::error_code error;
     std::filesystem::create_directories(root, error);
     root_ = ::open(root.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -62,7 +98,7 @@ FolderWriter::FolderWriter(const std::string& root) {
     }
 }
 
-FolderWriter::~FolderWriter() {
+FolderWriter::System::~System() {
     if (opened_folder_ >= 0) {
         ::close(opened_folder_);
     }
@@ -70,7 +106,8 @@ FolderWriter::~FolderWriter() {
 }
 
 // `folder` stays this object's.
-std::string FolderWriter::OpenFolder(const std::vector<std::string>& components, int& folder) {
+std::string FolderWriter::System::OpenFolder(const std::vector<std::string>& components,
+                                             int& folder) {
     if (components.empty()) {
         folder = root_;
         return {};
@@ -100,21 +137,13 @@ std::string FolderWriter::OpenFolder(const std::vector<std::string>& components,
     return {};
 }
 
-std::string FolderWriter::MakeFolder(const std::vector<std::string>& components) {
-    int folder = -1;
-    return OpenFolder(components, folder);
-}
-
-std::string FolderWriter::WriteFile(const std::vector<std::string>& components, FileTime time,
-                                    const std::function<bool(const Take& take)>& fill) {
+std::string FolderWriter::System::WriteFile(const std::vector<std::string>& components,
+                                            FileTime time,
+                                            const std::function<bool(const Take& take)>& fill) {
     int folder = -1;
     std::string reason = OpenFolder({components.begin(), components.end() - 1}, folder);
     if (!reason.empty()) {
         return reason;
-    }
-    struct stat there {};
-    if (::fstatat(folder, components.back().c_str(), &there, AT_SYMLINK_NOFOLLOW) == 0) {
-        return "something of this name is there already";
     }
     reason = Fill(folder, components.back(), time, fill);
     if (!reason.empty()) {
@@ -123,12 +152,9 @@ std::string FolderWriter::WriteFile(const std::vector<std::string>& components, 
     return reason;
 }
 
-std::string FolderWriter::Fill(int folder, const std::string& name, FileTime time,
-                               const std::function<bool(const Take& take)>& fill) {
-    // One that a run before left is nobody's.
-    ::unlinkat(folder, kPartName, 0);
-    const int file =
-        ::openat(folder, kPartName, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
+std::string FolderWriter::System::Fill(int folder, const std::string& name, FileTime time,
+                                       const std::function<bool(const Take& take)>& fill) {
+    const int file = CreatePart(folder);
     if (file < 0) {
         return Reason();
     }
@@ -147,7 +173,24 @@ std::string FolderWriter::Fill(int folder, const std::string& name, FileTime tim
     if (!is_filled || !reason.empty()) {
         return reason.empty() ? "its contents cannot be read" : reason;
     }
-    return GiveName(folder, name.c_str()) ? std::string() : Reason();
+    if (GiveName(folder, name.c_str())) {
+        return {};
+    }
+    return errno == EEXIST ? "something of this name is there already" : Reason();
+}
+
+FolderWriter::FolderWriter(const std::string& root) : system_(std::make_unique<System>(root)) {}
+
+FolderWriter::~FolderWriter() = default;
+
+std::string FolderWriter::MakeFolder(const std::vector<std::string>& components) {
+    int folder = -1;
+    return system_->OpenFolder(components, folder);
+}
+
+std::string FolderWriter::WriteFile(const std::vector<std::string>& components, FileTime time,
+                                    const std::function<bool(const Take& take)>& fill) {
+    return system_->WriteFile(components, time, fill);
 }
 
 }  // namespace tolvenar::pc
