@@ -37,10 +37,10 @@ void WriteOut(const std::string& bytes, const std::string& file, Console& consol
         return;
     }
     const InterruptWatch watch;
-    const std::filesystem::path path(file);
-    FolderWriter writer(path.has_parent_path() ? path.parent_path().string() : ".");
+    const std::filesystem::path path = std::filesystem::u8path(file);
+    FolderWriter writer(path.has_parent_path() ? path.parent_path().u8string() : ".");
     const std::string failure =
-        writer.WriteFile({path.filename().string()}, {},
+        writer.WriteFile({path.filename().u8string()}, {},
                          [&bytes](const FolderWriter::Take& take) { return take(bytes); });
     if (!failure.empty()) {
         throw Failure(ExitCode::kCannot, file + ": " + failure);
