@@ -63,12 +63,12 @@ const Form& FindForm(const std::string& name) {
 // `write` may end in a Failure; then the file is not there.
 void WriteFile(const std::string& file, const std::function<void(const Take& take)>& write) {
     const InterruptWatch watch;
-    const std::filesystem::path path(file);
-    FolderWriter writer(path.has_parent_path() ? path.parent_path().string() : ".");
+    const std::filesystem::path path = std::filesystem::u8path(file);
+    FolderWriter writer(path.has_parent_path() ? path.parent_path().u8string() : ".");
     std::exception_ptr thrown;
     bool is_taken = true;
     const std::string failure =
-        writer.WriteFile({path.filename().string()}, {}, [&](const Take& take) {
+        writer.WriteFile({path.filename().u8string()}, {}, [&](const Take& take) {
             try {
                 write([&](std::string_view bytes) { return is_taken = take(bytes); });
             } catch (...) {

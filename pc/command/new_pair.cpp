@@ -47,28 +47,28 @@ bool CopyPieces(StorageReader& reader, const PairPlan& plan, ProgressLine& progr
 void WritePair(StorageReader& reader, const PairPlan& plan, const fs::path& stem, const char* what,
                Console& console) {
     const InterruptWatch watch;
-    FolderWriter folder(stem.has_parent_path() ? stem.parent_path().string() : ".");
+    FolderWriter folder(stem.has_parent_path() ? stem.parent_path().u8string() : ".");
     ProgressLine progress(console, what, plan.storage_bytes);
-    const std::string name = stem.filename().string();
+    const std::string name = stem.filename().u8string();
     std::string failure = folder.WriteFile({name + ".sav"}, {}, [&](const auto& take) {
         return CopyPieces(reader, plan, progress, take);
     });
     if (!failure.empty()) {
-        throw Failure(ExitCode::kCannot, stem.string() + ".sav: " + failure);
+        throw Failure(ExitCode::kCannot, stem.u8string() + ".sav: " + failure);
     }
     failure = folder.WriteFile({name + ".jrn"}, {}, [&](const auto& take) {
         return take({reinterpret_cast<const char*>(plan.journal.data()),
                      plan.journal.size() * sizeof(ObjectRecord)});
     });
     if (!failure.empty()) {
-        fs::remove(stem.string() + ".sav");
-        throw Failure(ExitCode::kCannot, stem.string() + ".jrn: " + failure);
+        fs::remove(fs::u8path(stem.u8string() + ".sav"));
+        throw Failure(ExitCode::kCannot, stem.u8string() + ".jrn: " + failure);
     }
 }
 
 void RemovePair(const fs::path& stem) {
-    fs::remove(stem.string() + ".jrn");
-    fs::remove(stem.string() + ".sav");
+    fs::remove(fs::u8path(stem.u8string() + ".jrn"));
+    fs::remove(fs::u8path(stem.u8string() + ".sav"));
 }
 
 }  // namespace tolvenar::pc

@@ -127,9 +127,9 @@ ExitCode RunSalvage(const Options& options, Console& console) {
     SalvageSource source(FindPair(options.storage));
     const Salvage salvage = PlanSalvage(source);
     if (!options.dry_run) {
-        const fs::path stem = StemOf(options.file);
+        const fs::path stem = fs::u8path(StemOf(options.file));
         WritePair(source.reader, salvage.plan, stem, "salvage", console);
-        StoredPair made(FindPair(stem.string() + ".sav"));
+        StoredPair made(FindPair(stem.u8string() + ".sav"));
         if (!IsSalvageOf(made, salvage.plan)) {
             RemovePair(stem);
             throw Failure(ExitCode::kCannot,

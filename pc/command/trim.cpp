@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 
 // Nobody should find out on a device that a new pair is wrong.
 void Prove(StoredPair& pair, const std::vector<State>& kept, const fs::path& stem) {
-    StoredPair trimmed(FindPair(stem.string() + ".sav"));
+    StoredPair trimmed(FindPair(stem.u8string() + ".sav"));
     if (!IsTrimOf(trimmed, pair, kept)) {
         RemovePair(stem);
         throw Failure(ExitCode::kCannot,
@@ -59,7 +59,7 @@ ExitCode RunTrim(const Options& options, Console& console) {
     const std::vector<State> kept = ChooseStates(*pair, options.keep);
     const PairPlan plan = PlanTrim(*pair, kept);
     if (!options.dry_run) {
-        const fs::path stem = StemOf(options.file);
+        const fs::path stem = fs::u8path(StemOf(options.file));
         WritePair(pair->reader(), plan, stem, "trim", console);
         Prove(*pair, kept, stem);
     }

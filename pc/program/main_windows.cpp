@@ -1,6 +1,9 @@
 // The program's entry on Windows: the command line is taken in units, which any file name survives.
-#include <shellapi.h>
+// The second header wants the first.
+// clang-format off
 #include <windows.h>
+#include <shellapi.h>
+// clang-format on
 
 #include "pc/program/more_commands.h"
 #include "pc/text/utf.h"

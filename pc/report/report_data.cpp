@@ -87,7 +87,7 @@ std::vector<Loss> LossesIn(const Judgement& judgement) {
 }  // namespace
 
 ReportData GatherReport(StoredPair& pair, Console& console) {
-    const StorageTotals totals = CountTotals(pair);
+    const StorageTotals& totals = pair.totals();
     const Judgement judgement = Judge(pair, true, "report", console);
     ReportData data;
     data.states = StatesIn(pair, totals, judgement);

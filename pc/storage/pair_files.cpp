@@ -17,7 +17,7 @@ constexpr const char* kTemporary = ".jrn_1";
 
 bool IsFile(const std::string& path) {
     std::error_code error;
-    return fs::is_regular_file(path, error);
+    return fs::is_regular_file(fs::u8path(path), error);
 }
 
 // The path of a file that is there: as it stands, or but for the case of its name. Empty for none.
@@ -25,14 +25,14 @@ std::string FindFile(const std::string& path) {
     if (IsFile(path)) {
         return path;
     }
-    const fs::path wanted(path);
+    const fs::path wanted = fs::u8path(path);
     const fs::path folder = wanted.has_parent_path() ? wanted.parent_path() : fs::path(".");
     std::error_code error;
     for (const fs::directory_entry& entry : fs::directory_iterator(folder, error)) {
         const fs::path name = entry.path().filename();
-        const std::string found = (wanted.parent_path() / name).string();
-        const std::string wanted_name = wanted.filename().string();
-        if (::strcasecmp(name.string().c_str(), wanted_name.c_str()) == 0 && IsFile(found)) {
+        const std::string found = (wanted.parent_path() / name).u8string();
+        const std::string wanted_name = wanted.filename().u8string();
+        if (::strcasecmp(name.u8string().c_str(), wanted_name.c_str()) == 0 && IsFile(found)) {
             return found;
         }
     }
@@ -41,9 +41,9 @@ std::string FindFile(const std::string& path) {
 
 // As the device makes it of the stem.
 std::string CutAtFirstDot(const std::string& stem) {
-    const fs::path path(stem);
-    const std::string name = path.filename().string();
-    return (path.parent_path() / name.substr(0, name.find('.'))).string();
+    const fs::path path = fs::u8path(stem);
+    const std::string name = path.filename().u8string();
+    return (path.parent_path() / fs::u8path(name.substr(0, name.find('.')))).u8string();
 }
 
 }  // namespace

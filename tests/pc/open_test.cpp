@@ -81,22 +81,24 @@ TEST_F(OpenTest, AStorageOfNoBackupHasNoStates) {
 
 // On Windows, too, where bytes are of the system's own code page.
 TEST_F(OpenTest, NamesMayHaveAnyLetters) {
-    const auto rename = [this](const char* from, const char* to) {
-        std::filesystem::rename(In(from), std::filesystem::u8path(In(to)));
+    const std::string folder = In("");
+    const auto rename = [&](const char* from, const char* to) {
+        std::filesystem::rename(In(from), std::filesystem::u8path(folder + to));
     };
     pair.BeginState();
     pair.AddFile(u"\\\u017Durn\u00E1l \u4E2D.txt", "letters", 0x40);
     Save();
     rename("Home.sav", "Z\u00FCrich \u0416.sav");
     rename("Home.jrn", "Z\u00FCrich \u0416.jrn");
-    const std::string home = In("Z\u00FCrich \u0416");
+    const std::string home = folder + "Z\u00FCrich \u0416";
     EXPECT_EQ(0, Run({"verify", home}).code);
-    EXPECT_EQ(0, Run({"extract", home, "-o", In("\u00E9t\u00E9")}).code);
-    const auto file = std::filesystem::u8path(In("\u00E9t\u00E9/\u017Durn\u00E1l \u4E2D.txt"));
+    EXPECT_EQ(0, Run({"extract", home, "-o", folder + "\u00E9t\u00E9"}).code);
+    const auto file = std::filesystem::u8path(folder + "\u00E9t\u00E9/\u017Durn\u00E1l \u4E2D.txt");
     EXPECT_EQ(7u, std::filesystem::file_size(file));
-    EXPECT_EQ(0, Run({"export", home, "reg", "-o", In("\u00E9t\u00E9/\u0416.reg")}).code);
-    EXPECT_EQ(0, Run({"trim", home, "--keep-last", "1", "-o", In("\u00E9t\u00E9/\u0416")}).code);
-    EXPECT_EQ(0, Run({"verify", In("\u00E9t\u00E9/\u0416.sav")}).code);
+    EXPECT_EQ(0, Run({"export", home, "reg", "-o", folder + "\u00E9t\u00E9/\u0416.reg"}).code);
+    EXPECT_EQ(0,
+              Run({"trim", home, "--keep-last", "1", "-o", folder + "\u00E9t\u00E9/\u0416"}).code);
+    EXPECT_EQ(0, Run({"verify", folder + "\u00E9t\u00E9/\u0416.sav"}).code);
 }
 
 TEST_F(OpenTest, WhatIsNoStorageIsToldFromWhatIsNotThere) {
