@@ -80,10 +80,10 @@ void ThrowIfInterrupted() {
 }
 
 void WriteFile(const std::string& file, StoredPair& pair, const ReportData& data) {
-    const std::filesystem::path path(file);
-    FolderWriter writer(path.has_parent_path() ? path.parent_path().string() : ".");
+    const std::filesystem::path path = std::filesystem::u8path(file);
+    FolderWriter writer(path.has_parent_path() ? path.parent_path().u8string() : ".");
     const std::string failure =
-        writer.WriteFile({path.filename().string()}, {}, [&](const FolderWriter::Take& take) {
+        writer.WriteFile({path.filename().u8string()}, {}, [&](const FolderWriter::Take& take) {
             FileOutput out(take);
             WriteReport(out, pair, data);
             return out.Finish();

@@ -43,7 +43,7 @@ std::string LinkTo(const std::string& prefix, std::uint16_t state, const std::st
 }  // namespace
 
 std::u16string NameOf(const StoredPair& pair) {
-    return ToUtf16(std::filesystem::path(pair.files().sav).filename().string());
+    return ToUtf16(std::filesystem::u8path(pair.files().sav).filename().u8string());
 }
 
 void WriteHead(Output& out, const StoredPair& pair, const ReportData& data) {

@@ -5,6 +5,7 @@
 
 #include "pc/mount/mounted_tree.h"
 #include "pc/serve/site.h"
+#include "pc/storage/lifetimes.h"
 #include "pc/storage/state_objects.h"
 #include "pc/storage/versions.h"
 #include "pc/text/failure.h"
