@@ -78,3 +78,14 @@ foreach(folder IN LISTS test_folders)
   add_suites(${name} COMMAND ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:${name}> SOURCES ${sources}
     PROPERTIES TIMEOUT 900)
 endforeach()
+
+# What the program does as a whole, on the other named devices too (docs/testing.md).
+file(GLOB e2e_sources CONFIGURE_DEPENDS tests/e2e/*_test.cpp)
+list(FILTER e2e_sources EXCLUDE REGEX "/resource")
+foreach(name strict-2.11 strict-4)
+  add_test(NAME ${name}.story COMMAND ${CMAKE_SOURCE_DIR}/tools/try_devices ${CMAKE_SOURCE_DIR}/scripts/cedev
+    ${CMAKE_RUNTIME_OUTPUT_DIRECTORY} ${name})
+  set_tests_properties(${name}.story PROPERTIES TIMEOUT 900 ENVIRONMENT DISPLAY=)
+  add_suites(${name} COMMAND ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:e2e_test> SOURCES ${e2e_sources}
+    ENVIRONMENT TOLVENAR_TEST_LIKE=${name} PROPERTIES TIMEOUT 900)
+endforeach()

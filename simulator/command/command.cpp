@@ -57,7 +57,7 @@ const CommandRows& Commands() {
         {"reg-unlock", 1, 1, RunRegUnlock, "KEY"},
 
         {"set", 2, 2, RunSet, "NAME VALUE"},
-        {"like", 1, 1, RunLike, "kind|strict-2.11|strict-4"},
+        {"like", 1, 1, RunLike, "kind|strict-2.11|strict-4|random-N"},
         {"show", 0, 0, RunShow, ""},
 
         {"window", 1, kManyWords, RunWindow, "list|text|press|tap|key|select|tree|close|stub ..."},

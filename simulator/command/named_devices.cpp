@@ -1,5 +1,8 @@
 #include "simulator/command/named_devices.h"
 
+#include <cstdlib>
+#include <random>
+
 #include "simulator/command/apply_setting.h"
 #include "simulator/command/command_row.h"
 
@@ -75,6 +78,27 @@ void Apply(Device& device, const Choice (&choices)[count]) {
     }
 }
 
+constexpr char kRandom[] = "random-";
+
+// Each choice of both, or what the kind device does.
+void ApplyRandom(Device& device, const std::string& number) {
+    char* end = nullptr;
+    const unsigned long seed = std::strtoul(number.c_str(), &end, 10);
+    if (number.empty() || *end != '\0') {
+        throw CommandError("random- and a number: " + number);
+    }
+    std::mt19937 random(static_cast<std::mt19937::result_type>(seed));
+    const auto apply_some = [&](const auto& choices) {
+        for (const Choice& choice : choices) {
+            if (random() % 2 == 0) {
+                ApplySetting(device, choice.setting, choice.value);
+            }
+        }
+    };
+    apply_some(kStrict211);
+    apply_some(kStrict4);
+}
+
 }  // namespace
 
 void ApplyNamedDevice(Device& device, const std::string& name) {
@@ -82,6 +106,8 @@ void ApplyNamedDevice(Device& device, const std::string& name) {
         Apply(device, kStrict211);
     } else if (name == "strict-4") {
         Apply(device, kStrict4);
+    } else if (name.compare(0, sizeof kRandom - 1, kRandom) == 0) {
+        ApplyRandom(device, name.substr(sizeof kRandom - 1));
     } else if (name != "kind") {
         throw CommandError("no device of this name: " + name);
     }

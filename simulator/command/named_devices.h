@@ -8,8 +8,9 @@
 
 namespace sim {
 
-// Makes the settings of a named device; the others stay. Throws CommandError when there is none of
-// that name.
+// Makes the settings of a named device; the others stay. "random-" and a number names one that does
+// of each choice what one of the named ones does, the same for a number each time. Throws
+// CommandError when there is none of that name.
 void ApplyNamedDevice(Device& device, const std::string& name);
 
 }  // namespace sim

@@ -1,9 +1,12 @@
 #include "simulator/files/card_absence.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <sstream>
 #include <stdexcept>
 #include <windows.h>
+
+#include "simulator/system/settings.h"
 
 namespace sim::files {
 namespace {
@@ -25,6 +28,9 @@ bool Read(const std::string& value, CardReady& ready) {
 CardReady ReadyOf(Device& device) {
     CardReady ready;
     Read(device.Setting("card.ready", ""), ready);
+    // Programs sleep so much shorter meanwhile.
+    const std::int64_t scale = SettingNumber(device, "sleep.scale");
+    ready.ms /= static_cast<std::uint64_t>(std::max<std::int64_t>(scale, 1));
     return ready;
 }
 

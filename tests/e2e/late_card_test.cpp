@@ -78,7 +78,7 @@ TEST_F(LateCardStory, ABackupForALowBatteryWaitsForTheCard) {
 
 TEST_F(LateCardStory, ACardThatDoesNotComeIsGivenUpAfterFifteenSeconds) {
     device().Set("sleep.scale", "500");  // the prompt's seconds as well
-    Resume("60000 3");
+    Resume("3600000 3");
     Ask("counters clear");
     EXPECT_EQ(1, Run("TolvenarRunAtTime"));
     EXPECT_EQ(30, Counted("Sleep"));

@@ -9,6 +9,10 @@ inline const std::string kAgentPath = "kestrin_tolvenar_agent.exe";
 
 class LaunchFixture : public UiTest {
 protected:
+    void SetUp() override {
+        UiTest::SetUp();
+        device().HasNotifications();
+    }
     void SetDailyTime(unsigned hour, unsigned minute) {
         SetDword("WakeUpTime", minute << 16 | hour);
     }

@@ -13,6 +13,8 @@ protected:
         LaunchFixture::SetUp();
         device().Set("zone", "CET-1CEST,M3.5.0/2,M10.5.0/3");
         device().Set("sleep.scale", "500");
+        // The starts are counted: none comes twice.
+        device().Set("notification.early", "0");
     }
     // Registers the notifications of these settings; the device then rests.
     void Arm(const std::string& time, unsigned on_time, unsigned on_battery) {

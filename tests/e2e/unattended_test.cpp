@@ -192,6 +192,7 @@ TEST_F(UnattendedTest, TooLittleMemoryStartsNoBackup) {
 
 TEST_F(UnattendedTest, TheScheduleIsAsItWasAfterwards) {
     constexpr unsigned kHalfPastNine = 30 << 16 | 21;
+    device().HasNotifications();
     SetDword("onTime", 1);
     SetDword("WakeUpTime", kHalfPastNine);
     BackUp();

@@ -5,7 +5,6 @@
 #include "simulator/databases/database_store.h"
 #include "simulator/files/files.h"
 #include "simulator/host/host_files.h"
-#include "simulator/store/utf8.h"
 #include "snapshot/compare/states.h"
 #include "snapshot/records/checksum.h"
 #include "storage/opened/journal.h"
@@ -270,7 +269,7 @@ TEST_P(ResetDeviceOperationsTest, EverythingComesBack) {
     ASSERT_EQ(ResultCode::kSuccess, Backup());
     const std::wstring empty = folder() + L"\\empty";
     sim::host::MakeFolder(empty);
-    device().Command("create \"" + sim::Utf8(empty) + "\"");
+    device().Create(empty);
     const int next = GetParam() > 0 ? GetParam() : static_cast<int>(first) + GetParam();
     device().Set("oid.next", std::to_string(next));
 

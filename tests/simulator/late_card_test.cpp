@@ -87,6 +87,14 @@ TEST_F(LateCardTest, ItComesBackByItself) {
     EXPECT_SOON_EQ(0, AttributesError(kFile));
 }
 
+TEST_F(LateCardTest, WhereSleepsAreShorterItComesEarlier) {
+    device().Set("card.ready", "3600000 55");
+    device().Set("sleep.scale", "36000");
+    device().Command("resume");
+    EXPECT_EQ(ERROR_DEV_NOT_EXIST, AttributesError(kFile));
+    EXPECT_SOON_EQ(0, AttributesError(kFile));
+}
+
 // Whether what it starts can be started or not.
 TEST_F(LateCardTest, ANotificationWakesTheDevice) {
     device().Set("card.ready", "60000 55");

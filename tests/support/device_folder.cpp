@@ -5,7 +5,6 @@
 #include "simulator/gate/rules.h"
 #include "simulator/host/attach.h"
 #include "simulator/host/host_files.h"
-#include "simulator/store/utf8.h"
 
 namespace tests {
 namespace {
@@ -68,7 +67,7 @@ void StepClock(TestDevice& device) {
 void ResetDevice(TestDevice& device) {
     const std::wstring empty = device.sim().folder() + L"\\empty";
     sim::host::MakeFolder(empty);
-    device.Command("create \"" + sim::Utf8(empty) + "\"");
+    device.Create(empty);
     device.DropFaults();
 }
 

@@ -1,5 +1,6 @@
 #include "tests/support/device_test.h"
 
+#include <cstdlib>
 #include <stdexcept>
 #include <utility>
 
@@ -10,6 +11,8 @@
 #include "simulator/host/attach.h"
 #include "simulator/host/host_files.h"
 #include "simulator/processes/processes.h"
+#include "simulator/store/utf8.h"
+#include "simulator/system/settings.h"
 #include "storage/log/operation_log.h"
 
 namespace tests {
@@ -120,6 +123,23 @@ std::string TestDevice::Traced(const std::string& function, const std::function<
     return calls;
 }
 
+void TestDevice::Create(const std::wstring& profile) {
+    Command("create \"" + sim::Utf8(profile) + "\"");
+    BeAsChosen();
+}
+
+void TestDevice::HasNotifications() {
+    if (sim::SettingText(device_, "os.version") == "2.11") {
+        Set("os.version", "2.12");
+    }
+}
+
+void TestDevice::BeAsChosen() {
+    if (const char* name = std::getenv("TOLVENAR_TEST_LIKE")) {
+        Command(std::string("like ") + name);
+    }
+}
+
 std::string TestDevice::Command(const std::string& line) {
     const sim::CommandResult result = sim::RunCommand(device_, sim::SplitWords(line));
     if (!result.ok) {
@@ -130,6 +150,7 @@ std::string TestDevice::Command(const std::string& line) {
 
 DeviceTest::DeviceTest() : folder_(NewDeviceFolder()), device_(AttachTo(folder_)) {
     tolvenar::InstallOperationLog();
+    device_.BeAsChosen();
 }
 
 DeviceTest::~DeviceTest() {

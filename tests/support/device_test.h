@@ -69,6 +69,13 @@ public:
     // One command as `cedev` takes it; its JSON. Throws when it fails.
     std::string Command(const std::string& line);
 
+    // The device of a profile; as "create", but that it stays what kind of device it is.
+    void Create(const std::wstring& profile);
+    // A system that lacks the notification calls becomes the first that has them.
+    void HasNotifications();
+    // TOLVENAR_TEST_LIKE names a device whose settings each device of a test begins with.
+    void BeAsChosen();
+
 private:
     sim::Device& device_;
 };
