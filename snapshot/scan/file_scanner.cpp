@@ -6,6 +6,7 @@
 
 #include "platform/file_entry.h"
 #include "platform/file_mapping.h"
+#include "platform/keep_awake.h"
 #include "platform/text.h"
 #include "snapshot/records/checksum.h"
 #include "snapshot/text/text_buffer.h"
@@ -57,6 +58,7 @@ private:
         if (entry_.cFileName[0] == L'.') {
             return;
         }
+        StayAwakeBetweenObjects();
         maker_(scan_, path_, entry_);
         if (!IsFolder(entry_) || IsMountedCard(entry_)) {
             return;
