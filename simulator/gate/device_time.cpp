@@ -47,9 +47,8 @@ constexpr Call kSlowCalls[] = {
 
 // A test's own process makes these within commands, and no device sleeps then.
 constexpr Call kTimelessCalls[] = {
-    Call::HeapAlloc,  Call::HeapFree,   Call::HeapReAlloc,  Call::HeapSize,
-    Call::LocalAlloc, Call::LocalFree,  Call::LocalReAlloc, Call::LocalSize,
-    Call::GetLastError, Call::SetLastError,
+    Call::HeapAlloc, Call::HeapFree,     Call::HeapReAlloc, Call::HeapSize,     Call::LocalAlloc,
+    Call::LocalFree, Call::LocalReAlloc, Call::LocalSize,   Call::GetLastError, Call::SetLastError,
 };
 
 enum class Kind : unsigned char { kQuick, kSlow, kTimeless };
