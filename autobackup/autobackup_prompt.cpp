@@ -1,6 +1,7 @@
 #include "autobackup/autobackup_prompt.h"
 
 #include "platform/dialog.h"
+#include "platform/keep_awake.h"
 #include "platform/layout.h"
 #include "res/resource.h"
 
@@ -53,6 +54,7 @@ private:
         if (timer_id != kCountdownTimer) {
             return TRUE;
         }
+        StayAwake();
         if (--count_ <= 0) {
             Answer(PromptAnswer::kGoOn);
         } else {

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "platform/keep_awake.h"
+
 namespace tolvenar {
 namespace {
 
@@ -77,6 +79,7 @@ BatteryCheckResult CheckBatteryForBackup(PowerStatus& power) {
     // Mains power that comes back during the wait is not looked for; a read that fails leaves the
     // status unknown.
     for (int i = 0; i < kRereads && status.BatteryFlag == kUnknownBattery; ++i) {
+        KeepAwake();
         ::Sleep(kRereadDelayMs);
         power.Read(status);
     }

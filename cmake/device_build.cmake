@@ -14,6 +14,8 @@ function(link_device_program name)
   target_link_options(${name} PRIVATE -Wl,-e,_SimulatedLoaderStart -s)
 endfunction()
 include(cmake/program.cmake)
+# A thread of a device has 64 KB of stack, which the deepest paths of names need.
+target_compile_options(program_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-Wframe-larger-than=4096>)
 
 ce_import_library(coredll coredll.dll CALLS ${P}/coredll.def PLAIN ${P}/coredll_crt.def)
 ce_import_library(coredll_calls coredll.dll CALLS ${P}/coredll.def)  # beside a C run time

@@ -2,6 +2,7 @@
 
 #include "platform/win32.h"
 
+#include "platform/keep_awake.h"
 #include "platform/text.h"
 
 namespace tolvenar {
@@ -23,6 +24,7 @@ void WaitForStorageFolder(const char16_t* path) {
         return;
     }
     for (int i = 0; i < kTries && !IsFolder(location.folder); ++i) {
+        StayAwake();
         ::Sleep(kTryMs);
     }
 }

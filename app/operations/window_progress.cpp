@@ -1,5 +1,6 @@
 #include "app/operations/window_progress.h"
 
+#include "platform/keep_awake.h"
 #include "platform/text.h"
 #include "platform/waiting.h"
 
@@ -9,12 +10,6 @@ namespace {
 // The item bar moves at most about this often, whatever the number of items: each move is a message
 // to a window of another thread.
 constexpr std::size_t kMaxMoves = 32;
-
-// A device suspends when no key is pressed for a while, also in the middle of a long operation.
-void KeepAwake() {
-    ::keybd_event(VK_SHIFT, 0, KEYEVENTF_SILENT, 0);
-    ::keybd_event(VK_SHIFT, 0, KEYEVENTF_SILENT | KEYEVENTF_KEYUP, 0);
-}
 
 void Send(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam) {
     if (hwnd != nullptr) {
@@ -45,6 +40,8 @@ void WindowProgress::ProgressStep(const char16_t* text) {
             ::SetWindowTextW(windows_.step_text, Wide(text));
         }
         Send(windows_.total_bar, PBM_STEPIT, 0, 0);
+    } else {
+        StayAwakeBetweenObjects();
     }
     if (text != nullptr || (counter_ & mask_) == 0) {
         // Another copy of the program asks whether an operation runs, also while no popup is shown.

@@ -16,8 +16,8 @@ struct ProgressWindows {
     HWND total_bar;  // phases
 };
 
-// Sends the windows what they show. Each new phase also presses a silent key, so that the device
-// does not suspend during a long operation.
+// Sends the windows what they show. Each new phase also presses a silent key, and so does a step
+// that comes long after the last press.
 class WindowProgress final : public Progress {
 public:
     // `windows` may change while this lives.

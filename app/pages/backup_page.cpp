@@ -67,8 +67,7 @@ void BackupPage::OnStorageChanged() {
 void BackupPage::ShowStorage() {
     const bool is_open = HasStorage(app_);
     is_on_card_ = !is_open || IsOnMountedCard(app_.storage.names.sav);
-    ::SetWindowTextW(Control(IDC_BACKUP_STORAGE),
-                     is_open ? Wide(app_.storage.names.sav) : kNothing);
+    storage_.Set(Control(IDC_BACKUP_STORAGE), is_open ? Wide(app_.storage.names.sav) : kNothing);
 }
 
 void BackupPage::ShowLastState() {
@@ -117,6 +116,7 @@ void BackupPage::ShowLastAutomatic() {
 
 // The controls have another size.
 void BackupPage::OnLayout() {
+    storage_.Fit();
     last_state_.Fit();
     last_automatic_.Fit();
 }

@@ -3,6 +3,7 @@
 
 #include "app/pages/page.h"
 #include "app/pages/page_layouts.h"
+#include "platform/fitting_path.h"
 #include "platform/fitting_text.h"
 #include "platform/resource_text.h"
 #include "res/resource.h"
@@ -42,6 +43,7 @@ private:
     UINT EffectText() const;
     void ShowEffect();
 
+    FittingPath storage_;
     FittingText last_state_;
     FittingText last_automatic_;
     bool is_on_card_ = true;  // of the open storage; without one a card is what is missing

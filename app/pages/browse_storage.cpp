@@ -1,5 +1,8 @@
 #include "app/pages/browse_storage.h"
 
+#include <memory>
+#include <new>
+
 #include "app/operations/messages.h"
 #include "app/operations/operation_drivers.h"
 #include "app/operations/storage_files.h"
@@ -139,17 +142,18 @@ OpenStorageResult OpenChosen(Application& app, const wchar_t* chosen, bool& is_n
         result != OpenStorageResult::kFileMissing) {
         return result;
     }
-    StorageNames names;
-    if (!IsReallyAbsent(Utf16(chosen)) || !NamesOfChosen(chosen, names)) {
+    // Too big for the stack of a device's thread.
+    const std::unique_ptr<StorageNames> names(new (std::nothrow) StorageNames{});
+    if (names == nullptr || !IsReallyAbsent(Utf16(chosen)) || !NamesOfChosen(chosen, *names)) {
         return result;
     }
     // A typed name may be the one of a storage whose journal is lost.
-    if (!IsReallyAbsent(names.sav)) {
-        OpenStorage(names.sav, app.storage, result);
+    if (!IsReallyAbsent(names->sav)) {
+        OpenStorage(names->sav, app.storage, result);
         return result;
     }
     is_new = true;
-    return CreateAndOpen(app, names);
+    return CreateAndOpen(app, *names);
 }
 
 // Takes the settings' storage for the one that was chosen. They differ where the settings refuse

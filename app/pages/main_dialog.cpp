@@ -283,6 +283,14 @@ INT_PTR MainDialog::OnCommand(WPARAM wparam, LPARAM lparam) {
     return TRUE;
 }
 
+// Some systems send it for Alt+H, too, which is the page's help already.
+INT_PTR MainDialog::OnHelp() {
+    if (::GetKeyState(VK_MENU) >= 0) {
+        ShowHelp(app_, kGeneralHelp);
+    }
+    return TRUE;
+}
+
 INT_PTR MainDialog::OnSize() {
     room_.PlaceTabs();
     if (shown_ != nullptr) {
@@ -365,7 +373,7 @@ INT_PTR MainDialog::Dispatch(UINT message, WPARAM wparam, LPARAM lparam) {
         case WM_COMMAND: return OnCommand(wparam, lparam);
         case WM_SIZE: return OnSize();
         case WM_ACTIVATE: return OnActivate(wparam, lparam);
-        case WM_HELP: ShowHelp(app_, kGeneralHelp); return TRUE;
+        case WM_HELP: return OnHelp();
         case WM_CLOSE: return OnClose();
         case WM_DESTROY: return OnDestroy();
         case WM_PAGE_SELECT: SelectPage(static_cast<int>(wparam)); return TRUE;

@@ -33,6 +33,7 @@ private:
     INT_PTR OnInit();
     INT_PTR OnNotify(LPARAM lparam);
     INT_PTR OnCommand(WPARAM wparam, LPARAM lparam);
+    INT_PTR OnHelp();
     INT_PTR OnSize();
     INT_PTR OnActivate(WPARAM wparam, LPARAM lparam);
     INT_PTR OnLookForStorage();

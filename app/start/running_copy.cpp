@@ -10,6 +10,11 @@ namespace {
 constexpr int kTries = 10;
 constexpr DWORD kTryMs = 200;
 
+// With the lowest bit set a handle stands for the window and those that it owns.
+HWND WithItsBoxes(HWND window) {
+    return reinterpret_cast<HWND>(reinterpret_cast<ULONG_PTR>(window) | 1);
+}
+
 Arbitration BringForward() {
     BringRunningCopyForward();
     return Arbitration::kHandOver;
@@ -19,7 +24,15 @@ Arbitration BringForward() {
 
 bool RunningCopyIsUp() { return ::FindWindowW(kOperationWindowClass, nullptr) != nullptr; }
 
-void BringRunningCopyForward() { ::SetForegroundWindow(::FindWindowW(kDialogClass, kProgramName)); }
+void BringRunningCopyForward() {
+    const HWND dialog = ::FindWindowW(kDialogClass, kProgramName);
+    ::SetForegroundWindow(dialog);
+    // Not every system brings another program's window forward at the first asking, and none the
+    // box above a disabled one.
+    if (dialog != nullptr && (!::IsWindowEnabled(dialog) || ::GetForegroundWindow() != dialog)) {
+        ::SetForegroundWindow(WithItsBoxes(dialog));
+    }
+}
 
 Arbitration ArbitrateWithRunningCopy(const wchar_t* launch_reason) {
     const HWND operations = ::FindWindowW(kOperationWindowClass, nullptr);

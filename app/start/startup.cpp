@@ -9,6 +9,7 @@
 #include "autobackup/autobackup_prompt.h"
 #include "autobackup/launch_check.h"
 #include "autobackup/schedule_suspension.h"
+#include "platform/keep_awake.h"
 #include "platform/processes.h"
 #include "snapshot/text/log.h"
 #include "storage/log/operation_log.h"
@@ -39,6 +40,7 @@ void SetReason(Application& app, const wchar_t* text) {
 
 // Scheduled launches alone take the mutex; `mutex` is kept for the life of the process.
 bool PassSchedule(Application& app, LaunchCheckResult launch, UniqueHandle& mutex) {
+    KeepAwake();
     SetReason(app, launch == LaunchCheckResult::kBattery ? kReasonBattery : kReasonTime);
     mutex = NamedMutex(kMutexName);
     if (::GetLastError() == ERROR_ALREADY_EXISTS) {

@@ -1,6 +1,7 @@
 #include "simulator/command/apply_setting.h"
 
 #include "simulator/files/files.h"
+#include "simulator/gate/device_time.h"
 #include "simulator/system/settings.h"
 
 namespace sim {
@@ -9,6 +10,7 @@ void ApplySetting(Device& device, const std::string& name, const std::string& va
     if (value.empty() || !files::ApplyFileSetting(device, name, value)) {
         ApplySystemSetting(device, name, value);
     }
+    TakeTimeSettings(device);
 }
 
 }  // namespace sim

@@ -28,6 +28,7 @@ const CommandRows& Commands() {
         {"unlock", 1, 1, RunUnlock, "PATH"},
         {"lose", 1, 2, RunLose, "SEED [CHANGES]"},
         {"resume", 0, 0, RunResume, ""},
+        {"suspend", 0, 0, RunSuspend, ""},
 
         {"fault", 3, 5, RunFault, "FUNCTION N [COUNT] ERROR|short [MATCH]"},
         {"delay", 3, 4, RunDelay, "FUNCTION N MS [MATCH]"},
@@ -36,6 +37,7 @@ const CommandRows& Commands() {
         {"faults", 0, 1, RunFaults, "[all|clear]"},
         {"trace", 1, 2, RunTrace, "on|off|show [FUNCTION]"},
         {"counters", 0, 1, RunCounters, "[clear]"},
+        {"pass", 1, 1, RunPass, "MS"},
 
         {"run", 1, kManyWords, RunRun, "PATH [ARGUMENTS]"},
         {"start", 1, kManyWords, RunStart, "PATH [ARGUMENTS]"},

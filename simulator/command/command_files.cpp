@@ -4,6 +4,7 @@
 #include "simulator/files/card_absence.h"
 #include "simulator/files/files.h"
 #include "simulator/files/power_loss.h"
+#include "simulator/files/suspend.h"
 
 namespace sim {
 namespace {
@@ -81,6 +82,11 @@ Json RunLose(Device& device, const Words& words) {
     const std::uint32_t moment =
         words.size() > 1 ? static_cast<std::uint32_t>(Number(words[1])) : files::kAfterAllChanges;
     return {{"changes", files::LosePower(device, seed, moment)}};
+}
+
+Json RunSuspend(Device& device, const Words&) {
+    files::Suspend(device);
+    return Done();
 }
 
 Json RunResume(Device& device, const Words&) {

@@ -4,6 +4,7 @@
 
 #include "simulator/command/command_row.h"
 #include "simulator/gate/counters.h"
+#include "simulator/gate/device_time.h"
 #include "simulator/gate/rules.h"
 #include "simulator/gate/trace.h"
 
@@ -166,6 +167,11 @@ Json RunTrace(Device& device, const Words& words) {
     return Done();
 }
 
+Json RunPass(Device& device, const Words& words) {
+    PassTime(GateOf(device), static_cast<std::uint32_t>(Number(words[0])));
+    return Done();
+}
+
 Json RunCounters(Device& device, const Words& words) {
     if (!words.empty()) {
         if (words[0] != "clear") {
@@ -188,10 +194,10 @@ Json RunCounters(Device& device, const Words& words) {
     for (const auto& [function, microseconds] : times.simulated) {
         simulator += microseconds;
     }
-    return {{"calls", TotalCalls(device)},
-            {"microseconds", times.simulated},
-            {"simulator", simulator},
-            {"waiting", times.waiting},
+    const Awake awake = AwakeOf(device);
+    return {{"calls", TotalCalls(device)},      {"longestQuiet", awake.longest_quiet_ms},
+            {"suspends", awake.suspends},       {"microseconds", times.simulated},
+            {"simulator", simulator},           {"waiting", times.waiting},
             {"processes", std::move(processes)}};
 }
 

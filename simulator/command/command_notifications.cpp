@@ -4,6 +4,7 @@
 
 #include "simulator/command/command_row.h"
 #include "simulator/files/card_absence.h"
+#include "simulator/gate/device_time.h"
 #include "simulator/notifications/notifications.h"
 #include "simulator/processes/process_handles.h"
 #include "simulator/programs/programs.h"
@@ -24,6 +25,7 @@ constexpr std::uint32_t kWaitMs = 60000;
 // be started is told with its error and holds nothing else up.
 Json StartOne(Device& device, const notifications::Start& start, std::uint32_t wait_ms) {
     files::Resume(device);
+    NoteStart(device);
     processes::Watch watch(device);
     const processes::Started started =
         processes::Start(device, Units(start.application), Units(start.arguments));

@@ -40,8 +40,9 @@ Json RunRow(const CommandRows& rows, const std::string& prefix, Device& device, 
 CommandHandler RunDbImport, RunDbExport, RunDbDelete;
 CommandHandler RunNotifications, RunFire, RunTick;
 CommandHandler RunPut, RunGet, RunMkdir, RunRm, RunMv, RunAttr, RunTouch, RunLs, RunLock, RunUnlock,
-    RunLose, RunResume;
-CommandHandler RunFault, RunDelay, RunCrash, RunCrashHalf, RunFaults, RunTrace, RunCounters;
+    RunLose, RunResume, RunSuspend;
+CommandHandler RunFault, RunDelay, RunCrash, RunCrashHalf, RunFaults, RunTrace, RunCounters,
+    RunPass;
 CommandHandler RunRun, RunStart, RunPs, RunKill;
 CommandHandler RunCreate, RunExport, RunDump, RunInstall;
 CommandHandler RunInstallCab, RunRemoveApp;

@@ -52,6 +52,7 @@ BOOL OnTransfer(Call call, HANDLE handle, Body&& body, DWORD bytes) {
         call, FALSE,
         [&] {
             const DWORD part = sim::BytesToTransfer(bytes);
+            sim::NoteTransfer(part);
             return WithFile(handle, [&](File& file) { return body(file, part); });
         },
         handle, bytes);

@@ -164,7 +164,7 @@ void WINAPI ExitThread(DWORD code) {
 // A silent press keeps the device awake and types nothing; it is counted, and so is every other.
 void WINAPI keybd_event(BYTE key, BYTE scan, DWORD flags, ULONG_PTR) {
     GatedVoid(
-        Call::keybd_event, [] {}, key, scan, flags);
+        Call::keybd_event, [] { sim::NoteKey(); }, key, scan, flags);
 }
 
 void WINAPI OutputDebugStringW(LPCWSTR text) {

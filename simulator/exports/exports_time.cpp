@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include "simulator/exports/gated.h"
+#include "simulator/files/suspend.h"
 #include "simulator/system/date_text.h"
 #include "simulator/system/host_calls.h"
 #include "simulator/system/settings.h"
@@ -77,6 +78,9 @@ BOOL Shift(const FILETIME* in, FILETIME* out, int sign) {
     return TRUE;
 }
 
+// Every program of a device has this library.
+const bool is_suspended = (sim::OnSuspend(&sim::files::Suspend), true);
+
 }  // namespace
 
 void WINAPI GetSystemTime(LPSYSTEMTIME time) {
@@ -101,6 +105,16 @@ BOOL WINAPI FileTimeToLocalFileTime(const FILETIME* utc, LPFILETIME local) {
 
 BOOL WINAPI LocalFileTimeToFileTime(const FILETIME* local, LPFILETIME utc) {
     return Gated(Call::LocalFileTimeToFileTime, FALSE, [&] { return Shift(local, utc, 1); });
+}
+
+DWORD WINAPI GetTickCount() {
+    sim::GateEntry entry(Call::GetTickCount, false);
+    entry.Decide();
+    const DWORD ticks = sim::DeviceTicks();
+    if (entry.traces()) {
+        entry.Finish(sim::Describe(ticks));
+    }
+    return ticks;
 }
 
 void WINAPI Sleep(DWORD milliseconds) {

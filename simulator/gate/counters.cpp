@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include "simulator/gate/call_time.h"
+#include "simulator/gate/device_time.h"
 
 namespace sim {
 namespace {
@@ -66,6 +67,7 @@ CallTimes TimesInCalls(Device& device) {
 
 void ClearCounters(Device& device) {
     GateFile& gate = GateOf(device);
+    ClearAwake(gate);
     for (std::size_t i = 0; i < kCallCount; ++i) {
         ::InterlockedExchange(&gate.earlier_calls[i], 0);
         ::InterlockedExchange64(&gate.ticks[i], 0);

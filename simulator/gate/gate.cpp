@@ -6,6 +6,7 @@
 #include <mutex>
 #include <windows.h>
 
+#include "simulator/gate/device_time.h"
 #include "simulator/gate/effects.h"
 #include "simulator/gate/rules.h"
 #include "simulator/gate/trace.h"
@@ -54,6 +55,7 @@ std::mutex device_lock;
 std::atomic<Attachment*> attached{nullptr};
 thread_local bool half_write = false;
 thread_local bool short_transfer = false;
+void (*suspend_device)(Device&) = nullptr;
 
 // The next call asks for the device of this process again.
 Attachment::~Attachment() { attached = nullptr; }
@@ -130,6 +132,15 @@ bool Meets(GateRule& rule, Call call, bool can_fail, const std::string& argument
     return true;
 }
 
+// A call's caller finds the last error that it had.
+void Suspend() {
+    const DWORD error = ::GetLastError();
+    if (suspend_device != nullptr) {
+        suspend_device(Device::Current());
+    }
+    ::SetLastError(error);
+}
+
 long long HostMicroseconds() {
     FILETIME now;
     ::GetSystemTimeAsFileTime(&now);
@@ -148,6 +159,9 @@ GateEntry::GateEntry(Call call, bool can_fail) : call_(call), can_fail_(can_fail
     watched_ = (here->gate->watch_all | here->gate->watch[index]) != 0;
     traces_ = here->gate->trace != 0 &&
               here->gate->untraced_thread != static_cast<long>(::GetCurrentThreadId());
+    if (NoteCall(*here->gate, call)) {
+        Suspend();
+    }
     time_.Begin(*here->gate, call);
 }
 
@@ -238,5 +252,24 @@ std::uint32_t BytesToTransfer(std::uint32_t bytes) {
 }
 
 void SetHostError(std::uint32_t error) { ::SetLastError(error); }
+
+std::uint32_t DeviceTicks() {
+    const Attachment* here = Attached();
+    return here != nullptr ? DeviceTicks(*here->gate) : ::GetTickCount();
+}
+
+void NoteTransfer(std::uint32_t bytes) {
+    if (const Attachment* here = Attached()) {
+        PassTransfer(*here->gate, bytes);
+    }
+}
+
+void NoteKey() {
+    if (const Attachment* here = Attached()) {
+        NoteKey(*here->gate);
+    }
+}
+
+void OnSuspend(void (*suspend)(Device&)) { suspend_device = suspend; }
 
 }  // namespace sim

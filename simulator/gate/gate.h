@@ -74,6 +74,13 @@ std::uint32_t BytesToTransfer(std::uint32_t bytes);
 
 void SetHostError(std::uint32_t error);
 
+// The device's own time, which a program asks for and which a transfer or a key moves on.
+std::uint32_t DeviceTicks();
+void NoteTransfer(std::uint32_t bytes);
+void NoteKey();
+// What happens to a device that goes to sleep before a call.
+void OnSuspend(void (*suspend)(Device&));
+
 // Runs `body` as the platform call `call`. A failing rule sets the last error and gives `failure`.
 template <typename Result, typename Body, typename... Arguments>
 Result Gated(Call call, Result failure, Body&& body, const Arguments&... arguments) {

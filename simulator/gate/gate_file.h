@@ -62,6 +62,16 @@ struct GateFile {
     volatile long trace_bytes;      // given out in the trace file
     volatile long untraced_thread;  // runs a command: see UntracedThread; 0: none
     volatile long processes_started;
+    // The device's own time (device_time.h): what the settings say, and where it stands.
+    volatile long call_ms;
+    volatile long bytes_per_second;
+    volatile long suspend_ms;
+    volatile long started_ms;
+    volatile long passed_ms;         // beside the host's own
+    volatile long last_key;          // 0: none yet
+    volatile long longest_quiet_ms;  // without a key
+    volatile long awake_until;
+    volatile long suspends;
     volatile long watch[kCallCount];                  // rules for each call
     volatile long earlier_calls[kCallCount];          // of processes that made room
     alignas(8) volatile long long ticks[kCallCount];  // inside each call, of all processes

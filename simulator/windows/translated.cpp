@@ -2,6 +2,9 @@
 
 #include <commctrl.h>
 #include <cwchar>
+#include <string>
+
+#include "simulator/store/device.h"
 
 namespace sim::translated {
 namespace {
@@ -15,7 +18,29 @@ bool IsDatePicker(HWND window) {
     return ::_wcsicmp(name, DATETIMEPICK_CLASSW) == 0;
 }
 
+bool IsHelpKey(const MSG& message) {
+    return message.message == WM_SYSKEYDOWN && message.wParam == 'H';
+}
+
+void AskForHelp(HWND window) {
+    const std::string how =
+        Device::HasCurrent() ? Device::Current().Setting("help.key", "") : std::string();
+    if (how == "sent") {
+        ::SendMessageW(::GetAncestor(window, GA_ROOT), WM_HELP, 0, 0);
+    } else if (how == "posted") {
+        ::PostMessageW(::GetAncestor(window, GA_ROOT), WM_HELP, 0, 0);
+    }
+}
+
 }  // namespace
+
+BOOL WINAPI GetMessageW(LPMSG message, HWND window, UINT least, UINT most) {
+    const BOOL answer = ::GetMessageW(message, window, least, most);
+    if (answer > 0 && IsHelpKey(*message)) {
+        AskForHelp(message->hwnd);
+    }
+    return answer;
+}
 
 DWORD WINAPI GetSysColor(int index) {
     return (index & kColorMark) != 0 ? ::GetSysColor(index & ~kColorMark) : 0;

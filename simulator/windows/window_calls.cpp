@@ -51,6 +51,39 @@ BOOL CALLBACK PassOn(HWND window, LPARAM param) {
     return IsHostsOwn(window) || enumeration.callback(window, enumeration.param);
 }
 
+// A search among the windows of the screen, front to back.
+struct Search {
+    const wchar_t* title;  // null: any
+    HWND found;
+};
+
+bool IsDialogOrBox(HWND window) {
+    wchar_t name[64] = L"";
+    ::GetClassNameW(window, name, 64);
+    return std::wcscmp(name, kDialogClass) == 0 || std::wcscmp(name, kHostDialogClass) == 0;
+}
+
+BOOL CALLBACK TakeDialog(HWND window, LPARAM param) {
+    auto& search = *reinterpret_cast<Search*>(param);
+    wchar_t title[MAX_PATH] = L"";
+    ::InternalGetWindowText(window, title, MAX_PATH);
+    if (IsDialogOrBox(window) &&
+        (search.title == nullptr || std::wcscmp(title, search.title) == 0)) {
+        search.found = window;
+    }
+    return search.found == nullptr;
+}
+
+bool BoxesAreDialogs() {
+    return Device::HasCurrent() && Device::Current().Setting("box.class", "") == "dialog";
+}
+
+bool IsOfAnotherProgram(HWND window) {
+    DWORD process = 0;
+    ::GetWindowThreadProcessId(window, &process);
+    return process != ::GetCurrentProcessId();
+}
+
 }  // namespace
 
 void EnterDeviceDesktop() {
@@ -114,6 +147,11 @@ void* FindWindowOnDevice(const wchar_t* class_name, const wchar_t* title) {
     if (by_name && std::wcscmp(class_name, kShellDesktopClass) == 0) {
         return ::GetDesktopWindow();
     }
+    if (by_name && std::wcscmp(class_name, kDialogClass) == 0 && BoxesAreDialogs()) {
+        Search search{title, nullptr};
+        ::EnumWindows(TakeDialog, reinterpret_cast<LPARAM>(&search));
+        return search.found;
+    }
     return ::FindWindowW(class_name, title);
 }
 
@@ -124,6 +162,16 @@ void* ForegroundWindow() {
 
 bool BringToForeground(void* window) {
     EnterDeviceDesktop();
+    constexpr ULONG_PTR kWithOwned = 1;
+    const auto handle = reinterpret_cast<ULONG_PTR>(window);
+    if ((handle & kWithOwned) != 0) {
+        const auto owner = reinterpret_cast<HWND>(handle & ~kWithOwned);
+        return ::SetForegroundWindow(::GetLastActivePopup(owner)) != 0;
+    }
+    if (Device::HasCurrent() && Device::Current().Setting("foreground.plain", "") == "ignored" &&
+        IsOfAnotherProgram(static_cast<HWND>(window))) {
+        return true;
+    }
     return ::SetForegroundWindow(static_cast<HWND>(window)) != 0;
 }
 

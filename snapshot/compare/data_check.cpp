@@ -11,7 +11,7 @@
 namespace tolvenar {
 namespace {
 
-constexpr std::uint32_t kChunkBytes = 4096;
+constexpr std::uint32_t kChunkBytes = 2048;
 
 bool HasWholeName(const InfoBlock& block) {
     return std::u16string_view(block.name()).size() * sizeof(char16_t) == block.head().name_bytes;

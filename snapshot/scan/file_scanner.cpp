@@ -6,6 +6,7 @@
 
 #include "platform/file_entry.h"
 #include "platform/file_mapping.h"
+#include "platform/keep_awake.h"
 #include "platform/text.h"
 #include "snapshot/records/checksum.h"
 #include "snapshot/text/text_buffer.h"
@@ -13,9 +14,8 @@
 namespace tolvenar {
 namespace {
 
-constexpr std::u16string_view kAllEntries = u"\\*.*";
-// The same behind a path that leaves no room for the longer one.
-constexpr std::u16string_view kAllEntriesShort = u"\\*";
+// Whether "*.*" lists names without a dot is open.
+constexpr std::u16string_view kAllEntries = u"\\*";
 
 constexpr std::uint16_t kFolderFingerprint = 0;
 constexpr std::uint16_t kEmptyFileFingerprint = 0xFFFF;
@@ -38,9 +38,7 @@ public:
     // Visits the contents of the folder in path_. Each level lengthens the path, so the path's
     // limit bounds the depth.
     void VisitContents() {
-        const std::u16string_view pattern =
-            length_ + kAllEntries.size() < MAX_PATH ? kAllEntries : kAllEntriesShort;
-        path_[length_ + pattern.copy(path_ + length_, pattern.size())] = 0;
+        path_[length_ + kAllEntries.copy(path_ + length_, kAllEntries.size())] = 0;
         UniqueFind search(::FindFirstFileW(Wide(path_), &entry_));
         path_[length_] = 0;
         if (!search) {
@@ -57,6 +55,7 @@ private:
         if (entry_.cFileName[0] == L'.') {
             return;
         }
+        StayAwakeBetweenObjects();
         maker_(scan_, path_, entry_);
         if (!IsFolder(entry_) || IsMountedCard(entry_)) {
             return;

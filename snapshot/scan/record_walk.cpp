@@ -1,5 +1,7 @@
 #include "snapshot/scan/record_walk.h"
 
+#include "platform/keep_awake.h"
+
 namespace tolvenar {
 
 // 0 or why nothing was read.
@@ -17,6 +19,7 @@ RecordWalk::Step RecordWalk::Next() {
     if (has_ended_) {
         return Step::kEnd;
     }
+    StayAwakeBetweenObjects();
     DWORD error = Read();
     for (; error == ERROR_KEY_DELETED && restarts_ < kRestarts; ++restarts_) {
         position_ = 0;

@@ -4,6 +4,7 @@
 #include <new>
 #include <string_view>
 
+#include "platform/keep_awake.h"
 #include "platform/registry_key.h"
 #include "platform/text.h"
 #include "snapshot/compare/exclusion.h"
@@ -55,6 +56,7 @@ public:
         if (!key || !QueryKey(key.get(), counts)) {
             return;
         }
+        StayAwakeBetweenObjects();
         maker_(scan_, {true, hive_, path_});
         const std::size_t key_length = length_;
         for (DWORD i = 0; i < counts.subkeys && EnterSubkey(key.get(), i); ++i) {
@@ -101,6 +103,7 @@ private:
             // A name that does not fit is longer than a block can name: such a value is left out.
             if (::RegEnumValueW(key, i, Wide(value_name_), &name_units, nullptr, &type, data_.get(),
                                 &data_bytes) == ERROR_SUCCESS) {
+                StayAwakeBetweenObjects();
                 TakeOffListedName(key);
                 maker_(scan_, {false, hive_, path_, value_name_, type, data_.get(), data_bytes});
             }

@@ -1,7 +1,9 @@
 #include "storage/files/handle_bytes.h"
 
+#include "platform/keep_awake.h"
 #include "platform/text.h"
 #include "storage/files/card_retry.h"
+#include "storage/files/write_pieces.h"
 
 namespace tolvenar {
 namespace {
@@ -66,6 +68,7 @@ bool HandleBytes::ReadAt(std::uint32_t offset, void* buffer, std::uint32_t bytes
     if (!MoveTo(offset)) {
         return false;
     }
+    StayAwakeBetweenObjects();
     // A read may give fewer bytes than are there: only one that gives none has met the end. A
     // record that was cut in the middle would be taken for the last one's rest, and all behind it
     // shifted.
@@ -95,8 +98,11 @@ bool HandleBytes::Size(std::uint32_t& bytes) {
 }
 
 bool HandleBytes::Append(const void* buffer, std::uint32_t bytes) {
-    const std::uint32_t place = position_;
-    return WriteToCard([&] { return WriteAt(place, buffer, bytes); });
+    return WriteInPieces(bytes, [&](std::uint32_t done, std::uint32_t length) {
+        const std::uint32_t place = position_;
+        const void* piece = static_cast<const std::uint8_t*>(buffer) + done;
+        return WriteToCard([&] { return WriteAt(place, piece, length); });
+    });
 }
 
 // A write that failed may have moved the handle.

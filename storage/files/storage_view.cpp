@@ -5,6 +5,7 @@
 
 #include "platform/file_mapping.h"
 #include "platform/text.h"
+#include "storage/files/write_pieces.h"
 
 namespace tolvenar {
 namespace {
@@ -39,9 +40,11 @@ std::uint32_t NextChunk(std::uint32_t remaining) {
 bool WriteChunk(HANDLE file, const StorageMapping& storage, std::uint32_t offset,
                 std::uint32_t length) {
     StoredBytes data = MapStoredBytes(storage, offset, length);
-    DWORD written = 0;
-    if (data.bytes == nullptr || !::WriteFile(file, data.bytes, length, &written, nullptr) ||
-        written != length) {
+    const auto write = [&](std::uint32_t done, std::uint32_t piece) {
+        DWORD written = 0;
+        return ::WriteFile(file, data.bytes + done, piece, &written, nullptr) && written == piece;
+    };
+    if (data.bytes == nullptr || !WriteInPieces(length, write)) {
         return false;
     }
     data.view.Close();

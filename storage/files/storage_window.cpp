@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "platform/keep_awake.h"
+
 namespace tolvenar {
 
 const std::uint8_t* StorageWindow::At(std::uint32_t offset, std::uint32_t length) {
@@ -35,6 +37,7 @@ bool StorageWindow::MapAround(std::uint32_t offset, std::uint32_t length) {
 
 bool StorageWindow::Map(std::uint32_t offset, std::uint32_t length) {
     std::uint32_t adjust = 0;
+    StayAwake();
     Close();
     view_ = MapStorageView(storage_, offset, length, adjust);
     if (view_) {

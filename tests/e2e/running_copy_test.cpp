@@ -12,6 +12,12 @@ protected:
     void Stub(const std::string& window_class, int answer) {
         Ask("window stub " + window_class + " Stub " + std::to_string(answer));
     }
+    // Another program is in front.
+    Program ShowAnother() {
+        Program other(device().sim(), L"\\Windows\\peghelp.exe", L"tolvenar.htc");
+        EXPECT_SOON(IsActive("Tolvenar Help"));
+        return other;
+    }
     // The copy's main dialog is up and its operation window answers.
     bool IsUp(const Program& copy) {
         return MainDialogAppears(copy.pid()) && Eventually([&] {
@@ -31,6 +37,37 @@ TEST_F(RunningCopyTest, ASecondStartBringsTheFirstForward) {
         EXPECT_EQ(1u, WindowCount("Dialog", kMainTitle)) << text;
         EXPECT_SOON(IsActive(kMainTitle)) << text;
     }
+}
+
+// However a system finds boxes, and however it takes the asking.
+TEST_F(RunningCopyTest, ASecondStartBringsTheBoxForwardThatTheFirstWaitsWith) {
+    SetDword("Reminders", 0);
+    ASSERT_EQ(0, BackUp());
+    const Program first = Launch("");
+    ASSERT_TRUE(IsUp(first));
+    ShowTab("Backup");
+    Press(IDC_BACKUP);
+    const Window box = AwaitTop([](const Window& window) { return window.class_name == "#32770"; });
+    for (const char* boxes : {"other", "dialog"}) {
+        for (const char* plain : {"taken", "ignored"}) {
+            device().Set("box.class", boxes);
+            device().Set("foreground.plain", plain);
+            const Program other = ShowAnother();
+            EXPECT_EQ(1, Run("")) << boxes << ", " << plain;
+            EXPECT_SOON_EQ(HandleOf(box), ::GetForegroundWindow()) << boxes << ", " << plain;
+        }
+    }
+    Press(IDOK);
+    CloseMainDialog();
+}
+
+TEST_F(RunningCopyTest, ASecondStartComesForwardAtTheSecondAsking) {
+    device().Set("foreground.plain", "ignored");
+    const Program first = Launch("");
+    ASSERT_TRUE(IsUp(first));
+    const Program other = ShowAnother();
+    EXPECT_EQ(1, Run(""));
+    EXPECT_SOON(IsActive(kMainTitle));
 }
 
 TEST_F(RunningCopyTest, ABackupTakesOverAnIdleCopy) {

@@ -188,6 +188,18 @@ TEST_F(WindowsTest, AMessageBoxIsNoDialogToASearchButCanBeAnswered) {
     EXPECT_EQ(IDNO, program.ExitCode());
 }
 
+// Of which class a system's boxes are is open.
+TEST_F(WindowsTest, BySettingAMessageBoxIsADialogToASearch) {
+    device().Set("box.class", "dialog");
+    Program program(sim(), kProbe, L"box");
+    ASSERT_TRUE(Eventually([&] { return windows::Find(sim(), IDYES).has_value(); }));
+    HWND box = ::FindWindowW(nullptr, L"Probe box");
+    ASSERT_NE(nullptr, box);
+    EXPECT_EQ(box, ::FindWindowW(L"Dialog", nullptr));
+    EXPECT_EQ(box, ::FindWindowW(L"Dialog", L"Probe box"));
+    EXPECT_EQ(nullptr, ::FindWindowW(L"Dialog", L"Other"));
+}
+
 TEST_F(WindowsTest, AStubIgnoresACloseAndAnswersWithItsNumber) {
     ASSERT_NE(0u, windows::StartStub(sim(), L"TolvenarOperationClass", L"Operations", 5));
     HWND stub = ::FindWindowW(L"TolvenarOperationClass", nullptr);
@@ -221,6 +233,24 @@ TEST_F(WindowsTest, AWindowOfAnotherProgramComesToTheForeground) {
     HWND dialog = ::FindWindowW(L"Dialog", L"Probe");
     ASSERT_NE(nullptr, dialog);
     ::SetForegroundWindow(dialog);
+    EXPECT_TRUE(Eventually([&] { return ::GetForegroundWindow() == dialog; }));
+}
+
+// With the lowest bit of its handle set a window comes forward with what it owns; a system may ask
+// for that before another program's window comes.
+TEST_F(WindowsTest, TheLowestBitOfAHandleBringsTheWindowForward) {
+    device().Set("foreground.plain", "ignored");
+    Program first(sim(), kProbe, L"dialog");
+    ASSERT_TRUE(DialogIsUp());
+    Program second(sim(), kProbe, L"box");
+    ASSERT_TRUE(Eventually([&] { return windows::Find(sim(), IDYES).has_value(); }));
+    HWND box = ::FindWindowW(nullptr, L"Probe box");
+    HWND dialog = ::FindWindowW(L"Dialog", L"Probe");
+    ASSERT_TRUE(Eventually([&] { return ::GetForegroundWindow() == box; }));
+    EXPECT_TRUE(::SetForegroundWindow(dialog));
+    EXPECT_EQ(box, ::GetForegroundWindow());
+    const auto low_bit = reinterpret_cast<ULONG_PTR>(dialog) | 1;
+    EXPECT_TRUE(::SetForegroundWindow(reinterpret_cast<HWND>(low_bit)));
     EXPECT_TRUE(Eventually([&] { return ::GetForegroundWindow() == dialog; }));
 }
 

@@ -48,6 +48,21 @@ TEST_F(BackupPageTest, ItSaysWhichStateTheButtonMakes) {
     ExpectEffect("Back up makes State 3 on the card.");
 }
 
+// The card and the file are what the user knows it by.
+TEST_F(BackupPageTest, ALongPathIsShortenedInItsMiddle) {
+    const std::string folder = "\\Storage Card\\" + std::string(100, 'a') + "\\";
+    device().MakeFolder(std::wstring(folder.begin(), folder.end() - 1));
+    SetText("StoragePath", folder);
+    BackUp();
+    OpenOn("Backup");
+    ASSERT_SOON(Text(IDC_BACKUP_STORAGE) != "-");
+    const std::string text = Text(IDC_BACKUP_STORAGE);
+    EXPECT_EQ(0u, text.find("\\Storage Card")) << text;
+    EXPECT_NE(text.npos, text.find("aa...aa")) << text;
+    EXPECT_EQ(text.size() - 13, text.find("aa\\Backup.sav")) << text;
+    EXPECT_LT(30u, text.size()) << "the control has room for more";
+}
+
 TEST_F(BackupPageTest, AStorageInTheDevicesMemoryIsLostByAHardReset) {
     SetText("StoragePath", "\\My Documents\\");
     BackUp();

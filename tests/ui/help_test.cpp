@@ -74,6 +74,22 @@ TEST_F(HelpTest, ATapOnTheQuestionMarkOfTheCaptionOpensTheContents) {
     ExpectHelp("tolvenar.htc");
 }
 
+// Some systems ask for help themselves when they see the key.
+TEST_F(HelpTest, AltHOpensOneHelpWhereTheSystemAsksForItToo) {
+    OpenWithoutViewer();
+    ShowTab("Options");
+    for (const char* how : {"sent", "posted"}) {
+        device().Set("help.key", how);
+        Ask("trace on");
+        Keys("alt+h");
+        EXPECT_SOON_EQ(Texts{"\\Windows\\peghelp.exe, tolvenar_all.htp#tolvenar_options_content"},
+                       Asked())
+            << how;
+        ASSERT_TRUE(DialogIsDone());
+        EXPECT_EQ(1u, Asked().size()) << how;
+    }
+}
+
 TEST_F(HelpTest, F1OpensTheContentsFromEveryControl) {
     TakeFirstState();
     // Alt+D on the Options page begins a countdown, which would start the agent.

@@ -133,13 +133,28 @@ TEST_F(ProgressTest, AStepWithoutATextLeavesTextAndPhaseBar) {
     EXPECT_EQ((std::vector<Sent>{{windows_.step_bar, PBM_STEPIT, 0, 0}}), sent);
 }
 
-TEST_F(ProgressTest, TasksAndTextsPressTheSilentShiftKeyAndPlainStepsDoNot) {
-    progress_.ProgressStep();
-    EXPECT_EQ(0, KeyCalls());
+TEST_F(ProgressTest, TasksAndTextsPressTheSilentShiftKey) {
     progress_.ProgressBegin(8);
     EXPECT_EQ(2, KeyCalls());
     progress_.ProgressStep(u"Scanning files...");
     EXPECT_EQ(4, KeyCalls());
+}
+
+// Eight are quicker than the time that a device bears.
+TEST_F(ProgressTest, PlainStepsPressTheKeyTenSecondsAfterTheLastPress) {
+    progress_.ProgressBegin(100);
+    const auto eight_steps = [this] {
+        for (int i = 0; i < 8; ++i) {
+            progress_.ProgressStep();
+        }
+        return KeyCalls();
+    };
+    EXPECT_EQ(2, eight_steps());
+    device().Command("pass 5000");
+    EXPECT_EQ(2, eight_steps());
+    device().Command("pass 5000");
+    EXPECT_EQ(4, eight_steps());
+    EXPECT_EQ(4, eight_steps());
 }
 
 TEST_F(ProgressTest, WithoutAPopupNothingIsSent) {
