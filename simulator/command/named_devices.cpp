@@ -29,7 +29,6 @@ constexpr Choice kStrict211[] = {
     {"database.unique", "refused"},
     {"database.volume", "written"},
     {"find.nothing", "2"},
-    {"find.star.dot", "dotted"},
     {"folder.open", "no"},
     {"locale.checks", "missing"},
     {"heap.first", "1000000"},

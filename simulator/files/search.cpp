@@ -17,12 +17,6 @@ std::vector<std::uint32_t> Candidates(FileTable& table, const Node& folder,
     return child ? std::vector<std::uint32_t>{child->number} : std::vector<std::uint32_t>();
 }
 
-// "*.*" is every name by default; another form of it has a dot to be found.
-std::wstring AsTaken(const Device& device, const std::wstring& pattern) {
-    const bool needs_dot = pattern == L"*.*" && device.Setting("find.star.dot", "") == "dotted";
-    return needs_dot ? L"**.*" : pattern;
-}
-
 }  // namespace
 
 std::shared_ptr<Search> Search::Begin(Device& device, const wchar_t* pattern, FindEntry& first,
@@ -40,7 +34,7 @@ std::shared_ptr<Search> Search::Begin(Device& device, const wchar_t* pattern, Fi
         error = nothing;
         return nullptr;
     }
-    const std::wstring last = AsTaken(device, path.names.back());
+    const std::wstring last = path.names.back();
     path.names.pop_back();
     const Found folder = FindAsProgram(table, path);
     if (folder.error != 0 || !folder.node.is_folder()) {

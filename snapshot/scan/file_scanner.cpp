@@ -14,8 +14,9 @@
 namespace tolvenar {
 namespace {
 
-// Whether "*.*" lists names without a dot is open.
-constexpr std::u16string_view kAllEntries = u"\\*";
+constexpr std::u16string_view kAllEntries = u"\\*.*";
+// The same behind a path that leaves no room for the longer one.
+constexpr std::u16string_view kAllEntriesShort = u"\\*";
 
 constexpr std::uint16_t kFolderFingerprint = 0;
 constexpr std::uint16_t kEmptyFileFingerprint = 0xFFFF;
@@ -38,7 +39,9 @@ public:
     // Visits the contents of the folder in path_. Each level lengthens the path, so the path's
     // limit bounds the depth.
     void VisitContents() {
-        path_[length_ + kAllEntries.copy(path_ + length_, kAllEntries.size())] = 0;
+        const std::u16string_view pattern =
+            length_ + kAllEntries.size() < MAX_PATH ? kAllEntries : kAllEntriesShort;
+        path_[length_ + pattern.copy(path_ + length_, pattern.size())] = 0;
         UniqueFind search(::FindFirstFileW(Wide(path_), &entry_));
         path_[length_] = 0;
         if (!search) {

@@ -130,7 +130,7 @@ TEST_F(WholeOperationsTest, AFileThatIsHeldAtALaterBackupStaysAsItWas) {
 
 TEST_F(WholeOperationsTest, AFolderThatCouldNotBeListedAtItsOnlyBackupIsMissingFromThatState) {
     device().PutFile(L"\\Docs\\a.txt", "a");
-    device().Fault("FindFirstFileW", 1, 1, ERROR_NOT_ENOUGH_MEMORY, "\\Docs\\*");
+    device().Fault("FindFirstFileW", 1, 1, ERROR_NOT_ENOUGH_MEMORY, "\\Docs\\*.*");
     ASSERT_EQ(ResultCode::kSuccess, Backup());
     device().Command("faults clear");
     EXPECT_EQ(ResultCode::kSuccess, Restore(1));

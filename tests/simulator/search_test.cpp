@@ -24,14 +24,6 @@ TEST_F(SearchTest, EverythingMatchesStarDotStar) {
     EXPECT_EQ(all, Sorted(Names(L"\\dir\\*")));
 }
 
-// What "*.*" finds beside them is told for other systems only.
-TEST_F(SearchTest, BySettingStarDotStarLeavesOutNamesWithoutADot) {
-    PutAll(L"\\dir\\", {L"a.txt", L"README", L".b", L"c."});
-    device().Set("find.star.dot", "dotted");
-    EXPECT_EQ((NameList{L".b", L"a.txt", L"c."}), Sorted(Names(L"\\dir\\*.*")));
-    EXPECT_EQ(4u, Names(L"\\dir\\*").size());
-}
-
 TEST_F(SearchTest, WildcardsMatchWithoutRegardToCase) {
     PutAll(L"\\", {L"One.TXT", L"two.txt", L"three.doc", L"t.txt"});
     EXPECT_EQ((NameList{L"One.TXT", L"t.txt", L"two.txt"}), Sorted(Names(L"\\*.txt")));

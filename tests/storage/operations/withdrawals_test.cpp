@@ -113,7 +113,7 @@ TEST_F(WithdrawalsTest, AFolderThatCannotBeListedKeepsWhatIsInIt) {
     device().PutFile(L"\\Sub\\Deep\\b.txt", "b");
     BackUpWith(L"\\Sub\\a.txt", "a");
     const tests::Contents before = Now();
-    device().Fault("FindFirstFileW", 1, 1, ERROR_NOT_READY, "Sub\\*");
+    device().Fault("FindFirstFileW", 1, 1, ERROR_NOT_READY, "Sub\\*.*");
     EXPECT_EQ(Done(ResultCode::kNoDifference), Backup(2));
     device().EndFaults();
     ExpectKept(3);
