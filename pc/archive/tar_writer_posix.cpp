@@ -1,11 +1,10 @@
-#include "pc/archive/tar_writer.h"
-
 #include <archive.h>
 #include <archive_entry.h>
 #include <cerrno>
 #include <clocale>
 #include <unistd.h>
 
+#include "pc/archive/tar_writer.h"
 #include "pc/text/failure.h"
 
 namespace tolvenar::pc {

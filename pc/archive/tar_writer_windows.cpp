@@ -5,8 +5,9 @@ namespace tolvenar::pc {
 
 TarWriter::TarWriter(Take take, FileTime usual_time)
     : take_(std::move(take)), usual_time_(usual_time), archive_(nullptr) {
-    throw Failure(ExitCode::kCannot,
-                  "the program for Windows writes no tar files: take extract, and export reg and json");
+    throw Failure(
+        ExitCode::kCannot,
+        "the program for Windows writes no tar files: take extract, and export reg and json");
 }
 
 TarWriter::~TarWriter() = default;

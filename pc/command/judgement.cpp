@@ -76,13 +76,12 @@ Judgement Judge(StoredPair& pair, bool all, const char* what, Console& console) 
     ContentProof proof(pair);
     const Lifetimes lifetimes(pair, StatesOf(pair));
     ProgressLine progress(console, what, pair.sizes().storage);
-    const std::vector<Damage>& damage =
-        proof.Finish([&progress](std::uint64_t bytes) {
-            if (IsInterrupted()) {
-                throw Failure(ExitCode::kCannot, "interrupted");
-            }
-            progress.Add(bytes);
-        });
+    const std::vector<Damage>& damage = proof.Finish([&progress](std::uint64_t bytes) {
+        if (IsInterrupted()) {
+            throw Failure(ExitCode::kCannot, "interrupted");
+        }
+        progress.Add(bytes);
+    });
     Judgement judgement;
     CountStates(lifetimes, pair.check(), damage, judgement);
     for (std::size_t i = 0; i < damage.size(); ++i) {

@@ -2,17 +2,12 @@
 
 #include <algorithm>
 #include <cstring>
-#include <ctime>
 #include <fmt/format.h>
 
 #include "pc/text/hex.h"
 
 namespace tolvenar::pc {
-namespace {
-
-constexpr int kLastYear = 9999;
-
-}  // namespace
+namespace {}  // namespace
 
 RecordFields::RecordFields(const std::vector<RecordProperty>& properties) {
     for (const RecordProperty& property : properties) {
@@ -92,16 +87,17 @@ void TellUnknown(const std::map<std::uint32_t, int>& unknown, Omissions& omissio
     }
 }
 
+// UtcText without what parts it, "2026-11-16T04:33:12Z".
 std::optional<std::string> CompactUtc(FileTime time) {
-    const UnixTime moment = ToUnix(time);
-    const std::time_t seconds = static_cast<std::time_t>(moment.seconds);
-    std::tm parts{};
-    if (time.ticks == 0 || moment.nanoseconds != 0 || ::gmtime_r(&seconds, &parts) == nullptr ||
-        parts.tm_year + 1900 > kLastYear) {
-        return std::nullopt;
+    constexpr std::size_t kLength = 20;
+    std::string text = UtcText(time);
+    if (text.size() != kLength || ToUnix(time).nanoseconds != 0) {
+        return std::nullopt;  // no time, a year of five digits, or less than a second told
     }
-    return fmt::format("{:04}{:02}{:02}T{:02}{:02}{:02}Z", parts.tm_year + 1900, parts.tm_mon + 1,
-                       parts.tm_mday, parts.tm_hour, parts.tm_min, parts.tm_sec);
+    for (const char separator : {'-', ':'}) {
+        text.erase(std::remove(text.begin(), text.end(), separator), text.end());
+    }
+    return text;
 }
 
 }  // namespace tolvenar::pc

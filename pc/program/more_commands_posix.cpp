@@ -1,6 +1,5 @@
-#include "pc/program/more_commands.h"
-
 #include "pc/mount/mount.h"
+#include "pc/program/more_commands.h"
 #include "pc/report/report.h"
 #include "pc/serve/serve.h"
 

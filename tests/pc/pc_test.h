@@ -47,6 +47,16 @@ private:
 class ThreeStatesTest : public PcTest {
 protected:
     ThreeStatesTest();
+    // A state with twenty thousand files more.
+    void AddManyFiles() {
+        pair.BeginState();
+        for (std::uint32_t i = 0; i < 20000; ++i) {
+            const std::u16string folder = u"\\Folder " + std::u16string(i / 1000 + 1, u'a');
+            const std::string number = std::to_string(i);
+            pair.AddFile(folder + u"\\file " + std::u16string(number.begin(), number.end()), "x",
+                         0x1000 + i);
+        }
+    }
 };
 
 }  // namespace tolvenar::pc

@@ -1,5 +1,4 @@
 // report.
-#include "tests/pc/child.h"
 #include "tests/pc/hostile_pair.h"
 #include "tests/pc/pc_test.h"
 
@@ -14,15 +13,6 @@ protected:
         const Result result = Run({"report", "HOME"});
         EXPECT_EQ(expected_code, result.code) << result.err;
         return result.out;
-    }
-    void AddManyFiles() {
-        pair.BeginState();
-        for (std::uint32_t i = 0; i < 20000; ++i) {
-            const std::u16string folder = u"\\Folder " + std::u16string(i / 1000 + 1, u'a');
-            const std::string number = std::to_string(i);
-            pair.AddFile(folder + u"\\file " + std::u16string(number.begin(), number.end()), "x",
-                         0x1000 + i);
-        }
     }
 };
 
@@ -110,15 +100,6 @@ TEST_F(ReportTest, AFileThatIsThereStays) {
     EXPECT_EQ("mine", Read("page.html"));
 }
 
-// The disk takes no more than one block.
-TEST_F(ReportTest, NoHalfFileStandsUnderItsName) {
-    const std::string command = "trap '' XFSZ; ulimit -f 1; " PC_PROGRAM " report " +
-                                In("Home.sav") + " -o " + In("page.html") + " 2> " + In("told");
-    EXPECT_NE(0, std::system(("bash -c \"" + command + "\"").c_str()));
-    EXPECT_TRUE(Has(Read("told"), "page.html: File too large"));
-    EXPECT_FALSE(std::filesystem::exists(In("page.html")));
-}
-
 TEST_F(ReportTest, JsonTellsOfTheFile) {
     const auto told = RunJson({"report", "HOME", "-o", In("page.html")});
     EXPECT_EQ(In("page.html"), told["to"]);
@@ -134,17 +115,6 @@ TEST_F(ReportTest, AStorageOfManyFilesStaysUsable) {
     const std::string page = Report();
     EXPECT_TRUE(Has(page, "file 19999 (+)"));
     EXPECT_GT(20000u * 100, page.size());
-}
-
-// A pipe holds a part of the page.
-TEST_F(ReportTest, AnInterruptIsAClearEnd) {
-    AddManyFiles();
-    Save();
-    const Child child({"report", In("Home.sav")}, In("told"));
-    EXPECT_EQ("<!DOCTYPE html>\n", child.ReadLine());
-    child.Interrupt();
-    EXPECT_EQ(1, child.End());
-    EXPECT_EQ("tolvenar: interrupted\n", Read("told"));
 }
 
 }  // namespace
