@@ -70,9 +70,10 @@ const std::vector<FaultRow>& ShortRows() {
 }
 
 bool CannotFail(const char* function) {
-    static const char* const names[] = {"CompareStringW", "GetSystemInfo", "GetSystemTime",
-                                        "GetLastError",   "GetTickCount",  "GlobalMemoryStatus",
-                                        "SetLastError",   "Sleep",         "SystemTimeToFileTime"};
+    static const char* const names[] = {
+        "CompareStringW", "GetSystemInfo",       "GetSystemTime", "GetLastError",
+        "GetTickCount",   "GlobalMemoryStatus",  "keybd_event",   "SetLastError",
+        "Sleep",          "SystemTimeToFileTime"};
     return std::any_of(std::begin(names), std::end(names),
                        [&](const char* name) { return std::strcmp(name, function) == 0; });
 }
