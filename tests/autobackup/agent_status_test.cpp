@@ -67,8 +67,8 @@ TEST_F(AgentStatusTest, TheControlsAreHiddenAndReady) {
     EXPECT_FALSE(::GetWindowLongW(label_, GWL_STYLE) & WS_VISIBLE);
     EXPECT_EQ(switch_, ::GetWindow(page_, GW_CHILD));  // the others stand behind it now
     RECT place;
-    ::GetClientRect(bar_, &place);
-    EXPECT_EQ(50, place.right);
+    ::GetWindowRect(bar_, &place);
+    EXPECT_EQ(50, place.right - place.left);
     EXPECT_EQ(L"ready:", Label());
     EXPECT_EQ(0, Position());
     EXPECT_EQ(0, ::SendMessageW(bar_, PBM_GETRANGE, TRUE, 0));
