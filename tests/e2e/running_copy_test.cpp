@@ -15,7 +15,11 @@ protected:
     // Another program is in front.
     Program ShowAnother() {
         Program other(device().sim(), L"\\Windows\\peghelp.exe", L"tolvenar.htc");
-        EXPECT_SOON(IsActive("Tolvenar Help"));
+        // One that ended a moment ago may still be on the screen.
+        EXPECT_TRUE(Eventually([&] {
+            const auto window = Top("Tolvenar Help");
+            return window && window->pid == other.pid() && window->active;
+        }));
         return other;
     }
     // The copy's main dialog is up and its operation window answers.
