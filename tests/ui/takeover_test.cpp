@@ -30,7 +30,7 @@ protected:
             meanwhile();
         }
         EXPECT_EQ(1, second.ExitCode());
-        EXPECT_EQ(forward + 1, Counted("SetForegroundWindow"));
+        EXPECT_LT(forward, Counted("SetForegroundWindow"));
         EXPECT_TRUE(first.Runs());
     }
     void ExpectStillUsable(Program& first) {
