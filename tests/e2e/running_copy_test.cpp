@@ -43,25 +43,6 @@ TEST_F(RunningCopyTest, ASecondStartBringsTheFirstForward) {
     }
 }
 
-// Whether a system finds boxes as dialogs or not.
-TEST_F(RunningCopyTest, ASecondStartBringsTheBoxForwardThatTheFirstWaitsWith) {
-    SetDword("Reminders", 0);
-    ASSERT_EQ(0, BackUp());
-    const Program first = Launch("");
-    ASSERT_TRUE(IsUp(first));
-    ShowTab("Backup");
-    Press(IDC_BACKUP);
-    const Window box = AwaitTop([](const Window& window) { return window.class_name == "#32770"; });
-    for (const char* boxes : {"other", "dialog"}) {
-        device().Set("box.class", boxes);
-        const Program other = ShowAnother();
-        EXPECT_EQ(1, Run("")) << boxes;
-        EXPECT_SOON_EQ(HandleOf(box), ::GetForegroundWindow()) << boxes;
-    }
-    Press(IDOK);
-    CloseMainDialog();
-}
-
 TEST_F(RunningCopyTest, ASecondStartComesForwardAtTheSecondAsking) {
     device().Set("foreground.plain", "ignored");
     const Program first = Launch("");
