@@ -188,10 +188,13 @@ protected:
     std::vector<std::string> Arguments() const {
         return {"mount", In("Home.sav"), In("mnt"), "--json"};
     }
+    // A container may have the device and no right to mount.
     bool MayMount() const {
         const int device = ::open("/dev/fuse", O_RDWR | O_CLOEXEC);
         ::close(device);
-        return device >= 0;
+        const std::string folder = In("mnt");
+        return device >= 0 && ::mount("none", folder.c_str(), "tmpfs", 0, nullptr) == 0 &&
+               ::umount(folder.c_str()) == 0;
     }
     int OpenAt(const std::string& path, int flags) const {
         const int file = ::open(In("mnt/" + path).c_str(), flags, 0666);
