@@ -1,16 +1,6 @@
 # The program for the PC as it is installed: optimised, without sanitizers and tests.
 include(GNUInstallDirs)
-include(cmake/rooms.cmake)
-set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
-add_library(native_options INTERFACE)
-target_include_directories(native_options INTERFACE ${CMAKE_SOURCE_DIR})
-target_link_libraries(native_options INTERFACE warnings)
-target_compile_options(native_options INTERFACE -fno-exceptions -fno-rtti -fno-strict-aliasing)
-make_rooms(PRODUCT KINDS bytes OPTIONS native_options)
-add_library(pc_options INTERFACE)
-target_link_libraries(pc_options INTERFACE warnings)
-target_compile_options(pc_options INTERFACE -fno-strict-aliasing)
-include(cmake/pc_program.cmake)
+include(cmake/pc_alone.cmake)
 install(TARGETS tolvenar_pc RUNTIME)
 
 # The program itself describes its command line, so that the manual page and the completions are what it takes.

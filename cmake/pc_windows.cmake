@@ -1,17 +1,7 @@
 # The program for the PC on 32-bit Windows, and its tests under Wine.
-set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
-include(cmake/rooms.cmake)
 add_compile_definitions(UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0601)
 add_link_options(-static)
-add_library(native_options INTERFACE)
-target_include_directories(native_options INTERFACE ${CMAKE_SOURCE_DIR})
-target_link_libraries(native_options INTERFACE warnings)
-target_compile_options(native_options INTERFACE -fno-exceptions -fno-rtti -fno-strict-aliasing)
-make_rooms(PRODUCT KINDS bytes OPTIONS native_options)
-add_library(pc_options INTERFACE)
-target_link_libraries(pc_options INTERFACE warnings)
-target_compile_options(pc_options INTERFACE -fno-strict-aliasing)
-include(cmake/pc_program.cmake)
+include(cmake/pc_alone.cmake)
 
 if(BUILD_TESTING)
   set(INSTALL_GTEST OFF)

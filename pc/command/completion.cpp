@@ -34,7 +34,7 @@ std::string Quoted(const std::string& text, const char* quote) {
     return quoted + "'";
 }
 
-// Within brackets of a specification.
+// Within the brackets of an argument of zsh.
 std::string InBrackets(const std::string& text) {
     std::string escaped;
     for (const char letter : text) {

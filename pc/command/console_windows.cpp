@@ -6,7 +6,6 @@
 namespace tolvenar::pc {
 namespace {
 
-constexpr std::size_t kWaitingBytes = 64 * 1024;
 constexpr int kStandardOutput = 1;
 
 HANDLE HandleOf(int file) {
@@ -34,20 +33,6 @@ bool Show(HANDLE console, std::string_view bytes) {
 }
 
 }  // namespace
-
-bool HandleOutput::Put(std::string_view bytes) {
-    if (waiting_.size() + bytes.size() <= kWaitingBytes) {
-        waiting_ += bytes;
-        return true;
-    }
-    return Flush() && WriteAll(bytes);
-}
-
-bool HandleOutput::Flush() {
-    const bool written = WriteAll(waiting_);
-    waiting_.clear();
-    return written;
-}
 
 bool HandleOutput::WriteAll(std::string_view bytes) {
     const HANDLE handle = HandleOf(file_);

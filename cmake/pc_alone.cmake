@@ -1,0 +1,12 @@
+# The program for the PC with the rooms below it, in a build of nothing else.
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+include(cmake/rooms.cmake)
+add_library(native_options INTERFACE)
+target_include_directories(native_options INTERFACE ${CMAKE_SOURCE_DIR})
+target_link_libraries(native_options INTERFACE warnings)
+target_compile_options(native_options INTERFACE -fno-exceptions -fno-rtti -fno-strict-aliasing)
+make_rooms(PRODUCT KINDS bytes OPTIONS native_options)
+add_library(pc_options INTERFACE)
+target_link_libraries(pc_options INTERFACE warnings)
+target_compile_options(pc_options INTERFACE -fno-strict-aliasing)
+include(cmake/pc_program.cmake)
